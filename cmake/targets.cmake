@@ -1,0 +1,49 @@
+# How every target of this project is made. One function a kind.
+
+# Warnings, floating point and sanitizers, alike for all.
+add_library(vantorelix_flags INTERFACE)
+target_include_directories(vantorelix_flags INTERFACE ${PROJECT_SOURCE_DIR})
+if(MSVC)
+  target_compile_options(vantorelix_flags INTERFACE /W4 /fp:precise $<$<BOOL:${VANTORELIX_WERROR}>:/WX>)
+else()
+  # No fused multiply-add: results must not depend on the processor.
+  target_compile_options(vantorelix_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
+                         -ffp-contract=off $<$<BOOL:${VANTORELIX_WERROR}>:-Werror>)
+  if(VANTORELIX_SANITIZE)
+    target_compile_options(vantorelix_flags INTERFACE -fsanitize=${VANTORELIX_SANITIZE} -fno-sanitize-recover=all
+                           -fno-omit-frame-pointer)
+    target_link_options(vantorelix_flags INTERFACE -fsanitize=${VANTORELIX_SANITIZE})
+  endif()
+endif()
+
+# The sources below a folder that are not tests.
+function(vantorelix_sources result folder)
+  file(GLOB_RECURSE found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
+  list(FILTER found EXCLUDE REGEX "_test\\.cpp$|/main\\.cpp$")
+  set(${result} ${found} PARENT_SCOPE)
+endfunction()
+
+# A static library of everything below a folder of the same name.
+function(vantorelix_library folder)
+  cmake_parse_arguments(ARG "" "" "DEPENDS;PACKAGES" ${ARGN})
+  vantorelix_sources(sources ${folder})
+  add_library(vantorelix_${folder} STATIC ${sources})
+  target_link_libraries(vantorelix_${folder} PUBLIC vantorelix_flags ${ARG_PACKAGES})
+  foreach(dependency IN LISTS ARG_DEPENDS)
+    target_link_libraries(vantorelix_${folder} PUBLIC vantorelix_${dependency})
+  endforeach()
+endfunction()
+
+# One GoogleTest program from the *_test.cpp files of a folder (not below it).
+function(vantorelix_test folder)
+  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*_test.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  string(REPLACE "/" "_" name ${folder})
+  add_executable(${name}_test ${sources})
+  target_link_libraries(${name}_test PRIVATE ${ARG_DEPENDS} vantorelix_flags GTest::gtest GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${name}_test PRIVATE VANTORELIX_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  add_test(NAME ${name} COMMAND ${name}_test WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
+endfunction()

@@ -1,0 +1,46 @@
+// The published constants: identity, option keys, tuning, the colour ramp.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "host/vector.h"
+
+namespace vantorelix {
+
+inline const std::string SCRIPT_NAME = "Vantorelix";
+inline const std::string SCRIPT_VERSION = "v1_04";
+inline const std::string PLUGIN_BASENAME = "Vantorelix_plugin";
+inline const std::string NODE_TYPE = "vantorelix";
+inline const std::string TRAIL_ROOT = "vantorelixs_grp";
+
+inline const std::string OPT_SAMPLES = "Vantorelix_samplesPerFrame";
+inline const std::string OPT_LINE_WIDTH = "Vantorelix_lineWidth";
+inline const std::string OPT_POINT_SIZE = "Vantorelix_pointSize";
+inline const std::string OPT_SHOW_LINE = "Vantorelix_showLine";
+inline const std::string OPT_SHOW_DOTS = "Vantorelix_showDots";
+inline const std::string OPT_XRAY = "Vantorelix_xrayMode";
+inline const std::string OPT_COLOR_MODE = "Vantorelix_colorMode";
+
+inline constexpr double _CHUNK_BUDGET = 0.008;      // seconds of one deferred rebuild step
+inline constexpr double _DEBOUNCE = 0.2;            // seconds of quiet after an edit before rebuilding
+inline constexpr double _CREATE_BUDGET = 0.15;      // seconds of foreground sampling in one create_trail
+inline constexpr double _SPACING_RED_MULT = 2.5;    // multiple of the baseline spacing at the top of the ramp
+inline const std::array<std::string, 1> _VIEWPORT_TRAIL_FLAGS = {"motionTrails"};
+
+struct RampStop {
+  double t;
+  host::Vector colour;
+};
+
+// Blue, cyan, green, yellow, orange, red. Unevenly placed on purpose: yellow to red takes the top 30 %.
+inline constexpr std::array<RampStop, 6> _RAMP_STOPS = {{
+    {0.0, {0.0, 0.0, 1.0}},
+    {0.25, {0.0, 1.0, 1.0}},
+    {0.5, {0.0, 1.0, 0.0}},
+    {0.7, {1.0, 1.0, 0.0}},
+    {0.85, {1.0, 0.5, 0.0}},
+    {1.0, {1.0, 0.0, 0.0}},
+}};
+
+}  // namespace vantorelix

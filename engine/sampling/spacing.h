@@ -1,0 +1,38 @@
+// Spacing values and the coverage-first order of samples.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "host/value.h"
+
+namespace vantorelix {
+
+// Mean over up to 2 * window + 1 neighbours, fewer at the ends. A window of 0 or less copies.
+std::vector<double> _smooth(const std::vector<double>& values, std::int64_t window = 3);
+
+// Ramp parameters in 0..1 for segment lengths, and the spacing reference they were measured against. `ref` none
+// makes a new one: the mean of the lengths above 1e-9.
+std::pair<std::vector<double>, host::Value> _t_from_spacing(const std::vector<double>& dists,
+                                                            const host::Value& ref = {});
+
+// The baseline inside a spacing reference; 0.0 when it is none or empty. Throws when it holds no number.
+double _spacing_baseline(const host::Value& ref);
+
+// Each of 0..n-1 exactly once: both ends, then midpoints level by level. Lazy: keeps its place between pulls.
+class _bisect_indices {
+ public:
+  explicit _bisect_indices(std::int64_t n);
+  // The next index, or nothing at the end.
+  std::optional<std::int64_t> next();
+
+ private:
+  std::int64_t n_;
+  int ends_given_ = 0;
+  std::deque<std::pair<std::int64_t, std::int64_t>> spans_;
+};
+
+}  // namespace vantorelix

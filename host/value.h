@@ -1,0 +1,92 @@
+// What crosses the boundary untyped: an argument handed on as it was passed, an option variable, a setting.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace vantorelix::host {
+
+class Value;
+
+// A sequence shared by reference, as sequences are in the embedded scripting language: two Values that hold the
+// same List see each other's changes.
+using List = std::shared_ptr<std::vector<Value>>;
+
+// Undecoded bytes, kept apart from text.
+struct Bytes {
+  std::string data;
+  friend bool operator==(const Bytes&, const Bytes&) = default;
+};
+
+// An object that belongs to the host (a callback identifier, a message handler, anything a script passed). The
+// engine only stores it and gives it back. The conversions are those of the host's language and throw Error with
+// kind type or value where it has none.
+class Object {
+ public:
+  virtual ~Object() = default;
+  virtual bool truthy() const { return true; }
+  virtual std::int64_t to_int() const;
+  virtual double to_float() const;
+  virtual std::string text() const = 0;
+  virtual bool callable() const { return false; }
+  // Calls the object with one positional argument; its result is discarded. Throws what the callee throws.
+  virtual void call(const Value& argument);
+};
+
+class Value {
+ public:
+  Value() = default;  // none
+  Value(bool b) : data_(b) {}
+  Value(int i) : data_(static_cast<std::int64_t>(i)) {}
+  Value(std::int64_t i) : data_(i) {}
+  Value(double d) : data_(d) {}
+  Value(const char* s) : data_(std::string(s)) {}
+  Value(std::string s) : data_(std::move(s)) {}
+  Value(std::string_view s) : data_(std::string(s)) {}
+  Value(Bytes b) : data_(std::move(b)) {}
+  Value(List l) : data_(std::move(l)) {}
+  Value(std::shared_ptr<Object> o) : data_(std::move(o)) {}
+
+  static Value list(std::vector<Value> items);
+  // A callable host object around a C++ function; `name` is its text.
+  static Value function(std::string name, std::function<void(const Value&)> body);
+
+  bool is_none() const { return std::holds_alternative<std::monostate>(data_); }
+  const bool* as_bool() const { return std::get_if<bool>(&data_); }
+  const std::int64_t* as_int() const { return std::get_if<std::int64_t>(&data_); }
+  const double* as_float() const { return std::get_if<double>(&data_); }
+  const std::string* as_text() const { return std::get_if<std::string>(&data_); }
+  const Bytes* as_bytes() const { return std::get_if<Bytes>(&data_); }
+  const List* as_list() const { return std::get_if<List>(&data_); }
+  const std::shared_ptr<Object>* as_object() const { return std::get_if<std::shared_ptr<Object>>(&data_); }
+
+  // Truth as the scripting language has it: none, false, 0, 0.0, "" and an empty list are false.
+  bool truthy() const;
+  bool callable() const;
+
+  // Integer part, towards zero; a numeric text is parsed ("5", " -3 ", "1_000"). Throws Error: kind value for a
+  // text that is no integer and for NaN, overflow for infinity and beyond 64 bits, type for anything else.
+  std::int64_t to_int() const;
+  // Throws Error: kind value for a text that is no number, type for none, a list or bytes.
+  double to_float() const;
+  // The ordinary text form: "None", "True", "7", "7.0", "1e+16", the text itself, "[1, 'a']".
+  std::string text() const;
+  // As text(), but texts are quoted: what stands inside a list, and in a log of calls.
+  std::string repr() const;
+
+  // Same kind and same content; lists element by element, objects by identity.
+  friend bool operator==(const Value& a, const Value& b);
+
+ private:
+  std::variant<std::monostate, bool, std::int64_t, double, std::string, Bytes, List, std::shared_ptr<Object>> data_;
+};
+
+// Shortest text that reads back to the same double, in the scripting language's form ("0.1", "7.0", "1e+16", "nan").
+std::string float_repr(double d);
+
+}  // namespace vantorelix::host

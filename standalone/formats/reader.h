@@ -1,0 +1,38 @@
+// Opening a scene file of any format.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::standalone {
+
+// What is wrong with a file and what to do about it: what() is "file:line: what; what to do".
+class FormatError : public std::runtime_error {
+ public:
+  FormatError(const std::string& file, std::size_t line, const std::string& text);
+  std::size_t line() const { return line_; }
+
+ private:
+  std::size_t line_;
+};
+
+struct ReadOptions {
+  // Told the bytes read so far and the file's size (0 when unknown), at most a few times a second of work.
+  std::function<void(std::uint64_t done, std::uint64_t total)> progress;
+};
+
+// Reads a scene by its extension (".bvh", ".ma", in any case). Throws FormatError; an unknown extension names the
+// ones that are read. What the file holds that cannot be followed ends in Scene::warnings().
+Scene read_scene(const std::filesystem::path& file, const ReadOptions& options = {});
+
+// The same from memory; `name` stands in error texts. For tests and fuzzing.
+Scene read_bvh(std::string_view text, const std::string& name, const ReadOptions& options = {});
+Scene read_maya_ascii(std::string_view text, const std::string& name, const ReadOptions& options = {});
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,28 @@
+// World positions at speed: the path that context evaluation takes.
+#pragma once
+
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::standalone {
+
+// The world position of one node, ready to be asked at many times. Holds the node by id, compiled parts of the scene
+// and a place in each curve; notices edits by the scene's revision and recompiles itself. Gives the same doubles as
+// Scene::world_matrix(node, frame).translation(). The scene must outlive it.
+class Evaluator {
+ public:
+  Evaluator(const Scene& scene, NodeId node);
+  ~Evaluator();
+  Evaluator(const Evaluator&) = delete;
+  Evaluator& operator=(const Evaluator&) = delete;
+
+  // Throws host::Error when the node no longer exists.
+  host::Vector translation(double frame);
+
+ private:
+  struct Plan;
+  const Scene& scene_;
+  NodeId node_;
+  std::unique_ptr<Plan> plan_;
+};
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,34 @@
+// Affine transforms with row vectors: p' = p * M, the translation in the last row.
+#pragma once
+
+#include <array>
+
+#include "host/vector.h"
+
+namespace vantorelix::standalone {
+
+// Rows 0..2 are the images of the axes, row 3 the translation; the fourth column is always (0, 0, 0, 1).
+struct Affine {
+  std::array<std::array<double, 3>, 4> m = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}}};
+
+  host::Vector translation() const { return {m[3][0], m[3][1], m[3][2]}; }
+  friend bool operator==(const Affine&, const Affine&) = default;
+};
+
+// First a, then b.
+inline Affine operator*(const Affine& a, const Affine& b) {
+  Affine r;
+  for (int i = 0; i < 4; ++i)
+    for (int j = 0; j < 3; ++j)
+      r.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j] + (i == 3 ? b.m[3][j] : 0.0);
+  return r;
+}
+
+// p * M
+inline host::Vector transform_point(const host::Vector& p, const Affine& t) {
+  return {p.x * t.m[0][0] + p.y * t.m[1][0] + p.z * t.m[2][0] + t.m[3][0],
+          p.x * t.m[0][1] + p.y * t.m[1][1] + p.z * t.m[2][1] + t.m[3][1],
+          p.x * t.m[0][2] + p.y * t.m[1][2] + p.z * t.m[2][2] + t.m[3][2]};
+}
+
+}  // namespace vantorelix::standalone

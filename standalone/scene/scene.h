@@ -1,0 +1,197 @@
+// A scene: named nodes in a DAG, their attributes, the connections between them, and world matrices at any time.
+//
+// Names, uniqueness, parenting, renaming, locking and deletion follow the rules of the host that this one stands in
+// for. Everything that takes a node takes its NodeId; names are looked up once, at the edge. One thread at a time.
+// All failures are host::Error with the text that the host would give, and leave the scene as it was.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/value.h"
+#include "host/vector.h"
+#include "standalone/scene/anim_curve.h"
+#include "standalone/scene/matrix.h"
+
+namespace vantorelix::standalone {
+
+// Never used again for another node. 0 is the world, the parent of top-level nodes.
+using NodeId = std::uint32_t;
+inline constexpr NodeId kWorld = 0;
+inline constexpr NodeId kNoNode = 0xffffffffu;
+
+// The scalars that a local matrix is made of. Angles are radians, lengths the scene's linear unit. The last three
+// are whole numbers or flags kept as doubles, so that they too can be driven.
+enum class Channel : std::uint8_t {
+  translateX, translateY, translateZ,
+  rotateX, rotateY, rotateZ,
+  scaleX, scaleY, scaleZ,
+  shearXY, shearXZ, shearYZ,
+  rotateAxisX, rotateAxisY, rotateAxisZ,
+  jointOrientX, jointOrientY, jointOrientZ,
+  rotatePivotX, rotatePivotY, rotatePivotZ,
+  rotatePivotTranslateX, rotatePivotTranslateY, rotatePivotTranslateZ,
+  scalePivotX, scalePivotY, scalePivotZ,
+  scalePivotTranslateX, scalePivotTranslateY, scalePivotTranslateZ,
+  inverseScaleX, inverseScaleY, inverseScaleZ,
+  rotateOrder,              // 0 xyz, 1 yzx, 2 zxy, 3 xzy, 4 yxz, 5 zyx
+  inheritsTransform,        // 0 or 1
+  segmentScaleCompensate,   // 0 or 1, joints only
+  count
+};
+
+// What a scene tells whoever listens, inside the edit itself.
+struct SceneListener {
+  std::function<void(NodeId curve)> curve_edited;      // keys, tangents or infinity of a curve changed
+  std::function<void(NodeId curve)> keyframe_edited;   // a key was set, moved or removed
+  std::function<void(NodeId node, const std::string& type)> node_removed;  // just before it goes
+};
+
+// One thing that a reader met and could not follow; equal kinds are counted, not repeated.
+struct Warning {
+  std::string kind;     // "constraint parentConstraint is not evaluated; the object keeps its static values"
+  std::size_t count;
+};
+
+class Scene {
+ public:
+  Scene();
+  ~Scene();
+  Scene(Scene&&) noexcept;
+  Scene& operator=(Scene&&) noexcept;
+
+  // --- scene-wide settings ------------------------------------------------------------------------------------
+  double frames_per_second() const;             // 24 unless set; > 0
+  void set_frames_per_second(double fps);
+  std::string linear_unit() const;              // "cm" unless set: the unit of every position that comes out
+  void set_linear_unit(std::string unit);
+  char up_axis() const;                         // 'y' or 'z'
+  void set_up_axis(char axis);
+  double playback_min() const;                  // frames
+  double playback_max() const;
+  void set_playback_range(double first, double last);
+  double current_time() const;                  // frames
+  void set_current_time(double frame);
+
+  // --- nodes --------------------------------------------------------------------------------------------------
+  // Creates a node. DAG types (transform, joint, camera, locator, mesh, nurbsCurve, "vantorelix", ...: see
+  // is_dag_type) go under `parent`; a shape type without a transform parent gets a transform of its own, named as
+  // the host names it ("vlx_ball_vizShape" -> transform "vlx_ball_viz"; an empty name gives the type's default).
+  // Illegal characters become "_"; a name already taken among siblings gets the next free number at its end.
+  // Returns the node of that type.
+  NodeId create_node(std::string_view type, std::string_view name, NodeId parent = kWorld);
+  // Makes a further DAG shape type known, as a loaded plug-in does.
+  void register_shape_type(std::string_view type);
+  bool is_registered_type(std::string_view type) const;
+  // Deletes the node, its descendants, what hangs on them alone (their animation curves), and a transform's shapes.
+  // Throws for a locked node.
+  void delete_node(NodeId node);
+  // Returns the name that the node got (made unique, shortest unique path).
+  std::string rename(NodeId node, std::string_view name);
+  // Reparents, keeping local values; renames on a clash of siblings. Throws when `parent` is the node itself or one
+  // of its descendants, or no transform.
+  void set_parent(NodeId node, NodeId parent);
+  void lock_node(NodeId node, bool locked);
+
+  bool exists(NodeId node) const;
+  const std::string& type(NodeId node) const;
+  bool is_transform(NodeId node) const;   // transform, joint, and whatever else can have children
+  bool is_shape(NodeId node) const;
+  NodeId parent(NodeId node) const;       // kWorld at the top
+  const std::vector<NodeId>& children(NodeId node) const;
+  std::vector<NodeId> shapes(NodeId transform) const;
+  // All nodes in order of creation.
+  std::vector<NodeId> nodes() const;
+  std::vector<NodeId> nodes_of_type(std::string_view type) const;
+
+  // --- names --------------------------------------------------------------------------------------------------
+  std::string_view short_name(NodeId node) const;
+  std::string long_name(NodeId node) const;           // "|arm|wrist"; the plain name for nodes outside the DAG
+  std::string unique_name(NodeId node) const;         // the shortest path that names only this node
+  // The one node that `name` (short, partial or full path) stands for; kNoNode when there is none. Throws
+  // "More than one object matches name: ..." when it is ambiguous.
+  NodeId find(std::string_view name) const;
+  // As find, but throws "No object matches name: ..." where there is none.
+  NodeId require(std::string_view name) const;
+  // Every node that the pattern matches: "*" and "?" within one path component; a pattern without "|" matches short
+  // names at any depth. In order of creation.
+  std::vector<NodeId> match(std::string_view pattern) const;
+
+  // --- attributes ---------------------------------------------------------------------------------------------
+  // Attribute names are long or short ("translateX", "tx"), without the node. Channels take radians here.
+  double channel(NodeId node, Channel c) const;                 // its static value
+  void set_channel(NodeId node, Channel c, double value);       // ignores locks and drivers: for readers and tests
+  void set_offset_parent_matrix(NodeId node, const std::array<double, 16>& matrix);
+  // The script's way: converts, checks locks and connections ("The attribute 'x.y' is locked or connected and
+  // cannot be modified."), takes UI units (degrees). Throws "No object matches name: x.y" for an unknown attribute.
+  void set_attribute(NodeId node, std::string_view attribute, const host::Value& value);
+  host::Value attribute(NodeId node, std::string_view attribute) const;   // static value, UI units
+  bool has_attribute(NodeId node, std::string_view attribute) const;
+  // Declares an attribute on one node (addAttr), or sets one that a reader met without declaring it.
+  void add_attribute(NodeId node, std::string_view attribute, const host::Value& value);
+  void lock_attribute(NodeId node, std::string_view attribute, bool locked);
+  // Vector-array attributes ("points", ...): shared storage in, shared storage out; null when never set.
+  void set_vectors(NodeId node, std::string_view attribute, host::Vectors values);
+  host::Vectors vectors(NodeId node, std::string_view attribute) const;
+  // NURBS curve geometry of a nurbsCurve shape.
+  void set_curve_points(NodeId shape, int degree, std::vector<host::Vector> points);
+  int curve_degree(NodeId shape) const;
+  const std::vector<host::Vector>& curve_points(NodeId shape) const;
+
+  // --- connections --------------------------------------------------------------------------------------------
+  // "output" of an animation curve, unitConversion or pairBlend, any channel or parent of channels ("translate"),
+  // "worldMatrix[0]", "matrix", and anything else, which is kept and reported as not followed. Replaces what drove
+  // the destination. Cycles are kept but not followed.
+  void connect(NodeId source, std::string_view source_attribute, NodeId destination,
+               std::string_view destination_attribute);
+  void disconnect(NodeId destination, std::string_view destination_attribute);
+
+  // --- animation curves ---------------------------------------------------------------------------------------
+  NodeId create_curve(CurveKind kind, std::string_view name);
+  bool is_curve(NodeId node) const;
+  const AnimCurve& curve(NodeId node) const;
+  void assign_curve(NodeId node, std::vector<Key> keys, bool weighted, Infinity pre, Infinity post);
+  // Sets a key on a channel, creating and connecting its curve on the first. Value in radians on angles.
+  NodeId set_key(NodeId node, Channel c, double frame, double value);
+  // Edits of a curve node; each sends its messages before it returns.
+  void set_key(NodeId curve, double frame, double value);
+  void set_key(NodeId curve, const Key& key);
+  bool remove_key(NodeId curve, double frame);   // the last key takes the curve node with it
+  void set_infinity(NodeId curve, Infinity pre, Infinity post);
+  // The curve that drives a channel, straight or through unitConversion and pairBlend; kNoNode when none does.
+  NodeId driving_curve(NodeId node, Channel c) const;
+  // Key times of every curve that drives an attribute of the node, curve by curve in order of connection.
+  std::vector<double> key_times(NodeId node) const;
+  std::size_t key_count(NodeId node) const;
+
+  // --- evaluation ---------------------------------------------------------------------------------------------
+  // The attribute query: walks the parents and composes. Exact and plain.
+  Affine world_matrix(NodeId node, double frame) const;
+  Affine local_matrix(NodeId node, double frame) const;
+  // True when the node or a parent is driven by a curve that varies.
+  bool is_animated(NodeId node) const;
+  // True when the node itself is driven by a curve, whether or not it varies.
+  bool has_keys(NodeId node) const;
+  // Why the node's world position is not what its scene would give: one text per driver on it or on its parents that
+  // cannot be followed. Empty when all is well.
+  std::vector<std::string> not_followed(NodeId node) const;
+
+  // Changes with every edit that can move anything or rename, add or remove a node; for caches.
+  std::uint64_t revision() const;
+
+  // --- messages and warnings ----------------------------------------------------------------------------------
+  void set_listener(SceneListener listener);
+  void warn(std::string kind);
+  std::vector<Warning> warnings() const;
+
+ private:
+  friend class Evaluator;
+  struct Data;
+  std::unique_ptr<Data> data_;
+};
+
+}  // namespace vantorelix::standalone
