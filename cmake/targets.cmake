@@ -45,5 +45,6 @@ function(vantorelix_test folder)
   add_executable(${name}_test ${sources})
   target_link_libraries(${name}_test PRIVATE ${ARG_DEPENDS} vantorelix_flags GTest::gtest GTest::gmock GTest::gtest_main)
   target_compile_definitions(${name}_test PRIVATE VANTORELIX_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
-  add_test(NAME ${name} COMMAND ${name}_test WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
+  add_test(NAME ${name} COMMAND ${name}_test --gtest_output=xml:${PROJECT_BINARY_DIR}/reports/${name}.xml
+           WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
 endfunction()
