@@ -15,4 +15,9 @@ void _finish_trail(WorkItem& it, const WorkRecord& work);
 // The callback under which the step is queued.
 extern const host::Callback _REBUILD_STEP;
 
+// Queues the step as a deferred call of the lowest priority; false when the host refuses.
+bool _defer_rebuild_step();
+// Back to idle: nothing pending, no work. A step that is already queued then finds nothing to do.
+void _stop_rebuild_queue();
+
 }  // namespace vantorelix

@@ -1,6 +1,7 @@
 // The entrance to live rebuilding, its guards, and the rebuild in one go.
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -23,6 +24,9 @@ void _rebuild_one(const std::string& viz_tr, const std::shared_ptr<Settings>& se
 bool _drop_vanished(const std::string& obj, const std::string& viz_tr);
 // Keeps `ref` as the trail's spacing reference unless it has one.
 void _keep_first_ref(Settings& settings, const host::Value& ref);
+
+// The one warning about a trail that could not be rebuilt.
+void _warn_rebuild_failed(const std::string& viz_tr, const std::exception& error);
 
 // False on any error.
 bool _is_file_io();

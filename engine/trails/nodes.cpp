@@ -1,0 +1,23 @@
+#include "engine/trails/nodes.h"
+
+#include <vector>
+
+#include "host/error.h"
+
+namespace vantorelix {
+
+std::string _short_name(const std::string& path) { return path.substr(path.rfind('|') + 1); }
+
+std::string _first_shape(const std::string& transform) {
+  const std::vector<std::string> shapes = cmds->listRelatives_shapes(transform);
+  if (shapes.empty()) throw host::Error("no shape under " + transform, host::ErrorKind::type);
+  return shapes.front();
+}
+
+std::string _source_of(const Settings& settings) {
+  const host::Value& source = settings.at("source");
+  if (const std::string* name = source.as_text()) return *name;
+  throw host::Error("a trail's source must be a node name, not " + source.repr(), host::ErrorKind::type);
+}
+
+}  // namespace vantorelix
