@@ -16,18 +16,18 @@
 namespace vantorelix::standalone {
 
 struct HostOptions {
-  bool batch = false;                       // about(batch=True)
-  std::string version = "2024";             // about(version=True)
-  std::string user_app_dir;                 // internalVar(userAppDir=True); none for the program
-  bool plugin_loaded = true;                // whether the node type is there from the start
+  bool batch = false;                                // about(batch=True)
+  std::string version = "2024";                      // about(version=True)
+  std::string user_app_dir;                          // internalVar(userAppDir=True); none for the program
+  bool plugin_loaded = true;                         // whether the node type is there from the start
   std::optional<std::filesystem::path> preferences;  // JSON file of option variables; in memory without one
-  std::string module_file;                  // where the engine module would lie
+  std::string module_file;                           // where the engine module would lie
   std::vector<host::Value> module_search_path;
   std::vector<std::string> model_panels = {"modelPanel1", "modelPanel2", "modelPanel3", "modelPanel4"};
-  std::function<double()> clock;            // wall-clock seconds; the system's clock without one
-  std::function<void(const std::string&)> print;             // standard output without one
-  std::function<void(const std::string&)> warning;           // standard error without one
-  std::function<void(const std::string&)> in_view_message;   // nowhere without one
+  std::function<double()> clock;                            // wall-clock seconds; the system's clock without one
+  std::function<void(const std::string&)> print;            // standard output without one
+  std::function<void(const std::string&)> warning;          // standard error without one
+  std::function<void(const std::string&)> in_view_message;  // nowhere without one
 };
 
 // Owns the scene and everything around it. The faces stay valid as long as the host.

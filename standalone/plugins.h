@@ -1,0 +1,45 @@
+// The one plug-in that this host can load: the one that defines the viz node.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::standalone {
+
+// Type "vantorelix": vector arrays points, colors, keyPoints, keyColors, keyTimes; doubles startFrame, frameStep,
+// lineWidth, pointSize; booleans showLine, showDots, xrayMode; integer colorMode.
+namespace viz_node {
+
+inline constexpr const char* kType = "vantorelix";
+
+bool is_vector_array(std::string_view attribute);
+// The type's own default for a plain attribute; none for anything else. Its kind is the attribute's type.
+std::optional<host::Value> default_of(std::string_view attribute);
+// Gives a node of the type its plain attributes where it has them not.
+void declare_attributes(Scene& scene, NodeId node);
+
+}  // namespace viz_node
+
+class Plugins {
+ public:
+  explicit Plugins(Scene& scene) : scene_(scene) {}
+
+  // Loads Vantorelix_plugin.py: a path to an existing file of that name, or the bare name, with or without ".py",
+  // when a folder of `search_path` holds it. Nothing happens when it is loaded already. Throws host::Error when the
+  // file is not there or is another plug-in.
+  void load(const std::string& path, const std::vector<std::string>& search_path);
+  // As if it had been loaded before the session.
+  void load_built_in();
+  bool is_loaded(const std::string& name) const;
+  std::vector<std::string> loaded() const;
+
+ private:
+  Scene& scene_;
+  bool loaded_ = false;
+};
+
+}  // namespace vantorelix::standalone
