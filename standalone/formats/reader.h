@@ -6,7 +6,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "standalone/scene/scene.h"
 
@@ -30,6 +30,12 @@ struct ReadOptions {
 // Reads a scene by its extension (".bvh", ".ma", in any case). Throws FormatError; an unknown extension names the
 // ones that are read. What the file holds that cannot be followed ends in Scene::warnings().
 Scene read_scene(const std::filesystem::path& file, const ReadOptions& options = {});
+
+// Where the scene's name of a node differs from the one in the file (illegal characters, clashes, an end site), the
+// node has the file's bytes under this attribute.
+inline constexpr std::string_view kNameInFile = "nameInFile";
+// The node's own name in the file, unchanged. A BVH end site, which has none, is "End Site of <joint>".
+std::string name_in_file(const Scene& scene, NodeId node);
 
 // The same from memory; `name` stands in error texts. For tests and fuzzing.
 Scene read_bvh(std::string_view text, const std::string& name, const ReadOptions& options = {});

@@ -1,0 +1,39 @@
+#include "standalone/formats/reader.h"
+
+#include <algorithm>
+
+#include "standalone/formats/text_input.h"
+
+namespace vantorelix::standalone {
+
+FormatError::FormatError(const std::string& file, std::size_t line, const std::string& text)
+    : std::runtime_error(file + (line == 0 ? ": " : ":" + std::to_string(line) + ": ") + text), line_(line) {}
+
+Scene read_scene(const std::filesystem::path& file, const ReadOptions& options) {
+  std::string extension = file.extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  if (extension != ".bvh" && extension != ".ma") {
+    throw FormatError(file.string(), 0,
+                      "scene files of this kind are not read; give a BVH clip (.bvh) or a Maya ASCII scene (.ma)");
+  }
+  FileSource source(file);
+  return extension == ".bvh" ? read_bvh(source, options) : read_maya_ascii(source, options);
+}
+
+Scene read_bvh(std::string_view text, const std::string& name, const ReadOptions& options) {
+  MemorySource source(text, name);
+  return read_bvh(source, options);
+}
+
+Scene read_maya_ascii(std::string_view text, const std::string& name, const ReadOptions& options) {
+  MemorySource source(text, name);
+  return read_maya_ascii(source, options);
+}
+
+std::string name_in_file(const Scene& scene, NodeId node) {
+  if (!scene.has_attribute(node, kNameInFile)) return std::string(scene.short_name(node));
+  return scene.attribute(node, kNameInFile).text();
+}
+
+}  // namespace vantorelix::standalone

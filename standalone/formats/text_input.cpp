@@ -1,0 +1,90 @@
+#include "standalone/formats/text_input.h"
+
+#include <algorithm>
+#include <cstring>
+#include <system_error>
+
+namespace vantorelix::standalone {
+
+FileSource::FileSource(const std::filesystem::path& file) : name_(file.string()) {
+  std::error_code error;
+  if (std::filesystem::is_directory(file, error)) {
+    throw FormatError(name_, 0, "is a folder; name the scene file inside it");
+  }
+  // No buffer of the stream's own: the window is one.
+  stream_.rdbuf()->pubsetbuf(nullptr, 0);
+  stream_.open(file, std::ios::binary);
+  if (!stream_) throw FormatError(name_, 0, "cannot be opened; check the path and whether you may read it");
+  const auto size = std::filesystem::file_size(file, error);
+  if (!error) size_ = size;
+}
+
+std::size_t FileSource::read(char* to, std::size_t limit) {
+  stream_.read(to, static_cast<std::streamsize>(limit));
+  if (stream_.bad()) throw FormatError(name_, 0, "reading failed part-way; check the disk or copy the file again");
+  return static_cast<std::size_t>(stream_.gcount());
+}
+
+std::size_t MemorySource::read(char* to, std::size_t limit) {
+  const std::size_t count = std::min(limit, rest_.size());
+  if (count != 0) std::memcpy(to, rest_.data(), count);
+  rest_.remove_prefix(count);
+  return count;
+}
+
+TextInput::TextInput(ByteSource& source, const ReadOptions& options, std::size_t window)
+    : source_(source),
+      options_(options),
+      window_(std::max(window, kToken)),
+      buffer_(new char[window_]),
+      position_(buffer_.get()),
+      end_(position_),
+      reported_(std::chrono::steady_clock::now()) {
+  ready();
+  const std::string_view start(position_, static_cast<std::size_t>(end_ - position_));
+  if (start.starts_with("\xEF\xBB\xBF")) position_ += 3;
+  if (start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF")) {
+    fail("the text is UTF-16; save the file as UTF-8 or plain text");
+  }
+}
+
+// Moves what is left to the front and reads behind it until the window is full or the source is done.
+bool TextInput::refill() {
+  std::size_t held = static_cast<std::size_t>(end_ - position_);
+  if (ended_) return held != 0;
+  if (held != 0) std::memmove(buffer_.get(), position_, held);
+  while (!ended_ && held < window_) {
+    const std::size_t got = source_.read(buffer_.get() + held, window_ - held);
+    ended_ = got == 0;
+    held += got;
+    taken_ += got;
+  }
+  position_ = buffer_.get();
+  end_ = position_ + held;
+  report();
+  return held != 0;
+}
+
+void TextInput::report() {
+  if (!options_.progress) return;
+  const auto now = std::chrono::steady_clock::now();
+  if (now - reported_ < std::chrono::milliseconds(250)) return;
+  reported_ = now;
+  options_.progress(taken_ - static_cast<std::uint64_t>(end_ - position_), source_.size());
+}
+
+std::uint64_t TextInput::left() const {
+  const std::uint64_t held = static_cast<std::uint64_t>(end_ - position_);
+  return held + (source_.size() > taken_ ? source_.size() - taken_ : 0);
+}
+
+void TextInput::fail(std::size_t line, const std::string& text) const { throw FormatError(source_.name(), line, text); }
+
+std::string shown(std::string_view text) {
+  constexpr std::size_t kLimit = 40;
+  std::string result = "'";
+  for (const char c : text.substr(0, kLimit)) result += c >= ' ' && c <= '~' ? c : '?';
+  return result + (text.size() > kLimit ? "...'" : "'");
+}
+
+}  // namespace vantorelix::standalone
