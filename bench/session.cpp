@@ -1,0 +1,103 @@
+#include "bench/session.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <stdexcept>
+#include <utility>
+
+#include "engine/frame/constants.h"
+#include "engine/frame/state.h"
+#include "engine/rebuild/queue.h"
+#include "engine/trails/create.h"
+#include "engine/trails/queries.h"
+
+namespace vantorelix::bench {
+
+using standalone::Channel;
+using standalone::NodeId;
+
+double now() { return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count(); }
+
+namespace {
+
+standalone::HostOptions quiet_options(const double& skipped) {
+  standalone::HostOptions options;
+  options.clock = [&skipped] { return now() + skipped; };
+  options.print = [](const std::string&) {};
+  options.warning = [](const std::string& text) { throw std::runtime_error(text); };
+  return options;
+}
+
+}  // namespace
+
+Session::Session(Stage stage)
+    : objects_(std::move(stage.objects)), host_(std::move(stage.scene), quiet_options(skipped_)) {
+  _initialise({&host_.cmds(), &host_.om(), &host_.oma(), &host_.interpreter()});
+}
+
+void Session::skip_debounce() { skipped_ += 1.25 * _DEBOUNCE; }
+
+double Session::make_trails() {
+  host_.select(objects_);
+  const double start = now();
+  create_trail();
+  skip_debounce();
+  host_.run_idle();
+  return now() - start;
+}
+
+std::vector<double> Session::edit_and_rebuild() {
+  edited_value_ += 0.01;
+  const NodeId curve = host_.scene().driving_curve(objects_.front(), Channel::translateX);
+  host_.scene().set_key(curve, host_.scene().curve(curve).keys().front().time, edited_value_);
+  skip_debounce();
+  std::vector<double> slices;
+  double start = now();
+  while (host_.run_idle_once()) {
+    const double end = now();
+    slices.push_back(end - start);
+    start = now();
+  }
+  return slices;
+}
+
+double Session::unit() {
+  auto& [viz, settings] = *_REGISTRY.begin();
+  const auto points = host_.scene().vectors(host_.scene().shapes(host_.scene().require(viz)).front(), "points");
+  std::vector<double> seconds;
+  for (int i = 0; i < 101; ++i) {
+    WorkItem item;
+    item.viz = viz;
+    item.settings = settings;
+    *item.pos = *points;
+    item.ktimes = std::vector<double>{1.0, 2.0, 3.0, 4.0, 5.0};
+    item.kpos->assign(5, points->front());
+    const double start = now();
+    _finish_trail(item, {});
+    seconds.push_back(now() - start);
+  }
+  std::nth_element(seconds.begin(), seconds.begin() + 50, seconds.end());
+  return seconds[50];
+}
+
+void Session::clear() {
+  clear_trails();
+  host_.run_idle();
+}
+
+void Session::check(std::size_t samples) {
+  const auto& scene = host_.scene();
+  const auto shapes = scene.nodes_of_type(NODE_TYPE);
+  if (shapes.size() != objects_.size()) throw std::runtime_error("not every object has a trail");
+  for (std::size_t i = 0; i < shapes.size(); ++i) {
+    const auto points = scene.vectors(shapes[i], "points");
+    if (!points || points->size() != samples) throw std::runtime_error("a trail is not complete");
+    const auto there = scene.world_matrix(objects_[i], scene.playback_max()).translation();
+    const auto& last = points->back();
+    if (std::abs(last.x - there.x) + std::abs(last.y - there.y) + std::abs(last.z - there.z) > 1e-9)
+      throw std::runtime_error("a trail does not end where its object is");
+  }
+}
+
+}  // namespace vantorelix::bench

@@ -1,0 +1,41 @@
+// The whole trail road over the standalone host, timed without the wait after an edit.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "bench/scenes.h"
+#include "standalone/host.h"
+
+namespace vantorelix::bench {
+
+// Seconds, from the system's clock.
+double now();
+
+class Session {
+ public:
+  explicit Session(Stage stage);
+
+  // create_trail of every object, then the rebuild queue until nothing is left: seconds.
+  double make_trails();
+  // Moves one key of the first object and runs the queue until every trail is exact again: seconds of each slice.
+  std::vector<double> edit_and_rebuild();
+  // Seconds of the longest unit that a slice cannot interrupt, the end of one trail (median of many).
+  double unit();
+  void clear();
+
+  // Throws std::runtime_error unless every object has a trail of `samples` points, the last where the scene says
+  // that the object is.
+  void check(std::size_t samples);
+
+ private:
+  // Lets the quiet time after an edit pass without waiting for it.
+  void skip_debounce();
+
+  std::vector<standalone::NodeId> objects_;
+  double skipped_ = 0.0;
+  double edited_value_ = 0.0;
+  standalone::Host host_;
+};
+
+}  // namespace vantorelix::bench
