@@ -64,22 +64,19 @@ constexpr std::array<char32_t, 22> kZeros = {0x0660, 0x06F0, 0x07C0, 0x0966, 0x0
 // The text of a number in plain ASCII, without the white space around it; "?" for anything that no number holds.
 std::string plain_number(std::string_view text) {
   std::string plain;
-  for (std::size_t at = 0; at < text.size();) {
-    const Character c = decode(text, at);
+  const std::string_view inner = stripped(text);
+  for (std::size_t at = 0; at < inner.size();) {
+    const Character c = decode(inner, at);
     at += c.size;
     if (c.code < 0x7F) {
-      plain += is_space(c.code) ? ' ' : static_cast<char>(c.code);
-    } else if (is_space(c.code)) {
-      plain += ' ';
+      plain += static_cast<char>(c.code);
     } else {
       const auto zero =
           std::find_if(kZeros.begin(), kZeros.end(), [&](char32_t z) { return c.code >= z && c.code <= z + 9; });
       plain += zero == kZeros.end() ? '?' : static_cast<char>('0' + (c.code - *zero));
     }
   }
-  const auto first = plain.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return plain.substr(first, plain.find_last_not_of(' ') - first + 1);
+  return plain;
 }
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
@@ -223,7 +220,9 @@ std::optional<double> parse_float(std::string text) {
 double float_of(std::string_view text, const std::string& shown) {
   const auto number = without_underscores(plain_number(text));
   const auto result = number ? parse_float(*number) : std::nullopt;
-  if (!result) throw Error("could not convert string to float: " + cut(shown), ErrorKind::value);
+  // A blank text is not shown at all.
+  const bool blank = number && number->empty();
+  if (!result) throw Error("could not convert string to float: " + (blank ? "" : shown), ErrorKind::value);
   return *result;
 }
 
@@ -265,6 +264,11 @@ Value Value::function(std::string name, std::function<void(const Value&)> body) 
   return Value(std::shared_ptr<Object>(std::make_shared<FunctionObject>(std::move(name), std::move(body))));
 }
 
+const char* Value::type_name() const {
+  constexpr std::array<const char*, 8> kNames = {"NoneType", "bool", "int", "float", "str", "bytes", "list", "object"};
+  return kNames[data_.index()];
+}
+
 bool Value::truthy() const {
   if (as_bool()) return *as_bool();
   if (as_int()) return *as_int() != 0;
@@ -284,7 +288,7 @@ std::int64_t Value::to_int() const {
   if (as_text()) return int_of(*as_text(), repr());
   if (as_bytes()) return int_of(as_bytes()->data, repr());
   if (as_object()) return (*as_object())->to_int();
-  no_int(as_list() ? "list" : "NoneType");
+  no_int(type_name());
 }
 
 double Value::to_float() const {
@@ -294,7 +298,7 @@ double Value::to_float() const {
   if (as_text()) return float_of(*as_text(), repr());
   if (as_bytes()) return float_of(as_bytes()->data, repr());
   if (as_object()) return (*as_object())->to_float();
-  no_float(as_list() ? "list" : "NoneType");
+  no_float(type_name());
 }
 
 std::string Value::text() const { return as_text() ? *as_text() : repr(); }
@@ -314,6 +318,20 @@ std::string Value::repr() const {
 bool operator==(const Value& a, const Value& b) {
   if (a.as_list() && b.as_list()) return *a.as_list() == *b.as_list() || **a.as_list() == **b.as_list();
   return a.data_ == b.data_;
+}
+
+std::string_view stripped(std::string_view text) {
+  std::size_t first = text.size();
+  std::size_t last = first;
+  for (std::size_t at = 0; at < text.size();) {
+    const Character c = decode(text, at);
+    if (!is_space(c.code)) {
+      first = std::min(first, at);
+      last = at + c.size;
+    }
+    at += c.size;
+  }
+  return text.substr(first, last - first);
 }
 
 std::string float_repr(double d) {

@@ -65,14 +65,17 @@ class Value {
   const List* as_list() const { return std::get_if<List>(&data_); }
   const std::shared_ptr<Object>* as_object() const { return std::get_if<std::shared_ptr<Object>>(&data_); }
 
+  // The name of the type in error texts: "NoneType", "bool", "int", "float", "str", "bytes", "list", "object".
+  const char* type_name() const;
+
   // Truth as the scripting language has it: none, false, 0, 0.0, "" and an empty list are false.
   bool truthy() const;
   bool callable() const;
 
-  // Integer part, towards zero; a numeric text is parsed ("5", " -3 ", "1_000"). Throws Error: kind value for a
-  // text that is no integer and for NaN, overflow for infinity and beyond 64 bits, type for anything else.
+  // Integer part, towards zero; numeric text and bytes are parsed ("5", " -3 ", "1_000"). Throws Error: kind value
+  // for a text that is no integer and for NaN, overflow for infinity and beyond 64 bits, type for none and a list.
   std::int64_t to_int() const;
-  // Throws Error: kind value for a text that is no number, type for none, a list or bytes.
+  // Throws Error: kind value for text or bytes that are no number, type for none and a list.
   double to_float() const;
   // The ordinary text form: "None", "True", "7", "7.0", "1e+16", the text itself, "[1, 'a']".
   std::string text() const;
@@ -85,6 +88,9 @@ class Value {
  private:
   std::variant<std::monostate, bool, std::int64_t, double, std::string, Bytes, List, std::shared_ptr<Object>> data_;
 };
+
+// The text without the white space around it, in any script's sense of white space.
+std::string_view stripped(std::string_view text);
 
 // Shortest text that reads back to the same double, in the scripting language's form ("0.1", "7.0", "1e+16", "nan").
 std::string float_repr(double d);

@@ -1,6 +1,6 @@
 #include "engine/frame/state.h"
 
-#include <filesystem>
+#include "engine/bootstrap/paths.h"
 
 namespace vantorelix {
 
@@ -25,7 +25,7 @@ namespace {
 std::string plugin_beside(const std::string& module_file) {
   const std::string name = "Vantorelix_plugin.py";
   if (module_file.empty()) return name;
-  return (std::filesystem::absolute(module_file).parent_path() / name).string();
+  return paths::join(paths::directory_name(paths::absolute(module_file)), name);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <optional>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -11,8 +12,12 @@
 
 namespace vantorelix {
 
+// Neighbours on each side that the spacing colours average over.
+using SpacingWindow = std::integral_constant<std::int64_t, 3>;
+inline constexpr std::int64_t kSpacingWindow = SpacingWindow::value;
+
 // Mean over up to 2 * window + 1 neighbours, fewer at the ends. A window of 0 or less copies.
-std::vector<double> _smooth(const std::vector<double>& values, std::int64_t window = 3);
+std::vector<double> _smooth(const std::vector<double>& values, std::int64_t window = kSpacingWindow);
 
 // Ramp parameters in 0..1 for segment lengths, and the spacing reference they were measured against. `ref` none
 // makes a new one: the mean of the lengths above 1e-9.
@@ -30,6 +35,9 @@ class _bisect_indices {
   std::optional<std::int64_t> next();
 
  private:
+  // Keeps a span for later where an index lies strictly between its ends.
+  void push(std::int64_t a, std::int64_t b);
+
   std::int64_t n_;
   int ends_given_ = 0;
   std::deque<std::pair<std::int64_t, std::int64_t>> spans_;

@@ -1,0 +1,17 @@
+// How much memory a mere count may claim.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace vantorelix {
+
+// Places to reserve for `n` results that are made one by one: all of them, as far as anybody makes so many. A count
+// from an absurd range claims no memory before its first result exists.
+inline std::size_t reservation(std::int64_t n) {
+  constexpr std::int64_t kMost = std::int64_t{1} << 22;
+  return static_cast<std::size_t>(std::clamp<std::int64_t>(n, 0, kMost));
+}
+
+}  // namespace vantorelix

@@ -1,0 +1,99 @@
+#include "engine/sampling/position_sampling.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "engine/frame/attempt.h"
+#include "engine/sampling/limits.h"
+#include "host/error.h"
+
+namespace vantorelix {
+
+namespace {
+
+const std::string kWorldMatrix = "worldMatrix";
+// Largest sum of differences by which the fast road may miss the exact one.
+constexpr double kTolerance = 0.0001;
+// Key times this far outside a range still count as inside.
+constexpr double kRangeMargin = 0.000001;
+
+// Evaluates one plug in a time context. The unit is the one at creation, whatever the scene changes to later.
+class FastSampler : public Sampler {
+ public:
+  FastSampler(std::shared_ptr<host::Plug> plug, host::TimeUnit uiu) : plug_(std::move(plug)), uiu_(std::move(uiu)) {}
+  Position operator()(double t) override { return plug_->translation_at(t, uiu_); }
+
+ private:
+  std::shared_ptr<host::Plug> plug_;
+  host::TimeUnit uiu_;
+};
+
+class SlowSampler : public Sampler {
+ public:
+  explicit SlowSampler(std::string obj) : obj_(std::move(obj)) {}
+  Position operator()(double t) override { return _world_pos_at(obj_, t); }
+
+ private:
+  std::string obj_;
+};
+
+SamplerPtr sampler_or_best(const std::string& obj, SamplerPtr sampler) {
+  if (!sampler) sampler = _make_fast_sampler(obj);
+  return sampler ? sampler : _make_slow_sampler(obj);
+}
+
+}  // namespace
+
+Position _world_pos_at(const std::string& obj, double t) {
+  const auto matrix = cmds->getAttr_matrix(obj + "." + kWorldMatrix + "[0]", t);
+  return {matrix[12], matrix[13], matrix[14]};
+}
+
+SamplerPtr _make_fast_sampler(const std::string& obj) {
+  SamplerPtr sampler;
+  attempt([&] {
+    const auto plug = om->findPlug(obj, kWorldMatrix)->elementByLogicalIndex(0);
+    const auto candidate = std::make_shared<FastSampler>(plug, om->uiUnit());
+    const double now = cmds->currentTime();
+    const Position a = (*candidate)(now);
+    const Position b = _world_pos_at(obj, now);
+    const bool differs = std::abs(a.x - b.x) + std::abs(a.y - b.y) + std::abs(a.z - b.z) > kTolerance;
+    if (!differs) sampler = candidate;
+  });
+  return sampler;
+}
+
+SamplerPtr _make_slow_sampler(const std::string& obj) { return std::make_shared<SlowSampler>(obj); }
+
+std::int64_t _sample_count(double start, double end, double step) {
+  if (step == 0.0) throw host::Error("float division by zero", host::ErrorKind::zero_division);
+  return host::Value(std::nearbyint((end - start) / step)).to_int() + 1;
+}
+
+std::vector<Position> _sample_positions(const std::string& obj, double start, double end, double step,
+                                        SamplerPtr sampler) {
+  sampler = sampler_or_best(obj, std::move(sampler));
+  const std::int64_t n = _sample_count(start, end, step);
+  std::vector<Position> positions;
+  positions.reserve(reservation(n));
+  for (std::int64_t i = 0; i < n; ++i) positions.push_back((*sampler)(start + static_cast<double>(i) * step));
+  return positions;
+}
+
+std::vector<double> _keyframe_times(const std::string& obj, double start, double end) {
+  std::vector<double> times = cmds->keyframe_times(obj);
+  std::erase_if(times, [&](double t) { return !(start - kRangeMargin <= t && t <= end + kRangeMargin); });
+  std::stable_sort(times.begin(), times.end());
+  times.erase(std::unique(times.begin(), times.end()), times.end());
+  return times;
+}
+
+std::vector<Position> _sample_at_times(const std::string& obj, const std::vector<double>& times, SamplerPtr sampler) {
+  sampler = sampler_or_best(obj, std::move(sampler));
+  std::vector<Position> positions;
+  positions.reserve(times.size());
+  for (const double t : times) positions.push_back((*sampler)(t));
+  return positions;
+}
+
+}  // namespace vantorelix

@@ -1,0 +1,227 @@
+#include "host/value.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "host/error.h"
+
+namespace vantorelix::host {
+namespace {
+
+// The error that `body` throws, as "kind: text"; empty when it throws none.
+template <class Body>
+std::string error_of(Body&& body) {
+  try {
+    body();
+  } catch (const Error& e) {
+    const char* kinds[] = {"runtime", "type", "value", "key", "index", "attribute", "zero_division", "overflow"};
+    return std::string(kinds[static_cast<std::size_t>(e.kind())]) + ": " + e.what();
+  }
+  return {};
+}
+std::string int_error(const Value& value) {
+  return error_of([&] { value.to_int(); });
+}
+std::string float_error(const Value& value) {
+  return error_of([&] { value.to_float(); });
+}
+
+class Ghost : public Object {
+ public:
+  std::string text() const override { return "<ghost>"; }
+};
+
+TEST(Value, NumbersBecomeIntegersTowardsZero) {
+  EXPECT_EQ(Value(2.9).to_int(), 2);
+  EXPECT_EQ(Value(-0.5).to_int(), 0);
+  EXPECT_EQ(Value(-2.9).to_int(), -2);
+  EXPECT_EQ(Value(true).to_int(), 1);
+  EXPECT_EQ(Value(7).to_int(), 7);
+  EXPECT_EQ(Value(-9223372036854775808.0).to_int(), std::numeric_limits<std::int64_t>::min());
+}
+
+TEST(Value, TextAndBytesBecomeIntegersWhenTheyHoldNothingElse) {
+  EXPECT_EQ(Value("5").to_int(), 5);
+  EXPECT_EQ(Value(" -3 \n").to_int(), -3);
+  EXPECT_EQ(Value("+5").to_int(), 5);
+  EXPECT_EQ(Value("007").to_int(), 7);
+  EXPECT_EQ(Value("1_000").to_int(), 1000);
+  EXPECT_EQ(Value("\xE3\x80\x80\xD9\xA5\xC2\xA0").to_int(), 5);  // ideographic space, Arabic five, no-break space
+  EXPECT_EQ(Value("\xEF\xBC\x91\xEF\xBC\x92").to_int(), 12);     // full-width digits
+  EXPECT_EQ(Value(Bytes{"5"}).to_int(), 5);
+  EXPECT_EQ(Value("-9223372036854775808").to_int(), std::numeric_limits<std::int64_t>::min());
+}
+
+TEST(Value, WhatHoldsNoIntegerSaysSo) {
+  for (const char* text : {"", "  ", "abc", "1.5", "0x10", "_1", "1_", "1__0", "- 3", "--5", "+-5", "+", "1 2"})
+    EXPECT_EQ(int_error(text), "value: invalid literal for int() with base 10: " + Value(text).repr());
+  EXPECT_EQ(int_error(Value(Bytes{"abc"})), "value: invalid literal for int() with base 10: b'abc'");
+  EXPECT_EQ(int_error(std::string("5\0", 2)), "value: invalid literal for int() with base 10: '5\\x00'");
+  EXPECT_EQ(int_error(std::string(300, 'x')),
+            "value: invalid literal for int() with base 10: '" + std::string(199, 'x'));
+  const std::string none = "type: int() argument must be a string, a bytes-like object or a number, not ";
+  EXPECT_EQ(int_error({}), none + "'NoneType'");
+  EXPECT_EQ(int_error(Value::list({1})), none + "'list'");
+  EXPECT_EQ(int_error(Value(std::make_shared<Ghost>())), none + "'object'");
+}
+
+TEST(Value, NumbersBeyondAnIntegerOverflow) {
+  EXPECT_EQ(int_error(std::numeric_limits<double>::infinity()), "overflow: cannot convert float infinity to integer");
+  EXPECT_EQ(int_error(std::numeric_limits<double>::quiet_NaN()), "value: cannot convert float NaN to integer");
+  EXPECT_EQ(int_error(9223372036854775808.0), "overflow: int too large to convert");
+  EXPECT_EQ(int_error("9223372036854775808"), "overflow: int too large to convert");
+}
+
+TEST(Value, TextBecomesAFloat) {
+  EXPECT_EQ(Value("1.5").to_float(), 1.5);
+  EXPECT_EQ(Value("\t2 ").to_float(), 2.0);
+  EXPECT_EQ(Value("-.5").to_float(), -0.5);
+  EXPECT_EQ(Value("5.").to_float(), 5.0);
+  EXPECT_EQ(Value("1_0e1_0").to_float(), 1e11);
+  EXPECT_EQ(Value("1_0.5").to_float(), 10.5);
+  EXPECT_EQ(Value("\xD9\xA1.5").to_float(), 1.5);
+  EXPECT_EQ(Value(Bytes{"1.5"}).to_float(), 1.5);
+  EXPECT_EQ(Value("-Infinity").to_float(), -std::numeric_limits<double>::infinity());
+  EXPECT_EQ(Value("inf").to_float(), std::numeric_limits<double>::infinity());
+  EXPECT_TRUE(std::isnan(Value("+NaN").to_float()));
+  EXPECT_EQ(Value(true).to_float(), 1.0);
+  EXPECT_EQ(Value(3).to_float(), 3.0);
+}
+
+TEST(Value, FloatsTooFarOutBecomeInfinityOrZero) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(Value("1e400").to_float(), infinity);
+  EXPECT_EQ(Value("-1e99999999999999999999").to_float(), -infinity);
+  EXPECT_EQ(Value("1e-400").to_float(), 0.0);
+  EXPECT_EQ(Value(std::string(400, '9')).to_float(), infinity);
+  EXPECT_EQ(Value("0." + std::string(400, '0') + "1").to_float(), 0.0);
+  EXPECT_EQ(Value("0." + std::string(400, '0') + "1e401").to_float(), 1.0);
+  EXPECT_EQ(Value("1" + std::string(400, '0') + "e-400").to_float(), 1.0);
+  EXPECT_EQ(Value("5e-324").to_float(), 5e-324);
+}
+
+TEST(Value, WhatHoldsNoFloatSaysSo) {
+  for (const char* text : {"abc", ".", "1e", "e5", "0x1p3", "1_e5", "_1.0", "1__0", "infinit", "+-1", "1,5", "1.5 2"})
+    EXPECT_EQ(float_error(text), "value: could not convert string to float: " + Value(text).repr());
+  EXPECT_EQ(float_error(" "), "value: could not convert string to float: ");
+  EXPECT_EQ(float_error(Value(Bytes{"abc"})), "value: could not convert string to float: b'abc'");
+  const std::string none = "type: float() argument must be a string or a number, not ";
+  EXPECT_EQ(float_error({}), none + "'NoneType'");
+  EXPECT_EQ(float_error(Value::list({})), none + "'list'");
+  EXPECT_EQ(float_error(Value(std::make_shared<Ghost>())), none + "'object'");
+}
+
+TEST(Value, FloatsAreWrittenShortestAndReadBack) {
+  const std::pair<double, const char*> cases[] = {
+      {0.1, "0.1"},
+      {7.0, "7.0"},
+      {-0.0, "-0.0"},
+      {100.0, "100.0"},
+      {2.5, "2.5"},
+      {1e15, "1000000000000000.0"},
+      {9999999999999998.0, "9999999999999998.0"},
+      {1e16, "1e+16"},
+      {123456789012345680.0, "1.2345678901234568e+17"},
+      {0.0001, "0.0001"},
+      {0.00012345, "0.00012345"},
+      {0.00001, "1e-05"},
+      {5e-324, "5e-324"},
+      {1.7976931348623157e308, "1.7976931348623157e+308"},
+      {std::numeric_limits<double>::quiet_NaN(), "nan"},
+      {-std::numeric_limits<double>::infinity(), "-inf"},
+  };
+  for (const auto& [number, text] : cases) EXPECT_EQ(float_repr(number), text);
+  for (const double number : {1.0 / 3.0, 2.0 / 3.0 * 1e20, 1e-7 / 3.0}) {
+    EXPECT_EQ(Value(float_repr(number)).to_float(), number);
+    EXPECT_EQ(Value(number).text(), float_repr(number));
+  }
+}
+
+TEST(Value, TextFormsQuoteOnlyInsideOthers) {
+  EXPECT_EQ(Value().text(), "None");
+  EXPECT_EQ(Value(true).text(), "True");
+  EXPECT_EQ(Value(7).text(), "7");
+  EXPECT_EQ(Value("it's").text(), "it's");
+  EXPECT_EQ(Value("it's").repr(), "\"it's\"");
+  EXPECT_EQ(Value("it's \"so\"").repr(), "'it\\'s \"so\"'");
+  EXPECT_EQ(Value(Bytes{"a'\xFF\n"}).text(), "b\"a'\\xff\\n\"");
+  EXPECT_EQ(Value::list({1, "a", Value::list({2.5, Value()})}).text(), "[1, 'a', [2.5, None]]");
+  EXPECT_EQ(Value(std::make_shared<Ghost>()).text(), "<ghost>");
+}
+
+TEST(Value, WhatCannotBeShownIsEscaped) {
+  EXPECT_EQ(Value(std::string("\n\t\r\\\0\x7F", 6)).repr(), "'\\n\\t\\r\\\\\\x00\\x7f'");
+  EXPECT_EQ(Value("\xC3\xA9\xC2\xA0\xC2\xAD\xE2\x80\x8B").repr(), "'\xC3\xA9\\xa0\\xad\\u200b'");
+  EXPECT_EQ(Value("\xF0\x9F\x98\x80\xF3\xA0\x80\x81").repr(), "'\xF0\x9F\x98\x80\\U000e0001'");
+  EXPECT_EQ(Value("a\xFF\xC3").repr(), "'a\\udcff\\udcc3'");  // no UTF-8
+}
+
+TEST(Value, AListInsideItselfIsShownAsDots) {
+  const Value list = Value::list({1});
+  (*list.as_list())->push_back(list);
+  EXPECT_EQ(list.text(), "[1, [...]]");
+  (*list.as_list())->clear();  // breaks the circle, which would keep itself alive
+}
+
+TEST(Value, TruthIsNotBeingEmptyOrZero) {
+  for (const Value& value : {Value(), Value(false), Value(0), Value(0.0), Value(""), Value(Bytes{}), Value::list({})})
+    EXPECT_FALSE(value.truthy()) << value.repr();
+  for (const Value& value : {Value(true), Value(-1), Value(std::numeric_limits<double>::quiet_NaN()), Value("no"),
+                             Value(Bytes{"0"}), Value::list({0}), Value(std::make_shared<Ghost>())})
+    EXPECT_TRUE(value.truthy()) << value.repr();
+}
+
+TEST(Value, EqualityNeedsTheSameKindAndContent) {
+  EXPECT_EQ(Value(1), Value(1));
+  EXPECT_FALSE(Value(1) == Value(1.0));
+  EXPECT_FALSE(Value(1) == Value(true));
+  EXPECT_FALSE(Value("a") == Value(Bytes{"a"}));
+  EXPECT_EQ(Value::list({1, "a"}), Value::list({1, "a"}));
+  EXPECT_FALSE(Value::list({1, "a"}) == Value::list({1, "b"}));
+  const auto ghost = std::make_shared<Ghost>();
+  EXPECT_EQ(Value(ghost), Value(ghost));
+  EXPECT_FALSE(Value(ghost) == Value(std::make_shared<Ghost>()));
+}
+
+TEST(Value, KnowsTheNameOfItsType) {
+  EXPECT_STREQ(Value().type_name(), "NoneType");
+  EXPECT_STREQ(Value(true).type_name(), "bool");
+  EXPECT_STREQ(Value(1).type_name(), "int");
+  EXPECT_STREQ(Value(1.0).type_name(), "float");
+  EXPECT_STREQ(Value("").type_name(), "str");
+  EXPECT_STREQ(Value(Bytes{}).type_name(), "bytes");
+  EXPECT_STREQ(Value::list({}).type_name(), "list");
+  EXPECT_STREQ(Value(std::make_shared<Ghost>()).type_name(), "object");
+}
+
+TEST(Value, ListsAreShared) {
+  const Value first = Value::list({1});
+  const Value second = first;
+  (*second.as_list())->at(0) = 2;
+  EXPECT_EQ(first.text(), "[2]");
+}
+
+TEST(Value, OnlyFunctionsCanBeCalled) {
+  std::string heard;
+  const Value function = Value::function("<listener>", [&](const Value& v) { heard = v.text(); });
+  ASSERT_TRUE(function.callable());
+  (*function.as_object())->call(42);
+  EXPECT_EQ(heard, "42");
+  EXPECT_EQ(function.text(), "<listener>");
+  for (const Value& value : {Value(), Value(1), Value("f"), Value(std::make_shared<Ghost>())})
+    EXPECT_FALSE(value.callable());
+  EXPECT_EQ(error_of([] { Ghost().call(1); }), "type: 'object' object is not callable");
+}
+
+TEST(Stripped, RemovesWhiteSpaceOfAnyScriptFromBothEnds) {
+  EXPECT_EQ(stripped(" a b\t"), "a b");
+  EXPECT_EQ(stripped("\xE2\x80\x83x\xC2\x85\x1C"), "x");
+  EXPECT_EQ(stripped(" \n "), "");
+  EXPECT_EQ(stripped(""), "");
+}
+
+}  // namespace
+}  // namespace vantorelix::host
