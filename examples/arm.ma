@@ -1,0 +1,45 @@
+//Maya ASCII 2022 scene
+//Name: arm.ma
+requires maya "2022";
+currentUnit -l centimeter -a degree -t film;
+fileInfo "application" "maya";
+createNode transform -n "arm";
+createNode transform -n "shoulder" -p "arm";
+	setAttr ".t" -type "double3" 0 120 0;
+	setAttr ".ro" 5;
+createNode transform -n "elbow" -p "shoulder";
+	setAttr ".t" -type "double3" 30 0 0;
+	setAttr ".rp" -type "double3" 2 0 0;
+	setAttr ".sp" -type "double3" 2 0 0;
+createNode transform -n "wrist" -p "elbow";
+	setAttr ".t" -type "double3" 30 0 0;
+createNode locator -n "wristShape" -p "wrist";
+createNode animCurveTA -n "shoulder_rotateZ";
+	setAttr ".tan" 18;
+	setAttr ".wgt" no;
+	setAttr -s 5 ".ktv[0:4]" 1 -70 13 -86 30 55 42 38 60 -70;
+createNode animCurveTA -n "shoulder_rotateY";
+	setAttr ".tan" 9;
+	setAttr ".wgt" no;
+	setAttr -s 5 ".ktv[0:4]" 1 20 13 48 30 -35 42 -20 60 20;
+createNode animCurveTA -n "elbow_rotateZ";
+	setAttr ".tan" 16;
+	setAttr ".wgt" no;
+	setAttr -s 5 ".ktv[0:4]" 1 25 16 95 30 18 42 70 60 25;
+createNode animCurveTA -n "wrist_rotateZ";
+	setAttr ".tan" 10;
+	setAttr ".wgt" no;
+	setAttr -s 5 ".ktv[0:4]" 1 0 18 -35 31 30 44 -10 60 0;
+createNode animCurveTL -n "arm_translateX";
+	setAttr ".tan" 9;
+	setAttr ".wgt" no;
+	setAttr -s 3 ".ktv[0:2]" 1 0 30 14 60 0;
+createNode script -n "sceneConfigurationScriptNode";
+	setAttr ".b" -type "string" "playbackOptions -min 1 -max 60 -ast 1 -aet 60 ";
+	setAttr ".st" 6;
+connectAttr "shoulder_rotateZ.o" "shoulder.rz";
+connectAttr "shoulder_rotateY.o" "shoulder.ry";
+connectAttr "elbow_rotateZ.o" "elbow.rz";
+connectAttr "wrist_rotateZ.o" "wrist.rz";
+connectAttr "arm_translateX.o" "arm.tx";
+// End of arm.ma

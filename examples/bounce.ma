@@ -1,0 +1,43 @@
+//Maya ASCII 2022 scene
+//Name: bounce.ma
+requires maya "2022";
+currentUnit -l centimeter -a degree -t film;
+fileInfo "application" "maya";
+createNode transform -n "ball";
+createNode transform -n "squash" -p "ball";
+createNode transform -n "top" -p "squash";
+	setAttr ".t" -type "double3" 0 12 0;
+createNode locator -n "topShape" -p "top";
+createNode animCurveTL -n "ball_translateX";
+	setAttr ".tan" 9;
+	setAttr ".wgt" no;
+	setAttr -s 3 ".ktv[0:2]" 1 -70 75 46 96 58;
+	setAttr -s 3 ".kit[0:2]" 9 9 3;
+	setAttr -s 3 ".kot[0:2]" 9 9 3;
+createNode animCurveTL -n "ball_translateY";
+	setAttr ".tan" 1;
+	setAttr ".wgt" no;
+	setAttr -s 12 ".ktv[0:11]" 1 60 13 0 23 41.6666667 33 0 41 26.6666667 49 0 55 15 61 0 65 6.66666667 69 0 72 3.75 75 0;
+	setAttr -s 12 ".kit[0:11]" 3 1 3 1 3 1 3 1 3 1 3 1;
+	setAttr -s 12 ".kot[0:11]" 3 1 3 1 3 1 3 1 3 1 3 1;
+	setAttr -s 12 ".kix[0:11]" 1 0.0416666667 1 0.0416666667 1 0.0416666667 1 0.0416666667 1 0.0416666667 1 0.0416666667;
+	setAttr -s 12 ".kiy[0:11]" 0 -10 0 -8.33333333 0 -6.66666667 0 -5 0 -3.33333333 0 -2.5;
+	setAttr -s 12 ".kox[0:11]" 1 0.0416666667 1 0.0416666667 1 0.0416666667 1 0.0416666667 1 0.0416666667 1 0.0416666667;
+	setAttr -s 12 ".koy[0:11]" 0 8.33333333 0 6.66666667 0 5 0 3.33333333 0 2.5 0 0;
+createNode animCurveTU -n "squash_scaleY";
+	setAttr ".tan" 18;
+	setAttr ".wgt" no;
+	setAttr -s 20 ".ktv[0:19]" 1 1 11.5 1.2 13 0.62 14.5 1.15 31.5 1.2 33 0.7 34.5 1.15 47.5 1.2 49 0.78 50.5 1.15 59.5 1.14 61 0.86 62.5 1.14 67.5 1.08 69 0.92 70.5 1.08 73.5 1.04 75 0.96 76.5 1.04 79 1;
+createNode animCurveTU -n "squash_scaleX";
+	setAttr ".tan" 18;
+	setAttr ".wgt" no;
+	setAttr -s 20 ".ktv[0:19]" 1 1 11.5 0.912870929 13 1.27000127 14.5 0.932504808 31.5 0.912870929 33 1.19522861 34.5 0.932504808 47.5 0.912870929 49 1.13227703 50.5 0.932504808 59.5 0.936585812 61 1.07832773 62.5 0.936585812 67.5 0.962250449 69 1.04257207 70.5 0.962250449 73.5 0.980580676 75 1.02062073 76.5 0.980580676 79 1;
+createNode script -n "sceneConfigurationScriptNode";
+	setAttr ".b" -type "string" "playbackOptions -min 1 -max 96 -ast 1 -aet 96 ";
+	setAttr ".st" 6;
+connectAttr "ball_translateX.o" "ball.tx";
+connectAttr "ball_translateY.o" "ball.ty";
+connectAttr "squash_scaleY.o" "squash.sy";
+connectAttr "squash_scaleX.o" "squash.sx";
+connectAttr "squash_scaleX.o" "squash.sz";
+// End of bounce.ma
