@@ -24,7 +24,17 @@ bool MelScanner::next_statement(Word& word) {
   return next(word);
 }
 
+void MelScanner::put_back(const Word& word) {
+  put_back_ = word;
+  has_put_back_ = true;
+}
+
 bool MelScanner::next(Word& word) {
+  if (has_put_back_) {
+    has_put_back_ = false;
+    word = put_back_;
+    return true;
+  }
   if (!inside_) return false;
   skip_space_and_comments();
   if (in_.at_end()) {

@@ -30,6 +30,8 @@ class MelScanner {
   bool next_statement(Word& word);
   // The next word of this statement; false where it ends, and then again and again.
   bool next(Word& word);
+  // Gives a word back, to be the next one again. One at a time.
+  void put_back(const Word& word);
   // Reads a number or a switch word (on, yes, true: 1; off, no, false: 0); false where the statement ends. Anything
   // else throws FormatError.
   bool next_number(double& value);
@@ -46,6 +48,8 @@ class MelScanner {
 
   TextInput& in_;
   Word number_;
+  Word put_back_;
+  bool has_put_back_ = false;
   std::size_t line_ = 1;
   bool inside_ = false;
 };
