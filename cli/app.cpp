@@ -1,0 +1,90 @@
+#include "cli/app.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <vector>
+
+#include "cli/args/options.h"
+#include "cli/commands/commands.h"
+#include "cli/failure.h"
+#include "cli/interrupt.h"
+#include "cli/terminal.h"
+#include "engine/frame/constants.h"
+#include "host/error.h"
+
+namespace vantorelix::cli {
+
+namespace {
+
+constexpr const char* kFooter = R"(
+Examples:
+  vantorelix trails bounce.ma                       what moves, and how fast
+  vantorelix trails bounce.ma --out bounce.svg      a picture of it
+  vantorelix trails walk.bvh --select '*Hand' --out hands.json --out hands.csv
+  vantorelix info walk.bvh                          what is in a scene
+
+Exit codes: 0 done, 1 error, 2 wrong usage, 3 done with warnings (under --strict), 130 interrupted.
+'vantorelix COMMAND --help' tells more about a command.)";
+
+// The words of the first error of the command line, without what help already says.
+int usage_error(const std::string& text, const CLI::App& program) {
+  std::string command = "vantorelix";
+  for (const CLI::App* sub : program.get_subcommands()) command += " " + sub->get_name();
+  Terminal(ColorUse::automatic, false).error(text + "; see '" + command + " --help'");
+  return kUsage;
+}
+
+int run_command(const Run& command, Terminal& terminal) {
+  try {
+    command(terminal);
+    if (std::fflush(stdout) != 0) throw Failure("standard output: cannot be written; check where it goes");
+    return kDone;
+  } catch (const UsageError& error) {
+    terminal.error(error.what());
+    return kUsage;
+  } catch (const host::Interrupt&) {
+    terminal.error("interrupted; nothing was written");
+    return interrupt_exit_code();
+  } catch (const std::bad_alloc&) {
+    terminal.error("not enough memory; shorten the range with --range, or choose fewer objects with --select");
+  } catch (const std::exception& error) {
+    terminal.error(error.what());
+  }
+  return kFailed;
+}
+
+}  // namespace
+
+int run(int argc, const char* const* argv) {
+  CLI::App program("Motion trails of animated scenes: where each object goes, frame by frame, and how fast.",
+                   "vantorelix");
+  CommonOptions common;
+  program.set_version_flag("--version", "vantorelix " VANTORELIX_VERSION " (engine " + SCRIPT_VERSION + ")");
+  program.require_subcommand(1);
+  program.footer(kFooter);
+  add_common_options(program, common);
+  std::vector<Command> commands;
+  for (const auto add : {add_trails, add_info, add_curves, add_live, add_completion}) commands.push_back(add(program));
+  for (const Command& command : commands) add_common_options(*command.app, common);
+
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::Success& wanted) {
+    program.exit(wanted);
+    return kDone;
+  } catch (const CLI::ParseError& error) {
+    return usage_error(error.what(), program);
+  }
+  catch_interrupts();
+  Terminal terminal(common.color_use(), common.quiet);
+  for (const Command& command : commands) {
+    if (!command.app->parsed()) continue;
+    const int code = run_command(command.run, terminal);
+    return code == kDone && common.strict && terminal.warnings() != 0 ? kWarned : code;
+  }
+  return kUsage;
+}
+
+}  // namespace vantorelix::cli

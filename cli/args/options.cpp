@@ -1,0 +1,132 @@
+#include "cli/args/options.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <set>
+#include <system_error>
+
+#include "cli/failure.h"
+#include "cli/output/output_file.h"
+
+namespace vantorelix::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::optional<double> parse_number(std::string_view text) {
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  double value = 0.0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
+  return value;
+}
+
+bool same_file(const std::string& a, const std::string& b) {
+  if (fs::path(a).lexically_normal() == fs::path(b).lexically_normal()) return true;
+  std::error_code ignored;
+  return fs::equivalent(a, b, ignored);
+}
+
+}  // namespace
+
+ColorUse CommonOptions::color_use() const {
+  return color == "always" ? ColorUse::always : color == "never" ? ColorUse::never : ColorUse::automatic;
+}
+
+void add_common_options(CLI::App& command, CommonOptions& options) {
+  command.add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
+  command.add_flag("--strict", options.strict, "End with exit code 3 when there were warnings");
+  add_choice(command, "--color", options.color, {"auto", "always", "never"},
+             "Colour in texts; auto asks for a terminal and heeds NO_COLOR");
+}
+
+void SceneOptions::apply_range(standalone::Scene& scene) const {
+  if (const auto frames = parse_range(range)) scene.set_playback_range(frames->first, frames->last);
+}
+
+void add_scene_argument(CLI::App& command, SceneOptions& options) {
+  command.add_option("SCENE", options.file, "The scene: Maya ASCII (.ma) or BVH (.bvh)")->required();
+}
+
+void add_selection_options(CLI::App& command, SceneOptions& options) {
+  add_repeated(command, "--select", options.selection.patterns,
+               "Objects by name or path, * and ? allowed; may be repeated (default: what is animated)")
+      ->type_name("PATTERN");
+  command.add_flag("--all", options.selection.all, "Every transform, animated or not");
+  command.add_option("--range", options.range, "First and last frame, as 1:48 (default: the scene's own)")
+      ->type_name("FIRST:LAST")
+      ->check(CLI::Validator(
+          [](std::string& text) {
+            return parse_range(text) ? std::string() : "'" + text + "' is no range; write FIRST:LAST, as 1:48";
+          },
+          ""));
+}
+
+std::optional<FrameRange> parse_range(const std::string& text) {
+  const std::size_t colon = text.find(':');
+  if (colon == std::string::npos) return std::nullopt;
+  const auto first = parse_number(std::string_view(text).substr(0, colon));
+  const auto last = parse_number(std::string_view(text).substr(colon + 1));
+  if (!first || !last || !(*first < *last)) return std::nullopt;
+  return FrameRange{*first, *last};
+}
+
+CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string& value,
+                        const std::vector<std::string>& words, const std::string& description) {
+  std::string joined;
+  for (const std::string& word : words) joined += (joined.empty() ? "" : "|") + word;
+  return command.add_option(name, value, description)
+      ->type_name(joined)
+      ->check(CLI::Validator(
+          [words, joined](std::string& text) {
+            return std::find(words.begin(), words.end(), text) != words.end() ? std::string()
+                                                                              : "'" + text + "' is none of " + joined;
+          },
+          ""));
+}
+
+std::vector<std::string> choices_of(const CLI::Option& option) {
+  const std::string joined = option.get_type_name();
+  std::vector<std::string> words;
+  if (joined.find('|') == std::string::npos) return words;
+  for (std::size_t at = 0; at != std::string::npos;) {
+    const std::size_t bar = joined.find('|', at);
+    words.push_back(joined.substr(at, bar == std::string::npos ? bar : bar - at));
+    at = bar == std::string::npos ? bar : bar + 1;
+  }
+  return words;
+}
+
+CLI::Option* add_repeated(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                          const std::string& description) {
+  return command.add_option(name, values, description)
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+std::string extension_of(const std::string& path) {
+  std::string extension = fs::path(path).extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return extension;
+}
+
+void check_outputs(const std::vector<std::string>& outputs, const std::vector<std::string>& extensions,
+                   const std::string& scene) {
+  for (std::size_t i = 0; i < outputs.size(); ++i) {
+    const std::string& out = outputs[i];
+    if (std::find(extensions.begin(), extensions.end(), extension_of(out)) == extensions.end()) {
+      std::string known;
+      for (const std::string& extension : extensions) known += (known.empty() ? "" : ", ") + extension;
+      throw UsageError("--out " + out + ": its format is told by its extension; use one of " + known);
+    }
+    for (std::size_t k = 0; k < i; ++k)
+      if (same_file(outputs[k], out)) throw UsageError("--out " + out + ": named twice; write to different files");
+    if (same_file(out, scene)) throw UsageError("--out " + out + ": would overwrite the scene; name another file");
+  }
+}
+
+}  // namespace vantorelix::cli

@@ -1,0 +1,61 @@
+// Options that several commands share, and the words that their values may be.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/selection.h"
+#include "cli/terminal.h"
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::cli {
+
+// Of every command, before or after its name.
+struct CommonOptions {
+  bool quiet = false;
+  bool strict = false;
+  std::string color = "auto";
+
+  ColorUse color_use() const;
+};
+void add_common_options(CLI::App& command, CommonOptions& options);
+
+// The scene, and which objects of it over which frames.
+struct SceneOptions {
+  std::string file;
+  Selection selection;
+  std::string range;
+
+  // Sets the playback range when one was asked for.
+  void apply_range(standalone::Scene& scene) const;
+};
+void add_scene_argument(CLI::App& command, SceneOptions& options);
+void add_selection_options(CLI::App& command, SceneOptions& options);
+
+struct FrameRange {
+  double first;
+  double last;
+};
+// "A:B" with A < B, decimals and signs allowed; nothing for anything else.
+std::optional<FrameRange> parse_range(const std::string& text);
+
+// An option that takes one of these words, offered to the completion of shells too.
+CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string& value,
+                        const std::vector<std::string>& words, const std::string& description);
+// The words that an option takes; empty when it takes anything.
+std::vector<std::string> choices_of(const CLI::Option& option);
+
+// An option that can be given several times, one value each.
+CLI::Option* add_repeated(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                          const std::string& description);
+
+// Throws UsageError unless every path has one of the extensions (".json"), none is named twice, and none is the scene.
+void check_outputs(const std::vector<std::string>& outputs, const std::vector<std::string>& extensions,
+                   const std::string& scene);
+// The extension in lower case; of "-.json" too.
+std::string extension_of(const std::string& path);
+
+}  // namespace vantorelix::cli

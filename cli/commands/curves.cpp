@@ -1,0 +1,98 @@
+#include <memory>
+#include <unordered_set>
+
+#include "cli/commands/commands.h"
+#include "cli/failure.h"
+#include "cli/output/curve_writers.h"
+#include "cli/output/text.h"
+#include "cli/scene_file.h"
+#include "cli/trail_session.h"
+#include "engine/trails/nurbs.h"
+
+namespace vantorelix::cli {
+
+using standalone::NodeId;
+using standalone::Scene;
+
+namespace {
+
+constexpr const char* kFooter = R"(
+One NURBS curve per object, named "vlx_OBJECT_curve", with a control vertex a sample.
+
+Examples:
+  vantorelix curves bounce.ma --out curves.ma
+  vantorelix curves walk.bvh --select LeftHand --degree 1 --out hand.ma --out hand.csv)";
+
+struct CurvesOptions {
+  SceneOptions scene;
+  std::int64_t degree = 3;
+  std::optional<std::int64_t> samples_per_frame;
+  std::vector<std::string> outputs;
+};
+
+std::vector<CurveView> new_curves(const Scene& scene, const std::unordered_set<NodeId>& known) {
+  std::vector<CurveView> curves;
+  for (const NodeId shape : scene.nodes_of_type("nurbsCurve"))
+    if (known.count(shape) == 0)
+      curves.push_back({std::string(scene.short_name(scene.parent(shape))), std::string(scene.short_name(shape)),
+                        scene.curve_degree(shape), &scene.curve_points(shape)});
+  return curves;
+}
+
+void write_all(const CurvesOptions& options, const std::vector<CurveView>& curves, const Scene& scene,
+               Terminal& terminal) {
+  std::vector<std::unique_ptr<OutputFile>> files;
+  for (const std::string& output : options.outputs) {
+    files.push_back(std::make_unique<OutputFile>(output));
+    if (extension_of(output) == ".ma")
+      write_maya_ascii(*files.back(), curves, scene);
+    else
+      write_curve_csv(*files.back(), curves);
+  }
+  for (const auto& file : files) {
+    file->commit();
+    if (!file->is_stdout()) terminal.note(file->path().string() + ": " + counted(curves.size(), "curve"));
+  }
+}
+
+void run_curves(const CurvesOptions& options, Terminal& terminal) {
+  check_outputs(options.outputs, {".ma", ".csv"}, options.scene.file);
+  for (const std::string& output : options.outputs) check_destination(output);
+  Scene loaded = load_scene(options.scene.file, terminal);
+  options.scene.apply_range(loaded);
+  const auto objects = choose(loaded, options.scene.selection, options.scene.file);
+  const auto old = loaded.nodes_of_type("nurbsCurve");
+  const std::unordered_set<NodeId> known(old.begin(), old.end());
+
+  TrailSession session(std::move(loaded), std::nullopt, terminal);
+  TrailSettings settings;
+  if (options.samples_per_frame) settings.samples_per_frame = *options.samples_per_frame;
+  session.check_size(objects.size(), settings);
+  session.create(objects, settings, [&] { convert_to_nurbs(options.degree); });
+
+  const auto curves = new_curves(session.scene(), known);
+  if (curves.empty())
+    throw Failure("no trail has the " + std::to_string(options.degree + 1) + " samples that a curve of degree " +
+                  std::to_string(options.degree) + " needs; lower --degree or widen --range");
+  write_all(options, curves, session.scene(), terminal);
+}
+
+}  // namespace
+
+Command add_curves(CLI::App& program) {
+  CLI::App& command = *program.add_subcommand("curves", "Bake trails into NURBS curves");
+  const auto options = std::make_shared<CurvesOptions>();
+  add_scene_argument(command, options->scene);
+  add_selection_options(command, options->scene);
+  command.add_option("--degree", options->degree, "Degree of the curves, 1 to 7 (default: 3)")
+      ->type_name("D")
+      ->check(CLI::Range(std::int64_t{1}, std::int64_t{7}).description(""));
+  command.add_option("--samples-per-frame", options->samples_per_frame, "Control vertices a frame, at least 1")
+      ->type_name("N")
+      ->check(CLI::Range(std::int64_t{1}, std::int64_t{1'000'000'000}).description(""));
+  add_repeated(command, "--out", options->outputs, "Write .ma or .csv; may be repeated")->type_name("FILE")->required();
+  command.footer(kFooter);
+  return {&command, [options](Terminal& terminal) { run_curves(*options, terminal); }};
+}
+
+}  // namespace vantorelix::cli

@@ -1,0 +1,199 @@
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <memory>
+
+#include "cli/commands/commands.h"
+#include "cli/output/columns.h"
+#include "cli/output/output_file.h"
+#include "cli/output/text.h"
+#include "cli/scene_file.h"
+
+namespace vantorelix::cli {
+
+using standalone::NodeId;
+using standalone::Scene;
+
+namespace {
+
+constexpr const char* kFooter = R"(
+Examples:
+  vantorelix info walk.bvh
+  vantorelix info rig.ma --all
+  vantorelix info rig.ma --json | python3 -m json.tool)";
+
+struct InfoOptions {
+  SceneOptions scene;
+  bool json = false;
+  bool all = false;
+};
+
+// One transform of the scene, as far as this command tells of it.
+struct ObjectInfo {
+  std::string path, type;
+  bool animated, own_keys;
+  std::size_t keys;
+  double first_key = 0.0, last_key = 0.0;
+  std::vector<std::string> not_followed;
+};
+
+struct SceneInfo {
+  std::string file, format, unit;
+  char up_axis;
+  double fps, first, last;
+  std::map<std::string, std::size_t> node_types;
+  std::size_t nodes = 0, keys = 0;
+  std::vector<ObjectInfo> objects;
+  std::vector<standalone::Warning> warnings;
+};
+
+ObjectInfo describe(const Scene& scene, NodeId node) {
+  ObjectInfo object{scene.long_name(node),
+                    scene.type(node),
+                    scene.is_animated(node),
+                    scene.has_keys(node),
+                    scene.key_count(node),
+                    0.0,
+                    0.0,
+                    scene.not_followed(node)};
+  const auto times = scene.key_times(node);
+  if (!times.empty()) {
+    const auto [first, last] = std::minmax_element(times.begin(), times.end());
+    object.first_key = *first;
+    object.last_key = *last;
+  }
+  return object;
+}
+
+SceneInfo describe(const Scene& scene, const std::string& file) {
+  SceneInfo info{file,
+                 format_name(file),
+                 scene.linear_unit(),
+                 scene.up_axis(),
+                 scene.frames_per_second(),
+                 scene.playback_min(),
+                 scene.playback_max(),
+                 {},
+                 0,
+                 0,
+                 {},
+                 scene.warnings()};
+  for (const NodeId node : scene.nodes()) {
+    ++info.nodes;
+    ++info.node_types[scene.type(node)];
+    if (scene.is_curve(node)) info.keys += scene.curve(node).keys().size();
+    if (scene.is_transform(node)) info.objects.push_back(describe(scene, node));
+  }
+  return info;
+}
+
+std::string types_text(const SceneInfo& info) {
+  std::string text;
+  for (const auto& [type, count] : info.node_types)
+    text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + valid_utf8(type);
+  return text;
+}
+
+std::string object_table(const std::vector<ObjectInfo>& objects) {
+  std::vector<std::vector<std::string>> rows = {{"object", "type", "keys", "first", "last", ""}};
+  for (const ObjectInfo& object : objects) {
+    const bool keyed = object.keys != 0;
+    const std::string how = object.own_keys ? "" : object.animated ? "moved by a parent" : "still";
+    rows.push_back({valid_utf8(object.path), valid_utf8(object.type), std::to_string(object.keys),
+                    keyed ? readable(object.first_key, 8) : "", keyed ? readable(object.last_key, 8) : "",
+                    object.not_followed.empty() ? how : "! " + valid_utf8(object.not_followed.front())});
+  }
+  return columns(rows, {false, false, true, true, true, false});
+}
+
+std::string overview(const SceneInfo& info) {
+  const auto animated =
+      std::count_if(info.objects.begin(), info.objects.end(), [](const ObjectInfo& o) { return o.animated; });
+  return columns({{"scene", valid_utf8(info.file)},
+                  {"format", info.format},
+                  {"frames", readable(info.first, 8) + " to " + readable(info.last, 8) + ", " + readable(info.fps, 6) +
+                                 " a second, " + readable((info.last - info.first) / info.fps) + " s"},
+                  {"unit", info.unit + ", " + info.up_axis + " up"},
+                  {"nodes", std::to_string(info.nodes) + ": " + types_text(info)},
+                  {"animated", std::to_string(animated) + " of " + counted(info.objects.size(), "object") + ", " +
+                                   counted(info.keys, "key")}},
+                 {false, false});
+}
+
+void print_text(const SceneInfo& info, bool all) {
+  std::vector<ObjectInfo> shown;
+  for (const ObjectInfo& object : info.objects)
+    if (all || object.animated || !object.not_followed.empty()) shown.push_back(object);
+  std::printf("%s", overview(info).c_str());
+  if (!shown.empty()) std::printf("\n%s", object_table(shown).c_str());
+  if (shown.size() < info.objects.size())
+    std::printf("%s and %s; --all lists them\n", shown.empty() ? "\nnothing moves," : "\nbesides",
+                counted(info.objects.size() - shown.size(), "still object").c_str());
+}
+
+std::string json_list(const std::vector<std::string>& texts) {
+  std::string list;
+  for (const std::string& text : texts) list += (list.empty() ? "" : ", ") + json_text(text);
+  return "[" + list + "]";
+}
+
+void print_object(OutputFile& out, const ObjectInfo& object) {
+  const auto boolean = [](bool b) { return b ? "true" : "false"; };
+  out << "    {\"path\": " << json_text(object.path) << ", \"type\": " << json_text(object.type)
+      << ", \"animated\": " << boolean(object.animated) << ", \"own_keys\": " << boolean(object.own_keys)
+      << ", \"keys\": " << static_cast<std::int64_t>(object.keys);
+  if (object.keys != 0) out << ", \"first_key\": " << object.first_key << ", \"last_key\": " << object.last_key;
+  out << ", \"not_followed\": " << json_list(object.not_followed) << "}";
+}
+
+void print_json(const SceneInfo& info) {
+  OutputFile out("-.json");
+  out << "{\n  \"scene\": " << json_text(info.file) << ",\n  \"format\": " << json_text(info.format)
+      << ",\n  \"fps\": " << info.fps << ",\n  \"range\": [" << info.first << ", " << info.last
+      << "],\n  \"unit\": " << json_text(info.unit) << ",\n  \"up_axis\": \"" << info.up_axis
+      << "\",\n  \"keys\": " << static_cast<std::int64_t>(info.keys) << ",\n  \"nodes\": {";
+  const char* separator = "";
+  for (const auto& [type, count] : info.node_types) {
+    out << separator << json_text(type) << ": " << static_cast<std::int64_t>(count);
+    separator = ", ";
+  }
+  out << "},\n  \"objects\": [";
+  separator = "\n";
+  for (const ObjectInfo& object : info.objects) {
+    out << separator;
+    print_object(out, object);
+    separator = ",\n";
+  }
+  out << "\n  ],\n  \"warnings\": [";
+  separator = "";
+  for (const auto& warning : info.warnings) {
+    out << separator << "{\"text\": " << json_text(warning.kind)
+        << ", \"count\": " << static_cast<std::int64_t>(warning.count) << "}";
+    separator = ", ";
+  }
+  out << "]\n}\n";
+  out.commit();
+}
+
+void run_info(const InfoOptions& options, Terminal& terminal) {
+  const Scene scene = load_scene(options.scene.file, terminal);
+  const SceneInfo info = describe(scene, options.scene.file);
+  if (options.json)
+    print_json(info);
+  else
+    print_text(info, options.all);
+}
+
+}  // namespace
+
+Command add_info(CLI::App& program) {
+  CLI::App& command = *program.add_subcommand("info", "Tell what is in a scene and what of it moves");
+  const auto options = std::make_shared<InfoOptions>();
+  add_scene_argument(command, options->scene);
+  command.add_flag("--json", options->json, "As JSON, every object");
+  command.add_flag("--all", options->all, "List every object, the still ones too");
+  command.footer(kFooter);
+  return {&command, [options](Terminal& terminal) { run_info(*options, terminal); }};
+}
+
+}  // namespace vantorelix::cli

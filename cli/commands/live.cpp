@@ -1,0 +1,138 @@
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <unordered_set>
+
+#include "cli/commands/commands.h"
+#include "cli/failure.h"
+#include "cli/live/live_run.h"
+#include "cli/output/columns.h"
+#include "cli/output/output_file.h"
+#include "cli/output/text.h"
+#include "cli/scene_file.h"
+
+namespace vantorelix::cli {
+
+using standalone::NodeId;
+using standalone::Scene;
+
+namespace {
+
+constexpr const char* kFooter = R"(
+The edits are a JSON file, {"edits": [...]}; each has "at", seconds from the start, and one of
+  "set_key": "ball.translateY", "frame": 12, "value": 9.5     value in degrees on angles
+  "move_key": "ball.translateY", "frame": 12, "to": 14        tangents go along
+  "remove_key": "ball.translateY", "frame": 14
+  "play": 0.3                                                 playback for so many seconds
+  "file": "writing", "for": 0.2                               or reading, opening, creating
+
+Examples:
+  vantorelix live bounce.ma --edits bounce.edits.json
+  vantorelix live rig.ma --select 'hand*' --edits drag.json --report drag.report.json)";
+
+struct LiveOptions {
+  SceneOptions scene;
+  std::optional<std::int64_t> samples_per_frame;
+  std::string edits, report;
+};
+
+// The engine keeps one live trail for a short name.
+void check_distinct(const Scene& scene, const std::vector<NodeId>& objects) {
+  std::unordered_set<std::string> names;
+  for (const NodeId object : objects)
+    if (!names.insert(std::string(scene.short_name(object))).second)
+      throw Failure("several objects are named '" + std::string(scene.short_name(object)) +
+                    "', and one trail a name stays live; choose among them with --select");
+}
+
+std::string milliseconds(double seconds) { return fixed(seconds * 1e3, 3) + " ms"; }
+
+std::string verdict(const LiveReport& report) {
+  const std::string checked = std::to_string(report.samples) + " positions compared with the scene";
+  return report.wrong == 0 ? "yes, " + checked + " are equal"
+                           : "NO, of " + checked + " " + std::to_string(report.wrong) + " differ, by up to " +
+                                 readable(report.largest_difference);
+}
+
+void print_report(const LiveReport& r) {
+  std::printf(
+      "%s",
+      columns({{"trails", std::to_string(r.trails)},
+               {"edits", std::to_string(r.edits) + ", the longest took " + milliseconds(r.longest_edit)},
+               {"steps", std::to_string(r.steps) + " that worked, " + std::to_string(r.waits) + " that only waited"},
+               {"longest step", milliseconds(r.longest_step)},
+               {"all steps", milliseconds(r.total_steps)},
+               {"last edit to exact", milliseconds(r.last_to_exact) + ", the quiet time included"},
+               {"exact", verdict(r)}},
+              {false, false})
+          .c_str());
+}
+
+void write_report(OutputFile& out, const LiveReport& r, const std::string& scene) {
+  const auto count = [&](const char* name, std::uint64_t n) {
+    out << ",\n  \"" << name << "\": " << static_cast<std::int64_t>(n);
+  };
+  const auto milli = [&](const char* name, double seconds) { out << ",\n  \"" << name << "\": " << seconds * 1e3; };
+  out << "{\n  \"scene\": " << json_text(scene);
+  count("trails", r.trails);
+  count("edits", r.edits);
+  count("steps", r.steps);
+  count("waits", r.waits);
+  milli("longest_edit_ms", r.longest_edit);
+  milli("longest_step_ms", r.longest_step);
+  milli("total_steps_ms", r.total_steps);
+  milli("last_edit_to_exact_ms", r.last_to_exact);
+  out << ",\n  \"exact\": " << (r.wrong == 0 ? "true" : "false");
+  count("positions_compared", r.samples);
+  count("positions_wrong", r.wrong);
+  out << ",\n  \"largest_difference\": ";
+  if (std::isfinite(r.largest_difference))
+    out << r.largest_difference;
+  else
+    out << "null";
+  out << "\n}\n";
+}
+
+void run(const LiveOptions& options, Terminal& terminal) {
+  if (!options.report.empty()) {
+    check_outputs({options.report}, {".json"}, options.scene.file);
+    check_destination(options.report);
+  }
+  Scene loaded = load_scene(options.scene.file, terminal);
+  options.scene.apply_range(loaded);
+  const auto objects = choose(loaded, options.scene.selection, options.scene.file);
+  check_distinct(loaded, objects);
+  const auto events = read_edits(options.edits, loaded);
+  TrailSession session(std::move(loaded), std::nullopt, terminal);
+  TrailSettings settings;
+  if (options.samples_per_frame) settings.samples_per_frame = *options.samples_per_frame;
+  session.check_size(objects.size(), settings);
+  const auto trails = session.create(objects, settings);
+  const LiveReport report = run_live(session, trails, events);
+  if (options.report.empty() || !OutputFile::means_stdout(options.report)) print_report(report);
+  if (!options.report.empty()) {
+    OutputFile out(options.report);
+    write_report(out, report, options.scene.file);
+    out.commit();
+  }
+  if (report.wrong != 0)
+    throw Failure("the trails are not what the scene has; please report this with the scene and its edits");
+}
+
+}  // namespace
+
+Command add_live(CLI::App& program) {
+  CLI::App& command = *program.add_subcommand("live", "Replay timed edits and measure how the trails follow");
+  const auto options = std::make_shared<LiveOptions>();
+  add_scene_argument(command, options->scene);
+  add_selection_options(command, options->scene);
+  command.add_option("--samples-per-frame", options->samples_per_frame, "Samples a frame, at least 1")
+      ->type_name("N")
+      ->check(CLI::Range(std::int64_t{1}, std::int64_t{1'000'000'000}).description(""));
+  command.add_option("--edits", options->edits, "JSON file of timed edits, see below")->type_name("FILE")->required();
+  command.add_option("--report", options->report, "Write the figures as .json too")->type_name("FILE");
+  command.footer(kFooter);
+  return {&command, [options](Terminal& terminal) { run(*options, terminal); }};
+}
+
+}  // namespace vantorelix::cli

@@ -1,0 +1,31 @@
+#include "cli/interrupt.h"
+
+#include <csignal>
+
+#include "host/error.h"
+
+namespace vantorelix::cli {
+
+namespace {
+
+volatile std::sig_atomic_t noted_signal = 0;
+
+extern "C" void note_signal(int number) {
+  noted_signal = number;
+  std::signal(number, SIG_DFL);
+}
+
+}  // namespace
+
+void catch_interrupts() {
+  std::signal(SIGINT, note_signal);
+  std::signal(SIGTERM, note_signal);
+}
+
+void check_interrupt() {
+  if (noted_signal != 0) throw host::Interrupt();
+}
+
+int interrupt_exit_code() { return 128 + noted_signal; }
+
+}  // namespace vantorelix::cli

@@ -1,0 +1,51 @@
+// A text file that appears whole or not at all.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+namespace vantorelix::cli {
+
+// Written to a temporary file beside its place and renamed by commit(); without commit() the destructor removes
+// what was written. "-" with an extension ("-.json") is standard output; a pipe or device is written straight.
+// Every failure is a Failure that names the file. Notices interrupts while writing.
+class OutputFile {
+ public:
+  explicit OutputFile(const std::filesystem::path& path);
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  OutputFile& operator<<(std::string_view text);
+  OutputFile& operator<<(char c) { return *this << std::string_view(&c, 1); }
+  // A finite number as it reads back to the same double.
+  OutputFile& operator<<(double value);
+  OutputFile& operator<<(std::int64_t value);
+
+  std::uint64_t written() const { return written_ + buffer_.size(); }
+  bool is_stdout() const { return stdout_; }
+  const std::filesystem::path& path() const { return path_; }
+  void commit();
+
+  // Whether a path means standard output.
+  static bool means_stdout(const std::filesystem::path& path);
+
+ private:
+  void flush();
+  [[noreturn]] void fail(const std::string& what) const;
+
+  std::filesystem::path path_;       // as it was given
+  std::filesystem::path target_;     // where the links of path_ lead
+  std::filesystem::path temporary_;  // empty when written straight
+  std::ofstream stream_;
+  std::string buffer_;
+  std::uint64_t written_ = 0;
+  bool stdout_ = false;
+};
+
+// Throws Failure unless a file can be put there: its folder exists and it is no folder itself.
+void check_destination(const std::filesystem::path& path);
+
+}  // namespace vantorelix::cli

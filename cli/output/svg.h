@@ -1,0 +1,20 @@
+// The picture of trails.
+#pragma once
+
+#include <string>
+
+#include "cli/output/output_file.h"
+#include "cli/trail_report.h"
+
+namespace vantorelix::cli {
+
+struct SvgOptions {
+  std::string view = "persp";  // persp, front, side, top
+  std::string theme = "auto";  // auto, light, dark
+};
+
+// Colours are those of the trail's colour mode, modes 0, 2 and 3 made by the engine's generators for the initialised
+// host. Huge trails are thinned to what can be seen.
+void write_svg(OutputFile& out, const TrailReport& report, const SvgOptions& options);
+
+}  // namespace vantorelix::cli

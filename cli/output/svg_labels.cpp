@@ -1,0 +1,131 @@
+#include "cli/output/svg_labels.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <unordered_map>
+
+#include "cli/output/svg_path.h"
+#include "cli/output/text.h"
+
+namespace vantorelix::cli {
+
+namespace {
+
+constexpr double kMarkRadius = 4.5;
+// More keys than this and only round frame numbers are marked.
+constexpr std::size_t kManyKeys = 24;
+
+Box2 box_around(const Point2& p, double radius) { return {p.x - radius, p.x + radius, p.y - radius, p.y + radius}; }
+
+// How telling a frame number is: multiples of 100 before those of 50, 20, 10, 5, 2, then whole ones, then the rest.
+int roundness(double frame) {
+  constexpr std::array<double, 7> kSteps = {100, 50, 20, 10, 5, 2, 1};
+  for (std::size_t i = 0; i < kSteps.size(); ++i)
+    if (std::abs(frame - kSteps[i] * std::round(frame / kSteps[i])) < 1e-9) return static_cast<int>(i);
+  return static_cast<int>(kSteps.size());
+}
+
+struct Candidate {
+  KeyMark mark;
+  int rank;  // smaller comes first
+};
+
+void add_candidates(const DrawnTrail& drawn, std::vector<Candidate>& candidates) {
+  const TrailView& trail = drawn.trail();
+  const std::size_t n = std::min(trail.key_times.size(), trail.key_points->size());
+  const bool many = n > kManyKeys;
+  const double step = many ? 2.0 * nice_step(std::max((trail.key_times[n - 1] - trail.key_times[0]) / 12.0, 1e-9)) : 0;
+  for (std::size_t k = 0; k < n; ++k) {
+    const host::Vector& position = (*trail.key_points)[k];
+    const double time = trail.key_times[k];
+    if (!is_finite(position)) continue;
+    const bool end = k == 0 || k + 1 == n;
+    if (many && !end && std::abs(time - step * std::round(time / step)) > 1e-9 * step) continue;
+    const host::Vector color = k < trail.key_colors->size() ? (*trail.key_colors)[k] : host::Vector{1, 1, 1};
+    candidates.push_back({{drawn.place(position), time, position, hex_color(color)}, end ? -1 : roundness(time)});
+  }
+}
+
+}  // namespace
+
+bool Occupancy::take(const Box2& box) {
+  if (box.left < area_.left || box.right > area_.right || box.top < area_.top || box.bottom > area_.bottom)
+    return false;
+  for (const Box2& other : taken_)
+    if (other.overlaps(box)) return false;
+  taken_.push_back(box);
+  return true;
+}
+
+bool draw_label(OutputFile& out, Occupancy& occupancy, const Point2& at, const std::string& text, const char* classes,
+                double size) {
+  const double w = 0.62 * size * static_cast<double>(width(text)) + 2.0, h = size + 1.0, gap = 7.0;
+  const std::array<Point2, 8> offsets = {{{gap, -gap - h},
+                                          {-gap - w, -gap - h},
+                                          {gap, gap},
+                                          {-gap - w, gap},
+                                          {-w / 2, -gap - h - 2},
+                                          {-w / 2, gap + 2},
+                                          {gap + 3, -h / 2},
+                                          {-gap - 3 - w, -h / 2}}};
+  for (const Point2& offset : offsets) {
+    const Box2 box{at.x + offset.x, at.x + offset.x + w, at.y + offset.y, at.y + offset.y + h};
+    if (!occupancy.take(box)) continue;
+    out << "<text class=\"label " << classes << "\" x=\"" << pixel(box.left + 1.0) << "\" y=\""
+        << pixel(box.bottom - 0.2 * h) << "\">" << xml_text(text) << "</text>\n";
+    return true;
+  }
+  return false;
+}
+
+std::vector<KeyMark> choose_keys(const std::vector<DrawnTrail>& trails, Occupancy& occupancy) {
+  std::vector<Candidate> candidates;
+  for (const DrawnTrail& drawn : trails)
+    if (!drawn.trail().key_times.empty()) add_candidates(drawn, candidates);
+  std::stable_sort(candidates.begin(), candidates.end(),
+                   [](const Candidate& a, const Candidate& b) { return a.rank < b.rank; });
+  std::vector<KeyMark> marks;
+  constexpr std::size_t kMost = 400;
+  for (const Candidate& candidate : candidates)
+    if (marks.size() < kMost && occupancy.take(box_around(candidate.mark.at, kMarkRadius)))
+      marks.push_back(candidate.mark);
+  return marks;
+}
+
+void draw_keys(OutputFile& out, const std::vector<KeyMark>& marks) {
+  if (marks.empty()) return;
+  PathData path;
+  const std::string color = marks.front().color;
+  for (const KeyMark& mark : marks) {
+    const double r = kMarkRadius;
+    path.move({mark.at.x, mark.at.y - r});
+    path.line({mark.at.x + r, mark.at.y});
+    path.line({mark.at.x, mark.at.y + r});
+    path.line({mark.at.x - r, mark.at.y});
+    path.line({mark.at.x, mark.at.y - r});
+  }
+  out << "<path class=\"diamond\" style=\"fill:" << color << "\" d=\"" << path.text() << "\"/>\n";
+}
+
+std::size_t label_keys(OutputFile& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t most) {
+  std::size_t done = 0;
+  for (const KeyMark& mark : marks)
+    if (done < most && draw_label(out, occupancy, mark.at, readable(mark.time, 7), "soft key", 10.5)) ++done;
+  return marks.size() - done;
+}
+
+void label_trails(OutputFile& out, const std::vector<DrawnTrail>& trails, Occupancy& occupancy) {
+  std::unordered_map<std::string, int> uses;
+  for (const DrawnTrail& drawn : trails) ++uses[drawn.trail().name];
+  for (const DrawnTrail& drawn : trails) {
+    const TrailView& trail = drawn.trail();
+    const auto last =
+        std::find_if(trail.points->rbegin(), trail.points->rend(), [](const host::Vector& p) { return is_finite(p); });
+    if (last == trail.points->rend()) continue;
+    const std::string text = uses[trail.name] > 1 ? trail.source : trail.name;
+    draw_label(out, occupancy, drawn.place(*last), trail.warnings.empty() ? text : text + " \u26a0", "ink name", 13.0);
+  }
+}
+
+}  // namespace vantorelix::cli

@@ -1,0 +1,44 @@
+#include "cli/scene_file.h"
+
+#include <algorithm>
+#include <cctype>
+#include <system_error>
+
+#include "cli/failure.h"
+#include "cli/interrupt.h"
+#include "standalone/formats/reader.h"
+
+namespace vantorelix::cli {
+
+namespace fs = std::filesystem;
+
+std::string format_name(const fs::path& file) {
+  std::string extension = file.extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  if (extension == ".ma") return "Maya ASCII";
+  if (extension == ".bvh") return "BVH";
+  return extension.empty() ? "unknown" : extension.substr(1);
+}
+
+std::string warning_text(const standalone::Warning& warning) {
+  return warning.count == 1 ? warning.kind : warning.kind + " (" + std::to_string(warning.count) + " times)";
+}
+
+standalone::Scene load_scene(const fs::path& file, Terminal& terminal) {
+  std::error_code ignored;
+  if (!fs::exists(file, ignored)) throw Failure(file.string() + ": no such file; check the path");
+  if (fs::is_directory(file, ignored)) throw Failure(file.string() + ": is a folder; name a scene file in it");
+  standalone::ReadOptions options;
+  options.progress = [&](std::uint64_t done, std::uint64_t total) {
+    check_interrupt();
+    terminal.progress("reading " + file.filename().string() +
+                      (total == 0 ? "" : " " + std::to_string(done * 100 / total) + " %"));
+  };
+  standalone::Scene scene = standalone::read_scene(file, options);
+  terminal.end_progress();
+  for (const auto& warning : scene.warnings()) terminal.warn(file.string() + ": " + warning_text(warning));
+  return scene;
+}
+
+}  // namespace vantorelix::cli

@@ -1,0 +1,21 @@
+// Opening the scene that a command works on.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "cli/terminal.h"
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::cli {
+
+// Reads the scene, with progress, and passes its warnings on. Throws Failure or standalone::FormatError.
+standalone::Scene load_scene(const std::filesystem::path& file, Terminal& terminal);
+
+// "Maya ASCII", "BVH".
+std::string format_name(const std::filesystem::path& file);
+
+// "constraint ... (3 times)"
+std::string warning_text(const standalone::Warning& warning);
+
+}  // namespace vantorelix::cli

@@ -1,0 +1,56 @@
+#include "cli/selection.h"
+
+#include <unordered_set>
+
+#include "cli/failure.h"
+
+namespace vantorelix::cli {
+
+using standalone::NodeId;
+using standalone::Scene;
+
+namespace {
+
+std::vector<NodeId> matching(const Scene& scene, const std::string& pattern, const std::string& file) {
+  std::vector<NodeId> found;
+  for (const NodeId node : scene.match(pattern)) {
+    if (scene.is_transform(node))
+      found.push_back(node);
+    else if (scene.is_shape(node) && scene.parent(node) != standalone::kWorld)
+      found.push_back(scene.parent(node));
+  }
+  if (found.empty())
+    throw Failure(file + ": no object matches '" + pattern + "'; see 'vantorelix info " + file +
+                  " --all' for the names, and quote patterns with * or ?");
+  return found;
+}
+
+std::vector<NodeId> transforms(const Scene& scene, bool all) {
+  std::vector<NodeId> found;
+  for (const NodeId node : scene.nodes())
+    if (scene.is_transform(node) && (all || scene.is_animated(node))) found.push_back(node);
+  return found;
+}
+
+}  // namespace
+
+std::vector<NodeId> choose(const Scene& scene, const Selection& selection, const std::string& file) {
+  std::vector<NodeId> chosen;
+  std::unordered_set<NodeId> seen;
+  const auto add = [&](const std::vector<NodeId>& nodes) {
+    for (const NodeId node : nodes)
+      if (seen.insert(node).second) chosen.push_back(node);
+  };
+  for (const std::string& pattern : selection.patterns) add(matching(scene, pattern, file));
+  if (selection.all) add(transforms(scene, true));
+  if (!selection.patterns.empty() || selection.all) {
+    if (chosen.empty()) throw Failure(file + ": holds no object; open a scene with transforms or joints");
+    return chosen;
+  }
+  add(transforms(scene, false));
+  if (chosen.empty())
+    throw Failure(file + ": nothing is animated; name objects with --select, or take every one with --all");
+  return chosen;
+}
+
+}  // namespace vantorelix::cli

@@ -1,0 +1,85 @@
+#include "cli/trail_report.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+
+#include "engine/trails/trail_data.h"
+
+namespace vantorelix::cli {
+
+using standalone::NodeId;
+using standalone::Scene;
+
+namespace {
+
+host::Vectors array(const Scene& scene, NodeId shape, const char* attribute) {
+  host::Vectors values = scene.vectors(shape, attribute);
+  return values ? values : std::make_shared<const std::vector<host::Vector>>();
+}
+
+bool is_finite(const host::Vector& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
+
+void warn_of_gaps(TrailView& trail) {
+  const auto bad =
+      std::count_if(trail.points->begin(), trail.points->end(), [](const host::Vector& p) { return !is_finite(p); });
+  if (bad != 0) trail.warnings.push_back(std::to_string(bad) + " samples are no finite numbers");
+}
+
+TrailView read_trail(const Scene& scene, const Trail& trail) {
+  const NodeId shape = scene.shapes(trail.viz).at(0);
+  TrailView data;
+  data.viz = scene.short_name(trail.viz);
+  data.source = scene.long_name(trail.source);
+  data.name = scene.short_name(trail.source);
+  data.samples_per_frame = _samples_per_frame(trail.samples_per_frame);
+  data.color_mode = scene.attribute(shape, "colorMode").to_int();
+  data.start_frame = scene.attribute(shape, "startFrame").to_float();
+  data.frame_step = scene.attribute(shape, "frameStep").to_float();
+  data.line_width = scene.attribute(shape, "lineWidth").to_float();
+  data.point_size = scene.attribute(shape, "pointSize").to_float();
+  data.show_line = scene.attribute(shape, "showLine").truthy();
+  data.show_dots = scene.attribute(shape, "showDots").truthy();
+  data.points = array(scene, shape, "points");
+  data.colors = array(scene, shape, "colors");
+  data.key_points = array(scene, shape, "keyPoints");
+  data.key_colors = array(scene, shape, "keyColors");
+  for (const host::Vector& time : *array(scene, shape, "keyTimes")) data.key_times.push_back(time.x);
+  data.warnings = scene.not_followed(trail.source);
+  warn_of_gaps(data);
+  return data;
+}
+
+}  // namespace
+
+TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, const std::string& file) {
+  TrailReport report{
+      file, scene.frames_per_second(), scene.playback_min(), scene.playback_max(), scene.linear_unit(), scene.up_axis(),
+      {}};
+  report.trails.reserve(trails.size());
+  for (const Trail& trail : trails) report.trails.push_back(read_trail(scene, trail));
+  return report;
+}
+
+TrailMeasure measure(const TrailView& trail, double fps) {
+  TrailMeasure result;
+  const auto& points = *trail.points;
+  if (points.size() < 2) return result;
+  double shortest = std::numeric_limits<double>::infinity();
+  double longest = 0.0;
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const host::Vector &a = points[i - 1], &b = points[i];
+    const double segment = std::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
+    result.length += segment;
+    shortest = std::min(shortest, segment);
+    longest = std::max(longest, segment);
+  }
+  const double per_second = fps / trail.frame_step;
+  result.slowest = shortest * per_second;
+  result.fastest = longest * per_second;
+  result.mean = result.length / static_cast<double>(points.size() - 1) * per_second;
+  return result;
+}
+
+}  // namespace vantorelix::cli
