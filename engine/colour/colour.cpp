@@ -86,12 +86,12 @@ std::vector<Colour> point_colours(const std::vector<double>& lengths, double sca
   const std::size_t n = lengths.size();
   std::vector<Colour> colours;
   colours.reserve(n + 1);
-  std::array<double, kBlock + 1> t;  // t[0]: the last of the block before
+  std::array<double, kBlock + 1> t;  // t[0] is the last of the block before; the first segment stands in before itself
+  kernel::parameters(lengths.data(), 1, scale, t.data());
   std::array<Colour, kBlock> block;
   for (std::size_t first = 0; first < n; first += kBlock) {
     const std::size_t count = std::min(kBlock, n - first);
     kernel::parameters(lengths.data() + first, count, scale, t.data() + 1);
-    if (first == 0) t[0] = t[1];  // 0.5 * (t + t) is t
     for (std::size_t i = 0; i < count; ++i) block[i] = ramp(0.5 * (t[i] + t[i + 1]));
     colours.insert(colours.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(count));
     t[0] = t[count];

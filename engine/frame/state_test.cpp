@@ -1,0 +1,175 @@
+#include "engine/frame/state.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "engine/frame/constants.h"
+#include "host/error.h"
+#include "tests/support/engine_test.h"
+
+namespace vantorelix {
+namespace {
+
+using support::EngineTest;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+using testing::StartsWith;
+
+class State : public EngineTest {
+ protected:
+  void expect_initial() {
+    EXPECT_TRUE(_REGISTRY.empty());
+    EXPECT_FALSE(_CB_ID.has_value());
+    EXPECT_FALSE(_REBUILDING);
+    EXPECT_EQ(_GEN, 0);
+    EXPECT_FALSE(_PENDING);
+    EXPECT_EQ(_WORK, nullptr);
+    EXPECT_EQ(_LAST_EDIT, 0.0);
+    EXPECT_TRUE(_MSG_HANDLER.is_none());
+  }
+};
+
+TEST_F(State, IsEmptyRightAfterLoading) { expect_initial(); }
+
+TEST_F(State, StartsAnewOnReload) {
+  const auto* registry = &_REGISTRY;
+  _REGISTRY["vlx_ball_viz"] = std::make_shared<Settings>();
+  _CB_ID = host::Value(3);
+  _REBUILDING = true;
+  _GEN = 7;
+  _PENDING = true;
+  _WORK = std::make_shared<WorkRecord>();
+  _LAST_EDIT = 12.5;
+  _MSG_HANDLER = 1;
+  PLUGIN_FILE = "elsewhere";
+  initialise();
+  expect_initial();
+  EXPECT_EQ(PLUGIN_FILE, "Vantorelix_plugin.py");
+  EXPECT_EQ(registry, &_REGISTRY);
+}
+
+TEST_F(State, BindsTheHandlesItWasGiven) {
+  const Handles handles = fake.handles();
+  _initialise(handles);
+  EXPECT_EQ(cmds, handles.cmds);
+  EXPECT_EQ(om, handles.om);
+  EXPECT_EQ(oma, handles.oma);
+  EXPECT_EQ(interpreter, handles.interpreter);
+}
+
+TEST_F(State, ThePluginLiesBesideTheModuleWhereverTheCurrentFolderIs) {
+  const std::filesystem::path here = std::filesystem::current_path();
+  const std::filesystem::path folder = here.root_path() / "opt" / "tools";
+  fake.file = (folder / "Vantorelix_engine.py").string();
+  initialise();
+  EXPECT_EQ(PLUGIN_FILE, (folder / "Vantorelix_plugin.py").string());
+  fake.file = "Vantorelix_engine.py";  // found relative to the current folder, and fixed from then on
+  initialise();
+  EXPECT_EQ(PLUGIN_FILE, (here / "Vantorelix_plugin.py").string());
+}
+
+TEST(Constants, HaveTheirPublishedValues) {
+  EXPECT_EQ(SCRIPT_NAME, "Vantorelix");
+  EXPECT_EQ(SCRIPT_VERSION, "v1_04");
+  EXPECT_EQ(PLUGIN_BASENAME, "Vantorelix_plugin");
+  EXPECT_EQ(NODE_TYPE, "vantorelix");
+  EXPECT_EQ(TRAIL_ROOT, "vantorelixs_grp");
+  EXPECT_EQ(OPT_SAMPLES, "Vantorelix_samplesPerFrame");
+  EXPECT_EQ(OPT_LINE_WIDTH, "Vantorelix_lineWidth");
+  EXPECT_EQ(OPT_POINT_SIZE, "Vantorelix_pointSize");
+  EXPECT_EQ(OPT_SHOW_LINE, "Vantorelix_showLine");
+  EXPECT_EQ(OPT_SHOW_DOTS, "Vantorelix_showDots");
+  EXPECT_EQ(OPT_XRAY, "Vantorelix_xrayMode");
+  EXPECT_EQ(OPT_COLOR_MODE, "Vantorelix_colorMode");
+  EXPECT_EQ(_CHUNK_BUDGET, 0.008);
+  EXPECT_EQ(_DEBOUNCE, 0.2);
+  EXPECT_EQ(_CREATE_BUDGET, 0.15);
+  EXPECT_EQ(_SPACING_RED_MULT, 2.5);
+  EXPECT_THAT(_VIEWPORT_TRAIL_FLAGS, ElementsAre("motionTrails"));
+}
+
+TEST(ExportList, HoldsPrivateNamesAndHandlesButNoDoubleUnderscores) {
+  EXPECT_THAT(__all__, Contains("_REGISTRY"));
+  EXPECT_THAT(__all__, Contains("cmds"));
+  EXPECT_THAT(__all__, Contains("_on_anim_edit"));
+  EXPECT_THAT(__all__, Not(Contains(StartsWith("__"))));
+}
+
+TEST(ExportList, NamesNothingTwice) {
+  const std::set<std::string> names(__all__.begin(), __all__.end());
+  EXPECT_EQ(names.size(), __all__.size());
+}
+
+TEST(ExportList, IsInDefinitionOrder) {
+  const std::vector<std::string> in_order = {"os",
+                                             "sys",
+                                             "time",
+                                             "bisect_left",
+                                             "bisect_right",
+                                             "cmds",
+                                             "om",
+                                             "oma",
+                                             "SCRIPT_NAME",
+                                             "OPT_SAMPLES",
+                                             "_REGISTRY",
+                                             "_MSG_HANDLER",
+                                             "_CHUNK_BUDGET",
+                                             "_RAMP_STOPS",
+                                             "_msg",
+                                             "_opt_get_int",
+                                             "_world_pos_at",
+                                             "_smooth",
+                                             "_catmull_point",
+                                             "_color_ramp",
+                                             "_compute_trail_data",
+                                             "_push_data_to_viz",
+                                             "create_trail",
+                                             "clear_trails",
+                                             "convert_to_nurbs",
+                                             "_rebuild_step",
+                                             "_schedule_rebuild",
+                                             "_on_anim_edit",
+                                             "apply_prefs_to_existing_trails",
+                                             "set_color_mode",
+                                             "_ensure_plugin",
+                                             "pellark_entry"};
+  auto place = __all__.begin();
+  for (const std::string& name : in_order) {
+    place = std::find(place, __all__.end(), name);
+    ASSERT_NE(place, __all__.end()) << name;
+  }
+}
+
+TEST(OrderedMap, KeepsTheOrderOfInsertion) {
+  OrderedMap<int> map;
+  map["b"] = 1;
+  map["a"] = 2;
+  map["b"] = 3;  // keeps its place
+  EXPECT_THAT(map.snapshot(), ElementsAre(std::pair<std::string, int>("b", 3), std::pair<std::string, int>("a", 2)));
+  EXPECT_TRUE(map.erase("b"));
+  EXPECT_FALSE(map.erase("b"));
+  map["b"] = 4;  // goes to the end
+  EXPECT_THAT(map.snapshot(), ElementsAre(std::pair<std::string, int>("a", 2), std::pair<std::string, int>("b", 4)));
+  EXPECT_EQ(map.get("c", 9), 9);
+  EXPECT_EQ(map.get("a", 9), 2);
+  map.clear();
+  EXPECT_TRUE(map.empty());
+}
+
+TEST(OrderedMap, AMissingKeyIsNamedInQuotes) {
+  const Settings settings;
+  try {
+    settings.at("samples_per_frame");
+    FAIL() << "no error";
+  } catch (const host::Error& e) {
+    EXPECT_EQ(e.kind(), host::ErrorKind::key);
+    EXPECT_STREQ(e.what(), "'samples_per_frame'");
+  }
+}
+
+}  // namespace
+}  // namespace vantorelix
