@@ -2,49 +2,18 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <vector>
+
+#include "standalone/scene/curve_key.h"
+#include "standalone/scene/curve_segments.h"
 
 namespace vantorelix::standalone {
 
-// What a key's in or out side does. The numbers are those of scene files.
-enum class Tangent : std::uint8_t {
-  global = 0,
-  fixed = 1,
-  linear = 2,
-  flat = 3,
-  step = 5,
-  slow = 6,
-  fast = 7,
-  spline = 9,
-  clamped = 10,
-  plateau = 16,
-  step_next = 17,
-  automatic = 18,
-  automatic_mix = 19,
-  automatic_ease = 20,
-  automatic_custom = 21,
-};
-
-enum class Infinity : std::uint8_t { constant = 0, linear = 1, cycle = 3, cycle_offset = 4, oscillate = 5 };
-
-// What a curve's values are. Angular values are radians inside; the rest are in the scene's own units.
-enum class CurveKind : std::uint8_t { linear, angular, unitless, time };
-
-struct Key {
-  double time = 0.0;   // frames
-  double value = 0.0;  // radians on angular curves
-  Tangent in = Tangent::automatic;
-  Tangent out = Tangent::automatic;
-  // Fixed tangents: x in seconds, y in value units. With weighted tangents the lengths count; without, only y / x.
-  double in_x = 1.0;
-  double in_y = 0.0;
-  double out_x = 1.0;
-  double out_y = 0.0;
-};
-
-// Keys are kept ascending in time, one per time. Any change recomputes the tangents around it and the segments'
-// polynomials, so that evaluation is a look-up and a cubic.
+// Keys are kept ascending in time, one per time. Any change recomputes the whole curve's polynomials (about 10 ns a
+// key), so that evaluation is a look-up and a cubic. A key costs 96 bytes in all; readers that reserve the number of
+// keys before filling the vector they hand to assign waste nothing.
+//
+// A curve that no one changes may be evaluated from several threads at once.
 class AnimCurve {
  public:
   explicit AnimCurve(CurveKind kind = CurveKind::linear, double frames_per_second = 24.0);
@@ -55,11 +24,15 @@ class AnimCurve {
   Infinity pre_infinity() const { return pre_; }
   Infinity post_infinity() const { return post_; }
 
+  // All that change the curve throw host::Error of kind value for a number that is not finite (or a rate that is not
+  // above 0), and leave the curve as it was.
+
   // Replaces everything at once: the way of the scene readers. Unsorted keys are sorted (stably); of keys at the
-  // same time the last wins. Throws host::Error of kind value for a time or value that is not finite.
+  // same time the last wins.
   void assign(std::vector<Key> keys, bool weighted, Infinity pre, Infinity post);
   // Adds a key, or changes the value of the one at that time (its tangents stay).
   void set_key(double time, double value);
+  // Adds a key, or replaces the one at its time.
   void set_key(const Key& key);
   // False when there is no key at that time.
   bool remove_key(double time);
@@ -67,22 +40,46 @@ class AnimCurve {
   void set_infinity(Infinity pre, Infinity post);
   void set_frames_per_second(double frames_per_second);
 
-  // The value at a frame; 0 without keys. `hint` is the caller's memory of the last segment: start it at 0, pass
-  // it again; it is only ever a place to look first.
-  double evaluate(double frame, std::size_t& hint) const;
+  // The value at a frame; 0 without keys. At a key's time it is exactly the key's value. `hint` is the caller's
+  // memory of the last segment: start it at 0, pass it again; it is only ever a place to look first.
+  double evaluate(double frame, std::size_t& hint) const {
+    if (hint < segment_count_) {
+      const CurveSegment& segment = segments_[hint];
+      if (frame >= segment.start && frame < (&segment)[1].start) {
+        const double value = segment.at(frame);
+        if (value == value) return value;  // not a number: there is more to this segment than its polynomial
+      }
+    }
+    return evaluate_elsewhere(frame, hint);
+  }
   double evaluate(double frame) const {
     std::size_t hint = 0;
     return evaluate(frame, hint);
   }
   // True when every frame gives the same value.
-  bool is_constant() const;
+  bool is_constant() const { return constant_; }
 
  private:
+  void rebuild();
+  double evaluate_elsewhere(double frame, std::size_t& hint) const;
+  double evaluate_repeated(double frame, Infinity infinity, std::size_t& hint) const;
+  double evaluate_inside(double frame, std::size_t& hint) const;
+  std::size_t locate(double frame, std::size_t hint) const;
+
+  // One for each key and, last, one that starts at infinity, so that segment i ends where i + 1 starts. The last
+  // key's holds the constant or linear continuation. Not counted: the one at infinity.
+  std::vector<CurveSegment> segments_;
+  std::size_t segment_count_ = 0;
+  double segments_per_frame_ = 0.0;                 // on average: the first guess of a search
+  std::vector<WeightedSegment> weighted_segments_;  // beside segments_, or empty when no segment bends time
+  double pre_slope_ = 0.0;                          // of the continuation before the first key
+
   CurveKind kind_;
-  double frames_per_second_;
   bool weighted_ = false;
   Infinity pre_ = Infinity::constant;
   Infinity post_ = Infinity::constant;
+  bool constant_ = true;
+  double frames_per_second_;
   std::vector<Key> keys_;
 };
 

@@ -1,0 +1,173 @@
+#include "standalone/scene/anim_curve.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/error.h"
+#include "standalone/scene/infinity.h"
+#include "standalone/scene/tangents.h"
+
+namespace vantorelix::standalone {
+
+namespace {
+
+void require_finite(const Key& key) {
+  // Any number that is not finite makes the sum of the differences so: one test a key for the usual case.
+  const double zero = (key.time - key.time) + (key.value - key.value) + (key.in_x - key.in_x) + (key.in_y - key.in_y) +
+                      (key.out_x - key.out_x) + (key.out_y - key.out_y);
+  if (zero != 0.0) throw host::Error("a key's time, value and tangents must be finite numbers", host::ErrorKind::value);
+}
+
+void require_rate(double frames_per_second) {
+  if (!(std::isfinite(frames_per_second) && frames_per_second > 0.0))
+    throw host::Error("frames per second must be above 0", host::ErrorKind::value);
+}
+
+bool earlier(const Key& a, const Key& b) { return a.time < b.time; }
+
+void sort_keys(std::vector<Key>& keys) {
+  const auto not_ascending = [](const Key& a, const Key& b) { return a.time >= b.time; };
+  if (std::adjacent_find(keys.begin(), keys.end(), not_ascending) == keys.end()) return;
+  std::stable_sort(keys.begin(), keys.end(), earlier);
+  // The last of equals: seen from the back, the first.
+  const auto same_time = [](const Key& a, const Key& b) { return a.time == b.time; };
+  keys.erase(keys.begin(), std::unique(keys.rbegin(), keys.rend(), same_time).base());
+}
+
+bool repeats(Infinity infinity) { return infinity != Infinity::constant && infinity != Infinity::linear; }
+
+}  // namespace
+
+AnimCurve::AnimCurve(CurveKind kind, double frames_per_second) : kind_(kind), frames_per_second_(frames_per_second) {
+  require_rate(frames_per_second);
+}
+
+void AnimCurve::assign(std::vector<Key> keys, bool weighted, Infinity pre, Infinity post) {
+  for (const Key& key : keys) require_finite(key);
+  sort_keys(keys);
+  keys_ = std::move(keys);
+  weighted_ = weighted;
+  pre_ = pre;
+  post_ = post;
+  rebuild();
+}
+
+void AnimCurve::set_key(double time, double value) {
+  Key key{.time = time, .value = value};
+  const auto old = std::lower_bound(keys_.begin(), keys_.end(), key, earlier);
+  if (old != keys_.end() && old->time == time) {
+    key = *old;
+    key.value = value;
+  }
+  set_key(key);
+}
+
+void AnimCurve::set_key(const Key& key) {
+  require_finite(key);
+  const auto place = std::lower_bound(keys_.begin(), keys_.end(), key, earlier);
+  if (place != keys_.end() && place->time == key.time)
+    *place = key;
+  else
+    keys_.insert(place, key);
+  rebuild();
+}
+
+bool AnimCurve::remove_key(double time) {
+  const auto place = std::find_if(keys_.begin(), keys_.end(), [time](const Key& key) { return key.time == time; });
+  if (place == keys_.end()) return false;
+  keys_.erase(place);
+  rebuild();
+  return true;
+}
+
+void AnimCurve::set_weighted(bool weighted) {
+  weighted_ = weighted;
+  rebuild();
+}
+
+void AnimCurve::set_infinity(Infinity pre, Infinity post) {
+  pre_ = pre;
+  post_ = post;
+  rebuild();
+}
+
+void AnimCurve::set_frames_per_second(double frames_per_second) {
+  require_rate(frames_per_second);
+  frames_per_second_ = frames_per_second;
+  rebuild();
+}
+
+void AnimCurve::rebuild() {
+  CurveSegments made = build_segments(keys_, weighted_, frames_per_second_);
+  segments_ = std::move(made.segments);
+  weighted_segments_ = std::move(made.weighted);
+  segment_count_ = keys_.empty() ? 0 : segments_.size() - 1;
+  pre_slope_ = 0.0;
+  constant_ = true;
+  if (keys_.empty()) return;
+
+  segments_per_frame_ = static_cast<double>(segment_count_ - 1) / (keys_.back().time - keys_.front().time);
+  const std::size_t n = keys_.size();
+  const auto finite = [](double slope) { return std::isfinite(slope) ? slope : 0.0; };
+  if (pre_ == Infinity::linear)
+    pre_slope_ = finite(in_slope({nullptr, keys_[0], n > 1 ? &keys_[1] : nullptr}, frames_per_second_));
+  CurveSegment& after = segments_[segment_count_ - 1];
+  if (post_ == Infinity::linear)
+    after.c1 = finite(out_slope({n > 1 ? &keys_[n - 2] : nullptr, keys_[n - 1], nullptr}, frames_per_second_));
+
+  const auto level = [this](const CurveSegment& segment) {
+    return segment.c0 == keys_[0].value && segment.c1 == 0.0 && segment.c2 == 0.0 && segment.c3 == 0.0;
+  };
+  constant_ = pre_slope_ == 0.0 && std::all_of(segments_.begin(), segments_.end() - 1, level);
+  if (repeats(post_)) after.set_not_cubic();
+}
+
+double AnimCurve::evaluate_elsewhere(double frame, std::size_t& hint) const {
+  if (keys_.empty()) return 0.0;
+  const Key& first = keys_.front();
+  const Key& last = keys_.back();
+  if (frame < first.time) {
+    if (pre_ == Infinity::constant || std::isinf(frame)) return first.value;
+    if (pre_ == Infinity::linear) return first.value + (frame - first.time) * pre_slope_;
+    return evaluate_repeated(frame, pre_, hint);
+  }
+  if (frame > last.time) {
+    if (std::isinf(frame)) return last.value;
+    if (repeats(post_)) return evaluate_repeated(frame, post_, hint);
+  }
+  return evaluate_inside(frame, hint);
+}
+
+double AnimCurve::evaluate_repeated(double frame, Infinity infinity, std::size_t& hint) const {
+  const Key& first = keys_.front();
+  const Key& last = keys_.back();
+  if (keys_.size() == 1) return first.value;
+  const Repetition place = repetition(frame, first.time, last.time, infinity);
+  const double value = evaluate_inside(place.frame, hint);
+  return infinity == Infinity::cycle_offset ? value + place.number * (last.value - first.value) : value;
+}
+
+// From the first key on; what is beyond the last one by rounding counts as on it when the curve repeats.
+double AnimCurve::evaluate_inside(double frame, std::size_t& hint) const {
+  hint = locate(frame, hint);
+  const CurveSegment& segment = segments_[hint];
+  if (segment.is_cubic()) return segment.at(frame);
+  if (hint + 1 == segment_count_) return segment.c0;
+  return segment.c0 + weighted_segments_[hint].at(frame - segment.start);
+}
+
+std::size_t AnimCurve::locate(double frame, std::size_t hint) const {
+  const auto holds = [this, frame](std::size_t i) {
+    return i < segment_count_ && frame >= segments_[i].start && frame < segments_[i + 1].start;
+  };
+  if (holds(hint + 1)) return hint + 1;
+  if (holds(hint)) return hint;
+  const double guess = (frame - segments_[0].start) * segments_per_frame_;
+  if (guess < static_cast<double>(segment_count_) && holds(static_cast<std::size_t>(guess)))
+    return static_cast<std::size_t>(guess);
+  const auto starts_later = [](double at, const CurveSegment& segment) { return at < segment.start; };
+  const auto after = std::upper_bound(segments_.begin() + 1, segments_.end() - 1, frame, starts_later);
+  return static_cast<std::size_t>(after - segments_.begin()) - 1;
+}
+
+}  // namespace vantorelix::standalone
