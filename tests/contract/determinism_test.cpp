@@ -1,0 +1,91 @@
+// The example scenes give the same bits in every build: debug and release, whatever the compiler.
+//
+// What could tell builds apart is shut out: contraction of a * b + c is off for every target, sums keep their order,
+// sines and cosines are the scene's own, and the library functions left on this road (square root, fmod, rounding) have
+// one right answer. (The quaternion blend of two rotations calls the library's arc functions; no example uses it.)
+//
+// So a changed hash means changed results. Renew a constant only when an independent check says that the new numbers
+// are right (the reference positions of standalone/formats, a position worked out by hand), and say in the commit
+// which.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <iostream>
+#include <string>
+
+#include "engine/trails/create.h"
+#include "standalone/formats/reader.h"
+#include "tests/contract/session.h"
+
+namespace vantorelix::contract {
+namespace {
+
+// FNV-1a, 64 bits, over the bytes of the numbers, least significant byte first.
+class Hash {
+ public:
+  void add(double number) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    for (int byte = 0; byte < 8; ++byte) {
+      value_ ^= (bits >> (8 * byte)) & 0xff;
+      value_ *= 0x100000001b3u;
+    }
+  }
+  void add(const std::vector<host::Vector>& vectors) {
+    add(static_cast<double>(vectors.size()));
+    for (const host::Vector& v : vectors) {
+      add(v.x);
+      add(v.y);
+      add(v.z);
+    }
+  }
+  std::uint64_t value() const { return value_; }
+
+ private:
+  std::uint64_t value_ = 0xcbf29ce484222325u;
+};
+
+// All five arrays of a trail for every animated object.
+std::uint64_t hash_of(const std::string& example) {
+  Session session(standalone::read_scene(std::string(VANTORELIX_SOURCE_DIR) + "/examples/" + example), 0.0);
+  std::vector<standalone::NodeId> animated;
+  for (const standalone::NodeId node : session.scene().nodes())
+    if (session.scene().is_transform(node) && session.scene().is_animated(node)) animated.push_back(node);
+  session.host().select(animated);
+  session.recorder().set_recording(false);
+  create_trail(4);
+  EXPECT_EQ(_REGISTRY.size(), animated.size());
+  EXPECT_FALSE(_PENDING) << "trails are exact at once where time stands still";
+  Hash hash;
+  for (const auto& [viz, settings] : _REGISTRY)
+    for (const char* attribute : {"points", "colors", "keyPoints", "keyColors", "keyTimes"})
+      hash.add(*session.vectors(viz, attribute));
+  return hash.value();
+}
+
+struct Example {
+  const char* file;
+  std::uint64_t hash;
+};
+
+class Determinism : public testing::TestWithParam<Example> {};
+
+TEST_P(Determinism, gives_the_example_its_committed_bits) {
+  const auto [file, expected] = GetParam();
+  const std::uint64_t hash = hash_of(file);
+  EXPECT_EQ(hash, expected) << file << " hashes to 0x" << std::hex << hash;
+  EXPECT_EQ(hash_of(file), hash) << "within one program";
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, Determinism,
+                         testing::Values(Example{"bounce.ma", 0}, Example{"arm.ma", 0}, Example{"prop.ma", 0},
+                                         Example{"walk.bvh", 0}),
+                         [](const testing::TestParamInfo<Example>& param) {
+                           std::string name = param.param.file;
+                           name[name.find('.')] = '_';
+                           return name;
+                         });
+
+}  // namespace
+}  // namespace vantorelix::contract
