@@ -56,7 +56,8 @@ void place(Sheet& sheet, const TrailReport& report) {
   const double inset = ruled ? 30.0 : 14.0;
   const double wide = std::max(seen.width(), 1e-12), high = std::max(seen.height(), 1e-12);
   const double height = std::clamp((width - 2 * inset) * high / wide + 2 * inset, 360.0, 760.0);
-  sheet.plot = {left, left + width, kTitle + 20.0, kTitle + 20.0 + height};
+  const double top = kTitle + (ruled ? 36.0 : 20.0);
+  sheet.plot = {left, left + width, top, top + height};
   const double scale = std::min((width - 2 * inset) / wide, (height - 2 * inset) / high);
   sheet.placement.scale = scale;
   sheet.placement.shift = {left + width / 2 - scale * (seen.left + seen.right) / 2,
@@ -174,16 +175,19 @@ void write_svg(OutputFile& out, const TrailReport& report, const SvgOptions& opt
 
   double ruled_step = 0.0;
   if (sheet.camera.is_perspective())
-    draw_ground(out, sheet.ground, sheet.camera, sheet.placement);
+    draw_ground(out, sheet.ground, sheet.camera, sheet.placement, report.up_axis);
   else
     ruled_step = draw_ruled_paper(out, sheet.plot, sheet.camera, sheet.placement, bounds, report.up_axis);
   Occupancy occupancy({kMargin / 2, kWidth - kMargin / 2, sheet.plot.top - 14.0, sheet.plot.bottom + 14.0});
+  for (const DrawnTrail& trail : sheet.trails)
+    trail.for_each_stretch(sheet.tolerance,
+                           [&](const Point2& from, const Point2& to) { occupancy.note_line(from, to); });
   const auto keys = choose_keys(sheet.trails, occupancy);
   draw_depth_cues(out, sheet, report, keys);
   draw_trails(out, sheet);
   draw_keys(out, keys);
   label_trails(out, sheet.trails, occupancy);
-  label_keys(out, keys, occupancy, 60);
+  label_keys(out, keys, occupancy, sheet.trails.size() > kMostShadows ? 30 : 60);
   draw_legend(out, report, notes(sheet, report, ruled_step), {kMargin, kWidth - kMargin, foot, foot + legend});
   out << "</svg>\n";
 }

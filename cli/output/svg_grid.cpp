@@ -38,6 +38,23 @@ std::string tick_text(double value, const PictureAxis& axis, char up_axis) {
   return readable(mirrored ? -value : value, 6);
 }
 
+// Letters where the axes leave the ground, on the side where they grow.
+template <class Place>
+void name_axes(OutputFile& out, const Ground& g, const Place& place, char up_axis) {
+  const auto name = [&](const Point2& end, const Point2& inner, char letter) {
+    const double length = std::max(std::hypot(end.x - inner.x, end.y - inner.y), 1e-9);
+    out << "<text class=\"soft\" x=\"" << pixel(end.x + (end.x - inner.x) / length * 12.0) << "\" y=\""
+        << pixel(end.y + (end.y - inner.y) / length * 12.0 + 4.0) << "\" text-anchor=\"middle\">" << letter
+        << "</text>\n";
+  };
+  if (g.low_z <= 0.0 && g.high_z >= 0.0) name(place(g.high_x, 0.0), place(g.low_x, 0.0), 'x');
+  if (g.low_x > 0.0 || g.high_x < 0.0) return;
+  if (up_axis == 'z')
+    name(place(0.0, g.low_z), place(0.0, g.high_z), 'y');
+  else
+    name(place(0.0, g.high_z), place(0.0, g.low_z), 'z');
+}
+
 }  // namespace
 
 std::array<Vector, 4> Ground::corners() const {
@@ -48,7 +65,7 @@ std::array<Vector, 4> Ground::corners() const {
 Ground ground_under(const Bounds& bounds) {
   Ground ground;
   const Vector c = bounds.centre();
-  const double least = 0.35 * bounds.extent();  // a motion straight up still gets a floor to stand on
+  const double least = 0.25 * bounds.extent();  // a motion straight up still gets a floor to stand on
   const double half_x = std::max(bounds.high.x - bounds.low.x, least) / 2.0;
   const double half_z = std::max(bounds.high.z - bounds.low.z, least) / 2.0;
   const double s = ground.step = nice_step(std::max(half_x, half_z) / 4.0);
@@ -62,7 +79,7 @@ Ground ground_under(const Bounds& bounds) {
   return ground;
 }
 
-void draw_ground(OutputFile& out, const Ground& g, const Camera& camera, const Placement& placement) {
+void draw_ground(OutputFile& out, const Ground& g, const Camera& camera, const Placement& placement, char up_axis) {
   const auto place = [&](double x, double z) { return placement.apply(camera.project({x, g.height, z})); };
   const auto kind = [&](double v) { return std::abs(v) < 1e-6 * g.step ? "axis" : "grid"; };
   const auto lines = [&](double low, double high, const auto& draw) {
@@ -72,6 +89,7 @@ void draw_ground(OutputFile& out, const Ground& g, const Camera& camera, const P
   out << "<g>\n";
   lines(g.low_x, g.high_x, [&](double x) { draw_line(out, kind(x), place(x, g.low_z), place(x, g.high_z)); });
   lines(g.low_z, g.high_z, [&](double z) { draw_line(out, kind(z), place(g.low_x, z), place(g.high_x, z)); });
+  name_axes(out, g, place, up_axis);
   out << "</g>\n";
 }
 

@@ -18,7 +18,7 @@ struct Ground {
   std::array<host::Vector, 4> corners() const;
 };
 Ground ground_under(const Bounds& bounds);
-void draw_ground(OutputFile& out, const Ground& ground, const Camera& camera, const Placement& placement);
+void draw_ground(OutputFile& out, const Ground& ground, const Camera& camera, const Placement& placement, char up_axis);
 
 // Lines and numbers across the area; returns the step between them.
 double draw_ruled_paper(OutputFile& out, const Box2& area, const Camera& camera, const Placement& placement,

@@ -12,9 +12,13 @@ namespace vantorelix::cli {
 
 namespace {
 
+// Side of a raster cell, in pixels.
+constexpr double kCell = 4.0;
 constexpr double kMarkRadius = 4.5;
 // More keys than this and only round frame numbers are marked.
 constexpr std::size_t kManyKeys = 24;
+// Up to here names are written large.
+constexpr std::size_t kFewTrails = 8;
 
 Box2 box_around(const Point2& p, double radius) { return {p.x - radius, p.x + radius, p.y - radius, p.y + radius}; }
 
@@ -49,13 +53,37 @@ void add_candidates(const DrawnTrail& drawn, std::vector<Candidate>& candidates)
 
 }  // namespace
 
-bool Occupancy::take(const Box2& box) {
+Occupancy::Occupancy(const Box2& area)
+    : area_(area),
+      columns_(static_cast<std::size_t>(area.width() / kCell) + 1),
+      lines_(columns_ * (static_cast<std::size_t>(area.height() / kCell) + 1)) {}
+
+std::size_t Occupancy::cell(double x, double y) const {
+  const auto index = [](double v, double low, double high) {
+    return static_cast<std::size_t>((std::clamp(v, low, high) - low) / kCell);
+  };
+  return index(y, area_.top, area_.bottom) * columns_ + index(x, area_.left, area_.right);
+}
+
+void Occupancy::note_line(const Point2& from, const Point2& to) {
+  const double steps = std::min(std::ceil(std::hypot(to.x - from.x, to.y - from.y) / kCell), 1e3);
+  for (double k = 0.0; k <= steps; k += 1.0) {
+    const double u = steps > 0.0 ? k / steps : 0.0;
+    lines_[cell(from.x + u * (to.x - from.x), from.y + u * (to.y - from.y))] = true;
+  }
+}
+
+bool Occupancy::crosses_line(const Box2& box) const {
+  for (double y = box.top; y < box.bottom + kCell; y += kCell)
+    for (double x = box.left; x < box.right + kCell; x += kCell)
+      if (lines_[cell(std::min(x, box.right), std::min(y, box.bottom))]) return true;
+  return false;
+}
+
+bool Occupancy::is_free(const Box2& box) const {
   if (box.left < area_.left || box.right > area_.right || box.top < area_.top || box.bottom > area_.bottom)
     return false;
-  for (const Box2& other : taken_)
-    if (other.overlaps(box)) return false;
-  taken_.push_back(box);
-  return true;
+  return std::none_of(taken_.begin(), taken_.end(), [&](const Box2& other) { return other.overlaps(box); });
 }
 
 bool draw_label(OutputFile& out, Occupancy& occupancy, const Point2& at, const std::string& text, const char* classes,
@@ -69,14 +97,21 @@ bool draw_label(OutputFile& out, Occupancy& occupancy, const Point2& at, const s
                                           {-w / 2, gap + 2},
                                           {gap + 3, -h / 2},
                                           {-gap - 3 - w, -h / 2}}};
-  for (const Point2& offset : offsets) {
-    const Box2 box{at.x + offset.x, at.x + offset.x + w, at.y + offset.y, at.y + offset.y + h};
-    if (!occupancy.take(box)) continue;
-    out << "<text class=\"label " << classes << "\" x=\"" << pixel(box.left + 1.0) << "\" y=\""
-        << pixel(box.bottom - 0.2 * h) << "\">" << xml_text(text) << "</text>\n";
-    return true;
+  const Box2* best = nullptr;
+  std::array<Box2, 8> boxes;
+  for (std::size_t i = 0; i < offsets.size(); ++i) {
+    const Point2 corner{at.x + offsets[i].x, at.y + offsets[i].y};
+    boxes[i] = {corner.x, corner.x + w, corner.y, corner.y + h};
+    if (!occupancy.is_free(boxes[i])) continue;
+    const bool clear = !occupancy.crosses_line(boxes[i]);
+    if (clear || best == nullptr) best = &boxes[i];
+    if (clear) break;
   }
-  return false;
+  if (best == nullptr) return false;
+  occupancy.take(*best);
+  out << "<text class=\"label " << classes << "\" x=\"" << pixel(best->left + 1.0) << "\" y=\""
+      << pixel(best->bottom - 0.2 * h) << "\">" << xml_text(text) << "</text>\n";
+  return true;
 }
 
 std::vector<KeyMark> choose_keys(const std::vector<DrawnTrail>& trails, Occupancy& occupancy) {
@@ -87,9 +122,12 @@ std::vector<KeyMark> choose_keys(const std::vector<DrawnTrail>& trails, Occupanc
                    [](const Candidate& a, const Candidate& b) { return a.rank < b.rank; });
   std::vector<KeyMark> marks;
   constexpr std::size_t kMost = 400;
-  for (const Candidate& candidate : candidates)
-    if (marks.size() < kMost && occupancy.take(box_around(candidate.mark.at, kMarkRadius)))
-      marks.push_back(candidate.mark);
+  for (const Candidate& candidate : candidates) {
+    const Box2 box = box_around(candidate.mark.at, kMarkRadius);
+    if (marks.size() == kMost || !occupancy.is_free(box)) continue;
+    occupancy.take(box);
+    marks.push_back(candidate.mark);
+  }
   return marks;
 }
 
@@ -124,7 +162,11 @@ void label_trails(OutputFile& out, const std::vector<DrawnTrail>& trails, Occupa
         std::find_if(trail.points->rbegin(), trail.points->rend(), [](const host::Vector& p) { return is_finite(p); });
     if (last == trail.points->rend()) continue;
     const std::string text = uses[trail.name] > 1 ? trail.source : trail.name;
-    draw_label(out, occupancy, drawn.place(*last), trail.warnings.empty() ? text : text + " \u26a0", "ink name", 13.0);
+    const std::string shown = trail.warnings.empty() ? text : text + " \u26a0";
+    if (trails.size() <= kFewTrails)
+      draw_label(out, occupancy, drawn.place(*last), shown, "ink name", 13.0);
+    else
+      draw_label(out, occupancy, drawn.place(*last), shown, "ink small", 11.0);
   }
 }
 

@@ -10,21 +10,27 @@
 
 namespace vantorelix::cli {
 
-// The places of the picture that are taken.
+// The places of the picture that are taken, and those that are better left free because a line runs there.
 class Occupancy {
  public:
-  explicit Occupancy(const Box2& area) : area_(area) {}
-  // Takes the box when it lies in the area and touches none that is taken.
-  bool take(const Box2& box);
-  // Takes it whatever lies there.
-  void force(const Box2& box) { taken_.push_back(box); }
+  explicit Occupancy(const Box2& area);
+  void note_line(const Point2& from, const Point2& to);
+  bool crosses_line(const Box2& box) const;
+  // Whether the box lies in the area and touches none that is taken.
+  bool is_free(const Box2& box) const;
+  void take(const Box2& box) { taken_.push_back(box); }
 
  private:
+  std::size_t cell(double x, double y) const;
+
   Box2 area_;
+  std::size_t columns_;
   std::vector<Box2> taken_;
+  std::vector<bool> lines_;  // cells of a coarse raster over the area
 };
 
-// Finds a free place for a text beside a point and draws it there; false when there is none.
+// Finds a free place for a text beside a point, off the lines if there is one, and draws it there; false when there
+// is none.
 bool draw_label(OutputFile& out, Occupancy& occupancy, const Point2& at, const std::string& text, const char* classes,
                 double size);
 

@@ -54,7 +54,7 @@ double draw_meaning(OutputFile& out, const TrailReport& report, double x, double
   if (mode == 1) {
     head("Colour: speed");
     draw_ramp(out, x, y + 18.0);
-    return y + 18.0 + 38.0;
+    return y + 18.0 + 46.0;
   }
   if (mode == 2) {
     // One sample long before the current frame, one long after it.
@@ -137,7 +137,7 @@ void draw_title(OutputFile& out, const TrailReport& report, double left, double 
 
 double legend_height(const TrailReport& report, const std::vector<std::string>& notes) {
   const double measures = kHead + kRow * static_cast<double>(std::min(report.trails.size(), kMostRows));
-  const double meaning = 80.0 + kRow * static_cast<double>(notes.size());
+  const double meaning = 90.0 + kRow * static_cast<double>(notes.size());
   return std::max(measures, meaning) + 34.0;
 }
 

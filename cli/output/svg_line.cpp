@@ -60,13 +60,18 @@ void DrawnTrail::for_each_kept(double tolerance, const Project& project, const V
   }
 }
 
-double DrawnTrail::screen_length() const {
-  double length = 0.0;
+void DrawnTrail::for_each_stretch(double tolerance,
+                                  const std::function<void(const Point2&, const Point2&)>& visit) const {
   Point2 last;
-  for_each_kept(0.0, project_, [&](std::size_t, std::size_t, const Point2& p, bool on) {
-    if (on) length += std::hypot(p.x - last.x, p.y - last.y);
+  for_each_kept(tolerance, project_, [&](std::size_t, std::size_t, const Point2& p, bool on) {
+    if (on) visit(last, p);
     last = p;
   });
+}
+
+double DrawnTrail::screen_length() const {
+  double length = 0.0;
+  for_each_stretch(0.0, [&](const Point2& a, const Point2& b) { length += std::hypot(b.x - a.x, b.y - a.y); });
   return length;
 }
 

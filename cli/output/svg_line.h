@@ -26,6 +26,9 @@ class DrawnTrail {
   // How many points the line keeps when points closer than `tolerance` pixels to the last one are left out.
   std::size_t kept(double tolerance) const;
 
+  // Calls visit(from, to) for each stretch of the line, in pixels.
+  void for_each_stretch(double tolerance, const std::function<void(const Point2&, const Point2&)>& visit) const;
+
   void draw_casing(OutputFile& out, double tolerance) const;
   void draw_line(OutputFile& out, double tolerance) const;
   // Every `stride`-th sample.
