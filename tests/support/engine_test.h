@@ -3,11 +3,22 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "tests/support/fake_host.h"
 #include "tests/support/recorder.h"
+
+namespace vantorelix::host {
+
+// How failures of tests show them.
+inline void PrintTo(const Value& value, std::ostream* out) { *out << value.repr(); }
+inline void PrintTo(const Vector& v, std::ostream* out) {
+  *out << "(" << float_repr(v.x) << ", " << float_repr(v.y) << ", " << float_repr(v.z) << ")";
+}
+
+}  // namespace vantorelix::host
 
 namespace vantorelix::support {
 
