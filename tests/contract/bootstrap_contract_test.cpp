@@ -1,31 +1,20 @@
 #include <filesystem>
-#include <fstream>
 
 #include "engine/bootstrap/plugin.h"
 #include "tests/contract/contract_test.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantorelix::contract {
 namespace {
 
 namespace fs = std::filesystem;
 
-// An engine folder and a user's application folder, both empty, on a host of version 2024.
+// An engine folder and a user's application folder, both still to be made, on a host of version 2024.
 class BootstrapContract : public ContractTest {
  protected:
   void SetUp() override {
-    std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
-    for (char& c : name)
-      if (c == '/') c = '_';
-    folder = fs::path(testing::TempDir()) / ("bootstrap_" + name);
-    fs::remove_all(folder);
-    fs::create_directories(folder / "engine");
-    plug_ins = (folder / "user" / "2024" / "plug-ins").generic_string();
-    const Placement placement = {(folder / "engine" / "engine.so").string(), (folder / "user" / "").string()};
+    const Placement placement = {folder / "engine/engine.so", folder / "user/"};
     start(&placement);
-  }
-  void TearDown() override {
-    ContractTest::TearDown();
-    fs::remove_all(folder);
   }
 
   static Lines loaded() { return {"cmds.pluginInfo('Vantorelix_plugin', q=True, loaded=True)"}; }
@@ -36,12 +25,12 @@ class BootstrapContract : public ContractTest {
             "cmds.optionVar(stringValueAppend=('SafeModeAllowedlistPaths', '" + plug_ins + "'))"};
   }
 
-  fs::path folder;
-  std::string plug_ins;
+  support::TemporaryFolder folder;
+  std::string plug_ins = folder / "user/2024/plug-ins";
 };
 
 TEST_P(BootstrapContract, stages_the_plugin_beside_the_engine_and_loads_the_copy) {
-  std::ofstream(folder / "engine" / "Vantorelix_plugin.py") << "# node\n";
+  folder.write("engine/Vantorelix_plugin.py", "# node\n");
   EXPECT_TRUE(_ensure_plugin());
   const std::string copy = plug_ins + "/Vantorelix_plugin.py";
   const Lines staging = user_folder();
@@ -56,9 +45,9 @@ TEST_P(BootstrapContract, stages_the_plugin_beside_the_engine_and_loads_the_copy
 
 TEST_P(BootstrapContract, names_every_place_it_tried_when_there_is_no_plugin) {
   EXPECT_FALSE(_ensure_plugin());
-  const std::string engine = (folder / "engine").string();
-  const std::string parent = folder.string();
-  const std::string above = folder.parent_path().string();
+  const std::string engine = folder / "engine";
+  const std::string parent = fs::path(engine).parent_path().string();
+  const std::string above = fs::path(parent).parent_path().string();
   const std::string file = "/Vantorelix_plugin.py";
   const std::string tried = plug_ins + file + " | " + engine + file + " | " + parent + "/modules" + file + " | " +
                             parent + file + " | " + above + "/bin/modules" + file + " | " + above + "/modules" + file +
