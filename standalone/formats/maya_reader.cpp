@@ -177,10 +177,12 @@ NodeId MayaReader::create(const std::string& type, const std::string& name, cons
   if (depth > kMaxDepth) in_.fail("more than 2000 nodes inside each other; is this a Maya ASCII file?");
   NodeId node = scene_.create_node(type, name, above);
   if (!parent.empty() && !scene_.is_transform(node) && !scene_.is_shape(node)) {
-    // Only nodes of the DAG have parents, so this type is one of a plug-in's.
+    // Only nodes of the DAG have parents, so this type is one of a plug-in's: by custom, shapes say so in their name.
     scene_.delete_node(node);
-    node = scene_.create_node("transform", name, above);
-    note("the node type " + shown(type) + " is not known and taken for a plain transform");
+    const bool shape = name.find("Shape") != std::string::npos;
+    if (shape) scene_.register_shape_type(type);
+    node = scene_.create_node(shape ? type : "transform", name, above);
+    if (!shape) note("the node type " + shown(type) + " is not known and taken for a plain transform");
   }
   if (depth_.size() <= node) depth_.resize(node + std::size_t{1}, 0);
   depth_[node] = static_cast<std::uint16_t>(depth);

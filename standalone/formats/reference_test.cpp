@@ -1,0 +1,266 @@
+// Every position that has a reference, over all scene files of the reference folder, by both roads of evaluation.
+// The folder is named by VANTORELIX_DATA, else "../shared/data" beside the checkout; without it these tests are
+// skipped. Each test prints its table.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "standalone/formats/reader.h"
+#include "standalone/scene/evaluator.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Contains;
+using testing::Field;
+using testing::HasSubstr;
+
+fs::path data_folder() {
+  const char* const named = std::getenv("VANTORELIX_DATA");
+  return named != nullptr ? fs::path(named) : fs::path(VANTORELIX_SOURCE_DIR) / ".." / "shared" / "data";
+}
+
+#define SKIP_WITHOUT_DATA() \
+  if (!fs::exists(data_folder())) GTEST_SKIP() << "no reference scenes at " << data_folder() << "; set VANTORELIX_DATA"
+
+struct Row {
+  double frame;
+  std::string node;
+  host::Vector at;
+};
+
+std::vector<std::string> cells(const std::string& line) {
+  std::vector<std::string> result;
+  std::istringstream in(line);
+  for (std::string cell; std::getline(in, cell, ',');) result.push_back(cell);
+  return result;
+}
+
+// A table of positions: comments, a heading, then rows. `only_node` is for tables without a column of names.
+std::vector<Row> read_rows(const fs::path& file, const std::string& only_node) {
+  std::ifstream in(file);
+  std::vector<Row> rows;
+  bool heading = true;
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    if (heading) {
+      heading = false;
+      continue;
+    }
+    const std::vector<std::string> cell = cells(line);
+    const std::size_t at = only_node.empty() ? 2 : 1;
+    if (cell.size() < at + 3) continue;
+    rows.push_back({std::stod(cell[0]),
+                    only_node.empty() ? cell[1] : only_node,
+                    {std::stod(cell[at]), std::stod(cell[at + 1]), std::stod(cell[at + 2])}});
+  }
+  return rows;
+}
+
+// One row a frame, three columns a node, headed "Hips.x,Hips.y,Hips.z".
+std::vector<Row> read_wide_rows(const fs::path& file, double frame_time) {
+  std::ifstream in(file);
+  std::string line;
+  std::getline(in, line);
+  const std::vector<std::string> heads = cells(line);
+  std::vector<Row> rows;
+  while (std::getline(in, line)) {
+    const std::vector<std::string> cell = cells(line);
+    for (std::size_t i = 1; i + 2 < cell.size(); i += 3) {
+      rows.push_back({std::round(std::stod(cell[0]) / frame_time),
+                      heads[i].substr(0, heads[i].rfind('.')),
+                      {std::stod(cell[i]), std::stod(cell[i + 1]), std::stod(cell[i + 2])}});
+    }
+  }
+  return rows;
+}
+
+double largest(const host::Vector& a, const host::Vector& b) {
+  return std::max({std::abs(a.x - b.x), std::abs(a.y - b.y), std::abs(a.z - b.z)});
+}
+
+double extent(const std::vector<Row>& rows) {
+  host::Vector low = rows[0].at, high = rows[0].at;
+  for (const Row& row : rows) {
+    low = {std::min(low.x, row.at.x), std::min(low.y, row.at.y), std::min(low.z, row.at.z)};
+    high = {std::max(high.x, row.at.x), std::max(high.y, row.at.y), std::max(high.z, row.at.z)};
+  }
+  return largest(low, high);
+}
+
+// Nodes by the names that the tables use: paths in .ma files, the file's own names in clips.
+NodeId node_named(const Scene& scene, const std::string& name) {
+  if (const NodeId found = scene.find(name); found != kNoNode) return found;
+  for (const NodeId node : scene.nodes()) {
+    if (name_in_file(scene, node) == name) return node;
+  }
+  return kNoNode;
+}
+
+// Compares all rows, prints the table's line, and fails beyond the tolerance.
+void compare(const std::string& file, const std::string& table, const std::vector<Row>& rows, double tolerance) {
+  ASSERT_FALSE(rows.empty()) << table;
+  const Scene scene = read_scene(data_folder() / file);
+  std::map<std::string, NodeId> ids;
+  std::map<std::string, std::unique_ptr<Evaluator>> evaluators;
+  double worst = 0.0;
+  std::string where;
+  for (const Row& row : rows) {
+    if (!ids.contains(row.node)) {
+      ids[row.node] = node_named(scene, row.node);
+      ASSERT_NE(ids[row.node], kNoNode) << row.node;
+      evaluators[row.node] = std::make_unique<Evaluator>(scene, ids[row.node]);
+      EXPECT_TRUE(scene.not_followed(ids[row.node]).empty()) << row.node;
+    }
+    const host::Vector plain = scene.world_matrix(ids[row.node], row.frame).translation();
+    EXPECT_EQ(evaluators[row.node]->translation(row.frame), plain) << row.node << " at " << row.frame;
+    const double difference = largest(plain, row.at);
+    if (!(difference <= worst)) {
+      worst = difference;
+      where = row.node + " at " + std::to_string(row.frame);
+    }
+  }
+  std::printf("| %-30s | %-34s | %5zu | %9.2e | %8.2f | %7.0e |\n", file.c_str(), table.c_str(), rows.size(), worst,
+              extent(rows), tolerance);
+  EXPECT_LE(worst, tolerance) << where;
+  EXPECT_LE(worst, 1e-4 * extent(rows)) << where;
+}
+
+void print_heading() {
+  std::printf("| %-30s | %-34s | %5s | %9s | %8s | %7s |\n", "file", "reference", "rows", "worst", "extent", "allowed");
+}
+
+TEST(Reference, EveryPositionOfTheClipsAgrees) {
+  SKIP_WITHOUT_DATA();
+  print_heading();
+  // Six decimals; half a unit of the last one, and what summing in another order costs.
+  for (const char* name :
+       {"cmu_01_01", "walk01", "fair1_dab", "pybvh_test1", "pybvh_test3", "rotation_first_root", "bvhio_example"}) {
+    const std::string table = std::string("bvh/ref/") + name + ".pos.csv";
+    compare(std::string("bvh/") + name + ".bvh", table, read_rows(data_folder() / table, ""), 1e-6);
+  }
+}
+
+TEST(Reference, EveryPositionOfTheUpstreamTableOfTheWalkAgrees) {
+  SKIP_WITHOUT_DATA();
+  const fs::path table = data_folder() / "bvh/ref/walk01_pos.upstream.csv";
+  std::vector<Row> rows = read_wide_rows(table, 0.0416667);
+  for (Row& row : rows) {
+    if (row.node.ends_with("_End")) row.node = "End Site of " + row.node.substr(0, row.node.size() - 4);
+  }
+  // Five decimals of single-precision sums.
+  compare("bvh/walk01.bvh", "bvh/ref/walk01_pos.upstream.csv", rows, 2e-5);
+}
+
+TEST(Reference, EveryPositionOfTheMayaScenesAgrees) {
+  SKIP_WITHOUT_DATA();
+  print_heading();
+  for (const char* name :
+       {"AnimatedCubeChildSphere1", "GroupedFingersPivotAnim1", "ZeroParentScaleTestAnim", "simpleAnimatedCamera1",
+        "UsdExportCameraTest", "UsdExportSkeleton", "offset_parent_matrix_rig"}) {
+    const std::string table = std::string("ma/ref/") + name + ".pos.csv";
+    compare(std::string("ma/") + name + ".ma", table, read_rows(data_folder() / table, ""), 2e-6);
+  }
+  compare("ma/ripple.ma", "ma/ref/ripple.keys.csv", read_rows(data_folder() / "ma/ref/ripple.keys.csv", ""), 2e-6);
+}
+
+TEST(Reference, EveryPositionThatMayaItselfWroteAgrees) {
+  SKIP_WITHOUT_DATA();
+  print_heading();
+  compare("ma/simpleAnimatedCamera1.ma", "ma/ref/simpleAnimatedCamera1.maya.csv",
+          read_rows(data_folder() / "ma/ref/simpleAnimatedCamera1.maya.csv", "camera1"), 2e-6);
+  compare("ma/UsdExportCameraTest.ma", "ma/ref/UsdExportCameraTest.maya.csv",
+          read_rows(data_folder() / "ma/ref/UsdExportCameraTest.maya.csv", ""), 2e-6);
+}
+
+TEST(Reference, NoTableIsLeftOut) {
+  SKIP_WITHOUT_DATA();
+  std::size_t tables = 0;
+  for (const char* kind : {"bvh", "ma"}) {
+    for (const auto& entry : fs::directory_iterator(data_folder() / kind / "ref")) tables += entry.is_regular_file();
+  }
+  EXPECT_EQ(tables, 7u + 1u + 8u + 2u);
+}
+
+// --- scenes without a reference end as they should ---------------------------------------------------------------
+
+auto warns(const std::string& part, std::size_t count) {
+  return Contains(testing::AllOf(Field(&Warning::kind, HasSubstr(part)), Field(&Warning::count, count)));
+}
+
+std::size_t count_animated(const Scene& scene) {
+  const std::vector<NodeId> nodes = scene.nodes();
+  return static_cast<std::size_t>(std::count_if(nodes.begin(), nodes.end(), [&scene](NodeId node) {
+    return scene.is_transform(node) && scene.is_animated(node);
+  }));
+}
+
+TEST(Reference, ASceneWithoutAnimationIsJustThat) {
+  SKIP_WITHOUT_DATA();
+  const Scene scene = read_scene(data_folder() / "ma/SimpleCube1.ma");
+  EXPECT_EQ(count_animated(scene), 0u);
+  EXPECT_TRUE(scene.warnings().empty());
+}
+
+TEST(Reference, ASceneThatAnExpressionDrivesNamesIt) {
+  SKIP_WITHOUT_DATA();
+  const Scene scene = read_scene(data_folder() / "ma/skel.ma");
+  EXPECT_EQ(scene.frames_per_second(), 25.0);
+  EXPECT_EQ(scene.playback_min(), 0.0);
+  EXPECT_EQ(scene.playback_max(), 3900.0);
+  EXPECT_EQ(scene.nodes_of_type("joint").size(), 67u);
+  EXPECT_EQ(count_animated(scene), 0u);
+  EXPECT_THAT(scene.warnings(), warns("'expression' is not evaluated", 18));
+  EXPECT_FALSE(scene.not_followed(scene.require("FBX_NeckRoll")).empty());
+}
+
+TEST(Reference, ASceneOfAMissingReferenceNamesIt) {
+  SKIP_WITHOUT_DATA();
+  const Scene scene = read_scene(data_folder() / "ma/rhino_anim_001.ma");
+  EXPECT_THAT(scene.warnings(), warns("the reference 'rhino_rig_029RN' to '", 1));
+  EXPECT_THAT(scene.warnings(), warns("missing reference 'rhino_rig_029RN' alone", 113));
+  std::size_t curves = 0, keys = 0;
+  for (const NodeId node : scene.nodes()) {
+    if (!scene.is_curve(node)) continue;
+    ++curves;
+    keys += scene.curve(node).keys().size();
+  }
+  EXPECT_EQ(curves, 113u);
+  EXPECT_EQ(keys, 10262u);
+}
+
+TEST(Reference, ASceneOfClipsAndACharacterSetNamesThem) {
+  SKIP_WITHOUT_DATA();
+  const Scene scene = read_scene(data_folder() / "ma/ComplexAnim1.ma");
+  EXPECT_THAT(scene.warnings(), Contains(Field(&Warning::kind, HasSubstr("'character' is not evaluated"))));
+  EXPECT_EQ(scene.playback_min(), 1.0);
+  EXPECT_EQ(scene.playback_max(), 120.0);
+  std::size_t marked = 0;
+  for (const NodeId node : scene.nodes_of_type("joint")) marked += !scene.not_followed(node).empty();
+  EXPECT_GT(marked, 0u);
+}
+
+TEST(Reference, TheNodesThatAPluginDrivesAreCounted) {
+  SKIP_WITHOUT_DATA();
+  const Scene scene = read_scene(data_folder() / "ma/ripple.ma");
+  EXPECT_THAT(scene.warnings(), warns("'exprespy' is not evaluated", 400));
+  std::size_t marked = 0;
+  for (const NodeId node : scene.nodes_of_type("transform")) marked += !scene.not_followed(node).empty();
+  EXPECT_EQ(marked, 400u);
+  EXPECT_TRUE(scene.not_followed(scene.require("locator1")).empty());
+}
+
+}  // namespace
+}  // namespace vantorelix::standalone

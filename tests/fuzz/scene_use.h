@@ -1,0 +1,34 @@
+// What the fuzzers do with a scene that a reader accepted.
+#pragma once
+
+#include "host/error.h"
+#include "standalone/formats/reader.h"
+#include "standalone/scene/evaluator.h"
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::standalone {
+
+// Asks for what the program would: positions by both roads, keys, names, drivers. Few nodes and frames, so that a run
+// spends its time in the reader. Traps where the two roads disagree.
+inline void use(const Scene& scene) {
+  int left = 8;
+  for (const NodeId node : scene.nodes()) {
+    if (!scene.is_transform(node)) continue;
+    if (left-- == 0) break;
+    Evaluator evaluator(scene, node);
+    for (const double frame : {scene.playback_min(), 0.0, 0.5, 7.25, scene.playback_max()}) {
+      const host::Vector a = evaluator.translation(frame);
+      const host::Vector b = scene.world_matrix(node, frame).translation();
+      const auto same = [](double x, double y) { return x == y || (x != x && y != y); };
+      if (!same(a.x, b.x) || !same(a.y, b.y) || !same(a.z, b.z)) __builtin_trap();
+    }
+    name_in_file(scene, node);
+    scene.long_name(node);
+    scene.key_times(node);
+    scene.is_animated(node);
+    scene.not_followed(node);
+  }
+  scene.warnings();
+}
+
+}  // namespace vantorelix::standalone
