@@ -3,7 +3,7 @@
 
 #include <stdexcept>
 
-#include "bench/session.h"
+#include "bench/clock.h"
 #include "engine/frame/state.h"
 #include "engine/rebuild/queue.h"
 #include "engine/rebuild/triggers.h"

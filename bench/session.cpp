@@ -1,11 +1,11 @@
 #include "bench/session.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <stdexcept>
 #include <utility>
 
+#include "bench/clock.h"
 #include "engine/frame/constants.h"
 #include "engine/frame/state.h"
 #include "engine/rebuild/queue.h"

@@ -9,9 +9,6 @@
 
 namespace vantorelix::bench {
 
-// Seconds, from the system's clock.
-double now();
-
 class Session {
  public:
   explicit Session(Stage stage);

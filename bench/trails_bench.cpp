@@ -30,7 +30,7 @@ void one_object(State& state) {
   trails(state, separate_objects(1, static_cast<int>(frames)), static_cast<std::size_t>(frames),
          static_cast<double>(frames));
 }
-BENCHMARK(one_object)->Arg(10'000)->UseManualTime();
+BENCHMARK(one_object)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->UseManualTime();
 
 void many_objects(State& state) { trails(state, separate_objects(1000, 250), 250, 250e3); }
 BENCHMARK(many_objects)->UseManualTime();

@@ -1,0 +1,187 @@
+#!/usr/bin/env python3
+"""Runs every benchmark, and the peers where they are installed, and prints one table.
+
+The peer is Blender: the program `blender` on the PATH, and any interpreter given by --bpy that can import bpy. Of
+all of them, of one thread and two, of motion paths and of a plain loop over the frames, the fastest counts. Without
+any, the column shows what was once measured on a quiet machine, marked "recorded".
+"""
+
+import argparse
+import json
+import math
+import os
+import platform
+import shutil
+import subprocess
+import sys
+import tempfile
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+BIN = os.path.join(os.path.dirname(HERE), "build", "bin")
+
+# title, benchmark, what one pass holds, unit, the scene of the peer, its recorded time in that unit
+SCENES = [
+    ("1 object x 10,000 frames", "one_object/10000", 10e3, "us a sample", "one_object", 4.1),
+    ("1000 objects x 250 frames", "many_objects", 250e3, "us a sample", "many_objects", 4.35),
+    ("chain of 50, its leaf, 1000 frames", "chain_leaf", 50e3, "us a link", "chain_leaf", 1.8),
+    ("100 objects in a binary tree, 1000 frames", "tree", 100e3, "us a sample", "tree", 2.98),
+    ("BVH of 60 joints x 1000 frames", "clip_all_joints", 60e3, "us a sample", "clip_all_joints", 1.93),
+    ("loading that BVH", "clip_load", 1e3, "ms", "clip_load", 370.0),
+    ("1000 x 250 exact again after an edit", "rebuild/250", 1e3, "ms", "rebuild", 1091.0),
+]
+TIMES_LESS = 25.0
+BUDGET_MS = 8.0
+
+
+def run_benchmarks(pattern, repetitions):
+    """Name -> the fastest repetition of it, as Google Benchmark reports it."""
+    with tempfile.TemporaryDirectory() as folder:
+        out = os.path.join(folder, "out.json")
+        subprocess.run([os.path.join(BIN, "vantorelix_bench"), "--benchmark_filter=" + pattern,
+                        "--benchmark_repetitions=%d" % repetitions, "--benchmark_out=" + out,
+                        "--benchmark_out_format=json"], check=True, stdout=sys.stderr)
+        with open(out, encoding="utf-8") as file:
+            report = json.load(file)
+    best = {}
+    for entry in report["benchmarks"]:
+        if entry.get("error_occurred"):
+            sys.exit("%s: %s" % (entry["name"], entry["error_message"]))
+        if entry["run_type"] != "iteration":
+            continue
+        name = "/".join(p for p in entry["run_name"].split("/") if p != "manual_time" and not p.startswith("min_time"))
+        if name not in best or entry["real_time"] < best[name]["real_time"]:
+            best[name] = entry
+    return best
+
+
+def run_peers(interpreters):
+    """Scene -> (seconds, who) of the fastest peer; empty when there is none."""
+    script = os.path.join(HERE, "peers", "blender_scenes.py")
+    peers = [("bpy of " + os.path.basename(os.path.dirname(os.path.dirname(i))), [i, script]) for i in interpreters]
+    if shutil.which("blender"):
+        peers.append(("blender", ["blender", "-b", "--factory-startup", "--python", script, "--"]))
+    best = {}
+    with tempfile.TemporaryDirectory() as folder:
+        clip = os.path.join(folder, "clip.bvh")
+        with open(clip, "w", encoding="ascii") as file:
+            subprocess.run([os.path.join(BIN, "vantorelix_bench_clip")], stdout=file, check=True)
+        for who, command in peers:
+            for threads in (1, 2):
+                out = os.path.join(folder, "out.json")
+                cores = ["taskset", "-c", ",".join(str(core) for core in range(threads))]
+                print("peer: %s, %d threads" % (who, threads), file=sys.stderr)
+                subprocess.run(cores + command + [clip, out], check=True, stdout=subprocess.DEVNULL)
+                with open(out, encoding="utf-8") as file:
+                    report = json.load(file)
+                for scene, ways in report["scenes"].items():
+                    for way, seconds in ways.items():
+                        if scene not in best or seconds < best[scene][0]:
+                            best[scene] = (seconds, "%s, %s, %d threads" % (report["version"], way, threads))
+    return best
+
+
+def bytes_a_sample(samples):
+    """Peak memory of the whole program for one trail of so many samples, less that for two, a sample."""
+    bvh = ("HIERARCHY\nROOT a\n{\nOFFSET 0 0 0\nCHANNELS 3 Xposition Yposition Zposition\n"
+           "End Site\n{\nOFFSET 0 1 0\n}\n}\nMOTION\nFrames: 2\nFrame Time: 0.04\n0 0 0\n1 2 3\n")
+
+    def peak(last):
+        process = subprocess.Popen([os.path.join(BIN, "vantorelix"), "trails", scene, "--quiet", "--range",
+                                    "0:%d" % last], stdout=subprocess.DEVNULL)
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = status
+        if status:
+            sys.exit("vantorelix trails failed")
+        return usage.ru_maxrss * 1024
+
+    with tempfile.TemporaryDirectory() as folder:
+        scene = os.path.join(folder, "a.bvh")
+        with open(scene, "w", encoding="ascii") as file:
+            file.write(bvh)
+        return (peak(samples - 1) - peak(1)) / samples
+
+
+def slope(points):
+    """Of log(time) over log(n), by least squares."""
+    logs = [(math.log(n), math.log(t)) for n, t in points]
+    mean_x, mean_y = (sum(c) / len(logs) for c in zip(*logs))
+    return sum((x - mean_x) * (y - mean_y) for x, y in logs) / sum((x - mean_x) ** 2 for x, _ in logs)
+
+
+class Table:
+    def __init__(self):
+        self.lines = ["| what | measured | to reach | | peer | times less |", "|---|---|---|---|---|---|"]
+
+    def add(self, what, measured, limit, unit, peer="", times=""):
+        self.lines.append("| %s | %.4g %s | %.4g | %s | %s | %s |" % (
+            what, measured, unit, limit, "yes" if measured <= limit else "**no**", peer, times))
+
+
+def scene_rows(table, ours, peers):
+    for what, name, held, unit, scene, recorded in SCENES:
+        scale = 1e-3 / held if unit.startswith("us") else 1e-6
+        measured = ours[name]["real_time"] * scale
+        peer, who = recorded, "recorded"
+        if scene in peers:
+            seconds, who = peers[scene]
+            peer = seconds * 1e9 * scale
+        table.add(what, measured, peer / TIMES_LESS, unit, "%.4g (%s)" % (peer, who), "%.1f" % (peer / measured))
+
+
+def own_rows(table, ours):
+    def time(name):
+        return ours[name]["real_time"]
+
+    for frames in (250, 1000):
+        run = ours["rebuild/%d" % frames]
+        limit = BUDGET_MS + run["unit"] * 1e3
+        title = "slices, 1000 x %d (%d slices): " % (frames, run["slices"])
+        table.add(title + "p99.9", run["slice_p999"] * 1e3, limit, "ms")
+        table.add(title + "longest (not asked for)", run["slice_max"] * 1e3, limit, "ms")
+    table.add("rebuild of 1000 x 1000", time("rebuild/1000") * 1e-6, 1091.0 * 4 / TIMES_LESS, "ms")
+    for points, limit in ((1000000, 2.0), (10000, 4.0)):
+        table.add("colouring %d points, over the copy" % points,
+                  time("colours/%d" % points) / time("copy/%d" % points), limit, "x")
+    table.add("filling 10000 from 100, over the copy", time("fill/10000") / time("copy/10000"), 4.0, "x")
+    table.add("the engine alone, clock (%.3g ns) included" % time("clock_read"), time("engine_alone") / 100e3, 60.0,
+              "ns a sample")
+    for what, name in (("rebuilding", "rebuild_one"), ("creating", "one_object")):
+        table.add("growth of %s, 10,000 to 1,000,000 samples" % what,
+                  slope([(n, time("%s/%d" % (name, n))) for n in (10000, 100000, 1000000)]), 1.05, "slope")
+    table.add("memory of 1,000,000 samples", bytes_a_sample(1000000), 80.0, "bytes a sample")
+
+
+def machine():
+    try:
+        with open("/proc/cpuinfo", encoding="utf-8") as file:
+            model = next(line.split(":")[1].strip() for line in file if line.startswith("model name"))
+    except (OSError, StopIteration):
+        model = platform.machine()
+    return "%s, %d cores, %s" % (model, os.cpu_count(), platform.system())
+
+
+def main(arguments):
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--bpy", action="append", default=[], metavar="PYTHON", help="an interpreter that has bpy")
+    parser.add_argument("--no-peers", action="store_true", help="leave the peers out even where they are installed")
+    parser.add_argument("--repetitions", type=int, default=5)
+    parser.add_argument("--record", metavar="FILE", help="also write the table to FILE, with the machine and the date")
+    options = parser.parse_args(arguments)
+
+    ours = run_benchmarks(".", options.repetitions)
+    peers = {} if options.no_peers else run_peers(options.bpy)
+    table = Table()
+    scene_rows(table, ours, peers)
+    own_rows(table, ours)
+    print("\n".join(table.lines))
+    if options.record:
+        date = subprocess.run(["date", "+%Y-%m-%d"], stdout=subprocess.PIPE, universal_newlines=True).stdout.strip()
+        with open(options.record, "w", encoding="utf-8") as file:
+            file.write("# Speeds, %s\n\n%s. Fastest of %d repetitions; command: `./dev bench%s`.\n\n%s\n" % (
+                date, machine(), options.repetitions, "".join(" " + a for a in arguments if a.startswith("--")),
+                "\n".join(table.lines)))
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
