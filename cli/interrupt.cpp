@@ -18,8 +18,9 @@ extern "C" void note_signal(int number) {
 }  // namespace
 
 void catch_interrupts() {
-  std::signal(SIGINT, note_signal);
-  std::signal(SIGTERM, note_signal);
+  for (const int number : {SIGINT, SIGTERM})
+    // Whoever started the program in the background has told it not to listen.
+    if (std::signal(number, note_signal) == SIG_IGN) std::signal(number, SIG_IGN);
 }
 
 void check_interrupt() {

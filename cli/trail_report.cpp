@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "engine/trails/trail_data.h"
+#include "standalone/formats/reader.h"
 
 namespace vantorelix::cli {
 
@@ -32,7 +33,7 @@ TrailView read_trail(const Scene& scene, const Trail& trail) {
   TrailView data;
   data.viz = scene.short_name(trail.viz);
   data.source = scene.long_name(trail.source);
-  data.name = scene.short_name(trail.source);
+  data.name = standalone::name_in_file(scene, trail.source);
   data.samples_per_frame = _samples_per_frame(trail.samples_per_frame);
   data.color_mode = scene.attribute(shape, "colorMode").to_int();
   data.start_frame = scene.attribute(shape, "startFrame").to_float();

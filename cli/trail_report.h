@@ -15,7 +15,7 @@ namespace vantorelix::cli {
 struct TrailView {
   std::string viz;     // short name of the viz transform
   std::string source;  // long path of the object
-  std::string name;    // the object's own name
+  std::string name;    // the object's own name in its file, whatever its bytes
   std::int64_t samples_per_frame = 1;
   std::int64_t color_mode = 0;
   double start_frame = 0.0;
