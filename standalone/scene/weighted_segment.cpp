@@ -5,37 +5,33 @@
 
 namespace vantorelix::standalone {
 
-namespace {
-
-// The handles' reach in time as fractions of the segment, from the first key forward and from the second backward.
-struct Reach {
-  double out;
-  double in;
-};
-
-// Time's polynomial is monotonic when out^2 + in^2 + out * in - 2 * out - 2 * in + 1 <= 0: an ellipse that touches
-// both axes at 1 and bulges to 4/3 (where the other one is 1/3).
-Reach keep_time_forward(Reach reach) {
-  reach.out = std::max(reach.out, 0.0);
-  reach.in = std::max(reach.in, 0.0);
+// Time's polynomial is monotonic while both reaches are at most 1, and beyond that within the ellipse
+// out^2 + in^2 + out * in - 2 * out - 2 * in + 1 <= 0, which touches both axes at 1 and bulges to 4/3 (where the other
+// reach is 1/3).
+Reach keep_time_forward(Reach wanted) {
+  Reach reach = {std::max(wanted.out, 0.0), std::max(wanted.in, 0.0)};
   if (reach.out <= 1.0 && reach.in <= 1.0) return reach;
   if (reach.out >= 4.0 / 3.0) return {4.0 / 3.0, 1.0 / 3.0};
-  const double b = reach.out - 2.0;
-  const double c = (reach.out - 1.0) * (reach.out - 1.0);
-  const double longest = (std::sqrt(b * b - 4.0 * c) - b) / 2.0;
-  reach.in = std::min(reach.in, longest);
+  const double b = 2.0 - reach.out;
+  const double c = reach.out - 1.0;
+  const double half_width = std::sqrt(std::max(b * b - 4.0 * c * c, 0.0)) / 2.0;
+  reach.in = std::min(reach.in, b / 2.0 + half_width);
+  if (reach.out > 1.0) reach.in = std::max(reach.in, b / 2.0 - half_width);
   return reach;
 }
 
-double shortened(double y, double from, double to) { return from == to || from == 0.0 ? y : y * (to / from); }
+namespace {
+
+// A control point's height when its handle changes its reach but not its slope.
+double rescaled(double y, double from, double to) { return from == to || from == 0.0 ? y : y * (to / from); }
 
 }  // namespace
 
 WeightedSegment::WeightedSegment(double length, double rise, TangentVector out, TangentVector in) : length_(length) {
   const Reach wanted = {out.x / 3.0 / length, in.x / 3.0 / length};
   const Reach reach = keep_time_forward(wanted);
-  const double y1 = shortened(out.y / 3.0, wanted.out, reach.out);
-  const double y2 = rise - shortened(in.y / 3.0, wanted.in, reach.in);
+  const double y1 = rescaled(out.y / 3.0, wanted.out, reach.out);
+  const double y2 = rise - rescaled(in.y / 3.0, wanted.in, reach.in);
   const double x1 = reach.out;
   const double x2 = 1.0 - reach.in;
   time1_ = 3.0 * x1;

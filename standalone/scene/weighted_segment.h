@@ -10,13 +10,22 @@ struct TangentVector {
   double y;
 };
 
+// The handles' reach in time as parts of their segment: from the first key forward and from the second backward.
+struct Reach {
+  double out;
+  double in;
+};
+
+// The reaches that keep time from running backwards: those wanted where they do so already. Else a negative one
+// becomes 0; `out` has its way up to 4/3, and `in` moves to the nearest reach that goes with it.
+Reach keep_time_forward(Reach wanted);
+
 class WeightedSegment {
  public:
   // Of no use until assigned to.
   WeightedSegment() = default;
-  // `length` frames (> 0) and `rise` from the first key to the second. Handles that would make time run backwards are
-  // shortened, slopes kept: each alone to the segment's length, then both together to the longest pair that lets time
-  // stand still at most at one point, the first one having its way.
+  // `length` frames (> 0) and `rise` from the first key to the second. Handles that would make time run backwards
+  // change their reach and keep their slope.
   WeightedSegment(double length, double rise, TangentVector out, TangentVector in);
 
   // True when time runs evenly: then the segment is the cubic c1 * t + c2 * t^2 + c3 * t^3 above its first key.
