@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 #include "host/vector.h"
 
@@ -15,20 +16,22 @@ struct Affine {
   friend bool operator==(const Affine&, const Affine&) = default;
 };
 
-// First a, then b.
-inline Affine operator*(const Affine& a, const Affine& b) {
-  Affine r;
-  for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 3; ++j)
-      r.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j] + (i == 3 ? b.m[3][j] : 0.0);
-  return r;
-}
-
 // p * M
 inline host::Vector transform_point(const host::Vector& p, const Affine& t) {
   return {p.x * t.m[0][0] + p.y * t.m[1][0] + p.z * t.m[2][0] + t.m[3][0],
           p.x * t.m[0][1] + p.y * t.m[1][1] + p.z * t.m[2][1] + t.m[3][1],
           p.x * t.m[0][2] + p.y * t.m[1][2] + p.z * t.m[2][2] + t.m[3][2]};
+}
+
+// First a, then b. The last row is bit for bit transform_point(a.translation(), b).
+inline Affine operator*(const Affine& a, const Affine& b) {
+  Affine r;
+  for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t j = 0; j < 3; ++j)
+      r.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j];
+  const host::Vector t = transform_point(a.translation(), b);
+  r.m[3] = {t.x, t.y, t.z};
+  return r;
 }
 
 }  // namespace vantorelix::standalone

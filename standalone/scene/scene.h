@@ -78,11 +78,13 @@ class Scene {
   void set_current_time(double frame);
 
   // --- nodes --------------------------------------------------------------------------------------------------
-  // Creates a node. DAG types (transform, joint, camera, locator, mesh, nurbsCurve, "vantorelix", ...: see
-  // is_dag_type) go under `parent`; a shape type without a transform parent gets a transform of its own, named as
-  // the host names it ("vlx_ball_vizShape" -> transform "vlx_ball_viz"; an empty name gives the type's default).
-  // Illegal characters become "_"; a name already taken among siblings gets the next free number at its end.
-  // Returns the node of that type.
+  // Creates a node. DAG types (transform, joint, camera, locator, mesh, nurbsCurve, registered shapes, ...) go under
+  // `parent`, which the others ignore. A shape without a parent gets a transform of its own, which bears the type's
+  // default name whatever the shape's is: "vlx_ball_vizShape" of type "vantorelix" hangs under "vantorelix1". An
+  // empty name gives the type's default ("joint1", "curveShape1"). An unknown type is outside the DAG, or, with a
+  // parent, in it: a shape when its type ends in "Shape" or its name holds it, else a transform that cannot be
+  // followed. Illegal characters become "_", as does a digit in front; a name already taken among siblings (outside
+  // the DAG: anywhere) gets the next free number at its end. Returns the node of that type.
   NodeId create_node(std::string_view type, std::string_view name, NodeId parent = kWorld);
   // Makes a further DAG shape type known, as a loaded plug-in does.
   void register_shape_type(std::string_view type);
@@ -90,7 +92,8 @@ class Scene {
   // Deletes the node, its descendants, what hangs on them alone (their animation curves), and a transform's shapes.
   // Throws for a locked node.
   void delete_node(NodeId node);
-  // Returns the name that the node got (made unique, shortest unique path).
+  // Returns the name that the node got (made unique, shortest unique path). A transform renames its only shape along
+  // when that is called after it ("ballShape", "ballShape1" under "ball1"). Throws for a locked node.
   std::string rename(NodeId node, std::string_view name);
   // Reparents, keeping local values; renames on a clash of siblings. Throws when `parent` is the node itself or one
   // of its descendants, or no transform.
@@ -188,9 +191,10 @@ class Scene {
   void warn(std::string kind);
   std::vector<Warning> warnings() const;
 
+  struct Data;  // scene_data.h, for the files of this folder
+
  private:
   friend class Evaluator;
-  struct Data;
   std::unique_ptr<Data> data_;
 };
 

@@ -1,0 +1,299 @@
+#include "standalone/scene/records.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "standalone/scene/scene_data.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+constexpr std::uint64_t kTranslate = triple(Channel::translateX);
+constexpr std::uint64_t kLinear = triple(Channel::rotateX) | triple(Channel::scaleX) | triple(Channel::shearXY) |
+                                  triple(Channel::rotateAxisX) | triple(Channel::jointOrientX) |
+                                  triple(Channel::inverseScaleX) | bit(Channel::rotateOrder) |
+                                  bit(Channel::segmentScaleCompensate);
+constexpr std::uint64_t kPivots = triple(Channel::rotatePivotX) | triple(Channel::rotatePivotTranslateX) |
+                                  triple(Channel::scalePivotX) | triple(Channel::scalePivotTranslateX);
+
+bool is_current(const Evaluation& e, const Node& node) { return node.record && node.record->values == e.values; }
+
+void add_driver(const Scene::Data& scene, Record& r, Channel channel) {
+  Expression expression;
+  if (!compile_driver(scene, r.node, id_of(channel), expression).empty()) {
+    r.drivers_unfollowed = true;
+    return;
+  }
+  DrivenChannel driven = {nullptr, 0, 0, channel};
+  if (expression.operations.size() == 1 && expression.operations[0].kind == Operation::Kind::curve) {
+    driven.curve = expression.operations[0].curve;
+  } else {
+    driven.expression = static_cast<std::uint32_t>(r.expressions.size());
+    r.expressions.push_back(std::move(expression));
+  }
+  r.driven.push_back(driven);
+  r.driven_mask |= bit(channel);
+}
+
+// The structure: what drives the node itself.
+void compile(Scene::Data& scene, const Node& node, Record& r) {
+  r.driven.clear();
+  r.expressions.clear();
+  r.driven_mask = 0;
+  r.drivers_unfollowed = false;
+  r.joint = node.type->names == NameSet::joint;
+  std::uint64_t inputs = 0;
+  for (const Input& input : node.inputs.all()) {
+    if (input.source == kNoNode) continue;
+    if (is_channel(input.attribute)) inputs |= std::uint64_t{1} << input.attribute;
+    if (is_compound(input.attribute)) inputs |= std::uint64_t{7} << first_part(input.attribute);
+  }
+  for (AttributeId c = 0; c < kChannelCount; ++c)
+    if ((inputs >> c & 1) != 0) add_driver(scene, r, static_cast<Channel>(c));
+  r.driven_translate = static_cast<std::size_t>(
+      std::count_if(r.driven.begin(), r.driven.end(), [](const auto& d) { return d.channel <= Channel::translateZ; }));
+
+  r.dependents = 0;
+  for (const NodeId child : node.children)
+    if (const Node* n = scene.find(child); n && n->channels) ++r.dependents;
+  for (const Output& out : node.outputs)
+    if (out.attribute == attribute::offsetParentMatrix && scene.connection_stands(node, out)) ++r.dependents;
+  r.structure = scene.evaluation.structure;
+}
+
+// Static channels, and whatever of the local matrix does not change with time, worked out the way the plain path does
+// it at every frame.
+void refresh_local(const Scene::Data& scene, const Node& node, Record& r) {
+  r.channels = *node.channels;
+  for (Expression& e : r.expressions) refresh_values(scene, e);
+  r.factors = factors_of(r.channels, r.driven_mask, r.joint);
+  r.linear_moves = (r.driven_mask & kLinear) != 0;
+  r.shift_moves = r.factors.pivots && (r.driven_mask & (kLinear | kPivots)) != 0;
+  r.rotations = rotations_of(r.channels, r.factors);
+  const Basis turned = turn(r.channels, r.factors, r.rotations);
+  set_rows(r.local, r.channels, r.factors, turned);
+  r.shift = r.factors.pivots ? pivot_shift(r.channels, r.factors, turned) : host::Vector{};
+  set_translation(r.local, placed(r.channels, r.factors, r.shift));
+}
+
+Record& local_record(Scene::Data& scene, Node& node) {
+  if (!node.record) {
+    node.record = std::make_unique<Record>();
+    node.record->node = node.id;
+  }
+  Record& r = *node.record;
+  if (r.structure != scene.evaluation.structure) compile(scene, node, r);
+  if (r.local_values != scene.evaluation.values) refresh_local(scene, node, r);
+  r.local_values = scene.evaluation.values;
+  return r;
+}
+
+// What the world matrix takes besides the local one, their records being current.
+void refresh_world(Scene::Data& scene, const Node& node, Record& r, const OffsetDriver& offset) {
+  const bool may_inherit =
+      (r.driven_mask & bit(Channel::inheritsTransform)) != 0 || r.channels[index(Channel::inheritsTransform)] != 0.0;
+  const Node* parent = may_inherit && node.parent != kWorld ? scene.find(node.parent) : nullptr;
+  r.parent = parent ? parent->record.get() : nullptr;
+  r.offset_source = offset.followed ? &local_record(scene, scene.at(offset.source)) : nullptr;
+  r.offset_is_local = offset.local;
+  r.unfollowed = r.drivers_unfollowed || (offset.connected && !offset.followed);
+  r.offset = scene.offset_parent_matrix(node);
+  r.has_offset = r.offset_source != nullptr || !(r.offset == Affine{});
+  const bool offset_moves =
+      r.offset_source && (offset.local ? !r.offset_source->driven.empty() : r.offset_source->moves);
+  r.moves = !r.driven.empty() || (r.parent && r.parent->moves) || offset_moves;
+  r.stamp = 0;
+  r.values = scene.evaluation.values;
+  if (r.moves) return;
+  if (r.offset_source) r.offset = r.offset_is_local ? r.offset_source->local : r.offset_source->world;
+  r.world = r.has_offset ? r.local * r.offset : r.local;
+  if (r.parent) r.world = r.world * r.parent->world;
+  r.current = &r.world;
+}
+
+double value_of(Record& r, DrivenChannel& d, double frame) {
+  return d.curve ? d.curve->evaluate(frame, d.hint) : r.expressions[d.expression].evaluate(frame);
+}
+
+void drive(Record& r, double frame, std::size_t first, std::size_t end) {
+  for (std::size_t i = first; i < end; ++i) {
+    DrivenChannel& d = r.driven[i];
+    r.channels[index(d.channel)] = value_of(r, d, frame);
+  }
+}
+
+// Brings `local` to a frame.
+void move_local(Record& r, double frame) {
+  drive(r, frame, 0, r.driven.size());
+  if (r.linear_moves || r.shift_moves) {
+    const std::uint64_t moving = r.driven_mask;
+    if ((moving & (triple(Channel::rotateX) | bit(Channel::rotateOrder))) != 0)
+      r.rotations.rotate = rotate_of(r.channels);
+    if ((moving & triple(Channel::rotateAxisX)) != 0) r.rotations.axis = rotation_of(r.channels, Channel::rotateAxisX);
+    if ((moving & triple(Channel::jointOrientX)) != 0 && r.factors.joint_orient)
+      r.rotations.orient = rotation_of(r.channels, Channel::jointOrientX);
+    const Basis turned = turn(r.channels, r.factors, r.rotations);
+    if (r.linear_moves) set_rows(r.local, r.channels, r.factors, turned);
+    if (r.shift_moves) r.shift = pivot_shift(r.channels, r.factors, turned);
+  }
+  set_translation(r.local, placed(r.channels, r.factors, r.shift));
+}
+
+bool inherits(const Record& r) { return r.parent && r.channels[index(Channel::inheritsTransform)] != 0.0; }
+
+// True when `current` is the matrix of this sample.
+bool is_known(Evaluation& e, Record& r) {
+  if (!r.moves || r.stamp == e.stamp) return true;
+  if (e.slot == TimeCache::kNone) return false;
+  const Affine* cached = e.cache.find(r.cached, e.slot);
+  if (cached == nullptr) return false;
+  r.current = cached;
+  r.stamp = e.stamp;
+  return true;
+}
+
+void move_offset(Record& r, double frame) {
+  if (!r.offset_source) return;
+  if (!r.offset_is_local) {
+    r.offset = *r.offset_source->current;
+  } else {
+    if (!r.offset_source->driven.empty()) move_local(*r.offset_source, frame);
+    r.offset = r.offset_source->local;
+  }
+}
+
+// The world matrix, with those that it needs known.
+void move_world(Evaluation& e, Record& r) {
+  if (!r.driven.empty()) move_local(r, e.frame);
+  move_offset(r, e.frame);
+  Affine* to = nullptr;
+  // Worth remembering: somebody else will ask for it at this time.
+  if (e.slot != TimeCache::kNone && (r.asked || r.dependents > 1)) to = e.cache.place(r.cached, e.slot);
+  if (to == nullptr) to = &r.world;
+  if (inherits(r)) {
+    *to = (r.has_offset ? r.local * r.offset : r.local) * *r.parent->current;
+  } else {
+    *to = r.has_offset ? r.local * r.offset : r.local;
+  }
+  r.current = to;
+  r.stamp = e.stamp;
+}
+
+// Makes `current` of the record that of this sample: what it hangs on first, on a stack of our own, since chains may
+// be longer than the machine's.
+void know(Evaluation& e, Record& target) {
+  if (is_known(e, target)) return;
+  e.stack.push_back(&target);
+  while (!e.stack.empty()) {
+    Record& r = *e.stack.back();
+    if (r.parent && !is_known(e, *r.parent)) {
+      e.stack.push_back(r.parent);
+    } else if (r.offset_source && !r.offset_is_local && !is_known(e, *r.offset_source)) {
+      e.stack.push_back(r.offset_source);
+    } else {
+      move_world(e, r);
+      e.stack.pop_back();
+    }
+  }
+}
+
+void begin_sample(Evaluation& e, double frame) {
+  if (e.stamp_motion == e.motion && e.frame == frame) return;
+  if (e.stamp_motion != e.motion) e.cache.clear();
+  e.stamp_motion = e.motion;
+  e.frame = frame;
+  ++e.stamp;
+  e.slot = e.cache.slot(frame);
+}
+
+// The upward closure of a node: the parents and the sources of offsets, whether or not they are followed.
+bool reaches(const Scene::Data& scene, const Node& from, NodeId wanted) {
+  std::vector<const Node*> open = {&from};
+  std::unordered_set<NodeId> seen;
+  while (!open.empty()) {
+    const Node* node = open.back();
+    open.pop_back();
+    if (node->id == wanted) return true;
+    if (!seen.insert(node->id).second) continue;
+    if (const Node* parent = scene.find(node->parent); parent && node->parent != kWorld) open.push_back(parent);
+    const Input* input = node->inputs.find(attribute::offsetParentMatrix);
+    if (input && input->source_attribute == attribute::worldMatrix)
+      if (const Node* source = scene.find(input->source)) open.push_back(source);
+  }
+  return false;
+}
+
+}  // namespace
+
+OffsetDriver offset_driver(const Scene::Data& scene, const Node& node) {
+  OffsetDriver driver;
+  const Input* input = node.inputs.find(attribute::offsetParentMatrix);
+  if (input == nullptr) return driver;
+  driver.connected = true;
+  const Node* source = scene.find(input->source);
+  driver.source = input->source;
+  driver.local = input->source_attribute == attribute::matrix;
+  const bool matrix = driver.local || input->source_attribute == attribute::worldMatrix;
+  if (!source || !source->channels || source->type->category != Category::transform || !matrix) return driver;
+  driver.cycle = !driver.local && reaches(scene, *source, node.id);
+  driver.followed = !driver.cycle;
+  return driver;
+}
+
+Record& record_of(Scene::Data& scene, NodeId id) {
+  Node& target = scene.transform(id);
+  std::vector<Node*> stack = {&target};
+  const auto needed = [&](NodeId other) {
+    Node* node = scene.find(other);
+    if (other == kWorld || node == nullptr || is_current(scene.evaluation, *node)) return false;
+    stack.push_back(node);
+    return true;
+  };
+  while (!stack.empty()) {
+    Node& node = *stack.back();
+    if (!is_current(scene.evaluation, node)) {
+      if (needed(node.parent)) continue;
+      const OffsetDriver offset = offset_driver(scene, node);
+      if (offset.followed && !offset.local && needed(offset.source)) continue;
+      refresh_world(scene, node, local_record(scene, node), offset);
+    }
+    stack.pop_back();
+  }
+  return *target.record;
+}
+
+Channels channels_at(const Record& record, double frame) {
+  Channels channels = record.channels;
+  for (DrivenChannel d : record.driven) {
+    Expression expression;
+    if (!d.curve) expression = record.expressions[d.expression];
+    channels[index(d.channel)] = d.curve ? d.curve->evaluate(frame) : expression.evaluate(frame);
+  }
+  return channels;
+}
+
+host::Vector translation_of(Evaluation& e, Record& r, double frame) {
+  if (!r.moves) return r.world.translation();
+  const bool alone = (r.parent == nullptr || !r.parent->moves) && r.offset_source == nullptr;
+  if (!alone) {
+    begin_sample(e, frame);
+    if (is_known(e, r)) return r.current->translation();
+  }
+  host::Vector t;
+  if (!r.factors.pivots) {
+    drive(r, frame, 0, r.driven_translate);
+    if ((r.driven_mask & bit(Channel::inheritsTransform)) != 0) drive(r, frame, r.driven_translate, r.driven.size());
+    t = vector_at(r.channels, Channel::translateX);
+  } else {
+    if (!r.driven.empty()) move_local(r, frame);
+    t = r.local.translation();
+  }
+  if (r.offset_source && !r.offset_is_local) know(e, *r.offset_source);
+  move_offset(r, frame);
+  if (r.has_offset) t = transform_point(t, r.offset);
+  if (!inherits(r)) return t;
+  know(e, *r.parent);
+  return transform_point(t, *r.parent->current);
+}
+
+}  // namespace vantorelix::standalone

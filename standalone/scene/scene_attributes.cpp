@@ -1,0 +1,245 @@
+// Attribute values, locks and array data.
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <optional>
+
+#include "standalone/scene/scene_data.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+constexpr double kDegrees = 180.0 / std::numbers::pi;
+
+AttributeId known(const Scene::Data& scene, const Node& node, std::string_view attribute) {
+  return scene.attributes.find(node.type->names, attribute);
+}
+
+bool is_switch(Channel c) { return c >= Channel::rotateOrder; }
+
+const host::Vectors* vectors_at(const Node& node, AttributeId attribute) {
+  if (!node.extras) return nullptr;
+  for (const auto& [id, values] : node.extras->vectors)
+    if (id == attribute) return &values;
+  return nullptr;
+}
+
+bool is_locked(const Node& node, AttributeId attribute) {
+  if (!node.extras) return false;
+  const auto& locked = node.extras->locked;
+  return std::binary_search(locked.begin(), locked.end(), attribute);
+}
+
+// The attribute itself, its compound, or any of its parts.
+template <class Test>
+bool any_of(AttributeId attribute, Test test) {
+  if (test(attribute) || test(compound_of(attribute))) return true;
+  for (AttributeId k = 0; k < part_count(attribute); ++k)
+    if (test(part(attribute, k))) return true;
+  return false;
+}
+
+void require_free(const Scene::Data& scene, const Node& node, AttributeId attribute) {
+  const bool taken =
+      any_of(attribute, [&](AttributeId id) { return is_locked(node, id) || node.inputs.find(id) != nullptr; });
+  if (taken) throw locked_error(scene.plug_name(node, attribute));
+}
+
+double finite_number(const Scene::Data& scene, const Node& node, AttributeId attribute, const host::Value& value) {
+  double number = 0.0;
+  if (const bool* b = value.as_bool()) {
+    number = *b ? 1.0 : 0.0;
+  } else if (value.as_text() || value.as_bytes() || value.as_list() || value.is_none()) {
+    throw host::Error(
+        "The value " + value.repr() + " does not fit the attribute '" + scene.plug_name(node, attribute) + "'.",
+        host::ErrorKind::type);
+  } else {
+    number = value.to_float();
+  }
+  if (!std::isfinite(number))
+    throw host::Error("The attribute '" + scene.plug_name(node, attribute) + "' takes finite numbers only.",
+                      host::ErrorKind::value);
+  return number;
+}
+
+double to_inside(Channel c, double shown) { return is_angle(c) ? shown / kDegrees : shown; }
+
+host::Value shown(Channel c, double inside) {
+  if (c == Channel::rotateOrder) return host::Value(static_cast<std::int64_t>(inside));
+  if (is_switch(c)) return host::Value(inside != 0.0);
+  return host::Value(is_angle(c) ? inside * kDegrees : inside);
+}
+
+host::Value as_list(const Affine& m) {
+  std::vector<host::Value> items;
+  for (std::size_t i = 0; i < 4; ++i) {
+    for (std::size_t j = 0; j < 3; ++j) items.emplace_back(m.m[i][j]);
+    items.emplace_back(i == 3 ? 1.0 : 0.0);
+  }
+  return host::Value::list(std::move(items));
+}
+
+// Whether anything that moves may hang on a value that is no channel.
+bool may_move(const Node& node) {
+  return node.live_outputs > 0 || node.type->names == NameSet::pair_blend ||
+         node.type->names == NameSet::unit_conversion;
+}
+
+void set_plain(Scene::Data& scene, Node& node, AttributeId attribute, host::Value value) {
+  scene.store(node, attribute, std::move(value));
+  if (may_move(node)) scene.structure_changed();  // a pair blend's modes decide what is followed
+}
+
+// A flag stays a flag, a whole number a whole number, whatever the script passed.
+host::Value like(const Scene::Data& scene, const Node& node, AttributeId attribute, const host::Value& before,
+                 const host::Value& value) {
+  if (before.as_bool()) return host::Value(finite_number(scene, node, attribute, value) != 0.0);
+  if (before.as_int()) return host::Value(static_cast<std::int64_t>(finite_number(scene, node, attribute, value)));
+  if (before.as_float()) return host::Value(finite_number(scene, node, attribute, value));
+  return value;
+}
+
+}  // namespace
+
+double Scene::channel(NodeId node, Channel c) const { return (*data_->transform(node).channels)[index(c)]; }
+
+void Scene::set_channel(NodeId id, Channel c, double value) {
+  Node& node = data_->transform(id);
+  if (!std::isfinite(value))
+    throw host::Error("The attribute '" + data_->plug_name(node, id_of(c)) + "' takes finite numbers only.",
+                      host::ErrorKind::value);
+  double& place = (*node.channels)[index(c)];
+  if (place == value) return;
+  place = value;
+  data_->values_changed();
+}
+
+void Scene::set_offset_parent_matrix(NodeId id, const std::array<double, 16>& matrix) {
+  Node& node = data_->transform(id);
+  Affine affine;
+  for (std::size_t i = 0; i < 4; ++i)
+    for (std::size_t j = 0; j < 3; ++j) affine.m[i][j] = matrix[4 * i + j];
+  for (const double d : matrix)
+    if (!std::isfinite(d))
+      throw host::Error("The offset parent matrix takes finite numbers only.", host::ErrorKind::value);
+  data_->extras(node).offset_parent_matrix = std::make_unique<Affine>(affine);
+  data_->values_changed();
+}
+
+void Scene::set_attribute(NodeId id, std::string_view name, const host::Value& value) {
+  Data& d = *data_;
+  Node& node = d.at(id);
+  if (!has_attribute(id, name)) throw missing_error(d.plug_name(node, name));
+  const AttributeId attribute = known(d, node, name);
+  require_free(d, node, attribute);
+  if (is_channel(attribute)) {
+    const auto c = static_cast<Channel>(attribute);
+    return set_channel(id, c, to_inside(c, finite_number(d, node, attribute, value)));
+  }
+  const host::Value* before = d.stored(node, attribute);
+  if (part_count(attribute) == 0 && attribute != attribute::offsetParentMatrix) {
+    if (attribute == attribute::matrix || attribute == attribute::worldMatrix)
+      throw locked_error(d.plug_name(node, name));
+    return set_plain(d, node, attribute, before ? like(d, node, attribute, *before, value) : value);
+  }
+  const std::size_t count = attribute == attribute::offsetParentMatrix ? 16 : 3;
+  const host::List* list = value.as_list();
+  if (!list || (*list)->size() != count)
+    throw host::Error("The attribute '" + d.plug_name(node, name) + "' takes " + std::to_string(count) + " numbers.",
+                      host::ErrorKind::type);
+  std::array<double, 16> numbers{};
+  for (std::size_t k = 0; k < count; ++k) numbers[k] = finite_number(d, node, attribute, (**list)[k]);
+  if (count == 16) return set_offset_parent_matrix(id, numbers);
+  for (AttributeId k = 0; k < 3; ++k) {
+    const AttributeId each = part(attribute, k);
+    if (is_channel(each)) {
+      set_channel(id, static_cast<Channel>(each), to_inside(static_cast<Channel>(each), numbers[k]));
+    } else {
+      set_plain(d, node, each, host::Value(numbers[k]));
+    }
+  }
+}
+
+host::Value Scene::attribute(NodeId id, std::string_view name) const {
+  const Data& d = *data_;
+  const Node& node = d.at(id);
+  if (!has_attribute(id, name)) throw missing_error(d.plug_name(node, name));
+  const AttributeId attribute = known(d, node, name);
+  const auto one = [&](AttributeId each) {
+    if (is_channel(each)) return shown(static_cast<Channel>(each), (*node.channels)[each]);
+    if (const host::Value* value = d.stored(node, each)) return *value;
+    if (each == attribute::visibility) return host::Value(true);
+    if (each == attribute::conversionFactor || each == attribute::weight) return host::Value(1.0);
+    return host::Value(0.0);
+  };
+  if (attribute == attribute::matrix) return as_list(local_matrix(id, d.current_time));
+  if (attribute == attribute::worldMatrix) return as_list(world_matrix(id, d.current_time));
+  if (attribute == attribute::offsetParentMatrix) return as_list(d.offset_parent_matrix(node));
+  if (part_count(attribute) == 0) return vectors_at(node, attribute) ? host::Value() : one(attribute);
+  return host::Value::list({one(part(attribute, 0)), one(part(attribute, 1)), one(part(attribute, 2))});
+}
+
+bool Scene::has_attribute(NodeId id, std::string_view name) const {
+  const Node& node = data_->at(id);
+  const AttributeId attribute = known(*data_, node, name);
+  if (attribute == AttributeNames::kNone) return false;
+  return attribute < attribute::known_count || data_->stored(node, attribute) || vectors_at(node, attribute);
+}
+
+void Scene::add_attribute(NodeId id, std::string_view name, const host::Value& value) {
+  Data& d = *data_;
+  Node& node = d.at(id);
+  const AttributeId attribute = d.attributes.intern(node.type->names, name);
+  if (is_channel(attribute) || part_count(attribute) > 0) return set_attribute(id, name, value);
+  set_plain(d, node, attribute, value);
+}
+
+void Scene::lock_attribute(NodeId id, std::string_view name, bool locked) {
+  Data& d = *data_;
+  Node& node = d.at(id);
+  if (!has_attribute(id, name)) throw missing_error(d.plug_name(node, name));
+  const AttributeId attribute = known(d, node, name);
+  auto& all = d.extras(node).locked;
+  const auto at = std::lower_bound(all.begin(), all.end(), attribute);
+  const bool there = at != all.end() && *at == attribute;
+  if (locked && !there) all.insert(at, attribute);
+  if (!locked && there) all.erase(at);
+}
+
+void Scene::set_vectors(NodeId id, std::string_view name, host::Vectors values) {
+  Data& d = *data_;
+  Node& node = d.at(id);
+  const AttributeId attribute = d.attributes.intern(node.type->names, name);
+  auto& all = d.extras(node).vectors;
+  const auto at = std::find_if(all.begin(), all.end(), [attribute](const auto& v) { return v.first == attribute; });
+  if (at != all.end()) {
+    at->second = std::move(values);
+  } else {
+    all.emplace_back(attribute, std::move(values));
+  }
+}
+
+host::Vectors Scene::vectors(NodeId id, std::string_view name) const {
+  const Node& node = data_->at(id);
+  const host::Vectors* found = vectors_at(node, known(*data_, node, name));
+  return found ? *found : nullptr;
+}
+
+void Scene::set_curve_points(NodeId shape, int degree, std::vector<host::Vector> points) {
+  Extras& extras = data_->extras(data_->at(shape));
+  extras.curve_degree = degree;
+  extras.curve_points = std::move(points);
+}
+
+int Scene::curve_degree(NodeId shape) const {
+  const Node& node = data_->at(shape);
+  return node.extras ? node.extras->curve_degree : 0;
+}
+
+const std::vector<host::Vector>& Scene::curve_points(NodeId shape) const {
+  static const std::vector<host::Vector> kNothing;
+  const Node& node = data_->at(shape);
+  return node.extras ? node.extras->curve_points : kNothing;
+}
+
+}  // namespace vantorelix::standalone

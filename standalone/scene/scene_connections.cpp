@@ -1,0 +1,131 @@
+// Connections, and what they say about who drives whom.
+#include <algorithm>
+#include <unordered_set>
+
+#include "standalone/scene/scene_data.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+bool is_converter(const Node& node) {
+  return node.type->names == NameSet::unit_conversion || node.type->names == NameSet::pair_blend;
+}
+
+// Whether an input of a converter matters to one of its outputs: of a pair blend, only the same component's.
+bool concerns(const Node& converter, AttributeId input, AttributeId output) {
+  if (converter.type->names != NameSet::pair_blend || part_count(output) > 0) return true;
+  if (!is_blend_part(output)) return false;
+  const AttributeId whole = compound_of(output), k = output - part(whole, 0);
+  const bool rotates = whole == attribute::outRotate;
+  for (const AttributeId in : {rotates ? attribute::inRotate1 : attribute::inTranslate1,
+                               rotates ? attribute::inRotate2 : attribute::inTranslate2})
+    if (input == in || input == part(in, k)) return true;
+  return false;
+}
+
+// Calls found(curve) for each curve behind an input, nearest first, until it says true.
+template <class Found>
+bool curves_behind(const Scene::Data& scene, const Input& first, std::unordered_set<NodeId>& seen, Found found) {
+  std::vector<Input> open = {first};
+  while (!open.empty()) {
+    const Input input = open.back();
+    open.pop_back();
+    const Node* source = input.source == kNoNode ? nullptr : scene.find(input.source);
+    if (source == nullptr) continue;
+    if (source->curve) {
+      if (seen.insert(source->id).second && found(*source)) return true;
+    } else if (is_converter(*source)) {
+      // A converter is passed again for another of its outputs, but not within this search for the same.
+      const auto& inputs = source->inputs.all();
+      if (open.size() > 4 * inputs.size() + 256) continue;  // a cycle
+      for (auto i = inputs.rbegin(); i != inputs.rend(); ++i)
+        if (i->source != kNoNode && i->source != source->id && concerns(*source, i->attribute, input.source_attribute))
+          open.push_back(*i);
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+void Scene::connect(NodeId source, std::string_view source_attribute, NodeId destination,
+                    std::string_view destination_attribute) {
+  Data& d = *data_;
+  Node& from = d.at(source);
+  Node& to = d.at(destination);
+  const AttributeId in = d.attributes.intern(to.type->names, destination_attribute);
+  const AttributeId out = d.attributes.intern(from.type->names, source_attribute);
+  if (const Input* before = to.inputs.find(in)) {
+    const NodeId old = before->source;
+    to.inputs.remove(in);
+    if (Node* node = d.find(old)) d.remove_output(*node);
+  }
+  to.inputs.set({in, source, out});
+  from.outputs.push_back({destination, in});
+  ++from.live_outputs;
+  d.structure_changed();
+}
+
+void Scene::disconnect(NodeId destination, std::string_view attribute) {
+  Data& d = *data_;
+  Node& to = d.at(destination);
+  const AttributeId in = d.attributes.find(to.type->names, attribute);
+  const Input* input = in == AttributeNames::kNone ? nullptr : to.inputs.find(in);
+  if (input == nullptr) return;
+  const NodeId source = input->source;
+  to.inputs.remove(in);
+  if (Node* node = d.find(source)) d.remove_output(*node);
+  d.structure_changed();
+}
+
+NodeId Scene::driving_curve(NodeId id, Channel c) const {
+  const Data& d = *data_;
+  const Node& node = d.at(id);
+  const AttributeId attribute = id_of(c);
+  const Input* input = d.driver(node, attribute);
+  if (input == nullptr) return kNoNode;
+  Input component = *input;
+  if (input->attribute != attribute && part_count(component.source_attribute) > 0)
+    component.source_attribute = part(component.source_attribute, attribute - part(input->attribute, 0));
+  std::unordered_set<NodeId> seen;
+  NodeId curve = kNoNode;
+  curves_behind(d, component, seen, [&](const Node& found) {
+    curve = found.id;
+    return true;
+  });
+  return curve;
+}
+
+bool Scene::has_keys(NodeId id) const {
+  const Data& d = *data_;
+  std::unordered_set<NodeId> seen;
+  for (const Input& input : d.at(id).inputs.all())
+    if (curves_behind(d, input, seen, [](const Node&) { return true; })) return true;
+  return false;
+}
+
+std::vector<double> Scene::key_times(NodeId id) const {
+  const Data& d = *data_;
+  std::vector<double> times;
+  std::unordered_set<NodeId> seen;
+  for (const Input& input : d.at(id).inputs.all())
+    curves_behind(d, input, seen, [&](const Node& curve) {
+      for (const Key& key : curve.curve->keys()) times.push_back(key.time);
+      return false;
+    });
+  return times;
+}
+
+std::size_t Scene::key_count(NodeId id) const {
+  const Data& d = *data_;
+  std::size_t count = 0;
+  std::unordered_set<NodeId> seen;
+  for (const Input& input : d.at(id).inputs.all())
+    curves_behind(d, input, seen, [&](const Node& curve) {
+      count += curve.curve->keys().size();
+      return false;
+    });
+  return count;
+}
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,135 @@
+// What a scene keeps. For the files of this folder only.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "host/error.h"
+#include "standalone/scene/attribute_names.h"
+#include "standalone/scene/inputs.h"
+#include "standalone/scene/local_matrix.h"
+#include "standalone/scene/name_table.h"
+#include "standalone/scene/records.h"
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::standalone {
+
+enum class Category : std::uint8_t {
+  transform,   // has channels, can have children
+  constraint,  // the same, but what comes out of it cannot be followed
+  shape,       // hangs under a transform
+  curve,       // an animation curve over time
+  other        // outside the DAG
+};
+
+struct NodeType {
+  std::string name;
+  Category category;
+  NameSet names;
+  std::vector<NodeId> nodes;  // ascending; may hold nodes that are gone
+  NodeType* next;  // of the same name in another category, in a ring: some types are only known from their use
+};
+
+// What few nodes have.
+struct Extras {
+  std::vector<std::pair<AttributeId, host::Value>> values;     // ascending by attribute
+  std::vector<std::pair<AttributeId, host::Vectors>> vectors;  // ascending by attribute
+  std::vector<AttributeId> locked;                             // ascending
+  std::unique_ptr<Affine> offset_parent_matrix;                // identity when null
+  int curve_degree = 0;
+  std::vector<host::Vector> curve_points;
+};
+
+struct Node {
+  NodeId id = kNoNode;
+  NodeId parent = kWorld;
+  NameTable::Entry name = 0;
+  std::uint32_t place_in_parent = 0;
+  NodeType* type = nullptr;
+  bool locked = false;
+  std::vector<NodeId> children;  // gaps are kNoNode
+  std::uint32_t child_gaps = 0;
+  std::unique_ptr<Channels> channels;  // transforms
+  std::unique_ptr<AnimCurve> curve;    // curves
+  std::unique_ptr<Extras> extras;
+  Inputs inputs;
+  std::vector<Output> outputs;  // may hold connections that are gone
+  std::size_t live_outputs = 0;
+  std::unique_ptr<Record> record;  // compiled, when somebody asked
+};
+
+struct Scene::Data {
+  Data();
+
+  // --- settings
+  double frames_per_second = 24.0;
+  std::string linear_unit = "cm";
+  char up_axis = 'y';
+  double playback_min = 1.0, playback_max = 24.0, current_time = 1.0;
+
+  // --- nodes; an id is a place, a deleted node leaves it empty. Place 0 is the world.
+  std::vector<std::unique_ptr<Node>> nodes;
+  NameTable names;
+  AttributeNames attributes;
+  std::deque<NodeType> types;
+  std::unordered_map<std::string_view, NodeType*> types_by_name;
+
+  // --- messages and warnings
+  SceneListener listener;
+  std::vector<Warning> warnings;
+  std::unordered_map<std::string, std::size_t> warning_places;
+
+  // --- what changed
+  std::uint64_t revision = 1;  // anything that revision() promises
+  Evaluation evaluation;
+
+  Node* find(NodeId id) const { return id < nodes.size() ? nodes[id].get() : nullptr; }
+  // Throws host::Error for a node that does not exist.
+  Node& at(NodeId id) const;
+  // As at, for a node with channels.
+  Node& transform(NodeId id) const;
+  Node& curve(NodeId id) const;
+  bool is_dag(const Node& n) const { return n.type->category <= Category::shape; }
+  NodeType& type(std::string_view name);
+  // The same type in another category.
+  NodeType& variant(NodeType& type, Category category);
+  const std::string& text(const Node& n) const { return names.text(n.name); }
+  std::string unique_name(const Node& n) const;
+  std::string plug_name(const Node& n, AttributeId attribute) const;
+  std::string plug_name(const Node& n, std::string_view attribute) const;
+  Extras& extras(Node& n) const;
+  Affine offset_parent_matrix(const Node& n) const;
+  // Closes the gaps in a node's list of children.
+  void compact_children(Node& n) const;
+  // The input that drives the attribute: its own, or its compound's.
+  const Input* driver(const Node& n, AttributeId attribute) const;
+  // The static value of an attribute that is no channel; null where it was never set.
+  const host::Value* stored(const Node& n, AttributeId attribute) const;
+  void store(Node& n, AttributeId attribute, host::Value value) const;
+  // Whether an output is still connected.
+  bool connection_stands(const Node& source, const Output& output) const;
+  // To be called when a connection from the node was undone.
+  void remove_output(Node& source);
+  // The connections that leave the node.
+  std::vector<Output> outputs_of(const Node& n) const;
+
+  // --- edits; each bumps what it has to
+  void structure_changed() { ++revision, evaluation.structure_changed(); }
+  void values_changed() { ++revision, evaluation.values_changed(); }
+  void curves_changed() { ++revision, evaluation.curves_changed(); }
+
+  void tell_curve_edited(NodeId curve, bool keys);
+};
+
+// The error for a plug that is locked or driven; `plug` is "node.attribute".
+host::Error locked_error(const std::string& plug);
+host::Error missing_error(std::string_view name);
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,142 @@
+// World matrices the plain way, and what stands in their way.
+#include <unordered_map>
+#include <unordered_set>
+
+#include "standalone/scene/scene_data.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+// The transform whose matrix a node shows: its own, or a shape's parent's.
+NodeId transform_of(const Scene::Data& scene, NodeId id) {
+  const Node& node = scene.at(id);
+  return node.type->category == Category::shape ? node.parent : id;
+}
+
+Affine local_at(const Record& record, double frame) {
+  return local_matrix_of(channels_at(record, frame), record.factors);
+}
+
+// Worked out from the top, each matrix once, nothing kept from one call to the next.
+class Walk {
+ public:
+  Walk(Scene::Data& scene, double frame) : scene_(scene), frame_(frame) {}
+
+  Affine world(NodeId id) {
+    std::vector<const Record*> open = {&record_of(scene_, id)};
+    while (!open.empty()) {
+      const Record& r = *open.back();
+      if (done_.contains(r.node)) {
+        open.pop_back();
+      } else if (r.parent && !done_.contains(r.parent->node)) {
+        open.push_back(r.parent);
+      } else if (r.offset_source && !r.offset_is_local && !done_.contains(r.offset_source->node)) {
+        open.push_back(r.offset_source);
+      } else {
+        done_.emplace(r.node, composed(r));
+        open.pop_back();
+      }
+    }
+    return done_.at(id);
+  }
+
+ private:
+  Affine composed(const Record& r) const {
+    const Channels channels = channels_at(r, frame_);
+    Affine m = local_matrix_of(channels, r.factors);
+    if (r.offset_source && r.offset_is_local) {
+      m = m * local_at(*r.offset_source, frame_);
+    } else if (r.offset_source) {
+      m = m * done_.at(r.offset_source->node);
+    } else if (r.has_offset) {
+      m = m * scene_.offset_parent_matrix(scene_.at(r.node));
+    }
+    const bool inherits = r.parent && channels[index(Channel::inheritsTransform)] != 0.0;
+    return inherits ? m * done_.at(r.parent->node) : m;
+  }
+
+  Scene::Data& scene_;
+  double frame_;
+  std::unordered_map<NodeId, Affine> done_;
+};
+
+// Every transform whose local matrix goes into a node's world matrix, the node first.
+std::vector<const Record*> everything_behind(Scene::Data& scene, NodeId id) {
+  std::vector<const Record*> all = {&record_of(scene, id)};
+  std::unordered_set<const Record*> seen = {all[0]};
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const Record* r = all[i];
+    if (r->parent && seen.insert(r->parent).second) all.push_back(r->parent);
+    if (r->offset_source && !r->offset_is_local && seen.insert(r->offset_source).second)
+      all.push_back(r->offset_source);
+  }
+  return all;
+}
+
+bool varies(const Record& r) {
+  for (const DrivenChannel& d : r.driven) {
+    if (d.curve && !d.curve->is_constant()) return true;
+    if (d.curve) continue;
+    for (const Operation& o : r.expressions[d.expression].operations)
+      if (o.kind == Operation::Kind::curve && !o.curve->is_constant()) return true;
+  }
+  return false;
+}
+
+void list_unfollowed(const Scene::Data& scene, const Record& r, std::vector<std::string>& texts) {
+  const Node& node = scene.at(r.node);
+  for (const Input& input : node.inputs.all()) {
+    if (input.source == kNoNode || !(is_channel(input.attribute) || is_compound(input.attribute))) continue;
+    const AttributeId first = is_compound(input.attribute) ? part(input.attribute, 0) : input.attribute;
+    const AttributeId end = is_compound(input.attribute) ? first + 3 : first + 1;
+    for (AttributeId c = first; c < end; ++c) {
+      Expression expression;
+      const std::string why = compile_driver(scene, r.node, c, expression);
+      if (why.empty()) continue;
+      texts.push_back(scene.plug_name(node, input.attribute) + " is driven by " + why +
+                      ", which is not followed; it keeps its static value");
+      break;
+    }
+  }
+  const OffsetDriver offset = offset_driver(scene, node);
+  if (!offset.connected || offset.followed) return;
+  const Node& source = scene.at(offset.source);
+  texts.push_back(scene.plug_name(node, attribute::offsetParentMatrix) + " is driven by " +
+                  (offset.cycle ? "a cycle of connections through " : "") + source.type->name + " " +
+                  scene.unique_name(source) + ", which is not followed; it keeps its static value");
+}
+
+}  // namespace
+
+Affine Scene::world_matrix(NodeId node, double frame) const {
+  return Walk(*data_, frame).world(transform_of(*data_, node));
+}
+
+Affine Scene::local_matrix(NodeId node, double frame) const {
+  if (data_->at(node).type->category == Category::shape) return Affine{};
+  return local_at(record_of(*data_, node), frame);
+}
+
+bool Scene::is_animated(NodeId node) const {
+  const NodeId transform = transform_of(*data_, node);
+  if (!data_->at(transform).channels) return false;
+  for (const Record* r : everything_behind(*data_, transform)) {
+    if (varies(*r)) return true;
+    if (r->offset_source && r->offset_is_local && varies(*r->offset_source)) return true;
+  }
+  return false;
+}
+
+std::vector<std::string> Scene::not_followed(NodeId node) const {
+  std::vector<std::string> texts;
+  const NodeId transform = transform_of(*data_, node);
+  if (!data_->at(transform).channels) return texts;
+  for (const Record* r : everything_behind(*data_, transform)) {
+    if (r->unfollowed) list_unfollowed(*data_, *r, texts);
+    if (r->offset_source && r->offset_is_local && r->offset_source->drivers_unfollowed)
+      list_unfollowed(*data_, *r->offset_source, texts);
+  }
+  return texts;
+}
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,305 @@
+// Making, moving, renaming and deleting nodes.
+#include <algorithm>
+#include <string>
+
+#include "standalone/scene/node_types.h"
+#include "standalone/scene/scene_data.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+NodeId scope_of(const Scene::Data& scene, const Node& node) {
+  return scene.is_dag(node) ? node.parent : NameTable::kGlobalScope;
+}
+
+void attach(Scene::Data& scene, Node& node) {
+  std::vector<NodeId>& siblings = scene.nodes[node.parent]->children;
+  node.place_in_parent = static_cast<std::uint32_t>(siblings.size());
+  siblings.push_back(node.id);
+}
+
+void detach(Scene::Data& scene, const Node& node) {
+  Node& parent = *scene.nodes[node.parent];
+  parent.children[node.place_in_parent] = kNoNode;
+  ++parent.child_gaps;
+  if (2 * parent.child_gaps > parent.children.size()) scene.compact_children(parent);
+}
+
+// Enters a node whose name is free.
+Node& enter(Scene::Data& scene, NodeType& type, std::string_view name, NodeId parent) {
+  auto fresh = std::make_unique<Node>();
+  Node& node = *fresh;
+  node.id = static_cast<NodeId>(scene.nodes.size());
+  node.parent = parent;
+  node.type = &type;
+  if (type.category <= Category::constraint) node.channels = std::make_unique<Channels>(kRestChannels);
+  CurveKind kind{};
+  if (is_curve_type(type.name, kind)) node.curve = std::make_unique<AnimCurve>(kind, scene.frames_per_second);
+  scene.nodes.push_back(std::move(fresh));
+  node.name = scene.names.add(scope_of(scene, node), name, node.id);
+  type.nodes.push_back(node.id);
+  if (scene.is_dag(node)) attach(scene, node);
+  ++scene.revision;
+  return node;
+}
+
+Node& make(Scene::Data& scene, NodeType& type, std::string_view name, NodeId parent) {
+  const NodeId scope = type.category <= Category::shape ? parent : NameTable::kGlobalScope;
+  return enter(scene, type, scene.names.free_name(scope, legal_name(name)), parent);
+}
+
+// "polySurface1" and "polySurfaceShape1" get the same number where they can.
+std::string default_name(Scene::Data& scene, const NodeType& type) {
+  return scene.names.free_name(NameTable::kGlobalScope, std::string(default_stem(type.name)) + "1", true);
+}
+
+std::string shape_name_for(std::string_view transform) {
+  const std::size_t end = transform.find_last_not_of("0123456789") + 1;
+  return std::string(transform.substr(0, end)) + "Shape" + std::string(transform.substr(end));
+}
+
+Node& make_with_default_name(Scene::Data& scene, NodeType& type, NodeId parent) {
+  const std::string name = default_name(scene, type);
+  if (type.category != Category::shape) return make(scene, type, name, parent);
+  return make(scene, type, shape_name_for(parent == kWorld ? name : scene.text(scene.at(parent))), parent);
+}
+
+void rename_to(Scene::Data& scene, Node& node, std::string_view wanted) {
+  const NodeId scope = scope_of(scene, node);
+  const std::string before = scene.text(node);
+  scene.names.remove(scope, node.name, node.id);
+  std::string name;
+  try {
+    name = scene.names.free_name(scope, wanted);
+  } catch (...) {
+    name = before;
+  }
+  node.name = scene.names.add(scope, name, node.id);
+}
+
+// A transform takes its only shape along when that one bears its name: "ballShape", or "ballShape1" under "ball1".
+void rename_shape_along(Scene::Data& scene, const Node& transform, const std::string& before) {
+  Node* only = nullptr;
+  for (const NodeId child : transform.children) {
+    Node* node = scene.find(child);
+    if (!node || node->type->category != Category::shape) continue;
+    if (only) return;
+    only = node;
+  }
+  if (!only || only->locked) return;
+  const std::string& name = scene.text(*only);
+  if (name == before + "Shape" || name == shape_name_for(before))
+    rename_to(scene, *only, shape_name_for(scene.text(transform)));
+}
+
+// Parents before their children.
+void collect(const Scene::Data& scene, NodeId root, std::vector<NodeId>& out) {
+  std::size_t next = out.size();
+  out.push_back(root);
+  for (; next < out.size(); ++next)
+    for (const NodeId child : scene.find(out[next])->children)
+      if (child != kNoNode) out.push_back(child);
+}
+
+// Undoes all connections of a node. What drove only this node, and is there to drive, goes to `orphans`.
+void disconnect_all(Scene::Data& scene, Node& node, std::vector<NodeId>& orphans) {
+  for (const Output& out : scene.outputs_of(node)) scene.find(out.destination)->inputs.remove(out.attribute);
+  node.outputs.clear();
+  node.live_outputs = 0;
+  const std::vector<Input> inputs = node.inputs.all();
+  node.inputs = Inputs{};
+  for (const Input& input : inputs) {
+    Node* source = input.source == node.id ? nullptr : scene.find(input.source);
+    if (!source) continue;
+    scene.remove_output(*source);
+    const bool helper = source->type->category == Category::curve || source->type->names == NameSet::curve ||
+                        source->type->names == NameSet::unit_conversion || source->type->names == NameSet::pair_blend;
+    if (helper && source->live_outputs == 0 && !source->locked) orphans.push_back(source->id);
+  }
+}
+
+void remove(Scene::Data& scene, NodeId id, std::vector<NodeId>& orphans) {
+  if (!scene.find(id)) return;
+  if (scene.listener.node_removed) {
+    const std::string type = scene.find(id)->type->name;
+    scene.listener.node_removed(id, type);
+    if (!scene.find(id)) return;
+  }
+  Node& node = *scene.find(id);
+  const bool felt = node.record != nullptr || node.live_outputs > 0;
+  disconnect_all(scene, node, orphans);
+  if (scene.is_dag(node)) detach(scene, node);
+  scene.names.remove(scope_of(scene, node), node.name, id);
+  // Types with many nodes gone close their ranks.
+  std::vector<NodeId>& of_type = node.type->nodes;
+  if (!of_type.empty() && of_type.back() == id) of_type.pop_back();
+  scene.nodes[id].reset();
+  ++scene.revision;
+  if (felt) scene.structure_changed();
+}
+
+bool is_below(const Scene::Data& scene, NodeId node, NodeId ancestor) {
+  for (NodeId n = node; n != kWorld; n = scene.find(n)->parent)
+    if (n == ancestor) return true;
+  return false;
+}
+
+// A type that nobody knows hangs in the DAG when it is given a parent: as a shape when it is called one.
+NodeType& type_under(Scene::Data& scene, std::string_view type, std::string_view name, NodeId parent) {
+  NodeType& known = scene.type(type);
+  if (known.category != Category::other || parent == kWorld) return known;
+  const bool shape = type.ends_with("Shape") || name.find("Shape") != std::string_view::npos;
+  return scene.variant(known, shape ? Category::shape : Category::constraint);
+}
+
+}  // namespace
+
+Scene::Data::Data() {
+  nodes.push_back(std::make_unique<Node>());
+  nodes[kWorld]->id = kWorld;
+  nodes[kWorld]->type = &types.emplace_back(NodeType{"world", Category::other, NameSet::other, {}, nullptr});
+}
+
+NodeType& Scene::Data::type(std::string_view name) {
+  const auto found = types_by_name.find(name);
+  if (found != types_by_name.end()) return *found->second;
+  const Category category = category_of(name);
+  NodeType& fresh = types.emplace_back(NodeType{std::string(name), category, name_set_of(name, category), {}, nullptr});
+  fresh.next = &fresh;
+  types_by_name.emplace(fresh.name, &fresh);
+  return fresh;
+}
+
+NodeType& Scene::Data::variant(NodeType& type, Category category) {
+  NodeType* t = &type;
+  for (;; t = t->next) {
+    if (t->category == category) return *t;
+    if (t->next == &type) break;
+  }
+  NodeType& fresh = types.emplace_back(NodeType{type.name, category, name_set_of(type.name, category), {}, &type});
+  return *(t->next = &fresh);
+}
+
+NodeId Scene::create_node(std::string_view type_name, std::string_view name, NodeId parent) {
+  Data& d = *data_;
+  if (type_name.empty()) throw host::Error("A node needs a type.", host::ErrorKind::value);
+  if (parent != kWorld && !d.at(parent).channels)
+    throw host::Error("'" + d.unique_name(d.at(parent)) + "' cannot have children.");
+  NodeType& type = type_under(d, type_name, name, parent);
+  if (type.category > Category::shape) parent = kWorld;
+  std::string shape_name(name);
+  if (type.category == Category::shape && parent == kWorld) {
+    const std::string transform = default_name(d, type);
+    parent = make(d, d.type("transform"), transform, kWorld).id;
+    if (name.empty()) shape_name = shape_name_for(d.text(d.at(parent)));
+  }
+  return (shape_name.empty() ? make_with_default_name(d, type, parent) : make(d, type, shape_name, parent)).id;
+}
+
+void Scene::register_shape_type(std::string_view name) {
+  // Nodes that were there before stay what they are: they hang in no DAG.
+  NodeType& known = data_->type(name);
+  if (known.category != Category::other) return;
+  data_->types_by_name[known.name] = &data_->variant(known, Category::shape);
+}
+
+bool Scene::is_registered_type(std::string_view name) const {
+  if (category_of(name) != Category::other) return true;
+  const auto found = data_->types_by_name.find(name);
+  return found != data_->types_by_name.end() && found->second->category == Category::shape;
+}
+
+void Scene::delete_node(NodeId id) {
+  Data& d = *data_;
+  d.at(id);
+  std::vector<NodeId> doomed;
+  collect(d, id, doomed);
+  for (const NodeId n : doomed)
+    if (d.find(n)->locked)
+      throw host::Error("Node '" + d.unique_name(*d.find(n)) + "' is locked and cannot be deleted.");
+  std::vector<NodeId> orphans;
+  for (auto n = doomed.rbegin(); n != doomed.rend(); ++n) remove(d, *n, orphans);
+  for (std::size_t i = 0; i < orphans.size(); ++i) {
+    const NodeId orphan = orphans[i];
+    if (d.find(orphan)) remove(d, orphan, orphans);
+  }
+}
+
+std::string Scene::rename(NodeId id, std::string_view name) {
+  Data& d = *data_;
+  Node& node = d.at(id);
+  if (node.locked) throw host::Error("Node '" + d.unique_name(node) + "' is locked and cannot be renamed.");
+  while (!name.empty() && name.front() == ':') name.remove_prefix(1);
+  if (name.empty()) throw host::Error("New name has no legal characters.");
+  const std::string wanted = legal_name(name);
+  const std::string before = d.text(node);
+  if (wanted != before) {
+    rename_to(d, node, wanted);
+    if (node.channels) rename_shape_along(d, node, before);
+    ++d.revision;
+  }
+  return d.unique_name(node);
+}
+
+void Scene::set_parent(NodeId id, NodeId parent) {
+  Data& d = *data_;
+  Node& node = d.at(id);
+  if (!d.is_dag(node)) throw host::Error("'" + d.unique_name(node) + "' cannot have a parent.");
+  if (node.locked) throw host::Error("Node '" + d.unique_name(node) + "' is locked and cannot be reparented.");
+  if (parent == node.parent) return;
+  if (parent == kWorld && !node.channels) throw host::Error("Shapes cannot be parented to the world.");
+  if (parent != kWorld) {
+    if (!d.at(parent).channels) throw host::Error("'" + d.unique_name(d.at(parent)) + "' cannot have children.");
+    if (is_below(d, parent, id)) throw host::Error("Cannot parent an object to itself or one of its children.");
+  }
+  const std::string name = d.text(node);
+  d.names.remove(node.parent, node.name, id);
+  detach(d, node);
+  node.parent = parent;
+  attach(d, node);
+  node.name = d.names.add(parent, d.names.free_name(parent, name), id);
+  d.structure_changed();
+}
+
+void Scene::lock_node(NodeId node, bool locked) { data_->at(node).locked = locked; }
+bool Scene::exists(NodeId node) const { return node != kWorld && data_->find(node) != nullptr; }
+const std::string& Scene::type(NodeId node) const { return data_->at(node).type->name; }
+bool Scene::is_transform(NodeId node) const { return data_->at(node).channels != nullptr; }
+bool Scene::is_shape(NodeId node) const { return data_->at(node).type->category == Category::shape; }
+NodeId Scene::parent(NodeId node) const { return data_->at(node).parent; }
+
+const std::vector<NodeId>& Scene::children(NodeId node) const {
+  Node& parent = node == kWorld ? *data_->nodes[kWorld] : data_->at(node);
+  data_->compact_children(parent);
+  return parent.children;
+}
+
+std::vector<NodeId> Scene::shapes(NodeId transform) const {
+  std::vector<NodeId> found;
+  for (const NodeId child : children(transform))
+    if (is_shape(child)) found.push_back(child);
+  return found;
+}
+
+std::vector<NodeId> Scene::nodes() const {
+  std::vector<NodeId> all;
+  for (NodeId id = kWorld + 1; id < data_->nodes.size(); ++id)
+    if (data_->nodes[id]) all.push_back(id);
+  return all;
+}
+
+std::vector<NodeId> Scene::nodes_of_type(std::string_view name) const {
+  std::vector<NodeId> found;
+  const auto at = data_->types_by_name.find(name);
+  if (at == data_->types_by_name.end()) return found;
+  NodeType* type = at->second;
+  do {
+    std::erase_if(type->nodes, [&](NodeId id) { return data_->find(id) == nullptr; });
+    found.insert(found.end(), type->nodes.begin(), type->nodes.end());
+    type = type->next;
+  } while (type != at->second);
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,83 @@
+#include "standalone/scene/time_cache.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+std::size_t scattered(std::uint64_t bits) {
+  bits ^= bits >> 32;
+  bits *= 0x9e3779b97f4a7c15u;
+  return static_cast<std::size_t>(bits >> 24);
+}
+
+}  // namespace
+
+void TimeCache::clear() {
+  ++epoch_;
+  used_ = missing_ = found_ = 0;
+}
+
+TimeCache::Slot TimeCache::look_up(std::uint64_t bits) {
+  if (2 * times_.size() >= table_.size()) grow();
+  const std::size_t mask = table_.size() - 1;
+  std::size_t at = scattered(bits) & mask;
+  while (table_[at] != kNone && times_[table_[at]] != bits) at = (at + 1) & mask;
+  Slot slot = table_[at];
+  if (slot == kNone) {
+    if (times_.size() == kMostTimes) {
+      note_missing();
+      return kNone;
+    }
+    slot = table_[at] = static_cast<Slot>(times_.size());
+    times_.push_back(bits);
+    following_.push_back(0);
+  }
+  if (last_ < following_.size()) following_[last_] = slot;
+  return last_ = slot;
+}
+
+void TimeCache::grow() {
+  table_.assign(table_.empty() ? 64 : 2 * table_.size(), kNone);
+  for (std::size_t i = 0; i < times_.size(); ++i) {
+    std::size_t at = scattered(times_[i]) & (table_.size() - 1);
+    while (table_[at] != kNone) at = (at + 1) & (table_.size() - 1);
+    table_[at] = static_cast<Slot>(i);
+  }
+}
+
+Affine* TimeCache::place(CachedMatrices& node, Slot slot) {
+  if (node.epoch != epoch_) {
+    node.epoch = epoch_;
+    node.chunks.clear();
+  }
+  const std::size_t chunk = slot / MatrixChunk::kSlots;
+  if (node.chunks.size() <= chunk) node.chunks.resize(chunk + 1);
+  MatrixChunk*& place = node.chunks[chunk];
+  if (place == nullptr) {
+    if (used_ == kMostChunks) {
+      note_missing();
+      return nullptr;
+    }
+    if (used_ == chunks_.size()) chunks_.push_back(std::make_unique<MatrixChunk>());
+    place = chunks_[used_++].get();
+    place->valid = 0;
+  }
+  place->valid |= std::uint64_t{1} << (slot % MatrixChunk::kSlots);
+  return &place->matrices[slot % MatrixChunk::kSlots];
+}
+
+void TimeCache::note_missing() {
+  constexpr std::size_t kPatience = 1 << 16;
+  if (++missing_ == 1) found_ = 0;
+  useless_ = missing_ >= kPatience && missing_ >= 4 * found_;
+}
+
+void TimeCache::start_anew() {
+  clear();
+  times_.clear();
+  following_.clear();
+  table_.assign(table_.size(), kNone);
+  last_ = kNone;
+  useless_ = false;
+}
+
+}  // namespace vantorelix::standalone

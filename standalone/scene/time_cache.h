@@ -1,0 +1,79 @@
+// World matrices remembered by node and time, within a fixed amount of memory.
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "standalone/scene/matrix.h"
+
+namespace vantorelix::standalone {
+
+struct MatrixChunk {
+  static constexpr std::uint32_t kSlots = 64;
+  std::uint64_t valid = 0;  // a bit for each slot
+  std::array<Affine, kSlots> matrices;
+};
+
+// One node's share.
+struct CachedMatrices {
+  std::uint64_t epoch = 0;           // the contents count while this is the cache's
+  std::vector<MatrixChunk*> chunks;  // of the cache; null where nothing is yet
+};
+
+// Numbers the times that are asked for, and hands out the chunks. First come, first served; what finds no place is
+// computed every time. When all is full and what is asked is mostly not there, everything starts anew.
+class TimeCache {
+ public:
+  using Slot = std::uint32_t;
+  static constexpr Slot kNone = 0xffffffffu;        // no number left for this time
+  static constexpr std::size_t kMostChunks = 3900;  // of about 6 KB: 24 MB
+  static constexpr std::size_t kMostTimes = std::size_t{1} << 16;
+
+  // Every matrix is void; the memory stays.
+  void clear();
+  // Called at the start of a sample: matrices found before may be void after it.
+  Slot slot(double frame) {
+    const std::uint64_t bits = std::bit_cast<std::uint64_t>(frame);
+    if (useless_) start_anew();
+    // Objects are sampled one after another at the same times in the same order.
+    if (last_ < following_.size()) {
+      const Slot next = following_[last_];
+      if (times_[next] == bits) return last_ = next;
+    }
+    return look_up(bits);
+  }
+  // Null when it is not there.
+  const Affine* find(const CachedMatrices& node, Slot slot) {
+    const std::size_t chunk = slot / MatrixChunk::kSlots;
+    if (node.epoch == epoch_ && chunk < node.chunks.size() && node.chunks[chunk] != nullptr &&
+        (node.chunks[chunk]->valid >> (slot % MatrixChunk::kSlots) & 1) != 0) {
+      ++found_;
+      return &node.chunks[chunk]->matrices[slot % MatrixChunk::kSlots];
+    }
+    return nullptr;
+  }
+  // Where the matrix is to be written at once; null when there is no room.
+  Affine* place(CachedMatrices& node, Slot slot);
+
+ private:
+  Slot look_up(std::uint64_t bits);
+  void grow();
+  void note_missing();
+  void start_anew();
+
+  std::uint64_t epoch_ = 1;
+  std::vector<std::unique_ptr<MatrixChunk>> chunks_;
+  std::size_t used_ = 0;                 // of chunks_
+  std::size_t missing_ = 0, found_ = 0;  // misses count from when it was full
+  std::vector<std::uint64_t> times_;     // by slot: the bits of the time
+  std::vector<Slot> following_;          // by slot: what was asked after it last time
+  std::vector<Slot> table_;              // open addressing over the bits; kNone where empty; a power of two
+  Slot last_ = kNone;
+  bool useless_ = false;
+};
+
+}  // namespace vantorelix::standalone
