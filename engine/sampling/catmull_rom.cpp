@@ -10,9 +10,6 @@ namespace vantorelix {
 
 namespace {
 
-// A dense map of more samples than this would claim gigabytes for a few of them.
-constexpr std::int64_t kMostSamples = std::int64_t{1} << 27;
-
 // One component of a span as a polynomial in u, its terms summed in this order.
 struct Cubic {
   double constant, first, second, third;
