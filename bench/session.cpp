@@ -17,8 +17,6 @@ namespace vantorelix::bench {
 using standalone::Channel;
 using standalone::NodeId;
 
-double now() { return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count(); }
-
 namespace {
 
 standalone::HostOptions quiet_options(const double& skipped) {
