@@ -66,8 +66,8 @@ void segment_lengths(const Position* pos, std::size_t first, std::size_t last, d
   }
 }
 
-// The smoothed segment lengths of a whole trail, and their baseline.
-std::vector<double> smoothed_lengths(const std::vector<Position>& pos, kernel::Baseline& baseline) {
+// The smoothed segment lengths of a whole trail, and their baseline where one is wanted.
+std::vector<double> smoothed_lengths(const std::vector<Position>& pos, kernel::Baseline* baseline) {
   const std::size_t n = pos.size() - 1;
   std::vector<double> smoothed(n);
   std::array<double, kBlock + 2 * kWindow> lengths;
@@ -76,7 +76,7 @@ std::vector<double> smoothed_lengths(const std::vector<Position>& pos, kernel::B
     const std::size_t base = first - std::min(first, kWindow);
     segment_lengths(pos.data(), base, std::min(last + kWindow, n), lengths.data());
     kernel::smooth(lengths.data(), base, n, SpacingWindow{}, first, last, smoothed.data() + first);
-    baseline.add(smoothed.data() + first, last - first);
+    if (baseline) baseline->add(smoothed.data() + first, last - first);
   }
   return smoothed;
 }
@@ -84,19 +84,16 @@ std::vector<double> smoothed_lengths(const std::vector<Position>& pos, kernel::B
 // One colour a point from the parameters of the segments on its two sides; an end has one side only.
 std::vector<Colour> point_colours(const std::vector<double>& lengths, double scale) {
   const std::size_t n = lengths.size();
-  std::vector<Colour> colours;
-  colours.reserve(n + 1);
+  std::vector<Colour> colours(n + 1);
   std::array<double, kBlock + 1> t;  // t[0] is the last of the block before; the first segment stands in before itself
   kernel::parameters(lengths.data(), 1, scale, t.data());
-  std::array<Colour, kBlock> block;
   for (std::size_t first = 0; first < n; first += kBlock) {
     const std::size_t count = std::min(kBlock, n - first);
     kernel::parameters(lengths.data() + first, count, scale, t.data() + 1);
-    for (std::size_t i = 0; i < count; ++i) block[i] = ramp(0.5 * (t[i] + t[i + 1]));
-    colours.insert(colours.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(count));
+    for (std::size_t i = 0; i < count; ++i) colours[first + i] = ramp(0.5 * (t[i] + t[i + 1]));
     t[0] = t[count];
   }
-  colours.push_back(ramp(t[0]));
+  colours[n] = ramp(t[0]);
   return colours;
 }
 
@@ -109,7 +106,7 @@ std::pair<std::vector<Colour>, host::Value> _colors_from_positions(const std::ve
   if (pos.empty()) return {{}, _t_from_spacing({}, ref).second};
   if (pos.size() == 1) throw host::Error("list index out of range", host::ErrorKind::index);
   kernel::Baseline baseline;
-  const std::vector<double> lengths = smoothed_lengths(pos, baseline);
+  const std::vector<double> lengths = smoothed_lengths(pos, ref.is_none() ? &baseline : nullptr);
   const host::Value reference = ref.is_none() ? host::Value::list({baseline.mean()}) : ref;
   return {point_colours(lengths, _spacing_baseline(reference) * _SPACING_RED_MULT), reference};
 }

@@ -1,7 +1,7 @@
 #include "engine/sampling/catmull_rom.h"
 
 #include <algorithm>
-#include <array>
+#include <cstring>
 
 #include "engine/sampling/limits.h"
 #include "host/error.h"
@@ -9,6 +9,8 @@
 namespace vantorelix {
 
 namespace {
+
+[[noreturn]] void too_many() { throw host::Error("too many samples", host::ErrorKind::overflow); }
 
 // One component of a span as a polynomial in u, its terms summed in this order.
 struct Cubic {
@@ -36,17 +38,12 @@ struct Span {
   }
 };
 
-// Appends the positions strictly between indices i1 and i2, as far as they lie below `end`.
-void fill_gap(const Span& span, std::int64_t i1, std::int64_t i2, std::int64_t end, std::vector<Position>& out) {
+// out[j] for the indices j strictly between i1 and i2, as far as they lie below `end`.
+void fill_gap(const Span& span, std::int64_t i1, std::int64_t i2, std::int64_t end, Position* out) {
   const double length = static_cast<double>(i2 - i1);
-  std::array<Position, 256> block;
-  for (std::int64_t j = i1 + 1; j < std::min(i2, end);) {
-    const std::int64_t count = std::min<std::int64_t>(std::min(i2, end) - j, block.size());
-    for (std::int64_t b = 0; b < count; ++b)
-      block[static_cast<std::size_t>(b)] = span(static_cast<double>(j - i1 + b) / length);
-    out.insert(out.end(), block.begin(), block.begin() + count);
-    j += count;
-  }
+  // Counted in 32 bits, which a gap always fits: processors turn those into doubles several at a time.
+  const auto count = static_cast<std::int32_t>(std::min(i2, end) - i1);
+  for (std::int32_t b = 1; b < count; ++b) out[i1 + b] = span(static_cast<double>(b) / length);
 }
 
 }  // namespace
@@ -57,26 +54,31 @@ SampleMap::SampleMap(std::int64_t expected) {
 }
 
 void SampleMap::set(std::int64_t index, const Position& position) {
-  if (index < 0 || index >= kMostSamples) throw host::Error("too many samples", host::ErrorKind::overflow);
+  if (index < 0 || index >= kMostSamples) too_many();
   const auto at = static_cast<std::size_t>(index);
   if (at >= positions_.size()) {
     positions_.resize(at + 1);
-    present_.resize(at + 1, false);
+    present_.resize(at + 1, 0);
   }
   if (!present_[at]) ++count_;
-  present_[at] = true;
+  present_[at] = 1;
   positions_[at] = position;
 }
 
 bool SampleMap::contains(std::int64_t index) const {
-  return index >= 0 && static_cast<std::size_t>(index) < present_.size() && present_[static_cast<std::size_t>(index)];
+  return index >= 0 && static_cast<std::size_t>(index) < present_.size() &&
+         present_[static_cast<std::size_t>(index)] != 0;
 }
 
 std::vector<std::int64_t> SampleMap::indices() const {
   std::vector<std::int64_t> held;
   held.reserve(count_);
-  for (std::size_t i = 0; i < present_.size(); ++i)
-    if (present_[i]) held.push_back(static_cast<std::int64_t>(i));
+  const unsigned char* const begin = present_.data();
+  const unsigned char* const end = begin + present_.size();
+  for (const unsigned char* at = begin; held.size() < count_; ++at) {
+    at = static_cast<const unsigned char*>(std::memchr(at, 1, static_cast<std::size_t>(end - at)));
+    held.push_back(at - begin);
+  }
   return held;
 }
 
@@ -94,15 +96,15 @@ std::vector<Position> _smooth_fill(std::int64_t n_total, const SampleMap& sample
   const auto pt = [&](std::size_t k) -> const Position& { return sampled.at(idxs[k]); };
   const std::size_t last = idxs.size() - 1;
   const std::int64_t n = std::max<std::int64_t>(n_total, 0);
-  out.reserve(reservation(n));
-  out.insert(out.end(), static_cast<std::size_t>(std::min(idxs[0], n)), pt(0));
+  if (n > kMostSamples) too_many();
+  out.assign(static_cast<std::size_t>(n), pt(0));  // what lies before the first sample holds it
   for (std::size_t k = 0; k < last && idxs[k] < n; ++k) {
-    out.push_back(pt(k));
+    out[static_cast<std::size_t>(idxs[k])] = pt(k);
     if (idxs[k + 1] - idxs[k] < 2) continue;
-    fill_gap(Span(pt(k > 0 ? k - 1 : 0), pt(k), pt(k + 1), pt(std::min(k + 2, last))), idxs[k], idxs[k + 1], n, out);
+    fill_gap(Span(pt(k > 0 ? k - 1 : 0), pt(k), pt(k + 1), pt(std::min(k + 2, last))), idxs[k], idxs[k + 1], n,
+             out.data());
   }
-  if (static_cast<std::size_t>(n) > out.size())
-    out.insert(out.end(), static_cast<std::size_t>(n) - out.size(), pt(last));
+  if (idxs[last] < n) std::fill(out.begin() + idxs[last], out.end(), pt(last));
   return out;
 }
 

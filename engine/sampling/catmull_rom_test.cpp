@@ -133,6 +133,10 @@ TEST(SmoothFill, IsTheDefinitionBitForBit) {
   }
 }
 
+TEST(SmoothFill, RefusesAnAbsurdLengthInsteadOfClaimingItsMemory) {
+  EXPECT_THROW(_smooth_fill(std::int64_t{1} << 60, map_of({{0, A}, {1, B}})), host::Error);
+}
+
 TEST(SampleMap, RemembersWhatItHoldsInIndexOrder) {
   SampleMap map(10);
   map.set(9, A);
