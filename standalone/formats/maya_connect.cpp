@@ -91,8 +91,9 @@ bool MayaReader::can_move(NodeId destination, std::string_view attribute) const 
 void MayaReader::note_driver(NodeId source, NodeId destination) {
   const std::string& type = scene_.type(source);
   const bool constraint = type.ends_with("Constraint");
-  const bool followed = scene_.is_curve(source) || type == "unitConversion" || type == "pairBlend" ||
-                        (scene_.is_transform(source) && !constraint && type != "ikHandle");
+  const bool followed =
+      scene_.is_curve(source) || type == "unitConversion" || type == "pairBlend" ||
+      (scene_.is_transform(source) && scene_.is_registered_type(type) && !constraint && type != "ikHandle");
   if (followed && !scene_.is_curve(destination)) return;
   // A curve over anything but time is no curve over time.
   if (!driven_[type].insert(destination).second) return;

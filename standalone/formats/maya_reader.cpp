@@ -175,14 +175,9 @@ NodeId MayaReader::create(const std::string& type, const std::string& name, cons
   const NodeId above = parent.empty() ? kWorld : parent_named(parent, missing);
   const std::size_t depth = above < depth_.size() ? depth_[above] + 1u : 1u;
   if (depth > kMaxDepth) in_.fail("more than 2000 nodes inside each other; is this a Maya ASCII file?");
-  NodeId node = scene_.create_node(type, name, above);
-  if (!parent.empty() && !scene_.is_transform(node) && !scene_.is_shape(node)) {
-    // Only nodes of the DAG have parents, so this type is one of a plug-in's: by custom, shapes say so in their name.
-    scene_.delete_node(node);
-    const bool shape = name.find("Shape") != std::string::npos;
-    if (shape) scene_.register_shape_type(type);
-    node = scene_.create_node(shape ? type : "transform", name, above);
-    if (!shape) note("the node type " + shown(type) + " is not known and taken for a plain transform");
+  const NodeId node = scene_.create_node(type, name, above);
+  if (!scene_.is_registered_type(type) && scene_.is_transform(node)) {
+    note("the node type " + shown(type) + " is not known and placed like a plain transform");
   }
   if (depth_.size() <= node) depth_.resize(node + std::size_t{1}, 0);
   depth_[node] = static_cast<std::uint16_t>(depth);
