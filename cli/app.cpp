@@ -36,6 +36,16 @@ int usage_error(const std::string& text, const CLI::App& program) {
   return kUsage;
 }
 
+std::string what_is_wrong(const CLI::ParseError& error, const CLI::App& program, const std::vector<Command>& commands) {
+  if (!program.get_subcommands().empty() || error.get_exit_code() != static_cast<int>(CLI::ExitCodes::RequiredError))
+    return error.what();
+  std::string names;
+  for (const Command& command : commands) names += (names.empty() ? "" : ", ") + command.app->get_name();
+  const auto rest = program.remaining();
+  return (rest.empty() ? "no command was given" : "'" + rest.front() + "' is no command") +
+         std::string("; use one of ") + names;
+}
+
 int run_command(const Run& command, Terminal& terminal) {
   try {
     command(terminal);
@@ -75,7 +85,7 @@ int run(int argc, const char* const* argv) {
     program.exit(wanted);
     return kDone;
   } catch (const CLI::ParseError& error) {
-    return usage_error(error.what(), program);
+    return usage_error(what_is_wrong(error, program, commands), program);
   }
   catch_interrupts();
   Terminal terminal(common.color_use(), common.quiet);

@@ -54,6 +54,8 @@ TrailView read_trail(const Scene& scene, const Trail& trail) {
 
 }  // namespace
 
+std::string unit_text(const TrailReport& report) { return report.unit == kUnknownUnit ? "units" : report.unit; }
+
 TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, const std::string& file) {
   TrailReport report{
       file, scene.frames_per_second(), scene.playback_min(), scene.playback_max(), scene.linear_unit(), scene.up_axis(),

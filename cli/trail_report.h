@@ -29,6 +29,9 @@ struct TrailView {
   std::vector<std::string> warnings;
 };
 
+// What a scene says whose format knows no unit.
+inline constexpr const char* kUnknownUnit = "unknown";
+
 struct TrailReport {
   std::string scene;  // the file as it was named
   double fps = 0.0;
@@ -38,6 +41,9 @@ struct TrailReport {
   char up_axis = 'y';
   std::vector<TrailView> trails;
 };
+
+// The unit as texts name it: "units" where it is unknown.
+std::string unit_text(const TrailReport& report);
 
 TrailReport read_trails(const standalone::Scene& scene, const std::vector<Trail>& trails, const std::string& file);
 

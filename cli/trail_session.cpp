@@ -63,9 +63,9 @@ void TrailSession::check_size(std::size_t objects, const TrailSettings& settings
     throw Failure("the range " + number(scene().playback_min()) + " to " + number(scene().playback_max()) +
                   " holds no two samples; give a longer one with --range FIRST:LAST");
   if (samples * static_cast<double>(objects) > kMostSamples)
-    throw Failure(counted(objects, "trail") + " of " + readable(samples, 6) + " samples are more than " +
-                  readable(kMostSamples, 9) +
-                  " in all; shorten the range with --range, or choose fewer objects with --select");
+    throw Failure(counted(objects, "trail") + " of " + number(samples) +
+                  " samples are more than 100 million in all; shorten the range with --range, or choose fewer objects "
+                  "with --select");
 }
 
 std::vector<Trail> TrailSession::create(const std::vector<NodeId>& objects, const TrailSettings& settings,

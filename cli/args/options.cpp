@@ -100,6 +100,22 @@ std::vector<std::string> choices_of(const CLI::Option& option) {
   return words;
 }
 
+CLI::Option* add_whole(CLI::App& command, const std::string& name, std::optional<std::int64_t>& value,
+                       std::int64_t least, std::int64_t most, const std::string& description) {
+  return command.add_option(name, value, description)
+      ->type_name("N")
+      ->check(CLI::Validator(
+          [least, most](std::string& text) {
+            const auto number = parse_number(text);
+            const bool fits = number && *number == std::floor(*number) && *number >= static_cast<double>(least) &&
+                              *number <= static_cast<double>(most);
+            return fits ? std::string()
+                        : "'" + text + "' is no whole number from " + std::to_string(least) + " to " +
+                              std::to_string(most);
+          },
+          ""));
+}
+
 CLI::Option* add_repeated(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                           const std::string& description) {
   return command.add_option(name, values, description)

@@ -25,7 +25,7 @@ Examples:
 
 struct CurvesOptions {
   SceneOptions scene;
-  std::int64_t degree = 3;
+  std::optional<std::int64_t> degree = 3;
   std::optional<std::int64_t> samples_per_frame;
   std::vector<std::string> outputs;
 };
@@ -68,12 +68,12 @@ void run_curves(const CurvesOptions& options, Terminal& terminal) {
   TrailSettings settings;
   if (options.samples_per_frame) settings.samples_per_frame = *options.samples_per_frame;
   session.check_size(objects.size(), settings);
-  session.create(objects, settings, [&] { convert_to_nurbs(options.degree); });
+  session.create(objects, settings, [&] { convert_to_nurbs(*options.degree); });
 
   const auto curves = new_curves(session.scene(), known);
   if (curves.empty())
-    throw Failure("no trail has the " + std::to_string(options.degree + 1) + " samples that a curve of degree " +
-                  std::to_string(options.degree) + " needs; lower --degree or widen --range");
+    throw Failure("no trail has the " + std::to_string(*options.degree + 1) + " samples that a curve of degree " +
+                  std::to_string(*options.degree) + " needs; lower --degree or widen --range");
   write_all(options, curves, session.scene(), terminal);
 }
 
@@ -84,15 +84,12 @@ Command add_curves(CLI::App& program) {
   const auto options = std::make_shared<CurvesOptions>();
   add_scene_argument(command, options->scene);
   add_selection_options(command, options->scene);
-  command.add_option("--degree", options->degree, "Degree of the curves, 1 to 7 (default: 3)")
-      ->type_name("D")
-      ->check(CLI::Range(std::int64_t{1}, std::int64_t{7}).description(""));
-  command.add_option("--samples-per-frame", options->samples_per_frame, "Control vertices a frame, at least 1")
-      ->type_name("N")
-      ->check(CLI::Range(std::int64_t{1}, std::int64_t{1'000'000'000}).description(""));
+  add_whole(command, "--degree", options->degree, 1, 7, "Degree of the curves, 1 to 7 (default: 3)");
+  add_whole(command, "--samples-per-frame", options->samples_per_frame, 1, 1\'000\'000\'000, "Control vertices a frame, at least 1");
   add_repeated(command, "--out", options->outputs, "Write .ma or .csv; may be repeated")->type_name("FILE")->required();
   command.footer(kFooter);
-  return {&command, [options](Terminal& terminal) { run_curves(*options, terminal); }};
+  return {&command, [options](Terminal& terminal) {
+    run_curves(*options, terminal); }};
 }
 
 }  // namespace vantorelix::cli

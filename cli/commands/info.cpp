@@ -127,7 +127,7 @@ void print_text(const SceneInfo& info, bool all) {
   std::printf("%s", overview(info).c_str());
   if (!shown.empty()) std::printf("\n%s", object_table(shown).c_str());
   if (shown.size() < info.objects.size())
-    std::printf("%s and %s; --all lists them\n", shown.empty() ? "\nnothing moves," : "\nbesides",
+    std::printf("%s %s; --all lists them\n", shown.empty() ? "\nnothing moves:" : "\nbesides,",
                 counted(info.objects.size() - shown.size(), "still object").c_str());
 }
 

@@ -116,7 +116,9 @@ void run(const LiveOptions& options, Terminal& terminal) {
     out.commit();
   }
   if (report.wrong != 0)
-    throw Failure("the trails are not what the scene has; please report this with the scene and its edits");
+    throw Failure(
+        "the trails are not what the scene has; edits made while a file is read or written are not followed, anything "
+        "else please report with the scene and its edits");
 }
 
 }  // namespace
@@ -126,13 +128,12 @@ Command add_live(CLI::App& program) {
   const auto options = std::make_shared<LiveOptions>();
   add_scene_argument(command, options->scene);
   add_selection_options(command, options->scene);
-  command.add_option("--samples-per-frame", options->samples_per_frame, "Samples a frame, at least 1")
-      ->type_name("N")
-      ->check(CLI::Range(std::int64_t{1}, std::int64_t{1'000'000'000}).description(""));
+  add_whole(command, "--samples-per-frame", options->samples_per_frame, 1, 1\'000\'000\'000, "Samples a frame, at least 1");
   command.add_option("--edits", options->edits, "JSON file of timed edits, see below")->type_name("FILE")->required();
   command.add_option("--report", options->report, "Write the figures as .json too")->type_name("FILE");
   command.footer(kFooter);
-  return {&command, [options](Terminal& terminal) { run(*options, terminal); }};
+  return {&command, [options](Terminal& terminal) {
+    run(*options, terminal); }};
 }
 
 }  // namespace vantorelix::cli

@@ -7,6 +7,7 @@
 #include "cli/failure.h"
 #include "cli/output/curve_writers.h"
 #include "cli/output/text.h"
+#include "cli/trail_report.h"
 
 namespace vantorelix::cli {
 
@@ -28,7 +29,9 @@ std::string time_unit(double fps) {
 }
 
 void write_header(OutputFile& out, const standalone::Scene& scene) {
-  out << "//Maya ASCII 2018 scene\n//Codeset: UTF-8\nrequires maya \"2018\";\ncurrentUnit -l " << scene.linear_unit()
+  // A scene that does not tell its unit becomes one in the format's own.
+  const std::string length = scene.linear_unit() == kUnknownUnit ? "cm" : scene.linear_unit();
+  out << "//Maya ASCII 2018 scene\n//Codeset: UTF-8\nrequires maya \"2018\";\ncurrentUnit -l " << length
       << " -a degree";
   const std::string unit = time_unit(scene.frames_per_second());
   if (!unit.empty()) out << " -t " << unit;

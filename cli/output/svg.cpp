@@ -108,10 +108,10 @@ std::vector<std::string> notes(const Sheet& sheet, const TrailReport& report, do
   std::vector<std::string> result;
   const std::string up(1, report.up_axis);
   if (ruled_step > 0.0)
-    result.push_back("lines every " + readable(ruled_step, 6) + " " + report.unit);
+    result.push_back("lines every " + readable(ruled_step, 6) + " " + unit_text(report));
   else
-    result.push_back("ground squares of " + readable(sheet.ground.step, 6) + " " + report.unit + ", at " + up + " = " +
-                     readable(sheet.ground.height, 6));
+    result.push_back("ground squares of " + readable(sheet.ground.step, 6) + " " + unit_text(report) + ", at " + up +
+                     " = " + readable(sheet.ground.height, 6));
   const bool dots =
       std::any_of(report.trails.begin(), report.trails.end(), [](const TrailView& t) { return t.show_dots; });
   if (dots && sheet.stride > 1) result.push_back("a dot every " + std::to_string(sheet.stride) + " samples");

@@ -35,7 +35,8 @@ struct Candidate {
   int rank;  // smaller comes first
 };
 
-void add_candidates(const DrawnTrail& drawn, std::vector<Candidate>& candidates) {
+// `ends_only`: of a trail with many keys.
+void add_candidates(const DrawnTrail& drawn, bool ends_only, std::vector<Candidate>& candidates) {
   const TrailView& trail = drawn.trail();
   const std::size_t n = std::min(trail.key_times.size(), trail.key_points->size());
   const bool many = n > kManyKeys;
@@ -45,7 +46,7 @@ void add_candidates(const DrawnTrail& drawn, std::vector<Candidate>& candidates)
     const double time = trail.key_times[k];
     if (!is_finite(position)) continue;
     const bool end = k == 0 || k + 1 == n;
-    if (many && !end && std::abs(time - step * std::round(time / step)) > 1e-9 * step) continue;
+    if (many && !end && (ends_only || std::abs(time - step * std::round(time / step)) > 1e-9 * step)) continue;
     const host::Vector color = k < trail.key_colors->size() ? (*trail.key_colors)[k] : host::Vector{1, 1, 1};
     candidates.push_back({{drawn.place(position), time, position, hex_color(color)}, end ? -1 : roundness(time)});
   }
@@ -117,7 +118,7 @@ bool draw_label(OutputFile& out, Occupancy& occupancy, const Point2& at, const s
 std::vector<KeyMark> choose_keys(const std::vector<DrawnTrail>& trails, Occupancy& occupancy) {
   std::vector<Candidate> candidates;
   for (const DrawnTrail& drawn : trails)
-    if (!drawn.trail().key_times.empty()) add_candidates(drawn, candidates);
+    if (!drawn.trail().key_times.empty()) add_candidates(drawn, trails.size() > kFewTrails, candidates);
   std::stable_sort(candidates.begin(), candidates.end(),
                    [](const Candidate& a, const Candidate& b) { return a.rank < b.rank; });
   std::vector<KeyMark> marks;

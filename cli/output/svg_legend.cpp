@@ -88,13 +88,10 @@ bool has_keys(const TrailReport& report) {
                      [](const TrailView& trail) { return !trail.key_times.empty(); });
 }
 
-std::string shortened(const std::string& text, std::size_t most) {
-  if (width(text) <= most) return text;
-  std::size_t cut = 0;
-  for (std::size_t n = 0; cut < text.size() && n < most - 1; ++n) do
-      ++cut;
-    while (cut < text.size() && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80);
-  return text.substr(0, cut) + "\u2026";
+// The path where it fits, else the name alone.
+std::string row_name(const TrailView& trail) {
+  const std::string path = width(trail.source) <= 36 ? trail.source : "\u2026|" + trail.name;
+  return trail.warnings.empty() ? path : path + " \u26a0";
 }
 
 // Name, keys, length, speeds of the first few trails.
@@ -103,16 +100,15 @@ void draw_measures(OutputFile& out, const TrailReport& report, double right, dou
   const double name = right - 620.0;
   draw_text(out, name, y, "ink", counted(report.trails.size(), "trail"));
   draw_text(out, keys, y, "soft small", "keys", "end");
-  draw_text(out, length, y, "soft small", "length, " + report.unit, "end");
-  draw_text(out, mean, y, "soft small", "mean " + report.unit + "/s", "end");
-  draw_text(out, fastest, y, "soft small", "fastest " + report.unit + "/s", "end");
+  draw_text(out, length, y, "soft small", "length, " + unit_text(report), "end");
+  draw_text(out, mean, y, "soft small", "mean " + unit_text(report) + "/s", "end");
+  draw_text(out, fastest, y, "soft small", "fastest " + unit_text(report) + "/s", "end");
   const std::size_t rows = report.trails.size() <= kMostRows ? report.trails.size() : kMostRows - 1;
   for (std::size_t i = 0; i < rows; ++i) {
     const TrailView& trail = report.trails[i];
     const TrailMeasure m = measure(trail, report.fps);
     const double at = y + kHead + kRow * static_cast<double>(i);
-    draw_text(out, name, at, trail.warnings.empty() ? "soft" : "warn",
-              shortened(valid_utf8(trail.source), 34) + (trail.warnings.empty() ? "" : " \u26a0"));
+    draw_text(out, name, at, trail.warnings.empty() ? "soft" : "warn", row_name(trail));
     draw_text(out, keys, at, "soft", std::to_string(trail.key_times.size()), "end");
     draw_text(out, length, at, "soft", readable(m.length), "end");
     draw_text(out, mean, at, "soft", readable(m.mean), "end");

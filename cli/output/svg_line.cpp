@@ -11,10 +11,11 @@ using host::Vector;
 
 namespace {
 
-// Steps of a colour channel that the eye tells apart in a thin line.
-constexpr int kColorLevels = 51;
-
 enum Mode { kStandard = 0, kSpacing = 1, kFlow = 2, kBeats = 3 };
+
+// Steps of a colour channel. Speeds change from sample to sample: coarser than the eye can tell apart in a thin line,
+// so that neighbours share a path.
+int color_levels(const TrailView& trail) { return trail.color_mode == kSpacing ? 51 : 255; }
 
 }  // namespace
 
@@ -118,7 +119,7 @@ void DrawnTrail::draw_line(OutputFile& out, double tolerance) const {
       finish();
       color.clear();
     } else {
-      const std::string next = hex_color(segment_color(from, to), kColorLevels);
+      const std::string next = hex_color(segment_color(from, to), color_levels(trail_));
       if (next != color) {
         finish();
         path.move(last);
@@ -143,7 +144,7 @@ void DrawnTrail::draw_dots(OutputFile& out, std::size_t stride) const {
   for (std::size_t i = 0; i < points.size(); i += stride) {
     if (!is_finite(points[i]) || i >= colors_->size()) continue;
     const Point2 p = project_(points[i]);
-    const std::string next = hex_color((*colors_)[i], kColorLevels);
+    const std::string next = hex_color((*colors_)[i], color_levels(trail_));
     if (next != color) finish();
     color = next;
     halo.dot(p);

@@ -15,8 +15,9 @@ std::string trail_table(const TrailReport& report) {
                     readable(m.length), readable(m.slowest), readable(m.mean), readable(m.fastest),
                     trail.warnings.empty() ? "" : "! not exact"});
   }
-  return columns(rows, {false, true, false, true, true, true, true, true, false}) + "\nlengths in " + report.unit +
-         ", speeds in " + report.unit + " a second, " + number(report.fps) + " frames a second\n";
+  return columns(rows, {false, true, false, true, true, true, true, true, false}) + "\nlengths in " +
+         unit_text(report) + ", speeds in " + unit_text(report) + " a second, " + readable(report.fps, 6) +
+         " frames a second\n";
 }
 
 }  // namespace vantorelix::cli

@@ -1,0 +1,167 @@
+// What the writers promise about the files of others, on data that no scene file holds.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <nlohmann/json.hpp>
+
+#include "cli/args/options.h"
+#include "cli/failure.h"
+#include "cli/output/curve_writers.h"
+#include "cli/output/svg.h"
+#include "cli/output/svg_path.h"
+#include "cli/output/text.h"
+#include "cli/output/writers.h"
+#include "standalone/formats/reader.h"
+
+namespace vantorelix::cli {
+namespace {
+
+using host::Vector;
+using host::Vectors;
+
+class WritersTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    folder_ = std::filesystem::temp_directory_path() /
+              ("vantorelix_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+    std::filesystem::remove_all(folder_);
+    std::filesystem::create_directory(folder_);
+  }
+  void TearDown() override { std::filesystem::remove_all(folder_); }
+
+  std::string read(const std::string& name) const {
+    std::ifstream stream(folder_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+  std::size_t file_count() const {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder_), {}));
+  }
+
+  std::filesystem::path folder_;
+};
+
+Vectors shared(std::vector<Vector> values) { return std::make_shared<const std::vector<Vector>>(std::move(values)); }
+
+TrailReport report_of(std::vector<Vector> points) {
+  TrailView trail;
+  trail.viz = "vlx_a_viz";
+  trail.source = "|a,\"b\"";
+  trail.name = "caf\xE9";
+  trail.line_width = 2.5;
+  trail.point_size = 6.0;
+  trail.colors = shared(std::vector<Vector>(points.size(), Vector{0, 1, 0}));
+  trail.points = shared(std::move(points));
+  trail.key_points = trail.key_colors = shared({});
+  TrailReport report{"a.ma", 24.0, 0.0, static_cast<double>(trail.points->size() - 1), "cm", 'y', {}};
+  report.trails.push_back(trail);
+  return report;
+}
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+TEST_F(WritersTest, NumbersReadBackToTheSameDouble) {
+  for (const double value : {0.1, 1.0 / 3.0, 5e-324, 1.7976931348623157e308, 12345678.9, 1e16})
+    EXPECT_EQ(std::stod(number(value)), value);
+  EXPECT_EQ(number(-0.0), "-0.0");
+}
+
+TEST_F(WritersTest, JsonHoldsNullForWhatIsNotFiniteAndReplacesBytesThatAreNoUtf8) {
+  OutputFile out(folder_ / "a.json");
+  write_json(out, report_of({{0, kNan, 0.1}, {1, 2, std::numeric_limits<double>::infinity()}}));
+  out.commit();
+  const auto document = nlohmann::json::parse(read("a.json"));
+  const auto& trail = document["trails"][0];
+  EXPECT_TRUE(trail["points"][0][1].is_null());
+  EXPECT_TRUE(trail["points"][1][2].is_null());
+  EXPECT_EQ(trail["points"][0][2].get<double>(), 0.1);
+  EXPECT_EQ(trail["name"].get<std::string>(), "caf\xEF\xBF\xBD");
+  EXPECT_EQ(trail["source"].get<std::string>(), "|a,\"b\"");
+}
+
+TEST_F(WritersTest, CsvQuotesNamesAndLeavesOutWhatIsNotFinite) {
+  OutputFile out(folder_ / "a.csv");
+  write_csv(out, report_of({{0, kNan, 0.5}, {1, 2, 3}}));
+  out.commit();
+  EXPECT_EQ(read("a.csv"),
+            "source,sample,frame,x,y,z,r,g,b\n\"|a,\"\"b\"\"\",0,0,0,,0.5,0,1,0\n\"|a,\"\"b\"\"\",1,1,1,2,3,0,1,0\n");
+}
+
+TEST_F(WritersTest, AFileAppearsOnlyWhenItIsCommitted) {
+  {
+    OutputFile out(folder_ / "a.csv");
+    out << "half";
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "a.csv"));
+  }
+  EXPECT_EQ(file_count(), 0u);
+  OutputFile out(folder_ / "a.csv");
+  out << "whole";
+  out.commit();
+  EXPECT_EQ(read("a.csv"), "whole");
+  EXPECT_EQ(file_count(), 1u);
+}
+
+TEST_F(WritersTest, APictureOfAMillionSamplesStaysSmall) {
+  std::vector<Vector> points;
+  for (int i = 0; i < 1'000'000; ++i)
+    points.push_back({std::sin(i * 0.7) * i, std::cos(i * 1.3) * i, std::sin(i * 0.11) * i});
+  OutputFile out(folder_ / "a.svg");
+  write_svg(out, report_of(std::move(points)), {});
+  out.commit();
+  EXPECT_LT(std::filesystem::file_size(folder_ / "a.svg"), 3'000'000u);
+  EXPECT_THAT(read("a.svg"), testing::HasSubstr("lines thinned"));
+}
+
+TEST_F(WritersTest, APictureOfNothingFiniteIsStillAPicture) {
+  OutputFile out(folder_ / "a.svg");
+  write_svg(out, report_of({{kNan, 0, 0}, {kNan, 0, 0}}), {});
+  out.commit();
+  EXPECT_THAT(read("a.svg"), testing::AllOf(testing::HasSubstr("</svg>"), testing::Not(testing::HasSubstr("nan"))));
+}
+
+TEST_F(WritersTest, PathDataMovesBetweenRoundedPlacesSoThatRoundingDoesNotAddUp) {
+  PathData path;
+  path.move({0.0, 0.0});
+  for (int i = 1; i <= 10; ++i) path.line({i * 0.04, 0.0});
+  // 0.4 in all; each step alone would round to nothing.
+  EXPECT_EQ(path.text(), "M0 0l0 0 .1 0 0 0 .1 0 0 0 0 0 .1 0 0 0 .1 0 0 0");
+}
+
+TEST_F(WritersTest, OurReaderReadsBackTheCurvesThatWeWrite) {
+  const std::vector<Vector> points = {{0.1, 0.2, 1.0 / 3.0}, {-1e-9, 2, 3}, {4, 5e12, 6}, {7, 8, 9}, {1, 1, 1}};
+  for (const int degree : {1, 3}) {
+    OutputFile out(folder_ / "c.ma");
+    standalone::Scene scene;
+    scene.set_frames_per_second(25.0);
+    write_maya_ascii(out, {{"crv", "crvShape", degree, &points}}, scene);
+    out.commit();
+    const standalone::Scene back = standalone::read_scene(folder_ / "c.ma");
+    const standalone::NodeId shape = back.require("crvShape");
+    EXPECT_EQ(back.curve_degree(shape), degree);
+    EXPECT_EQ(back.curve_points(shape), points);
+    EXPECT_EQ(back.frames_per_second(), 25.0);
+    EXPECT_TRUE(back.warnings().empty());
+  }
+}
+
+TEST_F(WritersTest, KnotsAreOpenAndUniform) {
+  EXPECT_EQ(open_uniform_knots(4, 3), (std::vector<double>{0, 0, 0, 1, 1, 1}));
+  EXPECT_EQ(open_uniform_knots(6, 3), (std::vector<double>{0, 0, 0, 1, 2, 3, 3, 3}));
+  EXPECT_EQ(open_uniform_knots(3, 1), (std::vector<double>{0, 1, 2}));
+}
+
+TEST_F(WritersTest, ARangeIsTwoNumbersInOrder) {
+  const auto range = parse_range("-1.5:+20");
+  ASSERT_TRUE(range);
+  EXPECT_EQ(range->first, -1.5);
+  EXPECT_EQ(range->last, 20.0);
+  for (const char* wrong : {"", ":", "1:", ":2", "2:1", "1:1", "1:2:3", "a:b", "nan:1", "0:inf", "1 :2"})
+    EXPECT_FALSE(parse_range(wrong)) << wrong;
+}
+
+}  // namespace
+}  // namespace vantorelix::cli

@@ -1,0 +1,10 @@
+import csv
+
+text = open("line.csv", newline="").read()
+assert text.startswith("source,sample,frame,x,y,z,r,g,b\n"), text
+rows = list(csv.DictReader(text.splitlines()))
+want = [("|ball", i, 2 + i, 4 + 2 * i) for i in range(3)] + [("|rest", i, 2 + i, 0) for i in range(3)]
+assert [(r["source"], int(r["sample"]), float(r["frame"]), float(r["x"])) for r in rows] == want, rows
+assert all(float(r["y"]) == 0 == float(r["z"]) for r in rows)
+# What rests is blue.
+assert all((float(r["r"]), float(r["g"]), float(r["b"])) == (0, 0, 1) for r in rows[3:]), rows

@@ -1,0 +1,24 @@
+import json
+
+pairs = json.load(open("line.json"), object_pairs_hook=list)
+assert [key for key, _ in pairs] == ["scene", "fps", "range", "unit", "up_axis", "trails"], pairs
+scene = dict(pairs)
+assert (scene["scene"], scene["fps"], scene["range"], scene["unit"], scene["up_axis"]) == ("line.ma", 24, [0, 8], "cm", "y")
+assert len(scene["trails"]) == 1
+assert [key for key, _ in scene["trails"][0]] == [
+    "viz", "source", "name", "node", "samples_per_frame", "color_mode", "start_frame", "frame_step", "points",
+    "colors", "key_times", "key_points", "key_colors", "warnings"]
+trail = dict(scene["trails"][0])
+assert (trail["viz"], trail["source"], trail["name"], trail["node"]) == ("vlx_ball_viz", "|ball", "ball", None)
+assert (trail["samples_per_frame"], trail["color_mode"]) == (2, 1)
+assert (trail["start_frame"], trail["frame_step"]) == (0, 0.5)
+# Two units a frame, two samples a frame: a unit a sample, 8 * 2 + 1 of them.
+assert trail["points"] == [[i, 0, 0] for i in range(17)], trail["points"]
+# The usual speed lies at 1 / 2.5 = 0.4 of the ramp, 60 % of the way from cyan at 0.25 to green at 0.5.
+assert len(trail["colors"]) == 17
+for color in trail["colors"]:
+    assert all(abs(a - b) < 1e-12 for a, b in zip(color, [0, 1, 0.4])), color
+assert trail["key_times"] == [0, 8]
+assert trail["key_points"] == [[0, 0, 0], [16, 0, 0]]
+assert trail["key_colors"] == [[1, 1, 1], [1, 1, 1]]
+assert trail["warnings"] == []
