@@ -38,6 +38,8 @@ class ContractHost {
   virtual host::Value attribute(const std::string& shape, const std::string& attribute) = 0;
   virtual std::size_t callback_count() = 0;
   virtual std::vector<std::string> warnings() = 0;
+  // What the host calls the transform that it puts above the viz shape of `viz`: the one choice left to it.
+  virtual std::string fresh_transform(const std::string& viz) const = 0;
 };
 
 // A host whose plug-in is still to be loaded lies in `module_file` and has its user's folder in `user_app_dir`.
@@ -89,6 +91,7 @@ class FakeContractHost : public ContractHost {
   }
   std::size_t callback_count() override { return fake_.subscriptions.size(); }
   std::vector<std::string> warnings() override { return fake_.warnings; }
+  std::string fresh_transform(const std::string& viz) const override { return viz; }
 
  private:
   support::FakeHost fake_;
@@ -141,6 +144,7 @@ class StandaloneContractHost : public ContractHost {
   }
   std::size_t callback_count() override { return host_.callback_count(); }
   std::vector<std::string> warnings() override { return warnings_; }
+  std::string fresh_transform(const std::string&) const override { return "vantorelix1"; }
 
  private:
   standalone::HostOptions options(const Placement* unloaded) {

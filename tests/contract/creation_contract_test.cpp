@@ -26,10 +26,11 @@ class CreationContract : public ContractTest {
     return evaluation("1.0") + evaluation("5.0") + kClockRead + evaluation("3.0") + kClockRead + evaluation("2.0") +
            kClockRead + evaluation("4.0") + kClockRead;
   }
-  static Lines viz_node(const std::string& name) {
+  Lines viz_node(const std::string& name) const {
     return {"cmds.createNode('vantorelix', name='" + name + "Shape')",
             "cmds.listRelatives('" + name + "Shape', parent=True, fullPath=True)",
-            "cmds.rename('|" + name + "', '" + name + "')", "cmds.parent('" + name + "', 'vantorelixs_grp')"};
+            "cmds.rename('|" + host->fresh_transform(name) + "', '" + name + "')",
+            "cmds.parent('" + name + "', 'vantorelixs_grp')"};
   }
   static Lines display(const std::string& viz, const std::string& shape) {
     return shapes_of(viz) + set_attribute(shape, "lineWidth", "2.5") + set_attribute(shape, "pointSize", "6.0") +
@@ -43,7 +44,7 @@ class CreationContract : public ContractTest {
             "oma.MAnimMessage.addAnimKeyframeEditedCallback(_on_anim_edit)",
             "om.MDGMessage.addNodeRemovedCallback(_on_anim_edit, 'animCurve')"};
   }
-  static Lines ball_trail() {
+  Lines ball_trail() const {
     return fast_sampler("|rig|ball") + coverage_first_samples() + kClockRead + key_times("|rig|ball") +
            evaluation("1.0") + evaluation("5.0") + viz_node("vlx_ball_viz") + push("vlx_ball_viz", kBallShape, 5, 2) +
            display("vlx_ball_viz", kBallShape);
