@@ -57,6 +57,7 @@ TEST(Normalised, DropsDotsAndDoubledSeparators) {
 
 TEST(Normalised, KeepsClimbingOnlyWhereNothingStandsBeforeIt) {
   EXPECT_EQ(normalised("../a", kPosix), "../a");
+  EXPECT_EQ(normalised("../../a", kPosix), "../../a");
   EXPECT_EQ(normalised("a/../..", kPosix), "..");
   EXPECT_EQ(normalised("/..", kPosix), "/");
   EXPECT_EQ(normalised("C:\\..", kWindows), "C:\\");

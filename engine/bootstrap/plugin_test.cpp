@@ -125,7 +125,8 @@ TEST_F(PluginTest, ASourceNewerByASecondReplacesTheCopyAndAnOlderOneDoesNot) {
 
 TEST_F(PluginTest, ASourceInTheUserFolderUnderAnotherLetterCaseIsUsedAsGiven) {
   const std::string copy = stage_by_hand("staged");
-  const std::string shouted = user_folder + "/VANTORELIX_plugin.py";
+  const std::string shouted = temp.write("user/2024/plug-ins/VANTORELIX_plugin.py", "staged");
+  set_age(shouted, std::chrono::seconds(-10));  // newer than the copy, were it another file
   EXPECT_EQ(_stage_plugin_in_safe_dir(shouted), shouted);
   EXPECT_EQ(_stage_plugin_in_safe_dir(copy), copy);
   EXPECT_EQ(staged(), "staged");
@@ -282,8 +283,8 @@ TEST_F(PluginTest, AnEmptyUserFolderGetsTheShippedPluginAndTheFirstCandidateLoad
 }
 
 TEST_F(PluginTest, OnlyTheFirstShippedSourceIsStaged) {
-  ship_plugin();
-  temp.write("suite/modules/" + kFile, "from modules");
+  set_age(ship_plugin(), std::chrono::seconds(20));
+  set_age(temp.write("suite/modules/" + kFile, "from modules"), std::chrono::seconds(10));
   loading_works_for(kFile);
   EXPECT_TRUE(_ensure_plugin());
   EXPECT_EQ(staged(), "shipped");

@@ -230,6 +230,15 @@ TEST_F(TriggersTest, TheFirstReferenceIsKeptForGood) {
   EXPECT_EQ(pushed(fake, "ball", "colors")->front(), (Colour{1, 0, 0}));
 }
 
+TEST_F(TriggersTest, AReferenceIsKeptOnlyWhereThereIsNoneAndItHoldsSomething) {
+  _keep_first_ref(*ball, host::Value::list({}));
+  EXPECT_TRUE(ball->get("ref").is_none());
+  _keep_first_ref(*ball, host::Value::list({0.0}));
+  EXPECT_EQ(ball->get("ref"), host::Value::list({0.0}));
+  _keep_first_ref(*ball, host::Value::list({2.0}));
+  EXPECT_EQ(ball->get("ref"), host::Value::list({0.0}));
+}
+
 TEST_F(TriggersTest, AReferenceThatWasDeletedIsMadeAgain) {
   ball->erase("ref");
   _rebuild_one("vlx_ball_viz", ball);

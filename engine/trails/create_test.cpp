@@ -245,6 +245,14 @@ TEST_F(CreateTest, AnObjectWithFewerThanTwoSamplesIsSkippedSilently) {
   EXPECT_EQ(recorder.count("cmds.createNode("), 0u);
 }
 
+TEST_F(CreateTest, AnObjectThatIsSkippedHasLostItsFormerTrail) {
+  create_trail();
+  fake.range_last = 1.0;
+  create_trail();
+  EXPECT_TRUE(_REGISTRY.empty());
+  EXPECT_THAT(fake.ls_type("vantorelix"), IsEmpty());
+}
+
 TEST_F(CreateTest, WithoutAFastSamplerTheSlowRoadOfEachObjectIsTaken) {
   add("cube");
   fake.context_offset = {1, 0, 0};
