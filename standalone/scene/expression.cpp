@@ -76,8 +76,17 @@ class Compiler {
     return output(source, from);
   }
 
-  // The value that comes out of a node.
+  // The value that comes out of a node. Remembered too: two plugs may be driven by the same.
   Result output(const Node& source, AttributeId attribute) {
+    const auto key = std::make_pair(source.id, attribute);
+    for (const auto& [known, result] : done_)
+      if (known == key) return result;
+    const Result result = unremembered_output(source, attribute);
+    if (result) done_.emplace_back(key, *result);
+    return result;
+  }
+
+  Result unremembered_output(const Node& source, AttributeId attribute) {
     const NodeType& type = *source.type;
     if (source.curve && attribute == attribute::output) return curve(source);
     if (type.names == NameSet::unit_conversion && attribute == attribute::output) return converted(source);

@@ -23,28 +23,33 @@ bool concerns(const Node& converter, AttributeId input, AttributeId output) {
   return false;
 }
 
-// Calls found(curve) for each curve behind an input, nearest first, until it says true.
-template <class Found>
-bool curves_behind(const Scene::Data& scene, const Input& first, std::unordered_set<NodeId>& seen, Found found) {
-  std::vector<Input> open = {first};
-  while (!open.empty()) {
-    const Input input = open.back();
-    open.pop_back();
-    const Node* source = input.source == kNoNode ? nullptr : scene.find(input.source);
-    if (source == nullptr) continue;
-    if (source->curve) {
-      if (seen.insert(source->id).second && found(*source)) return true;
-    } else if (is_converter(*source)) {
-      // A converter is passed again for another of its outputs, but not within this search for the same.
+// Looks for the curves behind inputs, each curve and each output of a converter once.
+class CurveSearch {
+ public:
+  explicit CurveSearch(const Scene::Data& scene) : scene_(scene) {}
+
+  // Calls found(curve), nearest first, until it says true.
+  template <class Found>
+  bool behind(const Input& first, Found found) {
+    std::vector<Input> open = {first};
+    while (!open.empty()) {
+      const Input input = open.back();
+      open.pop_back();
+      const Node* source = input.source == kNoNode ? nullptr : scene_.find(input.source);
+      if (source == nullptr || !(source->curve || is_converter(*source))) continue;
+      if (!seen_.insert(std::uint64_t{input.source} << 32 | input.source_attribute).second) continue;
+      if (source->curve && found(*source)) return true;
       const auto& inputs = source->inputs.all();
-      if (open.size() > 4 * inputs.size() + 256) continue;  // a cycle
-      for (auto i = inputs.rbegin(); i != inputs.rend(); ++i)
-        if (i->source != kNoNode && i->source != source->id && concerns(*source, i->attribute, input.source_attribute))
-          open.push_back(*i);
+      for (auto i = inputs.rbegin(); is_converter(*source) && i != inputs.rend(); ++i)
+        if (i->source != kNoNode && concerns(*source, i->attribute, input.source_attribute)) open.push_back(*i);
     }
+    return false;
   }
-  return false;
-}
+
+ private:
+  const Scene::Data& scene_;
+  std::unordered_set<std::uint64_t> seen_;
+};
 
 }  // namespace
 
@@ -87,9 +92,9 @@ NodeId Scene::driving_curve(NodeId id, Channel c) const {
   Input component = *input;
   if (input->attribute != attribute && part_count(component.source_attribute) > 0)
     component.source_attribute = part(component.source_attribute, attribute - part(input->attribute, 0));
-  std::unordered_set<NodeId> seen;
+  CurveSearch search(d);
   NodeId curve = kNoNode;
-  curves_behind(d, component, seen, [&](const Node& found) {
+  search.behind(component, [&](const Node& found) {
     curve = found.id;
     return true;
   });
@@ -98,18 +103,18 @@ NodeId Scene::driving_curve(NodeId id, Channel c) const {
 
 bool Scene::has_keys(NodeId id) const {
   const Data& d = *data_;
-  std::unordered_set<NodeId> seen;
+  CurveSearch search(d);
   for (const Input& input : d.at(id).inputs.all())
-    if (curves_behind(d, input, seen, [](const Node&) { return true; })) return true;
+    if (search.behind(input, [](const Node&) { return true; })) return true;
   return false;
 }
 
 std::vector<double> Scene::key_times(NodeId id) const {
   const Data& d = *data_;
   std::vector<double> times;
-  std::unordered_set<NodeId> seen;
+  CurveSearch search(d);
   for (const Input& input : d.at(id).inputs.all())
-    curves_behind(d, input, seen, [&](const Node& curve) {
+    search.behind(input, [&](const Node& curve) {
       for (const Key& key : curve.curve->keys()) times.push_back(key.time);
       return false;
     });
@@ -119,9 +124,9 @@ std::vector<double> Scene::key_times(NodeId id) const {
 std::size_t Scene::key_count(NodeId id) const {
   const Data& d = *data_;
   std::size_t count = 0;
-  std::unordered_set<NodeId> seen;
+  CurveSearch search(d);
   for (const Input& input : d.at(id).inputs.all())
-    curves_behind(d, input, seen, [&](const Node& curve) {
+    search.behind(input, [&](const Node& curve) {
       count += curve.curve->keys().size();
       return false;
     });

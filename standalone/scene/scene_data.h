@@ -54,6 +54,7 @@ struct Node {
   std::uint32_t place_in_parent = 0;
   NodeType* type = nullptr;
   bool locked = false;
+  bool removal_told = false;
   std::vector<NodeId> children;  // gaps are kNoNode
   std::uint32_t child_gaps = 0;
   std::unique_ptr<Channels> channels;  // transforms

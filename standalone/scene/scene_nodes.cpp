@@ -1,6 +1,7 @@
 // Making, moving, renaming and deleting nodes.
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "standalone/scene/node_types.h"
 #include "standalone/scene/scene_data.h"
@@ -120,7 +121,8 @@ void disconnect_all(Scene::Data& scene, Node& node, std::vector<NodeId>& orphans
 
 void remove(Scene::Data& scene, NodeId id, std::vector<NodeId>& orphans) {
   if (!scene.find(id)) return;
-  if (scene.listener.node_removed) {
+  // A listener may delete more, this very node included; that one is not told twice.
+  if (scene.listener.node_removed && !std::exchange(scene.find(id)->removal_told, true)) {
     const std::string type = scene.find(id)->type->name;
     scene.listener.node_removed(id, type);
     if (!scene.find(id)) return;
@@ -130,7 +132,6 @@ void remove(Scene::Data& scene, NodeId id, std::vector<NodeId>& orphans) {
   disconnect_all(scene, node, orphans);
   if (scene.is_dag(node)) detach(scene, node);
   scene.names.remove(scope_of(scene, node), node.name, id);
-  // Types with many nodes gone close their ranks.
   std::vector<NodeId>& of_type = node.type->nodes;
   if (!of_type.empty() && of_type.back() == id) of_type.pop_back();
   scene.nodes[id].reset();

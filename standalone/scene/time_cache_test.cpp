@@ -1,0 +1,52 @@
+#include "standalone/scene/time_cache.h"
+
+#include <gtest/gtest.h>
+
+namespace vantorelix::standalone {
+namespace {
+
+TEST(TimeCache, NumbersEachTimeOnceInWhateverOrderItIsAsked) {
+  TimeCache cache;
+  std::vector<TimeCache::Slot> slots;
+  for (int i = 0; i < 1000; ++i) slots.push_back(cache.slot(i * 0.1));
+  for (int i = 999; i >= 0; --i) EXPECT_EQ(cache.slot(i * 0.1), slots[static_cast<std::size_t>(i)]);
+  for (int i = 0; i < 1000; ++i)
+    EXPECT_EQ(cache.slot((i * 7 % 1000) * 0.1), slots[static_cast<std::size_t>(i * 7 % 1000)]);
+}
+
+TEST(TimeCache, FindsWhatWasPlacedUntilItIsCleared) {
+  TimeCache cache;
+  CachedMatrices node, other;
+  const TimeCache::Slot slot = cache.slot(3.5);
+  EXPECT_EQ(cache.find(node, slot), nullptr);
+  cache.place(node, slot)->m[3][0] = 7;
+  ASSERT_NE(cache.find(node, slot), nullptr);
+  EXPECT_EQ(cache.find(node, slot)->m[3][0], 7);
+  EXPECT_EQ(cache.find(other, slot), nullptr);
+  EXPECT_EQ(cache.find(node, cache.slot(4.5)), nullptr);
+  cache.clear();
+  EXPECT_EQ(cache.find(node, slot), nullptr);
+}
+
+TEST(TimeCache, KeepsWithinItsMemory) {
+  TimeCache cache;
+  std::vector<CachedMatrices> nodes(5000);
+  std::size_t placed = 0;
+  for (auto& node : nodes) placed += cache.place(node, cache.slot(1.0)) != nullptr ? 1 : 0;
+  EXPECT_EQ(placed, TimeCache::kMostChunks);
+}
+
+TEST(TimeCache, RunsOutOfNumbersAndStartsAnewWhenItIsOfNoUse) {
+  TimeCache cache;
+  std::size_t without = 0, with_after = 0;
+  for (int i = 0; i < 400000; ++i) {
+    const bool none = cache.slot(i) == TimeCache::kNone;
+    without += none ? 1 : 0;
+    with_after += !none && without > 0 ? 1 : 0;
+  }
+  EXPECT_GT(without, 0u);
+  EXPECT_GT(with_after, 0u);
+}
+
+}  // namespace
+}  // namespace vantorelix::standalone

@@ -1,0 +1,326 @@
+// Both ways to a world matrix against a straightforward product of 4 x 4 matrices, and against each other.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "standalone/scene/evaluator.h"
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+using Matrix = std::array<std::array<double, 4>, 4>;
+
+Matrix identity() {
+  Matrix m{};
+  for (std::size_t i = 0; i < 4; ++i) m[i][i] = 1;
+  return m;
+}
+
+Matrix operator*(const Matrix& a, const Matrix& b) {
+  Matrix r{};
+  for (std::size_t i = 0; i < 4; ++i)
+    for (std::size_t j = 0; j < 4; ++j)
+      for (std::size_t k = 0; k < 4; ++k) r[i][j] += a[i][k] * b[k][j];
+  return r;
+}
+
+class Formula {
+ public:
+  Formula(const Scene& scene, NodeId node) : scene_(scene), node_(node) {}
+
+  Matrix local() const {
+    Matrix m = moved(Channel::scalePivotX, -1) * scaled(Channel::scaleX, false) * shear() *
+               moved(Channel::scalePivotX, 1) * moved(Channel::scalePivotTranslateX, 1) *
+               moved(Channel::rotatePivotX, -1) * turned(Channel::rotateAxisX, 0) *
+               turned(Channel::rotateX, static_cast<int>(at(Channel::rotateOrder)));
+    if (scene_.type(node_) == "joint") {
+      m = m * turned(Channel::jointOrientX, 0);
+      if (at(Channel::segmentScaleCompensate) != 0) m = m * scaled(Channel::inverseScaleX, true);
+    }
+    return m * moved(Channel::rotatePivotX, 1) * moved(Channel::rotatePivotTranslateX, 1) *
+           moved(Channel::translateX, 1);
+  }
+
+ private:
+  double at(Channel c, int k = 0) const { return scene_.channel(node_, static_cast<Channel>(static_cast<int>(c) + k)); }
+  Matrix moved(Channel c, double sign) const {
+    Matrix m = identity();
+    for (int k = 0; k < 3; ++k) m[3][static_cast<std::size_t>(k)] = sign * at(c, k);
+    return m;
+  }
+  Matrix scaled(Channel c, bool inverse) const {
+    Matrix m = identity();
+    for (int k = 0; k < 3; ++k) {
+      const auto i = static_cast<std::size_t>(k);
+      m[i][i] = inverse ? 1 / at(c, k) : at(c, k);
+    }
+    return m;
+  }
+  Matrix shear() const {
+    Matrix m = identity();
+    m[1][0] = at(Channel::shearXY);
+    m[2][0] = at(Channel::shearXZ);
+    m[2][1] = at(Channel::shearYZ);
+    return m;
+  }
+  Matrix turned(Channel c, int order) const {
+    static constexpr int kOrders[6][3] = {{0, 1, 2}, {1, 2, 0}, {2, 0, 1}, {0, 2, 1}, {1, 0, 2}, {2, 1, 0}};
+    Matrix m = identity();
+    for (const int axis : kOrders[order]) {
+      const auto a = static_cast<std::size_t>((axis + 1) % 3), b = static_cast<std::size_t>((axis + 2) % 3);
+      Matrix r = identity();
+      r[a][a] = r[b][b] = std::cos(at(c, axis));
+      r[a][b] = std::sin(at(c, axis));
+      r[b][a] = -r[a][b];
+      m = m * r;
+    }
+    return m;
+  }
+
+  const Scene& scene_;
+  NodeId node_;
+};
+
+class Dice {
+ public:
+  explicit Dice(unsigned seed) : engine_(seed) {}
+  bool chance(double p) { return std::uniform_real_distribution<double>(0, 1)(engine_) < p; }
+  double between(double a, double b) { return std::uniform_real_distribution<double>(a, b)(engine_); }
+  std::size_t below(std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(engine_); }
+
+ private:
+  std::mt19937 engine_;
+};
+
+double some_value(Dice& dice, Channel c) {
+  const bool scale =
+      (c >= Channel::scaleX && c <= Channel::scaleZ) || (c >= Channel::inverseScaleX && c <= Channel::inverseScaleZ);
+  if (scale) return dice.between(0.5, 2);
+  if (c == Channel::rotateOrder) return static_cast<double>(dice.below(6));
+  if (c >= Channel::inheritsTransform) return dice.chance(0.8) ? 1 : 0;
+  return dice.between(-3, 3);
+}
+
+void set_some(Scene& s, Dice& dice, NodeId node, double share) {
+  for (int c = 0; c < static_cast<int>(Channel::count); ++c)
+    if (dice.chance(share)) s.set_channel(node, static_cast<Channel>(c), some_value(dice, static_cast<Channel>(c)));
+}
+
+TEST(WorldMatrix, IsTheProductOfTheFormula) {
+  for (unsigned seed = 0; seed < 200; ++seed) {
+    Dice dice(seed);
+    Scene s;
+    NodeId node = kWorld;
+    Matrix wanted = identity();
+    for (int depth = 0; depth < 4; ++depth) {
+      node = s.create_node(dice.chance(0.5) ? "joint" : "transform", "n", node);
+      set_some(s, dice, node, seed % 4 == 0 ? 1.0 : 0.3);
+      std::array<double, 16> offset = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+      if (dice.chance(0.3))
+        for (std::size_t i = 0; i < 4; ++i)
+          for (std::size_t j = 0; j < 3; ++j) offset[4 * i + j] = dice.between(-1, 1);
+      s.set_offset_parent_matrix(node, offset);
+      Matrix opm;
+      for (std::size_t i = 0; i < 16; ++i) opm[i / 4][i % 4] = offset[i];
+      const bool inherits = s.channel(node, Channel::inheritsTransform) != 0;
+      wanted = Formula(s, node).local() * opm * (inherits ? wanted : identity());
+    }
+    const Affine got = s.world_matrix(node, 1);
+    double size = 1;
+    for (const auto& row : wanted)
+      for (const double v : row) size = std::max(size, std::abs(v));
+    for (std::size_t i = 0; i < 4; ++i)
+      for (std::size_t j = 0; j < 3; ++j) EXPECT_NEAR(got.m[i][j], wanted[i][j], 1e-12 * size) << seed;
+  }
+}
+
+// A scene of everything that evaluation follows.
+class RandomScene {
+ public:
+  explicit RandomScene(unsigned seed) : dice(seed) {
+    for (std::size_t i = 0; i < 24; ++i) {
+      const NodeId parent = nodes.empty() || dice.chance(0.1) ? kWorld : nodes[dice.below(nodes.size())];
+      nodes.push_back(scene.create_node(dice.chance(0.4) ? "joint" : "transform", "n", parent));
+      set_some(scene, dice, nodes.back(), dice.chance(0.3) ? 0.3 : 0.05);
+      if (dice.chance(0.15)) set_offset(nodes.back());
+    }
+    for (const NodeId node : nodes) drive(node);
+  }
+
+  void edit() {
+    const NodeId node = nodes[dice.below(nodes.size())];
+    switch (dice.below(6)) {
+      case 0:
+        return set_some(scene, dice, node, 0.1);
+      case 1:
+        return drive(node);
+      case 2:
+        return set_offset(node);
+      case 3: {
+        try {
+          scene.set_parent(node, nodes[dice.below(nodes.size())]);
+        } catch (const std::exception&) {  // under itself
+        }
+        return;
+      }
+      case 4: {
+        const NodeId curve = scene.driving_curve(node, Channel::rotateY);
+        if (curve != kNoNode) scene.set_key(curve, dice.between(0, 20), dice.between(-2, 2));
+        return;
+      }
+      default:
+        scene.disconnect(node, "rotateX");
+    }
+  }
+
+  Scene scene;
+  Dice dice;
+  std::vector<NodeId> nodes;
+
+ private:
+  NodeId curve(double from, double to) {
+    const NodeId c = scene.create_curve(CurveKind::unitless, "c");
+    for (int k = 0; k < 4; ++k) scene.set_key(c, 6.0 * k, dice.between(from, to));
+    return c;
+  }
+  void set_offset(NodeId node) {
+    if (dice.chance(0.5)) {
+      const NodeId other = nodes[dice.below(nodes.size())];
+      scene.connect(other, dice.chance(0.6) ? "worldMatrix[0]" : "matrix", node, "offsetParentMatrix");
+    } else {
+      std::array<double, 16> m = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+      m[12] = dice.between(-2, 2);
+      m[1] = dice.between(-1, 1);
+      scene.set_offset_parent_matrix(node, m);
+    }
+  }
+  void drive(NodeId node) {
+    static const char* const kNames[] = {"tx",  "ty",  "tz",  "rx",  "ry",   "rz",  "sx",   "sy",  "sz", "shxy", "shyz",
+                                         "rax", "ray", "jox", "rpx", "rpty", "spz", "sptx", "isx", "ro", "it",   "ssc"};
+    const double share = dice.chance(0.3) ? 0.3 : 0.08;
+    for (const char* const name : kNames) {
+      if (!dice.chance(share) || !scene.has_attribute(node, name)) continue;
+      const bool flag = std::string_view(name) == "it" || std::string_view(name) == "ssc";
+      scene.connect(curve(flag ? -1 : 0.3, flag ? 1 : 2), "o", node, name);
+    }
+    if (dice.chance(0.2)) blend(node);
+    if (dice.chance(0.2)) scene.connect(nodes[dice.below(nodes.size())], "scale", node, "inverseScale");
+    if (dice.chance(0.1)) scene.connect(nodes[dice.below(nodes.size())], "translate", node, "translate");
+    if (dice.chance(0.1)) scene.connect(scene.create_node("expression", "e"), "out", node, "ty");
+  }
+  void blend(NodeId node) {
+    const NodeId b = scene.create_node("pairBlend", "b");
+    scene.connect(curve(-1, 1), "o", b, "irx1");
+    scene.connect(curve(-1, 1), "o", b, "irz2");
+    scene.connect(curve(0, 1), "o", b, "w");
+    scene.add_attribute(b, "ri", dice.chance(0.5) ? 1 : 0);
+    scene.connect(node, "rotateOrder", b, "ro");
+    scene.connect(b, "outRotate", node, "rotate");
+  }
+};
+
+bool same_bits(double a, double b) { return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b); }
+
+TEST(Evaluator, GivesTheBitsOfTheAttributeQueryThroughAllEdits) {
+  std::size_t moving = 0;
+  for (unsigned seed = 0; seed < 60; ++seed) {
+    RandomScene r(seed);
+    std::vector<std::unique_ptr<Evaluator>> evaluators;
+    for (const NodeId node : r.nodes) evaluators.push_back(std::make_unique<Evaluator>(r.scene, node));
+    for (int round = 0; round < 6; ++round) {
+      for (std::size_t i = 0; i < r.nodes.size(); ++i) {
+        const std::size_t which = r.dice.chance(0.2) ? r.dice.below(r.nodes.size()) : i;
+        for (const double frame : {0.0, 18.0, 9.0, 4.0, 4.5, 13.25, -3.0, 100.0}) {
+          const host::Vector fast = evaluators[which]->translation(frame);
+          const host::Vector plain = r.scene.world_matrix(r.nodes[which], frame).translation();
+          ASSERT_TRUE(same_bits(fast.x, plain.x) && same_bits(fast.y, plain.y) && same_bits(fast.z, plain.z))
+              << "seed " << seed << " round " << round << " node " << which << " frame " << frame;
+        }
+        moving += r.scene.is_animated(r.nodes[which]) ? 1 : 0;
+      }
+      r.edit();
+    }
+  }
+  EXPECT_GT(moving, 3000u);  // else this says little
+}
+
+TEST(Evaluator, NoticesEditsOfEveryKind) {
+  Scene s;
+  const NodeId a = s.create_node("transform", "a"), b = s.create_node("transform", "b", a);
+  Evaluator e(s, b);
+  const auto x = [&] { return e.translation(5).x; };
+  EXPECT_EQ(x(), 0);
+  s.set_channel(b, Channel::translateX, 1);
+  EXPECT_EQ(x(), 1);
+  s.set_channel(a, Channel::scaleX, 3);
+  EXPECT_EQ(x(), 3);
+  const NodeId curve = s.set_key(a, Channel::translateX, 5, 10);
+  EXPECT_EQ(x(), 13);
+  s.set_key(curve, 5, 20);
+  EXPECT_EQ(x(), 23);
+  s.set_parent(b, kWorld);
+  EXPECT_EQ(x(), 1);
+  s.set_parent(b, a);
+  s.delete_node(curve);
+  EXPECT_EQ(x(), 3);
+  s.delete_node(a);
+  EXPECT_THROW(x(), std::exception);
+}
+
+TEST(Evaluator, AShapeIsWhereItsTransformIs) {
+  Scene s;
+  const NodeId a = s.create_node("transform", "a"), shape = s.create_node("camera", "c", a);
+  s.set_key(a, Channel::translateX, 1, 4);
+  s.set_key(a, Channel::translateX, 9, 5);
+  EXPECT_EQ(Evaluator(s, shape).translation(1).x, 4);
+  EXPECT_EQ(s.world_matrix(shape, 1), s.world_matrix(a, 1));
+  EXPECT_TRUE(s.is_animated(shape));
+}
+
+TEST(Evaluator, ChainsLongerThanTheStackAreFollowed) {
+  Scene s;
+  NodeId node = kWorld;
+  for (int i = 0; i < 100000; ++i) node = s.create_node("transform", "n", node);
+  s.set_key(s.children(kWorld)[0], Channel::translateX, 1, 2);
+  s.set_key(s.children(kWorld)[0], Channel::translateX, 3, 4);
+  EXPECT_EQ(Evaluator(s, node).translation(3).x, 4);
+  EXPECT_EQ(s.world_matrix(node, 3).translation().x, 4);
+  EXPECT_TRUE(s.is_animated(node));
+  s.delete_node(s.children(kWorld)[0]);
+  EXPECT_TRUE(s.nodes().empty());
+}
+
+TEST(Evaluator, AVanishingScaleHarmsNoMoreThanTheNumbers) {
+  Scene s;
+  const NodeId a = s.create_node("joint", "a"), b = s.create_node("joint", "b", a), c = s.create_node("joint", "c", b);
+  s.set_key(a, Channel::scaleX, 1, 1);
+  s.set_key(a, Channel::scaleX, 10, 0);
+  s.connect(a, "scale", b, "inverseScale");
+  s.set_channel(c, Channel::translateX, 1);
+  Evaluator e(s, c);
+  EXPECT_EQ(e.translation(1).x, 1);
+  EXPECT_TRUE(std::isnan(e.translation(10).x));  // 1 / 0 * 0
+  EXPECT_EQ(e.translation(1).x, 1);
+}
+
+TEST(Evaluator, MoreTimesThanAreRememberedAreStillRight) {
+  Scene s;
+  const NodeId group = s.create_node("transform", "g");
+  const NodeId a = s.create_node("transform", "a", group), b = s.create_node("transform", "b", group);
+  s.set_key(group, Channel::rotateZ, 0, 0);
+  s.set_key(group, Channel::rotateZ, 1000, 3);
+  s.set_channel(a, Channel::translateX, 1);
+  s.set_channel(b, Channel::translateX, 1);
+  Evaluator first(s, a), second(s, b);
+  for (int i = 0; i < 300000; ++i) {
+    const double frame = i * 0.003;
+    ASSERT_EQ(first.translation(frame).x, second.translation(frame).x);
+    if (i % 1000 != 0) continue;
+    ASSERT_EQ(first.translation(frame).x, s.world_matrix(a, frame).translation().x);
+  }
+}
+
+}  // namespace
+}  // namespace vantorelix::standalone
