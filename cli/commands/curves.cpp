@@ -85,11 +85,11 @@ Command add_curves(CLI::App& program) {
   add_scene_argument(command, options->scene);
   add_selection_options(command, options->scene);
   add_whole(command, "--degree", options->degree, 1, 7, "Degree of the curves, 1 to 7 (default: 3)");
-  add_whole(command, "--samples-per-frame", options->samples_per_frame, 1, 1\'000\'000\'000, "Control vertices a frame, at least 1");
+  add_whole(command, "--samples-per-frame", options->samples_per_frame, 1, 1'000'000'000,
+            "Control vertices a frame, at least 1");
   add_repeated(command, "--out", options->outputs, "Write .ma or .csv; may be repeated")->type_name("FILE")->required();
   command.footer(kFooter);
-  return {&command, [options](Terminal& terminal) {
-    run_curves(*options, terminal); }};
+  return {&command, [options](Terminal& terminal) { run_curves(*options, terminal); }};
 }
 
 }  // namespace vantorelix::cli

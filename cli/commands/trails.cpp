@@ -133,7 +133,8 @@ Command add_trails(CLI::App& program) {
   const auto options = std::make_shared<TrailsOptions>();
   add_scene_argument(command, options->scene);
   add_selection_options(command, options->scene);
-  add_whole(command, "--samples-per-frame", options->samples_per_frame, 1, 1\'000\'000\'000, "Samples a frame, at least 1");
+  add_whole(command, "--samples-per-frame", options->samples_per_frame, 1, 1'000'000'000,
+            "Samples a frame, at least 1");
   add_choice(command, "--color-mode", options->color_mode, kColorModes,
              "What colours mean: one colour; speed; past and future of the current time; alternating between keys");
   command.add_option("--line-width", options->line_width, "Width of the line in pixels")->type_name("W");
@@ -149,8 +150,7 @@ Command add_trails(CLI::App& program) {
   add_choice(command, "--theme", options->theme, {"auto", "light", "dark"},
              "Background of a picture; auto follows the reader's setting");
   command.footer(kFooter);
-  return {&command, [options](Terminal& terminal) {
-    run_trails(*options, terminal); }};
+  return {&command, [options](Terminal& terminal) { run_trails(*options, terminal); }};
 }
 
 }  // namespace vantorelix::cli
