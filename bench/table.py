@@ -59,7 +59,7 @@ def run_peers(interpreters):
     script = os.path.join(HERE, "peers", "blender_scenes.py")
     peers = [("bpy of " + os.path.basename(os.path.dirname(os.path.dirname(i))), [i, script]) for i in interpreters]
     if shutil.which("blender"):
-        peers.append(("blender", ["blender", "-b", "--factory-startup", "--python", script, "--"]))
+        peers.append(("blender", ["blender", "-b", "--factory-startup", "--python-exit-code", "1", "--python", script, "--"]))
     best = {}
     with tempfile.TemporaryDirectory() as folder:
         clip = os.path.join(folder, "clip.bvh")

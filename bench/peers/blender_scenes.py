@@ -7,6 +7,7 @@ Two ways: the motion-path operator, and a loop that sets each frame and reads ev
 seconds, the fastest of three.
 """
 
+import importlib
 import json
 import math
 import sys
@@ -106,6 +107,8 @@ def rebuild(things):
 def read_clip(path):
     empty_scene(1000)
     addon_utils.enable("io_anim_bvh")
+    # The add-on of 3.4 opens files in a mode that newer Pythons refuse.
+    importlib.import_module("io_anim_bvh.import_bvh").open = lambda path, mode: open(path, mode.replace("U", ""))
     start = time.perf_counter()
     bpy.ops.import_anim.bvh(filepath=path, update_scene_fps=True, update_scene_duration=True)
     return time.perf_counter() - start

@@ -26,6 +26,7 @@ FOREIGN = [
 ]
 
 _INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
+_TEST = re.compile(r"_test\.cpp$|_test_\w+\.h$")
 _STANDARD = re.compile(r"^[a-z_0-9]+$")
 
 
@@ -36,7 +37,7 @@ def includes(text):
 
 def _wrong(path, quote, header):
     folder = path.split("/")[0]
-    test = path.endswith("_test.cpp")
+    test = bool(_TEST.search(path))
     if quote == '"':
         target = header.split("/")[0]
         if target not in OURS:

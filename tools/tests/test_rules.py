@@ -41,6 +41,7 @@ class Includes(Checkout):
         self.write("host/value.h", "#include <string>\n")
         self.write("engine/a.cpp", '#include "engine/a.h"\n#include "host/value.h"\n#include <cmath>\n')
         self.write("engine/a_test.cpp", '#include "tests/support/host.h"\n#include <gtest/gtest.h>\n')
+        self.write("engine/a_test_scene.h", "#include <gtest/gtest.h>\n")
         self.write("standalone/b.cpp", '#include <nlohmann/json.hpp>\n#include "host/value.h"\n')
         self.write("cli/c.cpp", '#include "engine/a.h"\n#include "standalone/b.h"\n#include <CLI/CLI.hpp>\n')
         self.assertEqual(self.problems(includes), [])
