@@ -85,11 +85,10 @@ bool is_digit(char c) { return c >= '0' && c <= '9'; }
 std::optional<std::string> without_underscores(const std::string& text) {
   std::string bare;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '_') {
-      bare += text[i];
-    } else if (i == 0 || i + 1 == text.size() || !is_digit(text[i - 1]) || !is_digit(text[i + 1])) {
+    const bool underscore = text[i] == '_';
+    if (underscore && (i == 0 || i + 1 == text.size() || !is_digit(text[i - 1]) || !is_digit(text[i + 1])))
       return std::nullopt;
-    }
+    if (!underscore) bare += text[i];
   }
   return bare;
 }

@@ -22,10 +22,10 @@ inline const std::string OPT_SHOW_DOTS = "Vantorelix_showDots";
 inline const std::string OPT_XRAY = "Vantorelix_xrayMode";
 inline const std::string OPT_COLOR_MODE = "Vantorelix_colorMode";
 
-inline constexpr double _CHUNK_BUDGET = 0.008;      // seconds of one deferred rebuild step
-inline constexpr double _DEBOUNCE = 0.2;            // seconds of quiet after an edit before rebuilding
-inline constexpr double _CREATE_BUDGET = 0.15;      // seconds of foreground sampling in one create_trail
-inline constexpr double _SPACING_RED_MULT = 2.5;    // multiple of the baseline spacing at the top of the ramp
+inline constexpr double _CHUNK_BUDGET = 0.008;    // seconds of one deferred rebuild step
+inline constexpr double _DEBOUNCE = 0.2;          // seconds of quiet after an edit before rebuilding
+inline constexpr double _CREATE_BUDGET = 0.15;    // seconds of foreground sampling in one create_trail
+inline constexpr double _SPACING_RED_MULT = 2.5;  // multiple of the baseline spacing at the top of the ramp
 inline const std::array<std::string, 1> _VIEWPORT_TRAIL_FLAGS = {"motionTrails"};
 
 struct RampStop {

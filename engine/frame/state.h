@@ -29,15 +29,15 @@ using Settings = OrderedMap<host::Value>;
 
 // One trail's place in the rebuild queue. Invariants: *pos has exactly i entries, kpos exactly ki.
 struct WorkItem {
-  std::string viz;                          // the registry key: the viz transform's name
-  std::shared_ptr<Settings> settings;       // shared with the registry: a "ref" stored here lands there
-  std::shared_ptr<Sampler> sampler;         // null until planned, or where only the slow query works
-  std::optional<std::vector<double>> times;   // sample times in frames; nothing until planned
+  std::string viz;                           // the registry key: the viz transform's name
+  std::shared_ptr<Settings> settings;        // shared with the registry: a "ref" stored here lands there
+  std::shared_ptr<Sampler> sampler;          // null until planned, or where only the slow query works
+  std::optional<std::vector<double>> times;  // sample times in frames; nothing until planned
   std::shared_ptr<std::vector<Position>> pos = std::make_shared<std::vector<Position>>();
   std::size_t i = 0;                          // next sample time to evaluate
   std::optional<std::vector<double>> ktimes;  // key times in range; nothing until read
   std::shared_ptr<std::vector<Position>> kpos = std::make_shared<std::vector<Position>>();
-  std::size_t ki = 0;                         // next key time to evaluate
+  std::size_t ki = 0;  // next key time to evaluate
 };
 
 struct WorkRecord {
@@ -65,8 +65,8 @@ extern bool _REBUILDING;
 extern std::int64_t _GEN;
 extern bool _PENDING;
 extern std::shared_ptr<WorkRecord> _WORK;
-extern double _LAST_EDIT;          // wall-clock seconds
-extern host::Value _MSG_HANDLER;   // none, or a callable that takes the message
+extern double _LAST_EDIT;         // wall-clock seconds
+extern host::Value _MSG_HANDLER;  // none, or a callable that takes the message
 
 struct Handles {
   host::CommandLayer* cmds;

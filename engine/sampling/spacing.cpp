@@ -26,12 +26,12 @@ std::vector<double> _smooth(const std::vector<double>& values, std::int64_t wind
   if (values.empty() || window <= 0) return values;
   const std::size_t n = values.size();
   std::vector<double> out(n);
+  const auto smooth_over = [&](auto w) { kernel::smooth(values.data(), 0, n, w, 0, n, out.data()); };
   if (window == kSpacingWindow) {
-    kernel::smooth(values.data(), 0, n, SpacingWindow{}, 0, n, out.data());
+    smooth_over(SpacingWindow{});
   } else {
     // A window beyond the values is as good as one that just covers them.
-    kernel::smooth(values.data(), 0, n, std::min(static_cast<std::uint64_t>(window), std::uint64_t{n}), 0, n,
-                   out.data());
+    smooth_over(std::min(static_cast<std::uint64_t>(window), std::uint64_t{n}));
   }
   return out;
 }
