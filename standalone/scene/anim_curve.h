@@ -44,9 +44,13 @@ class AnimCurve {
   // memory of the last segment: start it at 0, pass it again; it is only ever a place to look first.
   double evaluate(double frame, std::size_t& hint) const {
     if (hint < segment_count_) {
-      const CurveSegment& segment = segments_[hint];
-      if (frame >= segment.start && frame < (&segment)[1].start) {
-        const double value = segment.at(frame);
+      const CurveSegment* segment = &segments_[hint];
+      // Sampling goes forward: with a key at every frame the next segment is the usual case.
+      const bool next = frame >= segment[1].start && hint + 1 < segment_count_;
+      if (next) ++segment;
+      if (frame >= segment->start && frame < segment[1].start) {
+        if (next) ++hint;
+        const double value = segment->at(frame);
         if (value == value) return value;  // not a number: there is more to this segment than its polynomial
       }
     }
