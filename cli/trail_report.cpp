@@ -68,20 +68,23 @@ TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, co
 TrailMeasure measure(const TrailView& trail, double fps) {
   TrailMeasure result;
   const auto& points = *trail.points;
-  if (points.size() < 2) return result;
   double shortest = std::numeric_limits<double>::infinity();
   double longest = 0.0;
+  std::size_t segments = 0;
   for (std::size_t i = 1; i < points.size(); ++i) {
     const host::Vector &a = points[i - 1], &b = points[i];
     const double segment = std::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
+    if (!std::isfinite(segment)) continue;
+    ++segments;
     result.length += segment;
     shortest = std::min(shortest, segment);
     longest = std::max(longest, segment);
   }
+  if (segments == 0) return result;
   const double per_second = fps / trail.frame_step;
   result.slowest = shortest * per_second;
   result.fastest = longest * per_second;
-  result.mean = result.length / static_cast<double>(points.size() - 1) * per_second;
+  result.mean = result.length / static_cast<double>(segments) * per_second;
   return result;
 }
 

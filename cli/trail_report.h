@@ -47,7 +47,8 @@ std::string unit_text(const TrailReport& report);
 
 TrailReport read_trails(const standalone::Scene& scene, const std::vector<Trail>& trails, const std::string& file);
 
-// Length and speed of a trail. Lengths in the scene's unit, speeds in units a second, over the samples.
+// Length and speed of a trail. Lengths in the scene's unit, speeds in units a second, over the samples; those
+// that are not finite are left out.
 struct TrailMeasure {
   double length = 0.0;
   double slowest = 0.0;

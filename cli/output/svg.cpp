@@ -34,7 +34,7 @@ struct Sheet {
   Placement placement;
   Box2 plot;
   std::vector<DrawnTrail> trails;
-  double tolerance = 0.7;
+  Thinning thinning = {};
   std::size_t stride = 1;
 };
 
@@ -71,14 +71,16 @@ void add_trails(Sheet& sheet, const TrailReport& report) {
     });
 }
 
-// Raises the tolerance until the lines keep few enough points.
+// Thins until the lines keep few enough points.
 void thin_lines(Sheet& sheet) {
   const auto kept = [&] {
     std::size_t n = 0;
-    for (const DrawnTrail& trail : sheet.trails) n += trail.kept(sheet.tolerance);
+    for (const DrawnTrail& trail : sheet.trails) n += trail.kept(sheet.thinning);
     return n;
   };
-  while (kept() > kMostPoints && sheet.tolerance < 100.0) sheet.tolerance *= 1.6;
+  while (kept() > kMostPoints && sheet.thinning.tolerance < 10.0) sheet.thinning.tolerance *= 1.6;
+  // What jumps to and fro is never near: only leaving samples out makes it less.
+  while (kept() > kMostPoints && sheet.thinning.every < 1'000'000'000) sheet.thinning.every *= 2;
 }
 
 // The least of 1, 2, 5, 10, 20 ... that is at least `least`.
@@ -115,9 +117,11 @@ std::vector<std::string> notes(const Sheet& sheet, const TrailReport& report, do
   const bool dots =
       std::any_of(report.trails.begin(), report.trails.end(), [](const TrailView& t) { return t.show_dots; });
   if (dots && sheet.stride > 1) result.push_back("a dot every " + std::to_string(sheet.stride) + " samples");
-  if (sheet.tolerance > 0.7)
-    result.push_back("lines thinned to points " + fixed(sheet.tolerance, 1) +
+  if (sheet.thinning.tolerance > Thinning{}.tolerance)
+    result.push_back("lines thinned to points " + fixed(sheet.thinning.tolerance, 1) +
                      " px apart; the data files hold them all");
+  if (sheet.thinning.every > 1)
+    result.push_back("lines through every " + std::to_string(sheet.thinning.every) + "th sample only");
   const auto marked = std::count_if(report.trails.begin(), report.trails.end(),
                                     [](const TrailView& trail) { return !trail.warnings.empty(); });
   if (marked != 0) result.push_back("\u26a0 may differ from the scene's own motion, see the warnings");
@@ -130,7 +134,7 @@ void draw_depth_cues(OutputFile& out, const Sheet& sheet, const TrailReport& rep
     const host::Vector up = y_up(p, report.up_axis);
     return sheet.placement.apply(sheet.camera.project({up.x, sheet.ground.height, up.z}));
   };
-  for (const DrawnTrail& trail : sheet.trails) trail.draw_outline(out, sheet.tolerance, "shadow", on_ground);
+  for (const DrawnTrail& trail : sheet.trails) trail.draw_outline(out, sheet.thinning, "shadow", on_ground);
   PathData drops;
   for (const KeyMark& key : keys) {
     drops.move(key.at);
@@ -143,8 +147,8 @@ void draw_trails(OutputFile& out, const Sheet& sheet) {
   for (const DrawnTrail& trail : sheet.trails) {
     out << "<g><title>" << xml_text(trail.trail().source) << "</title>\n";
     if (trail.trail().show_line && trail.trail().line_width > 0.0) {
-      trail.draw_casing(out, sheet.tolerance);
-      trail.draw_line(out, sheet.tolerance);
+      trail.draw_casing(out, sheet.thinning);
+      trail.draw_line(out, sheet.thinning);
     }
     if (trail.trail().show_dots && trail.trail().point_size > 0.0) trail.draw_dots(out, sheet.stride);
     out << "</g>\n";
@@ -180,7 +184,7 @@ void write_svg(OutputFile& out, const TrailReport& report, const SvgOptions& opt
     ruled_step = draw_ruled_paper(out, sheet.plot, sheet.camera, sheet.placement, bounds, report.up_axis);
   Occupancy occupancy({kMargin / 2, kWidth - kMargin / 2, sheet.plot.top - 14.0, sheet.plot.bottom + 14.0});
   for (const DrawnTrail& trail : sheet.trails)
-    trail.for_each_stretch(sheet.tolerance,
+    trail.for_each_stretch(sheet.thinning,
                            [&](const Point2& from, const Point2& to) { occupancy.note_line(from, to); });
   const auto keys = choose_keys(sheet.trails, occupancy);
   draw_depth_cues(out, sheet, report, keys);

@@ -40,7 +40,7 @@ DrawnTrail::DrawnTrail(const TrailView& trail, host::Vectors colors, Project pro
     : trail_(trail), colors_(std::move(colors)), project_(std::move(project)) {}
 
 template <class Visit>
-void DrawnTrail::for_each_kept(double tolerance, const Project& project, const Visit& visit) const {
+void DrawnTrail::for_each_kept(const Thinning& thinning, const Project& project, const Visit& visit) const {
   const auto& points = *trail_.points;
   bool going = false;
   std::size_t last = 0;
@@ -50,9 +50,11 @@ void DrawnTrail::for_each_kept(double tolerance, const Project& project, const V
       going = false;
       continue;
     }
+    if (going && i % thinning.every != 0 && i + 1 != points.size()) continue;
     const Point2 p = project(points[i]);
     const bool at_end = i + 1 == points.size() || !is_finite(points[i + 1]);
-    const bool near = going && std::abs(p.x - last_place.x) < tolerance && std::abs(p.y - last_place.y) < tolerance;
+    const bool near =
+        going && std::abs(p.x - last_place.x) < thinning.tolerance && std::abs(p.y - last_place.y) < thinning.tolerance;
     if (near && !at_end) continue;
     visit(last, i, p, going);
     going = true;
@@ -61,10 +63,10 @@ void DrawnTrail::for_each_kept(double tolerance, const Project& project, const V
   }
 }
 
-void DrawnTrail::for_each_stretch(double tolerance,
+void DrawnTrail::for_each_stretch(const Thinning& thinning,
                                   const std::function<void(const Point2&, const Point2&)>& visit) const {
   Point2 last;
-  for_each_kept(tolerance, project_, [&](std::size_t, std::size_t, const Point2& p, bool on) {
+  for_each_kept(thinning, project_, [&](std::size_t, std::size_t, const Point2& p, bool on) {
     if (on) visit(last, p);
     last = p;
   });
@@ -72,26 +74,27 @@ void DrawnTrail::for_each_stretch(double tolerance,
 
 double DrawnTrail::screen_length() const {
   double length = 0.0;
-  for_each_stretch(0.0, [&](const Point2& a, const Point2& b) { length += std::hypot(b.x - a.x, b.y - a.y); });
+  for_each_stretch({0.0, 1}, [&](const Point2& a, const Point2& b) { length += std::hypot(b.x - a.x, b.y - a.y); });
   return length;
 }
 
-std::size_t DrawnTrail::kept(double tolerance) const {
+std::size_t DrawnTrail::kept(const Thinning& thinning) const {
   std::size_t n = 0;
-  for_each_kept(tolerance, project_, [&](std::size_t, std::size_t, const Point2&, bool) { ++n; });
+  for_each_kept(thinning, project_, [&](std::size_t, std::size_t, const Point2&, bool) { ++n; });
   return n;
 }
 
-void DrawnTrail::draw_outline(OutputFile& out, double tolerance, const char* kind, const Project& project) const {
+void DrawnTrail::draw_outline(OutputFile& out, const Thinning& thinning, const char* kind,
+                              const Project& project) const {
   PathData path;
-  for_each_kept(tolerance, project,
+  for_each_kept(thinning, project,
                 [&](std::size_t, std::size_t, const Point2& p, bool on) { on ? path.line(p) : path.move(p); });
   if (!path.empty()) out << "<path class=\"" << kind << "\" d=\"" << path.text() << "\"/>\n";
 }
 
-void DrawnTrail::draw_casing(OutputFile& out, double tolerance) const {
+void DrawnTrail::draw_casing(OutputFile& out, const Thinning& thinning) const {
   out << "<g stroke-width=\"" << pixel(trail_.line_width + 1.6) << "\">";
-  draw_outline(out, tolerance, "case", project_);
+  draw_outline(out, thinning, "case", project_);
   out << "</g>\n";
 }
 
@@ -105,7 +108,7 @@ Vector DrawnTrail::segment_color(std::size_t from, std::size_t to) const {
   return {(a.x + b.x) / 2.0, (a.y + b.y) / 2.0, (a.z + b.z) / 2.0};
 }
 
-void DrawnTrail::draw_line(OutputFile& out, double tolerance) const {
+void DrawnTrail::draw_line(OutputFile& out, const Thinning& thinning) const {
   PathData path;
   std::string color;
   Point2 last;
@@ -114,7 +117,7 @@ void DrawnTrail::draw_line(OutputFile& out, double tolerance) const {
     path.clear();
   };
   out << "<g stroke-width=\"" << pixel(trail_.line_width) << "\">\n";
-  for_each_kept(tolerance, project_, [&](std::size_t from, std::size_t to, const Point2& p, bool on) {
+  for_each_kept(thinning, project_, [&](std::size_t from, std::size_t to, const Point2& p, bool on) {
     if (!on) {
       finish();
       color.clear();

@@ -10,6 +10,13 @@
 
 namespace vantorelix::cli {
 
+// What a line leaves out: points closer than `tolerance` pixels to the last one kept, and all but every `every`-th
+// sample.
+struct Thinning {
+  double tolerance = 0.7;
+  std::size_t every = 1;
+};
+
 // A trail as the picture sees it: no copy of its samples.
 class DrawnTrail {
  public:
@@ -23,23 +30,23 @@ class DrawnTrail {
 
   // How long the line is in the picture, in pixels.
   double screen_length() const;
-  // How many points the line keeps when points closer than `tolerance` pixels to the last one are left out.
-  std::size_t kept(double tolerance) const;
+  // How many points the line keeps.
+  std::size_t kept(const Thinning& thinning) const;
 
   // Calls visit(from, to) for each stretch of the line, in pixels.
-  void for_each_stretch(double tolerance, const std::function<void(const Point2&, const Point2&)>& visit) const;
+  void for_each_stretch(const Thinning& thinning, const std::function<void(const Point2&, const Point2&)>& visit) const;
 
-  void draw_casing(OutputFile& out, double tolerance) const;
-  void draw_line(OutputFile& out, double tolerance) const;
+  void draw_casing(OutputFile& out, const Thinning& thinning) const;
+  void draw_line(OutputFile& out, const Thinning& thinning) const;
   // Every `stride`-th sample.
   void draw_dots(OutputFile& out, std::size_t stride) const;
   // The line as `project` has it, in the style of `kind`.
-  void draw_outline(OutputFile& out, double tolerance, const char* kind, const Project& project) const;
+  void draw_outline(OutputFile& out, const Thinning& thinning, const char* kind, const Project& project) const;
 
  private:
   // Calls visit(index of the last kept sample, index of this one, place, whether the line goes on from the last).
   template <class Visit>
-  void for_each_kept(double tolerance, const Project& project, const Visit& visit) const;
+  void for_each_kept(const Thinning& thinning, const Project& project, const Visit& visit) const;
   host::Vector segment_color(std::size_t from, std::size_t to) const;
 
   const TrailView& trail_;
