@@ -67,7 +67,9 @@ SamplerPtr _make_slow_sampler(const std::string& obj) { return std::make_shared<
 
 std::int64_t _sample_count(double start, double end, double step) {
   if (step == 0.0) throw host::Error("float division by zero", host::ErrorKind::zero_division);
-  return host::Value(std::nearbyint((end - start) / step)).to_int() + 1;
+  const std::int64_t steps = host::Value(std::nearbyint((end - start) / step)).to_int();
+  if (steps >= kMostSamples) throw host::Error("too many samples", host::ErrorKind::overflow);
+  return steps + 1;
 }
 
 std::vector<Position> _sample_positions(const std::string& obj, double start, double end, double step,

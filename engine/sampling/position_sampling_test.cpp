@@ -143,10 +143,11 @@ TEST_F(Sampling, ACountThatIsNoNumberOrTooLargeFails) {
   EXPECT_EQ(error_of([] { _sample_count(0.0, 1e300, 1.0); }).kind(), host::ErrorKind::overflow);
 }
 
-TEST_F(Sampling, AnAbsurdCountClaimsNoMemoryBeforeItsFirstSampleFails) {
-  fake.on_evaluation = [] { throw host::Error("gone"); };
-  const host::Error error = error_of([&] { sample_times(0.0, 1e18, 1.0); });
-  EXPECT_STREQ(error.what(), "gone");
+TEST_F(Sampling, AnAbsurdCountIsRefusedBeforeAnySample) {
+  fake.on_evaluation = [] { throw host::Error("sampled"); };
+  const host::Error error = error_of([&] { _sample_positions("|ball", 0.0, 1e18, 1.0); });
+  EXPECT_STREQ(error.what(), "too many samples");
+  EXPECT_EQ(error.kind(), host::ErrorKind::overflow);
 }
 
 TEST_F(Sampling, AGivenSamplerIsUsedAsItIs) {
