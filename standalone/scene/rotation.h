@@ -18,42 +18,67 @@ struct SinCos {
   std::array<double, 3> cos;
 };
 
+// Sine and cosine of a multiple of pi/32, each as the nearest double and what that leaves out.
+struct SinCosNode {
+  double sin, sin_rest, cos, cos_rest;
+};
+
+// The whole circle.
+inline constexpr std::array<SinCosNode, 64> kSinCosNodes = [] {
+  constexpr std::array<std::array<double, 2>, 17> kQuarter = {{{0.0, 0.0},
+                                                               {0.0980171403295606, -1.634582362244256e-18},
+                                                               {0.19509032201612828, -7.991079068461731e-18},
+                                                               {0.2902846772544624, -1.892797870777425e-17},
+                                                               {0.3826834323650898, -1.0050772696461588e-17},
+                                                               {0.47139673682599764, 6.516678136069013e-18},
+                                                               {0.5555702330196022, 4.709410940561677e-17},
+                                                               {0.6343932841636455, 1.0420901929280035e-17},
+                                                               {0.7071067811865476, -4.833646656726457e-17},
+                                                               {0.773010453362737, -3.256590703364977e-17},
+                                                               {0.8314696123025452, 1.4073856984728024e-18},
+                                                               {0.881921264348355, -1.9843248405890562e-17},
+                                                               {0.9238795325112867, 1.7645047084336677e-17},
+                                                               {0.9569403357322088, 4.05538698618757e-17},
+                                                               {0.9807852804032304, 1.8546939997825006e-17},
+                                                               {0.9951847266721969, -4.248691367830441e-17},
+                                                               {1.0, 0.0}}};
+  std::array<SinCosNode, 64> nodes{};
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    const std::size_t quadrant = i / 16, up = i % 16, down = 16 - up;
+    const auto& s = kQuarter[quadrant % 2 == 0 ? up : down];
+    const auto& c = kQuarter[quadrant % 2 == 0 ? down : up];
+    const double s_sign = quadrant < 2 ? 1.0 : -1.0, c_sign = quadrant == 0 || quadrant == 3 ? 1.0 : -1.0;
+    nodes[i] = {s_sign * s[0], s_sign * s[1], c_sign * c[0], c_sign * c[1]};
+  }
+  return nodes;
+}();
+
 // Beyond this the reduction below runs out of exact bits, and the library's functions take over.
 inline constexpr double kSinCosReach = 1e5;
 
 // Written out instead of std::sin because the library's last bit differs between platforms, and because three of these
-// without a branch overlap. Within 2 ulp of the true value for |angle| <= kSinCosReach. The angle is reduced by
-// multiples of pi/2 in three parts, the first two short enough for exact products; the polynomials are Chebyshev
-// interpolants on [-pi/4, pi/4], their own error below 2e-17.
+// without a branch overlap. Within 2 ulp of the true value for |angle| <= kSinCosReach. The angle is a multiple of
+// pi/32 and a rest of at most pi/64; the multiples are taken off in three parts, the first two short enough for exact
+// products, and the rest needs only short polynomials (Chebyshev interpolants, their own error below 2e-18).
 inline void sin_cos_near(double angle, double& sine, double& cosine) {
   constexpr double kRound = 6755399441055744.0;  // 1.5 * 2^52: adding it rounds to a whole number
-  constexpr double kTwoOverPi = 0.63661977236758134308;
-  constexpr double kHalfPi1 = 1.5707963267341256, kHalfPi2 = 6.077100506303966e-11, kHalfPi3 = 2.0222662487959506e-21;
-  const double shifted = angle * kTwoOverPi + kRound;
-  const double turns = shifted - kRound;
-  const std::uint64_t quadrant = std::bit_cast<std::uint64_t>(shifted);
-  const double first = angle - turns * kHalfPi1;
-  const double second = turns * kHalfPi2;
+  constexpr double kPerNode = 10.185916357881302;
+  constexpr double kNode1 = 1.5707963267341256 / 16, kNode2 = 6.077100506303966e-11 / 16,
+                   kNode3 = 2.0222662487959506e-21 / 16;
+  const double shifted = angle * kPerNode + kRound;
+  const double steps = shifted - kRound;
+  const SinCosNode& node = kSinCosNodes[std::bit_cast<std::uint64_t>(shifted) % kSinCosNodes.size()];
+  const double first = angle - steps * kNode1;
+  const double second = steps * kNode2;
   const double r = first - second;
-  const double rest = ((first - r) - second) - turns * kHalfPi3;
+  const double left = ((first - r) - second) - steps * kNode3;
   const double q = r * r;
-  const double odd =
-      q * (0.008333333333330946 +
-           q * (-0.0001984126983675497 +
-                q * (2.755731610068303e-06 + q * (-2.5051131455427946e-08 + q * 1.591810123027412e-10))));
-  const double s = r + (rest + r * q * (-0.16666666666666666 + odd));
-  const double half = 0.5 * q;
-  const double near_one = 1.0 - half;
-  const double even =
-      q * (-0.0013888888888887395 +
-           q * (2.4801587298763433e-05 +
-                q * (-2.7557317270560326e-07 + q * (2.0876146024689747e-09 + q * -1.1382614868556325e-11))));
-  const double c = near_one + (((1.0 - near_one) - half) + (q * q * (0.041666666666666664 + even) - r * rest));
-  // Odd quadrants swap the two; the signs follow from the quadrant's second bit.
-  const std::uint64_t s_bits = std::bit_cast<std::uint64_t>(s), c_bits = std::bit_cast<std::uint64_t>(c);
-  const std::uint64_t swap = (s_bits ^ c_bits) & (std::uint64_t{0} - (quadrant & 1));
-  sine = std::bit_cast<double>((s_bits ^ swap) ^ ((quadrant & 2) << 62));
-  cosine = std::bit_cast<double>((c_bits ^ swap) ^ (((quadrant + 1) & 2) << 62));
+  const double s =
+      r + (left + r * q * (-0.16666666666666546 + q * (0.008333333324330089 + q * -0.0001984027364669203)));
+  const double c =
+      q * (-0.5 + q * (0.041666666666666546 + q * (-0.0013888888879885597 + q * 2.4800591102917088e-05)));  // less one
+  sine = node.sin + (node.cos * s + (node.sin * c + node.sin_rest));
+  cosine = node.cos + ((node.cos * c + node.cos_rest) - node.sin * s);
 }
 
 inline SinCos sin_cos(double x, double y, double z) {
