@@ -80,10 +80,12 @@ inline Basis rotation_of(const Channels& c, Channel first, int order = 0) {
   return rotation(angles.x, angles.y, angles.z, order);
 }
 
-inline Basis rotate_of(const Channels& c) {
+inline int rotate_order_of(const Channels& c) {
   const double order = c[index(Channel::rotateOrder)];
-  return rotation_of(c, Channel::rotateX, order >= 0.0 && order < 6.0 ? static_cast<int>(order) : 0);
+  return order >= 0.0 && order < 6.0 ? static_cast<int>(order) : 0;
 }
+
+inline Basis rotate_of(const Channels& c) { return rotation_of(c, Channel::rotateX, rotate_order_of(c)); }
 
 inline Rotations rotations_of(const Channels& c, const Factors& f) {
   Rotations r;
@@ -119,6 +121,11 @@ inline host::Vector stretch(const Channels& c, const Factors& f, const host::Vec
   return v;
 }
 
+inline void scale_rows(Affine& m, const Channels& c) {
+  for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t j = 0; j < 3; ++j) m.m[i][j] = c[index(Channel::scaleX) + i] * m.m[i][j];
+}
+
 // S * SH * turn: the upper three rows of the local matrix.
 inline void set_rows(Affine& m, const Channels& c, const Factors& f, const Basis& turned) {
   for (std::size_t i = 0; i < 3; ++i) m.m[i] = turned[i];
@@ -128,10 +135,19 @@ inline void set_rows(Affine& m, const Channels& c, const Factors& f, const Basis
       m.m[1][j] = c[index(Channel::shearXY)] * turned[0][j] + turned[1][j];
     }
   }
-  if (f.scale) {
-    for (std::size_t i = 0; i < 3; ++i)
-      for (std::size_t j = 0; j < 3; ++j) m.m[i][j] = c[index(Channel::scaleX) + i] * m.m[i][j];
-  }
+  if (f.scale) scale_rows(m, c);
+}
+
+// Whether the upper three rows are S * R and nothing else, and these are what set_rows would make of them: the usual
+// case, worth its own way, because it writes each row once.
+inline bool is_scale_and_rotate(const Factors& f) {
+  return f.rotate && !f.shear && !f.rotate_axis && !f.joint_orient && !f.inverse_scale && !f.pivots;
+}
+
+inline void set_scale_and_rotate(Affine& m, const Channels& c, const Factors& f) {
+  const host::Vector angles = vector_at(c, Channel::rotateX);
+  set_rotation(m.m, angles.x, angles.y, angles.z, rotate_order_of(c));
+  if (f.scale) scale_rows(m, c);
 }
 
 // Where the pivots alone put the origin: the local translation without T. Only for nodes that have pivots.

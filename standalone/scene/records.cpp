@@ -122,20 +122,22 @@ void drive(Record& r, double frame, std::size_t first, std::size_t end) {
   }
 }
 
+// The upper rows and the shift, the channels being those of the frame.
+void move_rows(Record& r) {
+  if (is_scale_and_rotate(r.factors)) return set_scale_and_rotate(r.local, r.channels, r.factors);
+  const auto moves = [&r](std::uint64_t channels) { return (r.driven_mask & channels) != 0; };
+  if (moves(triple(Channel::rotateX) | bit(Channel::rotateOrder))) r.rotations.rotate = rotate_of(r.channels);
+  if (moves(triple(Channel::rotateAxisX))) r.rotations.axis = rotation_of(r.channels, Channel::rotateAxisX);
+  if (moves(triple(Channel::jointOrientX))) r.rotations.orient = rotation_of(r.channels, Channel::jointOrientX);
+  const Basis turned = turn(r.channels, r.factors, r.rotations);
+  if (r.linear_moves) set_rows(r.local, r.channels, r.factors, turned);
+  if (r.shift_moves) r.shift = pivot_shift(r.channels, r.factors, turned);
+}
+
 // Brings `local` to a frame.
 void move_local(Record& r, double frame) {
   drive(r, frame, 0, r.driven.size());
-  if (r.linear_moves || r.shift_moves) {
-    const std::uint64_t moving = r.driven_mask;
-    if ((moving & (triple(Channel::rotateX) | bit(Channel::rotateOrder))) != 0)
-      r.rotations.rotate = rotate_of(r.channels);
-    if ((moving & triple(Channel::rotateAxisX)) != 0) r.rotations.axis = rotation_of(r.channels, Channel::rotateAxisX);
-    if ((moving & triple(Channel::jointOrientX)) != 0 && r.factors.joint_orient)
-      r.rotations.orient = rotation_of(r.channels, Channel::jointOrientX);
-    const Basis turned = turn(r.channels, r.factors, r.rotations);
-    if (r.linear_moves) set_rows(r.local, r.channels, r.factors, turned);
-    if (r.shift_moves) r.shift = pivot_shift(r.channels, r.factors, turned);
-  }
+  if (r.linear_moves || r.shift_moves) move_rows(r);
   set_translation(r.local, placed(r.channels, r.factors, r.shift));
 }
 
@@ -277,7 +279,7 @@ host::Vector translation_of(Evaluation& e, Record& r, double frame) {
   const bool alone = (r.parent == nullptr || !r.parent->moves) && r.offset_source == nullptr;
   if (!alone) {
     begin_sample(e, frame);
-    if (is_known(e, r)) return r.current->translation();
+    if (r.dependents > 0 && is_known(e, r)) return r.current->translation();
   }
   host::Vector t;
   if (!r.factors.pivots) {

@@ -95,13 +95,12 @@ inline SinCos sin_cos(double x, double y, double z) {
 }
 
 // The rotation that turns about axis I first, then J, then K. Orders that are no cyclic shift of xyz are the mirror
-// image of one that is: every sine changes its sign.
-template <std::size_t I, std::size_t J, std::size_t K>
-inline Basis rotation_in_order(const SinCos& t) {
+// image of one that is: every sine changes its sign. `Rows` is a Basis or the rows of an Affine.
+template <std::size_t I, std::size_t J, std::size_t K, class Rows>
+inline void set_rotation_in_order(Rows& b, const SinCos& t) {
   constexpr double kSign = (J == (I + 1) % 3) ? 1.0 : -1.0;
   const double si = kSign * t.sin[I], sj = kSign * t.sin[J], sk = kSign * t.sin[K];
   const double ci = t.cos[I], cj = t.cos[J], ck = t.cos[K];
-  Basis b;
   b[I][I] = cj * ck;
   b[I][J] = cj * sk;
   b[I][K] = -sj;
@@ -111,26 +110,32 @@ inline Basis rotation_in_order(const SinCos& t) {
   b[K][I] = ci * sj * ck + si * sk;
   b[K][J] = ci * sj * sk - si * ck;
   b[K][K] = ci * cj;
-  return b;
 }
 
 // Angles in radians; `order` as Channel::rotateOrder counts them, anything else is xyz.
-inline Basis rotation(double x, double y, double z, int order) {
+template <class Rows>
+inline void set_rotation(Rows& rows, double x, double y, double z, int order) {
   const SinCos t = sin_cos(x, y, z);
   switch (order) {
     case 1:
-      return rotation_in_order<1, 2, 0>(t);
+      return set_rotation_in_order<1, 2, 0>(rows, t);
     case 2:
-      return rotation_in_order<2, 0, 1>(t);
+      return set_rotation_in_order<2, 0, 1>(rows, t);
     case 3:
-      return rotation_in_order<0, 2, 1>(t);
+      return set_rotation_in_order<0, 2, 1>(rows, t);
     case 4:
-      return rotation_in_order<1, 0, 2>(t);
+      return set_rotation_in_order<1, 0, 2>(rows, t);
     case 5:
-      return rotation_in_order<2, 1, 0>(t);
+      return set_rotation_in_order<2, 1, 0>(rows, t);
     default:
-      return rotation_in_order<0, 1, 2>(t);
+      return set_rotation_in_order<0, 1, 2>(rows, t);
   }
+}
+
+inline Basis rotation(double x, double y, double z, int order) {
+  Basis b;
+  set_rotation(b, x, y, z, order);
+  return b;
 }
 
 // First a, then b.
