@@ -15,7 +15,7 @@ namespace {
 // Side of a raster cell, in pixels.
 constexpr double kCell = 4.0;
 constexpr double kMarkRadius = 4.5;
-// More keys than this and only round frame numbers are marked.
+// More keys than this, closer together than every other frame (a baked curve), and only round frame numbers are marked.
 constexpr std::size_t kManyKeys = 24;
 // Up to here names are written large.
 constexpr std::size_t kFewTrails = 8;
@@ -39,7 +39,7 @@ struct Candidate {
 void add_candidates(const DrawnTrail& drawn, bool ends_only, std::vector<Candidate>& candidates) {
   const TrailView& trail = drawn.trail();
   const std::size_t n = std::min(trail.key_times.size(), trail.key_points->size());
-  const bool many = n > kManyKeys;
+  const bool many = n > kManyKeys && trail.key_times[n - 1] - trail.key_times[0] < 2.0 * static_cast<double>(n - 1);
   const double step = many ? 2.0 * nice_step(std::max((trail.key_times[n - 1] - trail.key_times[0]) / 12.0, 1e-9)) : 0;
   for (std::size_t k = 0; k < n; ++k) {
     const host::Vector& position = (*trail.key_points)[k];
