@@ -32,6 +32,15 @@ std::vector<NodeId> transforms(const Scene& scene, bool all) {
   return found;
 }
 
+// What to say of a scene in which nothing moves: it may be still, or moved by what is not evaluated.
+std::string nothing_animated(const Scene& scene, const std::string& file) {
+  for (const NodeId node : transforms(scene, true))
+    if (!scene.not_followed(node).empty())
+      return file + ": nothing that can be followed is animated; 'vantorelix info " + file +
+             "' says what drives its objects: bake that before saving, or take --all";
+  return file + ": nothing is animated; name objects with --select, or take every one with --all";
+}
+
 }  // namespace
 
 std::vector<NodeId> choose(const Scene& scene, const Selection& selection, const std::string& file) {
@@ -48,8 +57,7 @@ std::vector<NodeId> choose(const Scene& scene, const Selection& selection, const
     return chosen;
   }
   add(transforms(scene, false));
-  if (chosen.empty())
-    throw Failure(file + ": nothing is animated; name objects with --select, or take every one with --all");
+  if (chosen.empty()) throw Failure(nothing_animated(scene, file));
   return chosen;
 }
 

@@ -1,0 +1,3 @@
+//Maya ASCII 2022 scene
+requires maya "2022";
+createNode transform -n "box";
