@@ -80,10 +80,9 @@ inline Basis rotation_of(const Channels& c, Channel first, int order = 0) {
   return rotation(angles.x, angles.y, angles.z, order);
 }
 
-inline int rotate_order_of(const Channels& c) {
-  const double order = c[index(Channel::rotateOrder)];
-  return order >= 0.0 && order < 6.0 ? static_cast<int>(order) : 0;
-}
+// What is no order counts as xyz.
+inline int rotate_order(double value) { return value >= 0.0 && value < 6.0 ? static_cast<int>(value) : 0; }
+inline int rotate_order_of(const Channels& c) { return rotate_order(c[index(Channel::rotateOrder)]); }
 
 inline Basis rotate_of(const Channels& c) { return rotation_of(c, Channel::rotateX, rotate_order_of(c)); }
 

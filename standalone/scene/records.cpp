@@ -8,7 +8,6 @@
 namespace vantorelix::standalone {
 namespace {
 
-constexpr std::uint64_t kTranslate = triple(Channel::translateX);
 constexpr std::uint64_t kLinear = triple(Channel::rotateX) | triple(Channel::scaleX) | triple(Channel::shearXY) |
                                   triple(Channel::rotateAxisX) | triple(Channel::jointOrientX) |
                                   triple(Channel::inverseScaleX) | bit(Channel::rotateOrder) |

@@ -65,7 +65,7 @@ double finite_number(const Scene::Data& scene, const Node& node, AttributeId att
 double to_inside(Channel c, double shown) { return is_angle(c) ? shown / kDegrees : shown; }
 
 host::Value shown(Channel c, double inside) {
-  if (c == Channel::rotateOrder) return host::Value(static_cast<std::int64_t>(inside));
+  if (c == Channel::rotateOrder) return host::Value(rotate_order(inside));
   if (is_switch(c)) return host::Value(inside != 0.0);
   return host::Value(is_angle(c) ? inside * kDegrees : inside);
 }
@@ -94,7 +94,7 @@ void set_plain(Scene::Data& scene, Node& node, AttributeId attribute, host::Valu
 host::Value like(const Scene::Data& scene, const Node& node, AttributeId attribute, const host::Value& before,
                  const host::Value& value) {
   if (before.as_bool()) return host::Value(finite_number(scene, node, attribute, value) != 0.0);
-  if (before.as_int()) return host::Value(static_cast<std::int64_t>(finite_number(scene, node, attribute, value)));
+  if (before.as_int()) return host::Value(host::Value(finite_number(scene, node, attribute, value)).to_int());
   if (before.as_float()) return host::Value(finite_number(scene, node, attribute, value));
   return value;
 }

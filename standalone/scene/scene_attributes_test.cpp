@@ -96,6 +96,13 @@ TEST_F(SceneAttributes, OnlyFiniteNumbersGoIn) {
   EXPECT_EQ(s.nodes().size(), 2u);
 }
 
+TEST_F(SceneAttributes, ARotateOrderThatIsNoneCountsAsTheFirst) {
+  s.set_attribute(a, "ro", 1e300);
+  EXPECT_EQ(s.attribute(a, "ro"), host::Value(0));
+  s.set_attribute(a, "ro", 5);
+  EXPECT_EQ(s.attribute(a, "ro"), host::Value(5));
+}
+
 TEST_F(SceneAttributes, TextIsNoNumber) { EXPECT_THROW(s.set_attribute(a, "tx", "5"), host::Error); }
 
 TEST_F(SceneAttributes, AddedAttributesKeepTheirKind) {
