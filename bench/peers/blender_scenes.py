@@ -13,8 +13,8 @@ import math
 import sys
 import time
 
-import addon_utils
 import bpy
+import addon_utils  # found once bpy is there
 
 KEYS = 5
 REPEATS = 3

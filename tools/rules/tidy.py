@@ -55,7 +55,8 @@ def problems(root, options):
 
     def look(path):
         try:
-            run = subprocess.run([PROGRAM, "--quiet", "--warnings-as-errors=*", "-p", options.build, path], cwd=root,
+            run = subprocess.run([PROGRAM, "--quiet", "--warnings-as-errors=*",
+                                  "--extra-arg=-Wno-unknown-warning-option", "-p", options.build, path], cwd=root,
                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT, universal_newlines=True)
         except FileNotFoundError:
             return "%s is not installed; ./dev lint installs it" % PROGRAM
