@@ -98,7 +98,9 @@ bool Host::panel_flag(const std::string& panel, const std::string& flag) const {
 
 std::size_t Host::refresh_count() const { return data_->state.refreshes; }
 
-void Host::set_option(const std::string& name, host::Value value) { data_->state.option_variables.set(name, value); }
+void Host::set_option(const std::string& name, const host::Value& value) {
+  data_->state.option_variables.set(name, value);
+}
 
 std::optional<host::Value> Host::option(const std::string& name) const {
   return data_->state.option_variables.get(name);

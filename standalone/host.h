@@ -67,7 +67,7 @@ class Host {
   std::size_t refresh_count() const;
 
   // --- option variables and modules --------------------------------------------------------------------------
-  void set_option(const std::string& name, host::Value value);
+  void set_option(const std::string& name, const host::Value& value);
   std::optional<host::Value> option(const std::string& name) const;
   // Environment of this host only: starts from nothing, never the process's own.
   void set_environment(const std::string& name, const std::string& value);

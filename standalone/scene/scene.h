@@ -27,33 +27,55 @@ inline constexpr NodeId kNoNode = 0xffffffffu;
 // The scalars that a local matrix is made of. Angles are radians, lengths the scene's linear unit. The last three
 // are whole numbers or flags kept as doubles, so that they too can be driven.
 enum class Channel : std::uint8_t {
-  translateX, translateY, translateZ,
-  rotateX, rotateY, rotateZ,
-  scaleX, scaleY, scaleZ,
-  shearXY, shearXZ, shearYZ,
-  rotateAxisX, rotateAxisY, rotateAxisZ,
-  jointOrientX, jointOrientY, jointOrientZ,
-  rotatePivotX, rotatePivotY, rotatePivotZ,
-  rotatePivotTranslateX, rotatePivotTranslateY, rotatePivotTranslateZ,
-  scalePivotX, scalePivotY, scalePivotZ,
-  scalePivotTranslateX, scalePivotTranslateY, scalePivotTranslateZ,
-  inverseScaleX, inverseScaleY, inverseScaleZ,
-  rotateOrder,              // 0 xyz, 1 yzx, 2 zxy, 3 xzy, 4 yxz, 5 zyx
-  inheritsTransform,        // 0 or 1
-  segmentScaleCompensate,   // 0 or 1, joints only
+  translateX,
+  translateY,
+  translateZ,
+  rotateX,
+  rotateY,
+  rotateZ,
+  scaleX,
+  scaleY,
+  scaleZ,
+  shearXY,
+  shearXZ,
+  shearYZ,
+  rotateAxisX,
+  rotateAxisY,
+  rotateAxisZ,
+  jointOrientX,
+  jointOrientY,
+  jointOrientZ,
+  rotatePivotX,
+  rotatePivotY,
+  rotatePivotZ,
+  rotatePivotTranslateX,
+  rotatePivotTranslateY,
+  rotatePivotTranslateZ,
+  scalePivotX,
+  scalePivotY,
+  scalePivotZ,
+  scalePivotTranslateX,
+  scalePivotTranslateY,
+  scalePivotTranslateZ,
+  inverseScaleX,
+  inverseScaleY,
+  inverseScaleZ,
+  rotateOrder,             // 0 xyz, 1 yzx, 2 zxy, 3 xzy, 4 yxz, 5 zyx
+  inheritsTransform,       // 0 or 1
+  segmentScaleCompensate,  // 0 or 1, joints only
   count
 };
 
 // What a scene tells whoever listens, inside the edit itself.
 struct SceneListener {
-  std::function<void(NodeId curve)> curve_edited;      // keys, tangents or infinity of a curve changed
-  std::function<void(NodeId curve)> keyframe_edited;   // a key was set, moved or removed
+  std::function<void(NodeId curve)> curve_edited;     // keys, tangents or infinity of a curve changed
+  std::function<void(NodeId curve)> keyframe_edited;  // a key was set, moved or removed
   std::function<void(NodeId node, const std::string& type)> node_removed;  // just before it goes
 };
 
 // One thing that a reader met and could not follow; equal kinds are counted, not repeated.
 struct Warning {
-  std::string kind;     // "constraint parentConstraint is not evaluated; the object keeps its static values"
+  std::string kind;  // "constraint parentConstraint is not evaluated; the object keeps its static values"
   std::size_t count;
 };
 
@@ -65,16 +87,16 @@ class Scene {
   Scene& operator=(Scene&&) noexcept;
 
   // --- scene-wide settings ------------------------------------------------------------------------------------
-  double frames_per_second() const;             // 24 unless set; > 0
+  double frames_per_second() const;  // 24 unless set; > 0
   void set_frames_per_second(double fps);
-  std::string linear_unit() const;              // "cm" unless set: the unit of every position that comes out
+  std::string linear_unit() const;  // "cm" unless set: the unit of every position that comes out
   void set_linear_unit(std::string unit);
-  char up_axis() const;                         // 'y' or 'z'
+  char up_axis() const;  // 'y' or 'z'
   void set_up_axis(char axis);
-  double playback_min() const;                  // frames
+  double playback_min() const;  // frames
   double playback_max() const;
   void set_playback_range(double first, double last);
-  double current_time() const;                  // frames
+  double current_time() const;  // frames
   void set_current_time(double frame);
 
   // --- nodes --------------------------------------------------------------------------------------------------
@@ -102,9 +124,9 @@ class Scene {
 
   bool exists(NodeId node) const;
   const std::string& type(NodeId node) const;
-  bool is_transform(NodeId node) const;   // transform, joint, and whatever else can have children
+  bool is_transform(NodeId node) const;  // transform, joint, and whatever else can have children
   bool is_shape(NodeId node) const;
-  NodeId parent(NodeId node) const;       // kWorld at the top
+  NodeId parent(NodeId node) const;  // kWorld at the top
   const std::vector<NodeId>& children(NodeId node) const;
   std::vector<NodeId> shapes(NodeId transform) const;
   // All nodes in order of creation.
@@ -113,8 +135,8 @@ class Scene {
 
   // --- names --------------------------------------------------------------------------------------------------
   std::string_view short_name(NodeId node) const;
-  std::string long_name(NodeId node) const;           // "|arm|wrist"; the plain name for nodes outside the DAG
-  std::string unique_name(NodeId node) const;         // the shortest path that names only this node
+  std::string long_name(NodeId node) const;    // "|arm|wrist"; the plain name for nodes outside the DAG
+  std::string unique_name(NodeId node) const;  // the shortest path that names only this node
   // The one node that `name` (short, partial or full path) stands for; kNoNode when there is none. Throws
   // "More than one object matches name: ..." when it is ambiguous.
   NodeId find(std::string_view name) const;
@@ -125,14 +147,15 @@ class Scene {
   std::vector<NodeId> match(std::string_view pattern) const;
 
   // --- attributes ---------------------------------------------------------------------------------------------
-  // Attribute names are long or short ("translateX", "tx"), without the node. Channels take radians here.
-  double channel(NodeId node, Channel c) const;                 // its static value
-  void set_channel(NodeId node, Channel c, double value);       // ignores locks and drivers: for readers and tests
+  // Attribute names are long or short ("translateX", "tx"), without the node. Channels take radians here. Numbers that
+  // are not finite are refused with kind value, in every way in.
+  double channel(NodeId node, Channel c) const;            // its static value
+  void set_channel(NodeId node, Channel c, double value);  // ignores locks and drivers: for readers and tests
   void set_offset_parent_matrix(NodeId node, const std::array<double, 16>& matrix);
   // The script's way: converts, checks locks and connections ("The attribute 'x.y' is locked or connected and
   // cannot be modified."), takes UI units (degrees). Throws "No object matches name: x.y" for an unknown attribute.
   void set_attribute(NodeId node, std::string_view attribute, const host::Value& value);
-  host::Value attribute(NodeId node, std::string_view attribute) const;   // static value, UI units
+  host::Value attribute(NodeId node, std::string_view attribute) const;  // static value, UI units
   bool has_attribute(NodeId node, std::string_view attribute) const;
   // Declares an attribute on one node (addAttr), or sets one that a reader met without declaring it.
   void add_attribute(NodeId node, std::string_view attribute, const host::Value& value);
@@ -146,9 +169,11 @@ class Scene {
   const std::vector<host::Vector>& curve_points(NodeId shape) const;
 
   // --- connections --------------------------------------------------------------------------------------------
-  // "output" of an animation curve, unitConversion or pairBlend, any channel or parent of channels ("translate"),
-  // "worldMatrix[0]", "matrix", and anything else, which is kept and reported as not followed. Replaces what drove
-  // the destination. Cycles are kept but not followed.
+  // "output" of an animation curve, unitConversion or pairBlend, any channel or parent of channels ("translate"), a
+  // number that a transform or shape was given with add_attribute, "worldMatrix[0]" and "matrix" into
+  // "offsetParentMatrix", and anything else, which is kept and reported as not followed. Replaces what drove the
+  // destination. Cycles, and chains of more than 256 connections, are kept but not followed. Converters and curves that
+  // are left driving nothing when what they drove is deleted go with it.
   void connect(NodeId source, std::string_view source_attribute, NodeId destination,
                std::string_view destination_attribute);
   void disconnect(NodeId destination, std::string_view destination_attribute);
@@ -163,7 +188,7 @@ class Scene {
   // Edits of a curve node; each sends its messages before it returns.
   void set_key(NodeId curve, double frame, double value);
   void set_key(NodeId curve, const Key& key);
-  bool remove_key(NodeId curve, double frame);   // the last key takes the curve node with it
+  bool remove_key(NodeId curve, double frame);  // the last key takes the curve node with it
   void set_infinity(NodeId curve, Infinity pre, Infinity post);
   // The curve that drives a channel, straight or through unitConversion and pairBlend; kNoNode when none does.
   NodeId driving_curve(NodeId node, Channel c) const;
@@ -172,7 +197,8 @@ class Scene {
   std::size_t key_count(NodeId node) const;
 
   // --- evaluation ---------------------------------------------------------------------------------------------
-  // The attribute query: walks the parents and composes. Exact and plain.
+  // The attribute query: walks the parents and composes. Exact and plain. A shape shows its transform's matrix. Where
+  // an inverse scale is zero the result holds infinities or NaN.
   Affine world_matrix(NodeId node, double frame) const;
   Affine local_matrix(NodeId node, double frame) const;
   // True when the node or a parent is driven by a curve that varies.
