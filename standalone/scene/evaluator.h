@@ -7,7 +7,9 @@ namespace vantorelix::standalone {
 
 // The world position of one node, ready to be asked at many times. Holds the node by id, compiled parts of the scene
 // and a place in each curve; notices edits by the scene's revision and recompiles itself. Gives the same doubles as
-// Scene::world_matrix(node, frame).translation(). The scene must outlive it.
+// Scene::world_matrix(node, frame).translation(). The scene must outlive it. Fastest when objects are asked one after
+// another, each at all its times, and all at the same times: the scene remembers the world matrices that several of
+// them share (24 MB at most, void at the next edit).
 class Evaluator {
  public:
   Evaluator(const Scene& scene, NodeId node);

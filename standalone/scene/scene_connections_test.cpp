@@ -239,8 +239,12 @@ TEST_F(SceneConnections, ANodeWithManyInputsKeepsThemInOrder) {
   for (int i = 0; i < 500; i += 2) s.disconnect(set, "dsm[" + std::to_string(i) + "]");
   s.connect(line, "o", set, "dsm[1]");
   EXPECT_EQ(s.key_count(set), 2u);
+  const NodeId late = s.create_curve(CurveKind::linear, "late");
+  s.set_key(late, 55, 0);
+  s.connect(late, "o", set, "dsm[0]");  // undone above: made anew, so it comes last
+  EXPECT_THAT(s.key_times(set), ElementsAre(0, 100, 55));
   s.delete_node(line);
-  EXPECT_EQ(s.key_count(set), 0u);
+  EXPECT_THAT(s.key_times(set), ElementsAre(55));
 }
 
 TEST(SceneCurves, EditsSendTheirMessagesAtOnce) {
