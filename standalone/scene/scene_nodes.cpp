@@ -119,6 +119,10 @@ void disconnect_all(Scene::Data& scene, Node& node, std::vector<NodeId>& orphans
   }
 }
 
+// Whether anything compiled may hang on the node. What nobody samples can come, move and go without making a sampled
+// node's remembered matrices void.
+bool is_felt(const Node& node) { return node.record != nullptr || node.live_outputs > 0; }
+
 void remove(Scene::Data& scene, NodeId id, std::vector<NodeId>& orphans) {
   if (!scene.find(id)) return;
   // A listener may delete more, this very node included; that one is not told twice.
@@ -128,7 +132,7 @@ void remove(Scene::Data& scene, NodeId id, std::vector<NodeId>& orphans) {
     if (!scene.find(id)) return;
   }
   Node& node = *scene.find(id);
-  const bool felt = node.record != nullptr || node.live_outputs > 0;
+  const bool felt = is_felt(node);
   disconnect_all(scene, node, orphans);
   if (scene.is_dag(node)) detach(scene, node);
   scene.names.remove(scope_of(scene, node), node.name, id);
@@ -259,7 +263,10 @@ void Scene::set_parent(NodeId id, NodeId parent) {
   node.parent = parent;
   attach(d, node);
   node.name = d.names.add(parent, d.names.free_name(parent, name), id);
-  d.structure_changed();
+  ++d.revision;
+  std::vector<NodeId> moved;
+  collect(d, id, moved);
+  if (std::any_of(moved.begin(), moved.end(), [&](NodeId n) { return is_felt(*d.find(n)); })) d.structure_changed();
 }
 
 void Scene::lock_node(NodeId node, bool locked) { data_->at(node).locked = locked; }
