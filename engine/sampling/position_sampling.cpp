@@ -37,6 +37,22 @@ class SlowSampler : public Sampler {
   std::string obj_;
 };
 
+// Curves that are keyed together, a recorded motion's above all, name the same ascending times one after another: a run
+// that repeats the one before it goes before anything is sorted.
+void drop_repeated_runs(std::vector<double>& times) {
+  auto kept = times.begin();   // where the last run kept begins
+  auto write = times.begin();  // and ends
+  for (auto run = times.begin(); run != times.end();) {
+    const auto end = std::is_sorted_until(run, times.end());
+    if (write == times.begin() || !std::equal(kept, write, run, end)) {
+      kept = write;
+      write = write == run ? end : std::copy(run, end, write);
+    }
+    run = end;
+  }
+  times.erase(write, times.end());
+}
+
 SamplerPtr sampler_or_best(const std::string& obj, SamplerPtr sampler) {
   if (!sampler) sampler = _make_fast_sampler(obj);
   return sampler ? sampler : _make_slow_sampler(obj);
@@ -85,7 +101,8 @@ std::vector<Position> _sample_positions(const std::string& obj, double start, do
 std::vector<double> _keyframe_times(const std::string& obj, double start, double end) {
   std::vector<double> times = cmds->keyframe_times(obj);
   std::erase_if(times, [&](double t) { return !(start - kRangeMargin <= t && t <= end + kRangeMargin); });
-  std::stable_sort(times.begin(), times.end());
+  drop_repeated_runs(times);
+  if (!std::is_sorted(times.begin(), times.end())) std::sort(times.begin(), times.end());
   times.erase(std::unique(times.begin(), times.end()), times.end());
   return times;
 }

@@ -192,6 +192,13 @@ TEST_F(Sampling, KeyTimesAreSortedAndOnlyExactDuplicatesMerged) {
   EXPECT_THAT(recorder.log(), ElementsAre("cmds.keyframe('|ball', q=True, timeChange=True)"));
 }
 
+TEST_F(Sampling, KeyTimesOfCurvesKeyedTogetherAndApartCountOnceEach) {
+  fake.node("ball").keys = {1.0, 3.0, 5.0, 1.0, 3.0, 5.0, 2.0, 3.0, 1.0, 3.0, 5.0, 4.0};
+  EXPECT_THAT(_keyframe_times("|ball", 1.0, 5.0), ElementsAre(1.0, 2.0, 3.0, 4.0, 5.0));
+  fake.node("ball").keys = {1.0, 3.0, 1.0, 3.0, 1.0, 3.0};
+  EXPECT_THAT(_keyframe_times("|ball", 1.0, 5.0), ElementsAre(1.0, 3.0));
+}
+
 TEST_F(Sampling, KeyTimesJustOutsideTheRangeCount) {
   fake.node("ball").keys = {10.0 - 0.0000005, 10.0 - 0.000002, 20.0 + 0.0000005, 20.0 + 0.000002};
   EXPECT_THAT(_keyframe_times("|ball", 10.0, 20.0), ElementsAre(10.0 - 0.0000005, 20.0 + 0.0000005));
