@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 #include "engine/bootstrap/paths.h"
@@ -11,6 +12,7 @@
 #include "engine/frame/attempt.h"
 #include "engine/frame/constants.h"
 #include "engine/frame/state.h"
+#include "host/value.h"
 
 namespace vantorelix {
 
@@ -56,12 +58,6 @@ std::optional<std::string> folder_above(const std::string& folder) {
   std::string above = paths::directory_name(folder);
   if (above.empty() || above == folder) return std::nullopt;
   return above;
-}
-
-std::string strip(const std::string& text) {
-  const char* blanks = " \t\n\r\v\f";
-  const std::size_t first = text.find_first_not_of(blanks);
-  return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 // The texts among what the safe-mode list holds, in whatever form the host gives it.
@@ -119,7 +115,7 @@ std::string joined(const std::vector<std::string>& texts, const std::string& bet
 std::string _maya_user_plugins_dir() {
   const std::string base = cmds->internalVar_userAppDir();
   const std::string version = cmds->about_version();
-  const std::string year = strip(version.substr(0, version.find('.')));
+  const std::string year(host::stripped(std::string_view(version).substr(0, version.find('.'))));
   std::string folder = paths::forward_slashes(paths::join(paths::join(base, year), "plug-ins"));
   if (!is_folder(folder)) {
     std::error_code ignored;
