@@ -2,6 +2,7 @@
 #pragma once
 
 #include <list>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -17,17 +18,17 @@ template <class T>
 class OrderedMap {
  public:
   using Item = std::pair<const std::string, T>;
+  using Snapshot = std::vector<std::pair<std::string, T>>;
 
   bool empty() const { return items_.empty(); }
   std::size_t size() const { return items_.size(); }
   bool contains(const std::string& key) const { return index_.count(key) != 0; }
-  auto begin() { return items_.begin(); }
-  auto end() { return items_.end(); }
   auto begin() const { return items_.begin(); }
   auto end() const { return items_.end(); }
 
   // The value under `key`, default-constructed first when it is new.
   T& operator[](const std::string& key) {
+    snapshot_.reset();
     auto found = index_.find(key);
     if (found == index_.end()) {
       items_.emplace_back(key, T{});
@@ -53,19 +54,26 @@ class OrderedMap {
   bool erase(const std::string& key) {
     const auto found = index_.find(key);
     if (found == index_.end()) return false;
+    snapshot_.reset();
     items_.erase(found->second);
     index_.erase(found);
     return true;
   }
 
   void clear() {
+    snapshot_.reset();
     index_.clear();
     items_.clear();
   }
 
-  std::vector<std::pair<std::string, T>> snapshot() const { return {items_.begin(), items_.end()}; }
+  // What is here now, in order; later changes leave it alone. Constant time while nothing changes.
+  std::shared_ptr<const Snapshot> snapshot() const {
+    if (!snapshot_) snapshot_ = std::make_shared<const Snapshot>(items_.begin(), items_.end());
+    return snapshot_;
+  }
 
  private:
+  mutable std::shared_ptr<const Snapshot> snapshot_;  // null when the map has changed since the last one
   std::list<Item> items_;
   std::unordered_map<std::string, typename std::list<Item>::iterator> index_;
 };

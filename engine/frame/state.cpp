@@ -10,7 +10,7 @@ host::AnimationModel* oma = nullptr;
 host::Interpreter* interpreter = nullptr;
 
 std::string PLUGIN_FILE;
-OrderedMap<std::shared_ptr<Settings>> _REGISTRY;
+Registry _REGISTRY;
 std::optional<CallbackIds> _CB_ID;
 bool _REBUILDING = false;
 std::int64_t _GEN = 0;
@@ -29,6 +29,16 @@ std::string plugin_beside(const std::string& module_file) {
 }
 
 }  // namespace
+
+WorkItem& WorkItems::operator[](std::size_t n) {
+  while (made_.size() <= n) {
+    const auto& [viz, settings] = (*trails_)[made_.size()];
+    WorkItem& made = made_.emplace_back();
+    made.viz = viz;
+    made.settings = settings;
+  }
+  return made_[n];
+}
 
 void _initialise(const Handles& handles) {
   cmds = handles.cmds;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "engine/frame/ordered_map.h"
+#include "engine/sampling/sample_times.h"
 #include "host/command_layer.h"
 #include "host/interpreter.h"
 #include "host/object_model.h"
@@ -27,12 +29,14 @@ using Colour = host::Vector;    // r, g, b in 0..1
 // delete them, and each reader says what it then does.
 using Settings = OrderedMap<host::Value>;
 
+using Registry = OrderedMap<std::shared_ptr<Settings>>;  // viz transform name -> settings
+
 // One trail's place in the rebuild queue. Invariants: *pos has exactly i entries, kpos exactly ki.
 struct WorkItem {
-  std::string viz;                           // the registry key: the viz transform's name
-  std::shared_ptr<Settings> settings;        // shared with the registry: a "ref" stored here lands there
-  std::shared_ptr<Sampler> sampler;          // null until planned, or where only the slow query works
-  std::optional<std::vector<double>> times;  // sample times in frames; nothing until planned
+  std::string viz;                     // the registry key: the viz transform's name
+  std::shared_ptr<Settings> settings;  // shared with the registry: a "ref" stored here lands there
+  std::shared_ptr<Sampler> sampler;    // null until planned, or where only the slow query works
+  std::optional<SampleTimes> times;    // nothing until planned
   std::shared_ptr<std::vector<Position>> pos = std::make_shared<std::vector<Position>>();
   std::size_t i = 0;                          // next sample time to evaluate
   std::optional<std::vector<double>> ktimes;  // key times in range; nothing until read
@@ -40,11 +44,27 @@ struct WorkItem {
   std::size_t ki = 0;  // next key time to evaluate
 };
 
+// One item for each trail of a snapshot, in its order. An item is made when it is first asked for, so that a list of
+// any length is ready at once.
+class WorkItems {
+ public:
+  WorkItems() = default;
+  explicit WorkItems(std::shared_ptr<const Registry::Snapshot> trails) : trails_(std::move(trails)) {}
+
+  std::size_t size() const { return trails_ ? trails_->size() : 0; }
+  // Valid as long as the list lives; n < size().
+  WorkItem& operator[](std::size_t n);
+
+ private:
+  std::shared_ptr<const Registry::Snapshot> trails_;
+  std::deque<WorkItem> made_;  // the first items
+};
+
 struct WorkRecord {
-  std::int64_t gen = 0;         // _GEN when the record was built
-  std::vector<WorkItem> items;  // in the registry's order
-  std::size_t k = 0;            // current item; those before it are finished, dropped or failed
-  double start = 0.0;           // playback range, frames
+  std::int64_t gen = 0;  // _GEN when the record was built
+  WorkItems items;
+  std::size_t k = 0;   // current item; those before it are finished, dropped or failed
+  double start = 0.0;  // playback range, frames
   double end = 0.0;
 };
 
@@ -59,7 +79,7 @@ extern host::Interpreter* interpreter;
 
 // --- the state -------------------------------------------------------------------------------------------------
 extern std::string PLUGIN_FILE;  // the node plug-in beside the engine's own file; read-only after initialisation
-extern OrderedMap<std::shared_ptr<Settings>> _REGISTRY;  // viz transform name -> settings, mutated in place
+extern Registry _REGISTRY;       // mutated in place
 extern std::optional<CallbackIds> _CB_ID;
 extern bool _REBUILDING;
 extern std::int64_t _GEN;

@@ -16,7 +16,9 @@ namespace {
 using support::EngineTest;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::Not;
+using testing::SizeIs;
 using testing::StartsWith;
 
 class State : public EngineTest {
@@ -149,15 +151,45 @@ TEST(OrderedMap, KeepsTheOrderOfInsertion) {
   map["b"] = 1;
   map["a"] = 2;
   map["b"] = 3;  // keeps its place
-  EXPECT_THAT(map.snapshot(), ElementsAre(std::pair<std::string, int>("b", 3), std::pair<std::string, int>("a", 2)));
+  EXPECT_THAT(*map.snapshot(), ElementsAre(std::pair<std::string, int>("b", 3), std::pair<std::string, int>("a", 2)));
   EXPECT_TRUE(map.erase("b"));
   EXPECT_FALSE(map.erase("b"));
   map["b"] = 4;  // goes to the end
-  EXPECT_THAT(map.snapshot(), ElementsAre(std::pair<std::string, int>("a", 2), std::pair<std::string, int>("b", 4)));
+  EXPECT_THAT(*map.snapshot(), ElementsAre(std::pair<std::string, int>("a", 2), std::pair<std::string, int>("b", 4)));
   EXPECT_EQ(map.get("c", 9), 9);
   EXPECT_EQ(map.get("a", 9), 2);
   map.clear();
   EXPECT_TRUE(map.empty());
+}
+
+TEST(OrderedMap, ASnapshotOutlivesEveryChangeAndIsSharedUntilThen) {
+  OrderedMap<int> map;
+  map["a"] = 1;
+  const auto before = map.snapshot();
+  EXPECT_EQ(map.snapshot(), before);
+  map["b"] = 2;
+  EXPECT_THAT(*before, ElementsAre(std::pair<std::string, int>("a", 1)));
+  const auto grown = map.snapshot();
+  EXPECT_THAT(*grown, ElementsAre(std::pair<std::string, int>("a", 1), std::pair<std::string, int>("b", 2)));
+  map.erase("a");
+  EXPECT_THAT(*map.snapshot(), ElementsAre(std::pair<std::string, int>("b", 2)));
+  map.clear();
+  EXPECT_THAT(*map.snapshot(), IsEmpty());
+  EXPECT_THAT(*grown, SizeIs(2));
+}
+
+TEST(WorkItems, AreMadeInTheOrderOfTheTrailsWhicheverIsAskedForFirst) {
+  Registry registry;
+  for (const char* name : {"a", "b", "c"}) registry[name] = std::make_shared<Settings>();
+  WorkItems items(registry.snapshot());
+  EXPECT_EQ(items.size(), 3u);
+  EXPECT_EQ(items[2].viz, "c");
+  EXPECT_EQ(items[0].viz, "a");
+  EXPECT_EQ(items[1].settings, registry.at("b"));
+  WorkItem& first = items[0];
+  first.i = 7;
+  EXPECT_EQ(&items[0], &first);
+  EXPECT_EQ(WorkItems().size(), 0u);
 }
 
 TEST(OrderedMap, AMissingKeyIsNamedInQuotes) {

@@ -52,7 +52,8 @@ void apply_prefs_to_existing_trails(bool rebuild_if_samples_changed) {
   }
   if (rebuild_if_samples_changed && !_REGISTRY.empty()) {
     const std::int64_t samples = _get_pref_samples();
-    for (const auto& [viz_tr, settings] : _REGISTRY.snapshot()) apply_density(viz_tr, *settings, samples);
+    const auto trails = _REGISTRY.snapshot();
+    for (const auto& [viz_tr, settings] : *trails) apply_density(viz_tr, *settings, samples);
     _schedule_rebuild();
   }
   attempt([] { cmds->refresh(); });

@@ -7,6 +7,7 @@
 #include "engine/frame/attempt.h"
 #include "engine/frame/constants.h"
 #include "engine/rebuild/triggers.h"
+#include "engine/sampling/limits.h"
 #include "engine/sampling/position_sampling.h"
 #include "engine/trails/nodes.h"
 #include "engine/trails/trail_data.h"
@@ -29,13 +30,7 @@ void defer_successor() {
 std::shared_ptr<WorkRecord> fresh_record() {
   auto work = std::make_shared<WorkRecord>();
   work->gen = _GEN;
-  work->items.reserve(_REGISTRY.size());
-  for (const auto& [viz_tr, settings] : _REGISTRY) {
-    WorkItem it;
-    it.viz = viz_tr;
-    it.settings = settings;
-    work->items.push_back(std::move(it));
-  }
+  work->items = WorkItems(_REGISTRY.snapshot());
   work->start = cmds->playbackOptions_min();
   work->end = cmds->playbackOptions_max();
   return work;
@@ -43,18 +38,15 @@ std::shared_ptr<WorkRecord> fresh_record() {
 
 void plan(WorkItem& it, const WorkRecord& work, const std::string& obj) {
   const double step_len = 1.0 / static_cast<double>(_samples_per_frame(it.settings->at("samples_per_frame")));
-  const std::int64_t n = _sample_count(work.start, work.end, step_len);
-  std::vector<double> times;
-  times.reserve(n > 0 ? static_cast<std::size_t>(n) : 0);
-  for (std::int64_t j = 0; j < n; ++j) times.push_back(work.start + static_cast<double>(j) * step_len);
-  it.pos->reserve(times.size());
-  it.times = std::move(times);
+  it.times = SampleTimes{work.start, step_len, _sample_count(work.start, work.end, step_len)};
+  it.pos->reserve(reservation(it.times->count));
   it.sampler = _make_fast_sampler(obj);
 }
 
 // Appends the positions at times[next], times[next + 1], ... and stops after the first that ends at or past the
 // deadline. True when none is left.
-bool sample_until(double deadline, const std::vector<double>& times, std::size_t& next, std::vector<Position>& out,
+template <class Times>
+bool sample_until(double deadline, const Times& times, std::size_t& next, std::vector<Position>& out,
                   Sampler& sampler) {
   while (next < times.size()) {
     out.push_back(sampler(times[next]));

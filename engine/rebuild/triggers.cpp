@@ -54,7 +54,8 @@ void _rebuild_all_sync() {
 }
 
 void _rebuild_all() {
-  for (const auto& [viz_tr, settings] : _REGISTRY.snapshot()) {
+  const auto trails = _REGISTRY.snapshot();
+  for (const auto& [viz_tr, settings] : *trails) {
     try {
       _rebuild_one(viz_tr, settings);
     } catch (const std::exception& error) {

@@ -34,10 +34,9 @@ struct Request {
   host::Value xray_mode;
   host::Value color_mode;
   std::string root = {};
-  double start = 0.0;  // playback range and sample distance, frames
+  double start = 0.0;  // playback range, frames
   double end = 0.0;
-  double step = 1.0;
-  std::int64_t n_total = 0;
+  SampleTimes times = {};
   double deadline = 0.0;  // wall clock, for all objects together
 };
 
@@ -70,18 +69,18 @@ double frame_step(const Request& request) {
 void read_playback_range(Request& request) {
   request.start = cmds->playbackOptions_min();
   request.end = cmds->playbackOptions_max();
-  request.step = frame_step(request);
-  request.n_total = _sample_count(request.start, request.end, request.step);
+  const double step = frame_step(request);
+  request.times = {request.start, step, _sample_count(request.start, request.end, step)};
   request.deadline = interpreter->time() + _CREATE_BUDGET;
 }
 
 // Samples in coverage-first order until the deadline, but never fewer than two where the range has two.
 SampleMap sample_within_budget(Sampler& sampler, const Request& request) {
-  SampleMap sampled(request.n_total);
-  _bisect_indices order(request.n_total);
+  SampleMap sampled(request.times.count);
+  _bisect_indices order(request.times.count);
   bool first = true;
   while (const auto index = order.next()) {
-    sampled.set(*index, sampler(request.start + static_cast<double>(*index) * request.step));
+    sampled.set(*index, sampler(request.times[static_cast<std::size_t>(*index)]));
     if (!first && interpreter->time() >= request.deadline) break;
     first = false;
   }
@@ -94,11 +93,11 @@ std::optional<Draft> draft_trail(const std::string& obj, const Request& request)
   if (!sampler) sampler = _make_slow_sampler(obj);
   SampleMap sampled = sample_within_budget(*sampler, request);
   if (sampled.size() < 2) return std::nullopt;
-  const bool all_sampled = static_cast<std::int64_t>(sampled.size()) == request.n_total;
+  const bool all_sampled = sampled.size() == request.times.size();
 
   Draft draft;
   auto pos = std::make_shared<const std::vector<Position>>(all_sampled ? sampled.take()
-                                                                       : _smooth_fill(request.n_total, sampled));
+                                                                       : _smooth_fill(request.times.count, sampled));
   auto key_pos = std::make_shared<std::vector<Position>>();
   const bool did_keys = interpreter->time() < request.deadline;
   if (did_keys) {

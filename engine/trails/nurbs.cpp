@@ -45,7 +45,8 @@ void convert_trail(const std::string& viz_tr, const Settings& settings, const st
 void convert_to_nurbs(const host::Value& degree) {
   const std::set<std::string> selected = selected_short_names();
   std::vector<std::string> created;
-  for (const auto& [viz_tr, settings] : _REGISTRY.snapshot()) {
+  const auto trails = _REGISTRY.snapshot();
+  for (const auto& [viz_tr, settings] : *trails) {
     convert_trail(viz_tr, *settings, selected, degree, created);
   }
   if (created.empty()) {
