@@ -1,6 +1,5 @@
 #include "standalone/interpreter.h"
 
-#include <chrono>
 #include <cstdio>
 
 #include "host/error.h"
@@ -43,10 +42,7 @@ const ModuleFunctions& module_named(const HostState& state, const std::string& n
 
 }  // namespace
 
-double StandaloneInterpreter::time() {
-  if (state_.options.clock) return state_.options.clock();
-  return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
+double StandaloneInterpreter::time() { return state_.options.clock ? state_.options.clock() : clock_.now(); }
 
 void StandaloneInterpreter::print(const std::string& line) {
   if (state_.options.print) return state_.options.print(line);

@@ -3,6 +3,7 @@
 
 #include "host/interpreter.h"
 #include "standalone/host_state.h"
+#include "standalone/wall_clock.h"
 
 namespace vantorelix::standalone {
 
@@ -23,6 +24,7 @@ class StandaloneInterpreter : public host::Interpreter {
 
  private:
   HostState& state_;
+  WallClock clock_;
 };
 
 }  // namespace vantorelix::standalone
