@@ -1,7 +1,6 @@
 #include "cli/trail_session.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <unordered_map>
 
@@ -37,9 +36,9 @@ std::vector<std::vector<NodeId>> turns(const standalone::Scene& scene, const std
 
 }  // namespace
 
-double WorkClock::now() const {
+double WorkClock::now() {
   check_interrupt();
-  return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count() + ahead_;
+  return clock_.now() + ahead_;
 }
 
 TrailSession::TrailSession(standalone::Scene scene, const std::optional<std::filesystem::path>& preferences,

@@ -10,6 +10,7 @@
 #include "cli/terminal.h"
 #include "host/value.h"
 #include "standalone/host.h"
+#include "standalone/wall_clock.h"
 
 namespace vantorelix::cli {
 
@@ -21,10 +22,11 @@ struct TrailSettings {
 // Real time that can be put forward. Read after every sample, so it is also where an interrupt is noticed.
 class WorkClock {
  public:
-  double now() const;
+  double now();
   void skip(double seconds) { ahead_ += seconds; }
 
  private:
+  standalone::WallClock clock_;
   double ahead_ = 0.0;
 };
 
