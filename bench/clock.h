@@ -1,13 +1,13 @@
-// The clock that benchmarks and the hosts under them read.
+// The clock that benchmarks are timed with.
 #pragma once
 
 #include <chrono>
 
 namespace vantorelix::bench {
 
-// Wall-clock seconds.
+// Seconds.
 inline double now() {
-  return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 }  // namespace vantorelix::bench

@@ -19,28 +19,27 @@ using standalone::NodeId;
 
 namespace {
 
-standalone::HostOptions quiet_options(const double& skipped) {
+standalone::HostOptions quiet_options() {
   standalone::HostOptions options;
-  options.clock = [&skipped] { return now() + skipped; };
   options.print = [](const std::string&) {};
   options.warning = [](const std::string& text) { throw std::runtime_error(text); };
   return options;
 }
 
+// The queue need not wait any longer after the last edit.
+void end_quiet_time() { _LAST_EDIT = 0.0; }
+
 }  // namespace
 
-Session::Session(Stage stage)
-    : objects_(std::move(stage.objects)), host_(std::move(stage.scene), quiet_options(skipped_)) {
+Session::Session(Stage stage) : objects_(std::move(stage.objects)), host_(std::move(stage.scene), quiet_options()) {
   _initialise({&host_.cmds(), &host_.om(), &host_.oma(), &host_.interpreter()});
 }
-
-void Session::skip_debounce() { skipped_ += 1.25 * _DEBOUNCE; }
 
 double Session::make_trails() {
   host_.select(objects_);
   const double start = now();
   create_trail();
-  skip_debounce();
+  end_quiet_time();
   host_.run_idle();
   return now() - start;
 }
@@ -49,7 +48,7 @@ std::vector<double> Session::edit_and_rebuild() {
   edited_value_ += 0.01;
   const NodeId curve = host_.scene().driving_curve(objects_.front(), Channel::translateX);
   host_.scene().set_key(curve, host_.scene().curve(curve).keys().front().time, edited_value_);
-  skip_debounce();
+  end_quiet_time();
   std::vector<double> slices;
   double start = now();
   while (host_.run_idle_once()) {

@@ -26,11 +26,7 @@ class Session {
   void check(std::size_t samples);
 
  private:
-  // Lets the quiet time after an edit pass without waiting for it.
-  void skip_debounce();
-
   std::vector<standalone::NodeId> objects_;
-  double skipped_ = 0.0;
   double edited_value_ = 0.0;
   standalone::Host host_;
 };
