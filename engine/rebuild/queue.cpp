@@ -69,6 +69,7 @@ bool advance_item(WorkItem& it, const WorkRecord& work, double deadline) {
   }
   if (!sample_until(deadline, *it.ktimes, it.ki, *it.kpos, *sampler)) return false;
   _finish_trail(it, work);
+  it.sampler.reset();  // one at a time: all of them at once would overrun the last step
   return true;
 }
 
@@ -116,8 +117,8 @@ void _finish_trail(WorkItem& it, const WorkRecord& work) {
   _keep_first_ref(settings, ref);
   const VizData data{it.pos, std::make_shared<const std::vector<Colour>>(std::move(colors)), it.kpos,
                      _key_colors(it.kpos->size())};
-  const std::vector<double> key_times = it.ktimes.value_or(std::vector<double>{});
-  _push_data_to_viz(it.viz, data, &key_times);
+  const std::vector<double> none;
+  _push_data_to_viz(it.viz, data, it.ktimes ? &*it.ktimes : &none);
   const auto spf = static_cast<double>(_samples_per_frame(settings.get("samples_per_frame", 1)));
   _update_frame_attrs(it.viz, work.start, 1.0 / spf);
 }
