@@ -59,24 +59,30 @@ std::pair<std::vector<double>, host::Value> _t_from_spacing(const std::vector<do
 _bisect_indices::_bisect_indices(std::int64_t n) : n_(n) {}
 
 std::optional<std::int64_t> _bisect_indices::next() {
-  // The ends come first: 0, and n - 1 where that is another one.
   if (ends_given_ < 2) {
+    // 0, and n - 1 where that is another one.
     if (ends_given_ >= n_) return std::nullopt;
-    if (ends_given_++ == 0) return 0;
-    push(0, n_ - 1);
-    return n_ - 1;
+    return ends_given_++ == 0 ? 0 : n_ - 1;
   }
-  if (spans_.empty()) return std::nullopt;
-  const auto [a, b] = spans_.front();
-  spans_.pop_front();
-  const std::int64_t m = a + (b - a) / 2;
-  push(a, m);
-  push(m, b);
-  return m;
+  const auto whole = static_cast<std::uint64_t>(n_ - 1);
+  while (std::uint64_t{1} << level_ < whole) {  // some span of this level has an index between its ends
+    const std::uint64_t begin = begin_;
+    const std::uint64_t width = (whole + number_reversed_) >> level_;
+    step(width);
+    if (width > 1) return static_cast<std::int64_t>(begin + width / 2);
+  }
+  return std::nullopt;
 }
 
-void _bisect_indices::push(std::int64_t a, std::int64_t b) {
-  if (b - a > 1) spans_.emplace_back(a, b);
+void _bisect_indices::step(std::uint64_t width) {
+  begin_ += width;
+  // Counts on, from the highest bit down.
+  std::uint64_t bit = (std::uint64_t{1} << level_) >> 1;
+  for (; (number_reversed_ & bit) != 0; bit >>= 1) number_reversed_ ^= bit;
+  number_reversed_ |= bit;
+  if (bit != 0) return;
+  ++level_;
+  begin_ = 0;
 }
 
 }  // namespace vantorelix

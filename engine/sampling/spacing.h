@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <optional>
 #include <type_traits>
 #include <utility>
@@ -35,12 +34,16 @@ class _bisect_indices {
   std::optional<std::int64_t> next();
 
  private:
-  // Keeps a span for later where an index lies strictly between its ends.
-  void push(std::int64_t a, std::int64_t b);
+  // On to the next span, on this level or the next one.
+  void step(std::uint64_t width);
 
   std::int64_t n_;
   int ends_given_ = 0;
-  std::deque<std::pair<std::int64_t, std::int64_t>> spans_;
+  // The span whose midpoint is next. Halving gives the odd one to the right, so that of the 2^level spans of a level
+  // number j is (n - 1 + j's bits in reverse order) / 2^level wide, rounded down.
+  int level_ = 0;
+  std::uint64_t number_reversed_ = 0;
+  std::uint64_t begin_ = 0;
 };
 
 }  // namespace vantorelix

@@ -171,19 +171,24 @@ TEST(BisectIndices, GiveEveryIndexOnce) {
   }
 }
 
-TEST(BisectIndices, FollowTheSpanListWordForWord) {
-  const std::int64_t n = 37;
-  std::vector<std::int64_t> expected = {0, n - 1};
+// The definition, word for word, for n of at least 2.
+std::vector<std::int64_t> plain_order(std::int64_t n) {
+  std::vector<std::int64_t> indices = {0, n - 1};
   std::vector<std::pair<std::int64_t, std::int64_t>> spans = {{0, n - 1}};
   for (std::size_t qi = 0; qi < spans.size(); ++qi) {
     const auto [a, b] = spans[qi];
     const std::int64_t m = (a + b) / 2;
     if (m == a || m == b) continue;
-    expected.push_back(m);
+    indices.push_back(m);
     spans.emplace_back(a, m);
     spans.emplace_back(m, b);
   }
-  EXPECT_EQ(order(n), expected);
+  return indices;
+}
+
+TEST(BisectIndices, FollowTheSpanListWordForWord) {
+  for (std::int64_t n = 2; n < 600; ++n) ASSERT_EQ(order(n), plain_order(n)) << n;
+  for (const std::int64_t n : {1000, 1023, 1024, 1025, 99'991, 131'073}) ASSERT_EQ(order(n), plain_order(n)) << n;
 }
 
 TEST(BisectIndices, AreMadeOnlyAsTheyArePulled) {
