@@ -43,11 +43,14 @@ void drop_repeated_runs(std::vector<double>& times) {
   auto kept = times.begin();   // where the last run kept begins
   auto write = times.begin();  // and ends
   for (auto run = times.begin(); run != times.end();) {
-    const auto end = std::is_sorted_until(run, times.end());
-    if (write == times.begin() || !std::equal(kept, write, run, end)) {
-      kept = write;
-      write = write == run ? end : std::copy(run, end, write);
+    const auto length = write - kept;
+    if (length > 0 && length <= times.end() - run && std::equal(kept, write, run)) {
+      run += length;
+      continue;
     }
+    const auto end = std::is_sorted_until(run, times.end());
+    kept = write;
+    write = write == run ? end : std::copy(run, end, write);
     run = end;
   }
   times.erase(write, times.end());
@@ -100,8 +103,8 @@ std::vector<Position> _sample_positions(const std::string& obj, double start, do
 
 std::vector<double> _keyframe_times(const std::string& obj, double start, double end) {
   std::vector<double> times = cmds->keyframe_times(obj);
-  std::erase_if(times, [&](double t) { return !(start - kRangeMargin <= t && t <= end + kRangeMargin); });
   drop_repeated_runs(times);
+  std::erase_if(times, [&](double t) { return !(start - kRangeMargin <= t && t <= end + kRangeMargin); });
   if (!std::is_sorted(times.begin(), times.end())) std::sort(times.begin(), times.end());
   times.erase(std::unique(times.begin(), times.end()), times.end());
   return times;

@@ -1,5 +1,6 @@
 // Connections, and what they say about who drives whom.
 #include <algorithm>
+#include <ranges>
 #include <unordered_set>
 
 #include "standalone/scene/scene_data.h"
@@ -115,7 +116,8 @@ std::vector<double> Scene::key_times(NodeId id) const {
   CurveSearch search(d);
   for (const Input& input : d.at(id).inputs.all())
     search.behind(input, [&](const Node& curve) {
-      for (const Key& key : curve.curve->keys()) times.push_back(key.time);
+      const auto of_keys = curve.curve->keys() | std::views::transform(&Key::time);
+      times.insert(times.end(), of_keys.begin(), of_keys.end());
       return false;
     });
   return times;

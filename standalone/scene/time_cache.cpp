@@ -29,9 +29,9 @@ TimeCache::Slot TimeCache::look_up(std::uint64_t bits) {
     }
     slot = table_[at] = static_cast<Slot>(times_.size());
     times_.push_back(bits);
-    following_.push_back(0);
+    following_.push_back({});
   }
-  if (last_ < following_.size()) following_[last_] = slot;
+  if (last_ < following_.size()) following_[last_] = {slot, following_[last_][0]};
   return last_ = slot;
 }
 

@@ -39,11 +39,10 @@ class TimeCache {
   Slot slot(double frame) {
     const std::uint64_t bits = std::bit_cast<std::uint64_t>(frame);
     if (useless_) start_anew();
-    // Objects are sampled one after another at the same times in the same order.
-    if (last_ < following_.size()) {
-      const Slot next = following_[last_];
-      if (times_[next] == bits) return last_ = next;
-    }
+    // Objects are sampled one after another at the same times in the same two orders: for their trails and at keys.
+    if (last_ < following_.size())
+      for (const Slot next : following_[last_])
+        if (times_[next] == bits) return last_ = next;
     return look_up(bits);
   }
   // Null when it is not there.
@@ -67,11 +66,11 @@ class TimeCache {
 
   std::uint64_t epoch_ = 1;
   std::vector<std::unique_ptr<MatrixChunk>> chunks_;
-  std::size_t used_ = 0;                 // of chunks_
-  std::size_t missing_ = 0, found_ = 0;  // misses count from when it was full
-  std::vector<std::uint64_t> times_;     // by slot: the bits of the time
-  std::vector<Slot> following_;          // by slot: what was asked after it last time
-  std::vector<Slot> table_;              // open addressing over the bits; kNone where empty; a power of two
+  std::size_t used_ = 0;                        // of chunks_
+  std::size_t missing_ = 0, found_ = 0;         // misses count from when it was full
+  std::vector<std::uint64_t> times_;            // by slot: the bits of the time
+  std::vector<std::array<Slot, 2>> following_;  // by slot: what was asked after it, the two latest
+  std::vector<Slot> table_;                     // open addressing over the bits; kNone where empty; a power of two
   Slot last_ = kNone;
   bool useless_ = false;
 };
