@@ -1,6 +1,7 @@
 #include "engine/sampling/catmull_rom.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "engine/sampling/limits.h"
@@ -31,19 +32,48 @@ struct Span {
 
   Span(const Position& p0, const Position& p1, const Position& p2, const Position& p3)
       : x(p0.x, p1.x, p2.x, p3.x), y(p0.y, p1.y, p2.y, p3.y), z(p0.z, p1.z, p2.z, p3.z) {}
-  Position operator()(double u) const {
-    const double u2 = u * u;
-    const double u3 = u2 * u;
-    return {x(u, u2, u3), y(u, u2, u3), z(u, u2, u3)};
-  }
+  Position operator()(double u, double u2, double u3) const { return {x(u, u2, u3), y(u, u2, u3), z(u, u2, u3)}; }
 };
 
-// out[j] for the indices j strictly between i1 and i2, as far as they lie below `end`.
-void fill_gap(const Span& span, std::int64_t i1, std::int64_t i2, std::int64_t end, Position* out) {
-  const double length = static_cast<double>(i2 - i1);
-  // Counted in 32 bits, which a gap always fits: processors turn those into doubles several at a time.
-  const auto count = static_cast<std::int32_t>(std::min(i2, end) - i1);
-  for (std::int32_t b = 1; b < count; ++b) out[i1 + b] = span(static_cast<double>(b) / length);
+constexpr std::size_t kBlock = 128;  // positions made at a time: they are still in the nearest cache when appended
+
+// The powers of u at steps of a gap. They depend on the gap's length alone, and most gaps are as long as the one
+// before them, so these are kept from gap to gap.
+class Steps {
+ public:
+  // Turns to `count` steps, at most kBlock, from the step `first` on; a gap has `length` of them.
+  void turn_to(std::int64_t length, std::int64_t first, std::size_t count) {
+    if (length == length_ && first == first_ && count == count_) return;
+    length_ = length;
+    first_ = first;
+    count_ = count;
+    // Counted in 32 bits, which a gap always fits: processors turn those into doubles several at a time.
+    const auto begin = static_cast<std::int32_t>(first);
+    const auto some = static_cast<std::int32_t>(count);
+    for (std::int32_t i = 0; i < some; ++i) {
+      const double u = static_cast<double>(begin + i) / static_cast<double>(length);
+      u_[i] = u;
+      u2_[i] = u * u;
+      u3_[i] = u * u * u;
+    }
+  }
+  Position along(const Span& span, std::size_t i) const { return span(u_[i], u2_[i], u3_[i]); }
+
+ private:
+  std::int64_t length_ = 0, first_ = 0;
+  std::size_t count_ = 0;
+  std::array<double, kBlock> u_, u2_, u3_;
+};
+
+// Appends the positions at the first `count` steps into a gap.
+void append_gap(const Span& span, std::int64_t length, std::int64_t count, Steps& steps, std::vector<Position>& out) {
+  std::array<Position, kBlock> block;
+  for (std::int64_t done = 0; done < count; done += kBlock) {
+    const std::size_t some = std::min(kBlock, static_cast<std::size_t>(count - done));
+    steps.turn_to(length, done + 1, some);
+    for (std::size_t i = 0; i < some; ++i) block[i] = steps.along(span, i);
+    out.insert(out.end(), block.data(), block.data() + some);
+  }
 }
 
 }  // namespace
@@ -83,7 +113,7 @@ std::vector<std::int64_t> SampleMap::indices() const {
 }
 
 Position _catmull_point(const Position& p0, const Position& p1, const Position& p2, const Position& p3, double u) {
-  return Span(p0, p1, p2, p3)(u);
+  return Span(p0, p1, p2, p3)(u, u * u, u * u * u);
 }
 
 std::vector<Position> _smooth_fill(std::int64_t n_total, const SampleMap& sampled) {
@@ -97,14 +127,17 @@ std::vector<Position> _smooth_fill(std::int64_t n_total, const SampleMap& sample
   const std::size_t last = idxs.size() - 1;
   const std::int64_t n = std::max<std::int64_t>(n_total, 0);
   if (n > kMostSamples) too_many();
-  out.assign(static_cast<std::size_t>(n), pt(0));  // what lies before the first sample holds it
+  out.reserve(static_cast<std::size_t>(n));
+  out.assign(static_cast<std::size_t>(std::min(idxs[0], n)), pt(0));  // what lies before the first sample holds it
+  Steps steps;
   for (std::size_t k = 0; k < last && idxs[k] < n; ++k) {
-    out[static_cast<std::size_t>(idxs[k])] = pt(k);
-    if (idxs[k + 1] - idxs[k] < 2) continue;
-    fill_gap(Span(pt(k > 0 ? k - 1 : 0), pt(k), pt(k + 1), pt(std::min(k + 2, last))), idxs[k], idxs[k + 1], n,
-             out.data());
+    out.push_back(pt(k));
+    const std::int64_t length = idxs[k + 1] - idxs[k];
+    if (length < 2) continue;
+    append_gap(Span(pt(k > 0 ? k - 1 : 0), pt(k), pt(k + 1), pt(std::min(k + 2, last))), length,
+               std::min(idxs[k + 1], n) - idxs[k] - 1, steps, out);
   }
-  if (idxs[last] < n) std::fill(out.begin() + idxs[last], out.end(), pt(last));
+  out.resize(static_cast<std::size_t>(n), pt(last));
   return out;
 }
 

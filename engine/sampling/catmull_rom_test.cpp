@@ -133,6 +133,20 @@ TEST(SmoothFill, IsTheDefinitionBitForBit) {
   }
 }
 
+TEST(SmoothFill, OfGapsAlikeAndNotAlikeIsTheDefinitionBitForBit) {
+  std::mt19937_64 random(3);
+  for (const std::int64_t gap : {1, 2, 3, 127, 128, 129, 130, 257, 300}) {
+    std::map<std::int64_t, Position> samples;
+    std::int64_t index = 2;
+    for (const std::int64_t more : {gap, gap, gap, gap + 1, gap, 2 * gap}) {
+      samples[index] = random_position(random);
+      index += more;
+    }
+    for (const std::int64_t total : {index, index - 3 * gap / 2, index / 2, std::int64_t{1}})
+      ASSERT_EQ(_smooth_fill(total, map_of(samples)), plain_fill(total, samples)) << total << " of gaps of " << gap;
+  }
+}
+
 TEST(SmoothFill, RefusesAnAbsurdLengthInsteadOfClaimingItsMemory) {
   EXPECT_THROW(_smooth_fill(std::int64_t{1} << 60, map_of({{0, A}, {1, B}})), host::Error);
 }
