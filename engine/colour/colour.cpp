@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <memory>
 
 #include "engine/frame/attempt.h"
 #include "engine/frame/constants.h"
@@ -53,7 +54,7 @@ inline Colour ramp(double t) {
 
 // --- the spacing mode, block by block --------------------------------------------------------------------------
 
-constexpr std::size_t kBlock = 512;  // segments worked on at a time: what they need stays in the nearest cache
+constexpr std::size_t kBlock = 128;  // segments worked on at a time: what they need stays in the nearest cache
 constexpr std::size_t kWindow = static_cast<std::size_t>(kSpacingWindow);
 
 // Lengths of the segments after positions first ... last - 1.
@@ -66,30 +67,29 @@ void segment_lengths(const Position* pos, std::size_t first, std::size_t last, d
   }
 }
 
-// The smoothed segment lengths of a whole trail, and their baseline where one is wanted.
-std::vector<double> smoothed_lengths(const std::vector<Position>& pos, kernel::Baseline* baseline) {
+// The smoothed segment lengths of a whole trail, one less than positions, and their baseline where one is wanted.
+std::unique_ptr<double[]> smoothed_lengths(const std::vector<Position>& pos, kernel::Baseline* baseline) {
   const std::size_t n = pos.size() - 1;
-  std::vector<double> smoothed(n);
+  std::unique_ptr<double[]> smoothed(new double[n]);  // a vector would write it all once more, with zeros
   std::array<double, kBlock + 2 * kWindow> lengths;
   for (std::size_t first = 0; first < n; first += kBlock) {
     const std::size_t last = std::min(first + kBlock, n);
     const std::size_t base = first - std::min(first, kWindow);
     segment_lengths(pos.data(), base, std::min(last + kWindow, n), lengths.data());
-    kernel::smooth(lengths.data(), base, n, SpacingWindow{}, first, last, smoothed.data() + first);
-    if (baseline) baseline->add(smoothed.data() + first, last - first);
+    kernel::smooth(lengths.data(), base, n, SpacingWindow{}, first, last, smoothed.get() + first);
+    if (baseline) baseline->add(smoothed.get() + first, last - first);
   }
   return smoothed;
 }
 
-// One colour a point from the parameters of the segments on its two sides; an end has one side only.
-std::vector<Colour> point_colours(const std::vector<double>& lengths, double scale) {
-  const std::size_t n = lengths.size();
+// One colour a point from the parameters of the n segments on its two sides; an end has one side only.
+std::vector<Colour> point_colours(const double* lengths, std::size_t n, double scale) {
   std::vector<Colour> colours(n + 1);
   std::array<double, kBlock + 1> t;  // t[0] is the last of the block before; the first segment stands in before itself
-  kernel::parameters(lengths.data(), 1, scale, t.data());
+  kernel::parameters(lengths, 1, scale, t.data());
   for (std::size_t first = 0; first < n; first += kBlock) {
     const std::size_t count = std::min(kBlock, n - first);
-    kernel::parameters(lengths.data() + first, count, scale, t.data() + 1);
+    kernel::parameters(lengths + first, count, scale, t.data() + 1);
     for (std::size_t i = 0; i < count; ++i) colours[first + i] = ramp(0.5 * (t[i] + t[i + 1]));
     t[0] = t[count];
   }
@@ -106,9 +106,9 @@ std::pair<std::vector<Colour>, host::Value> _colors_from_positions(const std::ve
   if (pos.empty()) return {{}, _t_from_spacing({}, ref).second};
   if (pos.size() == 1) throw host::Error("list index out of range", host::ErrorKind::index);
   kernel::Baseline baseline;
-  const std::vector<double> lengths = smoothed_lengths(pos, ref.is_none() ? &baseline : nullptr);
+  const auto lengths = smoothed_lengths(pos, ref.is_none() ? &baseline : nullptr);
   const host::Value reference = ref.is_none() ? host::Value::list({baseline.mean()}) : ref;
-  return {point_colours(lengths, _spacing_baseline(reference) * _SPACING_RED_MULT), reference};
+  return {point_colours(lengths.get(), pos.size() - 1, _spacing_baseline(reference) * _SPACING_RED_MULT), reference};
 }
 
 // --- the modes that count indices ------------------------------------------------------------------------------
