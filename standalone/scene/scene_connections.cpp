@@ -1,6 +1,5 @@
 // Connections, and what they say about who drives whom.
 #include <algorithm>
-#include <ranges>
 #include <unordered_set>
 
 #include "standalone/scene/scene_data.h"
@@ -116,8 +115,9 @@ std::vector<double> Scene::key_times(NodeId id) const {
   CurveSearch search(d);
   for (const Input& input : d.at(id).inputs.all())
     search.behind(input, [&](const Node& curve) {
-      const auto of_keys = curve.curve->keys() | std::views::transform(&Key::time);
-      times.insert(times.end(), of_keys.begin(), of_keys.end());
+      const auto& keys = curve.curve->keys();
+      const auto added = times.insert(times.end(), keys.size(), 0.0);
+      std::transform(keys.begin(), keys.end(), added, [](const Key& key) { return key.time; });
       return false;
     });
   return times;
