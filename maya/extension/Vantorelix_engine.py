@@ -1,0 +1,21 @@
+"""Vantorelix, the motion-trail engine, for the Python inside Maya.
+
+Trails of the selected objects:
+
+    import Vantorelix_engine
+    Vantorelix_engine.create_trail()
+
+The engine itself is compiled and lies beside this file. Reloading the module starts it anew: trails that are in the
+scene stay there, but no longer follow edits.
+"""
+
+import os
+import sys
+import time
+from bisect import bisect_left, bisect_right
+
+import maya.cmds as cmds
+import maya.api.OpenMaya as om
+import maya.api.OpenMayaAnim as oma
+
+__import__("_vantorelix").start(sys.modules[__name__])

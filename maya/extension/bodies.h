@@ -1,0 +1,33 @@
+// What the bodies of published functions have in common.
+#pragma once
+
+#include "maya/extension/functions.h"
+#include "maya/extension/values.h"
+
+namespace vantorelix::maya {
+
+inline std::string text(const Arguments& a, std::size_t i) { return text_of(a[i]); }
+inline double number(const Arguments& a, std::size_t i) { return number_of(a[i]); }
+// An argument that is handed on as it was passed.
+inline host::Value value(const Arguments& a, std::size_t i, host::Value otherwise = {}) {
+  return a[i] ? value_of(a[i]) : otherwise;
+}
+
+// A function without arguments or result, and one with a result.
+template <void (*F)()>
+Ref run(const Arguments&) {
+  F();
+  return none();
+}
+template <auto F>
+Ref result(const Arguments&) {
+  return object_of(F());
+}
+// A function of one value without result.
+template <void (*F)(const host::Value&)>
+Ref take(const Arguments& a) {
+  F(value(a, 0));
+  return none();
+}
+
+}  // namespace vantorelix::maya

@@ -1,0 +1,181 @@
+// The extension module: start(module) makes a plain module the engine's.
+#include "engine/frame/constants.h"
+#include "engine/frame/state.h"
+#include "maya/extension/functions.h"
+#include "maya/extension/handles.h"
+#include "maya/extension/records.h"
+#include "maya/extension/types.h"
+
+namespace vantorelix::maya {
+
+namespace {
+
+// --- the state, live both ways -----------------------------------------------------------------------------------
+
+Ref callback_ids() {
+  if (!_CB_ID) return none();
+  if (const auto* const single = std::get_if<host::Value>(&*_CB_ID)) return object_of(*single);
+  return checked(PySequence_Tuple(object_of(std::get<std::vector<host::Value>>(*_CB_ID)).get()));
+}
+
+void set_callback_ids(PyObject* value) {
+  if (value == Py_None) {
+    _CB_ID.reset();
+  } else if (PyTuple_Check(value)) {
+    std::vector<host::Value> ids;
+    for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(value); ++i) ids.push_back(value_of(PyTuple_GET_ITEM(value, i)));
+    _CB_ID = std::move(ids);
+  } else {
+    _CB_ID = value_of(value);
+  }
+}
+
+// The registry stays the one object that it is; only its entries change.
+void set_registry(PyObject* value) {
+  const Ref items = checked(PySequence_List(checked(PyMapping_Items(value)).get()));
+  Registry fresh;
+  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(items.get()); ++i) {
+    PyObject *viz, *settings;
+    if (!PyArg_ParseTuple(PyList_GET_ITEM(items.get(), i), "OO", &viz, &settings)) throw_python_error();
+    fresh[text_of(viz)] = settings_of(settings);
+  }
+  _REGISTRY = std::move(fresh);
+}
+
+struct Variable {
+  const char* name;
+  Ref (*read)();
+  void (*write)(PyObject* value);
+};
+
+constexpr std::array<Variable, 8> kState = {{
+    {"_REGISTRY", registry_object, set_registry},
+    {"_CB_ID", callback_ids, set_callback_ids},
+    {"_REBUILDING", [] { return object_of(_REBUILDING); }, [](PyObject* v) { _REBUILDING = truth(v); }},
+    {"_GEN", [] { return object_of(_GEN); }, [](PyObject* v) { _GEN = integer_of(v); }},
+    {"_PENDING", [] { return object_of(_PENDING); }, [](PyObject* v) { _PENDING = truth(v); }},
+    {"_WORK", [] { return object_of(_WORK); }, [](PyObject* v) { _WORK = work_of(v); }},
+    {"_LAST_EDIT", [] { return object_of(_LAST_EDIT); }, [](PyObject* v) { _LAST_EDIT = number_of(v); }},
+    {"_MSG_HANDLER", [] { return object_of(_MSG_HANDLER); }, [](PyObject* v) { _MSG_HANDLER = value_of(v); }},
+}};
+
+PyObject* read_variable(PyObject*, void* variable) {
+  return answer([&] { return static_cast<const Variable*>(variable)->read(); });
+}
+
+int write_variable(PyObject*, PyObject* value, void* variable) {
+  const auto* const known = static_cast<const Variable*>(variable);
+  if (!value) {
+    PyErr_Format(PyExc_AttributeError, "%s is the engine's own and cannot be deleted", known->name);
+    return -1;
+  }
+  return answer_or(-1, [&] {
+    known->write(value);
+    return 0;
+  });
+}
+
+// dir(module): the dictionary's names and the state's.
+PyObject* directory(PyObject* self, PyObject*) {
+  return answer([&] {
+    const Ref listed = checked(PyDict_Keys(PyModule_GetDict(self)));
+    for (const Variable& variable : kState) check(PyList_Append(listed.get(), object_of(variable.name).get()));
+    return listed;
+  });
+}
+
+// A module whose state is the engine's.
+Ref new_module_type() {
+  static std::array<PyGetSetDef, kState.size() + 1> properties{};
+  for (std::size_t i = 0; i < kState.size(); ++i) {
+    properties[i] = {const_cast<char*>(kState[i].name), read_variable, write_variable, nullptr,
+                     const_cast<Variable*>(&kState[i])};
+  }
+  static PyMethodDef methods[] = {{"__dir__", directory, METH_NOARGS, nullptr}, {nullptr, nullptr, 0, nullptr}};
+  static PyType_Slot slots[] = {{Py_tp_getset, properties.data()}, {Py_tp_methods, methods}, {0, nullptr}};
+  static PyType_Spec spec = {"Vantorelix_engine.Engine", 0, 0, Py_TPFLAGS_DEFAULT, slots};
+  const Ref bases = checked(PyTuple_Pack(1, &PyModule_Type));
+  return checked(PyType_FromSpecWithBases(&spec, bases.get()));
+}
+
+// --- starting ----------------------------------------------------------------------------------------------------
+
+template <class T>
+void define(const char* name, const T& value) {
+  check(PyDict_SetItemString(module_dictionary(), name, object_of(value).get()));
+}
+
+Ref ramp_stops() {
+  std::vector<Ref> stops;
+  for (const RampStop& stop : _RAMP_STOPS) stops.push_back(tuple_of(stop.t, stop.colour));
+  return object_of(stops);
+}
+
+void define_constants() {
+  define("SCRIPT_NAME", SCRIPT_NAME);
+  define("SCRIPT_VERSION", SCRIPT_VERSION);
+  define("PLUGIN_FILE", PLUGIN_FILE);
+  define("PLUGIN_BASENAME", PLUGIN_BASENAME);
+  define("NODE_TYPE", NODE_TYPE);
+  define("TRAIL_ROOT", TRAIL_ROOT);
+  define("OPT_SAMPLES", OPT_SAMPLES);
+  define("OPT_LINE_WIDTH", OPT_LINE_WIDTH);
+  define("OPT_POINT_SIZE", OPT_POINT_SIZE);
+  define("OPT_SHOW_LINE", OPT_SHOW_LINE);
+  define("OPT_SHOW_DOTS", OPT_SHOW_DOTS);
+  define("OPT_XRAY", OPT_XRAY);
+  define("OPT_COLOR_MODE", OPT_COLOR_MODE);
+  define("_CHUNK_BUDGET", _CHUNK_BUDGET);
+  define("_DEBOUNCE", _DEBOUNCE);
+  define("_CREATE_BUDGET", _CREATE_BUDGET);
+  define("_SPACING_RED_MULT", _SPACING_RED_MULT);
+  define("_VIEWPORT_TRAIL_FLAGS",
+         checked(PySequence_Tuple(
+             object_of(std::vector<std::string>(_VIEWPORT_TRAIL_FLAGS.begin(), _VIEWPORT_TRAIL_FLAGS.end())).get())));
+  define("_RAMP_STOPS", ramp_stops());
+}
+
+void define_functions(const std::vector<Function>& functions, PyObject* module_name) {
+  for (const Function& function : functions) define(function.name, function_object(function, module_name));
+}
+
+PyObject* start(PyObject*, PyObject* module) {
+  return answer([&] {
+    static PyObject* const type = new_module_type().release();
+    bind_module(module);
+    check(PyObject_SetAttrString(module, "__class__", type));
+    _initialise(python_handles());
+    define_constants();
+    const Ref module_name = global(name<"__name__">());
+    define_functions(sampling_functions(), module_name.get());
+    define_functions(trail_functions(), module_name.get());
+    define("__all__", __all__);
+    return none();
+  });
+}
+
+}  // namespace
+
+}  // namespace vantorelix::maya
+
+#ifndef _WIN32
+// Visible: before 3.9 PyMODINIT_FUNC does not say so.
+extern "C" [[gnu::visibility("default")]] PyObject* PyInit__vantorelix();
+#endif
+
+PyMODINIT_FUNC PyInit__vantorelix() {
+  static PyMethodDef methods[] = {{"start", vantorelix::maya::start, METH_O,
+                                   "start(module): fills a module that has bound its handles with the engine, anew"},
+                                  {nullptr, nullptr, 0, nullptr}};
+  static PyModuleDef_Slot slots[] = {{0, nullptr}};
+  static PyModuleDef definition = {PyModuleDef_HEAD_INIT,
+                                   "_vantorelix",
+                                   "The compiled part of Vantorelix_engine.",
+                                   0,
+                                   methods,
+                                   slots,
+                                   nullptr,
+                                   nullptr,
+                                   nullptr};
+  return PyModuleDef_Init(&definition);
+}

@@ -1,0 +1,118 @@
+// Python's objects and calls, with ownership and errors as C++ has them. Everything runs under the interpreter's lock.
+#pragma once
+
+#define PY_SSIZE_T_CLEAN
+#include <Python.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <utility>
+
+namespace vantorelix::maya {
+
+// An owned reference, or none.
+class Ref {
+ public:
+  Ref() = default;
+  // Takes over a new reference.
+  explicit Ref(PyObject* owned) : object_(owned) {}
+  // Shares a borrowed one.
+  static Ref share(PyObject* borrowed) {
+    Py_XINCREF(borrowed);
+    return Ref(borrowed);
+  }
+  Ref(const Ref& other) : object_(other.object_) { Py_XINCREF(object_); }
+  Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+  Ref& operator=(Ref other) noexcept {
+    std::swap(object_, other.object_);
+    return *this;
+  }
+  ~Ref() { Py_XDECREF(object_); }
+
+  PyObject* get() const { return object_; }
+  explicit operator bool() const { return object_ != nullptr; }
+  PyObject* release() { return std::exchange(object_, nullptr); }
+
+ private:
+  PyObject* object_ = nullptr;
+};
+
+// --- errors ------------------------------------------------------------------------------------------------------
+
+// Throws the interpreter's current error: host::Error where a script's `except Exception` would catch it, otherwise
+// host::Interrupt. Either carries the exception object.
+[[noreturn]] void throw_python_error();
+// Makes the C++ exception that is being handled the interpreter's current error: the very object that came in, or a
+// new one of the same kind and text.
+void set_python_error();
+
+// A new reference from the interpreter, or its error.
+inline Ref checked(PyObject* owned) {
+  if (!owned) throw_python_error();
+  return Ref(owned);
+}
+inline void check(int status) {
+  if (status < 0) throw_python_error();
+}
+inline bool truth(PyObject* object) {
+  const int answer = PyObject_IsTrue(object);
+  check(answer);
+  return answer != 0;
+}
+
+// --- names -------------------------------------------------------------------------------------------------------
+
+template <std::size_t N>
+struct Text {
+  char data[N] = {};
+  constexpr Text(const char (&text)[N]) { std::copy_n(text, N, data); }
+};
+
+// The interned string, made once. Borrowed.
+template <Text T>
+PyObject* name() {
+  static PyObject* const interned = PyUnicode_InternFromString(T.data);
+  return interned;
+}
+
+// A tuple of interned strings, made once; null when there are none. Borrowed.
+template <Text... T>
+PyObject* names() {
+  if constexpr (sizeof...(T) == 0) {
+    return nullptr;
+  } else {
+    static PyObject* const tuple = PyTuple_Pack(sizeof...(T), name<T>()...);
+    return tuple;
+  }
+}
+
+// --- calls -------------------------------------------------------------------------------------------------------
+
+// Calls with `count` positional arguments, followed in the array by one value for each of `keywords`.
+inline Ref call(PyObject* function, PyObject* const* arguments, std::size_t count, PyObject* keywords = nullptr) {
+#if PY_VERSION_HEX >= 0x03090000
+  return checked(PyObject_Vectorcall(function, arguments, count, keywords));
+#elif PY_VERSION_HEX >= 0x03080000
+  return checked(_PyObject_Vectorcall(function, arguments, count, keywords));
+#else
+  return checked(_PyObject_FastCallKeywords(function, arguments, static_cast<Py_ssize_t>(count), keywords));
+#endif
+}
+
+inline Ref attribute(PyObject* object, PyObject* named) { return checked(PyObject_GetAttr(object, named)); }
+
+// object.M(arguments...)
+template <Text M, class... Arguments>
+Ref method(PyObject* object, const Arguments&... arguments) {
+#if PY_VERSION_HEX >= 0x03090000
+  const std::array<PyObject*, 1 + sizeof...(arguments)> all = {object, arguments...};
+  return checked(PyObject_VectorcallMethod(name<M>(), all.data(), all.size(), nullptr));
+#else
+  const Ref bound = attribute(object, name<M>());
+  const std::array<PyObject*, 1 + sizeof...(arguments)> all = {nullptr, arguments...};
+  return call(bound.get(), all.data() + 1, sizeof...(arguments));
+#endif
+}
+
+}  // namespace vantorelix::maya

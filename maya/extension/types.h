@@ -1,0 +1,74 @@
+// Types of our own, made at run time: what a script sees of the engine's records.
+#pragma once
+
+#include "maya/extension/python.h"
+
+namespace vantorelix::maya {
+
+// An instance of one of our types: the interpreter's header, then a C++ object.
+template <class T>
+struct Instance {
+  PyObject header;
+  T content;
+};
+
+template <class T>
+T& content_of(PyObject* object) {
+  return reinterpret_cast<Instance<T>*>(object)->content;
+}
+
+// A new instance of a type made by new_type<T>.
+template <class T>
+Ref new_instance(PyObject* type, T content) {
+  auto* const python_type = reinterpret_cast<PyTypeObject*>(type);
+  Ref object = checked(python_type->tp_alloc(python_type, 0));
+  new (&content_of<T>(object.get())) T(std::move(content));
+  return object;
+}
+
+template <class T>
+void destroy_instance(PyObject* object) {
+  PyTypeObject* const type = Py_TYPE(object);
+  content_of<T>(object).~T();
+  type->tp_free(object);
+#if PY_VERSION_HEX >= 0x03080000
+  Py_DECREF(type);  // instances own their type since 3.8
+#else
+  if (type->tp_flags & Py_TPFLAGS_HEAPTYPE) Py_DECREF(type);
+#endif
+}
+
+// A type whose instances hold a T. `slots` ends with {0, nullptr} and names neither destructor nor constructor: only
+// the extension makes instances. With `abstract`, the name of a class in collections.abc, the type is derived from that
+// as well and gets everything that follows from the few methods in the slots.
+template <class T>
+Ref new_type(const char* name, PyType_Slot* slots, const char* abstract = nullptr);
+
+Ref new_type_of_size(const char* name, std::size_t size, destructor destroy, PyType_Slot* slots, const char* abstract);
+
+template <class T>
+Ref new_type(const char* name, PyType_Slot* slots, const char* abstract) {
+  return new_type_of_size(name, sizeof(Instance<T>), &destroy_instance<T>, slots, abstract);
+}
+
+// Bodies of slots and methods: an exception of the body becomes the interpreter's error.
+template <class Body>
+PyObject* answer(Body&& body) noexcept {
+  try {
+    return body().release();
+  } catch (...) {
+    set_python_error();
+    return nullptr;
+  }
+}
+template <class Result, class Body>
+Result answer_or(Result failed, Body&& body) noexcept {
+  try {
+    return body();
+  } catch (...) {
+    set_python_error();
+    return failed;
+  }
+}
+
+}  // namespace vantorelix::maya

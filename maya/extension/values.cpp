@@ -1,0 +1,174 @@
+#include "maya/extension/values.h"
+
+#include <memory>
+
+#include "host/error.h"
+#include "maya/extension/holder.h"
+
+namespace vantorelix::maya {
+
+namespace {
+
+using host::Value;
+
+// An object that the engine keeps and gives back.
+class PythonObject : public host::Object {
+ public:
+  explicit PythonObject(PyObject* object) : object_(Ref::share(object)) {}
+
+  PyObject* get() const { return object_.get(); }
+
+  bool truthy() const override { return truth(object_.get()); }
+  std::int64_t to_int() const override {
+    const Ref integer = maya::call(reinterpret_cast<PyObject*>(&PyLong_Type), std::array{object_.get()}.data(), 1);
+    return integer_of(integer.get());
+  }
+  double to_float() const override { return number_of(checked(PyNumber_Float(object_.get())).get()); }
+  std::string text() const override { return text_of(checked(PyObject_Str(object_.get())).get()); }
+  bool callable() const override { return PyCallable_Check(object_.get()) != 0; }
+  void call(const Value& argument) override {
+    const Ref converted = object_of(argument);
+    maya::call(object_.get(), std::array{converted.get()}.data(), 1);
+  }
+
+ private:
+  Ref object_;
+};
+
+Value wrapped(PyObject* object) { return Value(std::shared_ptr<host::Object>(std::make_shared<PythonObject>(object))); }
+
+Value list_of(PyObject* sequence) {
+  std::vector<Value> items;
+  const Ref fast = checked(PySequence_Fast(sequence, "a sequence"));
+  const Py_ssize_t n = PySequence_Fast_GET_SIZE(fast.get());
+  items.reserve(static_cast<std::size_t>(n));
+  for (Py_ssize_t i = 0; i < n; ++i) items.push_back(value_of(PySequence_Fast_GET_ITEM(fast.get(), i)));
+  return Value::list(std::move(items));
+}
+
+// Visits the items of a sequence; the visitor may run code that changes it.
+template <class Visit>
+void each(PyObject* sequence, Visit visit) {
+  const Ref fast = checked(PySequence_Fast(sequence, "a sequence is needed"));
+  for (Py_ssize_t i = 0; i < PySequence_Fast_GET_SIZE(fast.get()); ++i)
+    visit(PySequence_Fast_GET_ITEM(fast.get(), i), static_cast<std::size_t>(PySequence_Fast_GET_SIZE(fast.get())));
+}
+
+double item_number(PyObject* object, Py_ssize_t i) { return number_of(checked(PySequence_GetItem(object, i)).get()); }
+
+}  // namespace
+
+std::string text_of(PyObject* object) {
+  if (!PyUnicode_Check(object)) {
+    PyErr_Format(PyExc_TypeError, "a str is needed, not %.100s", Py_TYPE(object)->tp_name);
+    throw_python_error();
+  }
+  Py_ssize_t size = 0;
+  if (const char* const utf8 = PyUnicode_AsUTF8AndSize(object, &size)) return {utf8, static_cast<std::size_t>(size)};
+  PyErr_Clear();
+  const Ref bytes = checked(PyUnicode_AsEncodedString(object, "utf-8", "surrogatepass"));
+  return {PyBytes_AS_STRING(bytes.get()), static_cast<std::size_t>(PyBytes_GET_SIZE(bytes.get()))};
+}
+
+double number_of(PyObject* object) {
+  if (PyFloat_CheckExact(object)) return PyFloat_AS_DOUBLE(object);
+  const double number = PyFloat_AsDouble(object);
+  if (number == -1.0 && PyErr_Occurred()) throw_python_error();
+  return number;
+}
+
+std::int64_t integer_of(PyObject* object) {
+  const long long integer = PyLong_AsLongLong(object);
+  if (integer == -1 && PyErr_Occurred()) throw_python_error();
+  return integer;
+}
+
+std::vector<std::string> texts_of(PyObject* object) {
+  std::vector<std::string> texts;
+  if (!truth(object)) return texts;
+  each(object, [&](PyObject* item, std::size_t) { texts.push_back(text_of(item)); });
+  return texts;
+}
+
+std::vector<double> numbers_of(PyObject* sequence) {
+  std::vector<double> numbers;
+  each(sequence, [&](PyObject* item, std::size_t n) {
+    numbers.reserve(n);
+    numbers.push_back(number_of(item));
+  });
+  return numbers;
+}
+
+host::Vector vector_of(PyObject* object) {
+  if (PyTuple_CheckExact(object) && PyTuple_GET_SIZE(object) >= 3)
+    return {number_of(PyTuple_GET_ITEM(object, 0)), number_of(PyTuple_GET_ITEM(object, 1)),
+            number_of(PyTuple_GET_ITEM(object, 2))};
+  return {item_number(object, 0), item_number(object, 1), item_number(object, 2)};
+}
+
+std::vector<host::Vector> vectors_of(PyObject* sequence) {
+  std::vector<host::Vector> vectors;
+  each(sequence, [&](PyObject* item, std::size_t n) {
+    vectors.reserve(n);
+    vectors.push_back(vector_of(item));
+  });
+  return vectors;
+}
+
+Value value_of(PyObject* object) {
+  if (object == Py_None) return {};
+  if (PyBool_Check(object)) return object == Py_True;
+  if (PyFloat_CheckExact(object)) return PyFloat_AS_DOUBLE(object);
+  if (PyUnicode_CheckExact(object)) return text_of(object);
+  if (PyLong_CheckExact(object)) {
+    int overflow = 0;
+    const long long integer = PyLong_AsLongLongAndOverflow(object, &overflow);
+    return overflow ? wrapped(object) : Value(std::int64_t{integer});
+  }
+  if (PyBytes_CheckExact(object))
+    return host::Bytes{{PyBytes_AS_STRING(object), static_cast<std::size_t>(PyBytes_GET_SIZE(object))}};
+  if (const host::List* const shared = list_held_by(object)) return *shared;
+  if (PyList_CheckExact(object) || PyTuple_CheckExact(object)) return list_of(object);
+  return wrapped(object);
+}
+
+Ref object_of(bool value) { return Ref::share(value ? Py_True : Py_False); }
+Ref object_of(int value) { return checked(PyLong_FromLong(value)); }
+Ref object_of(std::int64_t value) { return checked(PyLong_FromLongLong(value)); }
+Ref object_of(std::size_t value) { return checked(PyLong_FromSize_t(value)); }
+Ref object_of(double value) { return checked(PyFloat_FromDouble(value)); }
+Ref object_of(const char* value) { return object_of(std::string(value)); }
+Ref object_of(const std::string& value) {
+  return checked(PyUnicode_DecodeUTF8(value.data(), static_cast<Py_ssize_t>(value.size()), "surrogatepass"));
+}
+Ref object_of(const Ref& value) { return value; }
+Ref none() { return Ref::share(Py_None); }
+
+Ref object_of(const host::Vector& value) {
+  Ref tuple = checked(PyTuple_New(3));
+  PyTuple_SET_ITEM(tuple.get(), 0, object_of(value.x).release());
+  PyTuple_SET_ITEM(tuple.get(), 1, object_of(value.y).release());
+  PyTuple_SET_ITEM(tuple.get(), 2, object_of(value.z).release());
+  return tuple;
+}
+
+Ref object_of(const Value& value) {
+  if (value.is_none()) return none();
+  if (const bool* const b = value.as_bool()) return object_of(*b);
+  if (const std::int64_t* const i = value.as_int()) return object_of(*i);
+  if (const double* const d = value.as_float()) return object_of(*d);
+  if (const std::string* const text = value.as_text()) return object_of(*text);
+  if (const host::Bytes* const bytes = value.as_bytes())
+    return checked(PyBytes_FromStringAndSize(bytes->data.data(), static_cast<Py_ssize_t>(bytes->data.size())));
+  if (const host::List* const list = value.as_list()) return new_holder(*list);
+  if (PyObject* const object = object_inside(value)) return Ref::share(object);
+  throw host::Error("a value of another host", host::ErrorKind::type);
+}
+
+PyObject* object_inside(const Value& value) {
+  const auto* const object = value.as_object();
+  const auto* const python = object ? dynamic_cast<const PythonObject*>(object->get()) : nullptr;
+  return python ? python->get() : nullptr;
+}
+
+}  // namespace vantorelix::maya
