@@ -32,9 +32,10 @@ void destroy_instance(PyObject* object) {
   content_of<T>(object).~T();
   type->tp_free(object);
 #if PY_VERSION_HEX >= 0x03080000
-  Py_DECREF(type);  // instances own their type since 3.8
+  Py_DECREF(type);
 #else
-  if (type->tp_flags & Py_TPFLAGS_HEAPTYPE) Py_DECREF(type);
+  // Until 3.7 a derived type lets go of itself.
+  if (type->tp_dealloc == &destroy_instance<T>) Py_DECREF(type);
 #endif
 }
 
