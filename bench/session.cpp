@@ -44,10 +44,14 @@ double Session::make_trails() {
   return now() - start;
 }
 
-std::vector<double> Session::edit_and_rebuild() {
+void Session::edit() {
   edited_value_ += 0.01;
   const NodeId curve = host_.scene().driving_curve(objects_.front(), Channel::translateX);
   host_.scene().set_key(curve, host_.scene().curve(curve).keys().front().time, edited_value_);
+}
+
+std::vector<double> Session::edit_and_rebuild() {
+  edit();
   end_quiet_time();
   std::vector<double> slices;
   double start = now();

@@ -15,7 +15,9 @@ class Session {
 
   // create_trail of every object, then the rebuild queue until nothing is left: seconds.
   double make_trails();
-  // Moves one key of the first object and runs the queue until every trail is exact again: seconds of each slice.
+  // Moves one key of the first object, which voids every world matrix that the scene remembers.
+  void edit();
+  // An edit, and the queue until every trail is exact again: seconds of each slice.
   std::vector<double> edit_and_rebuild();
   // Seconds of the longest unit that a slice cannot interrupt, the end of one trail (median of many).
   double unit();
