@@ -9,15 +9,13 @@ namespace {
 // cmds.F(positional..., K=keyword...)
 template <Text F, Text... K, class... A>
 Ref command(const A&... arguments) {
-  const Ref cmds = global(name<"cmds">());
-  const Ref function = attribute(cmds.get(), name<F>());
+  const Ref function = global_attribute(name<"cmds">(), name<F>());
   return call_with<K...>(function.get(), arguments...);
 }
 
 // modelEditor(panel, mode=True, flag=True)
 Ref model_editor(const std::string& panel, const char* mode, const std::string& flag) {
-  const Ref cmds = global(name<"cmds">());
-  const Ref function = attribute(cmds.get(), name<"modelEditor">());
+  const Ref function = global_attribute(name<"cmds">(), name<"modelEditor">());
   const Ref keywords = tuple_of(mode, flag);
   const Ref first = object_of(panel);
   return call(function.get(), std::array{first.get(), Py_True, Py_True}.data(), 1, keywords.get());

@@ -17,13 +17,28 @@ void bind_module(PyObject* module) {
 
 PyObject* module_dictionary() { return dictionary; }
 
-Ref global(PyObject* named) {
+namespace {
+
+// Borrowed.
+PyObject* find_global(PyObject* named) {
   PyObject* const found = dictionary ? PyDict_GetItemWithError(dictionary, named) : nullptr;
-  if (!found) {
-    if (!PyErr_Occurred()) PyErr_Format(PyExc_NameError, "name '%U' is not defined", named);
-    throw_python_error();
+  if (found) return found;
+  if (!PyErr_Occurred()) PyErr_Format(PyExc_NameError, "name '%U' is not defined", named);
+  throw_python_error();
+}
+
+}  // namespace
+
+Ref global(PyObject* named) { return Ref::share(find_global(named)); }
+
+Ref global_attribute(PyObject* handle, PyObject* named) {
+  PyObject* const object = find_global(handle);
+  // A plain module's attributes are its dictionary's items: nothing else need be asked while they are there.
+  if (PyModule_CheckExact(object)) {
+    if (PyObject* const found = PyDict_GetItemWithError(PyModule_GetDict(object), named)) return Ref::share(found);
+    if (PyErr_Occurred()) throw_python_error();
   }
-  return Ref::share(found);
+  return attribute(Ref::share(object).get(), named);
 }
 
 Handles python_handles() {

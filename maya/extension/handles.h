@@ -13,6 +13,8 @@ void bind_module(PyObject* module);
 PyObject* module_dictionary();
 // What the bound module holds under a name, now. Throws a NameError when it holds nothing.
 Ref global(PyObject* named);
+// HANDLE.NAME as it is now: what a handle of the bound module has under a name.
+Ref global_attribute(PyObject* handle, PyObject* named);
 
 // The host whose commands are the module's cmds, om, oma, os, sys and time. Lives as long as the process.
 Handles python_handles();

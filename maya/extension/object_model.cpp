@@ -13,26 +13,44 @@ using host::Value;
 // om.C, the class as it is now.
 template <Text C>
 Ref om_class() {
-  return attribute(global(name<"om">()).get(), name<C>());
+  return global_attribute(name<"om">(), name<C>());
 }
 
-// om.C(arguments...)
+// True for a class written in Python whose instances are made by its __init__ alone.
+bool has_only_init(PyObject* object) {
+  if (Py_TYPE(object) != &PyType_Type) return false;
+  const auto* const type = reinterpret_cast<PyTypeObject*>(object);
+  return (type->tp_flags & Py_TPFLAGS_HEAPTYPE) && !(type->tp_flags & Py_TPFLAGS_IS_ABSTRACT) &&
+         type->tp_new == PyBaseObject_Type.tp_new && type->tp_init != PyBaseObject_Type.tp_init;
+}
+
+// om.C(arguments...). Where a tool has put a Python class in the place of Maya's, its __init__ is called without the
+// detour over the class, as the interpreter's own loop does from 3.13 on.
 template <Text C, class... A>
 Ref construct(const A&... arguments) {
-  const std::array<PyObject*, sizeof...(arguments) + 1> borrowed = {arguments...};
-  return call(om_class<C>().get(), borrowed.data(), sizeof...(arguments));
+  const Ref type = om_class<C>();
+  if (!has_only_init(type.get())) {
+    const std::array<PyObject*, sizeof...(arguments) + 1> borrowed = {arguments...};
+    return call(type.get(), borrowed.data(), sizeof...(arguments));
+  }
+  auto* const python_type = reinterpret_cast<PyTypeObject*>(type.get());
+  Ref object = checked(python_type->tp_alloc(python_type, 0));
+  const Ref result = method<"__init__">(object.get(), arguments...);
+  if (result.get() == Py_None) return object;
+  PyErr_Format(PyExc_TypeError, "__init__() should return None, not '%.200s'", Py_TYPE(result.get())->tp_name);
+  throw_python_error();
 }
 
 // om.C.M() or oma.C.M(), a static method without arguments.
 template <Text Handle, Text C, Text M>
 Ref static_call() {
-  const Ref holder = attribute(global(name<Handle>()).get(), name<C>());
+  const Ref holder = global_attribute(name<Handle>(), name<C>());
   return method<M>(holder.get());
 }
 
 template <Text Handle, Text C, Text M, class... A>
 Ref register_callback(const Callback& function, const A&... arguments) {
-  const Ref holder = attribute(global(name<Handle>()).get(), name<C>());
+  const Ref holder = global_attribute(name<Handle>(), name<C>());
   const Ref add = attribute(holder.get(), name<M>());
   return call_with<>(add.get(), global(object_of(function.name).get()), arguments...);
 }
@@ -72,7 +90,10 @@ class PythonPlug : public host::Plug {
     const Ref data = method<"asMObject">(plug_.get(), context.get());
     const Ref function_set = construct<"MFnMatrixData">(data.get());
     const Ref matrix = method<"matrix">(function_set.get());
-    return {element(matrix, 0), element(matrix, 1), element(matrix, 2)};
+    const Method<"getElement"> element(matrix.get());
+    return {number_of(element(row_.get(), columns_[0].get()).get()),
+            number_of(element(row_.get(), columns_[1].get()).get()),
+            number_of(element(row_.get(), columns_[2].get()).get())};
   }
 
   void set_vector_array(const std::shared_ptr<host::VectorArray>& array) override {
@@ -82,10 +103,6 @@ class PythonPlug : public host::Plug {
   }
 
  private:
-  double element(const Ref& matrix, std::size_t column) {
-    return number_of(method<"getElement">(matrix.get(), row_.get(), columns_[column].get()).get());
-  }
-
   Ref plug_;
   Ref row_;  // of a translation, and its columns: made once
   std::array<Ref, 3> columns_;

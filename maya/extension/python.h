@@ -9,6 +9,9 @@
 #include <cstddef>
 #include <utility>
 
+// What the interpreter itself calls methods with. Every version has it, and not every version's header.
+extern "C" int _PyObject_GetMethod(PyObject* object, PyObject* named, PyObject** method);
+
 namespace vantorelix::maya {
 
 // An owned reference, or none.
@@ -102,17 +105,34 @@ inline Ref call(PyObject* function, PyObject* const* arguments, std::size_t coun
 
 inline Ref attribute(PyObject* object, PyObject* named) { return checked(PyObject_GetAttr(object, named)); }
 
+// object.M for calls: looked up once, and without the bound object that a script would get.
+template <Text M>
+class Method {
+ public:
+  // `object` must outlive it.
+  explicit Method(PyObject* object) : object_(object) {
+    PyObject* found = nullptr;
+    unbound_ = _PyObject_GetMethod(object, name<M>(), &found) != 0;
+    function_ = checked(found);
+  }
+
+  template <class... Arguments>
+  Ref operator()(const Arguments&... arguments) const {
+    const std::array<PyObject*, 1 + sizeof...(arguments)> all = {object_, arguments...};
+    return unbound_ ? call(function_.get(), all.data(), all.size())
+                    : call(function_.get(), all.data() + 1, sizeof...(arguments));
+  }
+
+ private:
+  PyObject* object_;
+  Ref function_;
+  bool unbound_;
+};
+
 // object.M(arguments...)
 template <Text M, class... Arguments>
 Ref method(PyObject* object, const Arguments&... arguments) {
-#if PY_VERSION_HEX >= 0x03090000
-  const std::array<PyObject*, 1 + sizeof...(arguments)> all = {object, arguments...};
-  return checked(PyObject_VectorcallMethod(name<M>(), all.data(), all.size(), nullptr));
-#else
-  const Ref bound = attribute(object, name<M>());
-  const std::array<PyObject*, 1 + sizeof...(arguments)> all = {nullptr, arguments...};
-  return call(bound.get(), all.data() + 1, sizeof...(arguments));
-#endif
+  return Method<M>(object)(arguments...);
 }
 
 }  // namespace vantorelix::maya
