@@ -1,0 +1,66 @@
+"""What the tests of the files beside the engine share: the real engine on the package `maya` over the standalone host."""
+
+import importlib.util
+import os
+import sys
+import tempfile
+import unittest
+
+from support import import_engine
+
+CHECKOUT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+COMPANION = os.path.join(CHECKOUT, "maya", "companion")
+PLUGIN = os.path.join(COMPANION, "Vantorelix_plugin.py")
+_host_modules = {}
+
+
+def use_host():
+    """Makes `maya` the package of VANTORELIX_HOST, whatever another test has put under that name."""
+    for name in [name for name in sys.modules if name == "maya" or name.startswith("maya.")]:
+        del sys.modules[name]
+    sys.modules.update(_host_modules)
+    folder = os.path.abspath(os.environ["VANTORELIX_HOST"])
+    if folder not in sys.path:
+        sys.path.insert(0, folder)
+    import maya._ui, maya.api.OpenMaya, maya.api.OpenMayaAnim, maya.api.OpenMayaRender, maya.cmds, maya.host  # noqa
+    _host_modules.update((name, module) for name, module in sys.modules.items() if name.startswith("maya"))
+    return maya
+
+
+def load_companion(name):
+    description = importlib.util.spec_from_file_location(name, os.path.join(COMPANION, name + ".py"))
+    module = importlib.util.module_from_spec(description)
+    description.loader.exec_module(module)
+    return module
+
+
+@unittest.skipUnless("VANTORELIX_MODULE" in os.environ and "VANTORELIX_HOST" in os.environ,
+                     "VANTORELIX_MODULE and VANTORELIX_HOST name no folders")
+class CompanionTest(unittest.TestCase):
+    """A fresh host with an empty scene, and a fresh engine on it. What the engine tells the user is in `told`."""
+
+    batch = False
+
+    def setUp(self):
+        self.maya = use_host()
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.host, self.cmds, self.ui = self.maya.host, self.maya.cmds, self.maya._ui
+        self.host.restart(batch=self.batch, plugin_loaded=False, user_app_dir=folder.name)
+        self.render, plugins = self.maya.api.OpenMayaRender, self.maya.api._plugin
+        for kept in (plugins.node_types, plugins.twins, self.render.MDrawRegistry.creators,
+                     self.render.MRenderer.dirty):
+            kept.clear()
+        self.plugins = plugins
+        self.ui.reset()
+        self.engine = import_engine()
+        self.told = []
+        self.engine._set_msg_handler(self.told.append)
+        for name in ("stdout", "stderr"):
+            self.silence(name)
+
+    def silence(self, name):
+        before, quiet = getattr(sys, name), open(os.devnull, "w")
+        setattr(sys, name, quiet)
+        self.addCleanup(quiet.close)
+        self.addCleanup(setattr, sys, name, before)
