@@ -142,6 +142,8 @@ void define_functions(const std::vector<Function>& functions, PyObject* module_n
 PyObject* start(PyObject*, PyObject* module) {
   return answer([&] {
     static PyObject* const type = new_module_type().release();
+    static const int watched = Py_AtExit([] { interpreter_has_ended = true; });
+    check(watched);
     bind_module(module);
     check(PyObject_SetAttrString(module, "__class__", type));
     _initialise(python_handles());

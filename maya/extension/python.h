@@ -14,6 +14,9 @@ extern "C" int _PyObject_GetMethod(PyObject* object, PyObject* named, PyObject**
 
 namespace vantorelix::maya {
 
+// Set when the interpreter has ended. The engine's state outlives it, and what it refers to has gone by then.
+inline bool interpreter_has_ended = false;
+
 // An owned reference, or none.
 class Ref {
  public:
@@ -31,7 +34,9 @@ class Ref {
     std::swap(object_, other.object_);
     return *this;
   }
-  ~Ref() { Py_XDECREF(object_); }
+  ~Ref() {
+    if (!interpreter_has_ended) Py_XDECREF(object_);
+  }
 
   PyObject* get() const { return object_; }
   explicit operator bool() const { return object_ != nullptr; }
