@@ -2,11 +2,12 @@
 
 import os
 import subprocess
+import sysconfig
 import tempfile
 from concurrent.futures import ThreadPoolExecutor
 
 _FLAGS = ["-std=c++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion",
-          "-Wno-sign-conversion", "-Werror"]
+          "-Wno-sign-conversion", "-Werror", "-isystem", sysconfig.get_path("include")]  # for Python.h
 
 
 def errors(compiler, root, source):
