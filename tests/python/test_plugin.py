@@ -176,6 +176,13 @@ class Colors(PluginTest):
         self.assertEqual(len(set(colors[:3])), 1)
         self.assertNotEqual(colors[2], colors[3])
 
+    def test_a_step_of_nothing_is_taken_as_one_frame(self):
+        self.make_node(FLOW)
+        self.cmds.currentTime(12.0)
+        self.set(frameStep=0.0)
+        self.assertEqual(self.colors(), self.engine.compute_temperature_colors(5, 10.0, 1.0))
+        self.assertEqual(self.warned, [])
+
     def test_beats_change_at_the_keys(self):
         self.make_node(BEATS)
         colors = self.colors()
@@ -259,8 +266,11 @@ class Work(PluginTest):
 
     def test_time_that_passes_no_point_makes_no_colors(self):
         self.make_node(FLOW)
-        self.cmds.currentTime(12.0)
+        self.cmds.currentTime(5.0)
         self.drawn()
+        self.assertEqual(self.work(lambda: self.cmds.currentTime(9.5))[0], 0)
+        self.assertEqual(self.work(lambda: self.cmds.currentTime(10.0))[0], 1)
+        self.assertEqual(self.work(lambda: self.cmds.currentTime(12.0))[0], 1)
         self.assertEqual(self.work(lambda: self.cmds.currentTime(12.5))[0], 0)
         self.assertEqual(self.work(lambda: self.cmds.currentTime(13.0))[0], 1)
         self.assertEqual(self.work(lambda: self.cmds.currentTime(100.0))[0], 1)
@@ -281,6 +291,13 @@ class Box(PluginTest):
         self.put("trailShape", points=[(100.0, 0.0, 0.0), (101.0, 0.0, 0.0)], keyPoints=[])
         self.drawn()
         self.assertEqual(self.viewport.box("trailShape"), ((100.0, 0.0, 0.0), (101.0, 0.0, 0.0)))
+
+    def test_it_follows_the_points_alone(self):
+        self.make_node()
+        self.drawn()
+        self.put("trailShape", points=[(0.0, 50.0, 0.0)] * 2)
+        self.drawn()
+        self.assertEqual(self.viewport.box("trailShape"), ((0.0, -1.0, -5.0), (4.0, 50.0, 0.0)))
 
     def test_it_is_right_before_anything_was_drawn(self):
         self.make_node()
