@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-#include "host/vector.h"
+#include "engine/frame/ramp_stops.h"
 
 namespace vantorelix {
 
@@ -27,20 +27,5 @@ inline constexpr double _DEBOUNCE = 0.2;          // seconds of quiet after an e
 inline constexpr double _CREATE_BUDGET = 0.15;    // seconds of foreground sampling in one create_trail
 inline constexpr double _SPACING_RED_MULT = 2.5;  // multiple of the baseline spacing at the top of the ramp
 inline const std::array<std::string, 1> _VIEWPORT_TRAIL_FLAGS = {"motionTrails"};
-
-struct RampStop {
-  double t;
-  host::Vector colour;
-};
-
-// Blue, cyan, green, yellow, orange, red. Unevenly placed on purpose: yellow to red takes the top 30 %.
-inline constexpr std::array<RampStop, 6> _RAMP_STOPS = {{
-    {0.0, {0.0, 0.0, 1.0}},
-    {0.25, {0.0, 1.0, 1.0}},
-    {0.5, {0.0, 1.0, 0.0}},
-    {0.7, {1.0, 1.0, 0.0}},
-    {0.85, {1.0, 0.5, 0.0}},
-    {1.0, {1.0, 0.0, 0.0}},
-}};
 
 }  // namespace vantorelix

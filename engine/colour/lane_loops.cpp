@@ -1,0 +1,123 @@
+// Compiled once for each width of register; VANTORELIX_LANES names the result.
+//
+// All else is local to the unit, and no function of a header is called: the linker keeps one copy of such a function
+// for the whole program, and it could be the one that only some processors run.
+#include <cmath>
+#include <cstddef>
+
+#include "engine/colour/lanes.h"
+#include "engine/frame/ramp_stops.h"
+#include "engine/sampling/spacing_kernel.h"
+
+#ifndef VANTORELIX_LANES
+#define VANTORELIX_LANES base
+#endif
+
+namespace vantorelix::lanes {
+
+namespace {
+
+void lengths(const double* xyz, std::size_t count, double* out) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const double dx = xyz[3 * i + 3] - xyz[3 * i];
+    const double dy = xyz[3 * i + 4] - xyz[3 * i + 1];
+    const double dz = xyz[3 * i + 5] - xyz[3 * i + 2];
+    out[i] = std::sqrt(dx * dx + dy * dy + dz * dz);
+  }
+}
+
+void means(const double* v, std::size_t count, double* out) {
+  // 0 first, as a sum starts: it makes 0 of a -0.
+  for (std::size_t i = 0; i < count; ++i)
+    out[i] = (0.0 + v[i] + v[i + 1] + v[i + 2] + v[i + 3] + v[i + 4] + v[i + 5] + v[i + 6]) / 7.0;
+}
+
+std::size_t without_holds(const double* lengths, std::size_t count, double* out) {
+  std::size_t active = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    out[i] = lengths[i] > kernel::kHold ? lengths[i] : 0.0;
+    active += lengths[i] > kernel::kHold ? 1 : 0;
+  }
+  return active;
+}
+
+void parameters(const double* lengths, std::size_t count, double scale, double* out) {
+  if (scale <= kernel::kHold) {
+    for (std::size_t i = 0; i < count; ++i) out[i] = 0.0;
+    return;
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    const double t = lengths[i] / scale;
+    const double low = t < 1.0 ? t : 1.0;  // the bound where t is no number
+    out[i] = low > 0.0 ? low : 0.0;
+  }
+}
+
+// One piece of the ramp: from `colour` at t0, by `change` over `length`.
+struct Segment {
+  double t0, length, colour[3], change[3];
+};
+struct Segments {
+  Segment at[_RAMP_STOPS.size() - 1];
+};
+
+constexpr Segments segments() {
+  Segments all{};
+  for (std::size_t i = 0; i + 1 < _RAMP_STOPS.size(); ++i) {
+    const RampStop& a = _RAMP_STOPS[i];
+    const RampStop& b = _RAMP_STOPS[i + 1];
+    all.at[i] = {a.t,
+                 b.t - a.t,
+                 {a.colour.x, a.colour.y, a.colour.z},
+                 {b.colour.x - a.colour.x, b.colour.y - a.colour.y, b.colour.z - a.colour.z}};
+  }
+  return all;
+}
+constexpr Segments kSegments = segments();
+constexpr std::size_t kLast = _RAMP_STOPS.size() - 2;
+
+// A t on a stop belongs to the segment below it. Nothing is looked up and nothing branches: from the lowest up, each
+// segment takes the value over where t lies above its start.
+template <double Segment::*field, std::size_t k = 1>
+double of_segment(double t, double below = kSegments.at[0].*field) {
+  if constexpr (k > kLast)
+    return below;
+  else
+    return of_segment<field, k + 1>(t, t > kSegments.at[k].t0 ? kSegments.at[k].*field : below);
+}
+template <std::size_t channel, std::size_t k>
+double segment(double u) {
+  constexpr double colour = kSegments.at[k].colour[channel];
+  constexpr double change = kSegments.at[k].change[channel];
+  return change == 0.0 ? colour : colour + change * u;
+}
+template <std::size_t channel, std::size_t k = 1>
+double value(double t, double u, double below) {
+  if constexpr (k > kLast)
+    return below;
+  else
+    return value<channel, k + 1>(t, u, t > kSegments.at[k].t0 ? segment<channel, k>(u) : below);
+}
+
+void ramp(const double* t, std::size_t count, double* rgb) {
+  alignas(64) double middle[kLaneBlock];
+  alignas(64) double u[kLaneBlock];
+  for (std::size_t i = 0; i < count; ++i) {
+    middle[i] = 0.5 * (t[i] + t[i + 1]);
+    u[i] = (middle[i] - of_segment<&Segment::t0>(middle[i])) / of_segment<&Segment::length>(middle[i]);
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    rgb[3 * i] = value<0>(middle[i], u[i], segment<0, 0>(u[i]));
+    rgb[3 * i + 1] = value<1>(middle[i], u[i], segment<1, 0>(u[i]));
+    rgb[3 * i + 2] = value<2>(middle[i], u[i], segment<2, 0>(u[i]));
+  }
+}
+
+}  // namespace
+
+extern const Lanes VANTORELIX_LANES;
+#define VANTORELIX_TEXT_OF(x) #x
+#define VANTORELIX_TEXT(x) VANTORELIX_TEXT_OF(x)
+const Lanes VANTORELIX_LANES = {VANTORELIX_TEXT(VANTORELIX_LANES), lengths, means, without_holds, parameters, ramp};
+
+}  // namespace vantorelix::lanes

@@ -1,0 +1,35 @@
+// The loops of the spacing colours over one block of points, compiled once for each width of register.
+//
+// Every width gives the same doubles: sums keep their order, divisions stay divisions, nothing is fused.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace vantorelix {
+
+// Points worked on at a time: what they need stays in the nearest cache, and the processor can begin the next block
+// while the one sum that has to run in order is still under way.
+inline constexpr std::size_t kLaneBlock = 64;
+
+// Any `count`, but for `ramp`. Inputs and outputs do not overlap.
+struct Lanes {
+  const char* name;
+  // The lengths of the segments between count + 1 points, x y z x y z ...
+  void (*lengths)(const double* xyz, std::size_t count, double* out);
+  // out[i] = mean of values[i] ... values[i + 2 * kSpacingWindow].
+  void (*means)(const double* values, std::size_t count, double* out);
+  // The lengths with 0 for holds; returns how many are none.
+  std::size_t (*without_holds)(const double* lengths, std::size_t count, double* out);
+  // Ramp parameters in 0..1 of lengths; all 0 where the scale is too small to be one.
+  void (*parameters)(const double* lengths, std::size_t count, double scale, double* out);
+  // The ramp halfway between t[i] and t[i + 1], both in 0..1, as r g b r g b ...; up to kLaneBlock points.
+  void (*ramp)(const double* t, std::size_t count, double* rgb);
+};
+
+// What this program has and this processor runs, narrowest first; the first runs everywhere.
+const std::vector<const Lanes*>& lanes_here();
+// The names of the ones that the program has and this processor cannot run.
+std::vector<const char*> lanes_elsewhere();
+
+}  // namespace vantorelix
