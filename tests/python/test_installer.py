@@ -137,7 +137,8 @@ class Damage(InstallerTest):
         self.expect_refused("no list")
 
     def test_paths_out_of_the_package_are_refused(self):
-        for path in ("../elsewhere", os.path.abspath(os.sep + "elsewhere"), "contents/../../elsewhere", "..\\elsewhere"):
+        for path in ("../elsewhere", os.path.abspath(os.sep + "elsewhere"), "contents/../../elsewhere",
+                     "..\\elsewhere"):
             write(os.path.join(self.package, "manifest.json"), json.dumps({path: "00"}))
             self.expect_refused("outside")
 
@@ -281,6 +282,58 @@ class CommandLine(InstallerTest):
         code, told = self.run_installer("--verify", self.modules)
         self.assertEqual(code, 1)
         self.assertIn("no list of its files", told)
+
+
+@unittest.skipUnless("VANTORELIX_MODULE" in os.environ and "VANTORELIX_HOST" in os.environ,
+                     "VANTORELIX_MODULE and VANTORELIX_HOST name no folders")
+class RealFiles(InstallerTest):
+    """The module and what lies beside it, installed and used in an interpreter of its own."""
+
+    PYTHON = "python-{0}.{1}".format(*sys.version_info[:2])
+    SESSION = """
+import sys
+from maya import cmds, host
+host.restart(plugin_loaded=False, user_app_dir=sys.argv[1])
+import Vantorelix_engine, Vantorelix
+ball = cmds.createNode("transform", name="ball")
+for frame in (1, 24):
+    cmds.setKeyframe(ball, attribute="translateX", time=frame, value=frame)
+cmds.select(ball)
+Vantorelix_engine.create_trail()
+print(cmds.pluginInfo("Vantorelix_plugin", query=True, path=True))
+print(len(cmds.ls(type="vantorelix")))
+print(Vantorelix.__file__)
+"""
+
+    def make_package(self, version):
+        package = super(RealFiles, self).make_package(version)
+        companion, python = os.path.join(CHECKOUT, "maya", "companion"), os.path.join(package, "contents", self.PYTHON)
+        shutil.rmtree(os.path.join(package, "contents"))
+        shutil.copytree(os.environ["VANTORELIX_MODULE"], python, ignore=shutil.ignore_patterns("__pycache__"))
+        shutil.copy2(os.path.join(companion, "Vantorelix.py"), python)
+        os.makedirs(os.path.dirname(os.path.join(package, PLUGIN)))
+        shutil.copy2(os.path.join(companion, "Vantorelix_plugin.py"), os.path.join(package, PLUGIN))
+        os.remove(os.path.join(package, "manifest.json"))
+        files = {os.path.relpath(os.path.join(above, name), package).replace(os.sep, "/"): self.installer.digest(
+            os.path.join(above, name)) for above, _, names in os.walk(package) for name in names}
+        write(os.path.join(package, "manifest.json"), json.dumps(files))
+        return package
+
+    def test_an_animator_s_first_trail_loads_the_plugin_from_the_installation(self):
+        self.install()
+        maya = os.path.dirname(self.modules)
+        folder = os.path.join(self.installed, "contents", self.PYTHON)
+        paths = [folder, os.path.abspath(os.environ["VANTORELIX_HOST"])]
+        environment = dict(os.environ, PYTHONPATH=os.pathsep.join(paths))
+        environment.pop("MAYA_PLUG_IN_PATH", None)
+        done = subprocess.run([sys.executable, "-c", self.SESSION, maya + "/"], stdout=subprocess.PIPE, cwd=self.folder,
+                              stderr=subprocess.PIPE, universal_newlines=True, env=environment)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        plugin, count, front = done.stdout.strip().splitlines()[-3:]
+        self.assertEqual((count, front), ("1", os.path.join(folder, "Vantorelix.py")))
+        self.assertTrue(os.path.samefile(os.path.dirname(os.path.dirname(os.path.dirname(plugin))), maya), plugin)
+        self.assertTrue(self.installer.uninstall(self.modules))
+        self.assertFalse(os.path.exists(plugin))
 
 
 class Description(unittest.TestCase):
