@@ -21,10 +21,10 @@ else()
   endif()
 endif()
 
-# The sources below a folder that are not tests.
+# The sources below a folder that are neither tests nor a shared library of their own.
 function(vantorelix_sources result folder)
   file(GLOB_RECURSE found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
-  list(FILTER found EXCLUDE REGEX "_test\\.cpp$|/main\\.cpp$")
+  list(FILTER found EXCLUDE REGEX "_test\\.cpp$|/main\\.cpp$|/standalone/python/")
   set(${result} ${found} PARENT_SCOPE)
 endfunction()
 

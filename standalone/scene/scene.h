@@ -192,6 +192,8 @@ class Scene {
   void set_infinity(NodeId curve, Infinity pre, Infinity post);
   // The curve that drives a channel, straight or through unitConversion and pairBlend; kNoNode when none does.
   NodeId driving_curve(NodeId node, Channel c) const;
+  // The curves that drive attributes of the node, in order of connection.
+  std::vector<NodeId> driving_curves(NodeId node) const;
   // Key times of every curve that drives an attribute of the node, curve by curve in order of connection.
   std::vector<double> key_times(NodeId node) const;
   std::size_t key_count(NodeId node) const;
@@ -201,6 +203,8 @@ class Scene {
   // an inverse scale is zero the result holds infinities or NaN.
   Affine world_matrix(NodeId node, double frame) const;
   Affine local_matrix(NodeId node, double frame) const;
+  // What a transform's channel is at a frame, driven or not. Radians on angles.
+  double channel_at(NodeId node, Channel c, double frame) const;
   // True when the node or a parent is driven by a curve that varies.
   bool is_animated(NodeId node) const;
   // True when the node itself is driven by a curve, whether or not it varies.

@@ -1,5 +1,4 @@
 // Connections, and what they say about who drives whom.
-#include <algorithm>
 #include <unordered_set>
 
 #include "standalone/scene/scene_data.h"
@@ -109,29 +108,27 @@ bool Scene::has_keys(NodeId id) const {
   return false;
 }
 
-std::vector<double> Scene::key_times(NodeId id) const {
+std::vector<NodeId> Scene::driving_curves(NodeId id) const {
   const Data& d = *data_;
-  std::vector<double> times;
+  std::vector<NodeId> curves;
   CurveSearch search(d);
   for (const Input& input : d.at(id).inputs.all())
     search.behind(input, [&](const Node& curve) {
-      const auto& keys = curve.curve->keys();
-      const auto added = times.insert(times.end(), keys.size(), 0.0);
-      std::transform(keys.begin(), keys.end(), added, [](const Key& key) { return key.time; });
+      curves.push_back(curve.id);
       return false;
     });
+  return curves;
+}
+
+std::vector<double> Scene::key_times(NodeId id) const {
+  std::vector<double> times;
+  for (const NodeId driving : driving_curves(id)) curve(driving).append_key_times(times);
   return times;
 }
 
 std::size_t Scene::key_count(NodeId id) const {
-  const Data& d = *data_;
   std::size_t count = 0;
-  CurveSearch search(d);
-  for (const Input& input : d.at(id).inputs.all())
-    search.behind(input, [&](const Node& curve) {
-      count += curve.curve->keys().size();
-      return false;
-    });
+  for (const NodeId driving : driving_curves(id)) count += curve(driving).keys().size();
   return count;
 }
 

@@ -231,6 +231,17 @@ TEST_F(SceneConnections, KeyTimesComeCurveByCurveInOrderOfConnection) {
   s.set_key(a, Channel::translateY, 1, 0);
   EXPECT_THAT(s.key_times(a), ElementsAre(1, 5, 2, 9));
   EXPECT_EQ(s.key_count(a), 4u);
+  EXPECT_THAT(s.driving_curves(a),
+              ElementsAre(s.driving_curve(a, Channel::translateY), s.driving_curve(a, Channel::translateX)));
+}
+
+TEST_F(SceneConnections, AChannelIsWhatDrivesItAtTheFrameElseItsStaticValue) {
+  s.connect(line, "o", a, "tx");
+  s.set_channel(a, Channel::translateY, 7);
+  EXPECT_EQ(s.channel_at(a, Channel::translateX, 25), s.curve(line).evaluate(25));
+  EXPECT_NE(s.channel_at(a, Channel::translateX, 25), s.channel_at(a, Channel::translateX, 75));
+  EXPECT_EQ(s.channel_at(a, Channel::translateY, 25), 7);
+  EXPECT_THROW(s.channel_at(line, Channel::translateX, 25), host::Error);
 }
 
 TEST_F(SceneConnections, ANodeWithManyInputsKeepsThemInOrder) {

@@ -117,6 +117,11 @@ Affine Scene::local_matrix(NodeId node, double frame) const {
   return local_at(record_of(*data_, node), frame);
 }
 
+double Scene::channel_at(NodeId node, Channel c, double frame) const {
+  data_->transform(node);
+  return channels_at(record_of(*data_, node), frame)[index(c)];
+}
+
 bool Scene::is_animated(NodeId node) const {
   const NodeId transform = transform_of(*data_, node);
   if (!data_->at(transform).channels) return false;

@@ -1,0 +1,16 @@
+"""The object model: nodes, plugs, values and messages."""
+
+from ._messages import MDGMessage, MMessage
+from ._nodes import *
+from ._nodes import plugin_object
+from ._values import *
+
+try:
+    from ._plugin import *
+except ImportError as _missing:  # as long as there is no stand-in for what plug-ins register with
+    if _missing.name != __package__ + "._plugin":
+        raise
+
+
+def __getattr__(name):
+    raise AttributeError("maya.api.OpenMaya.%s is not covered by this host" % name)

@@ -1,0 +1,1 @@
+"""The second Python API, as far as motion trails need it."""

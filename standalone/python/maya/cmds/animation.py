@@ -1,0 +1,307 @@
+"""Keys, curves and scene time."""
+
+from .. import _time, host
+from .._commands import command, nodes_or_selection, not_covered, split_plug
+
+__all__ = [
+    "currentTime",
+    "currentUnit",
+    "cutKey",
+    "keyTangent",
+    "keyframe",
+    "play",
+    "playbackOptions",
+    "setInfinity",
+    "setKeyframe",
+    "upAxis",
+]
+
+# Tangent types by the numbers that keys have. `step_next` is the step to the next key's value.
+_TANGENTS = {
+    "fixed": 1,
+    "linear": 2,
+    "flat": 3,
+    "step": 5,
+    "slow": 6,
+    "fast": 7,
+    "spline": 9,
+    "clamped": 10,
+    "plateau": 16,
+    "stepnext": 17,
+    "auto": 18,
+    "automix": 19,
+    "autoease": 20,
+    "autocustom": 21,
+}
+_TANGENT_NAMES = {number: name for name, number in _TANGENTS.items()}
+_TANGENT_NAMES[0] = "global"
+_INFINITIES = {"constant": 0, "linear": 1, "cycle": 3, "cycleRelative": 4, "oscillate": 5}
+_INFINITY_NAMES = {number: name for name, number in _INFINITIES.items()}
+
+
+def _attributes(attribute):
+    return [attribute] if isinstance(attribute, str) else attribute
+
+
+def _plug_curves(node, attribute):
+    parts = host.call("channel_parts", node, attribute) or [attribute]
+    curves = [host.call("driving_curve", node, part) for part in parts]
+    return [curve for curve in curves if curve is not None]
+
+
+def _curves(names, attribute):
+    """The curves that the arguments of a command on keys stand for, each once."""
+    curves = []
+    plugs = [split_plug(name) for name in names if isinstance(name, str) and "." in name]
+    rest = [name for name in names if not (isinstance(name, str) and "." in name)]
+    for node in nodes_or_selection(rest) if rest or not names else []:
+        if host.call("is_curve", node):
+            plugs.append((node, None))
+        elif attribute is None:
+            curves.extend(host.call("driving_curves", node))
+        else:
+            plugs.extend((node, each) for each in _attributes(attribute))
+    for node, each in plugs:
+        curves.extend([node] if each is None else _plug_curves(node, each))
+    return list(dict.fromkeys(curves))
+
+
+def _range_of(time):
+    """What a time flag stands for: (first, last) frames; one number is itself, "a:b" a range."""
+    if time is None:
+        return float("-inf"), float("inf")
+    if isinstance(time, str):
+        first, colon, last = time.partition(":")
+        low, high = first or "-inf", (last or "inf") if colon else first
+        return float(low), float(high)
+    if isinstance(time, (int, float)):
+        return float(time), float(time)
+    time = list(time)
+    if len(time) == 1:
+        return _range_of(time[0])
+    return float(time[0]), float(time[-1])
+
+
+def _ranges_of(time):
+    nested = isinstance(time, (list, tuple)) and time and isinstance(time[0], (list, tuple, str))
+    return [_range_of(each) for each in time] if nested else [_range_of(time)]
+
+
+def _keys(curve, time):
+    """The keys, [time, value, in, out], in any of the ranges."""
+    ranges = _ranges_of(time)
+    return [key for key in host.call("keys", curve) if any(low <= key[0] <= high for low, high in ranges)]
+
+
+def _edit_keys(curves, time, timeChange, valueChange, relative):
+    edited = 0
+    for curve in curves:
+        keys = _keys(curve, time)
+        # Moved one after another, so those go first that the others would land on.
+        forward = relative and timeChange is not None and timeChange > 0
+        for key in reversed(keys) if forward else keys:
+            frame = timeChange if not relative or timeChange is None else key[0] + timeChange
+            value = valueChange if not relative or valueChange is None else key[1] + valueChange
+            edited += host.call("change_key", curve, key[0], frame, value, None, None)
+    return edited
+
+
+@command(
+    query="q",
+    edit="e",
+    timeChange="tc",
+    valueChange="vc",
+    keyframeCount="kc",
+    name="n",
+    attribute="at",
+    time="t",
+    relative="r",
+    absolute="a",
+    eval="ev",
+)
+def keyframe(
+    *names,
+    query=False,
+    edit=False,
+    timeChange=None,
+    valueChange=None,
+    keyframeCount=False,
+    name=False,
+    attribute=None,
+    time=None,
+    relative=False,
+    absolute=False,
+    eval=False
+):
+    """Queried: times, values or curve names as a list, None where there is none; a count. Edited: how many keys."""
+    curves = _curves(names, attribute)
+    if not query:
+        if timeChange is None and valueChange is None:
+            raise not_covered("keyframe: edits of other than times and values")
+        return _edit_keys(curves, time, timeChange, valueChange, relative)
+    if name:
+        return [host.call("unique_name", curve) for curve in curves] or None
+    if eval:
+        frame = host.call("current_time") if time is None else _range_of(time)[0]
+        return [host.call("evaluate", curve, frame) for curve in curves] or None
+    keys = [key for curve in curves for key in _keys(curve, time)]
+    if keyframeCount or not (timeChange or valueChange):
+        return len(keys)
+    if timeChange and valueChange:
+        return [number for key in keys for number in key[:2]] or None
+    return [key[0 if timeChange else 1] for key in keys] or None
+
+
+_CHANNELS = ["visibility", "translate", "rotate", "scale"]  # what a key goes on where no attribute is given
+
+
+def _keyable(node, attribute):
+    if attribute is not None:
+        wanted = _attributes(attribute)
+    else:
+        wanted = _CHANNELS[1:]
+    return [(node, part) for each in wanted for part in host.call("channel_parts", node, each) or [each]]
+
+
+def _key_targets(names, attribute):
+    """(node, attribute or None for a curve) of each thing that gets a key."""
+    targets = []
+    plain = []
+    for name in names:
+        if isinstance(name, str) and "." in name:
+            targets.extend(_keyable(*split_plug(name)))
+        else:
+            plain.append(name)
+    for node in nodes_or_selection(plain) if plain or not names else []:
+        targets.extend([(node, None)] if host.call("is_curve", node) else _keyable(node, attribute))
+    return targets
+
+
+def _set_key(node, attribute, frame, value):
+    """The curve that has the key now."""
+    if attribute is None:
+        host.call("set_curve_key", node, frame, host.call("evaluate", node, frame) if value is None else value)
+        return node
+    if value is None:
+        value = float(host.call("attribute_at", node, attribute, frame))
+    return host.call("set_channel_key", node, attribute, frame, value)
+
+
+def _tangent(name):
+    if name is None:
+        return None
+    if name not in _TANGENTS:
+        raise RuntimeError("Invalid tangent type: %s" % name)
+    return _TANGENTS[name]
+
+
+@command(attribute="at", time="t", value="v", inTangentType="itt", outTangentType="ott")
+def setKeyframe(*names, attribute=None, time=None, value=None, inTangentType=None, outTangentType=None):
+    """How many keys were set. A value is in what the attribute shows: degrees on angles."""
+    tangents = _tangent(inTangentType), _tangent(outTangentType)
+    frames = [host.call("current_time")] if time is None else time if isinstance(time, (list, tuple)) else [time]
+    count = 0
+    for node, each in _key_targets(names, attribute):
+        for frame in frames:
+            curve = _set_key(node, each, float(frame), value)
+            if any(tangents):
+                host.call("change_key", curve, float(frame), None, None, *tangents)
+            count += 1
+    if not count:
+        raise RuntimeError("setKeyframe: no object to be keyed was given.")
+    return count
+
+
+@command(attribute="at", time="t", clear="cl", option="o")
+def cutKey(*names, attribute=None, time=None, clear=False, option="keys"):
+    """How many keys were cut. There is no clipboard: `clear` says nothing new."""
+    if option not in ("keys", "curve"):
+        raise not_covered("cutKey: option '%s'" % option)
+    count = 0
+    for curve in _curves(names, attribute):
+        for key in _keys(curve, time):
+            count += host.call("remove_key", curve, key[0])
+    return count
+
+
+@command(
+    query="q", edit="e", attribute="at", time="t", inTangentType="itt", outTangentType="ott"
+)
+def keyTangent(
+    *names, query=False, edit=False, attribute=None, time=None, inTangentType=None, outTangentType=None
+):
+    """Queried: the type of each key's side. Edited: how many keys."""
+    curves = _curves(names, attribute)
+    if query:
+        sides = [place for place, asked in ((2, inTangentType), (3, outTangentType)) if asked]
+        if not sides:
+            raise not_covered("keyTangent: queries of other than tangent types")
+        return [_TANGENT_NAMES[key[side]] for curve in curves for key in _keys(curve, time) for side in sides] or None
+    tangents = _tangent(inTangentType), _tangent(outTangentType)
+    if not any(tangents):
+        raise not_covered("keyTangent: edits of other than tangent types")
+    return sum(
+        host.call("change_key", curve, key[0], None, None, *tangents) for curve in curves for key in _keys(curve, time)
+    )
+
+
+def _infinity(name):
+    if name not in _INFINITIES:
+        raise RuntimeError("Invalid infinity type: %s" % name)
+    return _INFINITIES[name]
+
+
+@command(query="q", edit="e", attribute="at", preInfinite="pri", postInfinite="poi")
+def setInfinity(*names, query=False, edit=False, attribute=None, preInfinite=None, postInfinite=None):
+    curves = _curves(names, attribute)
+    if query:
+        side = 0 if preInfinite else 1
+        return [_INFINITY_NAMES[host.call("infinity", curve)[side]] for curve in curves] or None
+    sides = [None if each is None else _infinity(each) for each in (preInfinite, postInfinite)]
+    for curve in curves:
+        host.call("set_infinity", curve, *sides)
+    return len(curves)
+
+
+@command(query="q", edit="e", update="u")
+def currentTime(*time, query=False, edit=False, update=True):
+    if not query:
+        if len(time) != 1:
+            raise RuntimeError("currentTime: a time is needed.")
+        host.call("set_current_time", float(time[0]))
+    return host.call("current_time")
+
+
+@command(query="q", edit="e", minTime="min", maxTime="max")
+def playbackOptions(*, query=False, edit=False, minTime=None, maxTime=None):
+    """Queried: a frame. There is one range: the animation's own start and end are not covered."""
+    first, last = host.call("playback_range")
+    if query:
+        return first if minTime else last
+    low = first if minTime is None else float(minTime)
+    high = last if maxTime is None else float(maxTime)
+    host.call("set_playback_range", low, high)
+
+
+@command(query="q", state="st")
+def play(*, query=False, state=None):
+    """Only says that the scene is playing: time stands still."""
+    if not query:
+        host.call("set_playing", True if state is None else bool(state))
+    return host.call("is_playing")
+
+
+@command(query="q", time="t", linear="l", angle="a")
+def currentUnit(*, query=False, time=False, linear=False, angle=False):
+    if not query:
+        raise not_covered("currentUnit: changes")
+    if time:
+        return _time.ui_unit_name()
+    return "deg" if angle and not linear else host.call("linear_unit")
+
+
+@command(query="q", axis="ax")
+def upAxis(*, query=False, axis=None):
+    if not query:
+        raise not_covered("upAxis: changes")
+    return host.call("up_axis")

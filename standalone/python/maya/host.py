@@ -1,0 +1,181 @@
+"""The one session of the standalone host in this process. Not a part of Maya: scripts and tests reach through it for
+what a user would do there (`restart` is a fresh start of the application).
+
+    from maya import host
+    host.restart(batch=True)
+"""
+
+import collections
+import ctypes
+import json
+import os
+import sys
+import traceback
+
+_LIBRARY = "libvantorelix_standalone.so"
+_ERRORS = {
+    "runtime": RuntimeError,
+    "type": TypeError,
+    "value": ValueError,
+    "key": KeyError,
+    "index": IndexError,
+    "attribute": AttributeError,
+    "zero_division": ZeroDivisionError,
+    "overflow": OverflowError,
+    "import": ImportError,
+    "os": OSError,
+}
+_LISTENER = ctypes.CFUNCTYPE(None, ctypes.c_int32, ctypes.c_uint32, ctypes.c_char_p)
+_DOUBLES = ctypes.POINTER(ctypes.c_double)
+
+CURVE_EDITED, KEYFRAME_EDITED, NODE_REMOVED = range(3)
+
+
+def _load():
+    path = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), _LIBRARY)
+    library = ctypes.CDLL(path)
+    session, text, number = ctypes.c_void_p, ctypes.c_char_p, ctypes.c_uint32
+    signatures = {
+        "vlx_start": [text, ctypes.POINTER(session)],
+        "vlx_close": [session],
+        "vlx_listen": [session, _LISTENER],
+        "vlx_open": [session, text],
+        "vlx_call": [session, text, text, ctypes.POINTER(text)],
+        "vlx_exists": [session, number],
+        "vlx_matrix": [session, number, ctypes.c_double, ctypes.c_int, _DOUBLES],
+        "vlx_vectors": [session, number, text, ctypes.POINTER(_DOUBLES), ctypes.POINTER(ctypes.c_size_t)],
+        "vlx_set_vectors": [session, number, text, ctypes.c_void_p, ctypes.c_size_t],
+    }
+    for name, arguments in signatures.items():
+        getattr(library, name).argtypes = arguments
+    library.vlx_error_kind.restype = library.vlx_error_text.restype = text
+    return library
+
+
+_library = _load()
+_session = ctypes.c_void_p()
+_interrupts = []  # a KeyboardInterrupt or SystemExit on its way through the library
+generation = 0  # of the scene that is open: a node's number says nothing in another
+scene_name = ""  # the file that is open
+frames_per_second = 24.0  # of the scene that is open
+subscribers = []  # see maya.api: (event, function of (node, type)), in order of subscription
+deferred = [collections.deque() for _ in range(3)]  # calls that wait, by priority: normal, low, lowest
+plugins = {}  # those that are loaded: name -> (path or None, Python module or None)
+messages = []  # what was shown in the viewport, texts of inViewMessage
+failures = 0  # how many errors were shown as tracebacks because nobody could be given them
+
+
+def _check(failed):
+    if _interrupts:
+        raise _interrupts.pop()
+    if failed:
+        kind = _library.vlx_error_kind().decode()
+        raise _ERRORS[kind](_library.vlx_error_text().decode("utf-8", "replace"))
+
+
+def guarded(function, *arguments, **keywords):
+    """Calls what nobody waits for, a callback or a deferred call: its error is shown, and work goes on."""
+    global failures
+    try:
+        return function(*arguments, **keywords)
+    except Exception:
+        failures += 1
+        traceback.print_exc()
+
+
+@_LISTENER
+def _listener(event, node, type_name):
+    # An exception cannot pass through the library: interrupts are raised again when its call is over.
+    try:
+        for entry in list(subscribers):
+            if entry.event == event and any(entry is present for present in subscribers):
+                guarded(entry.tell, node, type_name.decode())
+    except BaseException as interrupt:
+        _interrupts.append(interrupt)
+
+
+def call(name, *arguments):
+    """A call of the library by its name; see the tables of calls there."""
+    try:
+        text = json.dumps(arguments, allow_nan=False)
+    except ValueError:
+        raise ValueError("%s: a number is not finite: %r" % (name, arguments))
+    result = ctypes.c_char_p()
+    _check(_library.vlx_call(_session, name.encode(), text.encode(), ctypes.byref(result)))
+    return json.loads(result.value.decode())
+
+
+def restart(batch=False, plugin_loaded=True, preferences=None, user_app_dir=None):
+    """A fresh start of the host with an empty scene: no callbacks, no deferred calls, no option variables but those of
+    the JSON file `preferences`."""
+    global _session, failures
+    fresh = ctypes.c_void_p()
+    options = json.dumps([batch, plugin_loaded, preferences, user_app_dir])
+    _check(_library.vlx_start(options.encode(), ctypes.byref(fresh)))
+    for state in (subscribers, messages, plugins, *deferred):
+        state.clear()
+    if plugin_loaded:
+        plugins["Vantorelix_plugin"] = (None, None)
+    failures = 0
+    old, _session = _session, fresh
+    if old:
+        _check(_library.vlx_close(old))
+    _check(_library.vlx_listen(_session, _listener))
+    _forget_scene("")
+
+
+def _forget_scene(name):
+    global generation, scene_name, frames_per_second
+    generation += 1
+    scene_name = name
+    frames_per_second = call("frames_per_second")
+
+
+def open_scene(path):
+    """Opens a scene file; what could not be followed in it is shown as warnings."""
+    if not os.path.exists(path):
+        raise RuntimeError("File not found: %s" % path)
+    _check(_library.vlx_open(_session, os.fsencode(path)))
+    _forget_scene(os.path.abspath(path).replace(os.sep, "/"))
+    for text in call("warnings"):
+        show_warning("%s: %s" % (path, text))
+
+
+def new_scene():
+    call("make_new")
+    _forget_scene("")
+
+
+def show_warning(text):
+    sys.stderr.write("Warning: %s\n" % text)
+
+
+def show_error(text):
+    sys.stderr.write("Error: %s\n" % text)
+
+
+def exists(node):
+    return bool(_library.vlx_exists(_session, node))
+
+
+def matrix(node, frame, world=True):
+    """Sixteen floats, row by row."""
+    values = (ctypes.c_double * 16)()
+    _check(_library.vlx_matrix(_session, node, frame, world, values))
+    return list(values)
+
+
+def vectors(node, attribute):
+    """The numbers of a vector array one after another; None when it was never set or is empty."""
+    values, count = _DOUBLES(), ctypes.c_size_t()
+    _check(_library.vlx_vectors(_session, node, attribute.encode(), ctypes.byref(values), ctypes.byref(count)))
+    return values[: 3 * count.value] if count.value else []
+
+
+def set_vectors(node, attribute, numbers):
+    """`numbers`: an array('d') of triples."""
+    address, length = numbers.buffer_info()
+    _check(_library.vlx_set_vectors(_session, node, attribute.encode(), address, length // 3))
+
+
+restart()

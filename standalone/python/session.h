@@ -1,0 +1,40 @@
+// One host with the scene that is open in it, as a script sees them.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <utility>
+
+#include "standalone/host.h"
+
+namespace vantorelix::standalone {
+
+// What a listener is told, inside the edit. The numbers are part of the C interface.
+enum class Event { curve_edited = 0, keyframe_edited = 1, node_removed = 2 };
+using Listener = void (*)(std::int32_t event, NodeId node, const char* type);
+
+class Session {
+ public:
+  explicit Session(HostOptions options) : host_(Scene(), std::move(options)) { begin(); }
+
+  Host& host() { return host_; }
+  Scene& scene() { return host_.scene(); }
+
+  // The one listener, which outlives scenes; null for none.
+  void listen(Listener listener) { listener_ = listener; }
+
+  // These leave the scene that is open as it is when they fail. The old scene's nodes are told of as removed, while
+  // the host says that it is opening or making a file.
+  void open(const std::filesystem::path& file);
+  void make_new();
+
+ private:
+  void replace(Scene scene, Host::FileActivity activity);
+  void begin();
+  void tell(Event event, NodeId node);
+
+  Host host_;
+  Listener listener_ = nullptr;
+};
+
+}  // namespace vantorelix::standalone
