@@ -171,7 +171,7 @@ class Trail(object):
 
 
 def _number(name, brief, kind, default, ends):
-    """Limits are the slider's only: the engine writes what the user prefers, whatever it is, and must not be refused."""
+    """Limits are the slider's only: the engine writes whatever the user prefers, and must not be refused."""
     attribute = om.MFnNumericAttribute()
     made = attribute.create(name, brief, kind, default)
     attribute.storable = attribute.writable = attribute.readable = attribute.channelBox = True
@@ -200,7 +200,7 @@ for _numbers, _read in ((DOUBLES, "asDouble"), (SWITCHES, "asBool"), (INTEGERS, 
 
 
 class TrailNode(omui.MPxLocatorNode):
-    """Holds one trail. Everything on it is stored with the scene, so a trail is there again when the scene is opened."""
+    """Holds one trail. Everything on it is stored with the scene, so an opened scene has its trails."""
 
     alive = weakref.WeakSet()
 

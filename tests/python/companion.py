@@ -1,4 +1,4 @@
-"""What the tests of the files beside the engine share: the real engine on the package `maya` over the standalone host."""
+"""What the tests of the files beside the engine share: the real engine on the standalone host's package `maya`."""
 
 import importlib.util
 import os

@@ -330,7 +330,8 @@ class Gestures(MenuTest):
         for item in items[:-1]:
             self.ui.press(item)
         self.assertEqual([name for name, _, _ in self.called],
-                         ["create_trail", "clear_trails"] + ["set_color_mode"] * 4 + ["toggle_ghost", "convert_to_nurbs"])
+                         ["create_trail", "clear_trails"] + ["set_color_mode"] * 4 +
+                         ["toggle_ghost", "convert_to_nurbs"])
 
     def test_the_marking_menu_takes_no_press_of_maya_s_own(self):
         self.menu.bind_gestures()
