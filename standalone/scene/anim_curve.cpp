@@ -42,6 +42,18 @@ AnimCurve::AnimCurve(CurveKind kind, double frames_per_second) : kind_(kind), fr
   require_rate(frames_per_second);
 }
 
+void AnimCurve::append_key_times(std::vector<double>& times) const {
+  const std::size_t before = times.size();
+  times.resize(before + keys_.size());
+  double* to = times.data() + before;
+  // Each key starts a segment; where there are no others, even spacing saves reading the keys, which are long.
+  if (even_count_ == static_cast<double>(keys_.size())) {
+    for (std::size_t i = 0; i < keys_.size(); ++i) to[i] = even_start(static_cast<std::ptrdiff_t>(i));
+  } else {
+    std::transform(keys_.begin(), keys_.end(), to, [](const Key& key) { return key.time; });
+  }
+}
+
 void AnimCurve::assign(std::vector<Key> keys, bool weighted, Infinity pre, Infinity post) {
   for (const Key& key : keys) require_finite(key);
   sort_keys(keys);
@@ -100,10 +112,12 @@ void AnimCurve::set_frames_per_second(double frames_per_second) {
 void AnimCurve::rebuild() {
   CurveSegments made = build_segments(keys_, weighted_, frames_per_second_);
   segments_ = std::move(made.segments);
+  values_ = std::move(made.values);
   weighted_segments_ = std::move(made.weighted);
   segment_count_ = keys_.empty() ? 0 : segments_.size() - 1;
   pre_slope_ = 0.0;
   constant_ = true;
+  find_even_spacing();
   if (keys_.empty()) return;
 
   segments_per_frame_ = static_cast<double>(segment_count_ - 1) / (keys_.back().time - keys_.front().time);
@@ -115,11 +129,25 @@ void AnimCurve::rebuild() {
   if (post_ == Infinity::linear)
     after.c1 = finite(out_slope({n > 1 ? &keys_[n - 2] : nullptr, keys_[n - 1], nullptr}, frames_per_second_));
 
-  const auto level = [this](const CurveSegment& segment) {
-    return segment.c0 == keys_[0].value && segment.c1 == 0.0 && segment.c2 == 0.0 && segment.c3 == 0.0;
+  const auto level = [](const CurveSegment& segment) {
+    return segment.c1 == 0.0 && segment.c2 == 0.0 && segment.c3 == 0.0;
   };
-  constant_ = pre_slope_ == 0.0 && std::all_of(segments_.begin(), segments_.end() - 1, level);
+  const auto same = [this](double value) { return value == keys_[0].value; };
+  constant_ = pre_slope_ == 0.0 && std::all_of(values_.begin(), values_.end() - 1, same) &&
+              std::all_of(segments_.begin(), segments_.end() - 1, level);
   if (repeats(post_)) after.set_not_cubic();
+}
+
+void AnimCurve::find_even_spacing() {
+  even_count_ = 0.0;
+  if (segment_count_ < 2) return;
+  const auto between = static_cast<double>(segment_count_ - 1);
+  even_first_ = segments_[0].start;
+  even_length_ = (segments_[segment_count_ - 1].start - even_first_) / between;
+  even_per_frame_ = 1.0 / even_length_;
+  for (std::size_t i = 0; i < segment_count_; ++i)
+    if (segments_[i].start != even_start(static_cast<std::ptrdiff_t>(i))) return;
+  even_count_ = between + 1.0;
 }
 
 double AnimCurve::evaluate_elsewhere(double frame, std::size_t& hint) const {
@@ -151,9 +179,9 @@ double AnimCurve::evaluate_repeated(double frame, Infinity infinity, std::size_t
 double AnimCurve::evaluate_inside(double frame, std::size_t& hint) const {
   hint = locate(frame, hint);
   const CurveSegment& segment = segments_[hint];
-  if (segment.is_cubic()) return segment.at(frame);
-  if (hint + 1 == segment_count_) return segment.c0;
-  return segment.c0 + weighted_segments_[hint].at(frame - segment.start);
+  if (segment.is_cubic()) return values_[hint] + segment.rise(frame);
+  if (hint + 1 == segment_count_) return values_[hint];
+  return values_[hint] + weighted_segments_[hint].at(frame - segment.start);
 }
 
 std::size_t AnimCurve::locate(double frame, std::size_t hint) const {

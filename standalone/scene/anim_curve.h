@@ -20,6 +20,8 @@ class AnimCurve {
 
   CurveKind kind() const { return kind_; }
   const std::vector<Key>& keys() const { return keys_; }
+  // Puts the times of all keys at the end of `times`.
+  void append_key_times(std::vector<double>& times) const;
   bool weighted() const { return weighted_; }
   Infinity pre_infinity() const { return pre_; }
   Infinity post_infinity() const { return post_; }
@@ -44,15 +46,22 @@ class AnimCurve {
   // memory of the last segment: start it at 0, pass it again; it is only ever a place to look first.
   double evaluate(double frame, std::size_t& hint) const {
     if (hint < segment_count_) {
+      // Sampling goes forward: the same segment or the next is the usual case.
       const CurveSegment* segment = &segments_[hint];
-      // Sampling goes forward: with a key at every frame the next segment is the usual case.
+      const double* from = &values_[hint];
       const bool next = frame >= segment[1].start && hint + 1 < segment_count_;
-      if (next) ++segment;
+      if (next) ++segment, ++from;
       if (frame >= segment->start && frame < segment[1].start) {
         if (next) ++hint;
-        const double value = segment->at(frame);
+        const double value = *from + segment->rise(frame);
         if (value == value) return value;  // not a number: there is more to this segment than its polynomial
       }
+    }
+    // A motion with a key at every frame is asked at its keys, and then needs its values alone.
+    const double place = (frame - even_first_) * even_per_frame_ + 0.5;
+    if (frame >= even_first_ && place < even_count_) {
+      const auto i = static_cast<std::ptrdiff_t>(place);
+      if (frame == even_start(i)) return values_[static_cast<std::size_t>(i)];
     }
     return evaluate_elsewhere(frame, hint);
   }
@@ -64,7 +73,9 @@ class AnimCurve {
   bool is_constant() const { return constant_; }
 
  private:
+  double even_start(std::ptrdiff_t i) const { return even_first_ + static_cast<double>(i) * even_length_; }
   void rebuild();
+  void find_even_spacing();
   double evaluate_elsewhere(double frame, std::size_t& hint) const;
   double evaluate_repeated(double frame, Infinity infinity, std::size_t& hint) const;
   double evaluate_inside(double frame, std::size_t& hint) const;
@@ -73,7 +84,11 @@ class AnimCurve {
   // One for each key and, last, one that starts at infinity, so that segment i ends where i + 1 starts. The last
   // key's holds the constant or linear continuation. Not counted: the one at infinity.
   std::vector<CurveSegment> segments_;
+  std::vector<double> values_;  // beside segments_, what they rise from
   std::size_t segment_count_ = 0;
+  // How many segments there are when all start where even_start() says, to the last bit; else 0.
+  double even_count_ = 0.0;
+  double even_first_ = 0.0, even_length_ = 0.0, even_per_frame_ = 0.0;
   double segments_per_frame_ = 0.0;                 // on average: the first guess of a search
   std::vector<WeightedSegment> weighted_segments_;  // beside segments_, or empty when no segment bends time
   double pre_slope_ = 0.0;                          // of the continuation before the first key

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <tuple>
 
 #include "host/error.h"
 
@@ -356,6 +357,38 @@ TEST(AnimCurve, AHintFromBeforeAnEditIsHarmless) {
   EXPECT_EQ(c.evaluate(5.0, hint), 5.0);
   c.assign({}, false, Infinity::constant, Infinity::constant);
   EXPECT_EQ(c.evaluate(5.0, hint), 0.0);
+}
+
+TEST(AnimCurve, ValuesAtEvenlySpacedKeysAreThoseOfTheKeysInWhateverOrderTheyAreAsked) {
+  for (const auto& [first, length, post] : {std::tuple{1.0, 1.0, Infinity::constant},
+                                            {-7.5, 0.25, Infinity::cycle},
+                                            {0.1, 0.3, Infinity::linear},
+                                            {3.0, 1001.7, Infinity::oscillate}}) {
+    std::vector<Key> keys;
+    for (int i = 0; i < 200; ++i) keys.push_back(key(first + i * length, std::sin(i * 1.7)));
+    const AnimCurve even = curve(keys, post, post);
+    std::size_t hint = 0;
+    for (std::size_t i = 0; i < 200; ++i) {
+      const Key& asked = keys[i * 77 % 200];
+      EXPECT_EQ(even.evaluate(asked.time, hint), asked.value) << first << ' ' << i;
+    }
+    std::vector<double> times = {5.0};
+    even.append_key_times(times);
+    ASSERT_EQ(times.size(), 201u);
+    EXPECT_EQ(times[0], 5.0);
+    for (std::size_t i = 0; i < 200; ++i) EXPECT_EQ(times[i + 1], keys[i].time);
+  }
+}
+
+TEST(AnimCurve, StepsBetweenEvenlySpacedKeysAreNoKeys) {
+  std::vector<Key> keys;
+  for (int i = 0; i < 4; ++i) keys.push_back(key(i, i * i, i == 1 ? Tangent::step_next : Tangent::linear));
+  const AnimCurve stepped = curve(keys);
+  for (const Key& each : keys) EXPECT_EQ(stepped.evaluate(each.time), each.value);
+  EXPECT_EQ(stepped.evaluate(1.5), 4.0);
+  std::vector<double> times;
+  stepped.append_key_times(times);
+  EXPECT_EQ(times, (std::vector<double>{0.0, 1.0, 2.0, 3.0}));
 }
 
 TEST(AnimCurve, IsConstantOnlyWhenEveryFrameGivesTheSame) {

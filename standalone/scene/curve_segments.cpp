@@ -16,21 +16,27 @@ class Builder {
   CurveSegments build() {
     if (keys_.empty()) return {};
     made_.segments.reserve(keys_.size() + 1);
+    made_.values.reserve(keys_.size() + 1);
     for (std::size_t i = 0; i + 1 < keys_.size(); ++i) add(i);
-    made_.segments.push_back({keys_.back().time, keys_.back().value});
-    made_.segments.push_back({std::numeric_limits<double>::infinity(), 0.0});
+    push(keys_.back().value, {keys_.back().time});
+    push(0.0, {std::numeric_limits<double>::infinity()});
     if (!made_.weighted.empty()) made_.weighted.resize(made_.segments.size());
     return std::move(made_);
   }
 
  private:
+  void push(double value, const CurveSegment& segment) {
+    made_.segments.push_back(segment);
+    made_.values.push_back(value);
+  }
+
   void add(std::size_t i) {
     const Key& key = keys_[i];
     const Key& next = keys_[i + 1];
     if (key.out == Tangent::step || key.out == Tangent::step_next) {
-      made_.segments.push_back({key.time, key.value});
+      push(key.value, {key.time});
       const double just_after = std::nextafter(key.time, next.time);
-      if (key.out == Tangent::step_next && just_after < next.time) made_.segments.push_back({just_after, next.value});
+      if (key.out == Tangent::step_next && just_after < next.time) push(next.value, {just_after});
     } else if (key.out == Tangent::linear && next.in == Tangent::linear) {
       add_line(key, next);
     } else if (weighted_) {
@@ -42,12 +48,12 @@ class Builder {
 
   void add_line(const Key& key, const Key& next) {
     const double slope = (next.value - key.value) / (next.time - key.time);
-    made_.segments.push_back({key.time, key.value, std::isfinite(slope) ? slope : 0.0});
+    push(key.value, {key.time, std::isfinite(slope) ? slope : 0.0});
   }
 
   void add_cubic(const Key& key, const Key& next, double c1, double c2, double c3) {
     if (std::isfinite(c1) && std::isfinite(c2) && std::isfinite(c3))
-      made_.segments.push_back({key.time, key.value, c1, c2, c3});
+      push(key.value, {key.time, c1, c2, c3});
     else
       add_line(key, next);
   }
@@ -78,7 +84,7 @@ class Builder {
     } else {
       made_.weighted.resize(made_.segments.size());
       made_.weighted.push_back(segment);
-      made_.segments.push_back({key.time, key.value});
+      push(key.value, {key.time});
       made_.segments.back().set_not_cubic();
     }
   }

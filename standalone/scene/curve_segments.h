@@ -10,15 +10,15 @@
 
 namespace vantorelix::standalone {
 
-// A cubic in the frames since its start; it ends where its successor starts. Of a segment that a cubic cannot tell,
-// c3 is not a number: then neither is at().
+// How far a cubic in the frames since its start has risen; it ends where its successor starts. Of a segment that a
+// cubic cannot tell, c3 is not a number: then neither is rise().
 struct CurveSegment {
   double start;
-  double c0, c1 = 0.0, c2 = 0.0, c3 = 0.0;
+  double c1 = 0.0, c2 = 0.0, c3 = 0.0;
 
-  double at(double frame) const {
+  double rise(double frame) const {
     const double t = frame - start;
-    return ((c3 * t + c2) * t + c1) * t + c0;
+    return ((c3 * t + c2) * t + c1) * t;
   }
   bool is_cubic() const { return c3 == c3; }
   void set_not_cubic() { c3 = std::numeric_limits<double>::quiet_NaN(); }
@@ -28,6 +28,8 @@ struct CurveSegments {
   // In order of time, without gaps: each starts at a key (or just after one that steps to the next value). The last
   // but one starts at the last key, constant at its value; the last starts at infinity. Empty without keys.
   std::vector<CurveSegment> segments;
+  // Beside `segments`, what each rises from. On their own because a motion with a key at every frame needs no more.
+  std::vector<double> values;
   // Empty, or as long as `segments`, with the truth about those that are not cubic.
   std::vector<WeightedSegment> weighted;
 };
