@@ -1,6 +1,7 @@
 """Which calls of Maya the engine makes: functions, positional arguments, keywords and order, as they arrive."""
 
 import os
+import shutil
 import sys
 import tempfile
 import types
@@ -303,7 +304,8 @@ class Commands(ContractTest):
 
 class Bootstrap(ContractTest):
     def test_the_plugin_is_staged_loaded_and_looked_for_everywhere(self):
-        folder = tempfile.mkdtemp()
+        folder = self.maya.user_folder = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, folder)
         self.addCleanup(os.environ.pop, "MAYA_PLUG_IN_PATH", None)
         self.maya.loaded = False
         self.maya.user_folder = folder + "/"
@@ -322,6 +324,8 @@ class Bootstrap(ContractTest):
         self.assertEqual(os.environ["MAYA_PLUG_IN_PATH"].split(os.pathsep)[-1], plug_ins)
 
     def test_search_path_entries_that_are_no_texts_are_skipped(self):
+        self.maya.user_folder = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, self.maya.user_folder)
         before = list(sys.path)
         self.addCleanup(setattr, sys, "path", before)
         sys.path = before + [None, 7, "/somewhere"]
