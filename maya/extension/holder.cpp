@@ -60,7 +60,7 @@ PyObject* representation(PyObject* self) {
   return answer([&] { return checked(PyObject_Repr(as_list(self).get())); });
 }
 
-PyObject* type() {
+PyObject* holder_type() {
   static PyMethodDef methods[] = {{"insert", insert, METH_VARARGS, "insert(index, value)"},
                                   {nullptr, nullptr, 0, nullptr}};
   static PyType_Slot slots[] = {{Py_sq_length, reinterpret_cast<void*>(length)},
@@ -77,10 +77,10 @@ PyObject* type() {
 
 }  // namespace
 
-Ref new_holder(const host::List& list) { return new_instance(type(), list); }
+Ref new_holder(const host::List& list) { return new_instance(holder_type(), list); }
 
 const host::List* list_held_by(PyObject* object) {
-  return Py_TYPE(object) == reinterpret_cast<PyTypeObject*>(type()) ? &list_in(object) : nullptr;
+  return Py_TYPE(object) == reinterpret_cast<PyTypeObject*>(holder_type()) ? &list_in(object) : nullptr;
 }
 
 }  // namespace vantorelix::maya

@@ -30,7 +30,7 @@ PyObject* sample(PyObject* self, PyObject* arguments, PyObject* keywords) {
   });
 }
 
-PyObject* type() {
+PyObject* sampler_type() {
   static PyType_Slot slots[] = {{Py_tp_call, reinterpret_cast<void*>(sample)},
                                 {Py_tp_doc, const_cast<char*>("sampler(t): the position at a time in frames")},
                                 {0, nullptr}};
@@ -40,11 +40,11 @@ PyObject* type() {
 
 }  // namespace
 
-Ref sampler_object(const SamplerPtr& sampler) { return new_instance(type(), sampler); }
+Ref sampler_object(const SamplerPtr& sampler) { return new_instance(sampler_type(), sampler); }
 
 SamplerPtr sampler_of(PyObject* callable) {
   if (!callable || callable == Py_None) return nullptr;
-  if (Py_TYPE(callable) == reinterpret_cast<PyTypeObject*>(type())) return content_of<SamplerPtr>(callable);
+  if (Py_TYPE(callable) == reinterpret_cast<PyTypeObject*>(sampler_type())) return content_of<SamplerPtr>(callable);
   return std::make_shared<PythonSampler>(callable);
 }
 

@@ -19,7 +19,7 @@ void assign(Settings& settings, const std::string& key, PyObject* value) { setti
 
 // A mapping over an OrderedMap, which `Content` leads to.
 template <class Content>
-struct View {
+struct MapView {
   static auto& map(PyObject* self) { return map_of(content_of<Content>(self)); }
 
   static Py_ssize_t length(PyObject* self) { return static_cast<Py_ssize_t>(map(self).size()); }
@@ -75,8 +75,8 @@ struct View {
   }
 };
 
-PyObject* registry_type() { return View<TheRegistry>::type("Vantorelix_engine.Registry"); }
-PyObject* settings_type() { return View<SharedSettings>::type("Vantorelix_engine.Settings"); }
+PyObject* registry_type() { return MapView<TheRegistry>::type("Vantorelix_engine.Registry"); }
+PyObject* settings_type() { return MapView<SharedSettings>::type("Vantorelix_engine.Settings"); }
 
 bool is_view(PyObject* object) { return Py_TYPE(object) == reinterpret_cast<PyTypeObject*>(settings_type()); }
 

@@ -64,7 +64,7 @@ const auto& fields_of(const SharedWork&) { return kWorkFields; }
 const auto& fields_of(const SharedItem&) { return kItemFields; }
 
 template <class Content>
-struct View {
+struct FieldView {
   static const auto& fields(PyObject* self) { return fields_of(content_of<Content>(self)); }
 
   static Py_ssize_t length(PyObject* self) { return static_cast<Py_ssize_t>(fields(self).size()); }
@@ -98,8 +98,8 @@ struct View {
   }
 };
 
-PyObject* work_type() { return View<SharedWork>::type("Vantorelix_engine.WorkRecord"); }
-PyObject* item_type() { return View<SharedItem>::type("Vantorelix_engine.WorkItem"); }
+PyObject* work_type() { return FieldView<SharedWork>::type("Vantorelix_engine.WorkRecord"); }
+PyObject* item_type() { return FieldView<SharedItem>::type("Vantorelix_engine.WorkItem"); }
 
 bool is_instance(PyObject* object, PyObject* type) { return Py_TYPE(object) == reinterpret_cast<PyTypeObject*>(type); }
 
