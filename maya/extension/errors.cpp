@@ -52,10 +52,10 @@ Ref take_current() {
 }
 
 void make_current(const Ref& exception) {
-  PyObject* const object = exception.get();
 #if PY_VERSION_HEX >= 0x030C0000
   PyErr_SetRaisedException(Ref(exception).release());
 #else
+  PyObject* const object = exception.get();
   PyErr_Restore(Ref::share(reinterpret_cast<PyObject*>(Py_TYPE(object))).release(), Ref(exception).release(),
                 PyException_GetTraceback(object));
 #endif
