@@ -1,6 +1,8 @@
 // What the bodies of published functions have in common.
 #pragma once
 
+#include <utility>
+
 #include "maya/extension/functions.h"
 #include "maya/extension/values.h"
 
@@ -10,7 +12,7 @@ inline std::string text(const Arguments& a, std::size_t i) { return text_of(a[i]
 inline double number(const Arguments& a, std::size_t i) { return number_of(a[i]); }
 // An argument that is handed on as it was passed.
 inline host::Value value(const Arguments& a, std::size_t i, host::Value otherwise = {}) {
-  return a[i] ? value_of(a[i]) : otherwise;
+  return a[i] ? value_of(a[i]) : std::move(otherwise);
 }
 
 // A function without arguments or result, and one with a result.

@@ -1,8 +1,9 @@
 /* The standalone host through plain C, for scripting languages that load shared libraries.
  *
- * One thread. Every function but vlx_exists and the last two returns 0 when it did its work; else vlx_error_kind and vlx_error_text
- * say what was wrong, and nothing was changed. Texts are UTF-8 and end with a zero; what a function hands out stays
- * as it is until the next call of the same function. Nodes go by numbers that are never used again in the same scene.
+ * One thread. Every function but vlx_exists and the last two returns 0 when it did its work; else vlx_error_kind and
+ * vlx_error_text say what was wrong, and nothing was changed. Texts are UTF-8 and end with a zero; what a function
+ * hands out stays as it is until the next call of the same function. Nodes go by numbers that are never used again in
+ * the same scene.
  */
 #pragma once
 

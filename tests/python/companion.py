@@ -1,6 +1,8 @@
 """What the tests of the files beside the engine share: the real engine on the standalone host's package `maya`."""
 
+import contextlib
 import importlib.util
+import io
 import os
 import sys
 import tempfile
@@ -32,6 +34,38 @@ def load_companion(name):
     module = importlib.util.module_from_spec(description)
     description.loader.exec_module(module)
     return module
+
+
+@unittest.skipUnless("VANTORELIX_HOST" in os.environ, "VANTORELIX_HOST names no folder")
+class HostTest(unittest.TestCase):
+    """A fresh host with an empty scene."""
+
+    ARM = os.path.join(CHECKOUT, "examples", "arm.ma")
+
+    def setUp(self):
+        self.maya = use_host()
+        self.host, self.cmds, self.utils = self.maya.host, self.maya.cmds, __import__("maya.utils").utils
+        self.om, self.oma = self.maya.api.OpenMaya, self.maya.api.OpenMayaAnim
+        self.host.restart()
+
+    def open_arm(self):
+        with contextlib.redirect_stderr(io.StringIO()):
+            self.cmds.file(self.ARM, open=True, force=True)
+
+    def ball(self):
+        """A transform that moves from 0 to 10 in x over frames 1 to 11."""
+        self.cmds.createNode("transform", name="ball")
+        for frame, value in ((1, 0.0), (11, 10.0)):
+            self.cmds.setKeyframe("ball", at="tx", t=frame, v=value, itt="linear", ott="linear")
+
+    def plug(self, node, attribute):
+        node = self.om.MSelectionList().add(node).getDependNode(0)
+        return self.om.MFnDependencyNode(node).findPlug(attribute, False)
+
+    def raises(self, kind, text, function, *args, **kwargs):
+        with self.assertRaises(kind) as caught:
+            function(*args, **kwargs)
+        self.assertIn(text, str(caught.exception))
 
 
 @unittest.skipUnless("VANTORELIX_MODULE" in os.environ and "VANTORELIX_HOST" in os.environ,

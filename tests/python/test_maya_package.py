@@ -8,40 +8,9 @@ import sys
 import tempfile
 import unittest
 
-from companion import CHECKOUT, use_host
+from companion import CHECKOUT, HostTest
 
-ARM = os.path.join(CHECKOUT, "examples", "arm.ma")
 IDENTITY = [1.0, 0, 0, 0, 0, 1.0, 0, 0, 0, 0, 1.0, 0, 0, 0, 0, 1.0]
-
-
-@unittest.skipUnless("VANTORELIX_HOST" in os.environ, "VANTORELIX_HOST names no folder")
-class HostTest(unittest.TestCase):
-    """A fresh host with an empty scene."""
-
-    def setUp(self):
-        self.maya = use_host()
-        self.host, self.cmds, self.utils = self.maya.host, self.maya.cmds, __import__("maya.utils").utils
-        self.om, self.oma = self.maya.api.OpenMaya, self.maya.api.OpenMayaAnim
-        self.host.restart()
-
-    def open_arm(self):
-        with contextlib.redirect_stderr(io.StringIO()):
-            self.cmds.file(ARM, open=True, force=True)
-
-    def ball(self):
-        """A transform that moves from 0 to 10 in x over frames 1 to 11."""
-        self.cmds.createNode("transform", name="ball")
-        for frame, value in ((1, 0.0), (11, 10.0)):
-            self.cmds.setKeyframe("ball", at="tx", t=frame, v=value, itt="linear", ott="linear")
-
-    def plug(self, node, attribute):
-        node = self.om.MSelectionList().add(node).getDependNode(0)
-        return self.om.MFnDependencyNode(node).findPlug(attribute, False)
-
-    def raises(self, kind, text, function, *args, **kwargs):
-        with self.assertRaises(kind) as caught:
-            function(*args, **kwargs)
-        self.assertIn(text, str(caught.exception))
 
 
 class NotCovered(HostTest):
@@ -420,7 +389,7 @@ class RunningScripts(HostTest):
             path = os.path.join(folder, "script.py")
             with open(path, "w") as file:
                 file.write(script)
-            command = [sys.executable, "-m", "vantorelix_scene", options.get("scene", ARM), path]
+            command = [sys.executable, "-m", "vantorelix_scene", options.get("scene", HostTest.ARM), path]
             search = os.path.abspath(os.environ["VANTORELIX_HOST"])
             done = subprocess.Popen(command + list(arguments), env=dict(os.environ, PYTHONPATH=search),
                                     stdout=subprocess.PIPE, stderr=subprocess.PIPE, universal_newlines=True)

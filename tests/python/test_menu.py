@@ -61,9 +61,6 @@ NO_QT = {name: None for name in ("PySide2", "PySide6")}
 class MenuTest(CompanionTest):
     def setUp(self):
         super(MenuTest, self).setUp()
-        for name, command in self.ui.COMMANDS.items():
-            if not hasattr(self.cmds, name):
-                setattr(self.cmds, name, command)
         self.menu = load_companion("Vantorelix")
         self.called = []
 

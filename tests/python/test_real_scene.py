@@ -8,9 +8,8 @@ import subprocess
 import tempfile
 import unittest
 
-from companion import CHECKOUT
+from companion import CHECKOUT, HostTest
 from support import import_engine
-from test_maya_package import HostTest
 
 PROGRAM = os.environ.get("VANTORELIX_PROGRAM", os.path.join(CHECKOUT, "build", "bin", "vantorelix"))
 SCENES = {"arm.ma": ["fingertip", "wrist"], "bounce.ma": ["ball"], "walk.bvh": ["LeftHand", "Head"]}

@@ -1,10 +1,13 @@
 """Commands on the scene and the application."""
 
+from .._ui import COMMANDS as _CONTROLS
 from .animation import *
 from .attributes import *
 from .nodes import *
 from .session import *
 from .ui import *
+
+globals().update(_CONTROLS)
 
 
 def __getattr__(name):
