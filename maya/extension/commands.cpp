@@ -9,13 +9,13 @@ namespace {
 // cmds.F(positional..., K=keyword...)
 template <Text F, Text... K, class... A>
 Ref command(const A&... arguments) {
-  const Ref function = global_attribute(name<"cmds">(), name<F>());
+  const Ref function = global_attribute<"cmds", F>();
   return call_with<K...>(function.get(), arguments...);
 }
 
 // modelEditor(panel, mode=True, flag=True)
 Ref model_editor(const std::string& panel, const char* mode, const std::string& flag) {
-  const Ref function = global_attribute(name<"cmds">(), name<"modelEditor">());
+  const Ref function = global_attribute<"cmds", "modelEditor">();
   const Ref keywords = tuple_of(mode, flag);
   const Ref first = object_of(panel);
   return call(function.get(), std::array{first.get(), Py_True, Py_True}.data(), 1, keywords.get());

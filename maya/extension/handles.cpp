@@ -19,6 +19,15 @@ PyObject* module_dictionary() { return dictionary; }
 
 namespace {
 
+// The number of a dictionary's state: no two states of any dictionaries have the same.
+#if PY_VERSION_HEX < 0x030C0000
+constexpr bool kStatesAreNumbered = true;
+std::uint64_t state_of(PyObject* items) { return reinterpret_cast<PyDictObject*>(items)->ma_version_tag; }
+#else
+constexpr bool kStatesAreNumbered = false;
+std::uint64_t state_of(PyObject*) { return 0; }
+#endif
+
 // Borrowed.
 PyObject* find_global(PyObject* named) {
   PyObject* const found = dictionary ? PyDict_GetItemWithError(dictionary, named) : nullptr;
@@ -31,14 +40,24 @@ PyObject* find_global(PyObject* named) {
 
 Ref global(PyObject* named) { return Ref::share(find_global(named)); }
 
-Ref global_attribute(PyObject* handle, PyObject* named) {
-  PyObject* const object = find_global(handle);
+Ref GlobalAttribute::operator()() {
+  if (found_ && module_state_ == state_of(dictionary) && handle_state_ == state_of(handles_dictionary_))
+    return Ref::share(found_);
+  found_ = nullptr;
+  PyObject* const object = find_global(handle_);
   // A plain module's attributes are its dictionary's items: nothing else need be asked while they are there.
-  if (PyModule_CheckExact(object)) {
-    if (PyObject* const found = PyDict_GetItemWithError(PyModule_GetDict(object), named)) return Ref::share(found);
-    if (PyErr_Occurred()) throw_python_error();
+  if (!PyModule_CheckExact(object)) return attribute(Ref::share(object).get(), named_);
+  PyObject* const items = PyModule_GetDict(object);
+  PyObject* const found = PyDict_GetItemWithError(items, named_);
+  if (!found && PyErr_Occurred()) throw_python_error();
+  if (!found) return attribute(Ref::share(object).get(), named_);
+  if (kStatesAreNumbered) {
+    found_ = found;
+    handles_dictionary_ = items;
+    module_state_ = state_of(dictionary);
+    handle_state_ = state_of(items);
   }
-  return attribute(Ref::share(object).get(), named);
+  return Ref::share(found);
 }
 
 Handles python_handles() {

@@ -1,6 +1,8 @@
 // The module that scripts see, and the calls that the engine makes through its handles.
 #pragma once
 
+#include <cstdint>
+
 #include "engine/frame/state.h"
 #include "maya/extension/python.h"
 #include "maya/extension/values.h"
@@ -13,8 +15,28 @@ void bind_module(PyObject* module);
 PyObject* module_dictionary();
 // What the bound module holds under a name, now. Throws a NameError when it holds nothing.
 Ref global(PyObject* named);
-// HANDLE.NAME as it is now: what a handle of the bound module has under a name.
-Ref global_attribute(PyObject* handle, PyObject* named);
+
+// HANDLE.NAME as it is now: what a handle of the bound module has under a name. Where the interpreter numbers the
+// states of its dictionaries, what was found is taken again while both are in the state in which it was found.
+class GlobalAttribute {
+ public:
+  // Both names are interned and outlive it.
+  constexpr GlobalAttribute(PyObject* handle, PyObject* named) : handle_(handle), named_(named) {}
+  Ref operator()();
+
+ private:
+  PyObject* handle_;
+  PyObject* named_;
+  PyObject* handles_dictionary_ = nullptr;  // borrowed, as is what was found: the states say that they are there
+  PyObject* found_ = nullptr;
+  std::uint64_t module_state_ = 0, handle_state_ = 0;
+};
+
+template <Text Handle, Text Name>
+Ref global_attribute() {
+  static GlobalAttribute known(name<Handle>(), name<Name>());
+  return known();
+}
 
 // The host whose commands are the module's cmds, om, oma, os, sys and time. Lives as long as the process.
 Handles python_handles();

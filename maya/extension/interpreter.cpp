@@ -7,7 +7,7 @@ namespace vantorelix::maya {
 
 namespace {
 
-Ref environ() { return global_attribute(name<"os">(), name<"environ">()); }
+Ref environ() { return global_attribute<"os", "environ">(); }
 
 Ref imported(const std::string& module) {
   const Ref named = object_of(module);
@@ -39,7 +39,7 @@ class PythonModule : public host::Module {
 }  // namespace
 
 double Interpreter::time() {
-  const Ref function = global_attribute(name<"time">(), name<"time">());
+  const Ref function = global_attribute<"time", "time">();
   return number_of(call(function.get(), nullptr, 0).get());
 }
 
@@ -68,7 +68,7 @@ std::string Interpreter::module_file() {
 }
 
 std::vector<host::Value> Interpreter::module_search_path() {
-  const Ref path = global_attribute(name<"sys">(), name<"path">());
+  const Ref path = global_attribute<"sys", "path">();
   const Ref snapshot = checked(PySequence_List(path.get()));
   std::vector<host::Value> entries;
   for (Py_ssize_t i = 0; i < PyList_GET_SIZE(snapshot.get()); ++i)

@@ -13,7 +13,7 @@ using host::Value;
 // om.C, the class as it is now.
 template <Text C>
 Ref om_class() {
-  return global_attribute(name<"om">(), name<C>());
+  return global_attribute<"om", C>();
 }
 
 // True for a class written in Python whose instances are made by its __init__ alone.
@@ -44,13 +44,13 @@ Ref construct(const A&... arguments) {
 // om.C.M() or oma.C.M(), a static method without arguments.
 template <Text Handle, Text C, Text M>
 Ref static_call() {
-  const Ref holder = global_attribute(name<Handle>(), name<C>());
+  const Ref holder = global_attribute<Handle, C>();
   return method<M>(holder.get());
 }
 
 template <Text Handle, Text C, Text M, class... A>
 Ref register_callback(const Callback& function, const A&... arguments) {
-  const Ref holder = global_attribute(name<Handle>(), name<C>());
+  const Ref holder = global_attribute<Handle, C>();
   const Ref add = attribute(holder.get(), name<M>());
   return call_with<>(add.get(), global(object_of(function.name).get()), arguments...);
 }

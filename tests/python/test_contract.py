@@ -242,6 +242,22 @@ class Rebuild(ContractTest):
         self.engine.set_color_mode(3)
         self.assertEqual(seen, [("vlx_ball_vizShape.colorMode", 3)])
 
+    def test_a_handle_is_looked_up_for_each_call(self):
+        self.engine.set_color_mode(3)
+        original, other = self.engine.cmds, types.ModuleType("other")
+        self.engine.cmds = other
+        self.assertRaisesRegex(AttributeError, "'other' has no attribute 'ls'", self.engine.set_color_mode, 2)
+        seen = []
+        other.ls = lambda **flags: seen.append(flags) or []
+        other.refresh = lambda: None
+        self.engine.set_color_mode(2)
+        self.assertEqual(seen, [{"type": "vantorelix"}])
+        del self.engine.cmds
+        self.assertRaisesRegex(NameError, "cmds", self.engine.set_color_mode, 2)
+        self.engine.cmds = original
+        self.engine.set_color_mode(2)
+        self.assertEqual(seen, [{"type": "vantorelix"}])
+
 
 class Commands(ContractTest):
     def test_preferences_are_option_variables_of_their_type(self):
