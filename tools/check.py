@@ -5,7 +5,7 @@ import argparse
 import os
 import sys
 
-from rules import formatting, headers, includes, python_syntax, reserved_names, sizes, tidy, words
+from rules import formatting, headers, includes, maya_names, python_syntax, reserved_names, sizes, tidy, words
 
 RULES = {
     "includes": includes,
@@ -16,6 +16,7 @@ RULES = {
     "words": words,
     "sizes": sizes,
     "python_syntax": python_syntax,
+    "maya_names": maya_names,
 }
 
 
