@@ -25,6 +25,15 @@ class FormatError : public std::runtime_error {
 struct ReadOptions {
   // Told the bytes read so far and the file's size (0 when unknown), at most a few times a second of work.
   std::function<void(std::uint64_t done, std::uint64_t total)> progress;
+  // The take (FBX) or clip (glTF) to read: its name, or empty for the first. Formats without takes pay no attention to
+  // this and the following.
+  std::string take;
+  // Frames a second of a glTF scene, which knows seconds only; more than 0.
+  double frames_per_second = 24.0;
+  // FBX: 'y' or 'z' turns the scene so that this axis points up; 0 leaves the file's own.
+  char up_axis = 0;
+  // FBX: "mm", "cm", "m", "in", "ft", ... converts to this unit; empty leaves the file's own.
+  std::string linear_unit;
 };
 
 // Reads a scene by its extension (".bvh", ".ma", in any case). Throws FormatError; an unknown extension names the
@@ -34,6 +43,8 @@ Scene read_scene(const std::filesystem::path& file, const ReadOptions& options =
 // Where the scene's name of a node differs from the one in the file (illegal characters, clashes, an end site), the
 // node has the file's bytes under this attribute.
 inline constexpr std::string_view kNameInFile = "nameInFile";
+// The number of the node in a file that numbers its nodes (glTF), an integer.
+inline constexpr std::string_view kNumberInFile = "numberInFile";
 // The node's own name in the file, unchanged. A BVH end site, which has none, is "End Site of <joint>".
 std::string name_in_file(const Scene& scene, NodeId node);
 

@@ -70,6 +70,7 @@ class Compiler {
     const Node& source = scene_.at(input->source);
     AttributeId from = input->source_attribute;
     if (input->attribute != attribute) {  // the compound is driven
+      if (source.track && from == attribute::output) return track(source, attribute - part(input->attribute, 0));
       if (part_count(from) == 0) return fail(source, from);
       from = part(from, attribute - part(input->attribute, 0));
     }
@@ -106,6 +107,14 @@ class Compiler {
     Operation o;
     o.kind = Kind::curve;
     o.curve = source.curve.get();
+    return add(o);
+  }
+
+  Result track(const Node& source, AttributeId component) {
+    Operation o;
+    o.kind = Kind::track;
+    o.track = source.track.get();
+    o.component = static_cast<std::uint8_t>(component);
     return add(o);
   }
 
@@ -207,6 +216,9 @@ double Expression::evaluate(double frame) {
         break;
       case Kind::curve:
         result[i] = o.curve->evaluate(frame, o.hint);
+        break;
+      case Kind::track:
+        result[i] = o.track->at(frame)[o.component];
         break;
       case Kind::scale:
         result[i] = o.number * argument(0);

@@ -17,6 +17,7 @@ struct Operation {
   enum class Kind : std::uint8_t {
     value,  // a static value of some node
     curve,
+    track,           // a component of its values
     scale,           // number * argument 0
     blend,           // argument 0 to argument 1 by the weight in argument 2
     rotation_blend,  // component of the rotation between arguments 0..2 and 3..5 by the weight in 6, order in 7
@@ -28,6 +29,7 @@ struct Operation {
   AttributeId attribute = 0;
   double number = 0.0;  // of a value: as it was at the last refresh
   const AnimCurve* curve = nullptr;
+  const Track* track = nullptr;
   std::size_t hint = 0;
 };
 

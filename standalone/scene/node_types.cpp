@@ -39,6 +39,7 @@ Category category_of(std::string_view type) {
 
 NameSet name_set_of(std::string_view type, Category category) {
   if (type == "joint") return NameSet::joint;
+  if (type == "track") return NameSet::curve;
   if (type == "unitConversion") return NameSet::unit_conversion;
   if (type == "pairBlend") return NameSet::pair_blend;
   switch (category) {

@@ -16,6 +16,7 @@
 #include "host/vector.h"
 #include "standalone/scene/anim_curve.h"
 #include "standalone/scene/matrix.h"
+#include "standalone/scene/track.h"
 
 namespace vantorelix::standalone {
 
@@ -79,6 +80,13 @@ struct Warning {
   std::size_t count;
 };
 
+// A piece of animation that a file holds under a name: an FBX take, a glTF clip.
+struct Take {
+  std::string name;
+  double first;  // frames
+  double last;
+};
+
 class Scene {
  public:
   Scene();
@@ -97,6 +105,10 @@ class Scene {
   double playback_max() const;
   void set_playback_range(double first, double last);
   double current_time() const;  // frames
+  // What the file has to choose from, in its order, and which of them this is; empty where its format knows no takes.
+  const std::vector<Take>& takes() const;
+  std::size_t take() const;
+  void set_takes(std::vector<Take> takes, std::size_t chosen);
   void set_current_time(double frame);
 
   // --- nodes --------------------------------------------------------------------------------------------------
@@ -194,7 +206,10 @@ class Scene {
   NodeId driving_curve(NodeId node, Channel c) const;
   // The curves that drive attributes of the node, in order of connection.
   std::vector<NodeId> driving_curves(NodeId node) const;
-  // Key times of every curve that drives an attribute of the node, curve by curve in order of connection.
+  // A node whose "output" drives the three channels of a compound ("translate"). It has keys and no edits.
+  NodeId create_track(std::shared_ptr<const Track> track, std::string_view name);
+  // Key times of every curve and track that drives an attribute of the node, one by one: curves first, in order of
+  // connection.
   std::vector<double> key_times(NodeId node) const;
   std::size_t key_count(NodeId node) const;
 
@@ -205,9 +220,9 @@ class Scene {
   Affine local_matrix(NodeId node, double frame) const;
   // What a transform's channel is at a frame, driven or not. Radians on angles.
   double channel_at(NodeId node, Channel c, double frame) const;
-  // True when the node or a parent is driven by a curve that varies.
+  // True when the node or a parent is driven by a curve or track that varies.
   bool is_animated(NodeId node) const;
-  // True when the node itself is driven by a curve, whether or not it varies.
+  // True when the node itself is driven by a curve or a track, whether or not it varies.
   bool has_keys(NodeId node) const;
   // Why the node's world position is not what its scene would give: one text per driver on it or on its parents that
   // cannot be followed. Empty when all is well.

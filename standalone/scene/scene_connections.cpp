@@ -50,6 +50,15 @@ class CurveSearch {
   std::unordered_set<std::uint64_t> seen_;
 };
 
+std::vector<const Track*> tracks_of(const Scene::Data& scene, NodeId id) {
+  std::vector<const Track*> tracks;
+  for (const Input& input : scene.at(id).inputs.all()) {
+    const Node* source = input.source == kNoNode ? nullptr : scene.find(input.source);
+    if (source && source->track) tracks.push_back(source->track.get());
+  }
+  return tracks;
+}
+
 }  // namespace
 
 void Scene::connect(NodeId source, std::string_view source_attribute, NodeId destination,
@@ -105,7 +114,7 @@ bool Scene::has_keys(NodeId id) const {
   CurveSearch search(d);
   for (const Input& input : d.at(id).inputs.all())
     if (search.behind(input, [](const Node&) { return true; })) return true;
-  return false;
+  return !tracks_of(d, id).empty();
 }
 
 std::vector<NodeId> Scene::driving_curves(NodeId id) const {
@@ -123,12 +132,15 @@ std::vector<NodeId> Scene::driving_curves(NodeId id) const {
 std::vector<double> Scene::key_times(NodeId id) const {
   std::vector<double> times;
   for (const NodeId driving : driving_curves(id)) curve(driving).append_key_times(times);
+  for (const Track* track : tracks_of(*data_, id))
+    times.insert(times.end(), track->key_times().begin(), track->key_times().end());
   return times;
 }
 
 std::size_t Scene::key_count(NodeId id) const {
   std::size_t count = 0;
   for (const NodeId driving : driving_curves(id)) count += curve(driving).keys().size();
+  for (const Track* track : tracks_of(*data_, id)) count += track->key_times().size();
   return count;
 }
 

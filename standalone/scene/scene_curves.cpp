@@ -33,6 +33,12 @@ NodeId Scene::create_curve(CurveKind kind, std::string_view name) { return creat
 bool Scene::is_curve(NodeId node) const { return data_->at(node).curve != nullptr; }
 const AnimCurve& Scene::curve(NodeId node) const { return *data_->curve(node).curve; }
 
+NodeId Scene::create_track(std::shared_ptr<const Track> track, std::string_view name) {
+  const NodeId node = create_node("track", name);
+  data_->at(node).track = std::move(track);
+  return node;
+}
+
 void Scene::assign_curve(NodeId node, std::vector<Key> keys, bool weighted, Infinity pre, Infinity post) {
   data_->curve(node).curve->assign(std::move(keys), weighted, pre, post);
   data_->tell_curve_edited(node, true);

@@ -130,6 +130,12 @@ std::string Scene::linear_unit() const { return data_->linear_unit; }
 void Scene::set_linear_unit(std::string unit) { data_->linear_unit = std::move(unit); }
 char Scene::up_axis() const { return data_->up_axis; }
 void Scene::set_up_axis(char axis) { data_->up_axis = axis; }
+const std::vector<Take>& Scene::takes() const { return data_->takes; }
+std::size_t Scene::take() const { return data_->take; }
+void Scene::set_takes(std::vector<Take> takes, std::size_t chosen) {
+  data_->takes = std::move(takes);
+  data_->take = chosen;
+}
 double Scene::playback_min() const { return data_->playback_min; }
 double Scene::playback_max() const { return data_->playback_max; }
 

@@ -59,6 +59,7 @@ struct Node {
   std::uint32_t child_gaps = 0;
   std::unique_ptr<Channels> channels;  // transforms
   std::unique_ptr<AnimCurve> curve;    // curves
+  std::shared_ptr<const Track> track;  // tracks
   std::unique_ptr<Extras> extras;
   Inputs inputs;
   std::vector<Output> outputs;  // may hold connections that are gone
@@ -74,6 +75,8 @@ struct Scene::Data {
   std::string linear_unit = "cm";
   char up_axis = 'y';
   double playback_min = 1.0, playback_max = 24.0, current_time = 1.0;
+  std::vector<Take> takes;
+  std::size_t take = 0;
 
   // --- nodes; an id is a place, a deleted node leaves it empty. Place 0 is the world.
   std::vector<std::unique_ptr<Node>> nodes;

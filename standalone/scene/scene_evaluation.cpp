@@ -77,8 +77,10 @@ bool varies(const Record& r) {
   for (const DrivenChannel& d : r.driven) {
     if (d.curve && !d.curve->is_constant()) return true;
     if (d.curve) continue;
-    for (const Operation& o : r.expressions[d.expression].operations)
+    for (const Operation& o : r.expressions[d.expression].operations) {
       if (o.kind == Operation::Kind::curve && !o.curve->is_constant()) return true;
+      if (o.kind == Operation::Kind::track && o.track->moves()) return true;
+    }
   }
   return false;
 }
