@@ -9,9 +9,8 @@ if(MSVC)
 else()
   set(lanes_avx2 -mavx2)
   set(lanes_avx512 -mavx512f -mavx512dq -mavx512vl -mprefer-vector-width=512)
-  # Choices without branches become blends only where no comparison may trap and none is threaded into the next.
-  set(lane_options -fno-trapping-math $<$<CXX_COMPILER_ID:GNU>:-fno-thread-jumps>)
-  set_source_files_properties(${lane_loops} PROPERTIES COMPILE_OPTIONS "${lane_options}")
+  # Choices without branches become blends only where no comparison may trap.
+  set_source_files_properties(${lane_loops} PROPERTIES COMPILE_OPTIONS -fno-trapping-math)
 endif()
 
 set(CMAKE_REQUIRED_FLAGS ${lanes_avx512})
