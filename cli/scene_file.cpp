@@ -18,6 +18,8 @@ std::string format_name(const fs::path& file) {
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   if (extension == ".ma") return "Maya ASCII";
   if (extension == ".bvh") return "BVH";
+  if (extension == ".fbx") return "FBX";
+  if (extension == ".gltf" || extension == ".glb") return "glTF";
   return extension.empty() ? "unknown" : extension.substr(1);
 }
 
@@ -25,11 +27,12 @@ std::string warning_text(const standalone::Warning& warning) {
   return warning.count == 1 ? warning.kind : warning.kind + " (" + std::to_string(warning.count) + " times)";
 }
 
-standalone::Scene load_scene(const fs::path& file, Terminal& terminal) {
+standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal) {
+  const fs::path file = wanted.file;
+  standalone::ReadOptions options = wanted.read_options();
   std::error_code ignored;
   if (!fs::exists(file, ignored)) throw Failure(file.string() + ": no such file; check the path");
   if (fs::is_directory(file, ignored)) throw Failure(file.string() + ": is a folder; name a scene file in it");
-  standalone::ReadOptions options;
   options.progress = [&](std::uint64_t done, std::uint64_t total) {
     check_interrupt();
     terminal.progress("reading " + file.filename().string() +

@@ -4,15 +4,16 @@
 #include <filesystem>
 #include <string>
 
+#include "cli/args/options.h"
 #include "cli/terminal.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::cli {
 
-// Reads the scene, with progress, and passes its warnings on. Throws Failure or standalone::FormatError.
-standalone::Scene load_scene(const std::filesystem::path& file, Terminal& terminal);
+// Reads the scene, with progress, and passes its warnings on. Throws Failure, UsageError or standalone::FormatError.
+standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal);
 
-// "Maya ASCII", "BVH".
+// "Maya ASCII", "BVH", "FBX", "glTF".
 std::string format_name(const std::filesystem::path& file);
 
 // "constraint ... (3 times)"

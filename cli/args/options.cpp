@@ -9,6 +9,7 @@
 
 #include "cli/failure.h"
 #include "cli/output/output_file.h"
+#include "cli/output/text.h"
 
 namespace vantorelix::cli {
 
@@ -43,12 +44,56 @@ void add_common_options(CLI::App& command, CommonOptions& options) {
              "Colour in texts; auto asks for a terminal and heeds NO_COLOR");
 }
 
-void SceneOptions::apply_range(standalone::Scene& scene) const {
-  if (const auto frames = parse_range(range)) scene.set_playback_range(frames->first, frames->last);
+standalone::ReadOptions SceneOptions::read_options() const {
+  const std::string extension = extension_of(file);
+  const bool fbx = extension == ".fbx", gltf = extension == ".gltf" || extension == ".glb";
+  const auto refuse = [&](const char* option, const std::string& value, bool used, const char* formats) {
+    if (!value.empty() && !used)
+      throw UsageError(file + ": " + option + " is for " + formats + " scenes; leave it out");
+  };
+  refuse("--take", take, fbx || gltf, "FBX and glTF");
+  refuse("--fps", fps, gltf, "glTF");
+  refuse("--axis", axis, fbx, "FBX");
+  refuse("--unit", unit, fbx, "FBX");
+  standalone::ReadOptions options;
+  options.take = take;
+  if (!fps.empty()) options.frames_per_second = *parse_number(fps);
+  if (!axis.empty()) options.up_axis = axis.front();
+  options.linear_unit = unit;
+  return options;
+}
+
+void SceneOptions::apply_range(standalone::Scene& scene, std::size_t trails) const {
+  if (const auto frames = parse_range(range)) {
+    scene.set_playback_range(frames->first, frames->last);
+    return;
+  }
+  const double frames = scene.playback_max() - scene.playback_min();
+  if (!(frames > kMostFramesUnasked)) return;
+  constexpr double kBytes = 100.0;  // of a sample while its trail is made
+  throw Failure(file + ": its range of " + readable(frames, 8) + " frames is longer than a million; " +
+                counted(trails, "trail") + " of it would take about " +
+                readable(frames * kBytes * static_cast<double>(trails) / 1e9, 2) +
+                " GB; name the frames with --range FIRST:LAST");
 }
 
 void add_scene_argument(CLI::App& command, SceneOptions& options) {
-  command.add_option("SCENE", options.file, "The scene: Maya ASCII (.ma) or BVH (.bvh)")->required();
+  command
+      .add_option("SCENE", options.file, "The scene: Maya ASCII (.ma), FBX (.fbx), glTF (.gltf, .glb) or BVH (.bvh)")
+      ->required();
+  command.add_option("--take", options.take, "The FBX take or glTF clip (default: the first; info lists them)")
+      ->type_name("NAME");
+  command.add_option("--fps", options.fps, "Frames a second of a glTF scene, which has none (default: 24)")
+      ->type_name("RATE")
+      ->check(CLI::Validator(
+          [](std::string& text) {
+            const auto rate = parse_number(text);
+            return rate && *rate > 0.0 ? std::string() : "'" + text + "' is no rate; write a number above 0, as 30";
+          },
+          ""));
+  add_choice(command, "--axis", options.axis, {"y-up", "z-up"}, "Turn an FBX scene (default: its own axes)");
+  add_choice(command, "--unit", options.unit, {"mm", "cm", "m", "km", "in", "ft", "yd"},
+             "Convert an FBX scene's lengths (default: its own unit)");
 }
 
 void add_selection_options(CLI::App& command, SceneOptions& options) {

@@ -9,6 +9,7 @@
 
 #include "cli/selection.h"
 #include "cli/terminal.h"
+#include "standalone/formats/reader.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::cli {
@@ -23,15 +24,20 @@ struct CommonOptions {
 };
 void add_common_options(CLI::App& command, CommonOptions& options);
 
-// The scene, and which objects of it over which frames.
+// The scene, how to read it, and which objects of it over which frames.
 struct SceneOptions {
   std::string file;
+  std::string take, fps, axis, unit;
   Selection selection;
   std::string range;
 
-  // Sets the playback range when one was asked for.
-  void apply_range(standalone::Scene& scene) const;
+  // Throws UsageError for an option that the file's format has no use for.
+  standalone::ReadOptions read_options() const;
+  // Sets the playback range when one was asked for. Throws Failure when none was and the scene's own is longer than
+  // kMostFramesUnasked, with what so many trails of it would take.
+  void apply_range(standalone::Scene& scene, std::size_t trails) const;
 };
+inline constexpr double kMostFramesUnasked = 1'000'000.0;
 void add_scene_argument(CLI::App& command, SceneOptions& options);
 void add_selection_options(CLI::App& command, SceneOptions& options);
 

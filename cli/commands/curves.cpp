@@ -58,9 +58,9 @@ void write_all(const CurvesOptions& options, const std::vector<CurveView>& curve
 void run_curves(const CurvesOptions& options, Terminal& terminal) {
   check_outputs(options.outputs, {".ma", ".csv"}, options.scene.file);
   for (const std::string& output : options.outputs) check_destination(output);
-  Scene loaded = load_scene(options.scene.file, terminal);
-  options.scene.apply_range(loaded);
+  Scene loaded = load_scene(options.scene, terminal);
   const auto objects = choose(loaded, options.scene.selection, options.scene.file);
+  options.scene.apply_range(loaded, objects.size());
   const auto old = loaded.nodes_of_type("nurbsCurve");
   const std::unordered_set<NodeId> known(old.begin(), old.end());
 

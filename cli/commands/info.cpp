@@ -20,6 +20,7 @@ constexpr const char* kFooter = R"(
 Examples:
   vantorelix info walk.bvh
   vantorelix info rig.ma --all
+  vantorelix info character.fbx --take Run
   vantorelix info rig.ma --json | python3 -m json.tool)";
 
 struct InfoOptions {
@@ -41,6 +42,8 @@ struct SceneInfo {
   std::string file, format, unit;
   char up_axis;
   double fps, first, last;
+  std::vector<standalone::Take> takes;
+  std::size_t take;
   std::map<std::string, std::size_t> node_types;
   std::size_t nodes = 0, keys = 0;
   std::vector<ObjectInfo> objects;
@@ -73,6 +76,8 @@ SceneInfo describe(const Scene& scene, const std::string& file) {
                  scene.frames_per_second(),
                  scene.playback_min(),
                  scene.playback_max(),
+                 scene.takes(),
+                 scene.take(),
                  {},
                  0,
                  0,
@@ -92,6 +97,14 @@ std::string types_text(const SceneInfo& info) {
   for (const auto& [type, count] : info.node_types)
     text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + valid_utf8(type);
   return text;
+}
+
+std::string take_table(const SceneInfo& info) {
+  std::vector<std::vector<std::string>> rows = {{"take", "first", "last", ""}};
+  for (std::size_t i = 0; i < info.takes.size(); ++i)
+    rows.push_back({valid_utf8(info.takes[i].name), readable(info.takes[i].first, 8), readable(info.takes[i].last, 8),
+                    i == info.take ? "this one" : ""});
+  return columns(rows, {false, true, true, false});
 }
 
 std::string object_table(const std::vector<ObjectInfo>& objects) {
@@ -125,6 +138,7 @@ void print_text(const SceneInfo& info, bool all) {
   for (const ObjectInfo& object : info.objects)
     if (all || object.animated || !object.not_followed.empty()) shown.push_back(object);
   std::printf("%s", overview(info).c_str());
+  if (!info.takes.empty()) std::printf("\n%s", take_table(info).c_str());
   if (!shown.empty()) std::printf("\n%s", object_table(shown).c_str());
   if (shown.size() < info.objects.size())
     std::printf("%s %s; --all lists them\n", shown.empty() ? "\nnothing moves:" : "\nbesides,",
@@ -135,6 +149,18 @@ std::string json_list(const std::vector<std::string>& texts) {
   std::string list;
   for (const std::string& text : texts) list += (list.empty() ? "" : ", ") + json_text(text);
   return "[" + list + "]";
+}
+
+void print_takes(OutputFile& out, const SceneInfo& info) {
+  out << "  \"takes\": [";
+  const char* separator = "";
+  for (std::size_t i = 0; i < info.takes.size(); ++i) {
+    const standalone::Take& take = info.takes[i];
+    out << separator << "{\"name\": " << json_text(take.name) << ", \"range\": [" << take.first << ", " << take.last
+        << "], \"chosen\": " << (i == info.take ? "true" : "false") << "}";
+    separator = ", ";
+  }
+  out << "],\n";
 }
 
 void print_object(OutputFile& out, const ObjectInfo& object) {
@@ -150,8 +176,9 @@ void print_json(const SceneInfo& info) {
   OutputFile out("-.json");
   out << "{\n  \"scene\": " << json_text(info.file) << ",\n  \"format\": " << json_text(info.format)
       << ",\n  \"fps\": " << info.fps << ",\n  \"range\": [" << info.first << ", " << info.last
-      << "],\n  \"unit\": " << json_text(info.unit) << ",\n  \"up_axis\": \"" << info.up_axis
-      << "\",\n  \"keys\": " << static_cast<std::int64_t>(info.keys) << ",\n  \"nodes\": {";
+      << "],\n  \"unit\": " << json_text(info.unit) << ",\n  \"up_axis\": \"" << info.up_axis << "\",\n";
+  print_takes(out, info);
+  out << "  \"keys\": " << static_cast<std::int64_t>(info.keys) << ",\n  \"nodes\": {";
   const char* separator = "";
   for (const auto& [type, count] : info.node_types) {
     out << separator << json_text(type) << ": " << static_cast<std::int64_t>(count);
@@ -176,7 +203,7 @@ void print_json(const SceneInfo& info) {
 }
 
 void run_info(const InfoOptions& options, Terminal& terminal) {
-  const Scene scene = load_scene(options.scene.file, terminal);
+  const Scene scene = load_scene(options.scene, terminal);
   const SceneInfo info = describe(scene, options.scene.file);
   if (options.json)
     print_json(info);

@@ -98,9 +98,9 @@ void run(const LiveOptions& options, Terminal& terminal) {
     check_outputs({options.report}, {".json"}, options.scene.file);
     check_destination(options.report);
   }
-  Scene loaded = load_scene(options.scene.file, terminal);
-  options.scene.apply_range(loaded);
+  Scene loaded = load_scene(options.scene, terminal);
   const auto objects = choose(loaded, options.scene.selection, options.scene.file);
+  options.scene.apply_range(loaded, objects.size());
   check_distinct(loaded, objects);
   const auto events = read_edits(options.edits, loaded);
   TrailSession session(std::move(loaded), std::nullopt, terminal);

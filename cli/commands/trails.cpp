@@ -109,9 +109,9 @@ void run_trails(const TrailsOptions& options, Terminal& terminal) {
   check_outputs(options.outputs, {".json", ".csv", ".svg"}, scene_options.file);
   for (const std::string& output : options.outputs) check_destination(output);
 
-  standalone::Scene scene = load_scene(scene_options.file, terminal);
-  scene_options.apply_range(scene);
+  standalone::Scene scene = load_scene(scene_options, terminal);
   const auto objects = choose(scene, scene_options.selection, scene_options.file);
+  scene_options.apply_range(scene, objects.size());
   const auto preferences = preferences_file(options.preferences);
   TrailSession session(std::move(scene), preferences, terminal);
   const TrailSettings settings = options.settings();

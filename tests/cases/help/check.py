@@ -4,10 +4,12 @@ import re
 # The options that the manual promises for each command are those of the help, and every shell completes them.
 manual = open(os.path.join(os.environ["DOCS"], "cli.md"), encoding="utf-8").read()
 common = {"--quiet", "--strict", "--color", "--help"}
+of_scenes = set(re.findall(r"^\| `(--[a-z-]+)", manual.split("\n## ")[0], re.M))
+assert "--take" in of_scenes
 sections = dict(re.findall(r"^## `vantorelix (\w+)[^\n]*\n(.*?)(?=^## |\Z)", manual, re.M | re.S))
 assert set(sections) == {"trails", "info", "curves", "live", "completion"}, set(sections)
 for command, text in sections.items():
-    promised = set(re.findall(r"^\| `(--[a-z-]+)", text, re.M)) | common
+    promised = set(re.findall(r"^\| `(--[a-z-]+)", text, re.M)) | common | (set() if command == "completion" else of_scenes)
     helped = open(command + ".txt").read()
     options = helped.split("Examples:")[0].split("Options:")[1]
     told = set(re.findall(r"(--[a-z][a-z-]*)", re.sub(r"'--out=[^']*'", "", options.split("Without --out")[0])))
