@@ -1,0 +1,135 @@
+"""The package: complete, loadable on older Linux and by this interpreter, installed and taken away again.
+
+Run by itself (run.py package_test.py), for it is about another module than the rest. VANTORELIX_PACKAGE is the folder of
+the package; VANTORELIX_MODULE and VANTORELIX_HOST are as in support.py.
+"""
+
+import glob
+import hashlib
+import json
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+import zipfile
+
+import support
+import test_installer
+from elf import Library
+from recording_maya import Maya
+
+PACKAGE = max(glob.glob(os.path.join(os.environ["VANTORELIX_PACKAGE"], "vantorelix-*-linux-x86_64.zip")),
+              key=os.path.getmtime)
+TOP = os.path.basename(PACKAGE)[:-len("-linux-x86_64.zip")] + "/"
+THIS_VERSION = "python-%d.%d" % sys.version_info[:2]
+# Of the machine that loads it: glibc in parts, and its loader.
+LIBRARIES = {"libc.so.6", "libm.so.6", "libpthread.so.0", "libdl.so.2", "librt.so.1", "ld-linux-x86-64.so.2"}
+
+
+def problems(library):
+    """Why a machine with glibc 2.17, and no C++ library that is known, would not load it."""
+    found = ["needs " + name for name in library.needed if name not in LIBRARIES]
+    for version in library.versions:
+        glibc = re.match(r"GLIBC_(\d+)\.(\d+)", version)
+        if not glibc or tuple(map(int, glibc.groups())) > (2, 17):
+            found.append("needs " + version)
+    return found + ["needs " + name for name in library.unversioned if not re.match("_?Py", name)]
+
+
+class PackageTest(unittest.TestCase):
+    def setUp(self):
+        self.zip = zipfile.ZipFile(PACKAGE)
+        self.addCleanup(self.zip.close)
+        self.names = self.zip.namelist()
+
+    def libraries(self):
+        found = [name for name in self.names if name.endswith(".so")]
+        self.assertTrue(found)
+        return {name: Library(self.zip.read(name)) for name in found}
+
+    def unpack(self):
+        """The folder of the package, unpacked somewhere."""
+        folder = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, folder)
+        self.zip.extractall(folder)
+        return os.path.join(folder, TOP)
+
+
+class Contents(PackageTest):
+    def test_there_is_a_module_with_its_companions_for_this_python(self):
+        folder = TOP + "contents/" + THIS_VERSION + "/"
+        modules = [name for name in self.names if re.match(re.escape(folder) + r"_vantorelix\.cpython-\w+-x86_64", name)]
+        self.assertEqual(len(modules), 1)
+        for name in ("Vantorelix_engine.py", "Vantorelix.py"):
+            self.assertIn(folder + name, self.names)
+
+    def test_each_python_that_the_description_names_is_there(self):
+        named = set(re.findall(r"PYTHONPATH\+:=(\S+)", self.zip.read(TOP + "Vantorelix.mod").decode()))
+        self.assertTrue(named)
+        missing = [n for n in sorted(named) if TOP + "contents/%s/Vantorelix_engine.py" % n not in self.names]
+        if missing:  # Each interpreter of this machine runs the test above.
+            self.skipTest("THE PACKAGE IS NOT COMPLETE: this machine has no " + ", ".join(missing))
+
+    def test_its_list_has_every_other_file_with_its_hash(self):
+        others = [name for name in self.names if name != TOP + "manifest.json"]
+        self.assertEqual(json.loads(self.zip.read(TOP + "manifest.json").decode()),
+                         {name[len(TOP):]: hashlib.sha256(self.zip.read(name)).hexdigest() for name in others})
+
+
+class Modules(PackageTest):
+    def test_they_need_nothing_but_an_old_glibc_and_the_interpreter(self):
+        for name, library in self.libraries().items():
+            self.assertTrue(library.needed and library.versions and library.unversioned, name)
+            self.assertEqual(problems(library), [], name)
+
+    def test_they_keep_their_insides_to_themselves(self):
+        for name, library in self.libraries().items():
+            self.assertEqual(library.exported, ["PyInit__vantorelix"], name)
+
+    def test_one_of_this_machines_compiler_would_pass_neither(self):
+        path, = glob.glob(os.path.join(support.MODULE, "_vantorelix*.so"))
+        with open(path, "rb") as file:
+            library = Library(file.read())
+        self.assertIn("needs libstdc++.so.6", problems(library))
+        self.assertGreater(len(library.exported), 1)
+
+
+class InUse(PackageTest):
+    def run_python(self, *arguments, **environment):
+        done = subprocess.run((sys.executable,) + arguments, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              universal_newlines=True, env=dict(os.environ, **environment))
+        self.assertEqual(done.returncode, 0, done.stderr)
+        return done.stdout.strip().splitlines()
+
+    def test_the_module_makes_a_trail_on_a_recording_maya(self):
+        maya, folder = Maya(), os.path.join(self.unpack(), "contents", THIS_VERSION)
+        sys.path.insert(0, folder)
+        self.addCleanup(sys.path.remove, folder)
+        import Vantorelix_engine
+        self.assertTrue(sys.modules["_vantorelix"].__file__.startswith(folder))
+        Vantorelix_engine.create_trail()
+        self.assertEqual(maya.shape("ball")["points"], [(t, 0.0, 0.0) for t in (1.0, 2.0, 3.0, 4.0, 5.0)])
+        Vantorelix_engine.clear_trails()
+
+    def test_it_is_installed_used_on_a_scene_and_taken_away(self):
+        package = self.unpack()
+        installer, maya = os.path.join(package, "install_vantorelix.py"), os.path.join(package, "maya")
+        modules = os.path.join(maya, "modules")
+        self.assertEqual(self.run_python(installer, modules), ["Installed."])
+        self.assertEqual(self.run_python(installer, "--verify", modules),
+                         ["%d files are as they should be." % (len(self.names) - 1)])
+        installed = os.path.join(modules, "vantorelix", "contents", THIS_VERSION)
+        plugin, count, front = self.run_python(
+            "-c", test_installer.RealFiles.SESSION, maya + "/",
+            PYTHONPATH=os.pathsep.join([installed, os.path.abspath(os.environ["VANTORELIX_HOST"])]))[-3:]
+        self.assertEqual((count, front), ("1", os.path.join(installed, "Vantorelix.py")))
+        self.assertTrue(os.path.exists(plugin))
+        self.assertEqual(self.run_python(installer, "--uninstall", modules), ["Removed."])
+        self.assertEqual((os.listdir(modules), os.path.exists(plugin)), ([], False))
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,126 @@
+#!/usr/bin/env python3
+"""Makes dist/vantorelix-<version>-linux-x86_64.zip: the module for every CPython found, with all that goes into Maya.
+
+The modules are compiled by zig (tools/zig.txt), so that they load on older Linux than this one; see cmake/zig.cmake.
+"""
+
+import argparse
+import glob
+import hashlib
+import json
+import os
+import re
+import subprocess
+import sys
+import zipfile
+
+import pypi
+import pythons
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+BUILD = os.path.join(ROOT, "build", "package")
+PLUGIN = "Vantorelix_plugin.py"
+
+
+def project_version():
+    with open(os.path.join(ROOT, "CMakeLists.txt"), encoding="utf-8") as file:
+        return re.search(r"project\(vantorelix VERSION ([\d.]+)", file.read()).group(1)
+
+
+def required():
+    """The versions that Maya is told of."""
+    with open(os.path.join(ROOT, "maya", "package", "Vantorelix.mod"), encoding="utf-8") as file:
+        return sorted({tuple(map(int, v)) for v in re.findall(r"PYTHONPATH\+:=python-(\d+)\.(\d+)", file.read())})
+
+
+def compiler():
+    """The path of zig, installed if need be; None, and why on standard error, where that does not work."""
+    folder = os.path.join(BUILD, "zig")
+    question = "import os, ziglang; print(os.path.join(os.path.dirname(ziglang.__file__), 'zig'))"
+    try:
+        pypi.pip(folder, "install", os.path.join(ROOT, "tools", "zig.txt"))
+        return subprocess.run([pypi.interpreter(folder), "-c", question], check=True, stdout=subprocess.PIPE,
+                              universal_newlines=True).stdout.strip()
+    except (OSError, subprocess.CalledProcessError) as error:
+        print("package: THE COMPILER CANNOT BE FETCHED, SO THERE IS NO PACKAGE: %s" % error, file=sys.stderr)
+        return None
+
+
+def compile_modules(zig, interpreters):
+    """Leaves module-X.Y in BUILD for each of {version: interpreter}."""
+    environment = dict(os.environ, ZIG_GLOBAL_CACHE_DIR=os.path.join(BUILD, "zig-cache"))
+    environment.pop("CMAKE_CXX_COMPILER_LAUNCHER", None)  # takes "c++" in "zig c++" for a source file
+    tree = os.path.join(BUILD, "cmake")
+    subprocess.run(["cmake", "-S", ROOT, "-B", tree, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release", "-DVANTORELIX_TESTS=OFF",
+                    "-DCMAKE_UNITY_BUILD=ON",
+                    "-DCMAKE_TOOLCHAIN_FILE=" + os.path.join(ROOT, "cmake", "zig.cmake"), "-DVANTORELIX_ZIG=" + zig,
+                    "-DVANTORELIX_MODULE_FOLDER=" + BUILD,
+                    "-DVANTORELIX_PYTHONS=" + ";".join(interpreters[v] for v in sorted(interpreters))],
+                   check=True, env=environment)
+    subprocess.run(["cmake", "--build", tree, "--target"] + ["module-%d.%d" % v for v in sorted(interpreters)],
+                   check=True, env=environment)
+
+
+def only(pattern):
+    found = glob.glob(pattern)
+    if len(found) != 1:
+        sys.exit("package: one file is needed as %s, there are %d" % (pattern, len(found)))
+    return found[0]
+
+
+def contents(versions):
+    """{path in the package: the file that goes there}."""
+    companions = glob.glob(os.path.join(ROOT, "maya", "companion", "*.py"))
+    files = {"contents/plug-ins/" + PLUGIN: os.path.join(ROOT, "maya", "companion", PLUGIN)}
+    for name in ("Vantorelix.mod", "install_vantorelix.py"):
+        files[name] = os.path.join(ROOT, "maya", "package", name)
+    for version in versions:
+        module = os.path.join(BUILD, "module-%d.%d" % version)
+        parts = [only(os.path.join(module, "_vantorelix*.so")), os.path.join(module, "Vantorelix_engine.py")]
+        for part in parts + [path for path in companions if os.path.basename(path) != PLUGIN]:
+            files["contents/python-%d.%d/%s" % (version + (os.path.basename(part),))] = part
+    return files
+
+
+def write_package(path, top, files):
+    """A zip of `files` below the folder `top`, with a list of their hashes; the same files give the same zip."""
+    data = {}
+    for name, source in files.items():
+        with open(source, "rb") as file:
+            data[name] = file.read()
+    hashes = {name: hashlib.sha256(content).hexdigest() for name, content in data.items()}
+    data["manifest.json"] = json.dumps(hashes, indent=2, sort_keys=True).encode()
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as package:
+        for name in sorted(data):
+            entry = zipfile.ZipInfo(top + "/" + name)  # dated 1980, the first year that a zip knows
+            entry.external_attr = 0o644 << 16
+            entry.create_system = 3
+            package.writestr(entry, data[name], zipfile.ZIP_DEFLATED)
+
+
+def main(arguments):
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("--dist", default=os.path.join(ROOT, "dist"), help="the folder of the package")
+    parser.add_argument("--partial", action="store_true", help="go on where a version that Maya needs is missing")
+    parser.add_argument("--compiler", action="store_true", help="only fetch the compiler")
+    options = parser.parse_args(arguments)
+    interpreters, _ = pythons.interpreters()
+    missing = ", ".join("%d.%d" % v for v in required() if v not in interpreters)
+    if missing and not options.compiler:
+        print("package: THIS MACHINE HAS NO CPYTHON WITH Python.h FOR " + missing, file=sys.stderr)
+        if not options.partial:
+            return 1
+    zig = compiler()
+    if not zig or options.compiler:
+        return 0 if zig else 1
+    compile_modules(zig, interpreters)
+    top = "vantorelix-" + project_version()
+    path = os.path.join(options.dist, top + "-linux-x86_64.zip")
+    write_package(path, top, contents(sorted(interpreters)))
+    print("%s: %d bytes" % (os.path.relpath(path), os.path.getsize(path)))
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
