@@ -1,11 +1,9 @@
 // The rotation between two others, by quaternions.
 #pragma once
 
-#include <array>
+#include "standalone/scene/quaternion.h"
 
 namespace vantorelix::standalone {
-
-using Angles = std::array<double, 3>;
 
 // Angles in radians in the given rotate order; the shorter way round. Weight 0 is `a`, 1 is `b`.
 Angles blend_rotations(const Angles& a, const Angles& b, double weight, double order);
