@@ -301,6 +301,21 @@ void MayaReader::finish() {
   drafts_.clear();
   // A scene that does not say what it plays plays what it has.
   if (!has_range_ && first_key_ <= last_key_) scene_.set_playback_range(first_key_, last_key_);
+  name_all("character", "the character set", "the character sets");
+  name_all("animClip", "the clip", "the clips");
+}
+
+// What of this type there is and is not played, by name.
+void MayaReader::name_all(const std::string& type, const std::string& one, const std::string& several) {
+  constexpr std::size_t kNamed = 8;
+  const auto nodes = scene_.nodes_of_type(type);
+  if (nodes.empty()) return;
+  std::string names;
+  for (std::size_t i = 0; i < std::min(nodes.size(), kNamed); ++i)
+    names += (i == 0 ? " '" : ", '") + std::string(scene_.short_name(nodes[i])) + "'";
+  if (nodes.size() > kNamed) names += " and " + std::to_string(nodes.size() - kNamed) + " more";
+  note((nodes.size() == 1 ? one : several) + names +
+       (nodes.size() == 1 ? " is not played; bake it before saving" : " are not played; bake them before saving"));
 }
 
 NodeId MayaReader::find(std::string_view name) {

@@ -46,6 +46,7 @@ class MayaReader {
   void read_lock_node();
   void read_playback(std::string_view script);
   void finish();
+  void name_all(const std::string& type, const std::string& one, const std::string& several);
 
   // --- maya_set_attr.cpp
   void read_set_attr();

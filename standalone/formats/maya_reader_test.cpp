@@ -9,8 +9,11 @@
 namespace vantorelix::standalone {
 namespace {
 
+using testing::ElementsAre;
+using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 // --- statements -------------------------------------------------------------------------------------------------
 
@@ -366,6 +369,36 @@ TEST(MayaAscii, GoingToAndFroBetweenLongCurvesTakesNoLongerThanReadingThem) {
   const Scene scene = clean(text);
   EXPECT_EQ(only_curve(scene).keys()[19999].value, 2.0);
   EXPECT_EQ(scene.curve(scene.require("d")).keys()[19999].in, Tangent::flat);
+}
+
+TEST(MayaAscii, NamesCharacterSetsAndClipsThatItDoesNotPlay) {
+  const Scene one = read("createNode character -n \"hero\";createNode animClip -n \"wave\";");
+  EXPECT_THAT(
+      one.warnings(),
+      UnorderedElementsAre(Field(&Warning::kind, "the character set 'hero' is not played; bake it before saving"),
+                           Field(&Warning::kind, "the clip 'wave' is not played; bake it before saving")));
+  std::string clips;
+  for (int i = 0; i < 10; ++i) clips += "createNode animClip -n \"c" + std::to_string(i) + "\";";
+  EXPECT_THAT(read(clips).warnings(),
+              ElementsAre(Field(&Warning::kind,
+                                "the clips 'c0', 'c1', 'c2', 'c3', 'c4', 'c5', 'c6', 'c7' and 2 more are "
+                                "not played; bake them before saving")));
+}
+
+TEST(MayaAscii, ReadsTheHeadersOfManyVersions) {
+  for (const char* version : {"2008", "2012", "2016", "2018ff07", "2020", "2024ff02", "2026"}) {
+    const Scene scene = clean("//Maya ASCII " + std::string(version) +
+                              " scene\n//Name: a.ma\n//Last modified: Sun, Dec 09, 2007 01:16:00 PM\n//Codeset: 932\n"
+                              "requires maya \"" +
+                              version +
+                              "\";\nrequires -nodeType \"aiOptions\" \"mtoa\" \"5.0\";\n"
+                              "currentUnit -l centimeter -a degree -t pal;\nfileInfo \"application\" \"maya\";\n"
+                              "fileInfo \"UUID\" \"8F3A\";\ncreateNode transform -n \"ball\";\n"
+                              "\trename -uid \"0E29FC62-4828-4A3E-A79A-B4A3D560A8FE\";\n\tsetAttr \".t\" -type "
+                              "\"double3\" 1 2 3 ;\n// End of a.ma\n");
+    EXPECT_EQ(scene.frames_per_second(), 25.0);
+    expect_at(scene, "ball", 1.0, 1.0, 2.0, 3.0);
+  }
 }
 
 TEST(ReadScene, NamesWhatItReadsWhenTheExtensionIsAnother) {
