@@ -29,16 +29,20 @@ std::unique_ptr<double[]> smoothed_lengths(const Lanes& lanes, const std::vector
                                            kernel::Baseline* baseline) {
   const std::size_t n = pos.size() - 1;
   std::unique_ptr<double[]> smoothed(new double[n]);  // a vector would write it all once more, with zeros
-  alignas(64) std::array<double, kLaneBlock + 2 * kWindow> lengths;
-  alignas(64) std::array<double, kLaneBlock> summed;
-  for (std::size_t first = 0; first < n; first += kLaneBlock) {
-    const std::size_t last = std::min(first + kLaneBlock, n);
-    const std::size_t base = first - std::min(first, kWindow);
-    lanes.lengths(&pos[base].x, std::min(last + kWindow, n) - base, lengths.data());
-    kernel::smooth(lengths.data(), base, n, SpacingWindow{}, first, last, lanes.means, smoothed.get() + first);
-    if (!baseline) continue;
-    const std::size_t active = lanes.without_holds(smoothed.get() + first, last - first, summed.data());
-    baseline->add_without_holds(summed.data(), last - first, active);
+  constexpr std::size_t kAround = 2 * kWindow;
+  // first ... last - 1, whose windows reach beyond an end, from the lengths there.
+  const auto smooth_end = [&](std::size_t base, std::size_t first, std::size_t last) {
+    std::array<double, kAround> lengths;
+    lanes.lengths(&pos[base].x, std::min(n, kAround), lengths.data());
+    kernel::smooth(lengths.data(), base, n, SpacingWindow{}, first, last, smoothed.get() + first);
+    if (baseline) baseline->add(smoothed.get() + first, last - first);
+  };
+  if (n <= kAround) {
+    smooth_end(0, 0, n);
+  } else {
+    smooth_end(0, 0, kWindow);
+    lanes.smoothed(&pos[0].x, n - kAround, smoothed.get() + kWindow, baseline);
+    smooth_end(n - kAround, n - kWindow, n);
   }
   return smoothed;
 }

@@ -17,31 +17,70 @@ namespace vantorelix::lanes {
 
 namespace {
 
-void lengths(const double* xyz, std::size_t count, double* out) {
-  for (std::size_t i = 0; i < count; ++i) {
-    const double dx = xyz[3 * i + 3] - xyz[3 * i];
-    const double dy = xyz[3 * i + 4] - xyz[3 * i + 1];
-    const double dz = xyz[3 * i + 5] - xyz[3 * i + 2];
-    out[i] = std::sqrt(dx * dx + dy * dy + dz * dz);
-  }
+// Points worked on at a time while lengths are smoothed. A count that the compiler knows, and the processor is in the
+// next step while the one sum that has to run in order is still under way.
+constexpr std::size_t kStep = 32;
+
+// Each loop twice: for a whole block, whose length the compiler then knows, and for any count below.
+template <auto block, auto below, std::size_t size, class... Rest>
+auto either(const double* in, std::size_t count, Rest... rest) {
+  return count == size ? block(in, count, rest...) : below(in, count, rest...);
 }
 
-void means(const double* v, std::size_t count, double* out) {
+// Squares first, in the order of memory: taken apart into x, y and z is one array, not two.
+template <std::size_t known>
+void step_lengths(const double* xyz, std::size_t count, double* out) {
+  if constexpr (known != 0) count = known;
+  alignas(64) double squares[3 * kStep];
+  for (std::size_t i = 0; i < 3 * count; ++i) {
+    const double d = xyz[i + 3] - xyz[i];
+    squares[i] = d * d;
+  }
+  for (std::size_t i = 0; i < count; ++i) out[i] = std::sqrt(squares[3 * i] + squares[3 * i + 1] + squares[3 * i + 2]);
+}
+
+void lengths(const double* xyz, std::size_t count, double* out) {
+  for (std::size_t i = 0; i < count; i += kStep)
+    either<step_lengths<kStep>, step_lengths<0>, kStep>(xyz + 3 * i, count - i < kStep ? count - i : kStep, out + i);
+}
+
+// The means of full windows from v[i] on, and their sum without holds.
+template <std::size_t known>
+void step_means(const double* v, std::size_t count, double* out, kernel::Baseline* baseline) {
+  if constexpr (known != 0) count = known;
   // 0 first, as a sum starts: it makes 0 of a -0.
   for (std::size_t i = 0; i < count; ++i)
     out[i] = (0.0 + v[i] + v[i + 1] + v[i + 2] + v[i + 3] + v[i + 4] + v[i + 5] + v[i + 6]) / 7.0;
-}
-
-std::size_t without_holds(const double* lengths, std::size_t count, double* out) {
+  if (!baseline) return;
+  alignas(64) double summed[kStep];
   std::size_t active = 0;
   for (std::size_t i = 0; i < count; ++i) {
-    out[i] = lengths[i] > kernel::kHold ? lengths[i] : 0.0;
-    active += lengths[i] > kernel::kHold ? 1 : 0;
+    summed[i] = out[i] > kernel::kHold ? out[i] : 0.0;
+    active += out[i] > kernel::kHold ? 1 : 0;
   }
-  return active;
+  double sum = baseline->sum;
+  for (std::size_t i = 0; i < count; ++i) sum += summed[i];
+  baseline->sum = sum;
+  baseline->count += active;
 }
 
+void smoothed(const double* xyz, std::size_t count, double* out, kernel::Baseline* baseline) {
+  constexpr std::size_t kBlock = 4 * kStep, kAround = 6;
+  alignas(64) double v[kBlock + kAround];
+  lengths(xyz, kAround, v);
+  for (std::size_t first = 0; first < count; first += kBlock) {
+    const std::size_t size = count - first < kBlock ? count - first : kBlock;
+    lengths(xyz + 3 * (first + kAround), size, v + kAround);
+    for (std::size_t i = 0; i < size; i += kStep)
+      either<step_means<kStep>, step_means<0>, kStep>(v + i, size - i < kStep ? size - i : kStep, out + first + i,
+                                                      baseline);
+    for (std::size_t i = 0; i < kAround; ++i) v[i] = v[size + i];
+  }
+}
+
+template <std::size_t known>
 void parameters(const double* lengths, std::size_t count, double scale, double* out) {
+  if constexpr (known != 0) count = known;
   if (scale <= kernel::kHold) {
     for (std::size_t i = 0; i < count; ++i) out[i] = 0.0;
     return;
@@ -99,7 +138,9 @@ double value(double t, double u, double below) {
     return value<channel, k + 1>(t, u, t > kSegments.at[k].t0 ? segment<channel, k>(u) : below);
 }
 
+template <std::size_t known>
 void ramp(const double* t, std::size_t count, double* rgb) {
+  if constexpr (known != 0) count = known;
   alignas(64) double middle[kLaneBlock];
   alignas(64) double u[kLaneBlock];
   for (std::size_t i = 0; i < count; ++i) {
@@ -118,6 +159,8 @@ void ramp(const double* t, std::size_t count, double* rgb) {
 extern const Lanes VANTORELIX_LANES;
 #define VANTORELIX_TEXT_OF(x) #x
 #define VANTORELIX_TEXT(x) VANTORELIX_TEXT_OF(x)
-const Lanes VANTORELIX_LANES = {VANTORELIX_TEXT(VANTORELIX_LANES), lengths, means, without_holds, parameters, ramp};
+const Lanes VANTORELIX_LANES = {VANTORELIX_TEXT(VANTORELIX_LANES), lengths, smoothed,
+                                either<parameters<kLaneBlock>, parameters<0>, kLaneBlock>,
+                                either<ramp<kLaneBlock>, ramp<0>, kLaneBlock>};
 
 }  // namespace vantorelix::lanes

@@ -6,10 +6,11 @@
 #include <cstddef>
 #include <vector>
 
+#include "engine/sampling/spacing_kernel.h"
+
 namespace vantorelix {
 
-// Points worked on at a time: what they need stays in the nearest cache, and the processor can begin the next block
-// while the one sum that has to run in order is still under way.
+// Points coloured at a time: what they need stays in the nearest cache.
 inline constexpr std::size_t kLaneBlock = 64;
 
 // Any `count`, but for `ramp`. Inputs and outputs do not overlap.
@@ -17,10 +18,9 @@ struct Lanes {
   const char* name;
   // The lengths of the segments between count + 1 points, x y z x y z ...
   void (*lengths)(const double* xyz, std::size_t count, double* out);
-  // out[i] = mean of values[i] ... values[i + 2 * kSpacingWindow].
-  void (*means)(const double* values, std::size_t count, double* out);
-  // The lengths with 0 for holds; returns how many are none.
-  std::size_t (*without_holds)(const double* lengths, std::size_t count, double* out);
+  // The means of `count` full windows of such lengths (2 * kSpacingWindow more of them), the first one at the first
+  // point; added to the baseline where there is one.
+  void (*smoothed)(const double* xyz, std::size_t count, double* out, kernel::Baseline* baseline);
   // Ramp parameters in 0..1 of lengths; all 0 where the scale is too small to be one.
   void (*parameters)(const double* lengths, std::size_t count, double scale, double* out);
   // The ramp halfway between t[i] and t[i + 1], both in 0..1, as r g b r g b ...; up to kLaneBlock points.

@@ -65,9 +65,14 @@ Bits results(const Lanes& lanes, std::size_t count, bool odd_ones, std::uint64_t
   };
   const auto points = inputs(3 * (count + 1), odd_ones, random);
   run(count, [&](double* out) { lanes.lengths(points.data(), count, out); });
-  const auto values = inputs(count + kAround, odd_ones, random);
-  run(count, [&](double* out) { lanes.means(values.data(), count, out); });
-  run(count, [&](double* out) { all.push_back(lanes.without_holds(values.data(), count, out)); });
+  const auto more = inputs(3 * (count + kAround + 1), odd_ones, random);
+  for (const bool summed : {false, true}) {
+    kernel::Baseline baseline;
+    run(count, [&](double* out) { lanes.smoothed(more.data(), count, out, summed ? &baseline : nullptr); });
+    all.push_back(bits({baseline.sum}).front());
+    all.push_back(baseline.count);
+  }
+  const auto values = inputs(count, odd_ones, random);
   for (const double scale : {1.0, 0.3, 1e-9, 0.0, -1.0, 1e-320, 1e308, std::nan("")})
     run(count, [&](double* out) { lanes.parameters(values.data(), count, scale, out); });
   const auto t = unit_inputs(count + 1, random);

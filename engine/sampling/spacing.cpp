@@ -26,12 +26,7 @@ std::vector<double> _smooth(const std::vector<double>& values, std::int64_t wind
   if (values.empty() || window <= 0) return values;
   const std::size_t n = values.size();
   std::vector<double> out(n);
-  const auto smooth_over = [&](auto w) {
-    const auto means = [w](const double* from, std::size_t count, double* to) {
-      kernel::full_means(from, count, w, to);
-    };
-    kernel::smooth(values.data(), 0, n, w, 0, n, means, out.data());
-  };
+  const auto smooth_over = [&](auto w) { kernel::smooth(values.data(), 0, n, w, 0, n, out.data()); };
   if (window == kSpacingWindow) {
     smooth_over(SpacingWindow{});
   } else {

@@ -34,10 +34,9 @@ inline double mean(const double* values, std::size_t lo, std::size_t hi) {
 
 // The smoothed values first ... last - 1 of an array of n, into out[0] ...: full windows inside, what there is of them
 // at the ends. `values` points at element `base` and reaches at least `window` elements around the ones wanted.
-// `means` makes the full windows, as full_means does.
-template <class Window, class Means>
+template <class Window>
 void smooth(const double* values, std::size_t base, std::size_t n, Window window, std::size_t first, std::size_t last,
-            const Means& means, double* out) {
+            double* out) {
   const std::size_t w = static_cast<std::size_t>(window);
   const auto short_mean = [&](std::size_t i) {
     return mean(values, (i > w ? i - w : 0) - base, (n - i > w ? i + w + 1 : n) - base);
@@ -45,30 +44,23 @@ void smooth(const double* values, std::size_t base, std::size_t n, Window window
   const std::size_t inner_end = std::clamp(n > w ? n - w : 0, first, last);
   const std::size_t inner = std::min(std::max(first, w), inner_end);
   for (std::size_t i = first; i < inner; ++i) out[i - first] = short_mean(i);
-  if (inner < inner_end) means(values + (inner - w - base), inner_end - inner, out + (inner - first));
+  if (inner < inner_end) full_means(values + (inner - w - base), inner_end - inner, window, out + (inner - first));
   for (std::size_t i = inner_end; i < last; ++i) out[i - first] = short_mean(i);
 }
 
 // Running mean of the lengths that are no holds.
-class Baseline {
- public:
-  void add(const double* lengths, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
+struct Baseline {
+  double sum = 0.0;
+  std::size_t count = 0;
+
+  void add(const double* lengths, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) {
       const bool active = lengths[i] > kHold;
-      sum_ += active ? lengths[i] : 0.0;  // adding 0 changes no bit of a sum that is not negative
-      count_ += active ? 1 : 0;
+      sum += active ? lengths[i] : 0.0;  // adding 0 changes no bit of a sum that is not negative
+      count += active ? 1 : 0;
     }
   }
-  // The same where 0 stands for holds already, and `active` of the lengths are none.
-  void add_without_holds(const double* lengths, std::size_t count, std::size_t active) {
-    for (std::size_t i = 0; i < count; ++i) sum_ += lengths[i];
-    count_ += active;
-  }
-  double mean() const { return count_ == 0 ? 0.0 : sum_ / static_cast<double>(count_); }
-
- private:
-  double sum_ = 0.0;
-  std::size_t count_ = 0;
+  double mean() const { return count == 0 ? 0.0 : sum / static_cast<double>(count); }
 };
 
 // As the scripting language's min and max, which keep the bound where the value is no number.
