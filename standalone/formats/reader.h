@@ -36,8 +36,8 @@ struct ReadOptions {
   std::string linear_unit;
 };
 
-// Reads a scene by its extension (".bvh", ".ma", in any case). Throws FormatError; an unknown extension names the
-// ones that are read. What the file holds that cannot be followed ends in Scene::warnings().
+// Reads a scene by its extension (".bvh", ".ma", ".fbx", in any case). Throws FormatError; an unknown extension names
+// the ones that are read. What the file holds that cannot be followed ends in Scene::warnings().
 Scene read_scene(const std::filesystem::path& file, const ReadOptions& options = {});
 
 // Where the scene's name of a node differs from the one in the file (illegal characters, clashes, an end site), the
@@ -51,5 +51,6 @@ std::string name_in_file(const Scene& scene, NodeId node);
 // The same from memory; `name` stands in error texts. For tests and fuzzing.
 Scene read_bvh(std::string_view text, const std::string& name, const ReadOptions& options = {});
 Scene read_maya_ascii(std::string_view text, const std::string& name, const ReadOptions& options = {});
+Scene read_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options = {});
 
 }  // namespace vantorelix::standalone

@@ -32,6 +32,21 @@ std::size_t MemorySource::read(char* to, std::size_t limit) {
   return count;
 }
 
+std::string read_whole(ByteSource& source) {
+  constexpr std::size_t kMost = std::size_t{4} << 30;
+  constexpr std::size_t kPiece = std::size_t{1} << 20;
+  std::string bytes;
+  if (source.size() <= kMost) bytes.reserve(static_cast<std::size_t>(source.size()) + 1);
+  while (bytes.size() <= kMost) {
+    const std::size_t held = bytes.size();
+    bytes.resize(std::max(std::min(held + kPiece, bytes.capacity()), held + 1));
+    const std::size_t got = source.read(bytes.data() + held, bytes.size() - held);
+    bytes.resize(held + got);
+    if (got == 0) return bytes;
+  }
+  throw FormatError(source.name(), 0, "the file has more than 4 GB; export less at once");
+}
+
 TextInput::TextInput(ByteSource& source, const ReadOptions& options, std::size_t window)
     : source_(source),
       options_(options),

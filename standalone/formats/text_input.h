@@ -54,6 +54,9 @@ class MemorySource : public ByteSource {
   std::uint64_t size_;
 };
 
+// All bytes at once, for formats that are no text. Throws FormatError beyond 4 GB.
+std::string read_whole(ByteSource& source);
+
 // A window of fixed size over a source. A line ends at LF, CR LF or CR. A UTF-8 byte order mark at the start is
 // skipped; every other byte, NUL included, comes through as it is.
 class TextInput {

@@ -1,0 +1,156 @@
+#include "standalone/formats/fbx_curve.h"
+
+#include <ufbx.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantorelix::standalone {
+namespace {
+
+// Handles are stored in single precision.
+constexpr double kHandleRounding = 1e-6;
+
+// Whether a handle reaches a third of its span, so that time passes evenly along it.
+bool is_even(double reach, double length) { return std::abs(3.0 * reach - length) <= kHandleRounding * length; }
+
+Infinity infinity_of(const ufbx_extrapolation& extrapolation) {
+  if (extrapolation.repeat_count == 0 && extrapolation.mode != UFBX_EXTRAPOLATION_SLOPE) return Infinity::constant;
+  switch (extrapolation.mode) {
+    case UFBX_EXTRAPOLATION_REPEAT:
+      return Infinity::cycle;
+    case UFBX_EXTRAPOLATION_MIRROR:
+      return Infinity::oscillate;
+    case UFBX_EXTRAPOLATION_SLOPE:
+      return Infinity::linear;
+    case UFBX_EXTRAPOLATION_REPEAT_RELATIVE:
+      return Infinity::cycle_offset;
+    default:
+      return Infinity::constant;
+  }
+}
+
+class Converter {
+ public:
+  Converter(const ufbx_anim_curve& curve, const FbxClock& clock, double unit)
+      : from_(curve.keyframes.data), count_(curve.keyframes.count), clock_(clock), unit_(unit) {
+    made_.pre = infinity_of(curve.pre_extrapolation);
+    made_.post = infinity_of(curve.post_extrapolation);
+  }
+
+  FbxCurve convert() {
+    for (std::size_t i = 0; i + 1 < count_; ++i) {
+      const double length = from_[i + 1].time - from_[i].time;
+      const bool even = is_even(from_[i].right.dx, length) && is_even(from_[i + 1].left.dx, length);
+      made_.weighted |= from_[i].interpolation == UFBX_INTERPOLATION_CUBIC && !even;
+    }
+    made_.keys.reserve(count_);
+    for (std::size_t i = 0; i < count_; ++i) made_.keys.push_back(key(i));
+    // Of keys at one time the last counts from there on, and the first up to there.
+    for (std::size_t i = count_; i-- > 1;) {
+      if (made_.keys[i - 1].time == made_.keys[i].time)
+        made_.keys[i - 1].time = std::nextafter(made_.keys[i].time, -INFINITY);
+    }
+    return std::move(made_);
+  }
+
+ private:
+  Key key(std::size_t i) const {
+    const ufbx_keyframe& from = from_[i];
+    Key key;
+    key.time = clock_.frame(from.time);
+    key.value = from.value * unit_;
+    // What a curve that goes on straight leaves along is the other side's handle.
+    key.in = i > 0 ? tangent(from_[i - 1].interpolation) : Tangent::fixed;
+    if (key.in == Tangent::step || key.in == Tangent::step_next) key.in = Tangent::fixed;
+    key.out = i + 1 < count_ ? tangent(from.interpolation) : Tangent::fixed;
+    set_handle(i > 0 ? from.left : from.right, i > 0 ? from.time - from_[i - 1].time : 0.0, key.in_x, key.in_y);
+    set_handle(i + 1 < count_ ? from.right : from.left, i + 1 < count_ ? from_[i + 1].time - from.time : 0.0, key.out_x,
+               key.out_y);
+    return key;
+  }
+
+  static Tangent tangent(ufbx_interpolation interpolation) {
+    switch (interpolation) {
+      case UFBX_INTERPOLATION_CONSTANT_PREV:
+        return Tangent::step;
+      case UFBX_INTERPOLATION_CONSTANT_NEXT:
+        return Tangent::step_next;
+      case UFBX_INTERPOLATION_LINEAR:
+        return Tangent::linear;
+      default:
+        return Tangent::fixed;
+    }
+  }
+
+  // `length` of the span on the handle's side, 0 beyond the ends.
+  void set_handle(const ufbx_tangent& handle, double length, double& x, double& y) const {
+    const bool even = length > 0.0 && is_even(handle.dx, length);
+    const double reach = made_.weighted ? (even ? length : 3.0 * handle.dx) : 1.0;
+    const bool slope = handle.dx > 0.0f && (even || !made_.weighted);
+    x = handle.dx > 0.0f ? reach : 0.0;
+    y = (slope ? reach / handle.dx : 3.0) * handle.dy * unit_;
+  }
+
+  const ufbx_keyframe* from_;
+  std::size_t count_;
+  const FbxClock& clock_;
+  double unit_;
+  FbxCurve made_;
+};
+
+class LibraryTrack : public Track {
+ public:
+  LibraryTrack(FbxDocument document, FbxProperty property, const std::vector<const ufbx_anim_curve*>& curves)
+      : document_(std::move(document)), property_(std::move(property)), clock_(*document_) {
+    for (const ufbx_anim_curve* curve : curves) {
+      for (const ufbx_keyframe& key : curve->keyframes) key_times_.push_back(clock_.frame(key.time));
+      moves_ |= curve->min_value != curve->max_value || curve->keyframes.count > 1;
+    }
+    std::sort(key_times_.begin(), key_times_.end());
+    key_times_.erase(std::unique(key_times_.begin(), key_times_.end()), key_times_.end());
+  }
+
+  std::array<double, 3> at(double frame) const override {
+    const double seconds = clock_.seconds(frame);
+    std::array<double, 3> values = {property_.unit, property_.unit, property_.unit};
+    for (const ufbx_node* node : property_.nodes) {
+      const ufbx_vec3 v =
+          ufbx_evaluate_prop_len(property_.anim, &node->element, property_.name, name_length_, seconds).value_vec3;
+      values = {values[0] * v.x, values[1] * v.y, values[2] * v.z};
+    }
+    for (std::size_t k = 0; k < values.size(); ++k)
+      if (!std::isfinite(values[k])) values[k] = property_.otherwise[k];
+    return values;
+  }
+  const std::vector<double>& key_times() const override { return key_times_; }
+  bool moves() const override { return moves_; }
+
+ private:
+  FbxDocument document_;
+  FbxProperty property_;
+  FbxClock clock_;
+  std::size_t name_length_ = std::string_view(property_.name).size();
+  std::vector<double> key_times_;
+  bool moves_ = false;
+};
+
+}  // namespace
+
+FbxCurve convert_curve(const ufbx_anim_curve& curve, const FbxClock& clock, double unit) {
+  return Converter(curve, clock, unit).convert();
+}
+
+bool is_convertible(const ufbx_anim_curve& curve) {
+  const auto stops = [](const ufbx_extrapolation& e) {
+    return e.repeat_count > 0 && e.mode != UFBX_EXTRAPOLATION_CONSTANT && e.mode != UFBX_EXTRAPOLATION_SLOPE;
+  };
+  return curve.keyframes.count < 2 || !(stops(curve.pre_extrapolation) || stops(curve.post_extrapolation));
+}
+
+std::shared_ptr<const Track> make_fbx_track(FbxDocument document, FbxProperty property,
+                                            std::vector<const ufbx_anim_curve*> curves) {
+  return std::make_shared<LibraryTrack>(std::move(document), std::move(property), curves);
+}
+
+}  // namespace vantorelix::standalone
