@@ -1,8 +1,9 @@
 # A toolchain for modules that load on any Linux of the last decade: zig's C++ compiler with its own C++ library linked in,
 # and no symbol of glibc newer than 2.17. VANTORELIX_ZIG is the program.
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VANTORELIX_ZIG)
-set(CMAKE_CXX_COMPILER ${VANTORELIX_ZIG} c++ -target x86_64-linux-gnu.2.17)
-# Compiling is question enough: linking would build zig's C++ library once more for every set of processor flags asked for.
+set(CMAKE_CXX_COMPILER ${VANTORELIX_ZIG} c++)
+set(CMAKE_CXX_COMPILER_TARGET x86_64-linux-gnu.2.17)
+# Compiling is question enough: linking builds zig's C++ library, once more for every set of processor flags asked for.
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 
 # Nothing of the C++ library inside is seen from outside, where the process may have another one; no debug symbols.
