@@ -13,14 +13,18 @@ Scene read_scene(const std::filesystem::path& file, const ReadOptions& options) 
   std::string extension = file.extension().string();
   std::transform(extension.begin(), extension.end(), extension.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  if (extension != ".bvh" && extension != ".ma" && extension != ".fbx") {
-    throw FormatError(
-        file.string(), 0,
-        "scene files of this kind are not read; give a BVH clip (.bvh), a Maya ASCII scene (.ma) or an FBX "
-        "scene (.fbx)");
+  const bool gltf = extension == ".gltf" || extension == ".glb";
+  if (extension != ".bvh" && extension != ".ma" && extension != ".fbx" && !gltf) {
+    throw FormatError(file.string(), 0,
+                      "scene files of this kind are not read; give a BVH clip (.bvh), a Maya ASCII scene (.ma), an FBX "
+                      "scene (.fbx) or a glTF scene (.gltf, .glb)");
   }
   FileSource source(file);
   if (extension == ".fbx") return read_fbx(read_whole(source), source.name(), options);
+  if (gltf) {
+    const std::filesystem::path folder = file.parent_path();
+    return read_gltf(read_whole(source), source.name(), folder.empty() ? "." : folder, options);
+  }
   return extension == ".bvh" ? read_bvh(source, options) : read_maya_ascii(source, options);
 }
 

@@ -36,8 +36,8 @@ struct ReadOptions {
   std::string linear_unit;
 };
 
-// Reads a scene by its extension (".bvh", ".ma", ".fbx", in any case). Throws FormatError; an unknown extension names
-// the ones that are read. What the file holds that cannot be followed ends in Scene::warnings().
+// Reads a scene by its extension (".bvh", ".ma", ".fbx", ".gltf", ".glb", in any case). Throws FormatError; an unknown
+// extension names the ones that are read. What the file holds that cannot be followed ends in Scene::warnings().
 Scene read_scene(const std::filesystem::path& file, const ReadOptions& options = {});
 
 // Where the scene's name of a node differs from the one in the file (illegal characters, clashes, an end site), the
@@ -52,5 +52,8 @@ std::string name_in_file(const Scene& scene, NodeId node);
 Scene read_bvh(std::string_view text, const std::string& name, const ReadOptions& options = {});
 Scene read_maya_ascii(std::string_view text, const std::string& name, const ReadOptions& options = {});
 Scene read_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options = {});
+// Buffers of their own lie in `folder` or below it; where it is empty, none are read.
+Scene read_gltf(std::string bytes, const std::string& name, const std::filesystem::path& folder = {},
+                const ReadOptions& options = {});
 
 }  // namespace vantorelix::standalone

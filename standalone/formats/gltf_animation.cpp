@@ -1,0 +1,262 @@
+#include "standalone/formats/gltf_animation.h"
+
+#include <cgltf.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+#include <set>
+#include <unordered_map>
+#include <utility>
+
+#include "standalone/formats/gltf_rotation.h"
+#include "standalone/formats/text_input.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+// What keeping a key takes: of a curve, with the vectors that it is built from, and of a track.
+constexpr std::uint64_t kCurveKeyBytes = 160;
+constexpr std::uint64_t kTrackKeyBytes = sizeof(GltfRotation::Key) + sizeof(double);
+
+std::string_view attribute_of(cgltf_animation_path_type path) {
+  switch (path) {
+    case cgltf_animation_path_type_translation:
+      return "translate";
+    case cgltf_animation_path_type_rotation:
+      return "rotate";
+    case cgltf_animation_path_type_scale:
+      return "scale";
+    default:
+      return {};
+  }
+}
+
+GltfInterpolation interpolation_of(const cgltf_animation_sampler& sampler) {
+  switch (sampler.interpolation) {
+    case cgltf_interpolation_type_step:
+      return GltfInterpolation::step;
+    case cgltf_interpolation_type_cubic_spline:
+      return GltfInterpolation::cubic_spline;
+    default:
+      return GltfInterpolation::linear;
+  }
+}
+
+// Times are single precision: one that is meant to be a whole frame is a little off.
+double first_frame(double frame) { return std::floor(frame + std::max(1e-4, std::abs(frame) * 1e-6)); }
+double last_frame(double frame) { return std::ceil(frame - std::max(1e-4, std::abs(frame) * 1e-6)); }
+
+class ClipReader {
+ public:
+  ClipReader(GltfDocument& document, const std::vector<NodeId>& nodes, Scene& scene)
+      : document_(document), nodes_(nodes), scene_(scene), fps_(scene.frames_per_second()) {}
+
+  void read(const std::string& wanted) {
+    const cgltf_data& data = document_.data();
+    if (data.animations_count == 0) {
+      if (!wanted.empty()) document_.fail("there is no clip " + shown(wanted) + ": the file has none");
+      scene_.set_playback_range(0.0, 0.0);
+      return;
+    }
+    std::vector<Take> takes;
+    for (std::size_t i = 0; i < data.animations_count; ++i) takes.push_back(take_of(data.animations[i], i));
+    const std::size_t chosen = choose(takes, wanted);
+    scene_.set_playback_range(takes[chosen].first, takes[chosen].last);
+    scene_.set_takes(std::move(takes), chosen);
+    for (std::size_t i = 0; i < data.animations[chosen].channels_count; ++i) {
+      drive(data.animations[chosen].channels[i], i);
+    }
+  }
+
+ private:
+  struct Times {
+    std::vector<double> frames;     // strictly ascending
+    std::vector<std::size_t> kept;  // which of the file's keys they are
+    std::size_t in_file = 0;
+  };
+
+  // Whether the channel moves a node that is there. One that cannot be followed leaves a warning where it is `told`.
+  bool is_followed(const cgltf_animation_channel& channel, bool told) {
+    if (channel.target_path == cgltf_animation_path_type_weights) return false;  // moves no origin
+    if (attribute_of(channel.target_path).empty() || channel.target_node == nullptr) {
+      if (told) scene_.warn("an animation channel without a node, or of an unknown path, is not followed");
+      return false;
+    }
+    return node_of(channel) != kNoNode;
+  }
+
+  NodeId node_of(const cgltf_animation_channel& channel) const {
+    return nodes_[static_cast<std::size_t>(channel.target_node - document_.data().nodes)];
+  }
+
+  Take take_of(const cgltf_animation& clip, std::size_t number) {
+    Take take = {unique_name(gltf_text(clip.name), number), 0.0, 0.0};
+    bool any = false;
+    for (std::size_t i = 0; i < clip.channels_count; ++i) {
+      if (!is_followed(clip.channels[i], false)) continue;
+      const Times& times = times_of(*clip.channels[i].sampler->input);
+      const double first = first_frame(times.frames.front()), last = last_frame(times.frames.back());
+      take.first = any ? std::min(take.first, first) : first;
+      take.last = any ? std::max(take.last, last) : last;
+      any = true;
+    }
+    take.last = std::max(take.first, take.last);
+    return take;
+  }
+
+  // Clips without a name are "clip<number>"; of equal names all but the first get their number behind.
+  std::string unique_name(std::string name, std::size_t number) {
+    if (name.empty()) name = "clip" + std::to_string(number);
+    while (!names_.insert(name).second) name += "_" + std::to_string(number);
+    return name;
+  }
+
+  std::size_t choose(const std::vector<Take>& takes, const std::string& wanted) const {
+    if (wanted.empty()) return 0;
+    std::string known;
+    for (std::size_t i = 0; i < takes.size(); ++i) {
+      if (takes[i].name == wanted) return i;
+      if (i < 20) known += (i == 0 ? "" : ", ") + shown(takes[i].name);
+    }
+    if (takes.size() > 20) known += ", ...";
+    document_.fail("there is no clip " + shown(wanted) + "; the file has " + known);
+  }
+
+  const Times& times_of(const cgltf_accessor& accessor) {
+    const auto known = times_.find(&accessor);
+    if (known != times_.end()) return known->second;
+    const std::string label = "accessor " + std::to_string(&accessor - document_.data().accessors);
+    if (accessor.type != cgltf_type_scalar || accessor.component_type != cgltf_component_type_r_32f) {
+      document_.fail(label + " holds key times and is no list of floats; export the file again");
+    }
+    const std::vector<double> seconds = document_.numbers(accessor);
+    if (seconds.empty()) document_.fail(label + " holds key times, but none; export the file again");
+    document_.take(seconds.size(), 2 * sizeof(double));
+    Times times;
+    times.in_file = seconds.size();
+    for (std::size_t i = 0; i < seconds.size(); ++i) {
+      const double frame = seconds[i] * fps_;
+      if (i != 0 && seconds[i] < seconds[i - 1]) {
+        document_.fail(label + " holds key times that go back; export the file again");
+      }
+      if (!times.frames.empty() && frame == times.frames.back()) {
+        scene_.warn("of two keys at the same time only the later counts");
+        times.kept.back() = i;
+      } else {
+        times.frames.push_back(frame);
+        times.kept.push_back(i);
+      }
+    }
+    return times_.emplace(&accessor, std::move(times)).first->second;
+  }
+
+  // The numbers of a channel's keys; of a spline three for each: in tangent, value, out tangent.
+  std::vector<double> values_of(const cgltf_animation_channel& channel, const Times& times) {
+    const cgltf_accessor& output = *channel.sampler->output;
+    const std::string label = "accessor " + std::to_string(&output - document_.data().accessors);
+    const bool rotation = channel.target_path == cgltf_animation_path_type_rotation;
+    if (output.type != (rotation ? cgltf_type_vec4 : cgltf_type_vec3) ||
+        (!rotation && output.component_type != cgltf_component_type_r_32f)) {
+      document_.fail(label + " holds " + std::string(attribute_of(channel.target_path)) + " keys and is no list of " +
+                     (rotation ? "quaternions" : "three floats") + "; export the file again");
+    }
+    const std::size_t per_key = interpolation_of(*channel.sampler) == GltfInterpolation::cubic_spline ? 3 : 1;
+    if (output.count / per_key != times.in_file || output.count % per_key != 0) {
+      document_.fail(label + " has " + std::to_string(output.count) + " values for " + std::to_string(times.in_file) +
+                     " key times; the file is damaged, export it again");
+    }
+    return document_.numbers(output);
+  }
+
+  void drive(const cgltf_animation_channel& channel, std::size_t number) {
+    if (!is_followed(channel, true)) return;
+    const NodeId node = node_of(channel);
+    if (!driven_.insert({node, static_cast<int>(channel.target_path)}).second) {
+      scene_.warn("a second animation channel of the same node and path is not followed");
+      return;
+    }
+    const Times& times = times_of(*channel.sampler->input);
+    const std::vector<double> values = values_of(channel, times);
+    if (channel.target_node->has_matrix) {
+      scene_.warn(
+          "an animation channel moves a node that is given as a matrix, which takes the place of its part of it");
+    }
+    const bool rotation = channel.target_path == cgltf_animation_path_type_rotation;
+    document_.take(times.frames.size(), rotation ? kTrackKeyBytes : 3 * kCurveKeyBytes);
+    if (rotation) {
+      drive_rotation(node, interpolation_of(*channel.sampler), times, values, number);
+    } else {
+      for (std::size_t axis = 0; axis < 3; ++axis) drive_axis(node, channel, axis, times, values);
+    }
+  }
+
+  void drive_axis(NodeId node, const cgltf_animation_channel& channel, std::size_t axis, const Times& times,
+                  const std::vector<double>& values) {
+    const GltfInterpolation interpolation = interpolation_of(*channel.sampler);
+    std::vector<Key> keys;
+    keys.reserve(times.frames.size());
+    for (std::size_t i = 0; i < times.frames.size(); ++i) {
+      const double* const at =
+          values.data() + times.kept[i] * (interpolation == GltfInterpolation::cubic_spline ? 9 : 3);
+      Key key{times.frames[i], at[axis], Tangent::linear, Tangent::linear};
+      if (interpolation == GltfInterpolation::step) key.out = Tangent::step;
+      if (interpolation == GltfInterpolation::cubic_spline) {
+        key.value = at[3 + axis];
+        key.in = key.out = Tangent::fixed;
+        key.in_y = at[axis];  // a second, as in_x
+        key.out_y = at[6 + axis];
+      }
+      keys.push_back(key);
+    }
+    const bool translation = channel.target_path == cgltf_animation_path_type_translation;
+    const std::string attribute = std::string(attribute_of(channel.target_path)) + "XYZ"[axis];
+    const NodeId curve = scene_.create_curve(translation ? CurveKind::linear : CurveKind::unitless,
+                                             std::string(scene_.short_name(node)) + "_" + attribute);
+    scene_.assign_curve(curve, std::move(keys), false, Infinity::constant, Infinity::constant);
+    scene_.connect(curve, "output", node, attribute);
+  }
+
+  void drive_rotation(NodeId node, GltfInterpolation interpolation, const Times& times,
+                      const std::vector<double>& values, std::size_t number) {
+    const auto quaternion = [&values](std::size_t at) {
+      return Quaternion{values[4 * at], values[4 * at + 1], values[4 * at + 2], values[4 * at + 3]};
+    };
+    std::vector<GltfRotation::Key> keys;
+    keys.reserve(times.frames.size());
+    for (const std::size_t i : times.kept) {
+      GltfRotation::Key key;
+      if (interpolation == GltfInterpolation::cubic_spline) {
+        key = {quaternion(3 * i + 1), quaternion(3 * i), quaternion(3 * i + 2)};
+      } else {
+        key.value = quaternion(i);
+      }
+      if (Quaternion q = key.value; !normalise(q)) {
+        document_.fail("channel " + std::to_string(number) + " of the clip has a rotation of length 0 at its key " +
+                       std::to_string(i) + "; correct it or export again");
+      }
+      keys.push_back(key);
+    }
+    const NodeId track =
+        scene_.create_track(std::make_shared<GltfRotation>(times.frames, std::move(keys), interpolation, fps_),
+                            std::string(scene_.short_name(node)) + "_rotate");
+    scene_.connect(track, "output", node, "rotate");
+  }
+
+  GltfDocument& document_;
+  const std::vector<NodeId>& nodes_;
+  Scene& scene_;
+  double fps_;
+  std::unordered_map<const cgltf_accessor*, Times> times_;
+  std::set<std::pair<NodeId, int>> driven_;
+  std::set<std::string> names_;
+};
+
+}  // namespace
+
+void read_clips(GltfDocument& document, const std::vector<NodeId>& nodes, const std::string& wanted, Scene& scene) {
+  ClipReader(document, nodes, scene).read(wanted);
+}
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,91 @@
+// A glTF file as the library reads it, with the bytes behind it. For the files of this folder only.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct cgltf_accessor;
+struct cgltf_buffer;
+struct cgltf_buffer_view;
+struct cgltf_data;
+
+namespace vantorelix::standalone {
+
+// What a file may make us hold: this many times its bytes (and those of its external buffers), and a little for small
+// ones. Damaged files ask for more.
+class GltfAllowance {
+ public:
+  static constexpr std::uint64_t kTimes = 256;
+  static constexpr std::uint64_t kAlways = 64u << 20;
+
+  void add_input(std::uint64_t bytes) { left_ += bytes * kTimes; }
+  // False when `count` things of this size are too much.
+  bool take(std::uint64_t count, std::uint64_t size) {
+    if (count > left_ / size) return false;
+    left_ -= count * size;
+    return true;
+  }
+
+ private:
+  std::uint64_t left_ = kAlways;
+};
+
+class GltfDocument {
+ public:
+  // `bytes` is the whole file, .gltf or .glb; external buffers lie in `folder` or below it, and are refused where it is
+  // empty. Throws FormatError.
+  GltfDocument(std::string bytes, std::string name, std::filesystem::path folder);
+  ~GltfDocument();
+  GltfDocument(const GltfDocument&) = delete;
+  GltfDocument& operator=(const GltfDocument&) = delete;
+
+  const cgltf_data& data() const { return *data_; }
+
+  // The numbers of an accessor, one element after the other, sparse ones in place: floats as they are, normalised
+  // integers as the fractions they stand for. Only the types that animation has. Throws FormatError for anything that
+  // does not lie within its buffer, and for numbers that are not finite.
+  std::vector<double> numbers(const cgltf_accessor& accessor);
+
+  // Throws FormatError when `count` things of `size` bytes are more than such a file may ask for.
+  void take(std::uint64_t count, std::uint64_t size);
+  [[noreturn]] void fail(const std::string& text) const;
+
+ private:
+  void parse();
+  std::string_view json() const;
+  std::string_view bytes_of(const cgltf_buffer_view& view);
+  std::string_view bytes_of(const cgltf_buffer& buffer);
+  std::string decoded(const cgltf_buffer& buffer, const std::string& label);
+  std::string read_external(const cgltf_buffer& buffer, const std::string& label);
+  void place_sparse(const cgltf_accessor& accessor, std::size_t width, std::vector<double>& values);
+
+  std::string bytes_;
+  std::string name_;
+  std::filesystem::path folder_;
+  GltfAllowance allowance_;
+  std::unique_ptr<cgltf_data, void (*)(cgltf_data*)> data_;
+  std::map<const cgltf_buffer*, std::string> loaded_;
+  std::map<std::filesystem::path, bool> counted_;
+};
+
+// A string of the file without its JSON escapes; empty for null.
+std::string gltf_text(const char* raw);
+
+// Why the library refuses this JSON, as far as it can be told, and the line (0 for none).
+struct GltfFault {
+  std::size_t line = 0;
+  std::string text;
+};
+GltfFault find_fault(std::string_view json);
+
+// A node that is its own ancestor, or parents.size(), which also stands for no parent.
+std::size_t find_circle(const std::vector<std::size_t>& parents);
+std::string circle_text(std::size_t node);
+
+}  // namespace vantorelix::standalone
