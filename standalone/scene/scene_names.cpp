@@ -6,16 +6,6 @@
 namespace vantorelix::standalone {
 namespace {
 
-std::vector<std::string_view> components(std::string_view path) {
-  std::vector<std::string_view> parts;
-  while (true) {
-    const std::size_t bar = path.find('|');
-    parts.push_back(path.substr(0, bar));
-    if (bar == std::string_view::npos) return parts;
-    path.remove_prefix(bar + 1);
-  }
-}
-
 // ":name" and "name" are the same node: the root namespace.
 std::string_view without_root(std::string_view name) {
   if (name.starts_with(':')) name.remove_prefix(1);
@@ -41,25 +31,31 @@ bool glob(std::string_view pattern, std::string_view text) {
   return p == pattern.size();
 }
 
-// Whether the last components of the node's path are `parts`; all of them when it is anchored at the world.
+std::string_view last_part(std::string_view path) { return path.substr(path.rfind('|') + 1); }
+
+// Whether the node's path ends with `path`; is it where `path` starts with a bar.
 template <class Same>
-bool path_ends_with(const Scene::Data& scene, const Node& node, const std::vector<std::string_view>& parts,
-                    bool anchored, Same same) {
+bool path_ends_with(const Scene::Data& scene, const Node& node, std::string_view path, Same same) {
   const Node* at = &node;
-  for (std::size_t i = parts.size(); i-- > 0;) {
-    if (at == nullptr || !same(parts[i], scene.text(*at))) return false;
+  while (true) {
+    const std::string_view part = last_part(path);
+    if (at == nullptr || !same(part, scene.text(*at))) return false;
+    if (part.size() == path.size()) return true;
     at = at->parent == kWorld ? nullptr : scene.find(at->parent);
+    path.remove_suffix(part.size() + 1);
+    if (path.empty()) return at == nullptr && scene.is_dag(node);
   }
-  return !anchored || (at == nullptr && scene.is_dag(node));
 }
 
-// From the world down, one look-up a component.
-NodeId walk_down(const Scene::Data& scene, const std::vector<std::string_view>& parts) {
+// From the world down, one look-up a part: for names that many nodes have.
+NodeId walk_down(const Scene::Data& scene, std::string_view path) {
   NodeId at = kWorld;
-  for (const std::string_view part : parts) {
+  while (at != kNoNode && !path.empty()) {
+    path.remove_prefix(1);
+    const std::string_view part = path.substr(0, path.find('|'));
     const NameTable::Entry name = scene.names.find(part);
     at = name == NameTable::kNone ? kNoNode : scene.names.in_scope(at, name);
-    if (at == kNoNode) return kNoNode;
+    path.remove_prefix(part.size());
   }
   return at;
 }
@@ -104,15 +100,13 @@ std::string Scene::unique_name(NodeId node) const { return data_->unique_name(da
 NodeId Scene::find(std::string_view name) const {
   const Data& d = *data_;
   name = without_root(name);
-  const bool anchored = name.starts_with('|');
-  const auto parts = components(anchored ? name.substr(1) : name);
-  if (anchored) return walk_down(d, parts);
-  const NameTable::Entry last = d.names.find(parts.back());
+  const NameTable::Entry last = d.names.find(last_part(name));
   if (last == NameTable::kNone) return kNoNode;
   const std::vector<NodeId>& candidates = d.names.nodes(last);
+  if (name.starts_with('|') && candidates.size() > 1) return walk_down(d, name);
   NodeId found = kNoNode;
   for (const NodeId candidate : candidates) {
-    if (parts.size() > 1 && !path_ends_with(d, *d.find(candidate), parts, false, std::equal_to<>())) continue;
+    if (!path_ends_with(d, *d.find(candidate), name, std::equal_to<>())) continue;
     if (found != kNoNode) throw host::Error("More than one object matches name: " + std::string(name));
     found = candidate;
   }
@@ -128,14 +122,13 @@ NodeId Scene::require(std::string_view name) const {
 std::vector<NodeId> Scene::match(std::string_view pattern) const {
   const Data& d = *data_;
   pattern = without_root(pattern);
-  const bool anchored = pattern.starts_with('|');
-  const auto parts = components(anchored ? pattern.substr(1) : pattern);
   std::vector<NodeId> found;
   const auto consider = [&](NodeId id) {
-    if (path_ends_with(d, *d.find(id), parts, anchored, glob)) found.push_back(id);
+    if (path_ends_with(d, *d.find(id), pattern, glob)) found.push_back(id);
   };
-  if (parts.back().find_first_of("*?") == std::string_view::npos) {
-    const NameTable::Entry last = d.names.find(parts.back());
+  const std::string_view name = last_part(pattern);
+  if (name.find_first_of("*?") == std::string_view::npos) {
+    const NameTable::Entry last = d.names.find(name);
     if (last != NameTable::kNone)
       for (const NodeId id : d.names.nodes(last)) consider(id);
     std::sort(found.begin(), found.end());
