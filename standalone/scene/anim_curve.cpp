@@ -150,6 +150,19 @@ void AnimCurve::find_even_spacing() {
   even_count_ = between + 1.0;
 }
 
+void AnimCurve::evaluate(std::span<const double> frames, double* values, std::size_t& hint) const {
+  // Most are asked all on keys that are evenly spaced, or none.
+  bool on_keys = even_count_ > 0.0;
+  for (std::size_t i = 0; i < frames.size() && on_keys; ++i) {
+    const double place = (frames[i] - even_first_) * even_per_frame_ + 0.5;
+    on_keys = frames[i] >= even_first_ && place < even_count_;
+    const auto key = on_keys ? static_cast<std::ptrdiff_t>(place) : 0;
+    on_keys = on_keys && frames[i] == even_start(key);
+    values[i] = values_[static_cast<std::size_t>(key)];
+  }
+  for (std::size_t i = 0; i < frames.size() && !on_keys; ++i) values[i] = evaluate(frames[i], hint);
+}
+
 double AnimCurve::evaluate_elsewhere(double frame, std::size_t& hint) const {
   if (keys_.empty()) return 0.0;
   const Key& first = keys_.front();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
 #include "standalone/scene/curve_key.h"
@@ -65,6 +66,8 @@ class AnimCurve {
     }
     return evaluate_elsewhere(frame, hint);
   }
+  // Many at once, for less: values[i] is the value at frames[i].
+  void evaluate(std::span<const double> frames, double* values, std::size_t& hint) const;
   double evaluate(double frame) const {
     std::size_t hint = 0;
     return evaluate(frame, hint);

@@ -6,6 +6,7 @@
 #include <limits>
 #include <random>
 #include <tuple>
+#include <vector>
 
 #include "host/error.h"
 
@@ -410,6 +411,23 @@ TEST(AnimCurve, IsConstantOnlyWhenEveryFrameGivesTheSame) {
   EXPECT_TRUE(curve({key(0, 3), sloped}, Infinity::constant, Infinity::cycle).is_constant());
   sloped.in_y = 1.0;
   EXPECT_FALSE(curve({sloped}, Infinity::linear, Infinity::constant).is_constant());
+}
+
+TEST(AnimCurve, ManyFramesAtOnceGiveTheValuesOfEach) {
+  AnimCurve even, uneven;
+  for (int i = 0; i < 20; ++i) even.set_key(3 + 0.5 * i, std::sin(i));
+  for (int i = 0; i < 20; ++i) uneven.set_key(3 + 0.1 * i * i, std::sin(i));
+  std::vector<double> keys, all = {5.0, 5.25, -7.0, 100.0};
+  for (int i = 19; i >= 0; --i) keys.push_back(3 + 0.5 * i);
+  all.insert(all.begin(), keys.begin(), keys.end());
+  for (const AnimCurve& curve : {even, uneven, AnimCurve()}) {
+    for (const auto& frames : {keys, all, std::vector{5.0, 5.25}}) {
+      std::vector<double> values(frames.size(), 99.0);
+      std::size_t hint = 0;
+      curve.evaluate(frames, values.data(), hint);
+      for (std::size_t i = 0; i < frames.size(); ++i) EXPECT_EQ(values[i], curve.evaluate(frames[i])) << frames[i];
+    }
+  }
 }
 
 }  // namespace

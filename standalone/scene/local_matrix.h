@@ -145,7 +145,7 @@ inline bool is_scale_and_rotate(const Factors& f) {
 
 inline void set_scale_and_rotate(Affine& m, const Channels& c, const Factors& f) {
   const host::Vector angles = vector_at(c, Channel::rotateX);
-  set_rotation(m.m, angles.x, angles.y, angles.z, rotate_order_of(c));
+  set_rotation(m.m, sin_cos(angles.x, angles.y, angles.z), rotate_order_of(c));
   if (f.scale) scale_rows(m, c);
 }
 

@@ -1,6 +1,7 @@
 #include "standalone/scene/records.h"
 
 #include <algorithm>
+#include <bit>
 #include <unordered_set>
 
 #include "standalone/scene/scene_data.h"
@@ -121,22 +122,28 @@ void drive(Record& r, double frame, std::size_t first, std::size_t end) {
   }
 }
 
-// The upper rows and the shift, the channels being those of the frame.
-void move_rows(Record& r) {
-  if (is_scale_and_rotate(r.factors)) return set_scale_and_rotate(r.local, r.channels, r.factors);
-  const auto moves = [&r](std::uint64_t channels) { return (r.driven_mask & channels) != 0; };
-  if (moves(triple(Channel::rotateX) | bit(Channel::rotateOrder))) r.rotations.rotate = rotate_of(r.channels);
-  if (moves(triple(Channel::rotateAxisX))) r.rotations.axis = rotation_of(r.channels, Channel::rotateAxisX);
-  if (moves(triple(Channel::jointOrientX))) r.rotations.orient = rotation_of(r.channels, Channel::jointOrientX);
+bool drives(const Record& r, std::uint64_t channels) { return (r.driven_mask & channels) != 0; }
+
+// The upper rows and the shift, the channels and the rotation being those of the frame.
+inline void turn_rows(Record& r) {
+  if (drives(r, triple(Channel::rotateAxisX))) r.rotations.axis = rotation_of(r.channels, Channel::rotateAxisX);
+  if (drives(r, triple(Channel::jointOrientX))) r.rotations.orient = rotation_of(r.channels, Channel::jointOrientX);
   const Basis turned = turn(r.channels, r.factors, r.rotations);
   if (r.linear_moves) set_rows(r.local, r.channels, r.factors, turned);
   if (r.shift_moves) r.shift = pivot_shift(r.channels, r.factors, turned);
 }
 
+bool rows_move(const Record& r) { return r.linear_moves || r.shift_moves; }
+
 // Brings `local` to a frame.
 void move_local(Record& r, double frame) {
   drive(r, frame, 0, r.driven.size());
-  if (r.linear_moves || r.shift_moves) move_rows(r);
+  if (rows_move(r) && is_scale_and_rotate(r.factors)) {
+    set_scale_and_rotate(r.local, r.channels, r.factors);
+  } else if (rows_move(r)) {
+    if (drives(r, triple(Channel::rotateX) | bit(Channel::rotateOrder))) r.rotations.rotate = rotate_of(r.channels);
+    turn_rows(r);
+  }
   set_translation(r.local, placed(r.channels, r.factors, r.shift));
 }
 
@@ -163,21 +170,98 @@ void move_offset(Record& r, double frame) {
   }
 }
 
+// What a record's local matrices at some times of a chunk are made of, a column for each number.
+struct Block {
+  static constexpr std::size_t kMost = MatrixChunk::kSlots;
+  using Column = std::array<double, kMost>;
+
+  std::size_t size = 0;
+  std::array<std::size_t, kMost> places;  // in the chunk
+  Column frames;
+  std::array<Column, static_cast<std::size_t>(Channel::count)> channels;  // the driven ones
+  RotationColumns<kMost> rotation;                                        // when the rows move
+};
+
+void choose_times(Block& b, const TimeCache& cache, TimeCache::Slot slot, std::uint64_t wanted) {
+  const TimeCache::Slot first = slot - slot % MatrixChunk::kSlots;
+  for (; wanted != 0; wanted &= wanted - 1) {
+    const int place = std::countr_zero(wanted);
+    b.places[b.size] = static_cast<std::size_t>(place);
+    b.frames[b.size++] = cache.time(first + static_cast<TimeCache::Slot>(place));
+  }
+}
+
+void drive(Record& r, Block& b) {
+  for (DrivenChannel& d : r.driven) {
+    auto& values = b.channels[index(d.channel)];
+    if (d.curve) {
+      d.curve->evaluate({b.frames.data(), b.size}, values.data(), d.hint);
+    } else {
+      for (std::size_t i = 0; i < b.size; ++i) values[i] = value_of(r, d, b.frames[i]);
+    }
+  }
+  if (!rows_move(r) || !r.factors.rotate) return;
+  for (std::size_t c = index(Channel::rotateX); c <= index(Channel::rotateZ); ++c)
+    if ((r.driven_mask >> c & 1) == 0) b.channels[c].fill(r.channels[c]);
+  set_rotations(b.rotation, &b.channels[index(Channel::rotateX)], b.size, rotate_order_of(r.channels));
+}
+
+template <class Rows>
+void copy_rotation(Rows& rows, const Block& b, std::size_t i) {
+  for (std::size_t j = 0; j < 9; ++j) rows[j / 3][j % 3] = b.rotation[j][i];
+}
+
+// Brings `local` to a time of the block.
+void move_local(Record& r, const Block& b, std::size_t i) {
+  for (const DrivenChannel& d : r.driven) r.channels[index(d.channel)] = b.channels[index(d.channel)][i];
+  if (rows_move(r) && is_scale_and_rotate(r.factors)) {
+    copy_rotation(r.local.m, b, i);
+    if (r.factors.scale) scale_rows(r.local, r.channels);
+  } else if (rows_move(r)) {
+    if (r.factors.rotate) copy_rotation(r.rotations.rotate, b, i);
+    turn_rows(r);
+  }
+  set_translation(r.local, placed(r.channels, r.factors, r.shift));
+}
+
+// At once for all times of a chunk at which the parent's matrix is remembered: whoever asked for that one there will
+// ask for this one, too. False, and nothing done, where that is the time of this sample alone, or where there is more
+// to the matrix than channels and a parent.
+bool move_world_ahead(Evaluation& e, Record& r, MatrixChunk& own) {
+  if (!r.parent || r.offset_source || drives(r, bit(Channel::rotateOrder))) return false;
+  const MatrixChunk* const parents = e.cache.chunk_with(r.parent->cached, e.slot);
+  if (parents == nullptr || std::has_single_bit(parents->valid & ~own.valid)) return false;
+  Block b;
+  choose_times(b, e.cache, e.slot, parents->valid & ~own.valid);
+  drive(r, b);
+  for (std::size_t i = 0; i < b.size; ++i) {
+    move_local(r, b, i);
+    const Affine local = r.has_offset ? r.local * r.offset : r.local;
+    own.matrices[b.places[i]] = inherits(r) ? local * parents->matrices[b.places[i]] : local;
+  }
+  own.valid |= parents->valid;
+  return true;
+}
+
 // The world matrix, with those that it needs known.
 void move_world(Evaluation& e, Record& r) {
+  // Worth remembering: somebody else will ask for it at this time.
+  MatrixChunk* own = nullptr;
+  if (e.slot != TimeCache::kNone && (r.asked || r.dependents > 1)) own = e.cache.chunk_for(r.cached, e.slot);
+  r.stamp = e.stamp;
+  if (own != nullptr && move_world_ahead(e, r, *own)) {
+    r.current = &own->at(e.slot);
+    return;
+  }
   if (!r.driven.empty()) move_local(r, e.frame);
   move_offset(r, e.frame);
-  Affine* to = nullptr;
-  // Worth remembering: somebody else will ask for it at this time.
-  if (e.slot != TimeCache::kNone && (r.asked || r.dependents > 1)) to = e.cache.place(r.cached, e.slot);
-  if (to == nullptr) to = &r.world;
+  Affine& to = own != nullptr ? own->fill(e.slot) : r.world;
   if (inherits(r)) {
-    *to = (r.has_offset ? r.local * r.offset : r.local) * *r.parent->current;
+    to = (r.has_offset ? r.local * r.offset : r.local) * *r.parent->current;
   } else {
-    *to = r.has_offset ? r.local * r.offset : r.local;
+    to = r.has_offset ? r.local * r.offset : r.local;
   }
-  r.current = to;
-  r.stamp = e.stamp;
+  r.current = &to;
 }
 
 // Makes `current` of the record that of this sample: what it hangs on first, on a stack of our own, since chains may

@@ -112,29 +112,61 @@ inline void set_rotation_in_order(Rows& b, const SinCos& t) {
   b[K][K] = ci * cj;
 }
 
-// Angles in radians; `order` as Channel::rotateOrder counts them, anything else is xyz.
-template <class Rows>
-inline void set_rotation(Rows& rows, double x, double y, double z, int order) {
-  const SinCos t = sin_cos(x, y, z);
+// Calls `go` with the axes in the order in which Channel::rotateOrder counts them; anything else is xyz.
+template <class Go>
+inline void in_order(int order, const Go& go) {
   switch (order) {
     case 1:
-      return set_rotation_in_order<1, 2, 0>(rows, t);
+      return go.template operator()<1, 2, 0>();
     case 2:
-      return set_rotation_in_order<2, 0, 1>(rows, t);
+      return go.template operator()<2, 0, 1>();
     case 3:
-      return set_rotation_in_order<0, 2, 1>(rows, t);
+      return go.template operator()<0, 2, 1>();
     case 4:
-      return set_rotation_in_order<1, 0, 2>(rows, t);
+      return go.template operator()<1, 0, 2>();
     case 5:
-      return set_rotation_in_order<2, 1, 0>(rows, t);
+      return go.template operator()<2, 1, 0>();
     default:
-      return set_rotation_in_order<0, 1, 2>(rows, t);
+      return go.template operator()<0, 1, 2>();
   }
 }
 
+template <class Rows>
+inline void set_rotation(Rows& rows, const SinCos& t, int order) {
+  in_order(order, [&]<std::size_t I, std::size_t J, std::size_t K>() { set_rotation_in_order<I, J, K>(rows, t); });
+}
+
+// The nine numbers of many rotations, row by row, a column each.
+template <std::size_t Most>
+using RotationColumns = std::array<std::array<double, Most>, 9>;
+
+// Many at once for less, the same to the last bit. `angles` points at three columns: x, y, z.
+template <std::size_t Most>
+inline void set_rotations(RotationColumns<Most>& out, const std::array<double, Most>* angles, std::size_t count,
+                          int order) {
+  std::array<std::array<double, Most>, 3> sin, cos;
+  std::int64_t far = 0;
+  for (std::size_t c = 0; c < 3; ++c)
+    for (std::size_t i = 0; i < count; ++i) far += std::abs(angles[c][i]) <= kSinCosReach ? 0 : 1;
+  for (std::size_t c = 0; c < 3 && far == 0; ++c)
+    for (std::size_t i = 0; i < count; ++i) sin_cos_near(angles[c][i], sin[c][i], cos[c][i]);
+  for (std::size_t i = 0; i < count && far != 0; ++i) {
+    const SinCos t = sin_cos(angles[0][i], angles[1][i], angles[2][i]);
+    for (std::size_t c = 0; c < 3; ++c) sin[c][i] = t.sin[c], cos[c][i] = t.cos[c];
+  }
+  in_order(order, [&]<std::size_t I, std::size_t J, std::size_t K>() {
+    for (std::size_t i = 0; i < count; ++i) {
+      Basis b;
+      set_rotation_in_order<I, J, K>(b, {{sin[0][i], sin[1][i], sin[2][i]}, {cos[0][i], cos[1][i], cos[2][i]}});
+      for (std::size_t j = 0; j < 9; ++j) out[j][i] = b[j / 3][j % 3];
+    }
+  });
+}
+
+// Angles in radians.
 inline Basis rotation(double x, double y, double z, int order) {
   Basis b;
-  set_rotation(b, x, y, z, order);
+  set_rotation(b, sin_cos(x, y, z), order);
   return b;
 }
 

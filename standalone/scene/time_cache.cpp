@@ -44,7 +44,7 @@ void TimeCache::grow() {
   }
 }
 
-Affine* TimeCache::place(CachedMatrices& node, Slot slot) {
+MatrixChunk* TimeCache::chunk_for(CachedMatrices& node, Slot slot) {
   if (node.epoch != epoch_) {
     node.epoch = epoch_;
     node.chunks.clear();
@@ -61,8 +61,7 @@ Affine* TimeCache::place(CachedMatrices& node, Slot slot) {
     place = chunks_[used_++].get();
     place->valid = 0;
   }
-  place->valid |= std::uint64_t{1} << (slot % MatrixChunk::kSlots);
-  return &place->matrices[slot % MatrixChunk::kSlots];
+  return place;
 }
 
 void TimeCache::note_missing() {

@@ -14,8 +14,17 @@ namespace vantorelix::standalone {
 
 struct MatrixChunk {
   static constexpr std::uint32_t kSlots = 64;
+
   std::uint64_t valid = 0;  // a bit for each slot
   std::array<Affine, kSlots> matrices;
+
+  bool has(std::uint32_t slot) const { return (valid >> (slot % kSlots) & 1) != 0; }
+  const Affine& at(std::uint32_t slot) const { return matrices[slot % kSlots]; }
+  // Valid from now on: to be written at once.
+  Affine& fill(std::uint32_t slot) {
+    valid |= std::uint64_t{1} << (slot % kSlots);
+    return matrices[slot % kSlots];
+  }
 };
 
 // One node's share.
@@ -45,18 +54,22 @@ class TimeCache {
         if (times_[next] == bits) return last_ = next;
     return look_up(bits);
   }
+  double time(Slot slot) const { return std::bit_cast<double>(times_[slot]); }
   // Null when it is not there.
   const Affine* find(const CachedMatrices& node, Slot slot) {
-    const std::size_t chunk = slot / MatrixChunk::kSlots;
-    if (node.epoch == epoch_ && chunk < node.chunks.size() && node.chunks[chunk] != nullptr &&
-        (node.chunks[chunk]->valid >> (slot % MatrixChunk::kSlots) & 1) != 0) {
-      ++found_;
-      return &node.chunks[chunk]->matrices[slot % MatrixChunk::kSlots];
-    }
-    return nullptr;
+    const MatrixChunk* const chunk = chunk_with(node, slot);
+    if (chunk == nullptr) return nullptr;
+    ++found_;
+    return &chunk->at(slot);
   }
-  // Where the matrix is to be written at once; null when there is no room.
-  Affine* place(CachedMatrices& node, Slot slot);
+  // The chunk that has the matrix, and maybe those at other times; null when it is not there.
+  const MatrixChunk* chunk_with(const CachedMatrices& node, Slot slot) const {
+    const std::size_t chunk = slot / MatrixChunk::kSlots;
+    if (node.epoch != epoch_ || chunk >= node.chunks.size()) return nullptr;
+    return node.chunks[chunk] != nullptr && node.chunks[chunk]->has(slot) ? node.chunks[chunk] : nullptr;
+  }
+  // Where the matrix is to be filled in; null when there is no room.
+  MatrixChunk* chunk_for(CachedMatrices& node, Slot slot);
 
  private:
   Slot look_up(std::uint64_t bits);

@@ -19,7 +19,7 @@ TEST(TimeCache, FindsWhatWasPlacedUntilItIsCleared) {
   CachedMatrices node, other;
   const TimeCache::Slot slot = cache.slot(3.5);
   EXPECT_EQ(cache.find(node, slot), nullptr);
-  cache.place(node, slot)->m[3][0] = 7;
+  cache.chunk_for(node, slot)->fill(slot).m[3][0] = 7;
   ASSERT_NE(cache.find(node, slot), nullptr);
   EXPECT_EQ(cache.find(node, slot)->m[3][0], 7);
   EXPECT_EQ(cache.find(other, slot), nullptr);
@@ -32,7 +32,7 @@ TEST(TimeCache, KeepsWithinItsMemory) {
   TimeCache cache;
   std::vector<CachedMatrices> nodes(5000);
   std::size_t placed = 0;
-  for (auto& node : nodes) placed += cache.place(node, cache.slot(1.0)) != nullptr ? 1 : 0;
+  for (auto& node : nodes) placed += cache.chunk_for(node, cache.slot(1.0)) != nullptr ? 1 : 0;
   EXPECT_EQ(placed, TimeCache::kMostChunks);
 }
 

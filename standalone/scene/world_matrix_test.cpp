@@ -246,6 +246,26 @@ TEST(Evaluator, GivesTheBitsOfTheAttributeQueryThroughAllEdits) {
   EXPECT_GT(moving, 3000u);  // else this says little
 }
 
+TEST(Evaluator, HugeAnglesAndInheritanceThatComesAndGoesAreAsTheAttributeQuerySays) {
+  Scene s;
+  std::vector<NodeId> nodes = {kWorld};
+  for (const std::size_t parent : {0u, 1u, 1u, 3u, 4u}) {  // a chain, and a sibling of its second
+    nodes.push_back(s.create_node("transform", "n", nodes[parent]));
+    s.set_channel(nodes.back(), Channel::translateX, 1);
+    s.set_key(nodes.back(), Channel::rotateY, 0, 0);
+    s.set_key(nodes.back(), Channel::rotateY, 300, nodes.size() == 5 ? 1e6 : 10);
+  }
+  for (const auto& [frame, value] : {std::pair(0, 0), {100, 0}, {101, 1}, {300, 1}})
+    s.set_key(nodes[3], Channel::inheritsTransform, frame, value);
+  for (std::size_t i = 1; i < nodes.size(); ++i) {
+    Evaluator e(s, nodes[i]);
+    for (int frame = 0; frame < 300; ++frame) {
+      const host::Vector fast = e.translation(frame), plain = s.world_matrix(nodes[i], frame).translation();
+      ASSERT_TRUE(same_bits(fast.x, plain.x) && same_bits(fast.z, plain.z)) << i << " at " << frame;
+    }
+  }
+}
+
 TEST(Evaluator, NoticesEditsOfEveryKind) {
   Scene s;
   const NodeId a = s.create_node("transform", "a"), b = s.create_node("transform", "b", a);
