@@ -8,8 +8,8 @@
 namespace vantorelix::standalone {
 namespace {
 
-// Handles are stored in single precision.
-constexpr double kHandleRounding = 1e-6;
+// Handles are stored in single precision, and what the library calls a third is 0.333333.
+constexpr double kHandleRounding = 2e-6;
 
 // Whether a handle reaches a third of its span, so that time passes evenly along it.
 bool is_even(double reach, double length) { return std::abs(3.0 * reach - length) <= kHandleRounding * length; }
@@ -115,8 +115,11 @@ class LibraryTrack : public Track {
     const double seconds = clock_.seconds(frame);
     std::array<double, 3> values = {property_.unit, property_.unit, property_.unit};
     for (const ufbx_node* node : property_.nodes) {
-      const ufbx_vec3 v =
-          ufbx_evaluate_prop_len(property_.anim, &node->element, property_.name, name_length_, seconds).value_vec3;
+      const ufbx_prop found =
+          ufbx_evaluate_prop_len(property_.anim, &node->element, property_.name, name_length_, seconds);
+      // What a file leaves out is at rest.
+      if ((found.flags & UFBX_PROP_FLAG_NOT_FOUND) != 0) continue;
+      const ufbx_vec3 v = found.value_vec3;
       values = {values[0] * v.x, values[1] * v.y, values[2] * v.z};
     }
     for (std::size_t k = 0; k < values.size(); ++k)

@@ -30,8 +30,9 @@ bool is_convertible(const ufbx_anim_curve& curve);
 // A property of three components that several layers drive, or that several nodes multiply: evaluated by the library.
 struct FbxProperty {
   const ufbx_anim* anim;
-  std::vector<const ufbx_node*> nodes;  // their values are multiplied, component by component
-  const char* name;                     // "Lcl Rotation"
+  std::vector<const ufbx_node*>
+      nodes;         // their values are multiplied, component by component; one must have the property
+  const char* name;  // "Lcl Rotation"
   double unit;
   std::array<double, 3> otherwise;  // where a value is not finite
 };

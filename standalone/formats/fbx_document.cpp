@@ -41,7 +41,7 @@ class Progress {
   }
 
   const ReadOptions& options_;
-  std::chrono::steady_clock::time_point reported_ = std::chrono::steady_clock::now();
+  std::chrono::steady_clock::time_point reported_;
   std::exception_ptr thrown_;
 };
 
@@ -52,6 +52,7 @@ std::string error_text(const ufbx_error& error) {
     case UFBX_ERROR_TRUNCATED_FILE:
       return "the file ends in the middle; it is cut off, export it again";
     case UFBX_ERROR_UNRECOGNIZED_FILE_FORMAT:
+    case UFBX_ERROR_FEATURE_DISABLED:  // another format that the library could read
       return "this is no FBX file; check what it is, or export it again";
     case UFBX_ERROR_UNSUPPORTED_VERSION:
       return "this version of FBX is not read; export it as FBX 6.1 or later";
@@ -69,6 +70,22 @@ std::string error_text(const ufbx_error& error) {
   std::string what(error.description.data, error.description.length);
   if (error.info_length > 0) what += " (" + std::string(error.info, error.info_length) + ")";
   return "the file is damaged: " + shown(what) + "; export it again";
+}
+
+// Whether a text ends inside braces, which the library does not mind.
+bool is_cut_off(std::string_view text) {
+  std::size_t open = 0;
+  for (std::size_t i = text.find_first_of("{}\";"); i < text.size(); i = text.find_first_of("{}\";", i + 1)) {
+    if (text[i] == '{') {
+      ++open;
+    } else if (text[i] == '}') {
+      if (open > 0) --open;
+    } else {
+      i = text.find(text[i] == ';' ? '\n' : '"', i + 1);
+      if (i == std::string_view::npos) break;
+    }
+  }
+  return open > 0;
 }
 
 // The rates that television made of whole ones are told rounded.
@@ -93,7 +110,6 @@ double rate_of(const ufbx_scene_settings& settings) {
 FbxDocument load_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options) {
   Progress progress(options);
   ufbx_load_opts load = {};
-  load.file_format = UFBX_FILE_FORMAT_FBX;
   load.ignore_geometry = true;
   load.ignore_embedded = true;
   load.node_depth_limit = kMaxDepth;
@@ -108,6 +124,9 @@ FbxDocument load_fbx(std::string_view bytes, const std::string& name, const Read
                              [](const ufbx_scene* scene) { ufbx_free_scene(const_cast<ufbx_scene*>(scene)); });
   progress.rethrow();
   if (!document) throw FormatError(name, 0, error_text(error));
+  if (document->metadata.ascii && is_cut_off(bytes)) {
+    throw FormatError(name, 0, "the file ends in the middle; it is cut off, export it again");
+  }
   return document;
 }
 

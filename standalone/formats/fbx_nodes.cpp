@@ -66,9 +66,10 @@ bool FbxReader::is_joint(const ufbx_node& node) const {
 
 void FbxReader::create_nodes() {
   const ufbx_node_list& nodes = document_->nodes;
-  // Every file tells what its top nodes hang on.
-  if (nodes.count > 1 && document_->connections_src.count == 0) {
-    throw FormatError(name_, 0, "the file ends before it says what belongs to what; it is cut off, export it again");
+  // Every scene has a node, and tells what its top nodes hang on.
+  if (nodes.count < 2 || document_->connections_src.count == 0) {
+    throw FormatError(name_, 0,
+                      "the file ends before its nodes and what hangs on what; it is cut off, export it again");
   }
   ids_.assign(nodes.count, kWorld);
   // Parents come before their children.
