@@ -34,6 +34,9 @@ TrailView read_trail(const Scene& scene, const Trail& trail) {
   data.viz = scene.short_name(trail.viz);
   data.source = scene.long_name(trail.source);
   data.name = standalone::name_in_file(scene, trail.source);
+  if (scene.has_attribute(trail.source, standalone::kNumberInFile)) {
+    data.node = scene.attribute(trail.source, standalone::kNumberInFile).to_int();
+  }
   data.samples_per_frame = _samples_per_frame(trail.samples_per_frame);
   data.color_mode = scene.attribute(shape, "colorMode").to_int();
   data.start_frame = scene.attribute(shape, "startFrame").to_float();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,9 +14,10 @@ namespace vantorelix::cli {
 
 // One trail as its viz node shows it. The arrays share the node's storage.
 struct TrailView {
-  std::string viz;     // short name of the viz transform
-  std::string source;  // long path of the object
-  std::string name;    // the object's own name in its file, whatever its bytes
+  std::string viz;                   // short name of the viz transform
+  std::string source;                // long path of the object
+  std::string name;                  // the object's own name in its file, whatever its bytes
+  std::optional<std::int64_t> node;  // its number in a file that numbers its nodes
   std::int64_t samples_per_frame = 1;
   std::int64_t color_mode = 0;
   double start_frame = 0.0;

@@ -84,6 +84,18 @@ TEST_F(WritersTest, JsonHoldsNullForWhatIsNotFiniteAndReplacesBytesThatAreNoUtf8
   EXPECT_EQ(trail["source"].get<std::string>(), "|a,\"b\"");
 }
 
+TEST_F(WritersTest, JsonHoldsTheNumberOfANodeWhereItsFileHasNumbers) {
+  TrailReport report = report_of({{0, 0, 0}, {1, 2, 3}});
+  report.trails.push_back(report.trails[0]);
+  report.trails[1].node = 17;
+  OutputFile out(folder_ / "a.json");
+  write_json(out, report);
+  out.commit();
+  const auto trails = nlohmann::json::parse(read("a.json"))["trails"];
+  EXPECT_TRUE(trails[0]["node"].is_null());
+  EXPECT_EQ(trails[1]["node"].get<int>(), 17);
+}
+
 TEST_F(WritersTest, CsvQuotesNamesAndLeavesOutWhatIsNotFinite) {
   OutputFile out(folder_ / "a.csv");
   write_csv(out, report_of({{0, kNan, 0.5}, {1, 2, 3}}));

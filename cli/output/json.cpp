@@ -1,5 +1,6 @@
 #include <array>
 #include <cmath>
+#include <string>
 
 #include "cli/output/text.h"
 #include "cli/output/writers.h"
@@ -39,7 +40,7 @@ void write_trail(OutputFile& out, const TrailView& trail) {
   out << "    {\n      \"viz\": " << json_text(trail.viz);
   field("source") << json_text(trail.source);
   field("name") << json_text(trail.name);
-  field("node") << "null";
+  field("node") << (trail.node ? std::to_string(*trail.node) : "null");
   field("samples_per_frame") << trail.samples_per_frame;
   field("color_mode") << trail.color_mode;
   write_number(field("start_frame"), trail.start_frame);
