@@ -84,6 +84,7 @@ void GltfDocument::parse() {
   const cgltf_result result = cgltf_parse(&options, bytes_.data(), bytes_.size(), &data);
   if (result == cgltf_result_success) {
     data_.reset(data);
+    if (data->asset.version == nullptr) fail("there is no 'asset' with a 'version'; is this a glTF file?");
     return;
   }
   switch (result) {

@@ -86,10 +86,6 @@ GltfFault find_fault(std::string_view text) {
     return {line,
             "the JSON text is damaged or cut off at its byte " + std::to_string(error.byte) + "; export it again"};
   }
-  const json asset = document.is_object() ? document.value("asset", json()) : json();
-  if (!asset.is_object() || !asset.contains("version")) {
-    return {0, "there is no 'asset' with a 'version'; is this a glTF file?"};
-  }
   std::vector<std::size_t> parents;
   std::string fault = child_fault(list(document, "nodes"), parents);
   if (fault.empty()) fault = root_fault(list(document, "scenes"), parents);
