@@ -14,7 +14,6 @@
 
 namespace vantorelix::bench {
 
-using standalone::Channel;
 using standalone::NodeId;
 
 namespace {
@@ -45,9 +44,14 @@ double Session::make_trails() {
 }
 
 void Session::edit() {
-  edited_value_ += 0.01;
-  const NodeId curve = host_.scene().driving_curve(objects_.front(), Channel::translateX);
-  host_.scene().set_key(curve, host_.scene().curve(curve).keys().front().time, edited_value_);
+  standalone::Scene& scene = host_.scene();
+  for (const NodeId object : objects_) {
+    const auto curves = scene.driving_curves(object);
+    if (curves.empty()) continue;
+    const standalone::Key& key = scene.curve(curves.front()).keys().front();
+    return scene.set_key(curves.front(), key.time, key.value + 0.01);
+  }
+  throw std::runtime_error("no object has a curve to edit");
 }
 
 std::vector<double> Session::edit_and_rebuild() {

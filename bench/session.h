@@ -15,7 +15,7 @@ class Session {
 
   // create_trail of every object, then the rebuild queue until nothing is left: seconds.
   double make_trails();
-  // Moves one key of the first object, which voids every world matrix that the scene remembers.
+  // Moves one key of the first object that has any, which voids every world matrix that the scene remembers.
   void edit();
   // An edit, and the queue until every trail is exact again: seconds of each slice.
   std::vector<double> edit_and_rebuild();
@@ -29,7 +29,6 @@ class Session {
 
  private:
   std::vector<standalone::NodeId> objects_;
-  double edited_value_ = 0.0;
   standalone::Host host_;
 };
 

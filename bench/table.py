@@ -34,13 +34,14 @@ TIMES_LESS = 25.0
 BUDGET_MS = 8.0
 
 
-def run_benchmarks(pattern, repetitions):
+def run_benchmarks(pattern, repetitions, scenes):
     """Name -> the fastest repetition of it, as Google Benchmark reports it."""
+    environment = dict(os.environ, VANTORELIX_BENCH_SCENES=":".join(scenes))
     with tempfile.TemporaryDirectory() as folder:
         out = os.path.join(folder, "out.json")
         subprocess.run([os.path.join(BIN, "vantorelix_bench"), "--benchmark_filter=" + pattern,
                         "--benchmark_repetitions=%d" % repetitions, "--benchmark_out=" + out,
-                        "--benchmark_out_format=json"], check=True, stdout=sys.stderr)
+                        "--benchmark_out_format=json"], check=True, stdout=sys.stderr, env=environment)
         with open(out, encoding="utf-8") as file:
             report = json.load(file)
     best = {}
@@ -55,30 +56,43 @@ def run_benchmarks(pattern, repetitions):
     return best
 
 
-def run_peers(interpreters):
-    """Scene -> (seconds, who) of the fastest peer; empty when there is none."""
-    script = os.path.join(HERE, "peers", "blender_scenes.py")
+def reports_of_peers(interpreters, script, arguments, out):
+    """(threads, what the script wrote into `out`) for every peer, on one core and on two."""
+    script = os.path.join(HERE, "peers", script)
     peers = [("bpy of " + os.path.basename(os.path.dirname(os.path.dirname(i))), [i, script]) for i in interpreters]
     if shutil.which("blender"):
         peers.append(("blender", ["blender", "-b", "--factory-startup", "--python-exit-code", "1", "--python", script, "--"]))
+    for who, command in peers:
+        for threads in (1, 2):
+            cores = ["taskset", "-c", ",".join(str(core) for core in range(threads))]
+            print("peer: %s, %d threads" % (who, threads), file=sys.stderr)
+            if subprocess.run(cores + command + arguments, stdout=subprocess.DEVNULL).returncode:
+                sys.exit("the peer failed; see above, or leave it out with --no-peers")
+            with open(out, encoding="utf-8") as file:
+                yield threads, json.load(file)
+
+
+def note_fastest(best, scene, held, ways, version, threads):
+    for way, seconds in ways.items():
+        if scene not in best or seconds / held < best[scene][0]:
+            best[scene] = (seconds / held, "%s, %s, %d thread%s" % (version, way, threads, "s" * (threads > 1)))
+
+
+def run_peers(interpreters, frames_of_files):
+    """Scene -> (seconds, who) of the fastest peer, of a file's name seconds a sample; empty when there is none."""
     best = {}
     with tempfile.TemporaryDirectory() as folder:
-        clip = os.path.join(folder, "clip.bvh")
+        clip, out = os.path.join(folder, "clip.bvh"), os.path.join(folder, "out.json")
         with open(clip, "w", encoding="ascii") as file:
             subprocess.run([os.path.join(BIN, "vantorelix_bench_clip")], stdout=file, check=True)
-        for who, command in peers:
-            for threads in (1, 2):
-                out = os.path.join(folder, "out.json")
-                cores = ["taskset", "-c", ",".join(str(core) for core in range(threads))]
-                print("peer: %s, %d threads" % (who, threads), file=sys.stderr)
-                if subprocess.run(cores + command + [clip, out], stdout=subprocess.DEVNULL).returncode:
-                    sys.exit("the peer failed; see above, or leave it out with --no-peers")
-                with open(out, encoding="utf-8") as file:
-                    report = json.load(file)
-                for scene, ways in report["scenes"].items():
-                    for way, seconds in ways.items():
-                        if scene not in best or seconds < best[scene][0]:
-                            best[scene] = (seconds, "%s, %s, %d thread%s" % (report["version"], way, threads, "s" * (threads > 1)))
+        for threads, report in reports_of_peers(interpreters, "blender_scenes.py", [clip, out], out):
+            for scene, ways in report["scenes"].items():
+                note_fastest(best, scene, 1, ways, report["version"], threads)
+        files = [text for path, frames in frames_of_files.items() if path.endswith(".fbx") for text in (path, str(frames))]
+        if files:
+            for threads, report in reports_of_peers(interpreters, "blender_files.py", [out] + files, out):
+                for name, found in report["files"].items():
+                    note_fastest(best, name, found["objects"] * found["frames"], found["ways"], report["version"], threads)
     return best
 
 
@@ -130,6 +144,19 @@ def scene_rows(table, ours, peers):
         table.add(what, measured, recorded / TIMES_LESS, unit, "%.4g (%s)" % (peer, who), "%.1f" % (peer / measured))
 
 
+def file_rows(table, ours, peers, files):
+    for name in map(os.path.basename, files):
+        run = ours["file_trails/" + name]
+        measured = run["real_time"] * 1e-3 / run["unit"]
+        if name in peers:
+            seconds, who = peers[name]
+            table.add("trails of everything in " + name, measured, seconds * 1e6 / TIMES_LESS, "us a sample",
+                      "%.4g (%s)" % (seconds * 1e6, who), "%.1f" % (seconds * 1e6 / measured))
+        if "file_parse/" + name in ours:
+            table.add("loading %s, over the library's parsing" % name,
+                      ours["file_load/" + name]["real_time"] / ours["file_parse/" + name]["real_time"], 1.5, "x")
+
+
 def own_rows(table, ours):
     def time(name):
         return ours[name]["real_time"]
@@ -164,14 +191,18 @@ def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--bpy", action="append", default=[], metavar="PYTHON", help="an interpreter that has bpy")
     parser.add_argument("--no-peers", action="store_true", help="leave the peers out even where they are installed")
+    parser.add_argument("--scene", action="append", default=[], metavar="FILE", help="a scene file to measure too; an FBX "
+                        "file is opened by the peers as well")
     parser.add_argument("--repetitions", type=int, default=5)
     parser.add_argument("--record", metavar="FILE", help="also write the table to FILE, with the machine and the date")
     options = parser.parse_args(arguments)
 
-    ours = run_benchmarks(".", options.repetitions)
-    peers = {} if options.no_peers else run_peers(options.bpy)
+    ours = run_benchmarks(".", options.repetitions, [os.path.abspath(scene) for scene in options.scene])
+    frames = {os.path.abspath(s): int(ours["file_trails/" + os.path.basename(s)]["frames"]) for s in options.scene}
+    peers = {} if options.no_peers else run_peers(options.bpy, frames)
     table = Table()
     scene_rows(table, ours, peers)
+    file_rows(table, ours, peers, options.scene)
     own_rows(table, ours)
     print("\n".join(table.lines))
     if options.record:

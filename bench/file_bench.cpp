@@ -1,0 +1,65 @@
+// Scene files of the user's choice: VANTORELIX_BENCH_SCENES names them, separated by ":".
+#include <benchmark/benchmark.h>
+#include <ufbx.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+
+#include "bench/session.h"
+#include "standalone/formats/reader.h"
+
+namespace vantorelix::bench {
+namespace {
+
+using benchmark::State;
+namespace fs = std::filesystem;
+
+// Every object with keys of its own, over the scene's range.
+void file_trails(State& state, const fs::path& file) {
+  Stage stage{standalone::read_scene(file), {}};
+  for (const auto node : stage.scene.nodes())
+    if (stage.scene.is_transform(node) && stage.scene.is_animated(node)) stage.objects.push_back(node);
+  const auto samples = static_cast<std::size_t>(stage.scene.playback_max() - stage.scene.playback_min()) + 1;
+  state.counters["unit"] = static_cast<double>(samples * stage.objects.size());
+  state.counters["frames"] = static_cast<double>(samples);
+  Session session(std::move(stage));
+  for ([[maybe_unused]] auto _ : state) {
+    session.edit();
+    state.SetIterationTime(session.make_trails());
+    session.check(samples);
+    session.clear();
+  }
+}
+
+void file_load(State& state, const fs::path& file) {
+  for ([[maybe_unused]] auto _ : state) {
+    auto scene = standalone::read_scene(file);
+    benchmark::DoNotOptimize(scene);
+  }
+}
+
+// The library alone, as it comes.
+void file_parse(State& state, const fs::path& file) {
+  for ([[maybe_unused]] auto _ : state) {
+    ufbx_scene* const document = ufbx_load_file(file.c_str(), nullptr, nullptr);
+    if (document == nullptr) return state.SkipWithError("the library does not read this file");
+    ufbx_free_scene(document);
+  }
+}
+
+const bool kRegistered = [] {
+  const char* const named = std::getenv("VANTORELIX_BENCH_SCENES");
+  std::istringstream list(named ? named : "");
+  for (std::string path; std::getline(list, path, ':');) {
+    const fs::path file = path;
+    const std::string name = file.filename().string();
+    benchmark::RegisterBenchmark(("file_trails/" + name).c_str(), file_trails, file)->UseManualTime();
+    benchmark::RegisterBenchmark(("file_load/" + name).c_str(), file_load, file);
+    if (file.extension() == ".fbx") benchmark::RegisterBenchmark(("file_parse/" + name).c_str(), file_parse, file);
+  }
+  return true;
+}();
+
+}  // namespace
+}  // namespace vantorelix::bench

@@ -1,0 +1,85 @@
+"""Opens FBX files in Blender and times its own ways to the trails of everything that moves in them.
+
+    blender -b --factory-startup --python bench/peers/blender_files.py -- OUT.json FILE.fbx FRAMES...
+    python  bench/peers/blender_files.py OUT.json FILE.fbx FRAMES...        (an interpreter that has bpy)
+
+Motion paths of every animated object and of every bone of every armature, and a loop that sets each frame and reads
+their positions, over so many frames from the first of the file's actions on. OUT holds seconds, the fastest of three,
+with the number of objects.
+"""
+
+import json
+import os
+import sys
+import time
+
+import bpy
+import addon_utils  # found once bpy is there
+
+REPEATS = 3
+
+
+def fastest(function):
+    seconds = []
+    for _ in range(REPEATS):
+        start = time.perf_counter()
+        function()
+        seconds.append(time.perf_counter() - start)
+    return min(seconds)
+
+
+def open_file(path, frames):
+    bpy.ops.wm.read_factory_settings(use_empty=True)
+    addon_utils.enable("io_scene_fbx")
+    bpy.ops.import_scene.fbx(filepath=path)
+    scene = bpy.context.scene
+    for thing in scene.objects:  # what is hidden has no motion path
+        thing.hide_viewport = False
+        thing.hide_set(False)
+    scene.frame_start = int(min(action.frame_range[0] for action in bpy.data.actions))
+    scene.frame_end = scene.frame_start + frames - 1
+    return scene
+
+
+def paths(things, armatures):
+    """All motion paths, object by object of those that have bones, as the operators want it."""
+    view = bpy.context.view_layer
+    for thing in bpy.context.scene.objects:
+        thing.select_set(thing in things)
+    if things:
+        view.objects.active = things[0]
+        bpy.ops.object.paths_calculate(display_type="RANGE", range="SCENE")
+    for armature in armatures:
+        view.objects.active = armature
+        bpy.ops.object.mode_set(mode="POSE")
+        bpy.ops.pose.select_all(action="SELECT")
+        bpy.ops.pose.paths_calculate(display_type="RANGE", range="SCENE")
+        bpy.ops.object.mode_set(mode="OBJECT")
+
+
+def loop(scene, things, bones):
+    for frame in range(scene.frame_start, scene.frame_end + 1):
+        scene.frame_set(frame)
+        [thing.matrix_world.translation.copy() for thing in things]
+        [(armature.matrix_world @ bone.matrix).translation for armature, bone in bones]
+
+
+def measure(path, frames):
+    scene = open_file(path, frames)
+    things = [o for o in scene.objects if o.animation_data and o.animation_data.action]
+    armatures = [o for o in scene.objects if o.type == "ARMATURE"]
+    bones = [(armature, bone) for armature in armatures for bone in armature.pose.bones]
+    return {"objects": len(things) + len(bones), "frames": frames,
+            "ways": {"motion paths": fastest(lambda: paths(things, armatures)),
+                     "frame_set loop": fastest(lambda: loop(scene, things, bones))}}
+
+
+def main(out, *arguments):
+    files = zip(arguments[::2], map(int, arguments[1::2]))
+    report = {"version": "Blender " + bpy.app.version_string,
+              "files": {os.path.basename(path): measure(path, frames) for path, frames in files}}
+    with open(out, "w") as file:
+        json.dump(report, file)
+
+
+main(*(sys.argv[sys.argv.index("--") + 1:] if "--" in sys.argv else sys.argv[1:]))
