@@ -44,8 +44,8 @@ class Converter {
       const bool even = is_even(from_[i].right.dx, length) && is_even(from_[i + 1].left.dx, length);
       made_.weighted |= from_[i].interpolation == UFBX_INTERPOLATION_CUBIC && !even;
     }
-    made_.keys.reserve(count_);
-    for (std::size_t i = 0; i < count_; ++i) made_.keys.push_back(key(i));
+    made_.keys.resize(count_);
+    for (std::size_t i = 0; i < count_; ++i) set_key(i, made_.keys[i]);
     // Of keys at one time the last counts from there on, and the first up to there.
     for (std::size_t i = count_; i-- > 1;) {
       if (made_.keys[i - 1].time == made_.keys[i].time)
@@ -55,9 +55,8 @@ class Converter {
   }
 
  private:
-  Key key(std::size_t i) const {
+  void set_key(std::size_t i, Key& key) const {
     const ufbx_keyframe& from = from_[i];
-    Key key;
     key.time = clock_.frame(from.time);
     key.value = from.value * unit_;
     // What a curve that goes on straight leaves along is the other side's handle.
@@ -67,7 +66,6 @@ class Converter {
     set_handle(i > 0 ? from.left : from.right, i > 0 ? from.time - from_[i - 1].time : 0.0, key.in_x, key.in_y);
     set_handle(i + 1 < count_ ? from.right : from.left, i + 1 < count_ ? from_[i + 1].time - from.time : 0.0, key.out_x,
                key.out_y);
-    return key;
   }
 
   static Tangent tangent(ufbx_interpolation interpolation) {

@@ -17,7 +17,9 @@ constexpr double kRadians = std::numbers::pi / 180.0;
 std::array<double, 3> numbers_of(const ufbx_vec3& v) { return {v.x, v.y, v.z}; }
 
 std::array<double, 3> read_triple(const ufbx_node& node, const char* name, double rest) {
-  return numbers_of(ufbx_find_vec3(&node.props, name, {rest, rest, rest}));
+  ufbx_vec3 otherwise;
+  otherwise.x = otherwise.y = otherwise.z = rest;
+  return numbers_of(ufbx_find_vec3(&node.props, name, otherwise));
 }
 
 bool is_zero(const std::array<double, 3>& v) { return v[0] == 0.0 && v[1] == 0.0 && v[2] == 0.0; }
