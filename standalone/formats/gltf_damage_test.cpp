@@ -117,6 +117,7 @@ TEST(GltfDamage, DamagedJsonIsNamedWithItsLine) {
   EXPECT_THAT(gltf_error("{\"asset\": {\"version\": \"2.0\"},\n\"nodes\": [{]}"),
               HasSubstr("scene.gltf:2: the JSON text"));
   EXPECT_THAT(gltf_error("this is no glTF file"), HasSubstr("scene.gltf:1: the JSON text is damaged"));
+  EXPECT_THAT(gltf_error(GltfFile().node(R"("children": [1e9999])").text()), HasSubstr("a number in the JSON text is"));
   EXPECT_THAT(gltf_error("{\"nodes\": [{}, {}]}"), HasSubstr("there is no 'asset' with a 'version'"));
 }
 

@@ -85,6 +85,8 @@ GltfFault find_fault(std::string_view text) {
     const auto line = static_cast<std::size_t>(std::count(text.begin(), text.begin() + at, '\n')) + 1;
     return {line,
             "the JSON text is damaged or cut off at its byte " + std::to_string(error.byte) + "; export it again"};
+  } catch (const json::exception&) {
+    return {0, "a number in the JSON text is too large; correct it or export again"};
   }
   std::vector<std::size_t> parents;
   std::string fault = child_fault(list(document, "nodes"), parents);
