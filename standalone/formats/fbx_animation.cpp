@@ -61,7 +61,7 @@ void FbxReader::animate() {
 }
 
 void FbxReader::animate(const ufbx_node& node, std::size_t property, const Values& values) {
-  if (is_plain(node, property, values)) {
+  if (is_plain(values)) {
     connect_curves(node, property, *values[0].value);
   } else {
     connect_track({&node}, property);
@@ -69,12 +69,10 @@ void FbxReader::animate(const ufbx_node& node, std::size_t property, const Value
 }
 
 // Whether the property is what one layer's curves say, which may be edited then.
-bool FbxReader::is_plain(const ufbx_node& node, std::size_t property, const Values& values) const {
+bool FbxReader::is_plain(const Values& values) const {
   if (values.size() != 1) return false;
   const ufbx_anim_layer& layer = *anim_->layers[values[0].layer];
   if (values[0].layer != 0 && (layer.additive || layer.blended)) return false;
-  const ufbx_prop* const declared = ufbx_find_prop(&node.props, kFbxNodeProperties[property].name);
-  if (declared != nullptr && (declared->flags & UFBX_PROP_FLAG_CONNECTED) != 0) return false;
   const auto& curves = values[0].value->curves;
   return std::all_of(std::begin(curves), std::end(curves),
                      [](const ufbx_anim_curve* curve) { return curve == nullptr || is_convertible(*curve); });

@@ -150,7 +150,7 @@ bool is_convertible(const ufbx_anim_curve& curve) {
 }
 
 std::shared_ptr<const Track> make_fbx_track(FbxDocument document, FbxProperty property,
-                                            std::vector<const ufbx_anim_curve*> curves) {
+                                            const std::vector<const ufbx_anim_curve*>& curves) {
   return std::make_shared<LibraryTrack>(std::move(document), std::move(property), curves);
 }
 

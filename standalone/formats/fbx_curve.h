@@ -1,6 +1,8 @@
 // Animation of an FBX file in this house's terms. For the files of this folder only.
 #pragma once
 
+#include <array>
+#include <memory>
 #include <vector>
 
 #include "standalone/formats/fbx_document.h"
@@ -37,6 +39,6 @@ struct FbxProperty {
   std::array<double, 3> otherwise;  // where a value is not finite
 };
 std::shared_ptr<const Track> make_fbx_track(FbxDocument document, FbxProperty property,
-                                            std::vector<const ufbx_anim_curve*> curves);
+                                            const std::vector<const ufbx_anim_curve*>& curves);
 
 }  // namespace vantorelix::standalone

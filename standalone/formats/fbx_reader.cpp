@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "host/error.h"
+#include "standalone/formats/fbx_properties.h"
 #include "standalone/formats/maya_units.h"
 #include "standalone/formats/text_input.h"
 #include "standalone/scene/matrix.h"
@@ -139,6 +140,7 @@ void FbxReader::choose_take() {
 
 void FbxReader::note_unfollowed() {
   note_constraints();
+  note_connections();
   for (std::size_t i = 0; i < document_->cache_deformers.count; ++i) {
     scene_.warn("a point cache moves the points of a mesh, not its node, and is not read: the trail is the node's");
   }
@@ -149,19 +151,32 @@ void FbxReader::note_unfollowed() {
   }
 }
 
-// A node that a constraint moves counts as driven by something that is not followed: its rotate axis, which nothing
-// else drives, keeps its value.
 void FbxReader::note_constraints() {
   for (const ufbx_constraint* constraint : document_->constraints) {
     if (!constraint->active || constraint->weight == 0.0) continue;
     scene_.warn("the constraint " + shown(text_of(constraint->type_name)) +
                 " is not evaluated: what it drives keeps the value in the file; bake it before exporting");
     for (const ufbx_node* node : {constraint->node, constraint->ik_end_node}) {
-      if (node == nullptr || node->is_root) continue;
-      const NodeId driver = scene_.create_node("constraint", text_of(constraint->name));
-      scene_.connect(driver, "unfollowed", id_of(*node), "rotateAxis");
+      if (node != nullptr && !node->is_root) hold_as_unfollowed(*node, "constraint", text_of(constraint->name));
     }
   }
+}
+
+void FbxReader::note_connections() {
+  for (const ufbx_node* node : document_->nodes) {
+    for (const FbxNodeProperty& property : kFbxNodeProperties) {
+      const ufbx_prop* const found = node->is_root ? nullptr : ufbx_find_prop(&node->props, property.name);
+      if (found == nullptr || (found->flags & UFBX_PROP_FLAG_CONNECTED) == 0) continue;
+      scene_.warn("a property that another one drives keeps the value in the file; bake it before exporting");
+      hold_as_unfollowed(*node, "connection", property.name);
+    }
+  }
+}
+
+// Makes a node count as driven by something that is not followed: its rotate axis, which nothing else drives, keeps its
+// value.
+void FbxReader::hold_as_unfollowed(const ufbx_node& node, const char* what, const std::string& name) {
+  scene_.connect(scene_.create_node(what, name), "unfollowed", id_of(node), "rotateAxis");
 }
 
 Scene read_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options) {

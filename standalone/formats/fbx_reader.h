@@ -42,6 +42,8 @@ class FbxReader {
   void choose_take();
   void note_unfollowed();
   void note_constraints();
+  void note_connections();
+  void hold_as_unfollowed(const ufbx_node& node, const char* what, const std::string& name);
 
   // --- fbx_nodes.cpp
   void create_nodes();
@@ -57,7 +59,7 @@ class FbxReader {
   void connect_track(std::vector<const ufbx_node*> nodes, std::size_t property);
   void inherit_scales();
   void note_keys(double first, double last);
-  bool is_plain(const ufbx_node& node, std::size_t property, const Values& values) const;
+  bool is_plain(const Values& values) const;
   const Values* values_of(const ufbx_node& node, std::size_t property) const;
 
   NodeId id_of(const ufbx_node& node) const;

@@ -339,6 +339,15 @@ TEST(Fbx, WhatAConstraintMovesIsMarkedAndCounted) {
   EXPECT_EQ(scene.not_followed(scene.require("c")).size(), 1u);
 }
 
+TEST(Fbx, WhatAnotherPropertyDrivesIsMarkedAndCounted) {
+  FbxText text;
+  text.node("a", "", {{"Lcl Translation", {1, 2, 3}}}).node("b", "", {{"Lcl Translation", {4, 5, 6}}});
+  const Scene scene = read(text.drive("a", "b", "Lcl Translation"));
+  EXPECT_THAT(scene.warnings(), ElementsAre(Field(&Warning::kind, HasSubstr("another one drives"))));
+  EXPECT_THAT(scene.not_followed(scene.require("a")), IsEmpty());
+  EXPECT_EQ(scene.not_followed(scene.require("b")).size(), 1u);
+}
+
 TEST(Fbx, ARotationOrderThatIsNoneOfTheSixIsNamed) {
   EXPECT_THAT(read(FbxText().node("a", "", {{"RotationOrder", {6}}})).warnings(),
               Contains(Field(&Warning::kind, HasSubstr("rotation order"))));

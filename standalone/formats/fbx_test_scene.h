@@ -85,6 +85,12 @@ class FbxText {
     connections_ << "C: \"OP\"," << nodes_.at(node) << "," << id << ", \"Constrained object (Child)\"\n";
     return *this;
   }
+  // The property of one node drives the same one of another.
+  FbxText& drive(const std::string& from, const std::string& to, const std::string& name) {
+    connections_ << "C: \"PP\"," << nodes_.at(from) << ",\"" << name << "\"," << nodes_.at(to) << ",\"" << name
+                 << "\"\n";
+    return *this;
+  }
   // A connection between any two nodes, even one that makes no sense.
   FbxText& hang(const std::string& node, const std::string& parent) {
     connect(nodes_.at(node), nodes_.at(parent));
