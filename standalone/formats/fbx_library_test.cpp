@@ -118,10 +118,10 @@ TEST(FbxLibrary, AgreesOnPivotsAndOffsets) {
   expect_as_library(text, 0, 10, 0.37, 2e-4);
 }
 
-TEST(FbxLibrary, AgreesOnPostRotationsThatTurnByARightAngle) {
-  for (const double y : {90.0, -90.0}) {
+TEST(FbxLibrary, AgreesOnPostRotationsWhoseInverseTurnsByARightAngle) {
+  for (const auto& angles : std::vector<std::vector<double>>{{90, 40, 90}, {-90, 40, 90}, {25, 90, 25}, {0, 90, 0}}) {
     FbxText text;
-    text.node("a", "", {{"PostRotation", {25, y, 40}}}).node("b", "a", {{"Lcl Translation", {1, 2, 3}}});
+    text.node("a", "", {{"PostRotation", angles}}).node("b", "a", {{"Lcl Translation", {1, 2, 3}}});
     expect_as_library(text, 0, 0);
   }
 }

@@ -310,6 +310,13 @@ TEST(Fbx, AnotherAxisTurnsTheScene) {
   expect_at(read(placed(1, 1), turned('y')), "b", 0, 1, 12, 3);
 }
 
+TEST(Fbx, ASceneWhoseUpAxisIsTheOneAskedForIsNotTurnedWhereverItsFrontIs) {
+  FbxText text = placed(1, 1);
+  text.setting("FrontAxisSign", -1).setting("CoordAxisSign", -1);
+  expect_at(read(text, turned('y')), "b", 0, 1, 12, 3);
+  expect_at(read(text, turned('z')), "b", 0, -1, 3, 12);
+}
+
 TEST(Fbx, AnotherUnitScalesTheScene) {
   const Scene scene = read(placed(2, 100), turned(0, "cm"));
   EXPECT_EQ(scene.linear_unit(), "cm");
