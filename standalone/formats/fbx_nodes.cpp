@@ -49,10 +49,9 @@ std::array<double, 3> inverse_angles(const std::array<double, 3>& angles) {
   if (turns <= 1) return {-angles[0], -angles[1], -angles[2]};
   const Basis there = rotation(angles[0], angles[1], angles[2], 0);
   const auto back = [&there](std::size_t row, std::size_t column) { return there[column][row]; };
-  const double sine = -back(0, 2);
-  const double y = std::asin(std::clamp(sine, -1.0, 1.0));
-  // Turned by a right angle, the other two axes are one.
-  if (std::abs(sine) > 1.0 - 1e-14) return {std::atan2(-back(2, 1), back(1, 1)), y, 0.0};
+  // Where this is a right angle the others still come out right: only right angles lead there, and the cosine of one is
+  // tiny but not zero.
+  const double y = std::asin(std::clamp(-back(0, 2), -1.0, 1.0));
   return {std::atan2(back(1, 2), back(2, 2)), y, std::atan2(back(0, 1), back(0, 0))};
 }
 
