@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <string_view>
+#include <utility>
 
 namespace vantorelix::standalone {
 namespace {
@@ -110,6 +113,18 @@ class LibraryTrack : public Track {
   }
 
   std::array<double, 3> at(double frame) const override {
+    // Each component is asked for on its own.
+    if (frame != last_frame_) {
+      last_values_ = evaluate(frame);
+      last_frame_ = frame;
+    }
+    return last_values_;
+  }
+  const std::vector<double>& key_times() const override { return key_times_; }
+  bool moves() const override { return moves_; }
+
+ private:
+  std::array<double, 3> evaluate(double frame) const {
     const double seconds = clock_.seconds(frame);
     std::array<double, 3> values = {property_.unit, property_.unit, property_.unit};
     for (const ufbx_node* node : property_.nodes) {
@@ -124,16 +139,15 @@ class LibraryTrack : public Track {
       if (!std::isfinite(values[k])) values[k] = property_.otherwise[k];
     return values;
   }
-  const std::vector<double>& key_times() const override { return key_times_; }
-  bool moves() const override { return moves_; }
 
- private:
   FbxDocument document_;
   FbxProperty property_;
   FbxClock clock_;
   std::size_t name_length_ = std::string_view(property_.name).size();
   std::vector<double> key_times_;
   bool moves_ = false;
+  mutable double last_frame_ = std::numeric_limits<double>::quiet_NaN();
+  mutable std::array<double, 3> last_values_{};
 };
 
 }  // namespace
