@@ -16,7 +16,7 @@ struct FbxNodeProperty {
   double rest;  // of each component, where the file does not say
 };
 
-inline constexpr std::size_t kFbxRotation = 1, kFbxScaling = 2, kFbxPreRotation = 3;
+inline constexpr std::size_t kFbxTranslation = 0, kFbxRotation = 1, kFbxScaling = 2, kFbxPreRotation = 3;
 inline constexpr std::array<FbxNodeProperty, 8> kFbxNodeProperties = {
     {{"Lcl Translation", Channel::translateX, "translate", CurveKind::linear, 0.0},
      {"Lcl Rotation", Channel::rotateX, "rotate", CurveKind::angular, 0.0},

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "host/error.h"
 #include "standalone/formats/fbx_properties.h"
@@ -141,6 +142,7 @@ void FbxReader::choose_take() {
 void FbxReader::note_unfollowed() {
   note_constraints();
   note_connections();
+  note_limits();
   for (std::size_t i = 0; i < document_->cache_deformers.count; ++i) {
     scene_.warn("a point cache moves the points of a mesh, not its node, and is not read: the trail is the node's");
   }
@@ -171,6 +173,42 @@ void FbxReader::note_connections() {
       hold_as_unfollowed(*node, "connection", property.name);
     }
   }
+}
+
+// Limits that the values keep to do nothing.
+void FbxReader::note_limits() {
+  for (const ufbx_node* node : document_->nodes) {
+    if (node->is_root) continue;
+    bool beyond = false;
+    for (const auto& [property, limits] :
+         {std::pair{kFbxTranslation, "Translation"}, {kFbxRotation, "Rotation"}, {kFbxScaling, "Scaling"}}) {
+      beyond = beyond || leaves_limits(*node, property, limits);
+    }
+    if (!beyond) continue;
+    scene_.warn("limits are not applied to the values that leave them; bake them before exporting");
+    hold_as_unfollowed(*node, "limit", "limits");
+  }
+}
+
+// Whether a key, or the static value where there is none, lies beyond a limit that is switched on.
+bool FbxReader::leaves_limits(const ufbx_node& node, std::size_t property, const std::string& limits) const {
+  if (!ufbx_find_bool(&node.props, (limits + "Active").c_str(), false)) return false;
+  const ufbx_vec3 rest = ufbx_find_vec3(&node.props, kFbxNodeProperties[property].name, ufbx_vec3{});
+  for (std::size_t k = 0; k < 3; ++k) {
+    double least = rest.v[k], most = rest.v[k];
+    const Values* const values = values_of(node, property);
+    const ufbx_anim_curve* const curve = values == nullptr ? nullptr : values->front().value->curves[k];
+    if (curve != nullptr && curve->keyframes.count > 0) least = curve->min_value, most = curve->max_value;
+    const auto limit = [&](const char* side, double otherwise) {
+      const std::string name = limits + side;
+      const bool on = ufbx_find_bool(&node.props, (name + "XYZ"[k]).c_str(), false);
+      return on ? ufbx_find_vec3(&node.props, name.c_str(), ufbx_vec3{}).v[k] : otherwise;
+    };
+    // Values are kept in single precision.
+    const double slack = 1e-5 * (1.0 + std::max(std::abs(least), std::abs(most)));
+    if (least < limit("Min", least) - slack || most > limit("Max", most) + slack) return true;
+  }
+  return false;
 }
 
 // Makes a node count as driven by something that is not followed: its rotate axis, which nothing else drives, keeps its

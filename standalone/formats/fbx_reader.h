@@ -43,6 +43,8 @@ class FbxReader {
   void note_unfollowed();
   void note_constraints();
   void note_connections();
+  void note_limits();
+  bool leaves_limits(const ufbx_node& node, std::size_t property, const std::string& limits) const;
   void hold_as_unfollowed(const ufbx_node& node, const char* what, const std::string& name);
 
   // --- fbx_nodes.cpp

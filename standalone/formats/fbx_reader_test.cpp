@@ -355,6 +355,19 @@ TEST(Fbx, WhatAnotherPropertyDrivesIsMarkedAndCounted) {
   EXPECT_EQ(scene.not_followed(scene.require("b")).size(), 1u);
 }
 
+TEST(Fbx, ALimitIsNamedWhereTheValuesLeaveIt) {
+  const auto limited = [](double least, double on) {
+    FbxText text;
+    text.node("a", "", {{"TranslationActive", {1}}, {"TranslationMinY", {on}}, {"TranslationMin", {9, least, 9}}});
+    return read(text.take("t", 0, 9).curve("a", "Lcl Translation", 'Y', {{0, -2}, {9, 5}}));
+  };
+  EXPECT_THAT(limited(-1, 1).warnings(), ElementsAre(Field(&Warning::kind, HasSubstr("limits are not applied"))));
+  const Scene left = limited(-1, 1);
+  EXPECT_EQ(left.not_followed(left.require("a")).size(), 1u);
+  EXPECT_THAT(limited(-2, 1).warnings(), IsEmpty());
+  EXPECT_THAT(limited(-1, 0).warnings(), IsEmpty());
+}
+
 TEST(Fbx, ARotationOrderThatIsNoneOfTheSixIsNamed) {
   EXPECT_THAT(read(FbxText().node("a", "", {{"RotationOrder", {6}}})).warnings(),
               Contains(Field(&Warning::kind, HasSubstr("rotation order"))));
