@@ -368,6 +368,14 @@ TEST(Fbx, ALimitIsNamedWhereTheValuesLeaveIt) {
   EXPECT_THAT(limited(-1, 0).warnings(), IsEmpty());
 }
 
+TEST(Fbx, AnimatedRotationOrdersAndPostRotationsAreNamed) {
+  for (const char* property : {"RotationOrder", "PostRotation"}) {
+    FbxText text;
+    text.node("a").take("t", 0, 9).curve("a", property, 'X', {{0, 1}, {9, 2}});
+    EXPECT_THAT(read(text).warnings(), ElementsAre(Field(&Warning::kind, HasSubstr(property))));
+  }
+}
+
 TEST(Fbx, ARotationOrderThatIsNoneOfTheSixIsNamed) {
   EXPECT_THAT(read(FbxText().node("a", "", {{"RotationOrder", {6}}})).warnings(),
               Contains(Field(&Warning::kind, HasSubstr("rotation order"))));

@@ -371,6 +371,34 @@ TEST(Reference, ASceneThatAnExpressionDrivesNamesIt) {
   EXPECT_FALSE(scene.not_followed(scene.require("FBX_NeckRoll")).empty());
 }
 
+TEST(Reference, AnFbxSceneOfConstraintsStandsStillAndNamesThem) {
+  SKIP_WITHOUT_DATA();
+  const Scene scene = read_scene(data_folder() / "fbx/maya_constraint_zoo_7500_ascii.fbx");
+  EXPECT_EQ(count_animated(scene), 0u);
+  EXPECT_EQ(scene.playback_min(), 1.0);
+  EXPECT_EQ(scene.playback_max(), 120.0);
+  std::size_t constraints = 0, marked = 0;
+  for (const Warning& warning : scene.warnings())
+    constraints += warning.kind.starts_with("the constraint ") * warning.count;
+  EXPECT_EQ(constraints, 7u);
+  for (const NodeId node : scene.nodes()) marked += scene.is_transform(node) && !scene.not_followed(node).empty();
+  EXPECT_GE(marked, 7u);
+}
+
+TEST(Reference, AnFbxMeshOfAPointCacheIsNamed) {
+  SKIP_WITHOUT_DATA();
+  EXPECT_THAT(read_scene(data_folder() / "fbx/maya_axes_anim_7700_ascii.fbx").warnings(),
+              warns("a point cache moves", 2));
+}
+
+TEST(Reference, AnFbxTakeKeepsTheKeysBeyondIt) {
+  SKIP_WITHOUT_DATA();
+  const Scene scene = read_scene(data_folder() / "fbx/pab_jog.fbx");
+  EXPECT_EQ(scene.playback_max(), 24.0);
+  const std::vector<double> times = scene.key_times(scene.require("Camera02"));
+  EXPECT_EQ(*std::max_element(times.begin(), times.end()), 100.0);
+}
+
 TEST(Reference, ASceneOfAMissingReferenceNamesIt) {
   SKIP_WITHOUT_DATA();
   const Scene scene = read_scene(data_folder() / "ma/rhino_anim_001.ma");
