@@ -184,6 +184,7 @@ class ClipReader {
           "an animation channel moves a node that is given as a matrix, which takes the place of its part of it");
     }
     const bool rotation = channel.target_path == cgltf_animation_path_type_rotation;
+    document_.take(rotation ? 1 : 3, GltfAllowance::kNode);
     document_.take(times.frames.size(), rotation ? kTrackKeyBytes : 3 * kCurveKeyBytes);
     if (rotation) {
       drive_rotation(node, interpolation_of(*channel.sampler), times, values, number);

@@ -188,7 +188,7 @@ TEST(GltfDamage, AnyByteOfAFileMayBeAnother) {
   for (const std::string& whole : {example("crane.gltf"), moving().binary()}) {
     ASSERT_GT(whole.size(), 100u);
     for (std::size_t i = 0; i < whole.size(); ++i) {
-      for (const char flip : {'\x01', '\x20', '\x80', '\xff'}) {
+      for (const char flip : {'\x03', '\x80'}) {
         std::string damaged = whole;
         damaged[i] = static_cast<char>(damaged[i] ^ flip);
         must_end(damaged);

@@ -23,6 +23,8 @@ class GltfAllowance {
  public:
   static constexpr std::uint64_t kTimes = 256;
   static constexpr std::uint64_t kAlways = 64u << 20;
+  // What a node of a scene takes, with its name and attributes.
+  static constexpr std::uint64_t kNode = 2048;
 
   void add_input(std::uint64_t bytes) { left_ += bytes * kTimes; }
   // False when `count` things of this size are too much.

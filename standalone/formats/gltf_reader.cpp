@@ -22,8 +22,6 @@ namespace vantorelix::standalone {
 namespace {
 
 constexpr std::size_t kMaxDepth = 2000;
-// What a node of a scene takes, with its name and attributes.
-constexpr std::uint64_t kNodeBytes = 2048;
 
 // Extensions that change how things look or how meshes are stored, not where nodes are.
 bool is_harmless(std::string_view extension) {
@@ -123,7 +121,7 @@ class GltfReader {
 
   void create_node(const cgltf_node& source) {
     const std::size_t number = number_of(&source);
-    document_.take(1, kNodeBytes);
+    document_.take(1, GltfAllowance::kNode);
     const std::string in_file = gltf_text(source.name);
     const std::string wanted = in_file.empty() ? "node" + std::to_string(number) : in_file;
     const NodeId parent = source.parent == nullptr ? kWorld : nodes_[number_of(source.parent)];
