@@ -2,7 +2,6 @@
 
 #include <ufbx.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <exception>
@@ -73,10 +72,17 @@ std::string error_text(const ufbx_error& error) {
   return "the file is damaged: " + shown(what) + "; export it again";
 }
 
+// By leaps from one to the next: between those of a large file lie long lists of numbers.
+std::size_t occurrences(std::string_view text, char c) {
+  std::size_t count = 0;
+  for (std::size_t i = text.find(c); i != std::string_view::npos; i = text.find(c, i + 1)) ++count;
+  return count;
+}
+
 // Whether a text ends inside braces, which the library does not mind.
 bool is_cut_off(std::string_view text) {
   // The usual case is worth a quick look: as many of one as of the other.
-  if (std::count(text.begin(), text.end(), '{') == std::count(text.begin(), text.end(), '}')) return false;
+  if (occurrences(text, '{') == occurrences(text, '}')) return false;
   std::size_t open = 0;
   for (std::size_t i = text.find_first_of("{}\";"); i < text.size(); i = text.find_first_of("{}\";", i + 1)) {
     if (text[i] == '{') {
