@@ -1,7 +1,9 @@
 #include "standalone/scene/anim_curve.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdint>
 
 #include "host/error.h"
 #include "standalone/scene/infinity.h"
@@ -151,16 +153,38 @@ void AnimCurve::find_even_spacing() {
 }
 
 void AnimCurve::evaluate(std::span<const double> frames, double* values, std::size_t& hint) const {
-  // Most are asked all on keys that are evenly spaced, or none.
-  bool on_keys = even_count_ > 0.0;
-  for (std::size_t i = 0; i < frames.size() && on_keys; ++i) {
+  if (copy_keys(frames, values) || rise_at_once(frames, values, hint)) return;
+  for (std::size_t i = 0; i < frames.size(); ++i) values[i] = evaluate(frames[i], hint);
+}
+
+// Where all frames are on evenly spaced keys. False where they are not.
+bool AnimCurve::copy_keys(std::span<const double> frames, double* values) const {
+  constexpr std::size_t kMost = 64;
+  if (!(even_count_ > 0.0) || even_count_ > 1e9 || frames.size() > kMost) return false;
+  std::array<std::int32_t, kMost> keys;
+  std::ptrdiff_t elsewhere = 0;
+  for (std::size_t i = 0; i < frames.size(); ++i) {
     const double place = (frames[i] - even_first_) * even_per_frame_ + 0.5;
-    on_keys = frames[i] >= even_first_ && place < even_count_;
-    const auto key = on_keys ? static_cast<std::ptrdiff_t>(place) : 0;
-    on_keys = on_keys && frames[i] == even_start(key);
-    values[i] = values_[static_cast<std::size_t>(key)];
+    const bool inside = frames[i] >= even_first_ && place < even_count_;
+    keys[i] = static_cast<std::int32_t>(inside ? place : 0.0);
+    elsewhere += inside && frames[i] == even_start(keys[i]) ? 0 : 1;
   }
-  for (std::size_t i = 0; i < frames.size() && !on_keys; ++i) values[i] = evaluate(frames[i], hint);
+  for (std::size_t i = 0; i < frames.size() && elsewhere == 0; ++i)
+    values[i] = values_[static_cast<std::size_t>(keys[i])];
+  return elsewhere == 0;
+}
+
+// Where the frames are all on one cubic. False, and nothing done, where they are not.
+bool AnimCurve::rise_at_once(std::span<const double> frames, double* values, std::size_t& hint) const {
+  if (segment_count_ == 0 || frames.empty() || !(frames[0] >= segments_[0].start)) return false;
+  hint = locate(frames[0], hint);
+  const CurveSegment segment = segments_[hint];
+  const double end = segments_[hint + 1].start, from = values_[hint];
+  std::ptrdiff_t elsewhere = segment.is_cubic() ? 0 : 1;
+  for (const double frame : frames) elsewhere += frame >= segment.start && frame < end ? 0 : 1;
+  if (elsewhere != 0) return false;
+  for (std::size_t i = 0; i < frames.size(); ++i) values[i] = from + segment.rise(frames[i]);
+  return true;
 }
 
 double AnimCurve::evaluate_elsewhere(double frame, std::size_t& hint) const {

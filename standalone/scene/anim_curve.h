@@ -79,6 +79,8 @@ class AnimCurve {
   double even_start(std::ptrdiff_t i) const { return even_first_ + static_cast<double>(i) * even_length_; }
   void rebuild();
   void find_even_spacing();
+  bool copy_keys(std::span<const double> frames, double* values) const;
+  bool rise_at_once(std::span<const double> frames, double* values, std::size_t& hint) const;
   double evaluate_elsewhere(double frame, std::size_t& hint) const;
   double evaluate_repeated(double frame, Infinity infinity, std::size_t& hint) const;
   double evaluate_inside(double frame, std::size_t& hint) const;

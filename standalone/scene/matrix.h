@@ -16,11 +16,16 @@ struct Affine {
   friend bool operator==(const Affine&, const Affine&) = default;
 };
 
-// p * M
+// p * M, where number(i, j) is M's row i, column j.
+template <class Number>
+inline host::Vector transform_point_by(const host::Vector& p, const Number& number) {
+  return {p.x * number(0, 0) + p.y * number(1, 0) + p.z * number(2, 0) + number(3, 0),
+          p.x * number(0, 1) + p.y * number(1, 1) + p.z * number(2, 1) + number(3, 1),
+          p.x * number(0, 2) + p.y * number(1, 2) + p.z * number(2, 2) + number(3, 2)};
+}
+
 inline host::Vector transform_point(const host::Vector& p, const Affine& t) {
-  return {p.x * t.m[0][0] + p.y * t.m[1][0] + p.z * t.m[2][0] + t.m[3][0],
-          p.x * t.m[0][1] + p.y * t.m[1][1] + p.z * t.m[2][1] + t.m[3][1],
-          p.x * t.m[0][2] + p.y * t.m[1][2] + p.z * t.m[2][2] + t.m[3][2]};
+  return transform_point_by(p, [&t](std::size_t i, std::size_t j) { return t.m[i][j]; });
 }
 
 // First a, then b. The last row is bit for bit transform_point(a.translation(), b).

@@ -108,7 +108,7 @@ void refresh_world(Scene::Data& scene, const Node& node, Record& r, const Offset
   if (r.offset_source) r.offset = r.offset_is_local ? r.offset_source->local : r.offset_source->world;
   r.world = r.has_offset ? r.local * r.offset : r.local;
   if (r.parent) r.world = r.world * r.parent->world;
-  r.current = &r.world;
+  r.current = AffineView(r.world);
 }
 
 double value_of(Record& r, DrivenChannel& d, double frame) {
@@ -149,12 +149,16 @@ void move_local(Record& r, double frame) {
 
 bool inherits(const Record& r) { return r.parent && r.channels[index(Channel::inheritsTransform)] != 0.0; }
 
+// The matrix of this sample, where it is remembered.
+inline AffineView remembered(Evaluation& e, const Record& r) {
+  return e.slot != TimeCache::kNone ? e.cache.find(r.cached, e.slot) : AffineView();
+}
+
 // True when `current` is the matrix of this sample.
 bool is_known(Evaluation& e, Record& r) {
   if (!r.moves || r.stamp == e.stamp) return true;
-  if (e.slot == TimeCache::kNone) return false;
-  const Affine* cached = e.cache.find(r.cached, e.slot);
-  if (cached == nullptr) return false;
+  const AffineView cached = remembered(e, r);
+  if (!cached) return false;
   r.current = cached;
   r.stamp = e.stamp;
   return true;
@@ -163,83 +167,110 @@ bool is_known(Evaluation& e, Record& r) {
 void move_offset(Record& r, double frame) {
   if (!r.offset_source) return;
   if (!r.offset_is_local) {
-    r.offset = *r.offset_source->current;
+    r.offset = r.offset_source->current.matrix();
   } else {
     if (!r.offset_source->driven.empty()) move_local(*r.offset_source, frame);
     r.offset = r.offset_source->local;
   }
 }
 
-// What a record's local matrices at some times of a chunk are made of, a column for each number.
+// A record's local matrices at some times of a chunk, one after another, and what they are made of.
 struct Block {
-  static constexpr std::size_t kMost = MatrixChunk::kSlots;
-  using Column = std::array<double, kMost>;
+  using Column = std::array<double, kColumn>;
 
-  std::size_t size = 0;
-  std::array<std::size_t, kMost> places;  // in the chunk
-  Column frames;
-  std::array<Column, static_cast<std::size_t>(Channel::count)> channels;  // the driven ones
-  RotationColumns<kMost> rotation;                                        // when the rows move
+  std::size_t size;
+  const double* frames;
+  std::array<Column, static_cast<std::size_t>(Channel::count)> channels;  // the driven ones, and those asked for
+  AffineColumns local;
+
+  double* at(Channel first, std::size_t part = 0) { return channels[index(first) + part].data(); }
 };
-
-void choose_times(Block& b, const TimeCache& cache, TimeCache::Slot slot, std::uint64_t wanted) {
-  const TimeCache::Slot first = slot - slot % MatrixChunk::kSlots;
-  for (; wanted != 0; wanted &= wanted - 1) {
-    const int place = std::countr_zero(wanted);
-    b.places[b.size] = static_cast<std::size_t>(place);
-    b.frames[b.size++] = cache.time(first + static_cast<TimeCache::Slot>(place));
-  }
-}
 
 void drive(Record& r, Block& b) {
   for (DrivenChannel& d : r.driven) {
-    auto& values = b.channels[index(d.channel)];
+    double* const values = b.at(d.channel);
     if (d.curve) {
-      d.curve->evaluate({b.frames.data(), b.size}, values.data(), d.hint);
+      d.curve->evaluate({b.frames, b.size}, values, d.hint);
     } else {
       for (std::size_t i = 0; i < b.size; ++i) values[i] = value_of(r, d, b.frames[i]);
     }
   }
-  if (!rows_move(r) || !r.factors.rotate) return;
-  for (std::size_t c = index(Channel::rotateX); c <= index(Channel::rotateZ); ++c)
+}
+
+// Makes columns of the three channels from `first` on, driven or not.
+void complete(const Record& r, Block& b, Channel first) {
+  for (std::size_t c = index(first); c < index(first) + 3; ++c)
     if ((r.driven_mask >> c & 1) == 0) b.channels[c].fill(r.channels[c]);
-  set_rotations(b.rotation, &b.channels[index(Channel::rotateX)], b.size, rotate_order_of(r.channels));
 }
 
-template <class Rows>
-void copy_rotation(Rows& rows, const Block& b, std::size_t i) {
-  for (std::size_t j = 0; j < 9; ++j) rows[j / 3][j % 3] = b.rotation[j][i];
+const ColumnLoops& loops() {
+  static const ColumnLoops& kWidest = *column_loops_here().back();
+  return kWidest;
 }
 
-// Brings `local` to a time of the block.
-void move_local(Record& r, const Block& b, std::size_t i) {
+// R alone into the upper rows.
+void turn_columns(const Record& r, Block& b) {
+  complete(r, b, Channel::rotateX);
+  const double* const angles = b.at(Channel::rotateX);
+  const int order = rotate_order_of(r.channels);
+  if (loops().rotations(angles, b.size, order, b.local.at[0])) return;
+  for (std::size_t i = 0; i < b.size; ++i) {
+    const Basis turned = rotation(angles[i], angles[kColumn + i], angles[2 * kColumn + i], order);
+    for (std::size_t j = 0; j < 9; ++j) b.local.at[j][i] = turned[j / 3][j % 3];
+  }
+}
+
+// Brings `local` to a time of the block, whose rotation is there, and puts it in the block.
+void move_local(Record& r, Block& b, std::size_t i) {
   for (const DrivenChannel& d : r.driven) r.channels[index(d.channel)] = b.channels[index(d.channel)][i];
-  if (rows_move(r) && is_scale_and_rotate(r.factors)) {
-    copy_rotation(r.local.m, b, i);
-    if (r.factors.scale) scale_rows(r.local, r.channels);
-  } else if (rows_move(r)) {
-    if (r.factors.rotate) copy_rotation(r.rotations.rotate, b, i);
+  if (rows_move(r)) {
+    if (r.factors.rotate)
+      for (std::size_t j = 0; j < 9; ++j) r.rotations.rotate[j / 3][j % 3] = b.local.at[j][i];
     turn_rows(r);
   }
   set_translation(r.local, placed(r.channels, r.factors, r.shift));
+  b.local.set(i, r.has_offset ? r.local * r.offset : r.local);
 }
 
-// At once for all times of a chunk at which the parent's matrix is remembered: whoever asked for that one there will
-// ask for this one, too. False, and nothing done, where that is the time of this sample alone, or where there is more
-// to the matrix than channels and a parent.
-bool move_world_ahead(Evaluation& e, Record& r, MatrixChunk& own) {
-  if (!r.parent || r.offset_source || drives(r, bit(Channel::rotateOrder))) return false;
-  const MatrixChunk* const parents = e.cache.chunk_with(r.parent->cached, e.slot);
-  if (parents == nullptr || std::has_single_bit(parents->valid & ~own.valid)) return false;
-  Block b;
-  choose_times(b, e.cache, e.slot, parents->valid & ~own.valid);
-  drive(r, b);
-  for (std::size_t i = 0; i < b.size; ++i) {
-    move_local(r, b, i);
-    const Affine local = r.has_offset ? r.local * r.offset : r.local;
-    own.matrices[b.places[i]] = inherits(r) ? local * parents->matrices[b.places[i]] : local;
+// The same where `local` is S * R * T, or only T moves, and no offset follows.
+void move_locals(Record& r, Block& b) {
+  complete(r, b, Channel::translateX);
+  if (!rows_move(r)) {
+    for (std::size_t j = 0; j < 9; ++j) std::fill_n(b.local.at[j], b.size, r.local.m[j / 3][j % 3]);
+  } else if (r.factors.scale) {
+    complete(r, b, Channel::scaleX);
+    for (std::size_t j = 0; j < 9; ++j)
+      for (std::size_t i = 0; i < b.size; ++i) b.local.at[j][i] = b.at(Channel::scaleX, j / 3)[i] * b.local.at[j][i];
   }
-  own.valid |= parents->valid;
+  for (std::size_t j = 0; j < 3; ++j) std::copy_n(b.at(Channel::translateX, j), b.size, b.local.at[9 + j]);
+}
+
+// At once for all times around this one at which the parent's matrix is remembered: whoever asked for that one there
+// will ask for this one, too. False, and nothing done, where that is the time of this sample alone, or where there is
+// more to the matrix than channels and a parent.
+bool move_world_ahead(Evaluation& e, Record& r, MatrixChunk& own) {
+  if (!r.parent || r.offset_source || drives(r, bit(Channel::rotateOrder) | bit(Channel::inheritsTransform)))
+    return false;
+  const MatrixChunk* const parents = e.cache.chunk_with(r.parent->cached, e.slot);
+  if (parents == nullptr) return false;
+  const std::uint64_t wanted = parents->valid & ~own.valid;
+  const int place = static_cast<int>(e.slot % MatrixChunk::kSlots);
+  const int after = std::countr_one(wanted >> place);
+  const int before = std::countl_one(wanted << (63 - place)) - 1;
+  const auto first = static_cast<std::size_t>(place - before);
+  Block b;
+  b.size = static_cast<std::size_t>(before + after);
+  if (b.size == 1) return false;
+  b.frames = e.cache.times(e.slot - static_cast<TimeCache::Slot>(before));
+  drive(r, b);
+  if (rows_move(r) && r.factors.rotate) turn_columns(r, b);
+  if (!r.has_offset && !r.factors.pivots && (!rows_move(r) || is_scale_and_rotate(r.factors))) {
+    move_locals(r, b);
+  } else {
+    for (std::size_t i = 0; i < b.size; ++i) move_local(r, b, i);
+  }
+  loops().products(b.local.at[0], parents->matrices.at[0] + first, b.size, own.matrices.at[0] + first);
+  own.valid |= ~std::uint64_t{0} >> (64 - b.size) << first;
   return true;
 }
 
@@ -249,19 +280,19 @@ void move_world(Evaluation& e, Record& r) {
   MatrixChunk* own = nullptr;
   if (e.slot != TimeCache::kNone && (r.asked || r.dependents > 1)) own = e.cache.chunk_for(r.cached, e.slot);
   r.stamp = e.stamp;
-  if (own != nullptr && move_world_ahead(e, r, *own)) {
-    r.current = &own->at(e.slot);
+  if (own != nullptr && inherits(r) && move_world_ahead(e, r, *own)) {
+    r.current = AffineView(own->matrices, e.slot % MatrixChunk::kSlots);
     return;
   }
   if (!r.driven.empty()) move_local(r, e.frame);
   move_offset(r, e.frame);
-  Affine& to = own != nullptr ? own->fill(e.slot) : r.world;
   if (inherits(r)) {
-    to = (r.has_offset ? r.local * r.offset : r.local) * *r.parent->current;
+    r.world = (r.has_offset ? r.local * r.offset : r.local) * r.parent->current;
   } else {
-    to = r.has_offset ? r.local * r.offset : r.local;
+    r.world = r.has_offset ? r.local * r.offset : r.local;
   }
-  r.current = &to;
+  r.current = AffineView(r.world);
+  if (own != nullptr) own->set(e.slot, r.world);
 }
 
 // Makes `current` of the record that of this sample: what it hangs on first, on a stack of our own, since chains may
@@ -362,7 +393,7 @@ host::Vector translation_of(Evaluation& e, Record& r, double frame) {
   const bool alone = (r.parent == nullptr || !r.parent->moves) && r.offset_source == nullptr;
   if (!alone) {
     begin_sample(e, frame);
-    if (r.dependents > 0 && is_known(e, r)) return r.current->translation();
+    if (const AffineView own = remembered(e, r)) return own.translation();
   }
   host::Vector t;
   if (!r.factors.pivots) {
@@ -377,8 +408,9 @@ host::Vector translation_of(Evaluation& e, Record& r, double frame) {
   move_offset(r, frame);
   if (r.has_offset) t = transform_point(t, r.offset);
   if (!inherits(r)) return t;
+  if (const AffineView parent = remembered(e, *r.parent)) return transform_point(t, parent);
   know(e, *r.parent);
-  return transform_point(t, *r.parent->current);
+  return transform_point(t, r.parent->current);
 }
 
 }  // namespace vantorelix::standalone

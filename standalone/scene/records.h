@@ -56,7 +56,7 @@ struct Record {
   Affine local;
   Affine world;
 
-  const Affine* current = nullptr;  // the world matrix at the sample `stamp`
+  AffineView current;  // the world matrix at the sample `stamp`
   std::uint64_t stamp = 0;
   CachedMatrices cached;
 };

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace vantorelix::standalone {
 
@@ -14,8 +14,8 @@ using Basis = std::array<std::array<double, 3>, 3>;
 
 // Sines and cosines of three angles in radians.
 struct SinCos {
-  std::array<double, 3> sin;
-  std::array<double, 3> cos;
+  double sin[3];
+  double cos[3];
 };
 
 // Sine and cosine of a multiple of pi/32, each as the nearest double and what that leaves out.
@@ -24,7 +24,11 @@ struct SinCosNode {
 };
 
 // The whole circle.
-inline constexpr std::array<SinCosNode, 64> kSinCosNodes = [] {
+struct SinCosNodes {
+  static constexpr std::size_t kCount = 64;
+  SinCosNode at[kCount];
+};
+inline constexpr SinCosNodes kSinCosNodes = [] {
   constexpr std::array<std::array<double, 2>, 17> kQuarter = {{{0.0, 0.0},
                                                                {0.0980171403295606, -1.634582362244256e-18},
                                                                {0.19509032201612828, -7.991079068461731e-18},
@@ -42,13 +46,13 @@ inline constexpr std::array<SinCosNode, 64> kSinCosNodes = [] {
                                                                {0.9807852804032304, 1.8546939997825006e-17},
                                                                {0.9951847266721969, -4.248691367830441e-17},
                                                                {1.0, 0.0}}};
-  std::array<SinCosNode, 64> nodes{};
-  for (std::size_t i = 0; i < nodes.size(); ++i) {
+  SinCosNodes nodes{};
+  for (std::size_t i = 0; i < SinCosNodes::kCount; ++i) {
     const std::size_t quadrant = i / 16, up = i % 16, down = 16 - up;
     const auto& s = kQuarter[quadrant % 2 == 0 ? up : down];
     const auto& c = kQuarter[quadrant % 2 == 0 ? down : up];
     const double s_sign = quadrant < 2 ? 1.0 : -1.0, c_sign = quadrant == 0 || quadrant == 3 ? 1.0 : -1.0;
-    nodes[i] = {s_sign * s[0], s_sign * s[1], c_sign * c[0], c_sign * c[1]};
+    nodes.at[i] = {s_sign * s[0], s_sign * s[1], c_sign * c[0], c_sign * c[1]};
   }
   return nodes;
 }();
@@ -60,14 +64,18 @@ inline constexpr double kSinCosReach = 1e5;
 // without a branch overlap. Within 2 ulp of the true value for |angle| <= kSinCosReach. The angle is a multiple of
 // pi/32 and a rest of at most pi/64; the multiples are taken off in three parts, the first two short enough for exact
 // products, and the rest needs only short polynomials (Chebyshev interpolants, their own error below 2e-18).
-inline void sin_cos_near(double angle, double& sine, double& cosine) {
+// `Out` is SinCos, or a type of the same shape.
+template <class Out>
+inline void set_sin_cos(Out& out, std::size_t axis, double angle) {
   constexpr double kRound = 6755399441055744.0;  // 1.5 * 2^52: adding it rounds to a whole number
   constexpr double kPerNode = 10.185916357881302;
   constexpr double kNode1 = 1.5707963267341256 / 16, kNode2 = 6.077100506303966e-11 / 16,
                    kNode3 = 2.0222662487959506e-21 / 16;
   const double shifted = angle * kPerNode + kRound;
   const double steps = shifted - kRound;
-  const SinCosNode& node = kSinCosNodes[std::bit_cast<std::uint64_t>(shifted) % kSinCosNodes.size()];
+  std::uint64_t bits;
+  std::memcpy(&bits, &shifted, sizeof bits);
+  const SinCosNode& node = kSinCosNodes.at[bits % SinCosNodes::kCount];
   const double first = angle - steps * kNode1;
   const double second = steps * kNode2;
   const double r = first - second;
@@ -77,27 +85,26 @@ inline void sin_cos_near(double angle, double& sine, double& cosine) {
       r + (left + r * q * (-0.16666666666666546 + q * (0.008333333324330089 + q * -0.0001984027364669203)));
   const double c =
       q * (-0.5 + q * (0.041666666666666546 + q * (-0.0013888888879885597 + q * 2.4800591102917088e-05)));  // less one
-  sine = node.sin + (node.cos * s + (node.sin * c + node.sin_rest));
-  cosine = node.cos + ((node.cos * c + node.cos_rest) - node.sin * s);
+  out.sin[axis] = node.sin + (node.cos * s + (node.sin * c + node.sin_rest));
+  out.cos[axis] = node.cos + ((node.cos * c + node.cos_rest) - node.sin * s);
 }
 
 inline SinCos sin_cos(double x, double y, double z) {
   SinCos out;
   if (std::abs(x) <= kSinCosReach && std::abs(y) <= kSinCosReach && std::abs(z) <= kSinCosReach) {
-    sin_cos_near(x, out.sin[0], out.cos[0]);
-    sin_cos_near(y, out.sin[1], out.cos[1]);
-    sin_cos_near(z, out.sin[2], out.cos[2]);
+    set_sin_cos(out, 0, x);
+    set_sin_cos(out, 1, y);
+    set_sin_cos(out, 2, z);
   } else {
-    out.sin = {std::sin(x), std::sin(y), std::sin(z)};
-    out.cos = {std::cos(x), std::cos(y), std::cos(z)};
+    out = {{std::sin(x), std::sin(y), std::sin(z)}, {std::cos(x), std::cos(y), std::cos(z)}};
   }
   return out;
 }
 
 // The rotation that turns about axis I first, then J, then K. Orders that are no cyclic shift of xyz are the mirror
 // image of one that is: every sine changes its sign. `Rows` is a Basis or the rows of an Affine.
-template <std::size_t I, std::size_t J, std::size_t K, class Rows>
-inline void set_rotation_in_order(Rows& b, const SinCos& t) {
+template <std::size_t I, std::size_t J, std::size_t K, class Rows, class Turns>
+inline void set_rotation_in_order(Rows& b, const Turns& t) {
   constexpr double kSign = (J == (I + 1) % 3) ? 1.0 : -1.0;
   const double si = kSign * t.sin[I], sj = kSign * t.sin[J], sk = kSign * t.sin[K];
   const double ci = t.cos[I], cj = t.cos[J], ck = t.cos[K];
@@ -134,33 +141,6 @@ inline void in_order(int order, const Go& go) {
 template <class Rows>
 inline void set_rotation(Rows& rows, const SinCos& t, int order) {
   in_order(order, [&]<std::size_t I, std::size_t J, std::size_t K>() { set_rotation_in_order<I, J, K>(rows, t); });
-}
-
-// The nine numbers of many rotations, row by row, a column each.
-template <std::size_t Most>
-using RotationColumns = std::array<std::array<double, Most>, 9>;
-
-// Many at once for less, the same to the last bit. `angles` points at three columns: x, y, z.
-template <std::size_t Most>
-inline void set_rotations(RotationColumns<Most>& out, const std::array<double, Most>* angles, std::size_t count,
-                          int order) {
-  std::array<std::array<double, Most>, 3> sin, cos;
-  std::int64_t far = 0;
-  for (std::size_t c = 0; c < 3; ++c)
-    for (std::size_t i = 0; i < count; ++i) far += std::abs(angles[c][i]) <= kSinCosReach ? 0 : 1;
-  for (std::size_t c = 0; c < 3 && far == 0; ++c)
-    for (std::size_t i = 0; i < count; ++i) sin_cos_near(angles[c][i], sin[c][i], cos[c][i]);
-  for (std::size_t i = 0; i < count && far != 0; ++i) {
-    const SinCos t = sin_cos(angles[0][i], angles[1][i], angles[2][i]);
-    for (std::size_t c = 0; c < 3; ++c) sin[c][i] = t.sin[c], cos[c][i] = t.cos[c];
-  }
-  in_order(order, [&]<std::size_t I, std::size_t J, std::size_t K>() {
-    for (std::size_t i = 0; i < count; ++i) {
-      Basis b;
-      set_rotation_in_order<I, J, K>(b, {{sin[0][i], sin[1][i], sin[2][i]}, {cos[0][i], cos[1][i], cos[2][i]}});
-      for (std::size_t j = 0; j < 9; ++j) out[j][i] = b[j / 3][j % 3];
-    }
-  });
 }
 
 // Angles in radians.

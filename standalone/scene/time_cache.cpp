@@ -16,11 +16,12 @@ void TimeCache::clear() {
   used_ = missing_ = found_ = 0;
 }
 
-TimeCache::Slot TimeCache::look_up(std::uint64_t bits) {
+TimeCache::Slot TimeCache::look_up(double time) {
+  const std::uint64_t bits = bits_of(time);
   if (2 * times_.size() >= table_.size()) grow();
   const std::size_t mask = table_.size() - 1;
   std::size_t at = scattered(bits) & mask;
-  while (table_[at] != kNone && times_[table_[at]] != bits) at = (at + 1) & mask;
+  while (table_[at] != kNone && bits_of(times_[table_[at]]) != bits) at = (at + 1) & mask;
   Slot slot = table_[at];
   if (slot == kNone) {
     if (times_.size() == kMostTimes) {
@@ -28,7 +29,7 @@ TimeCache::Slot TimeCache::look_up(std::uint64_t bits) {
       return kNone;
     }
     slot = table_[at] = static_cast<Slot>(times_.size());
-    times_.push_back(bits);
+    times_.push_back(time);
     following_.push_back({});
   }
   if (last_ < following_.size()) following_[last_] = {slot, following_[last_][0]};
@@ -38,7 +39,7 @@ TimeCache::Slot TimeCache::look_up(std::uint64_t bits) {
 void TimeCache::grow() {
   table_.assign(table_.empty() ? 64 : 2 * table_.size(), kNone);
   for (std::size_t i = 0; i < times_.size(); ++i) {
-    std::size_t at = scattered(times_[i]) & (table_.size() - 1);
+    std::size_t at = scattered(bits_of(times_[i])) & (table_.size() - 1);
     while (table_[at] != kNone) at = (at + 1) & (table_.size() - 1);
     table_[at] = static_cast<Slot>(i);
   }

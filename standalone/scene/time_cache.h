@@ -8,23 +8,61 @@
 #include <memory>
 #include <vector>
 
+#include "standalone/scene/column_loops.h"
 #include "standalone/scene/matrix.h"
 
 namespace vantorelix::standalone {
 
+// Many matrices, a column for each of the twelve numbers, row by row: loops over many times run along them.
+struct AffineColumns {
+  alignas(64) double at[12][kColumn];
+
+  void set(std::size_t place, const Affine& m) {
+    for (std::size_t j = 0; j < 12; ++j) at[j][place] = m.m[j / 3][j % 3];
+  }
+};
+
 struct MatrixChunk {
-  static constexpr std::uint32_t kSlots = 64;
+  static constexpr std::uint32_t kSlots = kColumn;
 
   std::uint64_t valid = 0;  // a bit for each slot
-  std::array<Affine, kSlots> matrices;
+  AffineColumns matrices;
 
   bool has(std::uint32_t slot) const { return (valid >> (slot % kSlots) & 1) != 0; }
-  const Affine& at(std::uint32_t slot) const { return matrices[slot % kSlots]; }
-  // Valid from now on: to be written at once.
-  Affine& fill(std::uint32_t slot) {
+  void set(std::uint32_t slot, const Affine& m) {
     valid |= std::uint64_t{1} << (slot % kSlots);
-    return matrices[slot % kSlots];
+    matrices.set(slot % kSlots, m);
   }
+};
+
+// A matrix where it is: on its own, or one of many. Neither, and there is none.
+class AffineView {
+ public:
+  AffineView() = default;
+  explicit AffineView(const Affine& whole) : whole_(&whole) {}
+  AffineView(const AffineColumns& columns, std::size_t place) : first_(&columns.at[0][place]) {}
+
+  explicit operator bool() const { return whole_ != nullptr || first_ != nullptr; }
+  Affine matrix() const {
+    if (whole_) return *whole_;
+    Affine m;
+    for (std::size_t j = 0; j < 12; ++j) m.m[j / 3][j % 3] = first_[j * kColumn];
+    return m;
+  }
+  host::Vector translation() const {
+    if (whole_) return whole_->translation();
+    return {first_[9 * kColumn], first_[10 * kColumn], first_[11 * kColumn]};
+  }
+
+  friend host::Vector transform_point(const host::Vector& p, const AffineView& t) {
+    if (t.whole_) return transform_point(p, *t.whole_);
+    return transform_point_by(p, [&t](std::size_t i, std::size_t j) { return t.first_[(3 * i + j) * kColumn]; });
+  }
+  friend Affine operator*(const Affine& a, const AffineView& b) { return b.whole_ ? a * *b.whole_ : a * b.matrix(); }
+
+ private:
+  const Affine* whole_ = nullptr;
+  const double* first_ = nullptr;  // of its twelve numbers, kColumn apart
 };
 
 // One node's share.
@@ -46,21 +84,22 @@ class TimeCache {
   void clear();
   // Called at the start of a sample: matrices found before may be void after it.
   Slot slot(double frame) {
-    const std::uint64_t bits = std::bit_cast<std::uint64_t>(frame);
+    const std::uint64_t bits = bits_of(frame);
     if (useless_) start_anew();
     // Objects are sampled one after another at the same times in the same two orders: for their trails and at keys.
     if (last_ < following_.size())
       for (const Slot next : following_[last_])
-        if (times_[next] == bits) return last_ = next;
-    return look_up(bits);
+        if (bits_of(times_[next]) == bits) return last_ = next;
+    return look_up(frame);
   }
-  double time(Slot slot) const { return std::bit_cast<double>(times_[slot]); }
-  // Null when it is not there.
-  const Affine* find(const CachedMatrices& node, Slot slot) {
+  // From a slot on, the times of all.
+  const double* times(Slot slot) const { return times_.data() + slot; }
+  // None when it is not there.
+  AffineView find(const CachedMatrices& node, Slot slot) {
     const MatrixChunk* const chunk = chunk_with(node, slot);
-    if (chunk == nullptr) return nullptr;
+    if (chunk == nullptr) return {};
     ++found_;
-    return &chunk->at(slot);
+    return {chunk->matrices, slot % MatrixChunk::kSlots};
   }
   // The chunk that has the matrix, and maybe those at other times; null when it is not there.
   const MatrixChunk* chunk_with(const CachedMatrices& node, Slot slot) const {
@@ -72,7 +111,8 @@ class TimeCache {
   MatrixChunk* chunk_for(CachedMatrices& node, Slot slot);
 
  private:
-  Slot look_up(std::uint64_t bits);
+  static std::uint64_t bits_of(double time) { return std::bit_cast<std::uint64_t>(time); }
+  Slot look_up(double time);
   void grow();
   void note_missing();
   void start_anew();
@@ -81,7 +121,7 @@ class TimeCache {
   std::vector<std::unique_ptr<MatrixChunk>> chunks_;
   std::size_t used_ = 0;                        // of chunks_
   std::size_t missing_ = 0, found_ = 0;         // misses count from when it was full
-  std::vector<std::uint64_t> times_;            // by slot: the bits of the time
+  std::vector<double> times_;                   // by slot; told apart by their bits
   std::vector<std::array<Slot, 2>> following_;  // by slot: what was asked after it, the two latest
   std::vector<Slot> table_;                     // open addressing over the bits; kNone where empty; a power of two
   Slot last_ = kNone;

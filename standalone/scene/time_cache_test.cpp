@@ -18,14 +18,16 @@ TEST(TimeCache, FindsWhatWasPlacedUntilItIsCleared) {
   TimeCache cache;
   CachedMatrices node, other;
   const TimeCache::Slot slot = cache.slot(3.5);
-  EXPECT_EQ(cache.find(node, slot), nullptr);
-  cache.chunk_for(node, slot)->fill(slot).m[3][0] = 7;
-  ASSERT_NE(cache.find(node, slot), nullptr);
-  EXPECT_EQ(cache.find(node, slot)->m[3][0], 7);
-  EXPECT_EQ(cache.find(other, slot), nullptr);
-  EXPECT_EQ(cache.find(node, cache.slot(4.5)), nullptr);
+  EXPECT_FALSE(cache.find(node, slot));
+  Affine placed;
+  for (std::size_t j = 0; j < 12; ++j) placed.m[j / 3][j % 3] = 7.0 + static_cast<double>(j);
+  cache.chunk_for(node, slot)->set(slot, placed);
+  ASSERT_TRUE(cache.find(node, slot));
+  EXPECT_EQ(cache.find(node, slot).matrix(), placed);
+  EXPECT_FALSE(cache.find(other, slot));
+  EXPECT_FALSE(cache.find(node, cache.slot(4.5)));
   cache.clear();
-  EXPECT_EQ(cache.find(node, slot), nullptr);
+  EXPECT_FALSE(cache.find(node, slot));
 }
 
 TEST(TimeCache, KeepsWithinItsMemory) {
