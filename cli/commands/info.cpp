@@ -87,6 +87,7 @@ SceneInfo describe(const Scene& scene, const std::string& file) {
     ++info.nodes;
     ++info.node_types[scene.type(node)];
     if (scene.is_curve(node)) info.keys += scene.curve(node).keys().size();
+    if (const auto* track = scene.track(node)) info.keys += track->key_times().size();
     if (scene.is_transform(node)) info.objects.push_back(describe(scene, node));
   }
   return info;

@@ -208,6 +208,7 @@ class Scene {
   std::vector<NodeId> driving_curves(NodeId node) const;
   // A node whose "output" drives the three channels of a compound ("translate"). It has keys and no edits.
   NodeId create_track(std::shared_ptr<const Track> track, std::string_view name);
+  const Track* track(NodeId node) const;  // null for a node that is none
   // Key times of every curve and track that drives an attribute of the node, one by one: curves first, in order of
   // connection.
   std::vector<double> key_times(NodeId node) const;

@@ -39,6 +39,8 @@ NodeId Scene::create_track(std::shared_ptr<const Track> track, std::string_view 
   return node;
 }
 
+const Track* Scene::track(NodeId node) const { return data_->at(node).track.get(); }
+
 void Scene::assign_curve(NodeId node, std::vector<Key> keys, bool weighted, Infinity pre, Infinity post) {
   data_->curve(node).curve->assign(std::move(keys), weighted, pre, post);
   data_->tell_curve_edited(node, true);
