@@ -259,7 +259,7 @@ bool move_world_ahead(Evaluation& e, Record& r, MatrixChunk& own) {
   const int before = std::countl_one(wanted << (63 - place)) - 1;
   const auto first = static_cast<std::size_t>(place - before);
   Block b;
-  b.size = static_cast<std::size_t>(before + after);
+  b.size = static_cast<std::size_t>(before) + static_cast<std::size_t>(after);
   if (b.size == 1) return false;
   b.frames = e.cache.times(e.slot - static_cast<TimeCache::Slot>(before));
   drive(r, b);
