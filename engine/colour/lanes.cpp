@@ -1,13 +1,6 @@
 #include "engine/colour/lanes.h"
 
-#if defined(VANTORELIX_WIDE_LANES) && defined(_MSC_VER)
-#include <intrin.h>
-#elif defined(VANTORELIX_WIDE_LANES)
-#include <cpuid.h>
-#endif
-
-#include <cstdint>
-#include <initializer_list>
+#include "host/widths.h"
 
 namespace vantorelix {
 
@@ -17,88 +10,19 @@ extern const Lanes base, avx2, avx512;
 
 namespace {
 
+const host::Widths<Lanes>& widths() {
 #ifdef VANTORELIX_WIDE_LANES
-
-// Leaf of the processor's description: eax, ebx, ecx, edx; 0 where it has none.
-struct Leaf {
-  std::uint32_t a = 0, b = 0, c = 0, d = 0;
-};
-
-Leaf leaf(std::uint32_t number) {
-  Leaf found;
-#ifdef _MSC_VER
-  int most[4], words[4];
-  __cpuid(most, 0);
-  if (number > static_cast<std::uint32_t>(most[0])) return found;
-  __cpuidex(words, static_cast<int>(number), 0);
-  found = {static_cast<std::uint32_t>(words[0]), static_cast<std::uint32_t>(words[1]),
-           static_cast<std::uint32_t>(words[2]), static_cast<std::uint32_t>(words[3])};
+  static const host::Widths kWidths(lanes::base, lanes::avx2, lanes::avx512);
 #else
-  __get_cpuid_count(number, 0, &found.a, &found.b, &found.c, &found.d);
+  static const host::Widths kWidths(lanes::base);
 #endif
-  return found;
-}
-
-// The registers that the operating system keeps when it switches threads.
-std::uint32_t kept_registers() {
-#ifdef _MSC_VER
-  return static_cast<std::uint32_t>(_xgetbv(0));
-#else
-  std::uint32_t low, high;
-  __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
-  return low;
-#endif
-}
-
-bool all(std::uint32_t word, std::uint32_t bits) { return (word & bits) == bits; }
-
-constexpr std::uint32_t bits(std::initializer_list<int> places) {
-  std::uint32_t word = 0;
-  for (const int place : places) word |= std::uint32_t{1} << place;
-  return word;
-}
-
-struct Processor {
-  bool avx2 = false, avx512 = false;
-  Processor() {
-    if (!all(leaf(1).c, bits({27, 28}))) return;  // the system tells its registers; AVX
-    const std::uint32_t kept = kept_registers();
-    const std::uint32_t has = leaf(7).b;
-    avx2 = all(kept, bits({1, 2})) && all(has, bits({5}));
-    avx512 = avx2 && all(kept, bits({5, 6, 7})) && all(has, bits({16, 17, 31}));  // F, DQ, VL
-  }
-};
-
-// Both lists at once.
-struct Choice {
-  std::vector<const Lanes*> here = {&lanes::base};
-  std::vector<const char*> elsewhere;
-  Choice() {
-    const Processor processor;
-    add(lanes::avx2, processor.avx2);
-    add(lanes::avx512, processor.avx512);
-  }
-  void add(const Lanes& lanes, bool runs) { runs ? here.push_back(&lanes) : elsewhere.push_back(lanes.name); }
-};
-
-#else
-
-struct Choice {
-  std::vector<const Lanes*> here = {&lanes::base};
-  std::vector<const char*> elsewhere;
-};
-
-#endif
-
-const Choice& choice() {
-  static const Choice kChoice;
-  return kChoice;
+  return kWidths;
 }
 
 }  // namespace
 
-const std::vector<const Lanes*>& lanes_here() { return choice().here; }
+const std::vector<const Lanes*>& lanes_here() { return widths().here; }
 
-std::vector<const char*> lanes_elsewhere() { return choice().elsewhere; }
+const std::vector<const char*>& lanes_elsewhere() { return widths().elsewhere; }
 
 }  // namespace vantorelix

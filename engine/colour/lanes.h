@@ -30,6 +30,6 @@ struct Lanes {
 // What this program has and this processor runs, narrowest first; the first runs everywhere.
 const std::vector<const Lanes*>& lanes_here();
 // The names of the ones that the program has and this processor cannot run.
-std::vector<const char*> lanes_elsewhere();
+const std::vector<const char*>& lanes_elsewhere();
 
 }  // namespace vantorelix

@@ -1,5 +1,7 @@
 #include "standalone/scene/column_loops.h"
 
+#include "host/widths.h"
+
 namespace vantorelix::standalone {
 
 namespace lanes {
@@ -8,31 +10,19 @@ extern const ColumnLoops base, avx2, avx512;
 
 namespace {
 
-// Both lists at once.
-struct Choice {
-  std::vector<const ColumnLoops*> here = {&lanes::base};
-  std::vector<const char*> elsewhere;
+const host::Widths<ColumnLoops>& widths() {
 #ifdef VANTORELIX_WIDE_LANES
-  Choice() {
-    // These ask the operating system, too, whether it keeps the registers.
-    __builtin_cpu_init();
-    add(lanes::avx2, __builtin_cpu_supports("avx2") != 0);
-    add(lanes::avx512, __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
-                           __builtin_cpu_supports("avx512vl") != 0);
-  }
-  void add(const ColumnLoops& loops, bool runs) { runs ? here.push_back(&loops) : elsewhere.push_back(loops.name); }
+  static const host::Widths kWidths(lanes::base, lanes::avx2, lanes::avx512);
+#else
+  static const host::Widths kWidths(lanes::base);
 #endif
-};
-
-const Choice& choice() {
-  static const Choice kChoice;
-  return kChoice;
+  return kWidths;
 }
 
 }  // namespace
 
-const std::vector<const ColumnLoops*>& column_loops_here() { return choice().here; }
+const std::vector<const ColumnLoops*>& column_loops_here() { return widths().here; }
 
-std::vector<const char*> column_loops_elsewhere() { return choice().elsewhere; }
+const std::vector<const char*>& column_loops_elsewhere() { return widths().elsewhere; }
 
 }  // namespace vantorelix::standalone

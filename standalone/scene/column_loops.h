@@ -23,6 +23,6 @@ struct ColumnLoops {
 // What this program has and this processor runs, narrowest first; the first runs everywhere.
 const std::vector<const ColumnLoops*>& column_loops_here();
 // The names of the ones that the program has and this processor cannot run.
-std::vector<const char*> column_loops_elsewhere();
+const std::vector<const char*>& column_loops_elsewhere();
 
 }  // namespace vantorelix::standalone

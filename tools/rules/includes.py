@@ -23,8 +23,8 @@ FOREIGN = [
     (re.compile(r"benchmark/"), {"bench"}, False),
     (re.compile(r"(gtest|gmock)/"), {"tests"}, False),
     (re.compile(r"(pybind11/|Python\.h$)"), {"maya"}, False),
-    (re.compile(r"(x86)?intrin\.h$"), {"engine", "standalone"}, False),
-    (re.compile(r"cpuid\.h$"), {"engine"}, True),
+    (re.compile(r"(x86)?intrin\.h$"), {"host", "standalone"}, False),
+    (re.compile(r"cpuid\.h$"), {"host"}, True),
     (re.compile(r"(unistd\.h|fcntl\.h|windows\.h|io\.h|sys/\w+\.h)$"), {"standalone", "cli", "bench", "tests"}, True),
 ]
 

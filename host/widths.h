@@ -1,0 +1,31 @@
+// Loops that are compiled once for each width of register, and which of them this processor runs.
+#pragma once
+
+#include <vector>
+
+namespace vantorelix::host {
+
+// What the processor has and the operating system lets programs use.
+struct Processor {
+  bool avx2 = false;
+  bool avx512 = false;  // F, DQ and VL
+};
+const Processor& this_processor();
+
+// `Loops` has a name.
+template <class Loops>
+struct Widths {
+  std::vector<const Loops*> here;  // narrowest first; the first runs everywhere
+  std::vector<const char*> elsewhere;
+
+  explicit Widths(const Loops& base) : here{&base} {}
+  Widths(const Loops& base, const Loops& avx2, const Loops& avx512) : Widths(base) {
+    add(avx2, this_processor().avx2);
+    add(avx512, this_processor().avx512);
+  }
+
+ private:
+  void add(const Loops& loops, bool runs) { runs ? here.push_back(&loops) : elsewhere.push_back(loops.name); }
+};
+
+}  // namespace vantorelix::host
