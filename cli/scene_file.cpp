@@ -1,7 +1,5 @@
 #include "cli/scene_file.h"
 
-#include <algorithm>
-#include <cctype>
 #include <system_error>
 
 #include "cli/failure.h"
@@ -13,9 +11,7 @@ namespace vantorelix::cli {
 namespace fs = std::filesystem;
 
 std::string format_name(const fs::path& file) {
-  std::string extension = file.extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  const std::string extension = extension_of(file.string());
   if (extension == ".ma") return "Maya ASCII";
   if (extension == ".bvh") return "BVH";
   if (extension == ".fbx") return "FBX";

@@ -104,13 +104,13 @@ std::string bash_script(const std::vector<CommandInfo>& commands, const CommandI
          "\" -- \"$word\")) ;;\n  esac\n}\ncomplete -F _vantorelix vantorelix\n";
 }
 
-// Within single quotes of a shell; for zsh's specifications also without what they are made of.
-std::string quoted(const std::string& text, bool specification) {
+// Within single quotes of a shell; in what zsh's _arguments takes also without what that is made of.
+std::string quoted(const std::string& text, bool for_zsh) {
   std::string out = "'";
   for (const char c : text) {
     if (c == '\'')
       out += "'\\''";
-    else if (specification && (c == ':' || c == '[' || c == ']' || c == '\\'))
+    else if (for_zsh && (c == ':' || c == '[' || c == ']' || c == '\\'))
       out += std::string("\\") + c;
     else
       out += c;
