@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "bench/session.h"
+#include "bench/trails.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::bench {
@@ -21,15 +21,9 @@ void file_trails(State& state, const fs::path& file) {
   for (const auto node : stage.scene.nodes())
     if (stage.scene.is_transform(node) && stage.scene.is_animated(node)) stage.objects.push_back(node);
   const auto samples = static_cast<std::size_t>(stage.scene.playback_max() - stage.scene.playback_min()) + 1;
-  state.counters["unit"] = static_cast<double>(samples * stage.objects.size());
+  const double units = static_cast<double>(samples * stage.objects.size());
   state.counters["frames"] = static_cast<double>(samples);
-  Session session(std::move(stage));
-  for ([[maybe_unused]] auto _ : state) {
-    session.edit();
-    state.SetIterationTime(session.make_trails());
-    session.check(samples);
-    session.clear();
-  }
+  trails(state, std::move(stage), samples, units);
 }
 
 void file_load(State& state, const fs::path& file) {

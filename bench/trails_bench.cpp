@@ -7,25 +7,13 @@
 #include <numeric>
 
 #include "bench/session.h"
+#include "bench/trails.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::bench {
 namespace {
 
 using benchmark::State;
-
-// Every pass starts after an edit, as an animator's does: making trails moves nothing, so a pass right after another
-// would find the world matrices of the one before. `units` is what one pass is divided by: samples, or links evaluated.
-void trails(State& state, Stage stage, std::size_t frames, double units) {
-  Session session(std::move(stage));
-  for ([[maybe_unused]] auto _ : state) {
-    session.edit();
-    state.SetIterationTime(session.make_trails());
-    session.check(frames);
-    session.clear();
-  }
-  state.counters["unit"] = units;
-}
 
 void one_object(State& state) {
   const auto frames = state.range(0);

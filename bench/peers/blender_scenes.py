@@ -10,23 +10,17 @@ seconds, the fastest of three.
 import importlib
 import json
 import math
+import os
 import sys
 import time
 
 import bpy
 import addon_utils  # found once bpy is there
 
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))  # which Blender does not do
+from timing import REPEATS, fastest
+
 KEYS = 5
-REPEATS = 3
-
-
-def fastest(function):
-    seconds = []
-    for _ in range(REPEATS):
-        start = time.perf_counter()
-        function()
-        seconds.append(time.perf_counter() - start)
-    return min(seconds)
 
 
 def key_value(index, channel, key):
