@@ -198,15 +198,14 @@ class BvhReader {
     if (open_.size() == kMaxDepth) in_.fail("more than 2000 joints inside each other; is this a BVH file?");
     if (word() != "{") in_.fail("the joint " + shown(in_file) + " has no '{'; add it or export again");
     const NodeId node = scene_.create_node(type, wanted, open_.empty() ? kWorld : open_.back().node);
-    if (scene_.short_name(node) != in_file) scene_.add_attribute(node, kNameInFile, host::Value(in_file));
+    keep_name_in_file(scene_, node, in_file);
     open_.push_back({node, false, in_file});
   }
 
   void read_offset() {
-    const Channel first = Channel::translateX;
-    for (int axis = 0; axis < 3; ++axis) {
+    for (std::size_t axis = 0; axis < 3; ++axis) {
       const double value = number("an offset");
-      scene_.set_channel(open_.back().node, static_cast<Channel>(static_cast<int>(first) + axis), value);
+      scene_.set_channel(open_.back().node, component(Channel::translateX, axis), value);
     }
   }
 

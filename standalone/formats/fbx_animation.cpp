@@ -12,10 +12,6 @@ namespace {
 
 constexpr std::array<const char*, 3> kAxes = {"X", "Y", "Z"};
 
-Channel part(Channel first, std::size_t k) { return static_cast<Channel>(static_cast<std::size_t>(first) + k); }
-
-std::array<double, 3> numbers_of(const ufbx_vec3& v) { return {v.x, v.y, v.z}; }
-
 // The nodes whose scales a node's own is multiplied by, nearest first; itself in front.
 std::vector<const ufbx_node*> scale_chain(const ufbx_node& node) {
   std::vector<const ufbx_node*> chain = {&node};
@@ -86,7 +82,7 @@ void FbxReader::connect_curves(const ufbx_node& node, std::size_t index, const u
   const std::string stem = std::string(scene_.short_name(id)) + "_" + property.whole;
   for (std::size_t k = 0; k < still.size(); ++k) {
     const ufbx_anim_curve* const curve = value.curves[k];
-    scene_.set_channel(id, part(property.first, k), still[k] * unit);
+    scene_.set_channel(id, component(property.first, k), still[k] * unit);
     if (curve == nullptr || curve->keyframes.count == 0) continue;
     FbxCurve made = convert_curve(*curve, clock_, unit);
     note_keys(made.keys.front().time, made.keys.back().time);
@@ -110,7 +106,7 @@ void FbxReader::connect_track(std::vector<const ufbx_node*> nodes, std::size_t i
     }
   }
   std::array<double, 3> still{};
-  for (std::size_t k = 0; k < still.size(); ++k) still[k] = scene_.channel(id, part(property.first, k));
+  for (std::size_t k = 0; k < still.size(); ++k) still[k] = scene_.channel(id, component(property.first, k));
   const auto track =
       make_fbx_track(document_, {anim_, std::move(nodes), property.name, fbx_unit(property), still}, curves);
   if (!track->key_times().empty()) note_keys(track->key_times().front(), track->key_times().back());

@@ -14,8 +14,6 @@ namespace {
 
 constexpr double kRadians = std::numbers::pi / 180.0;
 
-std::array<double, 3> numbers_of(const ufbx_vec3& v) { return {v.x, v.y, v.z}; }
-
 std::array<double, 3> read_triple(const ufbx_node& node, const char* name, double rest) {
   ufbx_vec3 otherwise;
   otherwise.x = otherwise.y = otherwise.z = rest;
@@ -57,6 +55,8 @@ std::array<double, 3> inverse_angles(const std::array<double, 3>& angles) {
 
 }  // namespace
 
+std::array<double, 3> numbers_of(const ufbx_vec3& v) { return {v.x, v.y, v.z}; }
+
 double fbx_unit(const FbxNodeProperty& property) { return property.kind == CurveKind::angular ? kRadians : 1.0; }
 
 bool FbxReader::is_joint(const ufbx_node& node) const {
@@ -79,7 +79,7 @@ void FbxReader::create_nodes() {
     const std::string name(node->name.data, node->name.length);
     const NodeId parent = node->parent == nullptr ? kWorld : id_of(*node->parent);
     const NodeId id = scene_.create_node(is_joint(*node) ? "joint" : "transform", name, parent);
-    if (scene_.short_name(id) != name) scene_.add_attribute(id, kNameInFile, host::Value(name));
+    keep_name_in_file(scene_, id, name);
     ids_[node->typed_id] = id;
     place(*node, id);
     if (converts_ && parent == kWorld) scene_.set_offset_parent_matrix(id, conversion_);
@@ -92,27 +92,19 @@ void FbxReader::place(const ufbx_node& node, NodeId id) {
     if (i == kFbxPreRotation && !node.use_rotation_space) continue;
     std::array<double, 3> values = read_triple(node, property.name, property.rest);
     for (double& value : values) value *= fbx_unit(property);
-    set_triple(id, property.first, values);
+    scene_.set_channels(id, property.first, values);
   }
   scene_.set_channel(id, Channel::rotateOrder, rotate_order(node));
   if (node.use_rotation_space) {
     std::array<double, 3> angles = read_triple(node, kFbxPostRotation, 0.0);
     for (double& angle : angles) angle *= kRadians;
-    set_triple(id, Channel::rotateAxisX, inverse_angles(angles));
+    scene_.set_channels(id, Channel::rotateAxisX, inverse_angles(angles));
     if (node.rotation_order == UFBX_ROTATION_ORDER_SPHERIC) {
       scene_.warn("a rotation order that is none of the six is taken as xyz");
     }
   }
   const bool inherits = node.inherit_mode == UFBX_INHERIT_MODE_NORMAL;
   if (scene_.type(id) == "joint") scene_.set_channel(id, Channel::segmentScaleCompensate, inherits ? 0.0 : 1.0);
-}
-
-void FbxReader::set_triple(NodeId id, Channel first, const std::array<double, 3>& values) {
-  for (std::size_t k = 0; k < values.size(); ++k) {
-    const auto channel = static_cast<Channel>(static_cast<std::size_t>(first) + k);
-    // Most values are those that a new node has.
-    if (scene_.channel(id, channel) != values[k]) scene_.set_channel(id, channel, values[k]);
-  }
 }
 
 NodeId FbxReader::id_of(const ufbx_node& node) const { return ids_[node.typed_id]; }

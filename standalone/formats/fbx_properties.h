@@ -6,6 +6,8 @@
 
 #include "standalone/scene/scene.h"
 
+struct ufbx_vec3;
+
 namespace vantorelix::standalone {
 
 struct FbxNodeProperty {
@@ -28,6 +30,8 @@ inline constexpr std::array<FbxNodeProperty, 8> kFbxNodeProperties = {
      {"ScalingOffset", Channel::scalePivotTranslateX, "scalePivotTranslate", CurveKind::linear, 0.0}}};
 // The inverse of this one is the rotate axis; it cannot be animated here.
 inline constexpr const char* kFbxPostRotation = "PostRotation";
+
+std::array<double, 3> numbers_of(const ufbx_vec3& v);
 
 // What one of the file's values is worth: radians of a degree.
 double fbx_unit(const FbxNodeProperty& property);

@@ -114,22 +114,9 @@ void FbxReader::read_axes() {
 
 void FbxReader::choose_take() {
   std::vector<Take> takes;
-  std::string names;
-  for (const ufbx_anim_stack* stack : document_->anim_stacks) {
+  for (const ufbx_anim_stack* stack : document_->anim_stacks)
     takes.push_back({text_of(stack->name), clock_.frame(stack->time_begin), clock_.frame(stack->time_end)});
-    names += (names.empty() ? "" : ", ") + shown(takes.back().name);
-  }
-  std::size_t chosen = 0;
-  if (!options_.take.empty()) {
-    const auto found =
-        std::find_if(takes.begin(), takes.end(), [this](const Take& take) { return take.name == options_.take; });
-    if (found == takes.end()) {
-      throw FormatError(name_, 0,
-                        "there is no take " + shown(options_.take) +
-                            (names.empty() ? "; the file has no takes" : "; the file has " + names));
-    }
-    chosen = static_cast<std::size_t>(found - takes.begin());
-  }
+  const std::size_t chosen = take_named(options_.take, takes, "take", name_);
   scene_.set_playback_range(0.0, 0.0);
   if (!takes.empty()) {
     anim_ = document_->anim_stacks[chosen]->anim;

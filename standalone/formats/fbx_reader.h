@@ -50,7 +50,6 @@ class FbxReader {
   // --- fbx_nodes.cpp
   void create_nodes();
   void place(const ufbx_node& node, NodeId id);
-  void set_triple(NodeId id, Channel first, const std::array<double, 3>& values);
   bool is_joint(const ufbx_node& node) const;
 
   // --- fbx_animation.cpp

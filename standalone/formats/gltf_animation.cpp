@@ -62,7 +62,7 @@ class ClipReader {
     }
     std::vector<Take> takes;
     for (std::size_t i = 0; i < data.animations_count; ++i) takes.push_back(take_of(data.animations[i], i));
-    const std::size_t chosen = choose(takes, wanted);
+    const std::size_t chosen = take_named(wanted, takes, "clip", document_.name());
     scene_.set_playback_range(takes[chosen].first, takes[chosen].last);
     scene_.set_takes(std::move(takes), chosen);
     for (std::size_t i = 0; i < data.animations[chosen].channels_count; ++i) {
@@ -111,17 +111,6 @@ class ClipReader {
     if (name.empty()) name = "clip" + std::to_string(number);
     while (!names_.insert(name).second) name += "_" + std::to_string(number);
     return name;
-  }
-
-  std::size_t choose(const std::vector<Take>& takes, const std::string& wanted) const {
-    if (wanted.empty()) return 0;
-    std::string known;
-    for (std::size_t i = 0; i < takes.size(); ++i) {
-      if (takes[i].name == wanted) return i;
-      if (i < 20) known += (i == 0 ? "" : ", ") + shown(takes[i].name);
-    }
-    if (takes.size() > 20) known += ", ...";
-    document_.fail("there is no clip " + shown(wanted) + "; the file has " + known);
   }
 
   const Times& times_of(const cgltf_accessor& accessor) {

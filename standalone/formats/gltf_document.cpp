@@ -170,7 +170,7 @@ std::string GltfDocument::read_external(const cgltf_buffer& buffer, const std::s
     fail(named + " and should be " + std::to_string(buffer.size) + " bytes, but has " + std::to_string(size) +
          "; export the scene again");
   }
-  if (counted_.emplace(file.lexically_normal(), true).second) allowance_.add_input(size);
+  if (counted_.insert(file.lexically_normal()).second) allowance_.add_input(size);
   take(buffer.size, 1);
   FileSource source(file);
   std::string content(buffer.size, '\0');

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,6 +49,7 @@ class GltfDocument {
   GltfDocument& operator=(const GltfDocument&) = delete;
 
   const cgltf_data& data() const { return *data_; }
+  const std::string& name() const { return name_; }  // as error texts call it
 
   // The numbers of an accessor, one element after the other, sparse ones in place: floats as they are, normalised
   // integers as the fractions they stand for. Only the types that animation has. Throws FormatError for anything that
@@ -73,7 +75,7 @@ class GltfDocument {
   GltfAllowance allowance_;
   std::unique_ptr<cgltf_data, void (*)(cgltf_data*)> data_;
   std::map<const cgltf_buffer*, std::string> loaded_;
-  std::map<std::filesystem::path, bool> counted_;
+  std::set<std::filesystem::path> counted_;  // external files
 };
 
 // A string of the file without its JSON escapes; empty for null.

@@ -69,17 +69,7 @@ bool make_up(const Parts& p, const Basis& rows) {
   return square && worst <= 1e-14 * largest;
 }
 
-void set_three(Scene& scene, NodeId node, Channel first, const Row& values) {
-  for (int i = 0; i < 3; ++i) {
-    scene.set_channel(node, static_cast<Channel>(static_cast<int>(first) + i), values[static_cast<std::size_t>(i)]);
-  }
-}
-
 }  // namespace
-
-void set_angles(Scene& scene, NodeId node, const std::array<double, 3>& angles) {
-  set_three(scene, node, Channel::rotateX, angles);
-}
 
 void place_by_matrix(Scene& scene, NodeId node, const std::array<double, 16>& matrix) {
   Basis rows;
@@ -89,13 +79,13 @@ void place_by_matrix(Scene& scene, NodeId node, const std::array<double, 16>& ma
     scene.set_offset_parent_matrix(node, matrix);
     return;
   }
-  set_three(scene, node, Channel::translateX, {matrix[12], matrix[13], matrix[14]});
-  set_angles(scene, node, angles_of(parts.rotation, 0));
-  set_three(scene, node, Channel::scaleX, parts.scale);
+  scene.set_channels(node, Channel::translateX, {matrix[12], matrix[13], matrix[14]});
+  scene.set_channels(node, Channel::rotateX, angles_of(parts.rotation, 0));
+  scene.set_channels(node, Channel::scaleX, parts.scale);
   // What is left of axes at right angles is rounding.
   const bool slanted =
       std::any_of(parts.shear.begin(), parts.shear.end(), [](double s) { return std::abs(s) > 1e-15; });
-  if (slanted) set_three(scene, node, Channel::shearXY, parts.shear);
+  if (slanted) scene.set_channels(node, Channel::shearXY, parts.shear);
 }
 
 }  // namespace vantorelix::standalone

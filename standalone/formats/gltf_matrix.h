@@ -13,7 +13,4 @@ namespace vantorelix::standalone {
 // same.
 void place_by_matrix(Scene& scene, NodeId node, const std::array<double, 16>& matrix);
 
-// Sets rotateX to rotateZ in the order xyz.
-void set_angles(Scene& scene, NodeId node, const std::array<double, 3>& angles);
-
 }  // namespace vantorelix::standalone

@@ -127,7 +127,7 @@ class GltfReader {
     const NodeId parent = source.parent == nullptr ? kWorld : nodes_[number_of(source.parent)];
     const NodeId node = scene_.create_node(joints_[number] ? "joint" : "transform", wanted, parent);
     nodes_[number] = node;
-    if (scene_.short_name(node) != wanted) scene_.add_attribute(node, kNameInFile, host::Value(wanted));
+    keep_name_in_file(scene_, node, wanted);
     scene_.add_attribute(node, kNumberInFile, host::Value(static_cast<std::int64_t>(number)));
     // A joint's scale goes on to its children here.
     if (joints_[number]) scene_.set_channel(node, Channel::segmentScaleCompensate, 0.0);
@@ -153,10 +153,8 @@ class GltfReader {
 
   void place(const cgltf_node& source, NodeId node) {
     for (std::size_t i = 0; i < 3; ++i) {
-      scene_.set_channel(node, static_cast<Channel>(static_cast<std::size_t>(Channel::translateX) + i),
-                         static_cast<double>(source.translation[i]));
-      scene_.set_channel(node, static_cast<Channel>(static_cast<std::size_t>(Channel::scaleX) + i),
-                         static_cast<double>(source.scale[i]));
+      scene_.set_channel(node, component(Channel::translateX, i), static_cast<double>(source.translation[i]));
+      scene_.set_channel(node, component(Channel::scaleX, i), static_cast<double>(source.scale[i]));
     }
     Quaternion q;
     std::copy(source.rotation, source.rotation + 4, q.begin());
@@ -164,7 +162,7 @@ class GltfReader {
       document_.fail("the rotation of node " + std::to_string(number_of(&source)) +
                      " has no length, or is not finite; correct it or export again");
     }
-    set_angles(scene_, node, angles_of(basis_of(q), 0));
+    scene_.set_channels(node, Channel::rotateX, angles_of(basis_of(q), 0));
   }
 
   GltfDocument document_;

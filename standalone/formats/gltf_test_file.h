@@ -101,7 +101,6 @@ class GltfFile {
     return "glTF" + word(2) + word(size) + word(static_cast<std::uint32_t>(text.size())) + "JSON" + text +
            word(static_cast<std::uint32_t>(bin.size())) + std::string("BIN\0", 4) + bin;
   }
-  const std::string& buffer_bytes() const { return buffer_; }
 
  private:
   struct Clip {

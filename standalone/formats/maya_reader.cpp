@@ -185,7 +185,7 @@ NodeId MayaReader::create(const std::string& type, const std::string& name, cons
     if (placeholder_ == kNoNode) placeholder_ = scene_.create_node("reference", "missingParent");
     hold_as_unfollowed(placeholder_, node);
   }
-  if (!name.empty() && scene_.short_name(node) != name) scene_.add_attribute(node, kNameInFile, host::Value(name));
+  if (!name.empty()) keep_name_in_file(scene_, node, name);
   return node;
 }
 

@@ -23,8 +23,7 @@ void add_compound(ChannelNames& names, const std::string& full, const std::strin
       shear ? std::array<const char*, 3>{"xy", "xz", "yz"} : std::array<const char*, 3>{"x", "y", "z"};
   names[full] = names[brief] = {first, 3, angle};
   for (std::size_t k = 0; k < 3; ++k) {
-    const auto part = static_cast<Channel>(static_cast<std::size_t>(first) + k);
-    names[full + ends[k]] = names[brief + brief_ends[k]] = {part, 1, angle};
+    names[full + ends[k]] = names[brief + brief_ends[k]] = {component(first, k), 1, angle};
   }
 }
 
@@ -127,8 +126,7 @@ void MayaReader::set_channels(NodeId node, const ChannelName& name) {
     return note("a rotate order that is none of the six is not taken");
   }
   for (std::size_t k = 0; k < numbers_.size(); ++k) {
-    const auto channel = static_cast<Channel>(static_cast<std::size_t>(name.first) + k);
-    scene_.set_channel(node, channel, name.angle ? numbers_[k] * radians_ : numbers_[k]);
+    scene_.set_channel(node, component(name.first, k), name.angle ? numbers_[k] * radians_ : numbers_[k]);
   }
 }
 

@@ -43,10 +43,12 @@ Scene read_scene(const std::filesystem::path& file, const ReadOptions& options =
 // Where the scene's name of a node differs from the one in the file (illegal characters, clashes, an end site), the
 // node has the file's bytes under this attribute.
 inline constexpr std::string_view kNameInFile = "nameInFile";
-// The number of the node in a file that numbers its nodes (glTF), an integer.
-inline constexpr std::string_view kNumberInFile = "numberInFile";
+// Gives the node that attribute where it has to have it.
+void keep_name_in_file(Scene& scene, NodeId node, const std::string& name);
 // The node's own name in the file, unchanged. A BVH end site, which has none, is "End Site of <joint>".
 std::string name_in_file(const Scene& scene, NodeId node);
+// The number of the node in a file that numbers its nodes (glTF), an integer.
+inline constexpr std::string_view kNumberInFile = "numberInFile";
 
 // The same from memory; `name` stands in error texts. For tests and fuzzing.
 Scene read_bvh(std::string_view text, const std::string& name, const ReadOptions& options = {});

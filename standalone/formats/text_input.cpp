@@ -95,6 +95,21 @@ std::uint64_t TextInput::left() const {
 
 void TextInput::fail(std::size_t line, const std::string& text) const { throw FormatError(source_.name(), line, text); }
 
+std::size_t take_named(const std::string& name, const std::vector<Take>& takes, const std::string& kind,
+                       const std::string& file) {
+  constexpr std::size_t kNamed = 20;
+  if (name.empty()) return 0;
+  std::string known;
+  for (std::size_t i = 0; i < takes.size(); ++i) {
+    if (takes[i].name == name) return i;
+    if (i < kNamed) known += (i == 0 ? " " : ", ") + shown(takes[i].name);
+  }
+  if (takes.size() > kNamed) known += ", ...";
+  throw FormatError(
+      file, 0,
+      "there is no " + kind + " " + shown(name) + "; the file has" + (takes.empty() ? " no " + kind + "s" : known));
+}
+
 std::string shown(std::string_view text) {
   constexpr std::size_t kLimit = 40;
   std::string result = "'";

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "standalone/formats/reader.h"
 
@@ -114,6 +115,11 @@ class TextInput {
   std::uint64_t taken_ = 0;
   std::chrono::steady_clock::time_point reported_;
 };
+
+// Which of a file's takes, or whatever its format calls them (`kind`), bears the name; the first for an empty name.
+// Throws FormatError with the names there are.
+std::size_t take_named(const std::string& name, const std::vector<Take>& takes, const std::string& kind,
+                       const std::string& file);
 
 // What a file says, fit for an error text: at most 40 bytes, all printable, in single quotes.
 std::string shown(std::string_view text);

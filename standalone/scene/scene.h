@@ -5,6 +5,8 @@
 // All failures are host::Error with the text that the host would give, and leave the scene as it was.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -66,6 +68,11 @@ enum class Channel : std::uint8_t {
   segmentScaleCompensate,  // 0 or 1, joints only
   count
 };
+
+// The k-th of the three channels from `first` on.
+constexpr Channel component(Channel first, std::size_t k) {
+  return static_cast<Channel>(static_cast<std::size_t>(first) + k);
+}
 
 // What a scene tells whoever listens, inside the edit itself.
 struct SceneListener {
@@ -163,6 +170,7 @@ class Scene {
   // are not finite are refused with kind value, in every way in.
   double channel(NodeId node, Channel c) const;            // its static value
   void set_channel(NodeId node, Channel c, double value);  // ignores locks and drivers: for readers and tests
+  void set_channels(NodeId node, Channel first, const std::array<double, 3>& values);  // the same of three in a row
   void set_offset_parent_matrix(NodeId node, const std::array<double, 16>& matrix);
   // The script's way: converts, checks locks and connections ("The attribute 'x.y' is locked or connected and
   // cannot be modified."), takes UI units (degrees). Throws "No object matches name: x.y" for an unknown attribute.

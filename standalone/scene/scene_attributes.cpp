@@ -114,6 +114,10 @@ void Scene::set_channel(NodeId id, Channel c, double value) {
   data_->values_changed();
 }
 
+void Scene::set_channels(NodeId id, Channel first, const std::array<double, 3>& values) {
+  for (std::size_t k = 0; k < values.size(); ++k) set_channel(id, component(first, k), values[k]);
+}
+
 void Scene::set_offset_parent_matrix(NodeId id, const std::array<double, 16>& matrix) {
   Node& node = data_->transform(id);
   Affine affine;
