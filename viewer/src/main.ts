@@ -1,0 +1,76 @@
+// Puts the page together.
+
+import "./style.css";
+import { embeddedSource } from "./source/embedded";
+import type { App } from "./model/app";
+import { listenToKeys } from "./model/commands";
+import { KEPT, readHash, writeHash } from "./model/hash";
+import { Motion } from "./model/motion";
+import { runPlayer } from "./model/player";
+import { initialState, Store } from "./model/state";
+import { buildPage } from "./panels/page";
+import { Viewport } from "./view/viewport";
+
+function keepStateInHash(store: Store, initial: typeof store.state, trailCount: number): void {
+  let timer = 0;
+  const write = () => {
+    const text = writeHash(store.state, initial);
+    if (text !== location.hash.slice(1)) history.replaceState(null, "", `#${text}`);
+  };
+  store.subscribe(() => {
+    clearTimeout(timer);
+    if (!store.state.playing) timer = window.setTimeout(write, 150);
+  }, [...KEPT, "playing"]);
+  window.addEventListener("hashchange", () =>
+    store.set({ ...Object.fromEntries(KEPT.map((key) => [key, initial[key]])), ...readHash(location.hash, initial, trailCount) }),
+  );
+}
+
+function save(name: string, content: Blob): void {
+  const link = document.createElement("a");
+  link.href = URL.createObjectURL(content);
+  link.download = name;
+  link.click();
+  setTimeout(() => URL.revokeObjectURL(link.href), 10_000);
+}
+
+function start(root: HTMLElement): void {
+  const source = embeddedSource();
+  const { scene } = source;
+  const motion = new Motion(source.trails());
+  const initial = initialState(scene, motion.trails);
+  const store = new Store({ ...initial, ...readHash(location.hash, initial, motion.trails.length) });
+  motion.relativeTo(store.state.relativeTo);
+  store.subscribe((state) => motion.relativeTo(state.relativeTo), ["relativeTo"]);
+
+  document.title = `${scene.name.split(/[\\/]/).pop()}: motion trails`;
+  let viewport: Viewport | null = null;
+  const app: App = {
+    scene, motion, store, save,
+    announce: (text) => page.announce(text),
+    picture: () => viewport!.picture(),
+  };
+  const page = buildPage(app, root);
+  viewport = new Viewport(app, page.viewport);
+  source.subscribe(() => {
+    motion.trails = source.trails();
+    viewport!.trailsChanged();
+    page.trailsChanged();
+  });
+  listenToKeys(app);
+  runPlayer(scene, store);
+  keepStateInHash(store, initial, motion.trails.length);
+  document.documentElement.dataset.ready = "true";
+}
+
+const root = document.getElementById("app")!;
+try {
+  start(root);
+} catch (error) {
+  const message = document.createElement("p");
+  message.setAttribute("role", "alert");
+  message.className = "failure";
+  message.textContent = error instanceof Error ? error.message : String(error);
+  root.replaceChildren(message);
+  throw error;
+}

@@ -1,0 +1,144 @@
+// The four colour modes, by the rules of the engine. Channels are 0..1 here, as the engine has them; flat arrays of
+// triples. A test compares every function with the engine's own.
+
+import type { ColorMode, Trail } from "../source/trail";
+
+export type Rgb = readonly [number, number, number];
+
+export const STANDARD: Rgb = [0.15, 0.75, 0.65];
+export const PAST: Rgb = [1.0, 0.75, 0.0];
+export const FUTURE: Rgb = [0.0, 0.65, 0.65];
+export const ODD_BEAT: Rgb = [0.15, 0.85, 0.25];
+export const EVEN_BEAT: Rgb = [1.0, 1.0, 1.0];
+
+type Stop = readonly [number, Rgb];
+
+/** Blue, cyan, green, yellow, orange, red: slow to fast; 0.4 is the trail's own typical speed. */
+export const RAMP: readonly Stop[] = [
+  [0.0, [0.0, 0.0, 1.0]],
+  [0.25, [0.0, 1.0, 1.0]],
+  [0.5, [0.0, 1.0, 0.0]],
+  [0.7, [1.0, 1.0, 0.0]],
+  [0.85, [1.0, 0.5, 0.0]],
+  [1.0, [1.0, 0.0, 0.0]],
+];
+
+/** The colour at t of a list of stops, linear between them; t is clamped to 0..1. */
+export function rampColor(t: number, stops: readonly Stop[] = RAMP): Rgb {
+  const c = Math.max(0, Math.min(1, t));
+  for (let i = 0; i + 1 < stops.length; ++i) {
+    const [t0, a] = stops[i];
+    const [t1, b] = stops[i + 1];
+    if (c > t1) continue;
+    const u = t1 > t0 ? (c - t0) / (t1 - t0) : 0;
+    return [a[0] + (b[0] - a[0]) * u, a[1] + (b[1] - a[1]) * u, a[2] + (b[2] - a[2]) * u];
+  }
+  return stops[stops.length - 1][1];
+}
+
+function fill(n: number, color: (i: number) => Rgb): Float64Array {
+  const colors = new Float64Array(3 * Math.max(0, n));
+  for (let i = 0; i < n; ++i) colors.set(color(i), 3 * i);
+  return colors;
+}
+
+export const standardColors = (n: number): Float64Array => fill(n, () => STANDARD);
+
+const stepOrOne = (frameStep: number) => (frameStep > 1e-9 ? frameStep : 1);
+
+/** Past and future of the current frame. */
+export function flowColors(n: number, startFrame: number, frameStep: number, currentFrame: number): Float64Array {
+  const now = (currentFrame - startFrame) / stepOrOne(frameStep);
+  return fill(n, (i) => (i <= now ? PAST : FUTURE));
+}
+
+/** How many of the sorted times are at or before the frame. */
+export function countUpTo(times: ArrayLike<number>, frame: number): number {
+  let low = 0;
+  let high = times.length;
+  while (low < high) {
+    const middle = (low + high) >> 1;
+    if (times[middle] <= frame) low = middle + 1;
+    else high = middle;
+  }
+  return low;
+}
+
+/** Alternating between key times, in whatever order they come. */
+export function beatsColors(
+  n: number, startFrame: number, frameStep: number, keyTimes: ArrayLike<number>,
+): Float64Array {
+  const times = Float64Array.from(keyTimes).sort();
+  const step = stepOrOne(frameStep);
+  return fill(n, (i) => (countUpTo(times, startFrame + i * step) % 2 === 1 ? ODD_BEAT : EVEN_BEAT));
+}
+
+/** Where on the ramp a pushed spacing colour lies: the ramp's stretches differ, so each colour has one place. */
+export function rampPosition(r: number, g: number, b: number): number {
+  if (b > 0 && r === 0) return g < 1 ? 0.25 * g : 0.25 + 0.25 * (1 - b); // blue to cyan to green
+  if (g === 1) return 0.5 + 0.2 * r; // green to yellow
+  return g >= 0.5 ? 0.7 + 0.3 * (1 - g) : 0.85 + 0.3 * (0.5 - g); // yellow to orange to red
+}
+
+/** Slow to fast for every kind of colour vision: dark to light, blue to yellow. Not the engine's own. */
+export const SAFE_RAMP: readonly Stop[] = [
+  [0.0, [0.13, 0.17, 0.56]],
+  [0.25, [0.27, 0.34, 0.6]],
+  [0.5, [0.5, 0.5, 0.52]],
+  [0.7, [0.73, 0.66, 0.42]],
+  [0.85, [0.89, 0.8, 0.3]],
+  [1.0, [1.0, 0.93, 0.2]],
+];
+const SAFE_PAST: Rgb = [0.9, 0.6, 0.0];
+const SAFE_FUTURE: Rgb = [0.0, 0.45, 0.7];
+const SAFE_ODD: Rgb = [0.0, 0.45, 0.7];
+const SAFE_EVEN: Rgb = [0.95, 0.9, 0.25];
+
+export type Palette = "engine" | "safe";
+
+function bytes(colors: Float64Array): Uint8Array {
+  return Uint8Array.from(colors, (c) => Math.round(Math.max(0, Math.min(1, c)) * 255));
+}
+
+function recolor(colors: Float64Array, from: Rgb, to: readonly [Rgb, Rgb]): Float64Array {
+  const result = new Float64Array(colors.length);
+  for (let i = 0; i < colors.length; i += 3) {
+    const isFrom = colors[i] === from[0] && colors[i + 1] === from[1] && colors[i + 2] === from[2];
+    result.set(isFrom ? to[0] : to[1], i);
+  }
+  return result;
+}
+
+function safeSpacing(pushed: Uint8Array): Uint8Array {
+  const result = new Uint8Array(pushed.length);
+  for (let i = 0; i < pushed.length; i += 3) {
+    const t = rampPosition(pushed[i] / 255, pushed[i + 1] / 255, pushed[i + 2] / 255);
+    rampColor(t, SAFE_RAMP).forEach((c, k) => (result[i + k] = Math.round(c * 255)));
+  }
+  return result;
+}
+
+/** A colour for each sample of a trail, 0..255. */
+export function trailColors(trail: Trail, mode: ColorMode, currentFrame: number, palette: Palette): Uint8Array {
+  const safe = palette === "safe";
+  switch (mode) {
+    case 0:
+      return bytes(standardColors(trail.count));
+    case 1:
+      return safe ? safeSpacing(trail.colors) : trail.colors;
+    case 2: {
+      const colors = flowColors(trail.count, trail.startFrame, trail.frameStep, currentFrame);
+      return bytes(safe ? recolor(colors, PAST, [SAFE_PAST, SAFE_FUTURE]) : colors);
+    }
+    case 3: {
+      const colors = beatsColors(trail.count, trail.startFrame, trail.frameStep, trail.keyTimes);
+      return bytes(safe ? recolor(colors, ODD_BEAT, [SAFE_ODD, SAFE_EVEN]) : colors);
+    }
+  }
+}
+
+/** Colours that tell objects apart, also with the commoner kinds of colour blindness; in order, then again. */
+export const OBJECT_COLORS: readonly string[] = [
+  "#e69f00", "#56b4e9", "#009e73", "#cc79a7", "#d55e00", "#0072b2", "#b8a910", "#8a6fd1",
+];
+export const objectColor = (trail: number): string => OBJECT_COLORS[trail % OBJECT_COLORS.length];

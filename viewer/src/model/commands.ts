@@ -1,0 +1,166 @@
+// Everything that a key or a button does, in one table: the keyboard, the toolbar and the help read it.
+
+import { COLOR_MODES, type ColorMode } from "../source/trail";
+import { selectionCsv } from "../export/csv";
+import type { App } from "./app";
+import { countUpTo } from "./colors";
+import { boundsOf, framing, visibleTrails } from "./pose";
+import { isVisible, toggled, type ViewName } from "./state";
+
+export interface Command {
+  readonly id: string;
+  readonly title: string;
+  /** As KeyboardEvent.key has them, with "Shift+" before one where needed; none for buttons only. */
+  readonly keys: readonly string[];
+  run(app: App): void;
+}
+
+/** A frame within what is played. */
+function goTo(app: App, frame: number): void {
+  const { playFirst, playLast } = app.store.state;
+  app.store.set({ frame: Math.max(playFirst, Math.min(playLast, frame)), playing: false });
+}
+
+/** Whole frames: half-way between two, the next one is a half away. */
+function step(app: App, by: number): void {
+  const { frame } = app.store.state;
+  goTo(app, by > 0 ? Math.floor(frame + 1e-9) + by : Math.ceil(frame - 1e-9) + by);
+}
+
+/** Key times of the selected trails, of all visible ones when none is selected: sorted, each once. */
+export function shownKeyTimes(app: App): number[] {
+  const { state } = app.store;
+  const chosen = state.selected.size > 0 ? [...state.selected] : visibleTrails(app.motion, state);
+  const times = new Set<number>();
+  for (const trail of chosen) for (const time of app.motion.trails[trail]?.keyTimes ?? []) times.add(time);
+  return [...times].sort((a, b) => a - b);
+}
+
+function stepKey(app: App, by: 1 | -1): void {
+  const times = shownKeyTimes(app);
+  const { frame } = app.store.state;
+  const passed = countUpTo(times, frame);
+  const index = by > 0 ? passed : times[passed - 1] === frame ? passed - 2 : passed - 1;
+  if (times[index] !== undefined) goTo(app, times[index]);
+  else app.announce(by > 0 ? "No later key" : "No earlier key");
+}
+
+function frameTrails(app: App, trails: readonly number[]): void {
+  const { camera } = app.store.state;
+  app.store.set({ camera: framing(boundsOf(app.motion, trails, app.scene.upAxis), camera?.view ?? "persp", camera) });
+}
+
+function frameSelected(app: App): void {
+  const { state } = app.store;
+  const selected = [...state.selected].filter((trail) => isVisible(state, trail));
+  frameTrails(app, selected.length > 0 ? selected : visibleTrails(app.motion, state));
+}
+
+function look(app: App, view: ViewName): void {
+  const { state } = app.store;
+  const box = boundsOf(app.motion, visibleTrails(app.motion, state), app.scene.upAxis);
+  app.store.set({ camera: framing(box, view) });
+}
+
+function eachSelected(app: App, change: (trails: readonly number[]) => void): void {
+  const { selected } = app.store.state;
+  if (selected.size === 0) app.announce("Nothing is selected");
+  else change([...selected]);
+}
+
+function setMode(app: App, mode: ColorMode): void {
+  app.store.set({ mode, colorBy: "mode" });
+  app.announce(`Colour mode ${COLOR_MODES[mode]}`);
+}
+
+/** A file name from the scene's. */
+const fileName = (app: App, ending: string) =>
+  (app.scene.name.split(/[\\/]/).pop()?.replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
+
+const view = (id: ViewName, title: string, key: string): Command => ({
+  id: `view-${id}`, title, keys: [key], run: (app) => look(app, id),
+});
+
+const mode = (value: ColorMode): Command => ({
+  id: `mode-${value}`, title: `Colour mode ${COLOR_MODES[value]}`, keys: [`Shift+${value + 1}`],
+  run: (app) => setMode(app, value),
+});
+
+export const COMMANDS: readonly Command[] = [
+  { id: "play", title: "Play or stop", keys: [" "], run: (app) => app.store.set({ playing: !app.store.state.playing }) },
+  { id: "next-frame", title: "Next frame", keys: ["ArrowRight", "."], run: (app) => step(app, 1) },
+  { id: "previous-frame", title: "Previous frame", keys: ["ArrowLeft", ","], run: (app) => step(app, -1) },
+  { id: "next-key", title: "Next key", keys: ["Shift+ArrowRight", "]"], run: (app) => stepKey(app, 1) },
+  { id: "previous-key", title: "Previous key", keys: ["Shift+ArrowLeft", "["], run: (app) => stepKey(app, -1) },
+  { id: "first-frame", title: "First frame", keys: ["Home"], run: (app) => goTo(app, app.store.state.playFirst) },
+  { id: "last-frame", title: "Last frame", keys: ["End"], run: (app) => goTo(app, app.store.state.playLast) },
+  { id: "range-start", title: "Start the range here", keys: ["i"],
+    run: (app) => app.store.set({ playFirst: Math.min(app.store.state.frame, app.store.state.playLast) }) },
+  { id: "range-end", title: "End the range here", keys: ["o"],
+    run: (app) => app.store.set({ playLast: Math.max(app.store.state.frame, app.store.state.playFirst) }) },
+  { id: "range-all", title: "Whole range", keys: ["p"],
+    run: (app) => app.store.set({ playFirst: app.scene.first, playLast: app.scene.last }) },
+  { id: "frame-selected", title: "Frame what is selected", keys: ["f"], run: frameSelected },
+  { id: "frame-all", title: "Frame all", keys: ["a"],
+    run: (app) => frameTrails(app, visibleTrails(app.motion, app.store.state)) },
+  view("persp", "Perspective", "1"),
+  view("front", "Front", "2"),
+  view("side", "Side", "3"),
+  view("top", "Top", "4"),
+  mode(0), mode(1), mode(2), mode(3),
+  { id: "hide", title: "Hide or show what is selected", keys: ["h"],
+    run: (app) => eachSelected(app, (trails) =>
+      app.store.set({ hidden: trails.reduce(toggled, app.store.state.hidden) })) },
+  { id: "solo", title: "Show only what is selected, or all again", keys: ["s"],
+    run: (app) => app.store.state.solo.size > 0
+      ? app.store.set({ solo: new Set() })
+      : eachSelected(app, (trails) => app.store.set({ solo: new Set(trails) })) },
+  { id: "show-all", title: "Show everything", keys: ["Shift+H"],
+    run: (app) => app.store.set({ hidden: new Set(), solo: new Set() }) },
+  { id: "relative", title: "Relative to what is selected, or the world again", keys: ["r"],
+    run: (app) => app.store.state.relativeTo !== null
+      ? app.store.set({ relativeTo: null })
+      : eachSelected(app, ([first]) => app.store.set({ relativeTo: first })) },
+  { id: "ghost", title: "Ghost: draw through geometry, or not", keys: ["g"],
+    run: (app) => app.store.set({ ghost: !(app.store.state.ghost ?? app.motion.trails.some((trail) => trail.ghost)) }) },
+  { id: "color-by", title: "Colour by mode or by object", keys: ["c"],
+    run: (app) => app.store.set({ colorBy: app.store.state.colorBy === "mode" ? "object" : "mode" }) },
+  { id: "png", title: "Save a picture (PNG)", keys: ["Shift+P"],
+    run: (app) => void app.picture().then((picture) => app.save(fileName(app, ".png"), picture)) },
+  { id: "csv", title: "Save the selected trails (CSV)", keys: ["Shift+C"],
+    run: (app) => eachSelected(app, (trails) =>
+      app.save(fileName(app, ".csv"), new Blob([selectionCsv(app.motion, trails)], { type: "text/csv" }))) },
+];
+
+export const command = (id: string): Command => {
+  const found = COMMANDS.find((candidate) => candidate.id === id);
+  if (!found) throw new Error(`there is no command ${id}`);
+  return found;
+};
+
+/** What a key event is called in the table. Shift counts where it does not change the key itself. */
+export function keyName(event: KeyboardEvent): string {
+  const digit = /^Digit(\d)$/.exec(event.code);
+  const key = event.shiftKey && digit ? digit[1] : event.key.length === 1 ? event.key : event.key;
+  return event.shiftKey ? `Shift+${key.length === 1 ? key.toUpperCase() : key}` : key;
+}
+
+/** A key as a person reads it. */
+export const keyLabel = (key: string): string =>
+  key.replace("Arrow", "").replace("Right", "→").replace("Left", "←").replace(/^ $/, "Space").replace(/^[a-z]$/, (k) => k.toUpperCase());
+
+/** Runs the commands of keys that no control of the page uses itself. */
+export function listenToKeys(app: App): void {
+  const byKey = new Map(COMMANDS.flatMap((each) => each.keys.map((key) => [key, each] as const)));
+  document.addEventListener("keydown", (event) => {
+    if (event.ctrlKey || event.metaKey || event.altKey || event.defaultPrevented) return;
+    const target = event.target as HTMLElement;
+    if (target.closest("input:not([type=checkbox]):not([type=radio]), select, textarea, dialog")) return;
+    if (event.key === " " && target.closest("button, input, summary, a")) return;
+    if (/^(Arrow|Home|End)/.test(event.key) && target.closest("[data-own-arrows], input[type=radio]")) return;
+    const found = byKey.get(keyName(event));
+    if (!found) return;
+    event.preventDefault();
+    found.run(app);
+  });
+}

@@ -1,0 +1,147 @@
+// The state as a page's hash: "key=value&...", only what differs from the beginning. Whatever somebody edited into it
+// that makes no sense is left out.
+
+import type { ColorMode, Vec3 } from "../source/trail";
+import type { CameraPose, ViewState } from "./state";
+
+interface Field<K extends keyof ViewState> {
+  name: string;
+  write(value: ViewState[K]): string;
+  /** Undefined when the text means nothing. */
+  read(text: string): ViewState[K] | undefined;
+}
+
+type Fields = { [K in keyof ViewState]?: Field<K> };
+
+const oneOf = <T extends string>(...values: T[]) => ({
+  write: (value: T) => value,
+  read: (text: string) => values.find((value) => value === text),
+});
+
+const finite = (text: string): number | undefined => {
+  const value = Number(text);
+  return text.trim() !== "" && Number.isFinite(value) ? value : undefined;
+};
+
+const flag = { write: (value: boolean) => (value ? "1" : "0"), read: (t: string) => (t === "1" ? true : t === "0" ? false : undefined) };
+const number = { write: String, read: finite };
+const index = {
+  write: String,
+  read: (text: string) => (/^\d+$/.test(text) ? Number(text) : undefined),
+};
+
+/** A value that may be none; none is an empty text. */
+const optional = <T>(field: { write(value: T): string; read(text: string): T | undefined }) => ({
+  write: (value: T | null) => (value === null ? "" : field.write(value)),
+  read: (text: string): T | null | undefined => (text === "" ? null : field.read(text)),
+});
+
+/** "0-4.7" for 0 to 4 and 7. */
+const indices = {
+  write(set: ReadonlySet<number>): string {
+    const sorted = [...set].sort((a, b) => a - b);
+    const runs: string[] = [];
+    for (let i = 0; i < sorted.length; ) {
+      let end = i;
+      while (sorted[end + 1] === sorted[end] + 1) ++end;
+      runs.push(end > i ? `${sorted[i]}-${sorted[end]}` : `${sorted[i]}`);
+      i = end + 1;
+    }
+    return runs.join(".");
+  },
+  read(text: string): ReadonlySet<number> | undefined {
+    const result = new Set<number>();
+    for (const run of text === "" ? [] : text.split(".")) {
+      const match = /^(\d{1,7})(?:-(\d{1,7}))?$/.exec(run);
+      if (!match) return undefined;
+      for (let i = Number(match[1]); i <= Number(match[2] ?? match[1]); ++i) result.add(i);
+    }
+    return result;
+  },
+};
+
+const rounded = (value: number) => Number(value.toPrecision(9)).toString();
+
+const camera = {
+  write: (pose: CameraPose) =>
+    [pose.view, ...[...pose.target, pose.distance, pose.azimuth, pose.elevation].map(rounded)].join(","),
+  read(text: string): CameraPose | undefined {
+    const [view, ...rest] = text.split(",");
+    const numbers = rest.map(finite);
+    const name = oneOf("persp", "front", "side", "top").read(view);
+    if (!name || numbers.length !== 6 || numbers.includes(undefined)) return undefined;
+    const [x, y, z, distance, azimuth, elevation] = numbers as number[];
+    if (!(distance > 0)) return undefined;
+    return { view: name, target: [x, y, z] as Vec3, distance, azimuth, elevation };
+  },
+};
+
+const mode = {
+  write: String,
+  read: (text: string): ColorMode | undefined => (/^[0-3]$/.test(text) ? (Number(text) as ColorMode) : undefined),
+};
+
+const FIELDS: Fields = {
+  frame: { name: "frame", ...number },
+  playFirst: { name: "from", ...number },
+  playLast: { name: "to", ...number },
+  camera: { name: "camera", ...optional(camera) },
+  selected: { name: "select", ...indices },
+  hidden: { name: "hide", ...indices },
+  solo: { name: "solo", ...indices },
+  relativeTo: { name: "relative", ...optional(index) },
+  colorBy: { name: "color", ...oneOf("mode", "object") },
+  mode: { name: "mode", ...optional(mode) },
+  lineWidth: { name: "width", ...optional(number) },
+  pointSize: { name: "dot", ...optional(number) },
+  showLine: { name: "line", ...optional(flag) },
+  showDots: { name: "dots", ...optional(flag) },
+  ghost: { name: "ghost", ...optional(flag) },
+  showKeys: { name: "keys", ...flag },
+  showLabels: { name: "labels", ...flag },
+  showStatics: { name: "boxes", ...flag },
+  palette: { name: "palette", ...oneOf("engine", "safe") },
+  theme: { name: "theme", ...oneOf("auto", "light", "dark") },
+};
+
+/** The fields that a hash keeps. */
+export const KEPT = Object.keys(FIELDS) as (keyof ViewState)[];
+
+export function writeHash(state: ViewState, initial: ViewState): string {
+  const parts: string[] = [];
+  for (const key of KEPT) {
+    const field = FIELDS[key] as Field<typeof key>;
+    const text = field.write(state[key]);
+    if (text !== field.write(initial[key])) parts.push(`${field.name}=${encodeURIComponent(text)}`);
+  }
+  return parts.join("&");
+}
+
+/** What a hash says about the state; trails that are not there, and frames out of the range, are left out. */
+export function readHash(hash: string, initial: ViewState, trailCount: number): Partial<ViewState> {
+  const result: Record<string, unknown> = {};
+  const values = new URLSearchParams(hash.replace(/^#/, ""));
+  for (const key of KEPT) {
+    const field = FIELDS[key] as Field<typeof key>;
+    const text = values.get(field.name);
+    const value = text === null ? undefined : field.read(text);
+    if (value !== undefined) result[key] = value;
+  }
+  const patch = result as { -readonly [K in keyof ViewState]?: ViewState[K] };
+  const known = (set: ReadonlySet<number>) => new Set([...set].filter((i) => i < trailCount));
+  if (patch.selected) patch.selected = known(patch.selected);
+  if (patch.hidden) patch.hidden = known(patch.hidden);
+  if (patch.solo) patch.solo = known(patch.solo);
+  if (patch.relativeTo != null && patch.relativeTo >= trailCount) delete patch.relativeTo;
+  const within = (frame: number | undefined) =>
+    frame === undefined ? undefined : Math.max(initial.playFirst, Math.min(initial.playLast, frame));
+  for (const key of ["frame", "playFirst", "playLast"] as const) {
+    const frame = within(patch[key]);
+    if (frame !== undefined) patch[key] = frame;
+  }
+  if ((patch.playFirst ?? initial.playFirst) > (patch.playLast ?? initial.playLast)) {
+    delete patch.playFirst;
+    delete patch.playLast;
+  }
+  return patch;
+}

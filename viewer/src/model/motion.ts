@@ -1,0 +1,112 @@
+// Positions, spacing and speed of the trails, in the world or relative to one of them. Nothing is sampled again: where
+// two trails have their samples at different frames, the other's position between two samples is linear.
+
+import type { Trail, Vec3 } from "../source/trail";
+
+export const sampleFrame = (trail: Trail, sample: number): number => trail.startFrame + sample * trail.frameStep;
+
+/** The sample nearest to a frame. */
+export function nearestSample(trail: Trail, frame: number): number {
+  const sample = Math.round((frame - trail.startFrame) / trail.frameStep);
+  return Math.max(0, Math.min(trail.count - 1, sample));
+}
+
+export const triple = (values: Float64Array, i: number): Vec3 => [values[3 * i], values[3 * i + 1], values[3 * i + 2]];
+
+export const isFinitePoint = (p: Vec3): boolean => Number.isFinite(p[0]) && Number.isFinite(p[1]) && Number.isFinite(p[2]);
+
+/** The world position at a frame, linear between samples, held before the first and after the last. */
+export function worldPosition(trail: Trail, frame: number): Vec3 {
+  const place = Math.max(0, Math.min(trail.count - 1, (frame - trail.startFrame) / trail.frameStep));
+  const before = Math.floor(place);
+  const part = place - before;
+  const a = triple(trail.points, before);
+  if (part === 0) return a;
+  const b = triple(trail.points, before + 1);
+  return [a[0] + (b[0] - a[0]) * part, a[1] + (b[1] - a[1]) * part, a[2] + (b[2] - a[2]) * part];
+}
+
+const minus = (a: Vec3, b: Vec3): Vec3 => [a[0] - b[0], a[1] - b[1], a[2] - b[2]];
+
+function subtract(points: Float64Array, at: (i: number) => Vec3): Float64Array {
+  const result = new Float64Array(points.length);
+  for (let i = 0; 3 * i < points.length; ++i) result.set(minus(triple(points, i), at(i)), 3 * i);
+  return result;
+}
+
+/** The trails as they are shown. Results are kept until the next call of relativeTo or trails. */
+export class Motion {
+  private readonly points = new Map<number, Float64Array>();
+  private readonly keyPoints = new Map<number, Float64Array>();
+  private readonly spacings = new Map<number, Float64Array>();
+  private reference: Trail | null = null;
+
+  constructor(private list: readonly Trail[]) {}
+
+  get trails(): readonly Trail[] {
+    return this.list;
+  }
+
+  set trails(list: readonly Trail[]) {
+    this.list = list;
+    this.forget();
+  }
+
+  /** From now on positions are relative to this trail; null: in the world. */
+  relativeTo(trail: number | null): void {
+    this.reference = trail === null ? null : (this.list[trail] ?? null);
+    this.forget();
+  }
+
+  /** Flat triples, a sample each. */
+  shownPoints(index: number): Float64Array {
+    return this.kept(this.points, index, (trail, reference) =>
+      reference ? subtract(trail.points, (i) => worldPosition(reference, sampleFrame(trail, i))) : trail.points,
+    );
+  }
+
+  shownKeyPoints(index: number): Float64Array {
+    return this.kept(this.keyPoints, index, (trail, reference) =>
+      reference ? subtract(trail.keyPoints, (i) => worldPosition(reference, trail.keyTimes[i])) : trail.keyPoints,
+    );
+  }
+
+  shownPosition(index: number, frame: number): Vec3 {
+    const position = worldPosition(this.list[index], frame);
+    return this.reference ? minus(position, worldPosition(this.reference, frame)) : position;
+  }
+
+  /** Distance a frame from each sample to the next: one less than samples; NaN beside samples that are not finite. */
+  spacing(index: number): Float64Array {
+    return this.kept(this.spacings, index, (trail) => {
+      const points = this.shownPoints(index);
+      const result = new Float64Array(Math.max(0, trail.count - 1));
+      for (let i = 0; i < result.length; ++i) {
+        const [x, y, z] = minus(triple(points, i + 1), triple(points, i));
+        result[i] = Math.hypot(x, y, z) / trail.frameStep;
+      }
+      return result;
+    });
+  }
+
+  /** Distance a frame at a sample: the mean of the stretches on its two sides. */
+  speed(index: number, sample: number): number {
+    const spacing = this.spacing(index);
+    const sides = [spacing[sample - 1], spacing[sample]].filter((s) => Number.isFinite(s));
+    return sides.length ? sides.reduce((a, b) => a + b) / sides.length : NaN;
+  }
+
+  private forget(): void {
+    this.points.clear();
+    this.keyPoints.clear();
+    this.spacings.clear();
+  }
+
+  private kept(
+    cache: Map<number, Float64Array>, index: number, make: (trail: Trail, reference: Trail | null) => Float64Array,
+  ): Float64Array {
+    let found = cache.get(index);
+    if (!found) cache.set(index, (found = make(this.list[index], this.reference)));
+    return found;
+  }
+}

@@ -1,0 +1,129 @@
+// What the reader has chosen. One plain object; every change goes through Store.set, and everything that shows or
+// keeps some of it subscribes.
+
+import type { ColorMode, Scene, Trail, Vec3 } from "../source/trail";
+import type { Palette } from "./colors";
+
+export type ViewName = "persp" | "front" | "side" | "top";
+export type Theme = "auto" | "light" | "dark";
+
+/** Where the camera is: it looks at `target` from `distance` away; angles in degrees, around and above. */
+export interface CameraPose {
+  readonly view: ViewName;
+  readonly target: Vec3;
+  readonly distance: number;
+  readonly azimuth: number;
+  readonly elevation: number;
+}
+
+export interface Hover {
+  readonly trail: number;
+  readonly sample: number;
+}
+
+/** Trails are meant by their index. */
+export interface ViewState {
+  readonly frame: number;
+  /** What playing runs through, frames. */
+  readonly playFirst: number;
+  readonly playLast: number;
+  readonly playing: boolean;
+  /** None until the viewport has framed the trails. */
+  readonly camera: CameraPose | null;
+  readonly selected: ReadonlySet<number>;
+  readonly hidden: ReadonlySet<number>;
+  /** When it holds any, only these are shown. */
+  readonly solo: ReadonlySet<number>;
+  /** Trails are shown relative to this one; none: in the world. */
+  readonly relativeTo: number | null;
+  readonly colorBy: "mode" | "object";
+  /** These five: none leaves each trail its own. */
+  readonly mode: ColorMode | null;
+  readonly lineWidth: number | null;
+  readonly pointSize: number | null;
+  readonly showLine: boolean | null;
+  readonly showDots: boolean | null;
+  readonly ghost: boolean | null;
+  readonly showKeys: boolean;
+  readonly showLabels: boolean;
+  readonly showStatics: boolean;
+  readonly palette: Palette;
+  readonly theme: Theme;
+  readonly search: string;
+  /** The sample under the pointer, in the viewport or in the graph. */
+  readonly hover: Hover | null;
+}
+
+export function initialState(scene: Scene, trails: readonly Trail[]): ViewState {
+  return {
+    frame: Math.max(scene.first, Math.min(scene.last, scene.current)),
+    playFirst: scene.first,
+    playLast: scene.last,
+    playing: false,
+    camera: null,
+    selected: new Set(trails.length > 0 ? [0] : []),
+    hidden: new Set(),
+    solo: new Set(),
+    relativeTo: null,
+    colorBy: "mode",
+    mode: null,
+    lineWidth: null,
+    pointSize: null,
+    showLine: null,
+    showDots: null,
+    ghost: null,
+    showKeys: true,
+    showLabels: true,
+    showStatics: true,
+    palette: "engine",
+    theme: "auto",
+    search: "",
+    hover: null,
+  };
+}
+
+export type Change = ReadonlySet<keyof ViewState>;
+
+export class Store {
+  private current: ViewState;
+  private readonly listeners = new Set<(state: ViewState, changed: Change) => void>();
+
+  constructor(initial: ViewState) {
+    this.current = initial;
+  }
+
+  get state(): ViewState {
+    return this.current;
+  }
+
+  /** Takes over what differs and tells everybody once, with the names of what differs. */
+  set(patch: Partial<ViewState>): void {
+    const changed = new Set<keyof ViewState>();
+    for (const key of Object.keys(patch) as (keyof ViewState)[])
+      if (!Object.is(this.current[key], patch[key])) changed.add(key);
+    if (changed.size === 0) return;
+    this.current = { ...this.current, ...patch };
+    for (const listener of this.listeners) listener(this.current, changed);
+  }
+
+  /** Calls back after every change of one of `keys` (of anything, without keys); the result ends that. */
+  subscribe(listener: (state: ViewState, changed: Change) => void, keys?: readonly (keyof ViewState)[]): () => void {
+    const guarded = keys
+      ? (state: ViewState, changed: Change) => {
+          if (keys.some((key) => changed.has(key))) listener(state, changed);
+        }
+      : listener;
+    this.listeners.add(guarded);
+    return () => this.listeners.delete(guarded);
+  }
+}
+
+/** A set with one item more or less. */
+export function toggled(set: ReadonlySet<number>, item: number): ReadonlySet<number> {
+  const result = new Set(set);
+  if (!result.delete(item)) result.add(item);
+  return result;
+}
+
+export const isVisible = (state: ViewState, trail: number): boolean =>
+  !state.hidden.has(trail) && (state.solo.size === 0 || state.solo.has(trail));

@@ -1,0 +1,156 @@
+// Trails written into the page by the program: a JSON header and, in base64, the arrays that it describes.
+
+import type { ColorMode, Scene, StaticBox, Trail, TrailSource } from "./trail";
+
+/** Marks a coordinate of a sample that is no finite number. */
+const NOT_FINITE = 0xffffffff;
+
+interface TrailHeader {
+  viz: string;
+  source: string;
+  name: string;
+  samples_per_frame: number;
+  color_mode: number;
+  start_frame: number;
+  frame_step: number;
+  line_width: number;
+  point_size: number;
+  show_line: boolean;
+  show_dots: boolean;
+  ghost: boolean;
+  count: number;
+  low: [number, number, number];
+  step: [number, number, number];
+  keys: number;
+  keys_on_samples: boolean;
+  warnings: string[];
+}
+
+export interface Header {
+  format: number;
+  scene: string;
+  fps: number;
+  range: [number, number];
+  current: number;
+  unit: string;
+  up_axis: "y" | "z";
+  key_time_bytes: 4 | 8;
+  sections: { positions: number; key_positions: number; key_times: number; colors: number };
+  bytes: number;
+  trails: TrailHeader[];
+  statics: StaticBox[];
+}
+
+/** The bytes that a base64 text stands for. */
+export function decodeBase64(text: string): ArrayBuffer {
+  const native = (Uint8Array as unknown as { fromBase64?: (text: string) => Uint8Array<ArrayBuffer> }).fromBase64;
+  if (native) return native.call(Uint8Array, text).buffer;
+  const binary = atob(text);
+  const bytes = new Uint8Array(binary.length);
+  for (let i = 0; i < binary.length; ++i) bytes[i] = binary.charCodeAt(i);
+  return bytes.buffer;
+}
+
+/** Coordinates from their place in the trail's box. */
+function unpack(codes: Uint32Array, low: readonly number[], step: readonly number[]): Float64Array {
+  const values = new Float64Array(codes.length);
+  for (let i = 0; i < codes.length; i += 3)
+    for (let k = 0; k < 3; ++k) {
+      const code = codes[i + k];
+      values[i + k] = code === NOT_FINITE ? NaN : low[k] + code * step[k];
+    }
+  return values;
+}
+
+/** Triples of the samples at the keys' frames. */
+function pick(points: Float64Array, times: Float64Array, start: number, step: number): Float64Array {
+  const picked = new Float64Array(3 * times.length);
+  times.forEach((time, i) => {
+    const sample = Math.round((time - start) / step);
+    for (let k = 0; k < 3; ++k) picked[3 * i + k] = points[3 * sample + k];
+  });
+  return picked;
+}
+
+/** Where reading has come to in each section, in elements. */
+class Cursor {
+  private next = 0;
+  constructor(private readonly start: number, private readonly elementBytes: number) {}
+  /** Byte offset of the next `count` elements. */
+  take(count: number): number {
+    const offset = this.start + this.next * this.elementBytes;
+    this.next += count;
+    return offset;
+  }
+}
+
+/** Throws an Error that says what is wrong when header and data do not belong together. */
+export function readTrails(header: Header, data: ArrayBuffer): Trail[] {
+  if (header.format !== 1) throw new Error(`trails of format ${header.format}; this page reads format 1`);
+  if (data.byteLength !== header.bytes)
+    throw new Error(`the data of the trails has ${data.byteLength} bytes instead of ${header.bytes}: the file was cut`);
+  const { sections } = header;
+  const positions = new Cursor(sections.positions, 4);
+  const keyPositions = new Cursor(sections.key_positions, 4);
+  const keyTimes = new Cursor(sections.key_times, header.key_time_bytes);
+  const colors = new Cursor(sections.colors, 1);
+  const words = (cursor: Cursor, count: number) => new Uint32Array(data, cursor.take(count), count);
+  return header.trails.map((h) => {
+    const points = unpack(words(positions, 3 * h.count), h.low, h.step);
+    const at = keyTimes.take(h.keys);
+    const times =
+      header.key_time_bytes === 4
+        ? Float64Array.from(new Float32Array(data, at, h.keys))
+        : new Float64Array(data, at, h.keys).slice();
+    return {
+      viz: h.viz,
+      source: h.source,
+      name: h.name,
+      samplesPerFrame: h.samples_per_frame,
+      colorMode: h.color_mode as ColorMode,
+      startFrame: h.start_frame,
+      frameStep: h.frame_step,
+      lineWidth: h.line_width,
+      pointSize: h.point_size,
+      showLine: h.show_line,
+      showDots: h.show_dots,
+      ghost: h.ghost,
+      count: h.count,
+      points,
+      colors: new Uint8Array(data, colors.take(3 * h.count), 3 * h.count),
+      keyTimes: times,
+      keyPoints: h.keys_on_samples
+        ? pick(points, times, h.start_frame, h.frame_step)
+        : unpack(words(keyPositions, 3 * h.keys), h.low, h.step),
+      warnings: h.warnings,
+    };
+  });
+}
+
+function readScene(header: Header): Scene {
+  return {
+    name: header.scene,
+    fps: header.fps,
+    first: header.range[0],
+    last: header.range[1],
+    current: header.current,
+    unit: header.unit,
+    upAxis: header.up_axis,
+    statics: header.statics,
+  };
+}
+
+function blockText(id: string): string {
+  const element = document.getElementById(id);
+  if (!element) throw new Error("this page holds no trails; make one with: vantorelix trails SCENE --out trails.html");
+  const text = element.textContent ?? "";
+  element.remove(); // its memory is not needed twice
+  return text;
+}
+
+/** The trails of this page. Throws an Error with a text for the reader. */
+export function embeddedSource(): TrailSource {
+  const header = JSON.parse(blockText("trails-header")) as Header;
+  const trails = readTrails(header, decodeBase64(blockText("trails-data")));
+  return { scene: readScene(header), trails: () => trails, subscribe: () => () => {} };
+}

@@ -1,0 +1,66 @@
+// What the page shows, and the one interface through which it comes. The page reads trails that were written into it;
+// anything else that keeps arrays of samples, an engine that runs beside the page included, can stand in its place.
+
+export type Vec3 = readonly [number, number, number];
+export type ColorMode = 0 | 1 | 2 | 3;
+
+export const COLOR_MODES = ["Standard", "Spacing", "Flow", "Beats"] as const;
+
+/** One trail as its viz node shows it. Arrays of triples are flat: x y z x y z ... */
+export interface Trail {
+  readonly viz: string;
+  /** Long path of the object in the scene. */
+  readonly source: string;
+  /** The object's own name in its file; text from a stranger, never markup. */
+  readonly name: string;
+  readonly samplesPerFrame: number;
+  readonly colorMode: ColorMode;
+  /** Frame of the first sample, and frames between two samples. */
+  readonly startFrame: number;
+  readonly frameStep: number;
+  readonly lineWidth: number;
+  readonly pointSize: number;
+  readonly showLine: boolean;
+  readonly showDots: boolean;
+  readonly ghost: boolean;
+  readonly count: number;
+  /** World positions in the scene's own axes and unit; all three NaN where a sample is not finite. */
+  readonly points: Float64Array;
+  /** The spacing colours that were pushed to the node, 0..255. */
+  readonly colors: Uint8Array;
+  /** Frames, in the order in which they were pushed; as many as key points. */
+  readonly keyTimes: Float64Array;
+  readonly keyPoints: Float64Array;
+  /** Why the trail may differ from the scene's own motion. */
+  readonly warnings: readonly string[];
+}
+
+/** A node that does not move: a box in its own space and the matrix to the world (row vectors, translation last). */
+export interface StaticBox {
+  readonly name: string;
+  readonly matrix: readonly number[];
+  readonly low: Vec3;
+  readonly high: Vec3;
+}
+
+export interface Scene {
+  readonly name: string;
+  readonly fps: number;
+  /** Playback range, frames. */
+  readonly first: number;
+  readonly last: number;
+  /** The scene's current frame. */
+  readonly current: number;
+  /** "unknown" where the file does not say. */
+  readonly unit: string;
+  readonly upAxis: "y" | "z";
+  readonly statics: readonly StaticBox[];
+}
+
+export interface TrailSource {
+  readonly scene: Scene;
+  /** The trails as they are now. A trail keeps its place in the list; one that changed is a new object. */
+  trails(): readonly Trail[];
+  /** Calls back after trails() changed; the result ends that. */
+  subscribe(changed: () => void): () => void;
+}
