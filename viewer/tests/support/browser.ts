@@ -1,0 +1,67 @@
+// One headless browser a test file. A test that leaves an error in the console, or makes the page ask for anything but
+// its own file, fails.
+
+import { pathToFileURL } from "node:url";
+import { chromium, type Browser, type BrowserContextOptions, type Page } from "playwright-core";
+import { afterAll, afterEach, beforeAll, expect } from "vitest";
+import { writePage } from "./page";
+import type { SceneInput } from "./trails";
+
+const ARGUMENTS = [
+  "--no-sandbox", "--disable-gpu", "--use-gl=angle", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
+  "--disable-quic", "--no-first-run", "--disable-background-networking", "--disable-component-update", "--disable-sync",
+];
+
+export interface OpenOptions extends BrowserContextOptions {
+  /** What stands after the "#". */
+  hash?: string;
+}
+
+export interface Opener {
+  /** Opens the page that shows this scene, and waits until it stands. */
+  open(scene: SceneInput, options?: OpenOptions): Promise<Page>;
+  /** What went wrong so far in this test; emptying it makes the test accept that. */
+  readonly problems: string[];
+  /** Opens a page that is there already. */
+  openFile(file: string, options?: OpenOptions): Promise<Page>;
+}
+
+/** Writes down what goes wrong in a page. */
+export function watch(page: Page, url: string, problems: string[]): void {
+  page.on("console", (message) => {
+    if (message.type() === "error") problems.push(`console: ${message.text()}`);
+  });
+  page.on("pageerror", (error) => problems.push(`error: ${error.message}`));
+  page.on("request", (request) => {
+    const asked = request.url().replace(/#.*$/, "");
+    // What the page itself made (a picture to save) comes from no network.
+    if (asked !== url && !asked.startsWith("blob:null/")) problems.push(`request: ${asked}`);
+  });
+}
+
+/** For a test file: starts the browser before its tests and checks after each that nothing went wrong. */
+export function useBrowser(): Opener {
+  let browser: Browser;
+  const problems: string[] = [];
+
+  beforeAll(async () => {
+    const executablePath = process.env.VANTORELIX_CHROMIUM ?? "/usr/bin/chromium";
+    browser = await chromium.launch({ executablePath, args: ARGUMENTS });
+  });
+  afterAll(() => browser?.close());
+  afterEach(async () => {
+    for (const context of browser.contexts()) await context.close();
+    expect(problems.splice(0)).toEqual([]);
+  });
+
+  async function openFile(file: string, { hash = "", ...rest }: OpenOptions = {}): Promise<Page> {
+    const context = await browser.newContext({ viewport: { width: 1280, height: 800 }, ...rest });
+    const page = await context.newPage();
+    const url = pathToFileURL(file).href;
+    watch(page, url, problems);
+    await page.goto(hash ? `${url}#${hash}` : url);
+    await page.waitForSelector("html[data-ready=true]", { state: "attached" });
+    return page;
+  }
+  return { problems, openFile, open: (scene, options) => openFile(writePage(scene), options) };
+}
