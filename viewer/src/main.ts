@@ -6,6 +6,7 @@ import type { App } from "./model/app";
 import { listenToKeys } from "./model/commands";
 import { KEPT, readHash, writeHash } from "./model/hash";
 import { Motion } from "./model/motion";
+import { bestDirection, boundsOf, framing } from "./model/pose";
 import { runPlayer } from "./model/player";
 import { initialState, Store } from "./model/state";
 import { buildPage } from "./panels/page";
@@ -38,8 +39,11 @@ function start(root: HTMLElement): void {
   const source = embeddedSource();
   const { scene } = source;
   const motion = new Motion(source.trails());
-  const initial = initialState(scene, motion.trails);
-  const store = new Store({ ...initial, ...readHash(location.hash, initial, motion.trails.length) });
+  const box = boundsOf(motion, motion.trails.keys(), scene.upAxis);
+  const opening = (aspect: number) => framing(box, "persp", aspect, bestDirection(motion, box, scene.upAxis));
+  let initial = initialState(scene, motion.trails, opening(1.5));
+  const said = readHash(location.hash, initial, motion.trails.length);
+  const store = new Store({ ...initial, ...said });
   motion.relativeTo(store.state.relativeTo);
   store.subscribe((state) => motion.relativeTo(state.relativeTo), ["relativeTo"]);
 
@@ -52,6 +56,8 @@ function start(root: HTMLElement): void {
   };
   const page = buildPage(app, root);
   viewport = new Viewport(app, page.viewport);
+  initial = { ...initial, camera: opening(store.state.aspect) }; // now that the viewport has a size
+  if (!said.camera) store.set({ camera: initial.camera });
   source.subscribe(() => {
     motion.trails = source.trails();
     viewport!.trailsChanged();
@@ -61,6 +67,7 @@ function start(root: HTMLElement): void {
   runPlayer(scene, store);
   keepStateInHash(store, initial, motion.trails.length);
   document.documentElement.dataset.ready = "true";
+  performance.mark("ready");
 }
 
 const root = document.getElementById("app")!;

@@ -4,7 +4,7 @@ import { COLOR_MODES, type ColorMode } from "../source/trail";
 import { selectionCsv } from "../export/csv";
 import type { App } from "./app";
 import { countUpTo } from "./colors";
-import { boundsOf, framing, visibleTrails } from "./pose";
+import { bestDirection, boundsOf, framing, movedTarget, visibleTrails } from "./pose";
 import { isVisible, toggled, type ViewName } from "./state";
 
 export interface Command {
@@ -16,7 +16,7 @@ export interface Command {
 }
 
 /** A frame within what is played. */
-function goTo(app: App, frame: number): void {
+export function goTo(app: App, frame: number): void {
   const { playFirst, playLast } = app.store.state;
   app.store.set({ frame: Math.max(playFirst, Math.min(playLast, frame)), playing: false });
 }
@@ -27,13 +27,23 @@ function step(app: App, by: number): void {
   goTo(app, by > 0 ? Math.floor(frame + 1e-9) + by : Math.ceil(frame - 1e-9) + by);
 }
 
-/** Key times of the selected trails, of all visible ones when none is selected: sorted, each once. */
-export function shownKeyTimes(app: App): number[] {
+function keyTimesOf(app: App): number[] {
   const { state } = app.store;
   const chosen = state.selected.size > 0 ? [...state.selected] : visibleTrails(app.motion, state);
   const times = new Set<number>();
   for (const trail of chosen) for (const time of app.motion.trails[trail]?.keyTimes ?? []) times.add(time);
   return [...times].sort((a, b) => a - b);
+}
+
+/** What the key times were asked for last: the timeline asks at every frame that is played. */
+let asked: { of: readonly unknown[]; times: readonly number[] } = { of: [], times: [] };
+
+/** Key times of the selected trails, of all visible ones when none is selected: sorted, each once. */
+export function shownKeyTimes(app: App): readonly number[] {
+  const { selected, hidden, solo } = app.store.state;
+  const of = [app.motion.trails, selected, hidden, solo];
+  if (of.some((each, i) => each !== asked.of[i])) asked = { of, times: keyTimesOf(app) };
+  return asked.times;
 }
 
 function stepKey(app: App, by: 1 | -1): void {
@@ -46,8 +56,8 @@ function stepKey(app: App, by: 1 | -1): void {
 }
 
 function frameTrails(app: App, trails: readonly number[]): void {
-  const { camera } = app.store.state;
-  app.store.set({ camera: framing(boundsOf(app.motion, trails, app.scene.upAxis), camera?.view ?? "persp", camera) });
+  const { camera, aspect } = app.store.state;
+  app.store.set({ camera: framing(boundsOf(app.motion, trails, app.scene.upAxis), camera.view, aspect, camera) });
 }
 
 function frameSelected(app: App): void {
@@ -59,7 +69,26 @@ function frameSelected(app: App): void {
 function look(app: App, view: ViewName): void {
   const { state } = app.store;
   const box = boundsOf(app.motion, visibleTrails(app.motion, state), app.scene.upAxis);
-  app.store.set({ camera: framing(box, view) });
+  app.store.set({ camera: framing(box, view, state.aspect, bestDirection(app.motion, box, app.scene.upAxis)) });
+}
+
+/** Turns around the target; views along an axis stay as they are. */
+function orbit(app: App, azimuth: number, elevation: number): void {
+  const { camera } = app.store.state;
+  if (camera.view !== "persp") return app.announce("Only the perspective turns");
+  const above = Math.max(-90, Math.min(90, camera.elevation + elevation));
+  app.store.set({ camera: { ...camera, azimuth: camera.azimuth + azimuth, elevation: above } });
+}
+
+function zoom(app: App, factor: number): void {
+  const { camera } = app.store.state;
+  app.store.set({ camera: { ...camera, distance: camera.distance * factor } });
+}
+
+/** Moves the target to the right and up in the picture, by parts of the distance. */
+function pan(app: App, right: number, up: number): void {
+  const { camera } = app.store.state;
+  app.store.set({ camera: { ...camera, target: movedTarget(camera, right * camera.distance, up * camera.distance) } });
 }
 
 function eachSelected(app: App, change: (trails: readonly number[]) => void): void {
@@ -103,6 +132,16 @@ export const COMMANDS: readonly Command[] = [
   { id: "frame-selected", title: "Frame what is selected", keys: ["f"], run: frameSelected },
   { id: "frame-all", title: "Frame all", keys: ["a"],
     run: (app) => frameTrails(app, visibleTrails(app.motion, app.store.state)) },
+  { id: "orbit-left", title: "Turn left", keys: ["j"], run: (app) => orbit(app, -10, 0) },
+  { id: "orbit-right", title: "Turn right", keys: ["l"], run: (app) => orbit(app, 10, 0) },
+  { id: "orbit-up", title: "Look from higher", keys: ["k"], run: (app) => orbit(app, 0, 10) },
+  { id: "orbit-down", title: "Look from lower", keys: ["m"], run: (app) => orbit(app, 0, -10) },
+  { id: "pan-left", title: "Move left", keys: ["Shift+J"], run: (app) => pan(app, -0.05, 0) },
+  { id: "pan-right", title: "Move right", keys: ["Shift+L"], run: (app) => pan(app, 0.05, 0) },
+  { id: "pan-up", title: "Move up", keys: ["Shift+K"], run: (app) => pan(app, 0, 0.05) },
+  { id: "pan-down", title: "Move down", keys: ["Shift+M"], run: (app) => pan(app, 0, -0.05) },
+  { id: "zoom-in", title: "Nearer", keys: ["+", "Shift++", "="], run: (app) => zoom(app, 1 / 1.2) },
+  { id: "zoom-out", title: "Farther", keys: ["-"], run: (app) => zoom(app, 1.2) },
   view("persp", "Perspective", "1"),
   view("front", "Front", "2"),
   view("side", "Side", "3"),

@@ -85,7 +85,7 @@ const FIELDS: Fields = {
   frame: { name: "frame", ...number },
   playFirst: { name: "from", ...number },
   playLast: { name: "to", ...number },
-  camera: { name: "camera", ...optional(camera) },
+  camera: { name: "camera", ...camera },
   selected: { name: "select", ...indices },
   hidden: { name: "hide", ...indices },
   solo: { name: "solo", ...indices },

@@ -28,8 +28,9 @@ export interface ViewState {
   readonly playFirst: number;
   readonly playLast: number;
   readonly playing: boolean;
-  /** None until the viewport has framed the trails. */
-  readonly camera: CameraPose | null;
+  readonly camera: CameraPose;
+  /** Width of the viewport by its height. */
+  readonly aspect: number;
   readonly selected: ReadonlySet<number>;
   readonly hidden: ReadonlySet<number>;
   /** When it holds any, only these are shown. */
@@ -54,13 +55,14 @@ export interface ViewState {
   readonly hover: Hover | null;
 }
 
-export function initialState(scene: Scene, trails: readonly Trail[]): ViewState {
+export function initialState(scene: Scene, trails: readonly Trail[], camera: CameraPose): ViewState {
   return {
     frame: Math.max(scene.first, Math.min(scene.last, scene.current)),
     playFirst: scene.first,
     playLast: scene.last,
     playing: false,
-    camera: null,
+    camera,
+    aspect: 1.5,
     selected: new Set(trails.length > 0 ? [0] : []),
     hidden: new Set(),
     solo: new Set(),

@@ -1,0 +1,48 @@
+// How much is drawn: everything while it is quick, a part while something moves, more again when all is still.
+
+import type { Drawing } from "./layers";
+
+/** Every how many samples a drawing of `budget` of them takes; a power of two. */
+export function strideFor(samples: number, budget: number): number {
+  let stride = 1;
+  while (samples / stride > budget) stride *= 2;
+  return stride;
+}
+
+/** Samples up to which everything is always drawn in full. */
+const FEW = 20_000;
+
+/** Milliseconds that a drawing may take while something moves, and when all is still. */
+const MOVING = 30;
+const STILL = 350;
+
+/** Stretches that are drawn however long they take: fewer would not look like the trails any more. */
+const LEAST = 30_000;
+
+/** How many times as long as a plain one a drawing takes that has everything, where software fills the pixels. */
+const RICHNESS = 8;
+
+/** Learns from the time that drawings took what the next one may hold. */
+export class Detail {
+  /** Milliseconds a stretch of a plain drawing; at first as slow as software is. */
+  private cost = 1e-3;
+
+  constructor(private readonly samples: () => number) {}
+
+  drawing(moving: boolean): Drawing {
+    const samples = this.samples();
+    const plain = samples > FEW && (moving || samples * this.cost * RICHNESS > STILL);
+    if (!plain) return { stride: 1, plain };
+    return { stride: strideFor(samples, Math.max(LEAST, (moving ? MOVING : STILL) / this.cost)), plain };
+  }
+
+  /** Whether the next drawing is worth its time being taken. */
+  get learns(): boolean {
+    return this.samples() > FEW;
+  }
+
+  /** Tells how long a drawing of so many stretches took. */
+  learn({ plain }: Drawing, stretches: number, milliseconds: number): void {
+    if (plain && stretches > LEAST / 2) this.cost = 0.7 * this.cost + 0.3 * (milliseconds / stretches);
+  }
+}

@@ -1,0 +1,34 @@
+// The viewport's colours, light and dark.
+
+import type { Theme } from "../model/state";
+
+export interface Colors {
+  readonly background: string;
+  readonly ground: string;
+  readonly grid: string;
+  readonly axis: string;
+  readonly box: string;
+  readonly boxEdge: string;
+  /** Around lines and markers, so that no colour drowns in the background. */
+  readonly casing: string;
+  /** Around what is selected. */
+  readonly selected: string;
+  readonly ink: string;
+  readonly soft: string;
+}
+
+const LIGHT: Colors = {
+  background: "#f5f6f8", ground: "#eceef2", grid: "#d3d8e0", axis: "#aab4c1", box: "#d9dee6", boxEdge: "#a3adbb",
+  casing: "#9aa2ad", selected: "#1f5fd0", ink: "#1c2430", soft: "#556070",
+};
+const DARK: Colors = {
+  background: "#14171c", ground: "#181c22", grid: "#2a313b", axis: "#4a5463", box: "#272d36", boxEdge: "#47515f",
+  casing: "#090b0d", selected: "#7fb0ff", ink: "#eef1f5", soft: "#9aa5b5",
+};
+
+const darkPreferred = () => window.matchMedia("(prefers-color-scheme: dark)");
+
+export const colorsOf = (theme: Theme): Colors =>
+  theme === "dark" || (theme === "auto" && darkPreferred().matches) ? DARK : LIGHT;
+
+export const onPreferenceChange = (changed: () => void): void => darkPreferred().addEventListener("change", changed);
