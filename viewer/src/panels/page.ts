@@ -1,6 +1,16 @@
 // The page around the viewport.
 
 import type { App } from "../model/app";
+import { el } from "./dom";
+import { buildGraph } from "./graph";
+import { buildHelp } from "./help";
+import { buildLive } from "./live";
+import { buildObjects } from "./objects";
+import { buildSettings } from "./settings";
+import { followTheme } from "./theme";
+import { buildTimeline } from "./timeline";
+import { buildToolbar, panelButton } from "./toolbar";
+import { buildTransport } from "./transport";
 
 export interface Page {
   /** The element that the viewport fills. */
@@ -9,9 +19,58 @@ export interface Page {
   trailsChanged(): void;
 }
 
-export function buildPage(_app: App, root: HTMLElement): Page {
-  const viewport = document.createElement("div");
-  viewport.className = "viewport";
-  root.append(viewport);
-  return { viewport, announce: () => {}, trailsChanged: () => {} };
+/** Goes past the toolbar and the list. The page's hash is its state, so the link does not go there itself. */
+function skipLink(viewport: HTMLElement): HTMLElement {
+  const link = el("a", { class: "skip", href: "#viewport" }, "Skip to the trails");
+  link.addEventListener("click", (event) => {
+    event.preventDefault();
+    viewport.focus();
+  });
+  return link;
+}
+
+/** Takes keys as an application does: they orbit, step and play. */
+function viewportElement(): { viewport: HTMLElement; description: HTMLElement } {
+  const description = el(
+    "p", { class: "hidden", id: "viewport-keys" },
+    "Space plays, the arrow keys step through the frames, F frames what is selected, question mark lists all keys. " +
+      "The list of objects, the timeline and the spacing graph say in words what is drawn here.",
+  );
+  const viewport = el("div", {
+    class: "viewport", id: "viewport", role: "application", tabindex: 0, "aria-label": "Trails", "aria-describedby": description.id,
+  });
+  return { viewport, description };
+}
+
+export function buildPage(app: App, root: HTMLElement): Page {
+  const { viewport, description } = viewportElement();
+  const live = buildLive();
+  const help = buildHelp();
+  const objects = buildObjects(app);
+  const settings = buildSettings(app);
+  const timeline = buildTimeline(app);
+  const graph = buildGraph(app);
+  const toolbar = buildToolbar(app, {
+    listButton: panelButton("Objects", "list", objects.element),
+    settingsButton: panelButton("Settings", "settings", settings.element),
+    openHelp: help.open,
+  });
+  const stage = el("main", { class: "stage" }, viewport, description, live.element);
+  const time = el("section", { class: "time-panel", "aria-label": "Time" }, buildTransport(app), timeline.element, graph.element);
+  root.classList.add("page");
+  root.replaceChildren(skipLink(viewport), toolbar, objects.element, stage, settings.element, time, help.element);
+  const redraw = () => {
+    timeline.redraw();
+    graph.redraw();
+  };
+  followTheme(app, redraw);
+  return {
+    viewport,
+    announce: live.announce,
+    trailsChanged() {
+      objects.trailsChanged();
+      settings.trailsChanged();
+      redraw();
+    },
+  };
 }

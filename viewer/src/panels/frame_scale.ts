@@ -1,0 +1,35 @@
+// Where frames are, from left to right: the same for the timeline and for the graph under it.
+
+/** Room for the numbers of the graph's axis, and for the handles at the ends of the range. */
+export const LEFT = 64;
+export const RIGHT = 32;
+
+export interface FrameScale {
+  x(frame: number): number;
+  frame(x: number): number;
+  readonly pixelsPerFrame: number;
+}
+
+export function frameScale(first: number, last: number, width: number): FrameScale {
+  const [from, length] = last > first ? [first, last - first] : [first - 0.5, 1];
+  const pixelsPerFrame = Math.max(1, width - LEFT - RIGHT) / length;
+  return {
+    x: (frame) => LEFT + (frame - from) * pixelsPerFrame,
+    frame: (x) => from + (x - LEFT) / pixelsPerFrame,
+    pixelsPerFrame,
+  };
+}
+
+/** The smallest of 1, 2, 5, 10, 20 ... (also .1, .2, .5 ...) that is not below `least`. */
+export function niceStep(least: number): number {
+  const power = 10 ** Math.floor(Math.log10(least));
+  const factor = [1, 2, 5].find((each) => each * power >= least * (1 - 1e-9)) ?? 10;
+  return factor * power;
+}
+
+/** The multiples of a step from `low` to `high`. */
+export function ticks(low: number, high: number, step: number): number[] {
+  const begin = Math.ceil(low / step - 1e-9);
+  const count = Math.floor(high / step + 1e-9) - begin + 1;
+  return Array.from({ length: Math.max(0, count) }, (_, i) => (begin + i) * step);
+}

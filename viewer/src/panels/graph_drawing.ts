@@ -1,0 +1,163 @@
+// How the graph of spacing looks: the curves, which change with the selection, and above them what moves.
+
+import type { App } from "../model/app";
+import { objectColor, trailColors } from "../model/colors";
+import { nearestSample, sampleFrame } from "../model/motion";
+import type { Hover } from "../model/state";
+import { lengthText } from "./format";
+import { frameScale, LEFT, niceStep, RIGHT, ticks, type FrameScale } from "./frame_scale";
+import { curveOf, extremes, type Curve } from "./graph_curves";
+import { styleColors } from "./theme";
+import { isCrowded, keyPlaces } from "./timeline_drawing";
+
+const TOP = 10;
+const BOTTOM = 8;
+
+export interface Place {
+  readonly scale: FrameScale;
+  /** The most that the axis shows. */
+  readonly most: number;
+  readonly step: number;
+  y(value: number): number;
+}
+
+/** The largest spacing of these trails. */
+export function largestSpacing(app: App, trails: readonly number[]): number {
+  const values = trails.map((trail) => {
+    const spacing = app.motion.spacing(trail);
+    const found = extremes(spacing);
+    return found ? spacing[found.fastest] : 0;
+  });
+  return Math.max(0, ...values);
+}
+
+/** Axes that reach the largest spacing. */
+export function placeOf(app: App, largest: number, width: number, height: number): Place {
+  const reach = largest > 0 ? largest : 1;
+  const step = niceStep(reach / Math.max(2, Math.floor((height - TOP - BOTTOM) / 34)));
+  const most = Math.ceil(reach / step - 1e-9) * step;
+  return {
+    scale: frameScale(app.scene.first, app.scene.last, width), most, step,
+    y: (value) => height - BOTTOM - (value / most) * (height - TOP - BOTTOM),
+  };
+}
+
+type Context = CanvasRenderingContext2D;
+
+function drawAxis(context: Context, place: Place, width: number, colors: Record<"line" | "muted", string>): void {
+  context.font = "11px system-ui, sans-serif";
+  context.textAlign = "right";
+  context.textBaseline = "middle";
+  context.strokeStyle = colors.line;
+  context.fillStyle = colors.muted;
+  context.lineWidth = 1;
+  context.beginPath();
+  for (const value of ticks(0, place.most, place.step)) {
+    const y = Math.round(place.y(value)) + 0.5;
+    context.moveTo(LEFT, y);
+    context.lineTo(width - RIGHT, y);
+    context.fillText(lengthText(value), LEFT - 8, y);
+  }
+  context.stroke();
+}
+
+function drawKeyTimes(context: Context, app: App, { scale, y, most }: Place, color: string): void {
+  const places = keyPlaces(app, scale);
+  const top = isCrowded(places, 16) ? y(0) - 5 : y(most);
+  context.strokeStyle = color;
+  context.lineWidth = 1;
+  context.setLineDash(isCrowded(places, 16) ? [] : [2, 3]);
+  context.beginPath();
+  for (const x of places) {
+    context.moveTo(Math.round(x) + 0.5, top);
+    context.lineTo(Math.round(x) + 0.5, y(0));
+  }
+  context.stroke();
+  context.setLineDash([]);
+}
+
+/** In the colours that spacing gives the samples: pale under the curve, full along its edge. */
+function fillCurve(context: Context, app: App, index: number, curve: Curve, { scale, y }: Place, surface: string): void {
+  const trail = app.motion.trails[index];
+  const colors = trailColors(trail, 1, app.store.state.frame, app.store.state.palette);
+  const columns = (bottom: (top: number) => number) =>
+    curve.high.forEach((value, column) => {
+      if (Number.isNaN(value)) return;
+      const at = 3 * nearestSample(trail, scale.frame(column + 0.5));
+      context.fillStyle = `rgb(${colors[at]},${colors[at + 1]},${colors[at + 2]})`;
+      context.fillRect(column, y(value), 1.6, bottom(y(value)) - y(value)); // a bit over the next: no gaps between pixels
+    });
+  columns(() => y(0));
+  context.globalAlpha = 0.6;
+  context.fillStyle = surface;
+  context.fillRect(0, 0, curve.high.length, y(0));
+  context.globalAlpha = 1;
+  columns((top) => Math.min(top + 4, y(0)));
+}
+
+function strokeCurve(context: Context, { low, high }: Curve, { y }: Place, color: string, width: number): void {
+  context.strokeStyle = color;
+  context.lineWidth = width;
+  context.lineJoin = "round";
+  context.beginPath();
+  let drawn = false;
+  high.forEach((most, column) => {
+    if (Number.isNaN(most)) drawn = false;
+    else {
+      const [x, top, bottom] = [column + 0.5, y(most), y(low[column])];
+      if (drawn) context.lineTo(x, top);
+      else context.moveTo(x, top);
+      if (bottom !== top) context.lineTo(x, bottom);
+      drawn = true;
+    }
+  });
+  context.stroke();
+}
+
+export function drawCurves(
+  context: Context, app: App, trails: readonly number[], place: Place, width: number, height: number,
+): void {
+  const colors = styleColors("line", "muted", "key", "text", "surface");
+  context.save();
+  context.beginPath();
+  context.rect(LEFT, 0, width - LEFT - RIGHT, height);
+  context.clip();
+  const { motion } = app;
+  for (const index of trails) {
+    const { startFrame, frameStep } = motion.trails[index];
+    const curve = curveOf({ spacing: motion.spacing(index), startFrame, frameStep }, place.scale, width);
+    if (trails.length === 1) fillCurve(context, app, index, curve, place, colors.surface);
+    strokeCurve(context, curve, place, trails.length === 1 ? colors.text : objectColor(index), trails.length === 1 ? 1 : 1.75);
+  }
+  context.restore();
+  drawAxis(context, place, width, colors);
+  if (trails.length > 0) drawKeyTimes(context, app, place, colors.key);
+}
+
+function drawHover(context: Context, app: App, { trail, sample }: Hover, place: Place, colors: Record<"text" | "surface", string>): void {
+  const x = place.scale.x(sampleFrame(app.motion.trails[trail], sample));
+  const value = app.motion.speed(trail, sample);
+  context.strokeStyle = colors.text;
+  context.lineWidth = 1;
+  context.beginPath();
+  context.moveTo(x, place.y(place.most));
+  context.lineTo(x, place.y(0));
+  context.stroke();
+  if (!Number.isFinite(value)) return;
+  context.beginPath();
+  context.arc(x, place.y(value), 4.5, 0, 2 * Math.PI);
+  context.fillStyle = objectColor(trail);
+  context.fill();
+  context.lineWidth = 2;
+  context.strokeStyle = colors.text;
+  context.stroke();
+}
+
+/** The current frame, and the sample that is pointed at. */
+export function drawMoving(context: Context, app: App, place: Place, height: number): void {
+  const colors = styleColors("accent", "text", "surface");
+  const { frame, hover } = app.store.state;
+  context.fillStyle = colors.accent;
+  context.fillRect(Math.round(place.scale.x(frame)) - 1, 0, 2, height);
+  if (hover && app.motion.trails[hover.trail]) drawHover(context, app, hover, place, colors);
+}

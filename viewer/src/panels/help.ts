@@ -1,0 +1,83 @@
+// What the keys and the mouse do, and what the colours say.
+
+import { COMMANDS, keyLabel } from "../model/commands";
+import { button, el, freshId } from "./dom";
+
+type Row = readonly [string, string];
+
+const MOUSE: readonly Row[] = [
+  ["Drag", "Orbit; in front, side and top: pan"],
+  ["Right or middle button, drag", "Pan"],
+  ["Wheel", "Zoom to the pointer"],
+  ["Click", "Select a trail; with Ctrl or Shift, one more"],
+  ["Point at a trail", "Object, frame, position and speed"],
+  ["Click or drag in the timeline or graph", "Go to that frame"],
+];
+
+const MODES: readonly Row[] = [
+  ["Standard", "One colour for all."],
+  ["Spacing", "Blue is slow, red is fast, measured against the trail's own typical speed."],
+  ["Flow", "Before and after the current frame in two colours."],
+  ["Beats", "The colour changes at each key."],
+];
+
+const CONTROLS: readonly Row[] = [
+  ["In the list: ↑ ↓", "Another object; with Shift, select on the way"],
+  ["In the list: ← →", "Show, solo and name of an object"],
+  ["In the list: Space or Enter", "Select, or press the button"],
+  ["On the timeline: ← → Page ↑ Page ↓", "One frame, or ten"],
+];
+
+function table(
+  heads: Row, rows: readonly Row[], content: (what: string) => (Node | string)[] = (what) => [what],
+): HTMLTableElement {
+  const line = ([what, does]: Row) => el("tr", {}, el("th", { scope: "row" }, ...content(what)), el("td", {}, does));
+  const head = el("tr", {}, ...heads.map((text) => el("th", { scope: "col" }, text)));
+  return el("table", {}, el("thead", {}, head), el("tbody", {}, ...rows.map(line)));
+}
+
+function keyRows(): Row[] {
+  const rows = COMMANDS.filter(({ keys }) => keys.length > 0)
+    .map(({ keys, title }) => [keys.map(keyLabel).join(" "), title] as const);
+  return [...rows, ["?", "This help"]];
+}
+
+/** Each key as a key, between spaces. */
+const keyCaps = (keys: string): Node[] => keys.split(" ").map((key) => el("kbd", {}, key));
+
+export interface Help {
+  readonly element: HTMLDialogElement;
+  open(): void;
+}
+
+/** Keys that a field of text wants for itself. */
+const inText = (target: EventTarget | null) =>
+  target instanceof Element && target.closest("input:not([type=checkbox]):not([type=radio]):not([type=range]), select, textarea") !== null;
+
+export function buildHelp(): Help {
+  const heading = el("h2", { id: freshId("help") }, "Help");
+  const close = button({ icon: "close", name: "Close" }, () => element.close());
+  const part = (title: string, ...content: Node[]) => el("section", {}, el("h3", {}, title), ...content);
+  const element = el(
+    "dialog", { class: "help", "aria-labelledby": heading.id },
+    el("div", { class: "help-head" }, heading, close),
+    el("div", { class: "help-body", tabindex: 0, role: "region", "aria-label": "Keys, mouse and colours" },
+      part("Keys", table(["Key", "Does"], keyRows(), keyCaps)),
+      el("div", {},
+        part("Keys of single controls", table(["Key", "Does"], CONTROLS)),
+        part("Mouse", table(["Mouse", "Does"], MOUSE)),
+        part("Colour modes", table(["Mode", "Says"], MODES)))),
+  );
+  element.addEventListener("click", (event) => {
+    if (event.target === element) element.close(); // beside the dialog
+  });
+  const open = () => {
+    if (!element.open) element.showModal();
+  };
+  document.addEventListener("keydown", (event) => {
+    if (event.key !== "?" || event.ctrlKey || event.metaKey || event.altKey || event.defaultPrevented || inText(event.target)) return;
+    event.preventDefault();
+    open();
+  });
+  return { element, open };
+}

@@ -1,0 +1,70 @@
+// The panel with the settings: the engine's own, overridden for the page, and the page's.
+
+import type { App } from "../model/app";
+import { KEPT } from "../model/hash";
+import { initialState, type ViewState } from "../model/state";
+import { COLOR_MODES, type ColorMode } from "../source/trail";
+import { button, el } from "./dom";
+import { checkbox, choice, select, size, type Option } from "./fields";
+import { buildLegend } from "./legend";
+
+const AS_IN_SCENE: readonly Option<boolean | null>[] = [[null, "Scene"], [true, "On"], [false, "Off"]];
+
+/** What belongs to looking at the trails now, and stays when the settings are reset. */
+const STAY: readonly (keyof ViewState)[] = [
+  "frame", "playFirst", "playLast", "camera", "selected", "hidden", "solo", "relativeTo", "theme",
+];
+
+function reset(app: App): void {
+  const initial = initialState(app.scene, app.motion.trails, app.store.state.camera);
+  app.store.set(Object.fromEntries(KEPT.filter((key) => !STAY.includes(key)).map((key) => [key, initial[key]])));
+  app.announce("Settings as in the scene");
+}
+
+const part = (title: string, ...content: Node[]) =>
+  el("section", { class: "settings-part", "aria-label": title }, el("h2", {}, title), ...content);
+
+function colours(app: App, legend: HTMLElement): HTMLElement {
+  const modes: Option<ColorMode | null>[] = [
+    [null, "As in the scene"],
+    ...([0, 1, 2, 3] as const).map((mode): Option<ColorMode> => [mode, COLOR_MODES[mode]]),
+  ];
+  return part(
+    "Colour",
+    choice(app, "colorBy", "Colour by", [["mode", "Mode"], ["object", "Object"]]),
+    select(app, "mode", "Mode", modes),
+    choice(app, "palette", "Palette", [["engine", "Engine"], ["safe", "Colour-blind safe"]]),
+    el("p", { class: "note" }, "Colour-blind safe: not the engine's own colours."),
+    legend,
+  );
+}
+
+export interface SettingsPanel {
+  readonly element: HTMLElement;
+  trailsChanged(): void;
+}
+
+export function buildSettings(app: App): SettingsPanel {
+  const legend = buildLegend(app);
+  const trails = () => app.motion.trails;
+  const element = el(
+    "section", { class: "panel settings", id: "settings", "aria-label": "Settings" },
+    colours(app, legend.element),
+    part(
+      "Lines and dots",
+      size(app, { key: "lineWidth", text: "Line width", largest: 12, ofScene: () => trails().map((t) => t.lineWidth) }),
+      size(app, { key: "pointSize", text: "Dot size", largest: 20, ofScene: () => trails().map((t) => t.pointSize) }),
+      choice(app, "showLine", "Lines", AS_IN_SCENE),
+      choice(app, "showDots", "Dots", AS_IN_SCENE),
+      choice(app, "ghost", "Ghost", AS_IN_SCENE),
+    ),
+    part(
+      "Also show",
+      checkbox(app, "showKeys", "Keys"),
+      checkbox(app, "showLabels", "Frame numbers and names"),
+      checkbox(app, "showStatics", "Boxes of what does not move"),
+    ),
+    button({ text: "Reset settings", class: "button reset" }, () => reset(app)),
+  );
+  return { element, trailsChanged: legend.update };
+}

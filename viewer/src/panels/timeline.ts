@@ -1,0 +1,104 @@
+// The frames from left to right: where the keys are, what is played, and now.
+
+import type { App } from "../model/app";
+import { command, goTo, shownKeyTimes } from "../model/commands";
+import { countUpTo } from "../model/colors";
+import { el, setAttributes } from "./dom";
+import { frameText } from "./format";
+import { frameScale, type FrameScale } from "./frame_scale";
+import { Layer, onDrag } from "./layer";
+import { drawTimeline } from "./timeline_drawing";
+
+export interface Timeline {
+  readonly element: HTMLElement;
+  redraw(): void;
+}
+
+/** Frames that an arrow or page key goes; none for another key. */
+function framesOf(event: KeyboardEvent): number | undefined {
+  const steps: Record<string, number> = { ArrowRight: 1, ArrowUp: 1, ArrowLeft: -1, ArrowDown: -1, PageUp: 10, PageDown: -10 };
+  return steps[event.key];
+}
+
+function trackKeys(app: App, event: KeyboardEvent): void {
+  if (event.ctrlKey || event.metaKey || event.altKey) return;
+  const by = framesOf(event);
+  const { frame, playFirst, playLast } = app.store.state;
+  if (by !== undefined && Math.abs(by) === 1) command(`${by > 0 ? "next" : "previous"}-${event.shiftKey ? "key" : "frame"}`).run(app);
+  else if (by !== undefined) goTo(app, frame + by);
+  else if (event.key === "Home") goTo(app, playFirst);
+  else if (event.key === "End") goTo(app, playLast);
+  else return;
+  event.preventDefault();
+}
+
+function buildTrack(app: App, canvas: HTMLCanvasElement, scale: () => FrameScale): HTMLElement {
+  const { scene, store } = app;
+  const track = el("div", {
+    class: "track", role: "slider", tabindex: 0, "aria-label": "Current frame", "data-own-arrows": true,
+    "aria-valuemin": scene.first, "aria-valuemax": scene.last,
+  }, canvas);
+  track.addEventListener("keydown", (event) => trackKeys(app, event));
+  onDrag(track, (x) => goTo(app, Math.round(scale().frame(x))));
+  const update = () => {
+    const { frame } = store.state;
+    const times = shownKeyTimes(app);
+    const isKey = times[countUpTo(times, frame) - 1] === frame;
+    setAttributes(track, { "aria-valuenow": frameText(frame), "aria-valuetext": `Frame ${frameText(frame)}${isKey ? ", a key" : ""}` });
+  };
+  store.subscribe(update, ["frame", "selected"]);
+  update();
+  return track;
+}
+
+/** One end of what is played. */
+function buildHandle(app: App, end: "playFirst" | "playLast", scale: () => FrameScale): { element: HTMLElement; place(): void } {
+  const { scene, store } = app;
+  const set = (frame: number) => {
+    const { playFirst, playLast } = store.state;
+    const [low, high] = end === "playFirst" ? [scene.first, playLast] : [playFirst, scene.last];
+    store.set({ [end]: Math.max(low, Math.min(high, frame)) });
+  };
+  const element = el("div", {
+    class: `handle ${end === "playFirst" ? "start" : "end"}`, role: "slider", tabindex: 0, "data-own-arrows": true,
+    "aria-label": end === "playFirst" ? "Start of the range" : "End of the range", "data-setting": `${end}-handle`,
+  });
+  element.addEventListener("keydown", (event) => {
+    const by = framesOf(event);
+    const goal = event.key === "Home" ? scene.first : event.key === "End" ? scene.last : by === undefined ? undefined : store.state[end] + by;
+    if (goal === undefined || event.ctrlKey || event.metaKey || event.altKey) return;
+    event.preventDefault();
+    set(goal);
+  });
+  let grip = 0;
+  onDrag(element, (x, begins) => {
+    const left = element.offsetLeft + x;
+    if (begins) grip = left - scale().x(store.state[end]);
+    else set(Math.round(scale().frame(left - grip)));
+  });
+  const place = () => {
+    const { playFirst, playLast } = store.state;
+    element.style.left = `${scale().x(store.state[end])}px`;
+    setAttributes(element, {
+      "aria-valuemin": end === "playFirst" ? scene.first : playFirst, "aria-valuemax": end === "playFirst" ? playLast : scene.last,
+      "aria-valuenow": frameText(store.state[end]), "aria-valuetext": `Frame ${frameText(store.state[end])}`,
+    });
+  };
+  return { element, place };
+}
+
+export function buildTimeline(app: App): Timeline {
+  const { scene, store } = app;
+  const layer = new Layer("timeline-layer", (context, width, height) => {
+    handles.forEach((handle) => handle.place());
+    drawTimeline(context, app, frameScale(scene.first, scene.last, width), height);
+  });
+  const scale = () => frameScale(scene.first, scene.last, layer.width);
+  const handles = [buildHandle(app, "playFirst", scale), buildHandle(app, "playLast", scale)];
+  const redraw = () => layer.invalidate();
+  store.subscribe(redraw, ["frame", "playFirst", "playLast", "selected", "hidden", "solo"]);
+  store.subscribe(() => handles.forEach((handle) => handle.place()), ["playFirst", "playLast"]);
+  handles.forEach((handle) => handle.place());
+  const element = el("div", { class: "timeline" }, buildTrack(app, layer.canvas, scale), ...handles.map((handle) => handle.element));
+  return { element, redraw };
+}

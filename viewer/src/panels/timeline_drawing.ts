@@ -1,0 +1,100 @@
+// How the timeline looks.
+
+import type { App } from "../model/app";
+import { shownKeyTimes } from "../model/commands";
+import { frameText } from "./format";
+import { niceStep, ticks, type FrameScale } from "./frame_scale";
+import { styleColors } from "./theme";
+
+/** From the top: the range with its handles, the keys, the numbers and ticks. */
+const RANGE = { top: 3, height: 18 };
+const KEYS = 31;
+const TEXT = 47;
+
+/** Closer than this, ticks are a smear. */
+const CLOSEST = 5;
+
+function verticals(context: CanvasRenderingContext2D, places: readonly number[], top: number, bottom: number): void {
+  context.beginPath();
+  for (const x of places) {
+    const sharp = Math.round(x) + 0.5;
+    context.moveTo(sharp, top);
+    context.lineTo(sharp, bottom);
+  }
+  context.stroke();
+}
+
+function drawRuler(context: CanvasRenderingContext2D, app: App, scale: FrameScale, height: number, colors: Record<"line" | "muted", string>): void {
+  const { first, last } = app.scene;
+  const small = niceStep(Math.max(1, CLOSEST / scale.pixelsPerFrame));
+  const large = niceStep(Math.max(small, 56 / scale.pixelsPerFrame));
+  context.lineWidth = 1;
+  context.strokeStyle = colors.line;
+  verticals(context, ticks(first, last, small).map(scale.x), height - 5, height);
+  context.strokeStyle = colors.muted;
+  context.fillStyle = colors.muted;
+  context.textAlign = "center";
+  const labelled = ticks(first, last, large);
+  verticals(context, labelled.map(scale.x), height - 8, height);
+  for (const frame of labelled) context.fillText(frameText(frame), scale.x(frame), TEXT);
+}
+
+/** Where key times are, none closer to the one before than a pixel. */
+export function keyPlaces(app: App, scale: FrameScale): number[] {
+  const places: number[] = [];
+  for (const time of shownKeyTimes(app)) {
+    const x = scale.x(time);
+    const inside = time >= app.scene.first && time <= app.scene.last;
+    if (inside && !(x - places[places.length - 1] < 1)) places.push(x);
+  }
+  return places;
+}
+
+/** Whether marks of this width would run into each other. */
+export const isCrowded = (places: readonly number[], width: number): boolean =>
+  places.length > 1 && (places[places.length - 1] - places[0]) / (places.length - 1) < width;
+
+function drawKeys(context: CanvasRenderingContext2D, app: App, scale: FrameScale, color: string): void {
+  const places = keyPlaces(app, scale);
+  if (isCrowded(places, 11)) {
+    context.strokeStyle = color;
+    verticals(context, places, KEYS - 4, KEYS + 4);
+    return;
+  }
+  context.fillStyle = color;
+  for (const x of places) {
+    context.beginPath();
+    context.moveTo(x, KEYS - 5);
+    context.lineTo(x + 4.5, KEYS);
+    context.lineTo(x, KEYS + 5);
+    context.lineTo(x - 4.5, KEYS);
+    context.fill();
+  }
+}
+
+function drawNow(context: CanvasRenderingContext2D, x: number, height: number, text: string, colors: Record<"accent" | "on-accent", string>): void {
+  context.fillStyle = colors.accent;
+  context.fillRect(Math.round(x) - 1, RANGE.top + RANGE.height, 2, height);
+  const width = Math.max(26, context.measureText(text).width + 12);
+  context.beginPath();
+  context.roundRect(x - width / 2, TEXT - 13, width, 17, 4);
+  context.fill();
+  context.fillStyle = colors["on-accent"];
+  context.textAlign = "center";
+  context.fillText(text, x, TEXT);
+}
+
+export function drawTimeline(context: CanvasRenderingContext2D, app: App, scale: FrameScale, height: number): void {
+  const colors = styleColors("line", "muted", "key", "accent", "on-accent", "track", "range");
+  const { frame, playFirst, playLast } = app.store.state;
+  const bar = (from: number, to: number, color: string) => {
+    context.fillStyle = color;
+    context.fillRect(scale.x(from), RANGE.top, Math.max(1, scale.x(to) - scale.x(from)), RANGE.height);
+  };
+  context.font = "12px system-ui, sans-serif";
+  bar(app.scene.first, app.scene.last, colors.track);
+  bar(playFirst, playLast, colors.range);
+  drawRuler(context, app, scale, height, colors);
+  drawKeys(context, app, scale, colors.key);
+  drawNow(context, scale.x(frame), height, frameText(frame), colors);
+}

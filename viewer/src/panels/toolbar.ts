@@ -1,0 +1,76 @@
+// The row at the top: the scene, how one looks at it, and what one takes away.
+
+import type { App } from "../model/app";
+import type { ViewName } from "../model/state";
+import { button, commandButton, el, setAttributes } from "./dom";
+import { icon } from "./icons";
+import { nextTheme, THEME_NAMES } from "./theme";
+
+const VIEWS: readonly (readonly [ViewName, string])[] = [
+  ["persp", "Persp"], ["front", "Front"], ["side", "Side"], ["top", "Top"],
+];
+
+const group = (name: string, ...children: Node[]) =>
+  el("div", { class: "group", role: "group", "aria-label": name }, ...children);
+
+function viewButtons(app: App): HTMLElement {
+  const names: Record<ViewName, string> = { persp: "Perspective", front: "Front", side: "Side", top: "Top" };
+  const buttons = VIEWS.map(([id, text]) => commandButton(app, `view-${id}`, { text, name: names[id] }));
+  const update = () =>
+    buttons.forEach((each, i) => each.setAttribute("aria-pressed", String(app.store.state.camera?.view === VIEWS[i][0])));
+  app.store.subscribe(update, ["camera"]);
+  update();
+  const made = group("View", ...buttons);
+  made.classList.add("joined");
+  return made;
+}
+
+function themeButton(app: App): HTMLButtonElement {
+  const made = button({ icon: "theme", name: "Theme" }, () =>
+    app.store.set({ theme: nextTheme(app.store.state.theme) }));
+  const update = () => {
+    const name = `Theme: ${THEME_NAMES[app.store.state.theme]}`;
+    setAttributes(made, { "aria-label": name, title: name });
+  };
+  app.store.subscribe(update, ["theme"]);
+  update();
+  return made;
+}
+
+/** Opens and closes a panel, which the narrow page begins without. */
+export function panelButton(name: string, picture: "list" | "settings", panel: HTMLElement): HTMLButtonElement {
+  const made = button({ icon: picture, text: name, title: `Show or hide: ${name.toLowerCase()}` }, () => show(panel.hidden));
+  const show = (shown: boolean) => {
+    panel.hidden = !shown;
+    made.setAttribute("aria-expanded", String(shown));
+  };
+  made.setAttribute("aria-controls", panel.id);
+  const narrow = window.matchMedia("(max-width: 860px)");
+  narrow.addEventListener("change", () => show(!narrow.matches));
+  show(!narrow.matches);
+  return made;
+}
+
+export interface ToolbarParts {
+  listButton: HTMLButtonElement;
+  settingsButton: HTMLButtonElement;
+  openHelp(): void;
+}
+
+export function buildToolbar(app: App, parts: ToolbarParts): HTMLElement {
+  const name = app.scene.name.split(/[\\/]/).pop() || app.scene.name;
+  const title = el("h1", { class: "scene", title: app.scene.name }, name);
+  const help = button({ icon: "help", name: "Help", title: "Help (?)" }, parts.openHelp);
+  return el(
+    "header", { class: "toolbar" },
+    el("div", { class: "brand" }, icon("trail"), title),
+    parts.listButton,
+    viewButtons(app),
+    group("Frame", commandButton(app, "frame-all", { icon: "frameAll" }), commandButton(app, "frame-selected", { icon: "frameSelected" })),
+    el("span", { class: "space" }),
+    group("Save", commandButton(app, "png", { icon: "picture", text: "PNG" }), commandButton(app, "csv", { icon: "table", text: "CSV" })),
+    themeButton(app),
+    help,
+    parts.settingsButton,
+  );
+}
