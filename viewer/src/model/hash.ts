@@ -7,8 +7,8 @@ import type { CameraPose, ViewState } from "./state";
 interface Field<K extends keyof ViewState> {
   name: string;
   write(value: ViewState[K]): string;
-  /** Undefined when the text means nothing. */
-  read(text: string): ViewState[K] | undefined;
+  /** Undefined when the text means nothing, with so many trails. */
+  read(text: string, trails: number): ViewState[K] | undefined;
 }
 
 type Fields = { [K in keyof ViewState]?: Field<K> };
@@ -27,16 +27,16 @@ const flag = { write: (value: boolean) => (value ? "1" : "0"), read: (t: string)
 const number = { write: String, read: finite };
 const index = {
   write: String,
-  read: (text: string) => (/^\d+$/.test(text) ? Number(text) : undefined),
+  read: (text: string, trails: number) => (/^\d+$/.test(text) && Number(text) < trails ? Number(text) : undefined),
 };
 
 /** A value that may be none; none is an empty text. */
-const optional = <T>(field: { write(value: T): string; read(text: string): T | undefined }) => ({
+const optional = <T>(field: { write(value: T): string; read(text: string, trails: number): T | undefined }) => ({
   write: (value: T | null) => (value === null ? "" : field.write(value)),
-  read: (text: string): T | null | undefined => (text === "" ? null : field.read(text)),
+  read: (text: string, trails: number): T | null | undefined => (text === "" ? null : field.read(text, trails)),
 });
 
-/** "0-4.7" for 0 to 4 and 7. */
+/** "0-4.7" for 0 to 4 and 7; trails that are not there are left out. */
 const indices = {
   write(set: ReadonlySet<number>): string {
     const sorted = [...set].sort((a, b) => a - b);
@@ -49,12 +49,13 @@ const indices = {
     }
     return runs.join(".");
   },
-  read(text: string): ReadonlySet<number> | undefined {
+  read(text: string, trails: number): ReadonlySet<number> | undefined {
     const result = new Set<number>();
     for (const run of text === "" ? [] : text.split(".")) {
       const match = /^(\d{1,7})(?:-(\d{1,7}))?$/.exec(run);
       if (!match) return undefined;
-      for (let i = Number(match[1]); i <= Number(match[2] ?? match[1]); ++i) result.add(i);
+      const end = Math.min(trails - 1, Number(match[2] ?? match[1]));
+      for (let i = Number(match[1]); i <= end; ++i) result.add(i);
     }
     return result;
   },
@@ -124,15 +125,10 @@ export function readHash(hash: string, initial: ViewState, trailCount: number): 
   for (const key of KEPT) {
     const field = FIELDS[key] as Field<typeof key>;
     const text = values.get(field.name);
-    const value = text === null ? undefined : field.read(text);
+    const value = text === null ? undefined : field.read(text, trailCount);
     if (value !== undefined) result[key] = value;
   }
   const patch = result as { -readonly [K in keyof ViewState]?: ViewState[K] };
-  const known = (set: ReadonlySet<number>) => new Set([...set].filter((i) => i < trailCount));
-  if (patch.selected) patch.selected = known(patch.selected);
-  if (patch.hidden) patch.hidden = known(patch.hidden);
-  if (patch.solo) patch.solo = known(patch.solo);
-  if (patch.relativeTo != null && patch.relativeTo >= trailCount) delete patch.relativeTo;
   const within = (frame: number | undefined) =>
     frame === undefined ? undefined : Math.max(initial.playFirst, Math.min(initial.playLast, frame));
   for (const key of ["frame", "playFirst", "playLast"] as const) {
