@@ -12,6 +12,13 @@ import { initialState, Store } from "./model/state";
 import { buildPage } from "./panels/page";
 import { Viewport } from "./view/viewport";
 
+declare global {
+  interface Window {
+    /** For the browser's console, and for tests. */
+    vantorelixViewer: App;
+  }
+}
+
 function keepStateInHash(store: Store, initial: typeof store.state, trailCount: number): void {
   let timer = 0;
   const write = () => {
@@ -66,6 +73,7 @@ function start(root: HTMLElement): void {
   listenToKeys(app);
   runPlayer(scene, store);
   keepStateInHash(store, initial, motion.trails.length);
+  window.vantorelixViewer = app;
   document.documentElement.dataset.ready = "true";
   performance.mark("ready");
 }

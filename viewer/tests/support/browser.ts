@@ -4,13 +4,9 @@
 import { pathToFileURL } from "node:url";
 import { chromium, type Browser, type BrowserContextOptions, type Page } from "playwright-core";
 import { afterAll, afterEach, beforeAll, expect } from "vitest";
+import { BROWSER_ARGUMENTS } from "./browser_arguments";
 import { writePage } from "./page";
 import type { SceneInput } from "./trails";
-
-const ARGUMENTS = [
-  "--no-sandbox", "--disable-gpu", "--use-gl=angle", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
-  "--disable-quic", "--no-first-run", "--disable-background-networking", "--disable-component-update", "--disable-sync",
-];
 
 export interface OpenOptions extends BrowserContextOptions {
   /** What stands after the "#". */
@@ -22,6 +18,8 @@ export interface Opener {
   open(scene: SceneInput, options?: OpenOptions): Promise<Page>;
   /** What went wrong so far in this test; emptying it makes the test accept that. */
   readonly problems: string[];
+  /** A tab of its own, for anything but the page. */
+  blank(): Promise<Page>;
   /** Opens a page that is there already. */
   openFile(file: string, options?: OpenOptions): Promise<Page>;
 }
@@ -46,7 +44,7 @@ export function useBrowser(): Opener {
 
   beforeAll(async () => {
     const executablePath = process.env.VANTORELIX_CHROMIUM ?? "/usr/bin/chromium";
-    browser = await chromium.launch({ executablePath, args: ARGUMENTS });
+    browser = await chromium.launch({ executablePath, args: BROWSER_ARGUMENTS });
   });
   afterAll(() => browser?.close());
   afterEach(async () => {
@@ -63,5 +61,6 @@ export function useBrowser(): Opener {
     await page.waitForSelector("html[data-ready=true]", { state: "attached" });
     return page;
   }
-  return { problems, openFile, open: (scene, options) => openFile(writePage(scene), options) };
+  const blank = async () => (await browser.newContext()).newPage();
+  return { problems, openFile, blank, open: (scene, options) => openFile(writePage(scene), options) };
 }
