@@ -1,0 +1,68 @@
+// The pictures of docs/viewer.md and of the README: npm run pictures -- FOLDER-OF-PAGES OUT [NAME...]
+// FOLDER-OF-PAGES holds walk.bvh.html and arm.ma.html, as ./dev demo writes them.
+
+import { mkdirSync } from "node:fs";
+import { join, resolve } from "node:path";
+import { pathToFileURL } from "node:url";
+import { chromium, type Page } from "playwright-core";
+import { BROWSER_ARGUMENTS } from "../tests/support/browser_arguments";
+
+interface Shot {
+  page: string;
+  /** The page's state. */
+  hash: string;
+  /** CSS selector of what is pictured; none: everything. */
+  of?: string;
+  dark?: boolean;
+  size?: { width: number; height: number };
+  before?(page: Page): Promise<unknown>;
+}
+
+const SMALL = { width: 900, height: 760 };
+const arm = (hash: string): Shot => ({ page: "arm.ma.html", of: ".viewport", hash, size: SMALL });
+
+const SHOTS: Record<string, Shot> = {
+  "viewer": { page: "walk.bvh.html", hash: "mode=1&frame=40&select=9" },
+  "viewer-dark": { page: "arm.ma.html", hash: "mode=1&frame=20", dark: true },
+  "viewer-objects": { page: "walk.bvh.html", of: ".objects", hash: "color=object&select=9&hide=3-6" },
+  "viewer-settings": { page: "walk.bvh.html", of: ".settings", hash: "mode=1", size: { width: 1280, height: 1100 } },
+  "viewer-time": { page: "arm.ma.html", of: ".time-panel", hash: "mode=1&frame=20&select=0-1&color=object" },
+  "viewer-toolbar": { page: "arm.ma.html", of: ".toolbar", hash: "" },
+  "viewer-standard": arm("mode=0&frame=20"),
+  "viewer-spacing": arm("mode=1&frame=20"),
+  "viewer-flow": arm("mode=2&frame=20"),
+  "viewer-beats": arm("mode=3&frame=20"),
+  "viewer-relative": { page: "walk.bvh.html", of: ".viewport", hash: "mode=1&relative=0&select=9&frame=40", size: SMALL },
+  "viewer-tooltip": {
+    ...arm("mode=1&frame=20"),
+    before: (page) => page.evaluate(() => window.vantorelixViewer.store.set({ hover: { trail: 0, sample: 10 } })),
+  },
+  "viewer-help": { page: "arm.ma.html", of: "dialog", hash: "", before: (page) => page.keyboard.press("Shift+?") },
+};
+
+async function main(pages: string, out: string, names: string[]): Promise<void> {
+  mkdirSync(out, { recursive: true });
+  const executablePath = process.env.VANTORELIX_CHROMIUM ?? "/usr/bin/chromium";
+  const browser = await chromium.launch({ executablePath, args: BROWSER_ARGUMENTS });
+  for (const name of names.length > 0 ? names : Object.keys(SHOTS)) {
+    const shot = SHOTS[name];
+    if (!shot) throw new Error(`there is no picture ${name}; there are ${Object.keys(SHOTS).join(", ")}`);
+    const context = await browser.newContext({
+      viewport: shot.size ?? { width: 1280, height: 800 }, colorScheme: shot.dark ? "dark" : "light",
+    });
+    const page = await context.newPage();
+    await page.goto(`${pathToFileURL(resolve(pages, shot.page)).href}#${shot.hash}`);
+    await page.waitForSelector("html[data-ready=true]", { state: "attached" });
+    await shot.before?.(page);
+    await page.waitForTimeout(800);
+    const path = join(out, `${name}.png`);
+    await (shot.of ? page.locator(shot.of).first().screenshot({ path }) : page.screenshot({ path }));
+    console.log(path);
+    await context.close();
+  }
+  await browser.close();
+}
+
+const [pages, out, ...names] = process.argv.slice(2);
+if (!pages || !out) throw new Error("usage: npm run pictures -- FOLDER-OF-PAGES OUT [NAME...]");
+await main(pages, out, names);
