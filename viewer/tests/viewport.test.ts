@@ -57,6 +57,9 @@ async function pointAt(page: Page, { x, y }: { x: number; y: number }): Promise<
   await page.waitForTimeout(300);
 }
 
+/** The point of the arc between this sample and the next. */
+const halfway = (i: number) => arc[i].map((c, k) => (c + arc[i + 1][k]) / 2) as unknown as Vec3;
+
 const place = (picture: Picture, view: Pose, p: Vec3) => project(view, p, picture.width, picture.height);
 
 describe("a line", () => {
@@ -90,10 +93,8 @@ describe("a line", () => {
     const page = await browser.open({ ...plain, trails: [{ ...plain.trails[0], points }] },
       { hash: `${bare}&${poseHash(poses.front)}` });
     const picture = await Picture.ofViewport(page);
-    const middle = (i: number, j: number) => place(picture, poses.front, arc[i].map((c, k) => (c + arc[j][k]) / 2) as unknown as Vec3);
-    expect(near(picture.at(middle(5, 6)), TEAL)).toBe(true);
-    expect(near(picture.at(middle(11, 12)), TEAL)).toBe(false);
-    expect(near(picture.at(middle(12, 13)), TEAL)).toBe(false);
+    const drawn = (i: number) => near(picture.at(place(picture, poses.front, halfway(i))), TEAL);
+    expect([5, 11, 12].map(drawn)).toEqual([true, false, false]);
   });
 
   test("has the width that is chosen", async () => {
@@ -119,15 +120,16 @@ describe("a line", () => {
     const page = await browser.open(plain, { hash: `${bare}&mode=2&frame=10&${poseHash(poses.front)}` });
     const past: Vec3 = [255, 191, 0];
     const future: Vec3 = [0, 166, 166];
-    const colorAt = async (i: number) => {
+    const colorsAt = async (...points: Vec3[]) => {
       const picture = await Picture.ofViewport(page);
-      return picture.at(place(picture, poses.front, arc[i]));
+      return points.map((p) => picture.at(place(picture, poses.front, p)));
     };
-    expect(near(await colorAt(5), past)).toBe(true);
-    expect(near(await colorAt(15), future)).toBe(true);
-    await page.evaluate(() => window.vantorelixViewer.store.set({ frame: 20 }));
-    expect(near(await colorAt(15), past)).toBe(true);
-    expect(near(await colorAt(22), future)).toBe(true);
+    const [before, after, beyond] = await colorsAt(arc[5], arc[15], halfway(17));
+    expect([near(before, past), near(after, future), near(beyond, future)]).toEqual([true, true, true]);
+    await page.evaluate(() => window.vantorelixViewer.store.set({ frame: 20, showLabels: false }));
+    // The stretch that leaves the current sample belongs to the future, whole; the ring covers its beginning.
+    const [gone, next, last] = await colorsAt(arc[15], halfway(19), arc[22]);
+    expect([near(gone, past), near(next, future), near(last, future)]).toEqual([true, true, true]);
   });
 
   test("changes colour with every key in the beats mode", async () => {
@@ -138,6 +140,9 @@ describe("a line", () => {
     expect(near(colorAt(2), [255, 255, 255])).toBe(true);
     expect(near(colorAt(9), [38, 217, 64])).toBe(true);
     expect(near(colorAt(20), [255, 255, 255])).toBe(true);
+    const [beforeKey, afterKey] = [3, 4].map((i) => picture.at(place(picture, poses.front, halfway(i))));
+    expect(near(beforeKey, [255, 255, 255])).toBe(true);
+    expect(near(afterKey, [38, 217, 64])).toBe(true);
   });
 });
 
@@ -146,8 +151,7 @@ describe("dots and markers", () => {
     const page = await browser.open(plain, { hash: `${bare}&line=0&dots=1&dot=6&${poseHash(poses.front)}` });
     const picture = await Picture.ofViewport(page);
     for (const i of [4, 10, 16, 22]) expect(near(picture.at(place(picture, poses.front, arc[i])), TEAL)).toBe(true);
-    const between = arc[10].map((c, k) => (c + arc[11][k]) / 2) as unknown as Vec3;
-    expect(near(picture.at(place(picture, poses.front, between)), TEAL)).toBe(false);
+    expect(near(picture.at(place(picture, poses.front, halfway(10))), TEAL)).toBe(false);
   });
 
   test("a key is a white diamond, and its frame stands beside it", async () => {

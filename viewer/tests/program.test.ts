@@ -1,0 +1,120 @@
+// The page that the program writes: it shows what the program's other files hold.
+
+import { readFileSync, statSync } from "node:fs";
+import type { Page } from "playwright-core";
+import { describe, expect, test } from "vitest";
+import type { Vec3 } from "../src/source/trail";
+import { useBrowser } from "./support/browser";
+import { distanceTo, Picture, poseHash, project, type Point, type Pose } from "./support/picture";
+import { example, run, temporaryFolder } from "./support/program";
+
+const browser = useBrowser();
+const file = temporaryFolder();
+const TEAL: Vec3 = [38, 191, 166];
+
+interface Json {
+  fps: number;
+  up_axis: "y" | "z";
+  trails: { name: string; source: string; start_frame: number; frame_step: number; points: Vec3[]; colors: Vec3[];
+    key_times: number[]; key_points: Vec3[]; color_mode: number }[];
+}
+
+function written(scene: string, ...options: string[]): Json {
+  run("trails", example(scene), ...options, "--out", file("x.html"), "--out", file("x.json"), "--out", file("x.svg"));
+  return JSON.parse(readFileSync(file("x.json"), "utf8")) as Json;
+}
+
+describe.each(["arm.ma", "walk.bvh", "robot.fbx", "crane.gltf"])("the page of %s", (scene) => {
+  test("holds every sample, colour and key of the JSON file", async () => {
+    const json = written(scene);
+    const page = await browser.openFile(file("x.html"));
+    const held = await page.evaluate(() =>
+      window.vantorelixViewer.motion.trails.map((t) => ({
+        name: t.name, source: t.source, start: t.startFrame, step: t.frameStep, mode: t.colorMode,
+        points: [...t.points], colors: [...t.colors], keyTimes: [...t.keyTimes], keyPoints: [...t.keyPoints],
+      })));
+    expect(held.length).toBe(json.trails.length);
+    held.forEach((trail, index) => {
+      const wanted = json.trails[index];
+      expect([trail.name, trail.source, trail.start, trail.step, trail.mode]).toEqual(
+        [wanted.name, wanted.source, wanted.start_frame, wanted.frame_step, wanted.color_mode]);
+      expect(trail.keyTimes).toEqual(wanted.key_times);
+      const size = Math.max(...[0, 1, 2].map((k) => Math.max(...wanted.points.map((p) => p[k])) - Math.min(...wanted.points.map((p) => p[k]))));
+      const worst = (got: number[], want: number[]) => got.reduce((most, value, i) => Math.max(most, Math.abs(value - want[i])), 0);
+      expect(trail.points.length).toBe(3 * wanted.points.length);
+      expect(worst(trail.points, wanted.points.flat())).toBeLessThanOrEqual(2e-10 * size);
+      expect(worst(trail.keyPoints, wanted.key_points.flat())).toBeLessThanOrEqual(2e-10 * size);
+      expect(worst(trail.colors, wanted.colors.flat().map((c) => 255 * c))).toBeLessThanOrEqual(0.5 + 1e-9);
+    });
+  });
+});
+
+const turned = (p: Vec3, up: string): Vec3 => (up === "z" ? [p[0], p[2], -p[1]] : p);
+
+/** Points along the lines of an SVG file, its pixels. */
+async function svgLine(page: Page): Promise<Point[]> {
+  return page.evaluate(() =>
+    [...document.querySelectorAll<SVGPathElement>("path[stroke^='#']")].flatMap((path) => {
+      const length = path.getTotalLength();
+      return Array.from({ length: Math.ceil(length / 2) + 1 }, (_, i) => {
+        const { x, y } = path.getPointAtLength(Math.min(2 * i, length));
+        return { x, y };
+      });
+    }));
+}
+
+const box = (points: Point[]) => {
+  const xs = points.map((p) => p.x);
+  const ys = points.map((p) => p.y);
+  return { left: Math.min(...xs), right: Math.max(...xs), top: Math.min(...ys), bottom: Math.max(...ys) };
+};
+
+describe.each(["front", "side", "top", "persp"] as const)("the %s view", (view) => {
+  test.each(["arm.ma", "crane.gltf"])("looks like the program's picture of %s", async (scene) => {
+    const select = scene === "arm.ma" ? ["--select", "*wrist*"] : ["--select", "*"];
+    const json = written(scene, ...select, "--color-mode", "standard", "--no-dots", "--line-width", "3", "--view", view);
+    const points = json.trails.flatMap((trail) => trail.points.map((p) => turned(p, json.up_axis)));
+    const edge = (pick: (...values: number[]) => number) => [0, 1, 2].map((k) => pick(...points.map((p) => p[k])));
+    const [low, high] = [edge(Math.min), edge(Math.max)];
+    const target = low.map((l, k) => (l + high[k]) / 2) as unknown as Vec3;
+    const distance = 1.7 * Math.hypot(...high.map((h, k) => h - low[k]));
+    const opening = await browser.openFile(file("x.html"));
+    const { azimuth, elevation } =
+      view === "persp" ? await opening.evaluate(() => window.vantorelixViewer.store.state.camera)
+        : { azimuth: view === "side" ? 90 : 0, elevation: view === "top" ? 90 : 0 };
+    const pose: Pose = { view, target, distance, azimuth, elevation };
+    const page = await browser.openFile(file("x.html"), { hash: `keys=0&labels=0&boxes=0&ghost=1&${poseHash(pose)}` });
+    const picture = await Picture.ofViewport(page);
+    const drawn = picture.pixelsOf(TEAL, 30);
+
+    // The two pictures differ in scale and place only: the box around the same points says how.
+    const svg = await svgLine(await svgPage());
+    const here = points.map((p) => project(pose, p, picture.width, picture.height));
+    const [from, to] = [box(svg), box(here)];
+    const wide = from.right - from.left > from.bottom - from.top;
+    const scale = wide ? (to.right - to.left) / (from.right - from.left) : (to.bottom - to.top) / (from.bottom - from.top);
+    const moved = svg.map((p) => ({
+      x: (p.x - (from.left + from.right) / 2) * scale + (to.left + to.right) / 2,
+      y: (p.y - (from.top + from.bottom) / 2) * scale + (to.top + to.bottom) / 2,
+    }));
+    const markers = json.trails.map((trail) => project(pose, turned(trail.points[0], json.up_axis), picture.width, picture.height));
+    const clear = (p: Point) => distanceTo(markers, p) > 12;
+    expect(moved.filter(clear).length).toBeGreaterThan(30);
+    expect(moved.filter((p) => clear(p) && distanceTo(drawn, p) > 2.5)).toEqual([]);
+    expect(drawn.filter((p) => clear(p) && distanceTo(moved, p) > 4)).toEqual([]);
+  });
+
+  async function svgPage(): Promise<Page> {
+    const page = await browser.blank();
+    await page.goto(`file://${file("x.svg")}`);
+    return page;
+  }
+});
+
+test("a page is at most 30 bytes a sample, beside the page itself, with a key at every frame", () => {
+  const json = written("walk.bvh");
+  const samples = json.trails.reduce((sum, trail) => sum + trail.points.length, 0);
+  const page = statSync(process.env.VANTORELIX_PAGE ?? "dist/index.html").size;
+  const perTrail = 700; // what a trail's own description may take
+  expect((statSync(file("x.html")).size - page - perTrail * json.trails.length) / samples).toBeLessThan(30);
+});

@@ -1,0 +1,21 @@
+// The program itself, run on the examples.
+
+import { execFileSync } from "node:child_process";
+import { mkdtempSync, rmSync } from "node:fs";
+import { tmpdir } from "node:os";
+import { join, resolve } from "node:path";
+
+const program = () => resolve(process.env.VANTORELIX_PROGRAM ?? "../build/bin/vantorelix");
+
+export const example = (name: string): string => resolve("..", process.env.VANTORELIX_EXAMPLES ?? "examples", name);
+
+/** Runs the program; standard output. Throws when it fails. */
+export const run = (...args: string[]): string =>
+  execFileSync(program(), args, { encoding: "utf8", maxBuffer: 1 << 28, stdio: ["ignore", "pipe", "pipe"] });
+
+/** A folder that is gone when the tests end. */
+export function temporaryFolder(): (name: string) => string {
+  const folder = mkdtempSync(join(tmpdir(), "vantorelix-test-"));
+  process.on("exit", () => rmSync(folder, { recursive: true, force: true }));
+  return (name) => join(folder, name);
+}
