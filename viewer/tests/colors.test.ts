@@ -4,7 +4,7 @@ import { execFileSync } from "node:child_process";
 import { resolve } from "node:path";
 import { describe, expect, test } from "vitest";
 import {
-  beatsColors, flowColors, OBJECT_COLORS, RAMP, rampColor, rampPosition, SAFE_RAMP, standardColors, trailColors,
+  beatsColor, flowColor, OBJECT_COLORS, RAMP, rampColor, rampPosition, SAFE_RAMP, standardColor, trailColors,
 } from "../src/model/colors";
 import type { Trail } from "../src/source/trail";
 
@@ -29,9 +29,9 @@ function engine(ramp: number[], cases: Case[]): Answer {
 
 const base: Case = { mode: 0, n: 12, start: 1, step: 1, keys: [], current: 6 };
 const ours = (c: Case) =>
-  c.mode === 0 ? standardColors(c.n)
-    : c.mode === 2 ? flowColors(c.n, c.start, c.step, c.current)
-      : beatsColors(c.n, c.start, c.step, c.keys);
+  c.mode === 0 ? standardColor
+    : c.mode === 2 ? flowColor(c.start, c.step, c.current)
+      : beatsColor(c.start, c.step, c.keys);
 
 describe("the colours are the engine's", () => {
   test("along the ramp", () => {
@@ -56,8 +56,8 @@ describe("the colours are the engine's", () => {
   };
   test.each(Object.entries(cases))("%s", (_, each) => {
     const [wanted] = engine([], [each]).cases;
-    const got = ours(each);
-    expect(Array.from({ length: got.length / 3 }, (__, i) => [...got.subarray(3 * i, 3 * i + 3)])).toEqual(wanted);
+    const colorOf = ours(each);
+    expect(Array.from({ length: each.n }, (__, i) => [...colorOf(i)])).toEqual(wanted);
   });
 });
 

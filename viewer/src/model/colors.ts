@@ -36,20 +36,17 @@ export function rampColor(t: number, stops: readonly Stop[] = RAMP): Rgb {
   return stops[stops.length - 1][1];
 }
 
-function fill(n: number, color: (i: number) => Rgb): Float64Array {
-  const colors = new Float64Array(3 * Math.max(0, n));
-  for (let i = 0; i < n; ++i) colors.set(color(i), 3 * i);
-  return colors;
-}
+/** The colour of a sample; the same object for the same colour. */
+export type ColorOf = (sample: number) => Rgb;
 
-export const standardColors = (n: number): Float64Array => fill(n, () => STANDARD);
+export const standardColor: ColorOf = () => STANDARD;
 
 const stepOrOne = (frameStep: number) => (frameStep > 1e-9 ? frameStep : 1);
 
 /** Past and future of the current frame. */
-export function flowColors(n: number, startFrame: number, frameStep: number, currentFrame: number): Float64Array {
+export function flowColor(startFrame: number, frameStep: number, currentFrame: number): ColorOf {
   const now = (currentFrame - startFrame) / stepOrOne(frameStep);
-  return fill(n, (i) => (i <= now ? PAST : FUTURE));
+  return (sample) => (sample <= now ? PAST : FUTURE);
 }
 
 /** How many of the sorted times are at or before the frame. */
@@ -65,12 +62,10 @@ export function countUpTo(times: ArrayLike<number>, frame: number): number {
 }
 
 /** Alternating between key times, in whatever order they come. */
-export function beatsColors(
-  n: number, startFrame: number, frameStep: number, keyTimes: ArrayLike<number>,
-): Float64Array {
+export function beatsColor(startFrame: number, frameStep: number, keyTimes: ArrayLike<number>): ColorOf {
   const times = Float64Array.from(keyTimes).sort();
   const step = stepOrOne(frameStep);
-  return fill(n, (i) => (countUpTo(times, startFrame + i * step) % 2 === 1 ? ODD_BEAT : EVEN_BEAT));
+  return (sample) => (countUpTo(times, startFrame + sample * step) % 2 === 1 ? ODD_BEAT : EVEN_BEAT);
 }
 
 /** Where on the ramp a pushed spacing colour lies: the ramp's stretches differ, so each colour has one place. */
@@ -89,24 +84,31 @@ export const SAFE_RAMP: readonly Stop[] = [
   [0.85, [0.89, 0.8, 0.3]],
   [1.0, [1.0, 0.93, 0.2]],
 ];
-const SAFE_PAST: Rgb = [0.9, 0.6, 0.0];
-const SAFE_FUTURE: Rgb = [0.0, 0.45, 0.7];
-const SAFE_ODD: Rgb = [0.0, 0.45, 0.7];
-const SAFE_EVEN: Rgb = [0.95, 0.9, 0.25];
+const SAFE: ReadonlyMap<Rgb, Rgb> = new Map([
+  [PAST, [0.9, 0.6, 0.0]],
+  [FUTURE, [0.0, 0.45, 0.7]],
+  [ODD_BEAT, [0.0, 0.45, 0.7]],
+  [EVEN_BEAT, [0.95, 0.9, 0.25]],
+]);
 
 export type Palette = "engine" | "safe";
 
-function bytes(colors: Float64Array): Uint8Array {
-  return Uint8Array.from(colors, (c) => Math.round(Math.max(0, Math.min(1, c)) * 255));
-}
+/** A colour of a mode as a palette has it. */
+export const inPalette = (color: Rgb, palette: Palette): Rgb => (palette === "safe" ? (SAFE.get(color) ?? color) : color);
 
-function recolor(colors: Float64Array, from: Rgb, to: readonly [Rgb, Rgb]): Float64Array {
-  const result = new Float64Array(colors.length);
-  for (let i = 0; i < colors.length; i += 3) {
-    const isFrom = colors[i] === from[0] && colors[i + 1] === from[1] && colors[i + 2] === from[2];
-    result.set(isFrom ? to[0] : to[1], i);
+function paint(n: number, colorOf: ColorOf, palette: Palette): Uint8Array {
+  const values = new Uint8Array(3 * n);
+  let last: Rgb | null = null;
+  let [r, g, b] = [0, 0, 0];
+  for (let sample = 0; sample < n; ++sample) {
+    const color = colorOf(sample);
+    if (color !== last) [r, g, b] = inPalette(color, palette).map((c) => Math.round(255 * c));
+    last = color;
+    values[3 * sample] = r;
+    values[3 * sample + 1] = g;
+    values[3 * sample + 2] = b;
   }
-  return result;
+  return values;
 }
 
 function safeSpacing(pushed: Uint8Array): Uint8Array {
@@ -120,20 +122,16 @@ function safeSpacing(pushed: Uint8Array): Uint8Array {
 
 /** A colour for each sample of a trail, 0..255. */
 export function trailColors(trail: Trail, mode: ColorMode, currentFrame: number, palette: Palette): Uint8Array {
-  const safe = palette === "safe";
+  const { count, startFrame, frameStep, keyTimes } = trail;
   switch (mode) {
     case 0:
-      return bytes(standardColors(trail.count));
+      return paint(count, standardColor, palette);
     case 1:
-      return safe ? safeSpacing(trail.colors) : trail.colors;
-    case 2: {
-      const colors = flowColors(trail.count, trail.startFrame, trail.frameStep, currentFrame);
-      return bytes(safe ? recolor(colors, PAST, [SAFE_PAST, SAFE_FUTURE]) : colors);
-    }
-    case 3: {
-      const colors = beatsColors(trail.count, trail.startFrame, trail.frameStep, trail.keyTimes);
-      return bytes(safe ? recolor(colors, ODD_BEAT, [SAFE_ODD, SAFE_EVEN]) : colors);
-    }
+      return palette === "safe" ? safeSpacing(trail.colors) : trail.colors;
+    case 2:
+      return paint(count, flowColor(startFrame, frameStep, currentFrame), palette);
+    case 3:
+      return paint(count, beatsColor(startFrame, frameStep, keyTimes), palette);
   }
 }
 
