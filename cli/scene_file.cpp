@@ -23,9 +23,10 @@ std::string warning_text(const standalone::Warning& warning) {
   return warning.count == 1 ? warning.kind : warning.kind + " (" + std::to_string(warning.count) + " times)";
 }
 
-standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal) {
+standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, bool bounds) {
   const fs::path file = wanted.file;
   standalone::ReadOptions options = wanted.read_options();
+  options.bounds = bounds;
   std::error_code ignored;
   if (!fs::exists(file, ignored)) throw Failure(file.string() + ": no such file; check the path");
   if (fs::is_directory(file, ignored)) throw Failure(file.string() + ": is a folder; name a scene file in it");

@@ -10,8 +10,9 @@
 
 namespace vantorelix::cli {
 
-// Reads the scene, with progress, and passes its warnings on. Throws Failure, UsageError or standalone::FormatError.
-standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal);
+// Reads the scene, with progress, and passes its warnings on; with `bounds` also how large its surfaces are. Throws
+// Failure, UsageError or standalone::FormatError.
+standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, bool bounds = false);
 
 // "Maya ASCII", "BVH", "FBX", "glTF".
 std::string format_name(const std::filesystem::path& file);

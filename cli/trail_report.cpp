@@ -20,8 +20,6 @@ host::Vectors array(const Scene& scene, NodeId shape, const char* attribute) {
   return values ? values : std::make_shared<const std::vector<host::Vector>>();
 }
 
-bool is_finite(const host::Vector& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
-
 void warn_of_gaps(TrailView& trail) {
   const auto bad =
       std::count_if(trail.points->begin(), trail.points->end(), [](const host::Vector& p) { return !is_finite(p); });
@@ -45,6 +43,7 @@ TrailView read_trail(const Scene& scene, const Trail& trail) {
   data.point_size = scene.attribute(shape, "pointSize").to_float();
   data.show_line = scene.attribute(shape, "showLine").truthy();
   data.show_dots = scene.attribute(shape, "showDots").truthy();
+  data.ghost = scene.attribute(shape, "xrayMode").truthy();
   data.points = array(scene, shape, "points");
   data.colors = array(scene, shape, "colors");
   data.key_points = array(scene, shape, "keyPoints");
@@ -57,12 +56,15 @@ TrailView read_trail(const Scene& scene, const Trail& trail) {
 
 }  // namespace
 
+bool is_finite(const host::Vector& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
+
 std::string unit_text(const TrailReport& report) { return report.unit == kUnknownUnit ? "units" : report.unit; }
 
 TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, const std::string& file) {
   TrailReport report{
       file, scene.frames_per_second(), scene.playback_min(), scene.playback_max(), scene.linear_unit(), scene.up_axis(),
       {}};
+  report.current = scene.current_time();
   report.trails.reserve(trails.size());
   for (const Trail& trail : trails) report.trails.push_back(read_trail(scene, trail));
   return report;

@@ -8,6 +8,7 @@
 
 #include "cli/trail_session.h"
 #include "host/vector.h"
+#include "standalone/scene/matrix.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::cli {
@@ -26,9 +27,17 @@ struct TrailView {
   double point_size = 0.0;
   bool show_line = true;
   bool show_dots = true;
+  bool ghost = false;  // drawn through geometry
   host::Vectors points, colors, key_points, key_colors;
   std::vector<double> key_times;
   std::vector<std::string> warnings;
+};
+
+// A node that does not move and has geometry, as the box around it.
+struct StaticBox {
+  std::string name;  // long path
+  standalone::Affine world;
+  host::Vector low, high;  // corners in the node's own space
 };
 
 // What a scene says whose format knows no unit.
@@ -42,12 +51,16 @@ struct TrailReport {
   std::string unit;
   char up_axis = 'y';
   std::vector<TrailView> trails;
+  double current = 0.0;                 // the scene's current frame
+  std::vector<StaticBox> statics = {};  // only where they were asked for
 };
 
 // The unit as texts name it: "units" where it is unknown.
 std::string unit_text(const TrailReport& report);
 
 TrailReport read_trails(const standalone::Scene& scene, const std::vector<Trail>& trails, const std::string& file);
+
+bool is_finite(const host::Vector& v);
 
 // Length and speed of a trail. Lengths in the scene's unit, speeds in units a second, over the samples; those
 // that are not finite are left out.

@@ -1,7 +1,7 @@
 #include <array>
-#include <cmath>
 #include <string>
 
+#include "cli/output/json_parts.h"
 #include "cli/output/text.h"
 #include "cli/output/writers.h"
 
@@ -9,30 +9,8 @@ namespace vantorelix::cli {
 
 namespace {
 
-void write_number(OutputFile& out, double value) {
-  if (std::isfinite(value))
-    out << value;
-  else
-    out << "null";
-}
-
-// [a, b, ...], each item written by `write`.
-template <class Items, class Write>
-void write_list(OutputFile& out, const Items& items, const Write& write) {
-  out << '[';
-  bool first = true;
-  for (const auto& item : items) {
-    if (!first) out << ", ";
-    first = false;
-    write(item);
-  }
-  out << ']';
-}
-
 void write_triples(OutputFile& out, const std::vector<host::Vector>& triples) {
-  write_list(out, triples, [&](const host::Vector& v) {
-    write_list(out, std::array{v.x, v.y, v.z}, [&](double d) { write_number(out, d); });
-  });
+  write_list(out, triples, [&](const host::Vector& v) { write_triple(out, v); });
 }
 
 void write_trail(OutputFile& out, const TrailView& trail) {
@@ -47,7 +25,7 @@ void write_trail(OutputFile& out, const TrailView& trail) {
   write_number(field("frame_step"), trail.frame_step);
   write_triples(field("points"), *trail.points);
   write_triples(field("colors"), *trail.colors);
-  write_list(field("key_times"), trail.key_times, [&](double d) { write_number(out, d); });
+  write_numbers(field("key_times"), trail.key_times);
   write_triples(field("key_points"), *trail.key_points);
   write_triples(field("key_colors"), *trail.key_colors);
   write_list(field("warnings"), trail.warnings, [&](const std::string& text) { out << json_text(text); });
@@ -60,7 +38,7 @@ void write_json(OutputFile& out, const TrailReport& report) {
   out << "{\n  \"scene\": " << json_text(report.scene) << ",\n  \"fps\": ";
   write_number(out, report.fps);
   out << ",\n  \"range\": ";
-  write_list(out, std::array{report.first, report.last}, [&](double d) { write_number(out, d); });
+  write_numbers(out, std::array{report.first, report.last});
   out << ",\n  \"unit\": " << json_text(report.unit) << ",\n  \"up_axis\": \"" << report.up_axis
       << "\",\n  \"trails\": [";
   const char* separator = "\n";

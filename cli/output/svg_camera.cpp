@@ -65,8 +65,6 @@ Vector Bounds::centre() const {
   return {low.x + (high.x - low.x) / 2.0, low.y + (high.y - low.y) / 2.0, low.z + (high.z - low.z) / 2.0};
 }
 
-bool is_finite(const Vector& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
-
 Vector y_up(const Vector& v, char up_axis) { return up_axis == 'z' ? Vector{v.x, v.z, -v.y} : v; }
 
 Bounds bounds_of(const TrailReport& report) {

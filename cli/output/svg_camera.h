@@ -35,7 +35,6 @@ struct Bounds {
   host::Vector centre() const;
 };
 
-bool is_finite(const host::Vector& v);
 // Turned so that y is up.
 host::Vector y_up(const host::Vector& v, char up_axis);
 Bounds bounds_of(const TrailReport& report);

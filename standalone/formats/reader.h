@@ -34,6 +34,8 @@ struct ReadOptions {
   char up_axis = 0;
   // FBX: "mm", "cm", "m", "in", "ft", ... converts to this unit; empty leaves the file's own.
   std::string linear_unit;
+  // Also finds how large the surfaces are that hang on the nodes (kBounds).
+  bool bounds = false;
 };
 
 // Reads a scene by its extension (".bvh", ".ma", ".fbx", ".gltf", ".glb", in any case). Throws FormatError; an unknown
@@ -47,6 +49,8 @@ inline constexpr std::string_view kNameInFile = "nameInFile";
 void keep_name_in_file(Scene& scene, NodeId node, const std::string& name);
 // The node's own name in the file, unchanged. A BVH end site, which has none, is "End Site of <joint>".
 std::string name_in_file(const Scene& scene, NodeId node);
+// Two corners, low and high, of the box around a node's or shape's surface, in the node's own space, as a vector array.
+inline constexpr std::string_view kBounds = "bounds";
 // The number of the node in a file that numbers its nodes (glTF), an integer.
 inline constexpr std::string_view kNumberInFile = "numberInFile";
 

@@ -1,0 +1,29 @@
+// The page that shows trails, with the trails in it: one file, which needs nothing else.
+//
+// The page holds <!--trails--> once. In its place stand two blocks of data, which no script runs:
+//
+//   <script type="application/json" id="trails-header">{...}</script>
+//   <script type="application/octet-stream" id="trails-data">base64 of the sections of trail_data.h</script>
+//
+// The header is one object. <, >, & and the two line ends that only Unicode has are written as \uXXXX, so that no name
+// ends the block; bytes that are no UTF-8 are replaced; a number that is not finite is null.
+//
+//   format 1, scene, fps, range [first, last], current (frame), unit, up_axis
+//   key_time_bytes   4 or 8
+//   sections         {positions, key_positions, key_times, colors}: bytes from the start of the data
+//   bytes            of all sections
+//   trails           [{viz, source, name, samples_per_frame, color_mode, start_frame, frame_step, line_width,
+//   point_size,
+//                    show_line, show_dots, ghost, count (samples), low [x, y, z], step [x, y, z], keys (how many),
+//                    keys_on_samples, warnings}]
+//   statics          [{name, matrix (16 numbers, row vectors), low, high}]
+#pragma once
+
+#include "cli/output/output_file.h"
+#include "cli/trail_report.h"
+
+namespace vantorelix::cli {
+
+void write_html(OutputFile& out, const TrailReport& report);
+
+}  // namespace vantorelix::cli

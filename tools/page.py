@@ -1,0 +1,153 @@
+#!/usr/bin/env python3
+"""Builds the page of viewer/ and turns it into a C++ source: tools/page.py --folder FOLDER --source FILE [--page FILE]
+
+The folder is shared by all build folders: it holds npm's packages, which are installed again when the lock file changes,
+and the page, which is built again when what it is made of changes. With --page that page is taken, and none is built.
+"""
+
+import argparse
+import contextlib
+import hashlib
+import os
+import shutil
+import subprocess
+import sys
+
+import node
+
+try:
+    import fcntl
+except ImportError:  # Windows
+    fcntl = None
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+VIEWER = os.path.join(ROOT, "viewer")
+# What npm installs from, and what whoever works on the page may have made there.
+PACKAGES = ("package.json", "package-lock.json", ".npmrc")
+GENERATED = {"node_modules", "dist"}
+PLACE = b"<!--trails-->"
+# Compilers take literals of 64 KB at least, MSVC's pieces of 16 KB, in which each byte may take four characters.
+PIECE = 4000
+
+
+class Failure(Exception):
+    """Told to the user without a trace."""
+
+
+def copy_viewer(target):
+    shutil.rmtree(target, ignore_errors=True)
+    shutil.copytree(VIEWER, target, ignore=lambda folder, names: GENERATED & set(names))
+
+
+def digest(folder, names=None):
+    """A hash of the names and bytes of files below a folder."""
+    if names is None:
+        names = sorted(os.path.relpath(os.path.join(top, name), folder)
+                       for top, _, files in os.walk(folder) for name in files)
+    total = hashlib.sha256()
+    for name in names:
+        with open(os.path.join(folder, name), "rb") as file:
+            total.update(("%s\n%s\n" % (name, hashlib.sha256(file.read()).hexdigest())).encode())
+    return total.hexdigest()
+
+
+def _read(path):
+    try:
+        with open(path, "rb") as file:
+            return file.read()
+    except FileNotFoundError:
+        return b""
+
+
+def _write(path, data):
+    """Whole or not at all."""
+    with open(path + ".part", "wb") as file:
+        file.write(data)
+    os.replace(path + ".part", path)
+
+
+@contextlib.contextmanager
+def locked(folder):
+    """Two builds at once must not both work in the folder."""
+    os.makedirs(folder, exist_ok=True)
+    with open(os.path.join(folder, "lock"), "w", encoding="utf-8") as file:
+        if fcntl:
+            fcntl.flock(file, fcntl.LOCK_EX)
+        yield
+
+
+def _npm(what, *arguments, folder):
+    run = node.find().npm(*arguments, folder=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+    if run.returncode != 0:
+        raise Failure("%s, or configure with -DVANTORELIX_PAGE=FILE where FILE is the page built elsewhere. npm said:\n%s"
+                      % (what, run.stdout.decode(errors="replace")))
+
+
+def install(folder):
+    """npm's packages in folder/node_modules, as the lock file has them. Their scripts are not run."""
+    wanted = digest(VIEWER, PACKAGES).encode()
+    stamp = os.path.join(folder, "installed")
+    if _read(stamp) == wanted:
+        return
+    with contextlib.suppress(FileNotFoundError):
+        os.remove(stamp)
+    for name in PACKAGES:
+        shutil.copy(os.path.join(VIEWER, name), folder)
+    _npm("what the page is built with could not be installed: see to the network", "ci", "--ignore-scripts", "--no-audit", "--no-fund", "--no-update-notifier", folder=folder)
+    _write(stamp, wanted)
+
+
+def build(folder):
+    """The path of the page, built if need be. The caller holds the lock."""
+    page, stamp, source = (os.path.join(folder, name) for name in ("index.html", "built", "source"))
+    copy_viewer(source)
+    wanted = digest(source).encode()
+    if _read(stamp) != wanted or not os.path.exists(page):
+        install(folder)
+        output = os.path.join(folder, "output")
+        _npm("the page could not be built: correct viewer/", "run", "build", "--", "--outDir", output, folder=source)
+        os.replace(os.path.join(output, "index.html"), page)
+        _write(stamp, wanted)
+    return page
+
+
+def _literal(data):
+    def escaped(byte):
+        plain = 32 <= byte < 127 and chr(byte) not in '"\\?'
+        return chr(byte) if plain else "\\n" if byte == 10 else "\\%03o" % byte
+    return '"%s"' % "".join(map(escaped, data))
+
+
+def cpp_source(page):
+    """A C++ source with the bytes of a page, which has the place of the data once."""
+    if page.count(PLACE) != 1:
+        raise Failure("the page has %d places for the data, %s, instead of one" % (page.count(PLACE), PLACE.decode()))
+    before, after = page.split(PLACE)
+    pieces = [part[at:at + PIECE] for part in (before, after) for at in range(0, len(part), PIECE)]
+    pieces.insert(-(-len(before) // PIECE), PLACE)
+    lines = ["    {%s, %d}," % (_literal(piece), len(piece)) for piece in pieces]
+    return "\n".join(['// Made by tools/page.py.', '#include "cli/output/page.h"', "", "namespace vantorelix::cli {", "",
+                      "const std::vector<std::string_view>& page() {",
+                      "  static const std::vector<std::string_view> pieces = {"] + lines +
+                     ["  };", "  return pieces;", "}", "", "}  // namespace vantorelix::cli", ""]).encode()
+
+
+def main(arguments):
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("--folder", required=True, help="where npm's packages and the page are")
+    parser.add_argument("--source", required=True, help="the C++ source to write")
+    parser.add_argument("--page", help="a page that is already built")
+    options = parser.parse_args(arguments)
+    try:
+        folder = os.path.abspath(options.folder)
+        with locked(folder):
+            page = _read(options.page or build(folder))
+        _write(options.source, cpp_source(page))
+    except (Failure, node.Missing) as failure:
+        print("page: %s" % failure, file=sys.stderr)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
