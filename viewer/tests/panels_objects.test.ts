@@ -1,0 +1,196 @@
+import type { Page } from "playwright-core";
+import { describe, expect, test } from "vitest";
+import { useBrowser } from "./support/browser";
+import { expectState, press, stateOf } from "./support/read";
+import { arc, figures } from "./support/scenes";
+
+const browser = useBrowser();
+
+const row = (page: Page, name: string) => page.getByRole("row").filter({ has: page.getByText(name, { exact: true }) });
+const cell = (page: Page, name: string) => row(page, name).locator(".name-cell");
+const listed = (page: Page) => page.locator(".object:visible .name").allTextContents();
+
+describe("the list of objects", () => {
+  test("has a row for each, with path, warning and number", async () => {
+    const page = await browser.open(figures());
+    expect(await listed(page)).toEqual(["hand_L", "hand_R", "Foot.L", "head"]);
+    expect(await cell(page, "hand_L").getAttribute("title")).toBe("|rig|arms|hand_L");
+    const mark = row(page, "hand_R").getByRole("img", { name: "Warning: an expression was not evaluated" });
+    expect(await mark.count()).toBe(1);
+    expect(await page.locator(".warning").count()).toBe(1);
+    expect(await page.locator(".count").textContent()).toBe("4 of 4 shown, 1 selected");
+  });
+
+  test("is searched by name and path", async () => {
+    const page = await browser.open(figures());
+    const search = page.getByRole("searchbox", { name: "Search objects" });
+    await search.fill("HAND");
+    expect(await listed(page)).toEqual(["hand_L", "hand_R"]);
+    expect(await page.locator(".count").textContent()).toBe("2 found, 4 of 4 shown, 1 selected");
+    await search.fill("|rig|*.l");
+    expect(await listed(page)).toEqual(["Foot.L"]);
+    await search.fill("nothing");
+    expect(await page.getByText("No object has such a name.").isVisible()).toBe(true);
+    await search.press("Escape");
+    expect((await listed(page)).length).toBe(4);
+    expect(await page.getByText("No object has such a name.").isVisible()).toBe(false);
+  });
+
+  test("selects by click, with Ctrl one more or less, with Shift all between that are listed", async () => {
+    const page = await browser.open(figures());
+    await cell(page, "hand_R").click();
+    await expectState(page, "selected", [1]);
+    expect(await row(page, "hand_R").getAttribute("aria-selected")).toBe("true");
+    expect(await row(page, "hand_L").getAttribute("aria-selected")).toBe("false");
+    await cell(page, "head").click({ modifiers: ["Control"] });
+    await expectState(page, "selected", [1, 3]);
+    await cell(page, "head").click({ modifiers: ["Control"] });
+    await expectState(page, "selected", [1]);
+    await cell(page, "hand_L").click();
+    await page.getByRole("searchbox").fill("l");
+    await cell(page, "Foot.L").click({ modifiers: ["Shift"] });
+    await expectState(page, "selected", [0, 2]);
+  });
+
+  test("hides and shows an object, and has it alone", async () => {
+    const page = await browser.open(figures());
+    const eye = page.getByRole("button", { name: "Show hand_R" });
+    await eye.click();
+    await expectState(page, "hidden", [1]);
+    expect(await eye.getAttribute("aria-pressed")).toBe("false");
+    expect(await page.locator(".count").textContent()).toBe("3 of 4 shown, 1 selected");
+    await page.getByRole("button", { name: "Solo head" }).click();
+    await expectState(page, "solo", [3]);
+    expect(await page.locator(".object[data-off]").count()).toBe(3);
+    expect(await stateOf(page, "selected")).toEqual([0]); // a button selects nothing
+    await page.getByRole("button", { name: "Show all" }).click();
+    await expectState(page, "hidden", []);
+    await expectState(page, "solo", []);
+    expect(await page.locator(".object[data-off]").count()).toBe(0);
+  });
+
+  test("has buttons for the selection", async () => {
+    const page = await browser.open(figures());
+    const click = (name: string) => page.getByRole("group", { name: "Selection" }).getByRole("button", { name, exact: true }).click();
+    await page.getByRole("searchbox").fill("hand");
+    await click("All");
+    await expectState(page, "selected", [0, 1]);
+    await click("Solo");
+    await expectState(page, "solo", [0, 1]);
+    await click("Solo");
+    await expectState(page, "solo", []);
+    await click("None");
+    await expectState(page, "selected", []);
+    await click("Solo");
+    expect(await page.locator(".message").textContent()).toBe("Nothing is selected");
+  });
+
+  test("says what positions are relative to, and leads back", async () => {
+    const page = await browser.open(figures(), { hash: "select=3" });
+    const line = page.locator(".reference");
+    expect(await line.isVisible()).toBe(false);
+    await page.getByRole("button", { name: "Relative", exact: true }).click();
+    await expectState(page, "relativeTo", 3);
+    expect(await line.locator(".reference-name").textContent()).toBe("relative to head");
+    await page.getByRole("button", { name: "World" }).click();
+    await expectState(page, "relativeTo", null);
+    expect(await line.isVisible()).toBe(false);
+  });
+
+  test("shows the colour of the object, or of its mode", async () => {
+    const page = await browser.open(figures());
+    const background = (name: string) => row(page, name).locator(".swatch").evaluate((e) => getComputedStyle(e).background);
+    expect(await background("hand_L")).toContain("rgb(0, 0, 255)"); // slow, in mode Spacing
+    expect(await background("head")).toContain("rgb(38, 191, 166)"); // Standard
+    await page.keyboard.press("c");
+    expect(await background("hand_L")).toContain("rgb(230, 159, 0)");
+    expect(await background("head")).toContain("rgb(204, 121, 167)");
+  });
+
+  test("marks the object whose sample is pointed at", async () => {
+    const page = await browser.open(figures());
+    await page.evaluate(() => window.vantorelixViewer.store.set({ hover: { trail: 2, sample: 3 } }));
+    expect(await row(page, "Foot.L").getAttribute("data-hovered")).toBe("");
+    expect(await page.locator("[data-hovered]").count()).toBe(1);
+  });
+});
+
+describe("the list by keyboard", () => {
+  const focused = (page: Page) => page.evaluate(() => document.activeElement!.getAttribute("aria-label") ?? document.activeElement!.textContent);
+
+  test("is one stop of the tab key, within which the arrows go", async () => {
+    const page = await browser.open(figures());
+    expect(await page.locator('.objects [tabindex="0"]').count()).toBe(1);
+    await cell(page, "hand_L").focus();
+    await press(page, "ArrowDown", "ArrowDown");
+    expect(await focused(page)).toBe("Foot.L");
+    await press(page, "End", "ArrowUp", "ArrowUp");
+    expect(await focused(page)).toBe("hand_R");
+    await press(page, "ArrowLeft");
+    expect(await focused(page)).toBe("Solo hand_R");
+    await press(page, "ArrowLeft", "ArrowLeft", "ArrowUp");
+    expect(await focused(page)).toBe("Show hand_L");
+    expect(await page.locator('.objects [tabindex="0"]').count()).toBe(1);
+    await expectState(page, "frame", 1); // the arrows were the list's
+  });
+
+  test("selects with Space, Enter, Shift and Ctrl+A", async () => {
+    const page = await browser.open(figures());
+    await cell(page, "hand_L").focus();
+    await press(page, "ArrowDown", "Enter");
+    await expectState(page, "selected", [1]);
+    await press(page, "ArrowDown", "ArrowDown", " ");
+    await expectState(page, "selected", [1, 3]);
+    await press(page, "Home", "Enter", "Shift+ArrowDown", "Shift+ArrowDown");
+    await expectState(page, "selected", [0, 1, 2]);
+    await press(page, "Control+a");
+    await expectState(page, "selected", [0, 1, 2, 3]);
+    await expectState(page, "playing", false);
+  });
+
+  test("presses the buttons of a row", async () => {
+    const page = await browser.open(figures());
+    await cell(page, "hand_L").focus();
+    await press(page, "ArrowDown", "ArrowLeft", "Enter");
+    await expectState(page, "solo", [1]);
+    await press(page, "ArrowLeft", " ");
+    await expectState(page, "hidden", [1]);
+    await expectState(page, "playing", false);
+  });
+
+  test("stays in what the search leaves", async () => {
+    const page = await browser.open(figures());
+    await page.getByRole("searchbox").fill("hand");
+    await cell(page, "hand_L").focus();
+    await press(page, "ArrowDown", "ArrowDown", "ArrowDown");
+    expect(await focused(page)).toBe("hand_R");
+    await page.getByRole("searchbox").fill("head");
+    expect(await page.locator('.objects [tabindex="0"]').textContent()).toBe("head");
+  });
+});
+
+test("names are text, whatever they look like", async () => {
+  const names = ["<script>document.title='owned'</script>", "<img src=x onerror=\"document.title='owned'\">", "</script><h1>x</h1>", "a\u2028b & \"c\" 'd'"];
+  const page = await browser.open({
+    scene: "<img src=x onerror=alert(1)>.ma", trails: names.map((name) => arc(name, { warnings: [`<b>${name}</b>`], source: `|${name}` })),
+  });
+  await press(page, "Control+a", "r");
+  expect(await page.locator(".object .name").allTextContents()).toEqual(names);
+  expect(await page.title()).toBe("<img src=x onerror=alert(1)>.ma: motion trails");
+  expect(await page.locator("h1").allTextContents()).toEqual(["<img src=x onerror=alert(1)>.ma"]);
+  expect(await page.locator("#app img, #app script, #app b").count()).toBe(0);
+  expect(await page.locator(".reference-name").textContent()).toBe(`relative to ${names[0]}`);
+});
+
+test("a thousand objects are searched and selected at once", async () => {
+  const page = await browser.open({ trails: Array.from({ length: 1000 }, (_, i) => arc(`object_${i}`)) });
+  const spent = await page.evaluate(() => {
+    const begin = performance.now();
+    window.vantorelixViewer.store.set({ search: "_99" });
+    const searched = performance.now();
+    document.querySelector<HTMLElement>(".actions button")!.click();
+    return [searched - begin, performance.now() - searched];
+  });
+  expect(await stateOf(page, "selected")).toEqual([99, 990, 991, 992, 993, 994, 995, 996, 997, 998, 999]);
+  expect(Math.max(...spent)).toBeLessThan(1000);
+});
