@@ -35,7 +35,7 @@ export function largestSpacing(app: App, trails: readonly number[]): number {
 export function placeOf(app: App, largest: number, width: number, height: number): Place {
   const reach = largest > 0 ? largest : 1;
   const step = niceStep(reach / Math.max(2, Math.floor((height - TOP - BOTTOM) / 34)));
-  const most = Math.ceil(reach / step - 1e-9) * step;
+  const most = Math.ceil(reach / step - 1e-6) * step; // rounding opens no new step
   return {
     scale: frameScale(app.scene.first, app.scene.last, width), most, step,
     y: (value) => height - BOTTOM - (value / most) * (height - TOP - BOTTOM),

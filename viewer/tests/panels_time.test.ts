@@ -1,0 +1,240 @@
+import type { Page } from "playwright-core";
+import { describe, expect, test } from "vitest";
+import { frameScale } from "../src/panels/frame_scale";
+import { useBrowser } from "./support/browser";
+import { expectState, inkOf, press, stateOf } from "./support/read";
+import { arc, figures } from "./support/scenes";
+
+const browser = useBrowser();
+
+/** Where a frame is in the timeline and in the graph, which are as wide as the page. */
+const frameX = (frame: number, width = 1280) => frameScale(1, 24, width).x(frame);
+
+const track = (page: Page) => page.getByRole("slider", { name: "Current frame" });
+
+async function drag(page: Page, selector: string, from: readonly [number, number], to: readonly [number, number]): Promise<void> {
+  const box = (await page.locator(selector).boundingBox())!;
+  await page.mouse.move(box.x + from[0], box.y + from[1]);
+  await page.mouse.down();
+  await page.mouse.move(box.x + to[0], box.y + to[1], { steps: 4 });
+  await page.mouse.up();
+}
+
+describe("the transport", () => {
+  test("goes to frames and keys", async () => {
+    const page = await browser.open(figures());
+    const click = (name: string) => page.getByRole("button", { name, exact: true }).click();
+    await click("Next frame");
+    await expectState(page, "frame", 2);
+    await click("Next key");
+    await expectState(page, "frame", 12);
+    await click("Last frame");
+    await expectState(page, "frame", 24);
+    await click("Previous frame");
+    await click("Previous key");
+    await expectState(page, "frame", 12);
+    await click("First frame");
+    await expectState(page, "frame", 1);
+    await click("Previous key");
+    expect(await page.locator(".message").textContent()).toBe("No earlier key");
+  });
+
+  test("plays and stops, at the scene's rate", async () => {
+    const page = await browser.open({ ...figures(), fps: 50 });
+    await page.getByRole("button", { name: "Play" }).click();
+    await expectState(page, "playing", true);
+    await expect.poll(() => stateOf(page, "frame")).not.toBe(1);
+    await page.getByRole("button", { name: "Stop" }).click();
+    await expectState(page, "playing", false);
+    expect(await page.getByRole("button", { name: "Play" }).count()).toBe(1);
+    expect(await page.locator(".rate").textContent()).toBe("50 fps");
+  });
+
+  test("takes frames that are typed, within the range", async () => {
+    const page = await browser.open(figures());
+    const field = page.getByRole("spinbutton", { name: "Frame" });
+    await field.fill("7.5");
+    await field.press("Enter");
+    await expectState(page, "frame", 7.5);
+    await field.fill("99");
+    await field.press("Enter");
+    await expectState(page, "frame", 24);
+    expect(await field.inputValue()).toBe("24");
+    await field.press("ArrowDown");
+    await expectState(page, "frame", 23);
+    await field.fill("");
+    await field.press("Enter");
+    expect(await field.inputValue()).toBe("23");
+    await track(page).focus();
+    await press(page, "ArrowLeft");
+    expect(await field.inputValue()).toBe("22");
+  });
+
+  test("plays a range that is typed, and the whole one again", async () => {
+    const page = await browser.open(figures());
+    const type = async (name: string, text: string) => {
+      await page.getByRole("spinbutton", { name, exact: true }).fill(text);
+      await page.keyboard.press("Enter");
+    };
+    await type("Range", "5");
+    await type("to", "9");
+    await expectState(page, "playFirst", 5);
+    await expectState(page, "playLast", 9);
+    await type("to", "2"); // not before its start
+    await expectState(page, "playLast", 5);
+    await page.getByRole("button", { name: "Whole" }).click();
+    await expectState(page, "playFirst", 1);
+    await expectState(page, "playLast", 24);
+  });
+});
+
+describe("the timeline", () => {
+  test("says where it is", async () => {
+    const page = await browser.open(figures());
+    const said = () => track(page).evaluate((e) => ["min", "max", "now", "text"].map((name) => e.getAttribute(`aria-value${name}`)));
+    expect(await said()).toEqual(["1", "24", "1", "Frame 1, a key"]);
+    await press(page, "ArrowRight");
+    expect(await said()).toEqual(["1", "24", "2", "Frame 2"]);
+  });
+
+  test("is scrubbed with the pointer, also beyond its ends", async () => {
+    const page = await browser.open(figures());
+    await drag(page, ".track", [frameX(10), 40], [frameX(17) + 2, 40]);
+    await expectState(page, "frame", 17);
+    await drag(page, ".track", [frameX(10), 40], [1279, 300]);
+    await expectState(page, "frame", 24);
+  });
+
+  test("is stepped with its own keys", async () => {
+    const page = await browser.open(figures());
+    await track(page).focus();
+    await press(page, "ArrowRight", "ArrowUp", "PageUp");
+    await expectState(page, "frame", 13);
+    await press(page, "ArrowLeft", "Shift+ArrowLeft");
+    await expectState(page, "frame", 1);
+    await press(page, "End");
+    await expectState(page, "frame", 24);
+    await press(page, "PageDown", "Shift+ArrowLeft");
+    await expectState(page, "frame", 12);
+    await press(page, "Home", "n", "ArrowDown");
+    await expectState(page, "frame", 1);
+  });
+
+  test("has ends of the range that are dragged, never past each other", async () => {
+    const page = await browser.open(figures());
+    await drag(page, ".handle.start", [18, 12], [18 + frameX(6) - frameX(1), 12]);
+    await expectState(page, "playFirst", 6);
+    const box = (await page.locator(".handle.end").boundingBox())!;
+    await drag(page, ".handle.end", [6, 12], [6 + frameX(2) - frameX(24), 12]);
+    await expectState(page, "playLast", 6);
+    expect((await page.locator(".handle.end").boundingBox())!.x).toBeCloseTo(box.x + frameX(6) - frameX(24), 0);
+    await expectState(page, "frame", 1); // the ends scrub nothing
+  });
+
+  test("has ends of the range with keys of their own", async () => {
+    const page = await browser.open(figures());
+    await page.getByRole("slider", { name: "End of the range" }).focus();
+    await press(page, "ArrowLeft", "ArrowLeft", "PageDown");
+    await expectState(page, "playLast", 12);
+    await page.getByRole("slider", { name: "Start of the range" }).focus();
+    await press(page, "PageUp", "PageUp");
+    await expectState(page, "playFirst", 12);
+    await press(page, "Home");
+    await expectState(page, "playFirst", 1);
+    expect(await page.getByRole("slider", { name: "End of the range" }).getAttribute("aria-valuenow")).toBe("12");
+  });
+
+  test("shows the current frame and the selection's keys in their places", async () => {
+    const page = await browser.open(figures(), { hash: "frame=6" });
+    const columns = (color: string) =>
+      page.evaluate((wanted) => {
+        const probe = document.createElement("canvas").getContext("2d")!;
+        probe.fillStyle = getComputedStyle(document.documentElement).getPropertyValue(wanted);
+        probe.fillRect(0, 0, 1, 1);
+        const [r, g, b] = probe.getImageData(0, 0, 1, 1).data;
+        const canvas = document.querySelector<HTMLCanvasElement>(".timeline-layer")!;
+        const { data, width } = canvas.getContext("2d")!.getImageData(0, 31, canvas.width, 1); // the row of the keys
+        return Array.from({ length: width }, (_, x) => x).filter((x) => data[4 * x] === r && data[4 * x + 1] === g && data[4 * x + 2] === b);
+      }, color);
+    const near = (xs: number[], frame: number) => xs.filter((x) => Math.abs(x - frameX(frame)) <= 5).length;
+    await expect.poll(async () => (await columns("--key")).length).toBeGreaterThan(10);
+    const keys = await columns("--key");
+    expect([1, 12, 24].map((frame) => near(keys, frame) > 4)).toEqual([true, true, true]);
+    expect(keys.length).toBe(near(keys, 1) + near(keys, 12) + near(keys, 24));
+    const now = await columns("--accent");
+    expect(now.length).toBe(2);
+    expect(near(now, 6)).toBe(2);
+  });
+});
+
+describe("the spacing graph", () => {
+  test("says in words what it draws", async () => {
+    const page = await browser.open(figures(), { hash: "select=2" });
+    const plot = page.locator(".plot");
+    expect(await plot.getAttribute("role")).toBe("img");
+    expect(await plot.getAttribute("aria-label")).toContain("Foot.L: fastest 1 cm per frame from frame");
+    await press(page, "Shift+H");
+    await page.getByRole("button", { name: "None" }).click();
+    expect(await plot.getAttribute("aria-label")).toContain("nothing is selected");
+    expect(await page.getByText("Select objects to see their spacing.").isVisible()).toBe(true);
+  });
+
+  test("draws one trail in its spacing colours, several in the objects'", async () => {
+    const page = await browser.open({ ...figures(), trails: [arc("a", { colors: new Array(24).fill([255, 0, 255]) }), arc("b"), arc("c")] });
+    await expect.poll(async () => (await inkOf(page, ".curves"))["255,0,255"] ?? 0).toBeGreaterThan(1000);
+    await page.getByRole("button", { name: "All", exact: true }).click();
+    await expect.poll(async () => (await inkOf(page, ".curves"))["255,0,255"] ?? 0).toBe(0);
+    await expect.poll(async () => (await inkOf(page, ".curves"))["0,158,115"] ?? 0).toBeGreaterThan(200); // of the third
+    expect(await page.locator(".graph-names li").allTextContents()).toEqual(["a", "b", "c"]);
+  });
+
+  test("has the height of the spacing", async () => {
+    const points = Array.from({ length: 24 }, (_, i) => [i < 12 ? i : 11 + 4 * (i - 11), 0, 0] as const); // 1, then 4 a frame
+    const page = await browser.open({ ...figures(), trails: [{ name: "a", points, colors: new Array(24).fill([255, 0, 255]) }] });
+    const height = (frame: number) =>
+      page.evaluate((x) => {
+        const canvas = document.querySelector<HTMLCanvasElement>(".curves")!;
+        const { data } = canvas.getContext("2d")!.getImageData(Math.round(x), 0, 1, canvas.height);
+        const drawn = Array.from({ length: canvas.height }, (_, y) => y).filter((y) => data[4 * y] > 200 && data[4 * y + 1] < 200);
+        return drawn.length;
+      }, frameX(frame));
+    await expect.poll(() => height(15.5)).toBeGreaterThan(80);
+    expect((await height(15.5)) / (await height(5.5))).toBeGreaterThan(3.4);
+    expect((await height(15.5)) / (await height(5.5))).toBeLessThan(4.6);
+  });
+
+  test("points at the sample under the pointer, and goes to its frame by click", async () => {
+    const page = await browser.open(figures(), { hash: "select=0.3" });
+    const plot = (await page.locator(".plot").boundingBox())!;
+    await page.mouse.move(plot.x + frameX(20) + 3, plot.y + 14); // where only the fast one is
+    await expectState(page, "hover", { trail: 3, sample: 19 });
+    expect(await page.locator(".graph-value").textContent()).toBe("head, frame 20: 1.9 cm per frame");
+    await page.mouse.move(plot.x + frameX(20) + 3, plot.y + 70);
+    await expectState(page, "hover", { trail: 0, sample: 19 });
+    await page.mouse.click(plot.x + frameX(8), plot.y + 60);
+    await expectState(page, "frame", 8);
+    await page.mouse.move(plot.x + 300, plot.y - 300);
+    await expect.poll(() => page.locator("[data-hovered]").count()).toBe(0);
+  });
+
+  test("shows the sample that the viewport points at", async () => {
+    const page = await browser.open(figures(), { hash: "select=3" });
+    const ink = async () => (await inkOf(page, ".moving"))["204,121,167"] ?? 0; // in the object's colour
+    expect(await ink()).toBe(0);
+    await page.evaluate(() => window.vantorelixViewer.store.set({ hover: { trail: 3, sample: 10 } }));
+    await expect.poll(ink).toBeGreaterThan(20);
+    expect(await page.locator(".graph-value").textContent()).toBe("Frame 11: 1 cm per frame");
+  });
+
+  test("measures relative to the chosen object", async () => {
+    const page = await browser.open(figures(), { hash: "select=2" });
+    await page.evaluate(() => window.vantorelixViewer.store.set({ relativeTo: 2 }));
+    expect(await page.locator(".plot").getAttribute("aria-label")).toContain("fastest 0 cm per frame");
+  });
+
+  test("draws fifty trails at most, and says so", async () => {
+    const page = await browser.open({ ...figures(), trails: Array.from({ length: 60 }, (_, i) => arc(`o${i}`)) });
+    await page.getByRole("button", { name: "All", exact: true }).click();
+    expect(await page.locator(".graph-names li").last().textContent()).toBe("and 54 more; the first 50 are drawn");
+  });
+});
