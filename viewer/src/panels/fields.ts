@@ -2,7 +2,7 @@
 
 import type { App } from "../model/app";
 import type { ViewState } from "../model/state";
-import { el, freshId, labelled } from "./dom";
+import { button, el, freshId, labelled } from "./dom";
 
 type Key = keyof ViewState;
 type KeysOf<T> = { [K in Key]: T extends ViewState[K] ? K : never }[Key];
@@ -63,9 +63,8 @@ const STEP = 0.5;
 export function size(app: App, { key, text, largest, ofScene }: Size): HTMLElement {
   const slider = el("input", { type: "range", min: STEP, max: largest, step: STEP, "data-setting": key });
   const said = el("output", { class: "number" });
-  const own = el("button", { type: "button", class: "button small", title: `${text} as in the scene` }, "Scene");
+  const own = button({ text: "Scene", name: `${text} as in the scene`, class: "button small" }, () => app.store.set(patch(key, null)));
   slider.addEventListener("input", () => app.store.set(patch(key, Number(slider.value))));
-  own.addEventListener("click", () => app.store.set(patch(key, null)));
   follow(app, key, (value) => {
     const sizes = [...new Set(ofScene())];
     slider.value = String(value ?? sizes[0] ?? STEP);
