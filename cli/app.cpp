@@ -22,6 +22,7 @@ constexpr const char* kFooter = R"(
 Examples:
   vantorelix trails bounce.ma                       what moves, and how fast
   vantorelix trails bounce.ma --out bounce.svg      a picture of it
+  vantorelix view walk.bvh                          the same in the browser, from every side
   vantorelix trails walk.bvh --select '*Hand' --out hands.json --out hands.csv
   vantorelix info walk.bvh                          what is in a scene
 
@@ -76,7 +77,7 @@ int run(int argc, const char* const* argv) {
   program.footer(kFooter);
   add_common_options(program, common);
   std::vector<Command> commands;
-  for (const auto add : {add_trails, add_info, add_curves, add_live, add_completion}) commands.push_back(add(program));
+  for (const auto add : {add_trails, add_view, add_info, add_curves, add_live, add_completion}) commands.push_back(add(program));
   for (const Command& command : commands) add_common_options(*command.app, common);
 
   try {

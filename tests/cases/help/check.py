@@ -7,7 +7,7 @@ common = {"--quiet", "--strict", "--color", "--help"}
 of_scenes = set(re.findall(r"^\| `(--[a-z-]+)", manual.split("\n## ")[0], re.M))
 assert "--take" in of_scenes
 sections = dict(re.findall(r"^## `vantorelix (\w+)[^\n]*\n(.*?)(?=^## |\Z)", manual, re.M | re.S))
-assert set(sections) == {"trails", "info", "curves", "live", "completion"}, set(sections)
+assert set(sections) == {"trails", "view", "info", "curves", "live", "completion"}, set(sections)
 for command, text in sections.items():
     promised = set(re.findall(r"^\| `(--[a-z-]+)", text, re.M)) | common | (set() if command == "completion" else of_scenes)
     helped = open(command + ".txt").read()

@@ -1,0 +1,82 @@
+#include <filesystem>
+#include <memory>
+#include <random>
+#include <system_error>
+
+#include "cli/browser.h"
+#include "cli/commands/commands.h"
+#include "cli/failure.h"
+#include "cli/output/html.h"
+#include "cli/output/output_file.h"
+#include "cli/output/text.h"
+#include "cli/trail_making.h"
+
+namespace vantorelix::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kFooter = R"(
+The page is one file that needs no network and nothing else: look at it, keep it, send it. Without --out it goes into
+a new folder among the system's temporary files. The variable BROWSER names another browser.
+
+Examples:
+  vantorelix view bounce.ma
+  vantorelix view walk.bvh --select '*Foot' --color-mode spacing
+  vantorelix view arm.ma --out arm.html --no-open)";
+
+struct ViewOptions {
+  TrailOptions trails;
+  std::string output;
+  bool no_open = false;
+};
+
+// A page in a folder of its own that nobody else can have made or can look into.
+fs::path temporary_page(const std::string& scene) {
+  std::error_code error;
+  const fs::path all = fs::temp_directory_path(error);
+  for (int attempt = 0; !error && attempt < 100; ++attempt) {
+    const fs::path folder = all / ("vantorelix-" + std::to_string(std::random_device{}()));
+    if (!fs::create_directory(folder, error)) continue;
+    fs::permissions(folder, fs::perms::owner_all, error);
+    if (!error) return folder / (fs::path(scene).filename().string() + ".html");
+  }
+  throw Failure("no folder can be made for temporary files (" + error.message() + "); name a file with --out");
+}
+
+void run_view(const ViewOptions& options, Terminal& terminal) {
+  if (!options.output.empty()) {
+    check_outputs({options.output}, {".html"}, options.trails.scene.file);
+    check_destination(options.output);
+    if (OutputFile::means_stdout(options.output) && !options.no_open)
+      throw UsageError("--out " + options.output + ": a browser cannot open standard output; add --no-open");
+  }
+  fs::path page;
+  with_trails(options.trails, true, terminal, [&](const TrailReport& report) {
+    OutputFile out(options.output.empty() ? temporary_page(report.scene) : fs::path(options.output));
+    write_html(out, report);
+    out.commit();
+    page = out.path();
+    if (!out.is_stdout()) terminal.note(page.string() + ": " + counted(report.trails.size(), "trail"));
+  });
+  if (options.no_open) return;
+  if (!open_in_browser(fs::absolute(page)))
+    throw Failure(page.string() +
+                  ": was written, but no browser could be started; open the file in one, or name one in the variable "
+                  "BROWSER");
+}
+
+}  // namespace
+
+Command add_view(CLI::App& program) {
+  CLI::App& command = *program.add_subcommand("view", "Show the trails of animated objects in the browser");
+  const auto options = std::make_shared<ViewOptions>();
+  add_trail_options(command, options->trails);
+  command.add_option("--out", options->output, "Where the page goes (default: a temporary file)")->type_name("FILE");
+  command.add_flag("--no-open", options->no_open, "Only write the page");
+  command.footer(kFooter);
+  return {&command, [options](Terminal& terminal) { run_view(*options, terminal); }};
+}
+
+}  // namespace vantorelix::cli
