@@ -2,7 +2,7 @@
 
 import os
 
-_GENERATED = {"build", "dist", "__pycache__"}
+_GENERATED = {"build", "dist", "__pycache__", "node_modules"}
 CPP = (".h", ".cpp")
 
 

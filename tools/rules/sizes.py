@@ -2,7 +2,7 @@
 
 The reason is a comment that begins "Long because": anywhere in a long file, and in the lines just above or in a long
 function. Functions are found by their layout, which clang-format guarantees: a head that ends in "{" and the first
-later "}" at the same indent.
+later "}" at the same indent. TypeScript is laid out the same way; a group of tests there is no function.
 """
 
 import re
@@ -13,7 +13,7 @@ from .includes import OURS
 FILE_LINES = 450
 FUNCTION_LINES = 60
 REASON = "Long because"
-_NOT_A_FUNCTION = re.compile(r"\s*((namespace|class|struct|enum|union|extern|public|private|protected)\b|\}|//|#)")
+_NOT_A_FUNCTION = re.compile(r"\s*((namespace|class|struct|enum|union|extern|public|private|protected|describe)\b|\}|//|#)")
 
 
 def _head_end(lines, start):
@@ -43,12 +43,12 @@ def functions(lines):
 
 def problems(root, options=None):
     found = []
-    for path in files.walk(root, files.CPP, OURS) + files.walk(root, [".py"]):
+    for path in files.walk(root, files.CPP, OURS) + files.walk(root, [".py", ".ts", ".css"]):
         lines = files.read(root, path).splitlines()
         if len(lines) > FILE_LINES and not any(REASON in line for line in lines):
             found.append('%s:1: %d lines; split it below %d, or write a comment "%s ..."'
                          % (path, len(lines), FILE_LINES, REASON))
-        if not path.endswith(".py"):
+        if path.endswith(files.CPP + (".ts",)):
             for first, last in functions(lines):
                 if last - first >= FUNCTION_LINES and not any(REASON in line for line in lines[max(0, first - 6):last]):
                     found.append('%s:%d: a function of %d lines; split it below %d, or write a comment "%s ..."'

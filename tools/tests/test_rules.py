@@ -181,6 +181,16 @@ class Words(Checkout):
         self.write("dev", "pip install --index-url x\n")
         self.assert_one(self.problems(words), "dev:1:", "package manager")
 
+    def test_the_page_and_its_lock_file_are_looked_at_and_what_npm_installs_is_not(self):
+        self.write("viewer/node_modules/a/b.json", "/root/x\n")
+        self.assertEqual(self.problems(words), [])
+        for name in ("src/a.ts", "index.html", "src/a.css"):
+            self.write("viewer/" + name, "/root/x\n")
+            self.assert_one(self.problems(words), "viewer/%s:1:" % name, "root of the checkout")
+            os.remove(os.path.join(self.root, "viewer", name))
+        self.write("viewer/package-lock.json", '"resolved": "https://registry.npmjs.org/a"\n')
+        self.assert_one(self.problems(words), "viewer/package-lock.json:1:", "package manager")
+
     def test_paths_inside_the_checkout_and_marked_lines_pass(self):
         self.write("docs/a.md", "see engine/work/x and tests/root/y\n/home/ann/ any-machine: an example path\n")
         self.assertEqual(self.problems(words), [])
@@ -200,6 +210,15 @@ class Sizes(Checkout):
         self.write("engine/a.h", "class A {\n  int f() {\n%s  }\n};\n" % ("    g();\n" * 60))
         self.write("engine/a_test.cpp", "TEST(A, B) {\n%s}\n" % ("  g();\n" * 60))
         self.assertEqual(len(self.problems(sizes)), 2)
+
+    def test_typescript_keeps_the_same_sizes_and_a_group_of_tests_is_no_function(self):
+        self.write("viewer/a.test.ts", 'describe("a", () => {\n%s});\n' % ("  f();\n" * 60))
+        self.write("viewer/b.ts", "class A {\n  b(): void {\n%s  }\n}\n" % ("    f();\n" * 58))
+        self.assertEqual(self.problems(sizes), [])
+        self.write("viewer/a.ts", "export function a(): void {\n%s}\n" % ("  f();\n" * 59))
+        self.assert_one(self.problems(sizes), "viewer/a.ts:1:", "a function of 61 lines")
+        self.write("viewer/a.ts", "f();\n" * 451)
+        self.assert_one(self.problems(sizes), "viewer/a.ts:1:", "451 lines")
 
     def test_a_written_reason_allows_a_long_function(self):
         self.write("engine/a.cpp", self.function(61, "// Long because it is one table.\n"))
