@@ -1,9 +1,7 @@
 #include "standalone/scene/anim_curve.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdint>
 
 #include "host/error.h"
 #include "standalone/scene/infinity.h"
@@ -119,6 +117,7 @@ void AnimCurve::rebuild() {
   segment_count_ = keys_.empty() ? 0 : segments_.size() - 1;
   pre_slope_ = 0.0;
   constant_ = true;
+  steady_ = false;
   find_even_spacing();
   if (keys_.empty()) return;
 
@@ -137,6 +136,8 @@ void AnimCurve::rebuild() {
   const auto same = [this](double value) { return value == keys_[0].value; };
   constant_ = pre_slope_ == 0.0 && std::all_of(values_.begin(), values_.end() - 1, same) &&
               std::all_of(segments_.begin(), segments_.end() - 1, level);
+  const auto signed_zero = [](double value) { return value == 0.0 && std::signbit(value); };
+  steady_ = constant_ && std::none_of(values_.begin(), values_.end(), signed_zero);
   if (repeats(post_)) after.set_not_cubic();
 }
 
@@ -152,26 +153,53 @@ void AnimCurve::find_even_spacing() {
   even_count_ = between + 1.0;
 }
 
-void AnimCurve::evaluate(std::span<const double> frames, double* values, std::size_t& hint) const {
-  if (copy_keys(frames, values) || rise_at_once(frames, values, hint)) return;
+void AnimCurve::evaluate(std::span<const double> frames, double* values, std::size_t& hint, KeyPlaces& places) const {
+  if (steady_) {
+    std::fill_n(values, frames.size(), values_[0]);
+    return;
+  }
+  if (evaluate_even(frames, values, places) || rise_at_once(frames, values, hint)) return;
   for (std::size_t i = 0; i < frames.size(); ++i) values[i] = evaluate(frames[i], hint);
 }
 
-// Where all frames are on evenly spaced keys. False where they are not.
-bool AnimCurve::copy_keys(std::span<const double> frames, double* values) const {
-  constexpr std::size_t kMost = 64;
-  if (!(even_count_ > 0.0) || even_count_ > 1e9 || frames.size() > kMost) return false;
-  std::array<std::int32_t, kMost> keys;
-  std::ptrdiff_t elsewhere = 0;
-  for (std::size_t i = 0; i < frames.size(); ++i) {
-    const double place = (frames[i] - even_first_) * even_per_frame_ + 0.5;
-    const bool inside = frames[i] >= even_first_ && place < even_count_;
-    keys[i] = static_cast<std::int32_t>(inside ? place : 0.0);
-    elsewhere += inside && frames[i] == even_start(keys[i]) ? 0 : 1;
+// False, with anything in `values`, where segments are not evenly spaced, or some is asked for that is no cubic.
+bool AnimCurve::evaluate_even(std::span<const double> frames, double* values, KeyPlaces& places) const {
+  if (!(even_count_ > 0.0) || even_count_ > 1e9 || frames.size() > places.at.size()) return false;
+  if (places.first != even_first_ || places.length != even_length_ || places.count != even_count_)
+    find_places(frames, places);
+  if (places.on_keys) {
+    for (std::size_t i = 0; i < frames.size(); ++i) values[i] = values_[static_cast<std::size_t>(places.at[i])];
+    return true;
   }
-  for (std::size_t i = 0; i < frames.size() && elsewhere == 0; ++i)
-    values[i] = values_[static_cast<std::size_t>(keys[i])];
-  return elsewhere == 0;
+  if (places.before && pre_ != Infinity::constant) return false;
+  std::ptrdiff_t unknown = 0;
+  for (std::size_t i = 0; i < frames.size(); ++i) {
+    const auto at = static_cast<std::size_t>(places.at[i]);
+    values[i] = values_[at] + segments_[at].rise_after(places.since[i]);
+    unknown += values[i] == values[i] ? 0 : 1;
+  }
+  return unknown == 0;
+}
+
+void AnimCurve::find_places(std::span<const double> frames, KeyPlaces& places) const {
+  places.first = even_first_;
+  places.length = even_length_;
+  places.count = even_count_;
+  places.on_keys = true;
+  places.before = false;
+  for (std::size_t i = 0; i < frames.size(); ++i) {
+    const double frame = frames[i];
+    const double place = std::min((frame - even_first_) * even_per_frame_, even_count_ - 1.0);
+    auto at = static_cast<std::int32_t>(place > 0.0 ? place : 0.0);
+    // Rounding may have led to a neighbour.
+    if (at > 0 && frame < even_start(at)) --at;
+    if (at + 1 < even_count_ && frame >= even_start(at + 1)) ++at;
+    const bool before = frame < even_first_;
+    places.at[i] = at;
+    places.since[i] = before ? 0.0 : frame - even_start(at);
+    places.on_keys &= frame == even_start(at);
+    places.before |= before;
+  }
 }
 
 // Where the frames are all on one cubic. False, and nothing done, where they are not.

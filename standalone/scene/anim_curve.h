@@ -1,7 +1,9 @@
 // One animation curve: keys, tangents, infinity, and its value at any frame.
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -9,6 +11,15 @@
 #include "standalone/scene/curve_segments.h"
 
 namespace vantorelix::standalone {
+
+// Where some frames are among evenly spaced keys. Curves that were keyed together share it.
+struct KeyPlaces {
+  double first = 0.0, length = 0.0, count = 0.0;  // of the keys; none at first
+  bool on_keys = false;                           // all frames are on keys
+  bool before = false;                            // some are before the first key, and count as on it
+  std::array<std::int32_t, 64> at;                // the last key that is not later,
+  std::array<double, 64> since;                   // and frames since then
+};
 
 // Keys are kept ascending in time, one per time. Any change recomputes the whole curve's polynomials (about 10 ns a
 // key), so that evaluation is a look-up and a cubic. A key costs 96 bytes in all; readers that reserve the number of
@@ -66,8 +77,9 @@ class AnimCurve {
     }
     return evaluate_elsewhere(frame, hint);
   }
-  // Many at once, for less: values[i] is the value at frames[i].
-  void evaluate(std::span<const double> frames, double* values, std::size_t& hint) const;
+  // Many at once, for less: values[i] is the value at frames[i]. `places` is the caller's memory of where these very
+  // frames are: fresh for other frames, the same for the next curve.
+  void evaluate(std::span<const double> frames, double* values, std::size_t& hint, KeyPlaces& places) const;
   double evaluate(double frame) const {
     std::size_t hint = 0;
     return evaluate(frame, hint);
@@ -79,7 +91,8 @@ class AnimCurve {
   double even_start(std::ptrdiff_t i) const { return even_first_ + static_cast<double>(i) * even_length_; }
   void rebuild();
   void find_even_spacing();
-  bool copy_keys(std::span<const double> frames, double* values) const;
+  bool evaluate_even(std::span<const double> frames, double* values, KeyPlaces& places) const;
+  void find_places(std::span<const double> frames, KeyPlaces& places) const;
   bool rise_at_once(std::span<const double> frames, double* values, std::size_t& hint) const;
   double evaluate_elsewhere(double frame, std::size_t& hint) const;
   double evaluate_repeated(double frame, Infinity infinity, std::size_t& hint) const;
@@ -103,6 +116,7 @@ class AnimCurve {
   Infinity pre_ = Infinity::constant;
   Infinity post_ = Infinity::constant;
   bool constant_ = true;
+  bool steady_ = false;  // constant to the last bit: no key is at -0, which becomes 0 between keys
   double frames_per_second_;
   std::vector<Key> keys_;
 };

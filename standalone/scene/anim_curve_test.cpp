@@ -414,18 +414,33 @@ TEST(AnimCurve, IsConstantOnlyWhenEveryFrameGivesTheSame) {
 }
 
 TEST(AnimCurve, ManyFramesAtOnceGiveTheValuesOfEach) {
-  AnimCurve even, uneven;
-  for (int i = 0; i < 20; ++i) even.set_key(3 + 0.5 * i, std::sin(i));
-  for (int i = 0; i < 20; ++i) uneven.set_key(3 + 0.1 * i * i, std::sin(i));
-  std::vector<double> keys, all = {5.0, 5.25, -7.0, 100.0};
+  std::vector<Key> even, uneven, level;
+  for (int i = 0; i < 20; ++i) {
+    even.push_back(key(3 + 0.5 * i, std::sin(i), i == 4 ? Tangent::linear : Tangent::automatic));
+    uneven.push_back(key(3 + 0.1 * i * i, std::sin(i)));
+    level.push_back(key(3 + 0.5 * i, 7));
+  }
+  std::vector<Key> bent = even;
+  bent[5].out = Tangent::fixed;
+  bent[5].out_x = 0.01, bent[5].out_y = 1.0;
+  std::vector<AnimCurve> curves = {curve(uneven), curve(level), AnimCurve()};
+  for (const Infinity pre : {Infinity::constant, Infinity::linear, Infinity::cycle})
+    for (const Infinity post : {Infinity::constant, Infinity::linear, Infinity::oscillate})
+      for (const bool weighted : {false, true})
+        for (const auto& keys : {even, bent}) curves.push_back(curve(keys, pre, post, weighted));
+  std::vector<double> keys;
   for (int i = 19; i >= 0; --i) keys.push_back(3 + 0.5 * i);
-  all.insert(all.begin(), keys.begin(), keys.end());
-  for (const AnimCurve& curve : {even, uneven, AnimCurve()}) {
-    for (const auto& frames : {keys, all, std::vector{5.0, 5.25}}) {
+  auto all = keys, between = keys, later = keys;
+  for (const double frame : {5.0, 5.25, -7.0, 100.0}) all.push_back(frame);
+  for (const double frame : {11.3, 5.75, std::nextafter(8.0, 0.0), std::nextafter(8.0, 9.0)}) between.push_back(frame);
+  later.push_back(12.6);
+  for (const auto& frames : {keys, all, between, later, std::vector{5.0, 5.25}, std::vector{-1.0, 3.0}}) {
+    KeyPlaces places;
+    for (const AnimCurve& each : curves) {
       std::vector<double> values(frames.size(), 99.0);
       std::size_t hint = 0;
-      curve.evaluate(frames, values.data(), hint);
-      for (std::size_t i = 0; i < frames.size(); ++i) EXPECT_EQ(values[i], curve.evaluate(frames[i])) << frames[i];
+      each.evaluate(frames, values.data(), hint, places);
+      for (std::size_t i = 0; i < frames.size(); ++i) EXPECT_EQ(values[i], each.evaluate(frames[i])) << frames[i];
     }
   }
 }

@@ -16,10 +16,8 @@ struct CurveSegment {
   double start;
   double c1 = 0.0, c2 = 0.0, c3 = 0.0;
 
-  double rise(double frame) const {
-    const double t = frame - start;
-    return ((c3 * t + c2) * t + c1) * t;
-  }
+  double rise(double frame) const { return rise_after(frame - start); }
+  double rise_after(double t) const { return ((c3 * t + c2) * t + c1) * t; }
   bool is_cubic() const { return c3 == c3; }
   void set_not_cubic() { c3 = std::numeric_limits<double>::quiet_NaN(); }
 };

@@ -5,6 +5,8 @@
 
 namespace vantorelix::standalone {
 
+struct Record;
+
 // The world position of one node, ready to be asked at many times. Holds the node by id, compiled parts of the scene
 // and a place in each curve; notices edits by the scene's revision and recompiles itself. Gives the same doubles as
 // Scene::world_matrix(node, frame).translation(). The scene must outlive it. Fastest when objects are asked one after
@@ -12,8 +14,7 @@ namespace vantorelix::standalone {
 // them share (24 MB at most, void at the next edit).
 class Evaluator {
  public:
-  Evaluator(const Scene& scene, NodeId node);
-  ~Evaluator();
+  Evaluator(const Scene& scene, NodeId node) : scene_(scene), node_(node) {}
   Evaluator(const Evaluator&) = delete;
   Evaluator& operator=(const Evaluator&) = delete;
 
@@ -21,10 +22,10 @@ class Evaluator {
   host::Vector translation(double frame);
 
  private:
-  struct Plan;
   const Scene& scene_;
   NodeId node_;
-  std::unique_ptr<Plan> plan_;
+  Record* record_ = nullptr;
+  std::uint64_t motion_ = 0;  // of the scene when the record was last known to be current; 0 is never
 };
 
 }  // namespace vantorelix::standalone

@@ -205,10 +205,10 @@ void refresh_values(const Scene::Data& scene, Expression& expression) {
     if (o.kind == Kind::value) o.number = static_value(scene, scene.at(o.node), o.attribute);
 }
 
-double Expression::evaluate(double frame) {
+double Expression::evaluate(double frame) const {
   std::array<double, kMostOperations> result;
   for (std::size_t i = 0; i < operations.size(); ++i) {
-    Operation& o = operations[i];
+    const Operation& o = operations[i];
     const auto argument = [&](std::size_t k) { return result[o.arguments[k]]; };
     switch (o.kind) {
       case Kind::value:

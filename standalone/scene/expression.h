@@ -30,14 +30,14 @@ struct Operation {
   double number = 0.0;  // of a value: as it was at the last refresh
   const AnimCurve* curve = nullptr;
   const Track* track = nullptr;
-  std::size_t hint = 0;
+  mutable std::size_t hint = 0;  // where to look first
 };
 
 // In order of evaluation: arguments are earlier operations. The last is the result.
 struct Expression {
   static constexpr std::size_t kMostOperations = 256;
   std::vector<Operation> operations;
-  double evaluate(double frame);
+  double evaluate(double frame) const;
 };
 
 // Follows what drives an attribute. On success `expression` computes it and the text is empty; else the text says

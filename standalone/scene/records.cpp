@@ -180,6 +180,7 @@ struct Block {
 
   std::size_t size;
   const double* frames;
+  KeyPlaces places;
   std::array<Column, static_cast<std::size_t>(Channel::count)> channels;  // the driven ones, and those asked for
   AffineColumns local;
 
@@ -190,7 +191,7 @@ void drive(Record& r, Block& b) {
   for (DrivenChannel& d : r.driven) {
     double* const values = b.at(d.channel);
     if (d.curve) {
-      d.curve->evaluate({b.frames, b.size}, values, d.hint);
+      d.curve->evaluate({b.frames, b.size}, values, d.hint, b.places);
     } else {
       for (std::size_t i = 0; i < b.size; ++i) values[i] = value_of(r, d, b.frames[i]);
     }
@@ -358,6 +359,7 @@ OffsetDriver offset_driver(const Scene::Data& scene, const Node& node) {
 
 Record& record_of(Scene::Data& scene, NodeId id) {
   Node& target = scene.transform(id);
+  if (is_current(scene.evaluation, target)) return *target.record;
   std::vector<Node*> stack = {&target};
   const auto needed = [&](NodeId other) {
     Node* node = scene.find(other);
@@ -380,11 +382,8 @@ Record& record_of(Scene::Data& scene, NodeId id) {
 
 Channels channels_at(const Record& record, double frame) {
   Channels channels = record.channels;
-  for (DrivenChannel d : record.driven) {
-    Expression expression;
-    if (!d.curve) expression = record.expressions[d.expression];
-    channels[index(d.channel)] = d.curve ? d.curve->evaluate(frame) : expression.evaluate(frame);
-  }
+  for (const DrivenChannel& d : record.driven)
+    channels[index(d.channel)] = d.curve ? d.curve->evaluate(frame) : record.expressions[d.expression].evaluate(frame);
   return channels;
 }
 
@@ -394,6 +393,10 @@ host::Vector translation_of(Evaluation& e, Record& r, double frame) {
   if (!alone) {
     begin_sample(e, frame);
     if (const AffineView own = remembered(e, r)) return own.translation();
+    if (r.dependents > 0 && e.slot != TimeCache::kNone) {  // it will be needed
+      know(e, r);
+      return r.current.translation();
+    }
   }
   host::Vector t;
   if (!r.factors.pivots) {

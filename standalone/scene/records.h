@@ -56,6 +56,9 @@ struct Record {
   Affine local;
   Affine world;
 
+  Affine walked;  // the world matrix of the plain walk `walk`
+  std::uint64_t walk = 0;
+
   AffineView current;  // the world matrix at the sample `stamp`
   std::uint64_t stamp = 0;
   CachedMatrices cached;
@@ -74,6 +77,11 @@ struct Evaluation {
   bool slot_known = false;
   TimeCache cache;
   std::vector<Record*> stack;
+
+  // The plain walks, one for each pair of time and motion.
+  std::uint64_t walk = 1;
+  std::uint64_t walk_motion = 0;
+  double walk_frame = 0.0;
 
   void structure_changed() { ++structure, ++values, ++motion; }
   void values_changed() { ++values, ++motion; }

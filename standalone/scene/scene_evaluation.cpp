@@ -1,5 +1,4 @@
 // World matrices the plain way, and what stands in their way.
-#include <unordered_map>
 #include <unordered_set>
 
 #include "standalone/scene/scene_data.h"
@@ -17,47 +16,57 @@ Affine local_at(const Record& record, double frame) {
   return local_matrix_of(channels_at(record, frame), record.factors);
 }
 
-// Worked out from the top, each matrix once, nothing kept from one call to the next.
+// Worked out from the top, each matrix once for each time, until something moves.
 class Walk {
  public:
-  Walk(Scene::Data& scene, double frame) : scene_(scene), frame_(frame) {}
+  Walk(Scene::Data& scene, double frame) : scene_(scene), evaluation_(scene.evaluation), frame_(frame) {
+    if (evaluation_.walk_motion == evaluation_.motion && evaluation_.walk_frame == frame) return;
+    ++evaluation_.walk;
+    evaluation_.walk_motion = evaluation_.motion;
+    evaluation_.walk_frame = frame;
+  }
 
-  Affine world(NodeId id) {
-    std::vector<const Record*> open = {&record_of(scene_, id)};
+  const Affine& world(NodeId id) {
+    Record& target = record_of(scene_, id);
+    std::vector<Record*>& open = evaluation_.stack;
+    open.assign(1, &target);
     while (!open.empty()) {
-      const Record& r = *open.back();
-      if (done_.contains(r.node)) {
+      Record& r = *open.back();
+      if (is_done(r)) {
         open.pop_back();
-      } else if (r.parent && !done_.contains(r.parent->node)) {
+      } else if (r.parent && !is_done(*r.parent)) {
         open.push_back(r.parent);
-      } else if (r.offset_source && !r.offset_is_local && !done_.contains(r.offset_source->node)) {
+      } else if (r.offset_source && !r.offset_is_local && !is_done(*r.offset_source)) {
         open.push_back(r.offset_source);
       } else {
-        done_.emplace(r.node, composed(r));
+        r.walked = composed(r);
+        r.walk = evaluation_.walk;
         open.pop_back();
       }
     }
-    return done_.at(id);
+    return target.walked;
   }
 
  private:
+  bool is_done(const Record& r) const { return r.walk == evaluation_.walk; }
+
   Affine composed(const Record& r) const {
     const Channels channels = channels_at(r, frame_);
     Affine m = local_matrix_of(channels, r.factors);
     if (r.offset_source && r.offset_is_local) {
       m = m * local_at(*r.offset_source, frame_);
     } else if (r.offset_source) {
-      m = m * done_.at(r.offset_source->node);
+      m = m * r.offset_source->walked;
     } else if (r.has_offset) {
       m = m * scene_.offset_parent_matrix(scene_.at(r.node));
     }
     const bool inherits = r.parent && channels[index(Channel::inheritsTransform)] != 0.0;
-    return inherits ? m * done_.at(r.parent->node) : m;
+    return inherits ? m * r.parent->walked : m;
   }
 
   Scene::Data& scene_;
+  Evaluation& evaluation_;
   double frame_;
-  std::unordered_map<NodeId, Affine> done_;
 };
 
 // Every transform whose local matrix goes into a node's world matrix, the node first.
