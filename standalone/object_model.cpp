@@ -71,7 +71,7 @@ class VectorArrayPlug : public BasePlug {
   VectorArrayPlug(Scene& scene, NodeId node, std::string attribute)
       : scene_(scene), node_(node), attribute_(std::move(attribute)) {}
   void set_vector_array(const std::shared_ptr<host::VectorArray>& array) override {
-    const auto ours = std::dynamic_pointer_cast<Array>(array);
+    const auto* const ours = dynamic_cast<const Array*>(array.get());
     if (!ours) throw wrong_kind();
     if (!scene_.exists(node_)) throw no_object();
     scene_.set_vectors(node_, attribute_, ours->share());

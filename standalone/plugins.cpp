@@ -38,16 +38,13 @@ bool is_vector_array(std::string_view attribute) {
   return std::find(kVectorArrays.begin(), kVectorArrays.end(), attribute) != kVectorArrays.end();
 }
 
-std::optional<Value> default_of(std::string_view attribute) {
+const Value* default_of(std::string_view attribute) {
   for (const auto& [name, value] : plain_attributes())
-    if (name == attribute) return value;
-  return {};
+    if (name == attribute) return &value;
+  return nullptr;
 }
 
-void declare_attributes(Scene& scene, NodeId node) {
-  for (const auto& [name, value] : plain_attributes())
-    if (!scene.has_attribute(node, name)) scene.add_attribute(node, name, value);
-}
+void define(Scene& scene) { scene.register_shape_type(kType, plain_attributes()); }
 
 }  // namespace viz_node
 
@@ -77,8 +74,7 @@ void Plugins::load(const std::string& path, const std::vector<std::string>& sear
 }
 
 void Plugins::load_built_in() {
-  scene_.register_shape_type(viz_node::kType);
-  for (const NodeId node : scene_.nodes_of_type(viz_node::kType)) viz_node::declare_attributes(scene_, node);
+  viz_node::define(scene_);
   loaded_ = true;
 }
 

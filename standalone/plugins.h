@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,10 +16,10 @@ namespace viz_node {
 inline constexpr const char* kType = "vantorelix";
 
 bool is_vector_array(std::string_view attribute);
-// The type's own default for a plain attribute; none for anything else. Its kind is the attribute's type.
-std::optional<host::Value> default_of(std::string_view attribute);
-// Gives a node of the type its plain attributes where it has them not.
-void declare_attributes(Scene& scene, NodeId node);
+// The type's own default for a plain attribute; null for anything else. Its kind is the attribute's type.
+const host::Value* default_of(std::string_view attribute);
+// Makes the type known to a scene, with its plain attributes.
+void define(Scene& scene);
 
 }  // namespace viz_node
 

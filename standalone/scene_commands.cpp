@@ -17,14 +17,15 @@ namespace {
 
 struct Attribute {
   NodeId node;
-  std::string name;
+  std::string_view name;  // in the path that it was taken from
 };
 
 // Splits "|arm|wrist.worldMatrix[0]" and finds the node.
 Attribute attribute_named(const Scene& scene, const std::string& path) {
   const std::size_t dot = path.find('.');
   if (dot == std::string::npos || dot + 1 == path.size()) throw Error("No attribute was specified.");
-  return {node_named(scene, path.substr(0, dot), path), path.substr(dot + 1)};
+  const std::string_view whole = path;
+  return {node_named(scene, whole.substr(0, dot), path), whole.substr(dot + 1)};
 }
 
 Error no_match(const std::string& name) { return Error("No object matches name: " + name, ErrorKind::value); }
@@ -83,8 +84,9 @@ std::vector<std::string> Commands::ls_type(const std::string& type) {
 bool Commands::objExists(const std::string& name) {
   const std::size_t dot = name.find('.');
   try {
-    const NodeId node = scene_.find(name.substr(0, dot));
-    return node != kNoNode && (dot == std::string::npos || scene_.has_attribute(node, name.substr(dot + 1)));
+    const std::string_view whole = name;
+    const NodeId node = scene_.find(whole.substr(0, dot));
+    return node != kNoNode && (dot == std::string::npos || scene_.has_attribute(node, whole.substr(dot + 1)));
   } catch (const Error&) {
     return true;  // more than one
   }
@@ -98,7 +100,8 @@ std::vector<std::string> Commands::listRelatives_parent(const std::string& node)
 
 std::vector<std::string> Commands::listRelatives_shapes(const std::string& node) {
   std::vector<std::string> names;
-  for (const NodeId shape : scene_.shapes(node_named(scene_, node))) names.push_back(scene_.long_name(shape));
+  for (const NodeId child : scene_.children(node_named(scene_, node)))
+    if (scene_.is_shape(child)) names.push_back(scene_.long_name(child));
   return names;
 }
 
@@ -113,7 +116,6 @@ void Commands::select_clear() { state_.selection.clear(); }
 std::string Commands::createNode(const std::string& type, const std::string& name) {
   if (!scene_.is_registered_type(type)) throw Error("Unknown object type: " + type);
   const NodeId node = scene_.create_node(type, name);
-  if (type == viz_node::kType) viz_node::declare_attributes(scene_, node);
   state_.selection = {node};
   return scene_.unique_name(node);
 }
@@ -171,7 +173,7 @@ std::array<double, 16> Commands::getAttr_matrix(const std::string& attribute, do
 
 void Commands::setAttr(const std::string& attribute, const Value& value) {
   const auto [node, name] = attribute_named(scene_, attribute);
-  const auto viz_default = scene_.type(node) == viz_node::kType ? viz_node::default_of(name) : std::nullopt;
+  const Value* const viz_default = scene_.type(node) == viz_node::kType ? viz_node::default_of(name) : nullptr;
   if (viz_default) return scene_.set_attribute(node, name, converted(value, *viz_default));
   for (const auto& [display, like] : display_attributes()) {
     if (display != name) continue;

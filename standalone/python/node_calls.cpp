@@ -16,7 +16,6 @@ Value create_node(Session& session, const Arguments& a) {
   const std::string& type = a.text(0);
   if (!scene.is_registered_type(type)) throw Error("Unknown object type: " + type);
   const NodeId node = scene.create_node(type, a.text(1), a.has(2) ? a.node(2) : kWorld);
-  if (type == viz_node::kType) viz_node::declare_attributes(scene, node);
   return node_or_none(node);
 }
 

@@ -41,8 +41,7 @@ void Session::begin() {
                         [this](NodeId curve) { tell(Event::keyframe_edited, curve); },
                         [this](NodeId node, const std::string&) { tell(Event::node_removed, node); }});
   if (host_.loaded_plugins().empty()) return;
-  scene().register_shape_type(viz_node::kType);
-  for (const NodeId node : scene().nodes_of_type(viz_node::kType)) viz_node::declare_attributes(scene(), node);
+  viz_node::define(scene());
 }
 
 void Session::tell(Event event, NodeId node) {

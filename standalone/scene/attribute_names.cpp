@@ -54,23 +54,29 @@ constexpr std::array<BlendNames, 6> kBlend = {{{"inTranslate", "it", "1"},
                                                {"outTranslate", "ot", ""},
                                                {"outRotate", "or", ""}}};
 
-using Table = std::unordered_map<std::string, AttributeId>;
-
-void add(Table& table, std::vector<std::string>& texts, AttributeId id, const std::string& full,
-         const std::string& brief) {
-  if (texts.size() <= id) texts.resize(id + 1);
-  texts[id] = full;
-  table.emplace(full, id);
-  table.emplace(brief, id);
-}
+// What a name means, by the kind of node.
+struct Meanings {
+  AttributeId transform = AttributeNames::kNone, blend = AttributeNames::kNone, rest = AttributeNames::kNone;
+};
+using Meaning = AttributeId Meanings::*;
 
 struct Known {
-  std::vector<std::string> texts;
-  Table transform, blend, rest;
+  Known();
+
+  std::array<std::string, attribute::known_count> texts;
+  std::deque<std::string> brief_texts;
+  std::unordered_map<std::string_view, Meanings> meanings;
+
+  void add(Meaning meaning, AttributeId id, std::string full, std::string brief) {
+    for (const std::string_view name : {std::string_view(texts[id] = std::move(full)),
+                                        std::string_view(brief_texts.emplace_back(std::move(brief)))}) {
+      AttributeId& place = meanings[name].*meaning;
+      if (place == AttributeNames::kNone) place = id;
+    }
+  }
 };
 
-Known make_known() {
-  Known known;
+Known::Known() {
   const auto letters = [](AttributeId compound, AttributeId k) {
     static constexpr std::array<const char*, 3> kAxes = {"X", "Y", "Z"}, kShears = {"XY", "XZ", "YZ"};
     return std::string(compound == 3 ? kShears[k] : kAxes[k]);
@@ -80,33 +86,27 @@ Known make_known() {
     return s;
   };
   for (AttributeId c = 0; c < kCompoundCount; ++c) {
-    add(known.transform, known.texts, kFirstCompound + c, kCompounds[c].full, kCompounds[c].brief);
+    add(&Meanings::transform, kFirstCompound + c, kCompounds[c].full, kCompounds[c].brief);
     for (AttributeId k = 0; k < 3; ++k)
-      add(known.transform, known.texts, 3 * c + k, kCompounds[c].full + letters(c, k),
+      add(&Meanings::transform, 3 * c + k, kCompounds[c].full + letters(c, k),
           kCompounds[c].brief + lower(letters(c, k)));
   }
   for (AttributeId k = 0; k < kSwitches.size(); ++k)
-    add(known.transform, known.texts, id_of(Channel::rotateOrder) + k, kSwitches[k].full, kSwitches[k].brief);
+    add(&Meanings::transform, id_of(Channel::rotateOrder) + k, kSwitches[k].full, kSwitches[k].brief);
   for (AttributeId k = 0; k < kRest.size(); ++k)
-    add(known.rest, known.texts, attribute::matrix + k, kRest[k].full, kRest[k].brief);
+    add(&Meanings::rest, attribute::matrix + k, kRest[k].full, kRest[k].brief);
   for (AttributeId b = 0; b < kBlend.size(); ++b) {
     const AttributeId id = attribute::inTranslate1 + 4 * b;
     const std::string full = kBlend[b].full, brief = kBlend[b].brief, digit = kBlend[b].digit;
-    add(known.blend, known.texts, id, full + digit, brief + digit);
+    add(&Meanings::blend, id, full + digit, brief + digit);
     for (AttributeId k = 0; k < 3; ++k)
-      add(known.blend, known.texts, id + 1 + k, full + letters(0, k) + digit, brief + lower(letters(0, k)) + digit);
+      add(&Meanings::blend, id + 1 + k, full + letters(0, k) + digit, brief + lower(letters(0, k)) + digit);
   }
-  return known;
 }
 
 const Known& known() {
-  static const Known table = make_known();
+  static const Known table;
   return table;
-}
-
-AttributeId look_up(const Table& table, const std::string& name) {
-  const auto found = table.find(name);
-  return found == table.end() ? AttributeNames::kNone : found->second;
 }
 
 bool only_on_joints(AttributeId id) {
@@ -141,18 +141,14 @@ std::string_view plain(std::string_view name) {
 }
 
 AttributeId find_known(NameSet set, std::string_view name) {
-  std::string text(plain(name));
-  if (const auto dot = text.rfind('.'); dot != std::string::npos) text.erase(0, dot + 1);
-  if (set == NameSet::transform || set == NameSet::joint) {
-    const AttributeId id = look_up(known().transform, text);
-    if (id != AttributeNames::kNone && (set == NameSet::joint || !only_on_joints(id))) return id;
-  }
-  if (set == NameSet::pair_blend) {
-    const AttributeId id = look_up(known().blend, text);
-    if (id != AttributeNames::kNone) return id;
-  }
-  const AttributeId id = look_up(known().rest, text);
-  return id != AttributeNames::kNone && has_rest(set, id) ? id : AttributeNames::kNone;
+  if (const auto dot = name.rfind('.'); dot != std::string_view::npos) name.remove_prefix(dot + 1);
+  const auto found = known().meanings.find(name);
+  if (found == known().meanings.end()) return AttributeNames::kNone;
+  const Meanings& means = found->second;
+  const bool channels = set == NameSet::joint || (set == NameSet::transform && !only_on_joints(means.transform));
+  if (channels && means.transform != AttributeNames::kNone) return means.transform;
+  if (set == NameSet::pair_blend && means.blend != AttributeNames::kNone) return means.blend;
+  return has_rest(set, means.rest) ? means.rest : AttributeNames::kNone;
 }
 
 }  // namespace
@@ -169,22 +165,25 @@ bool is_angle(Channel c) {
          whole == compound_of(id_of(Channel::jointOrientX));
 }
 
-AttributeNames::AttributeNames() : texts_(known().texts.begin(), known().texts.end()) {}
-
 AttributeId AttributeNames::find(NameSet set, std::string_view name) const {
+  name = plain(name);
   const AttributeId fixed = find_known(set, name);
   if (fixed != kNone) return fixed;
-  const auto found = own_.find(plain(name));
+  const auto found = own_.find(name);
   return found == own_.end() ? kNone : found->second;
 }
 
 AttributeId AttributeNames::intern(NameSet set, std::string_view name) {
   const AttributeId id = find(set, name);
   if (id != kNone) return id;
-  texts_.emplace_back(plain(name));
-  const auto fresh = static_cast<AttributeId>(texts_.size() - 1);
-  own_.emplace(texts_.back(), fresh);
+  own_texts_.emplace_back(plain(name));
+  const auto fresh = static_cast<AttributeId>(attribute::known_count + own_texts_.size() - 1);
+  own_.emplace(own_texts_.back(), fresh);
   return fresh;
+}
+
+const std::string& AttributeNames::text(AttributeId id) const {
+  return id < attribute::known_count ? known().texts[id] : own_texts_[id - attribute::known_count];
 }
 
 }  // namespace vantorelix::standalone

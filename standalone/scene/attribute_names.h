@@ -74,15 +74,14 @@ enum class NameSet : std::uint8_t { transform, joint, shape, curve, unit_convers
 // The names of one scene.
 class AttributeNames {
  public:
-  AttributeNames();
   // The number of a known or already met attribute; kNone when there is none.
   static constexpr AttributeId kNone = 0xffffffffu;
   AttributeId find(NameSet set, std::string_view name) const;
   AttributeId intern(NameSet set, std::string_view name);
-  const std::string& text(AttributeId id) const { return texts_[id]; }
+  const std::string& text(AttributeId id) const;
 
  private:
-  std::deque<std::string> texts_;
+  std::deque<std::string> own_texts_;  // from attribute::known_count on
   std::unordered_map<std::string_view, AttributeId> own_;
 };
 

@@ -1,6 +1,7 @@
 #include "standalone/scene/name_table.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vantorelix::standalone {
 namespace {
@@ -44,13 +45,18 @@ std::string number_key(NodeId scope, std::size_t width, std::string_view stem) {
 }  // namespace
 
 NameTable::Entry NameTable::find(std::string_view text) const {
-  const auto found = by_text_.find(text);
-  return found == by_text_.end() ? kNone : found->second;
+  return by_text_.find(hash_of(text), [&](Entry name) { return entries_[name].text == text; });
+}
+
+std::span<const NodeId> NameTable::nodes(Entry name) const {
+  const NameEntry& entry = entries_[name];
+  if (entry.only != kNoNode) return {&entry.only, 1};
+  return entry.nodes;
 }
 
 NodeId NameTable::in_scope(NodeId scope, Entry name) const {
-  const auto found = in_scope_.find(key(scope, name));
-  return found == in_scope_.end() ? kNoNode : found->second;
+  return in_scope_.find(hash_of(scope, name),
+                        [&](NodeId node) { return places_[node].scope == scope && places_[node].name == name; });
 }
 
 bool NameTable::taken(NodeId scope, std::string_view text) const {
@@ -59,9 +65,9 @@ bool NameTable::taken(NodeId scope, std::string_view text) const {
   return scope == kGlobalScope || entries_[name].global || in_scope(scope, name) != kNoNode;
 }
 
-std::string NameTable::free_name(NodeId scope, std::string_view wanted, bool everywhere) {
+std::string NameTable::free_name(NodeId scope, std::string wanted, bool everywhere) {
   const NodeId where = everywhere ? kGlobalScope : scope;
-  if (!taken(where, wanted)) return std::string(wanted);
+  if (!taken(where, wanted)) return wanted;
   const Numbered n = split(wanted);
   Run& run = runs_.try_emplace(number_key(where, n.width, n.stem), Run{n.number + 1, n.number + 1}).first->second;
   if (n.number + 1 < run.first || n.number + 1 > run.end) run = {n.number + 1, n.number + 1};
@@ -81,28 +87,37 @@ NameTable::Entry NameTable::add(NodeId scope, std::string_view text, NodeId node
       unused_.pop_back();
     }
     entries_[name].text = text;
-    by_text_.emplace(entries_[name].text, name);
+    by_text_.insert(hash_of(text), name);
   }
   NameEntry& entry = entries_[name];
   if (places_.size() <= node) places_.resize(std::max<std::size_t>(node + std::size_t{1}, places_.size() * 2));
-  places_[node] = static_cast<std::uint32_t>(entry.nodes.size());
-  entry.nodes.push_back(node);
+  places_[node] = {scope, name, static_cast<std::uint32_t>(nodes(name).size())};
+  if (nodes(name).empty()) {
+    entry.only = node;
+  } else {
+    if (entry.nodes.empty()) entry.nodes.push_back(std::exchange(entry.only, kNoNode));
+    entry.nodes.push_back(node);
+  }
   entry.global = scope == kGlobalScope;
-  in_scope_.emplace(key(scope, name), node);
+  in_scope_.insert(hash_of(scope, name), node);
   return name;
 }
 
 void NameTable::remove(NodeId scope, Entry name, NodeId node) {
   NameEntry& entry = entries_[name];
-  in_scope_.erase(key(scope, name));
-  const NodeId last = entry.nodes.back();
-  entry.nodes[places_[node]] = last;
-  places_[last] = places_[node];
-  entry.nodes.pop_back();
+  in_scope_.erase(hash_of(scope, name), node);
+  if (entry.only == node) {
+    entry.only = kNoNode;
+  } else {
+    const NodeId last = entry.nodes.back();
+    entry.nodes[places_[node].in_nodes] = last;
+    places_[last].in_nodes = places_[node].in_nodes;
+    entry.nodes.pop_back();
+  }
   forget_numbers(scope, entry.text);
   if (scope != kGlobalScope) forget_numbers(kGlobalScope, entry.text);
-  if (!entry.nodes.empty()) return;
-  by_text_.erase(entry.text);
+  if (!nodes(name).empty()) return;
+  by_text_.erase(hash_of(entry.text), name);
   entry = NameEntry{};
   unused_.push_back(name);
 }

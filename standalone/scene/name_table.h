@@ -4,11 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "standalone/scene/hash_index.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::standalone {
@@ -24,14 +27,14 @@ class NameTable {
   const std::string& text(Entry name) const { return entries_[name].text; }
   Entry find(std::string_view text) const;
   // The nodes of that name, in no particular order.
-  const std::vector<NodeId>& nodes(Entry name) const { return entries_[name].nodes; }
+  std::span<const NodeId> nodes(Entry name) const;
   // The node of that name in a scope; kNoNode when it is free there.
   NodeId in_scope(NodeId scope, Entry name) const;
   bool taken(NodeId scope, std::string_view text) const;
 
   // `wanted`, or the same with the number at its end raised (or a number added) to the first that is free.
   // `everywhere` looks for a name that nobody has in any scope.
-  std::string free_name(NodeId scope, std::string_view wanted, bool everywhere = false);
+  std::string free_name(NodeId scope, std::string wanted, bool everywhere = false);
   // Enters a free name.
   Entry add(NodeId scope, std::string_view text, NodeId node);
   void remove(NodeId scope, Entry name, NodeId node);
@@ -39,16 +42,24 @@ class NameTable {
  private:
   struct NameEntry {
     std::string text;
-    std::vector<NodeId> nodes;
-    bool global = false;  // the one node is outside the DAG
+    NodeId only = kNoNode;      // the one node, as of most names,
+    std::vector<NodeId> nodes;  // or all of them
+    bool global = false;        // the one node is outside the DAG
   };
-  static std::uint64_t key(NodeId scope, Entry name) { return (std::uint64_t{scope} << 32) | name; }
+  // Where a node stands.
+  struct Place {
+    NodeId scope;
+    Entry name;
+    std::uint32_t in_nodes;  // of its name
+  };
+  static std::size_t hash_of(std::string_view text) { return std::hash<std::string_view>()(text); }
+  static std::size_t hash_of(NodeId scope, Entry name) { return std::size_t{scope} * 0x9e3779b1u + name; }
   void forget_numbers(NodeId scope, std::string_view text);
 
   std::deque<NameEntry> entries_;
   std::vector<Entry> unused_;
-  std::unordered_map<std::string_view, Entry> by_text_;
-  std::unordered_map<std::uint64_t, NodeId> in_scope_;
+  HashIndex by_text_;   // of entries
+  HashIndex in_scope_;  // of nodes, by scope and name
   // For "scope, digits, stem": a run of numbers that are all taken, so that the millionth equal name is found as fast
   // as the first. Cut short when a name goes.
   struct Run {
@@ -56,7 +67,7 @@ class NameTable {
     std::uint64_t end;  // not in it
   };
   std::unordered_map<std::string, Run> runs_;
-  std::vector<std::uint32_t> places_;  // of each node in its entry's list
+  std::vector<Place> places_;  // by node
 };
 
 // Illegal characters, and a digit in front, become "_".

@@ -10,8 +10,10 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/value.h"
@@ -127,8 +129,10 @@ class Scene {
   // followed. Illegal characters become "_", as does a digit in front; a name already taken among siblings (outside
   // the DAG: anywhere) gets the next free number at its end. Returns the node of that type.
   NodeId create_node(std::string_view type, std::string_view name, NodeId parent = kWorld);
-  // Makes a further DAG shape type known, as a loaded plug-in does.
-  void register_shape_type(std::string_view type);
+  // Makes a further DAG shape type known, as a loaded plug-in does. Every node of it, there already or not, has the
+  // attributes, with these values until it is given its own.
+  void register_shape_type(std::string_view type,
+                           std::span<const std::pair<std::string_view, host::Value>> attributes = {});
   bool is_registered_type(std::string_view type) const;
   // Deletes the node, its descendants, what hangs on them alone (their animation curves), and a transform's shapes.
   // Throws for a locked node.

@@ -11,10 +11,6 @@ namespace {
 
 constexpr double kDegrees = 180.0 / std::numbers::pi;
 
-AttributeId known(const Scene::Data& scene, const Node& node, std::string_view attribute) {
-  return scene.attributes.find(node.type->names, attribute);
-}
-
 bool is_switch(Channel c) { return c >= Channel::rotateOrder; }
 
 const host::Vectors* vectors_at(const Node& node, AttributeId attribute) {
@@ -22,6 +18,21 @@ const host::Vectors* vectors_at(const Node& node, AttributeId attribute) {
   for (const auto& [id, values] : node.extras->vectors)
     if (id == attribute) return &values;
   return nullptr;
+}
+
+// AttributeNames::kNone where the node has no such attribute.
+AttributeId known(const Scene::Data& scene, const Node& node, std::string_view name) {
+  const AttributeId attribute = scene.attributes.find(node.type->names, name);
+  const bool there = attribute < attribute::known_count ||
+                     (attribute != AttributeNames::kNone &&
+                      (scene.stored(node, attribute) != nullptr || vectors_at(node, attribute) != nullptr));
+  return there ? attribute : AttributeNames::kNone;
+}
+
+AttributeId required(const Scene::Data& scene, const Node& node, std::string_view name) {
+  const AttributeId attribute = known(scene, node, name);
+  if (attribute == AttributeNames::kNone) throw missing_error(scene.plug_name(node, name));
+  return attribute;
 }
 
 bool is_locked(const Node& node, AttributeId attribute) {
@@ -133,8 +144,7 @@ void Scene::set_offset_parent_matrix(NodeId id, const std::array<double, 16>& ma
 void Scene::set_attribute(NodeId id, std::string_view name, const host::Value& value) {
   Data& d = *data_;
   Node& node = d.at(id);
-  if (!has_attribute(id, name)) throw missing_error(d.plug_name(node, name));
-  const AttributeId attribute = known(d, node, name);
+  const AttributeId attribute = required(d, node, name);
   require_free(d, node, attribute);
   if (is_channel(attribute)) {
     const auto c = static_cast<Channel>(attribute);
@@ -167,8 +177,7 @@ void Scene::set_attribute(NodeId id, std::string_view name, const host::Value& v
 host::Value Scene::attribute(NodeId id, std::string_view name) const {
   const Data& d = *data_;
   const Node& node = d.at(id);
-  if (!has_attribute(id, name)) throw missing_error(d.plug_name(node, name));
-  const AttributeId attribute = known(d, node, name);
+  const AttributeId attribute = required(d, node, name);
   const auto one = [&](AttributeId each) {
     if (is_channel(each)) return shown(static_cast<Channel>(each), (*node.channels)[each]);
     if (const host::Value* value = d.stored(node, each)) return *value;
@@ -184,10 +193,7 @@ host::Value Scene::attribute(NodeId id, std::string_view name) const {
 }
 
 bool Scene::has_attribute(NodeId id, std::string_view name) const {
-  const Node& node = data_->at(id);
-  const AttributeId attribute = known(*data_, node, name);
-  if (attribute == AttributeNames::kNone) return false;
-  return attribute < attribute::known_count || data_->stored(node, attribute) || vectors_at(node, attribute);
+  return known(*data_, data_->at(id), name) != AttributeNames::kNone;
 }
 
 void Scene::add_attribute(NodeId id, std::string_view name, const host::Value& value) {
@@ -201,8 +207,7 @@ void Scene::add_attribute(NodeId id, std::string_view name, const host::Value& v
 void Scene::lock_attribute(NodeId id, std::string_view name, bool locked) {
   Data& d = *data_;
   Node& node = d.at(id);
-  if (!has_attribute(id, name)) throw missing_error(d.plug_name(node, name));
-  const AttributeId attribute = known(d, node, name);
+  const AttributeId attribute = required(d, node, name);
   auto& all = d.extras(node).locked;
   const auto at = std::lower_bound(all.begin(), all.end(), attribute);
   const bool there = at != all.end() && *at == attribute;
@@ -219,13 +224,14 @@ void Scene::set_vectors(NodeId id, std::string_view name, host::Vectors values) 
   if (at != all.end()) {
     at->second = std::move(values);
   } else {
+    if (all.empty()) all.reserve(8);  // a node has several or none
     all.emplace_back(attribute, std::move(values));
   }
 }
 
 host::Vectors Scene::vectors(NodeId id, std::string_view name) const {
   const Node& node = data_->at(id);
-  const host::Vectors* found = vectors_at(node, known(*data_, node, name));
+  const host::Vectors* found = vectors_at(node, data_->attributes.find(node.type->names, name));
   return found ? *found : nullptr;
 }
 

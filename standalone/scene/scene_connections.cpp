@@ -1,4 +1,5 @@
 // Connections, and what they say about who drives whom.
+#include <algorithm>
 #include <unordered_set>
 
 #include "standalone/scene/scene_data.h"
@@ -30,24 +31,39 @@ class CurveSearch {
   // Calls found(curve), nearest first, until it says true.
   template <class Found>
   bool behind(const Input& first, Found found) {
-    std::vector<Input> open = {first};
-    while (!open.empty()) {
-      const Input input = open.back();
-      open.pop_back();
+    open_.assign(1, first);
+    while (!open_.empty()) {
+      const Input input = open_.back();
+      open_.pop_back();
       const Node* source = input.source == kNoNode ? nullptr : scene_.find(input.source);
       if (source == nullptr || !(source->curve || is_converter(*source))) continue;
-      if (!seen_.insert(std::uint64_t{input.source} << 32 | input.source_attribute).second) continue;
+      if (!note(std::uint64_t{input.source} << 32 | input.source_attribute)) continue;
       if (source->curve && found(*source)) return true;
       const auto& inputs = source->inputs.all();
       for (auto i = inputs.rbegin(); is_converter(*source) && i != inputs.rend(); ++i)
-        if (i->source != kNoNode && concerns(*source, i->attribute, input.source_attribute)) open.push_back(*i);
+        if (i->source != kNoNode && concerns(*source, i->attribute, input.source_attribute)) open_.push_back(*i);
     }
     return false;
   }
 
  private:
+  // False when the output was met before. Most nodes have few drivers, which need no hashing.
+  bool note(std::uint64_t output) {
+    constexpr std::size_t kFew = 16;
+    if (few_.size() < kFew) {
+      if (std::find(few_.begin(), few_.end(), output) != few_.end()) return false;
+      if (few_.empty()) few_.reserve(kFew);
+      few_.push_back(output);
+      return true;
+    }
+    if (many_.empty()) many_.insert(few_.begin(), few_.end());
+    return many_.insert(output).second;
+  }
+
   const Scene::Data& scene_;
-  std::unordered_set<std::uint64_t> seen_;
+  std::vector<Input> open_;
+  std::vector<std::uint64_t> few_;  // the first outputs met
+  std::unordered_set<std::uint64_t> many_;
 };
 
 std::vector<const Track*> tracks_of(const Scene::Data& scene, NodeId id) {
@@ -120,8 +136,10 @@ bool Scene::has_keys(NodeId id) const {
 std::vector<NodeId> Scene::driving_curves(NodeId id) const {
   const Data& d = *data_;
   std::vector<NodeId> curves;
+  const std::vector<Input>& inputs = d.at(id).inputs.all();
+  curves.reserve(inputs.size());
   CurveSearch search(d);
-  for (const Input& input : d.at(id).inputs.all())
+  for (const Input& input : inputs)
     search.behind(input, [&](const Node& curve) {
       curves.push_back(curve.id);
       return false;
@@ -131,7 +149,11 @@ std::vector<NodeId> Scene::driving_curves(NodeId id) const {
 
 std::vector<double> Scene::key_times(NodeId id) const {
   std::vector<double> times;
-  for (const NodeId driving : driving_curves(id)) curve(driving).append_key_times(times);
+  const std::vector<NodeId> curves = driving_curves(id);
+  std::size_t count = 0;
+  for (const NodeId driving : curves) count += curve(driving).keys().size();
+  times.reserve(count);
+  for (const NodeId driving : curves) curve(driving).append_key_times(times);
   for (const Track* track : tracks_of(*data_, id))
     times.insert(times.end(), track->key_times().begin(), track->key_times().end());
   return times;

@@ -71,9 +71,12 @@ const Input* Scene::Data::driver(const Node& n, AttributeId attribute) const {
 }
 
 const host::Value* Scene::Data::stored(const Node& n, AttributeId attribute) const {
-  if (!n.extras) return nullptr;
-  const auto at = place_of(n.extras->values, attribute);
-  return at != n.extras->values.end() && at->first == attribute ? &at->second : nullptr;
+  const auto in = [attribute](const Values& values) {
+    const auto at = place_of(values, attribute);
+    return at != values.end() && at->first == attribute ? &at->second : nullptr;
+  };
+  const host::Value* const own = n.extras ? in(n.extras->values) : nullptr;
+  return own ? own : in(n.type->values);
 }
 
 void Scene::Data::store(Node& n, AttributeId attribute, host::Value value) const {
@@ -81,6 +84,9 @@ void Scene::Data::store(Node& n, AttributeId attribute, host::Value value) const
   const auto at = values.begin() + (place_of(values, attribute) - values.cbegin());
   if (at != values.end() && at->first == attribute) {
     at->second = std::move(value);
+  } else if (values.empty()) {
+    values.reserve(std::max<std::size_t>(1, n.type->values.size()));
+    values.emplace_back(attribute, std::move(value));
   } else {
     values.emplace(at, attribute, std::move(value));
   }

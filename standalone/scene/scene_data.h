@@ -29,20 +29,24 @@ enum class Category : std::uint8_t {
   other        // outside the DAG
 };
 
+using Values = std::vector<std::pair<AttributeId, host::Value>>;  // ascending by attribute
+
 struct NodeType {
   std::string name;
   Category category;
   NameSet names;
-  std::vector<NodeId> nodes;  // ascending; may hold nodes that are gone
-  NodeType* next;  // of the same name in another category, in a ring: some types are only known from their use
+  std::vector<NodeId> nodes = {};  // ascending; may hold nodes that are gone
+  Values values = {};              // what every node of the type has until it is given its own
+  NodeType* next =
+      nullptr;  // of the same name in another category, in a ring: some types are only known from their use
 };
 
 // What few nodes have.
 struct Extras {
-  std::vector<std::pair<AttributeId, host::Value>> values;     // ascending by attribute
-  std::vector<std::pair<AttributeId, host::Vectors>> vectors;  // ascending by attribute
-  std::vector<AttributeId> locked;                             // ascending
-  std::unique_ptr<Affine> offset_parent_matrix;                // identity when null
+  Values values;
+  std::vector<std::pair<AttributeId, host::Vectors>> vectors;
+  std::vector<AttributeId> locked;               // ascending
+  std::unique_ptr<Affine> offset_parent_matrix;  // identity when null
   int curve_degree = 0;
   std::vector<host::Vector> curve_points;
 };
@@ -85,6 +89,13 @@ struct Scene::Data {
   std::deque<NodeType> types;
   std::unordered_map<std::string_view, NodeType*> types_by_name;
 
+  // What Scene::find found last: scripts speak of the same node again and again.
+  struct {
+    std::string name;
+    NodeId node = kNoNode;
+    std::uint64_t revision = 0;  // of the scene then
+  } last_found;
+
   // --- messages and warnings
   SceneListener listener;
   std::vector<Warning> warnings;
@@ -114,7 +125,7 @@ struct Scene::Data {
   void compact_children(Node& n) const;
   // The input that drives the attribute: its own, or its compound's.
   const Input* driver(const Node& n, AttributeId attribute) const;
-  // The static value of an attribute that is no channel; null where it was never set.
+  // The static value of an attribute that is no channel; null where neither node nor type has one.
   const host::Value* stored(const Node& n, AttributeId attribute) const;
   void store(Node& n, AttributeId attribute, host::Value value) const;
   // Whether an output is still connected.

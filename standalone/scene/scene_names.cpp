@@ -47,6 +47,19 @@ bool path_ends_with(const Scene::Data& scene, const Node& node, std::string_view
   }
 }
 
+// The same for a path without wildcards.
+bool path_ends_with(const Scene::Data& scene, const Node& node, std::string_view path) {
+  for (const Node* at = &node;; at = scene.find(at->parent)) {
+    const std::string& text = scene.text(*at);
+    if (!path.ends_with(text)) return false;
+    path.remove_suffix(text.size());
+    if (path.empty()) return true;
+    if (path.back() != '|') return false;
+    path.remove_suffix(1);
+    if (path.empty() || at->parent == kWorld) return path.empty() && at->parent == kWorld && scene.is_dag(node);
+  }
+}
+
 // From the world down, one look-up a part: for names that many nodes have.
 NodeId walk_down(const Scene::Data& scene, std::string_view path) {
   NodeId at = kWorld;
@@ -88,27 +101,38 @@ std::string_view Scene::short_name(NodeId node) const { return data_->text(data_
 std::string Scene::long_name(NodeId id) const {
   const Node* node = &data_->at(id);
   if (!data_->is_dag(*node)) return data_->text(*node);
-  std::vector<const Node*> path;
-  for (; node->id != kWorld; node = data_->find(node->parent)) path.push_back(node);
-  std::string name;
-  for (auto at = path.rbegin(); at != path.rend(); ++at) name += "|" + data_->text(**at);
+  std::size_t length = 0;
+  for (const Node* at = node; at->id != kWorld; at = data_->find(at->parent)) length += 1 + data_->text(*at).size();
+  std::string name(length, '|');
+  for (; node->id != kWorld; node = data_->find(node->parent)) {
+    const std::string& part = data_->text(*node);
+    length -= part.size();
+    part.copy(name.data() + length, part.size());
+    --length;
+  }
   return name;
 }
 
 std::string Scene::unique_name(NodeId node) const { return data_->unique_name(data_->at(node)); }
 
 NodeId Scene::find(std::string_view name) const {
-  const Data& d = *data_;
+  Data& d = *data_;
   name = without_root(name);
+  if (d.last_found.revision == d.revision && d.last_found.name == name) return d.last_found.node;
   const NameTable::Entry last = d.names.find(last_part(name));
   if (last == NameTable::kNone) return kNoNode;
-  const std::vector<NodeId>& candidates = d.names.nodes(last);
+  const std::span<const NodeId> candidates = d.names.nodes(last);
   if (name.starts_with('|') && candidates.size() > 1) return walk_down(d, name);
   NodeId found = kNoNode;
   for (const NodeId candidate : candidates) {
-    if (!path_ends_with(d, *d.find(candidate), name, std::equal_to<>())) continue;
+    if (!path_ends_with(d, *d.find(candidate), name)) continue;
     if (found != kNoNode) throw host::Error("More than one object matches name: " + std::string(name));
     found = candidate;
+  }
+  if (found != kNoNode) {
+    d.last_found.name = name;
+    d.last_found.node = found;
+    d.last_found.revision = d.revision;
   }
   return found;
 }

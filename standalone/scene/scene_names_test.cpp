@@ -156,6 +156,24 @@ TEST(NameTable, HandsOutTheSameNamesWithManyClashesAsByCounting) {
   }
 }
 
+TEST(SceneNames, AFoundNameIsLookedUpAnewOnceItBelongsToAnotherNode) {
+  Scene s;
+  const NodeId a = s.create_node("transform", "a"), b = s.create_node("transform", "b");
+  EXPECT_EQ(s.find("a"), a);
+  s.rename(a, "c");
+  EXPECT_EQ(s.find("a"), kNoNode);
+  s.rename(b, "a");
+  EXPECT_EQ(s.find("a"), b);
+  s.set_parent(b, a);
+  EXPECT_EQ(s.find("|c|a"), b);
+  const NodeId other = s.create_node("transform", "a");
+  EXPECT_EQ(text_of_failure([&] { s.find("a"); }), "More than one object matches name: a");
+  s.delete_node(b);
+  EXPECT_EQ(s.find("a"), other);
+  s.delete_node(other);
+  EXPECT_EQ(s.find("a"), kNoNode);
+}
+
 TEST(SceneNames, EqualNamesInGreatNumbersAreNumberedOn) {
   Scene s;
   NodeId last = kNoNode;

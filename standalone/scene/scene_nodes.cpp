@@ -65,7 +65,7 @@ Node& make_with_default_name(Scene::Data& scene, NodeType& type, NodeId parent) 
   return make(scene, type, shape_name_for(parent == kWorld ? name : scene.text(scene.at(parent))), parent);
 }
 
-void rename_to(Scene::Data& scene, Node& node, std::string_view wanted) {
+void rename_to(Scene::Data& scene, Node& node, const std::string& wanted) {
   const NodeId scope = scope_of(scene, node);
   const std::string before = scene.text(node);
   scene.names.remove(scope, node.name, node.id);
@@ -162,14 +162,14 @@ NodeType& type_under(Scene::Data& scene, std::string_view type, std::string_view
 Scene::Data::Data() {
   nodes.push_back(std::make_unique<Node>());
   nodes[kWorld]->id = kWorld;
-  nodes[kWorld]->type = &types.emplace_back(NodeType{"world", Category::other, NameSet::other, {}, nullptr});
+  nodes[kWorld]->type = &types.emplace_back(NodeType{"world", Category::other, NameSet::other});
 }
 
 NodeType& Scene::Data::type(std::string_view name) {
   const auto found = types_by_name.find(name);
   if (found != types_by_name.end()) return *found->second;
   const Category category = category_of(name);
-  NodeType& fresh = types.emplace_back(NodeType{std::string(name), category, name_set_of(name, category), {}, nullptr});
+  NodeType& fresh = types.emplace_back(NodeType{std::string(name), category, name_set_of(name, category)});
   fresh.next = &fresh;
   types_by_name.emplace(fresh.name, &fresh);
   return fresh;
@@ -181,7 +181,8 @@ NodeType& Scene::Data::variant(NodeType& type, Category category) {
     if (t->category == category) return *t;
     if (t->next == &type) break;
   }
-  NodeType& fresh = types.emplace_back(NodeType{type.name, category, name_set_of(type.name, category), {}, &type});
+  NodeType& fresh =
+      types.emplace_back(NodeType{type.name, category, name_set_of(type.name, category), {}, type.values, &type});
   return *(t->next = &fresh);
 }
 
@@ -192,26 +193,32 @@ NodeId Scene::create_node(std::string_view type_name, std::string_view name, Nod
     throw host::Error("'" + d.unique_name(d.at(parent)) + "' cannot have children.");
   NodeType& type = type_under(d, type_name, name, parent);
   if (type.category > Category::shape) parent = kWorld;
-  std::string shape_name(name);
   if (type.category == Category::shape && parent == kWorld) {
     const std::string transform = default_name(d, type);
     parent = make(d, d.type("transform"), transform, kWorld).id;
-    if (name.empty()) shape_name = shape_name_for(d.text(d.at(parent)));
+    if (name.empty()) return make(d, type, shape_name_for(d.text(d.at(parent))), parent).id;
   }
-  return (shape_name.empty() ? make_with_default_name(d, type, parent) : make(d, type, shape_name, parent)).id;
+  return (name.empty() ? make_with_default_name(d, type, parent) : make(d, type, name, parent)).id;
 }
 
-void Scene::register_shape_type(std::string_view name) {
+void Scene::register_shape_type(std::string_view name,
+                                std::span<const std::pair<std::string_view, host::Value>> attributes) {
   // Nodes that were there before stay what they are: they hang in no DAG.
-  NodeType& known = data_->type(name);
-  if (known.category != Category::other) return;
-  data_->types_by_name[known.name] = &data_->variant(known, Category::shape);
+  NodeType* type = &data_->type(name);
+  if (type->category == Category::other)
+    type = data_->types_by_name[type->name] = &data_->variant(*type, Category::shape);
+  Values values;
+  for (const auto& [attribute, value] : attributes)
+    values.emplace_back(data_->attributes.intern(type->names, attribute), value);
+  std::sort(values.begin(), values.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  const NodeType* const first = type;
+  do type->values = values;
+  while ((type = type->next) != first);
 }
 
 bool Scene::is_registered_type(std::string_view name) const {
-  if (category_of(name) != Category::other) return true;
   const auto found = data_->types_by_name.find(name);
-  return found != data_->types_by_name.end() && found->second->category == Category::shape;
+  return (found == data_->types_by_name.end() ? category_of(name) : found->second->category) != Category::other;
 }
 
 void Scene::delete_node(NodeId id) {

@@ -47,6 +47,25 @@ TEST(SceneNodes, ATypeIsUnknownUntilItIsRegistered) {
   EXPECT_THAT(s.nodes_of_type("vantorelix"), ElementsAre(after));
 }
 
+TEST(SceneNodes, EveryNodeOfARegisteredTypeHasItsAttributes) {
+  Scene s;
+  const NodeId before = s.create_node("marker", "x");
+  s.add_attribute(before, "width", 9.0);
+  const std::pair<std::string_view, host::Value> attributes[] = {{"width", 2.5}, {"shown", true}};
+  s.register_shape_type("marker", attributes);
+  const NodeId after = s.create_node("marker", "y"), another = s.create_node("marker", "z");
+  EXPECT_EQ(s.attribute(before, "width"), host::Value(9.0));
+  EXPECT_EQ(s.attribute(before, "shown"), host::Value(true));
+  EXPECT_EQ(s.attribute(after, "width"), host::Value(2.5));
+  s.set_attribute(after, "shown", 0);
+  s.set_attribute(after, "width", 4);
+  EXPECT_EQ(s.attribute(after, "shown"), host::Value(false)) << "a flag stays one";
+  EXPECT_EQ(s.attribute(after, "width"), host::Value(4.0));
+  EXPECT_EQ(s.attribute(another, "width"), host::Value(2.5));
+  EXPECT_EQ(s.attribute(another, "shown"), host::Value(true));
+  EXPECT_FALSE(s.has_attribute(s.create_node("mesh", "m"), "width"));
+}
+
 TEST(SceneNodes, UnnamedNodesCountUpOverTheWholeScene) {
   Scene s;
   const NodeId a = s.create_node("joint", "");
