@@ -162,6 +162,24 @@ TEST(OrderedMap, KeepsTheOrderOfInsertion) {
   EXPECT_TRUE(map.empty());
 }
 
+TEST(OrderedMap, FindsFewKeysAndMany) {
+  OrderedMap<int> map;
+  const auto key = [](int i) { return "key " + std::to_string(i); };
+  for (int i = 0; i < 40; ++i) {
+    map[key(i)] = i;
+    for (int k = 0; k <= i; ++k) ASSERT_EQ(map.at(key(k)), k);
+    ASSERT_FALSE(map.contains(key(i + 1)));
+  }
+  for (int i = 0; i < 40; ++i) {
+    ASSERT_TRUE(map.erase(key(i)));
+    ASSERT_FALSE(map.contains(key(i)));
+    for (int k = i + 1; k < 40; ++k) ASSERT_EQ(map.get(key(k), -1), k);
+  }
+  map[key(7)] = 8;
+  EXPECT_EQ(map.size(), 1u);
+  EXPECT_EQ(map.at(key(7)), 8);
+}
+
 TEST(OrderedMap, ASnapshotOutlivesEveryChangeAndIsSharedUntilThen) {
   OrderedMap<int> map;
   map["a"] = 1;

@@ -64,7 +64,10 @@ SamplerPtr sampler_or_best(const std::string& obj, SamplerPtr sampler) {
 }  // namespace
 
 Position _world_pos_at(const std::string& obj, double t) {
-  const auto matrix = cmds->getAttr_matrix(obj + "." + kWorldMatrix + "[0]", t);
+  std::string attribute;
+  attribute.reserve(obj.size() + kWorldMatrix.size() + 4);
+  attribute.append(obj).append(".").append(kWorldMatrix).append("[0]");
+  const auto matrix = cmds->getAttr_matrix(attribute, t);
   return {matrix[12], matrix[13], matrix[14]};
 }
 

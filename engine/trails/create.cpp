@@ -123,15 +123,20 @@ std::string make_viz_node(const std::string& viz_name, const std::string& root) 
 }
 
 void set_display(const std::string& viz_tr, const Request& request) {
-  const std::string shape = _first_shape(viz_tr);
-  cmds->setAttr(shape + ".lineWidth", request.line_width);
-  cmds->setAttr(shape + ".pointSize", request.point_size);
-  cmds->setAttr(shape + ".showLine", request.show_line);
-  cmds->setAttr(shape + ".showDots", request.show_dots);
-  attempt([&] { cmds->setAttr(shape + ".xrayMode", request.xray_mode); });
-  attempt([&] { cmds->setAttr(shape + ".colorMode", request.color_mode.to_int()); });
-  cmds->setAttr(shape + ".startFrame", cmds->playbackOptions_min());
-  cmds->setAttr(shape + ".frameStep", frame_step(request));
+  std::string attribute = _first_shape(viz_tr) + ".";
+  const std::size_t before = attribute.size();
+  const auto set = [&](const char* name, const host::Value& value) {
+    attribute.resize(before);  // one string for all of them
+    cmds->setAttr(attribute += name, value);
+  };
+  set("lineWidth", request.line_width);
+  set("pointSize", request.point_size);
+  set("showLine", request.show_line);
+  set("showDots", request.show_dots);
+  attempt([&] { set("xrayMode", request.xray_mode); });
+  attempt([&] { set("colorMode", request.color_mode.to_int()); });
+  set("startFrame", cmds->playbackOptions_min());
+  set("frameStep", frame_step(request));
 }
 
 void register_trail(const std::string& viz_tr, const std::string& obj, const Request& request, const Draft& draft) {

@@ -1,5 +1,6 @@
 #include "engine/trails/nodes.h"
 
+#include <utility>
 #include <vector>
 
 #include "host/error.h"
@@ -9,9 +10,9 @@ namespace vantorelix {
 std::string _short_name(const std::string& path) { return path.substr(path.rfind('|') + 1); }
 
 std::string _first_shape(const std::string& transform) {
-  const std::vector<std::string> shapes = cmds->listRelatives_shapes(transform);
+  std::vector<std::string> shapes = cmds->listRelatives_shapes(transform);
   if (shapes.empty()) throw host::Error("no shape under " + transform, host::ErrorKind::type);
-  return shapes.front();
+  return std::move(shapes.front());
 }
 
 std::string _source_of(const Settings& settings) {
