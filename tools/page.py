@@ -6,32 +6,22 @@ and the page, which is built again when what it is made of changes. With --page 
 """
 
 import argparse
-import contextlib
-import hashlib
 import os
 import shutil
-import subprocess
 import sys
 
 import node
-
-try:
-    import fcntl
-except ImportError:  # Windows
-    fcntl = None
+import packages
+from packages import Failure, locked, read, write
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 VIEWER = os.path.join(ROOT, "viewer")
-# What npm installs from, and what whoever works on the page may have made there.
-PACKAGES = ("package.json", "package-lock.json", ".npmrc")
+# What whoever works on the page may have made there.
 GENERATED = {"node_modules", "dist"}
 PLACE = b"<!--trails-->"
+ELSEWHERE = ", or configure with -DVANTORELIX_PAGE=FILE where FILE is the page built elsewhere"
 # Compilers take literals of 64 KB at least, MSVC's pieces of 16 KB, in which each byte may take four characters.
 PIECE = 4000
-
-
-class Failure(Exception):
-    """Told to the user without a trace."""
 
 
 def copy_viewer(target):
@@ -39,75 +29,18 @@ def copy_viewer(target):
     shutil.copytree(VIEWER, target, ignore=lambda folder, names: GENERATED & set(names))
 
 
-def digest(folder, names=None):
-    """A hash of the names and bytes of files below a folder."""
-    if names is None:
-        names = sorted(os.path.relpath(os.path.join(top, name), folder)
-                       for top, _, files in os.walk(folder) for name in files)
-    total = hashlib.sha256()
-    for name in names:
-        with open(os.path.join(folder, name), "rb") as file:
-            total.update(("%s\n%s\n" % (name, hashlib.sha256(file.read()).hexdigest())).encode())
-    return total.hexdigest()
-
-
-def _read(path):
-    try:
-        with open(path, "rb") as file:
-            return file.read()
-    except FileNotFoundError:
-        return b""
-
-
-def _write(path, data):
-    """Whole or not at all."""
-    with open(path + ".part", "wb") as file:
-        file.write(data)
-    os.replace(path + ".part", path)
-
-
-@contextlib.contextmanager
-def locked(folder):
-    """Two builds at once must not both work in the folder."""
-    os.makedirs(folder, exist_ok=True)
-    with open(os.path.join(folder, "lock"), "w", encoding="utf-8") as file:
-        if fcntl:
-            fcntl.flock(file, fcntl.LOCK_EX)
-        yield
-
-
-def _npm(what, *arguments, folder):
-    run = node.find().npm(*arguments, folder=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-    if run.returncode != 0:
-        raise Failure("%s, or configure with -DVANTORELIX_PAGE=FILE where FILE is the page built elsewhere. npm said:\n%s"
-                      % (what, run.stdout.decode(errors="replace")))
-
-
-def install(folder):
-    """npm's packages in folder/node_modules, as the lock file has them. Their scripts are not run."""
-    wanted = digest(VIEWER, PACKAGES).encode()
-    stamp = os.path.join(folder, "installed")
-    if _read(stamp) == wanted:
-        return
-    with contextlib.suppress(FileNotFoundError):
-        os.remove(stamp)
-    for name in PACKAGES:
-        shutil.copy(os.path.join(VIEWER, name), folder)
-    _npm("what the page is built with could not be installed: see to the network", "ci", "--ignore-scripts", "--no-audit", "--no-fund", "--no-update-notifier", folder=folder)
-    _write(stamp, wanted)
-
-
 def build(folder):
     """The path of the page, built if need be. The caller holds the lock."""
     page, stamp, source = (os.path.join(folder, name) for name in ("index.html", "built", "source"))
     copy_viewer(source)
-    wanted = digest(source).encode()
-    if _read(stamp) != wanted or not os.path.exists(page):
-        install(folder)
+    wanted = packages.digest(source).encode()
+    if read(stamp) != wanted or not os.path.exists(page):
+        packages.install(VIEWER, folder, ELSEWHERE)
         output = os.path.join(folder, "output")
-        _npm("the page could not be built: correct viewer/", "run", "build", "--", "--outDir", output, folder=source)
+        packages.npm("the page could not be built: correct viewer/" + ELSEWHERE, "run", "build", "--", "--outDir", output,
+                     folder=source)
         os.replace(os.path.join(output, "index.html"), page)
-        _write(stamp, wanted)
+        write(stamp, wanted)
     return page
 
 
@@ -141,8 +74,8 @@ def main(arguments):
     try:
         folder = os.path.abspath(options.folder)
         with locked(folder):
-            page = _read(options.page or build(folder))
-        _write(options.source, cpp_source(page))
+            page = read(options.page or build(folder))
+        write(options.source, cpp_source(page))
     except (Failure, node.Missing) as failure:
         print("page: %s" % failure, file=sys.stderr)
         return 1

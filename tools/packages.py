@@ -1,0 +1,80 @@
+"""npm's packages in a folder shared by all builds, as a lock file has them."""
+
+import contextlib
+import hashlib
+import os
+import shutil
+import subprocess
+
+import node
+
+try:
+    import fcntl
+except ImportError:  # Windows
+    fcntl = None
+
+# What npm installs from.
+FILES = ("package.json", "package-lock.json", ".npmrc")
+
+
+class Failure(Exception):
+    """Told to the user without a trace."""
+
+
+def digest(folder, names=None):
+    """A hash of the names and bytes of files below a folder."""
+    if names is None:
+        names = sorted(os.path.relpath(os.path.join(top, name), folder)
+                       for top, _, files in os.walk(folder) for name in files)
+    total = hashlib.sha256()
+    for name in names:
+        with open(os.path.join(folder, name), "rb") as file:
+            total.update(("%s\n%s\n" % (name, hashlib.sha256(file.read()).hexdigest())).encode())
+    return total.hexdigest()
+
+
+def read(path):
+    try:
+        with open(path, "rb") as file:
+            return file.read()
+    except FileNotFoundError:
+        return b""
+
+
+def write(path, data):
+    """Whole or not at all."""
+    with open(path + ".part", "wb") as file:
+        file.write(data)
+    os.replace(path + ".part", path)
+
+
+@contextlib.contextmanager
+def locked(folder):
+    """Two builds at once must not both work in the folder."""
+    os.makedirs(folder, exist_ok=True)
+    with open(os.path.join(folder, "lock"), "w", encoding="utf-8") as file:
+        if fcntl:
+            fcntl.flock(file, fcntl.LOCK_EX)
+        yield
+
+
+def npm(what, *arguments, folder):
+    """Runs npm; where that fails, Failure says `what` and what npm said."""
+    run = node.find().npm(*arguments, folder=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+    if run.returncode != 0:
+        raise Failure("%s. npm said:\n%s" % (what, run.stdout.decode(errors="replace")))
+
+
+def install(source, folder, otherwise=""):
+    """What the lock file in the folder `source` names, in folder/node_modules. The packages' own scripts are not run."""
+    wanted = digest(source, FILES).encode()
+    stamp = os.path.join(folder, "installed")
+    if read(stamp) == wanted:
+        return
+    with contextlib.suppress(FileNotFoundError):
+        os.remove(stamp)
+    for name in FILES:
+        shutil.copy(os.path.join(source, name), folder)
+    npm("npm could not install what %s names: see to the network%s" % (os.path.join(source, "package.json"), otherwise),
+        "ci", "--ignore-scripts", "--no-audit", "--no-fund", "--no-update-notifier", folder=folder)
+    write(stamp, wanted)

@@ -1,0 +1,99 @@
+#!/usr/bin/env python3
+"""Runs the tests of the page, or takes its pictures.
+
+    tools/viewer.py test --program FILE --engine-colors FILE --report FILE [--no-browser]
+    tools/viewer.py pictures PAGES OUT [NAME...]
+
+The tests are told by environment variables what to test: VANTORELIX_PROGRAM, VANTORELIX_ENGINE_COLORS, VANTORELIX_PAGE (the
+page without trails) and VANTORELIX_CHROMIUM; docs and examples lie beside viewer/ as in the checkout. Without a browser they
+fail, unless --no-browser leaves out those that need one. The pictures are those that viewer/pictures names, of the pages with
+trails in the folder PAGES; without a browser there are none.
+"""
+
+import argparse
+import contextlib
+import glob
+import os
+import shutil
+import sys
+import tempfile
+
+import browser
+import node
+import packages
+import page
+
+
+def browser_tests():
+    """The files of tests that open the page in a browser."""
+    tests = sorted(glob.glob(os.path.join(page.VIEWER, "tests", "*.test.ts")))
+    return ["tests/" + os.path.basename(path) for path in tests if b"useBrowser(" in packages.read(path)]
+
+
+@contextlib.contextmanager
+def workshop(folder):
+    """A copy of viewer/ to run npm's scripts in, beside its packages; the page is built."""
+    with packages.locked(folder):
+        page.build(folder)
+    with tempfile.TemporaryDirectory(prefix="run-", dir=folder) as top:
+        copy = os.path.join(top, "viewer")
+        page.copy_viewer(copy)
+        for name in ("docs", "examples"):
+            os.symlink(os.path.join(page.ROOT, name), os.path.join(top, name))
+        yield copy
+
+
+def test(options):
+    chromium = "" if options.no_browser else browser.find()
+    if chromium is None:
+        raise packages.Failure("there is no Chromium that runs; install one, name one in VANTORELIX_CHROMIUM, or leave out its "
+                               "tests with -DVANTORELIX_BROWSER_TESTS=OFF")
+    paths = {"PROGRAM": options.program, "ENGINE_COLORS": options.engine_colors,
+             "PAGE": os.path.join(options.folder, "index.html")}
+    variables = {"VANTORELIX_" + name: os.path.abspath(path) for name, path in paths.items()}
+    left_out = browser_tests() if options.no_browser else []
+    if left_out:
+        print("viewer: NOT RUN FOR WANT OF A BROWSER: " + ", ".join(left_out), flush=True)
+    with workshop(options.folder) as copy:
+        return node.find().npm("test", "--", "--reporter=default", "--reporter=junit",
+                               "--outputFile.junit=" + os.path.abspath(options.report),
+                               *("--exclude=" + path for path in left_out),
+                               folder=copy, environment=dict(variables, VANTORELIX_CHROMIUM=chromium)).returncode
+
+
+def pictures(options):
+    chromium = browser.find()
+    if chromium is None:
+        print("viewer: there is no Chromium that runs, so there are no pictures of the page", file=sys.stderr)
+        return 0
+    with workshop(options.folder) as copy:
+        return node.find().npm("run", "--silent", "pictures", "--", os.path.abspath(options.pages), os.path.abspath(options.out),
+                               *options.names, folder=copy, environment={"VANTORELIX_CHROMIUM": chromium}).returncode
+
+
+def main(arguments):
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("--folder", default=os.path.join(page.ROOT, "build", "page"), help="where tools/page.py builds")
+    verbs = parser.add_subparsers(dest="verb")
+    verbs.required = True
+    tests = verbs.add_parser("test")
+    for name in ("program", "engine-colors", "report"):
+        tests.add_argument("--" + name, required=True)
+    tests.add_argument("--no-browser", action="store_true", help="leave out what needs one")
+    tests.set_defaults(run=test)
+    shots = verbs.add_parser("pictures")
+    shots.add_argument("pages")
+    shots.add_argument("out")
+    shots.add_argument("names", nargs="*")
+    shots.set_defaults(run=pictures)
+    options = parser.parse_args(arguments)
+    options.folder = os.path.abspath(options.folder)
+    try:
+        return options.run(options)
+    except (packages.Failure, node.Missing) as failure:
+        print("viewer: %s" % failure, file=sys.stderr)
+        return 1
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
