@@ -54,7 +54,7 @@ const turned = (p: Vec3, up: string): Vec3 => (up === "z" ? [p[0], p[2], -p[1]] 
 /** Points along the lines of an SVG file, its pixels. */
 async function svgLine(page: Page): Promise<Point[]> {
   return page.evaluate(() =>
-    [...document.querySelectorAll<SVGPathElement>("path[stroke^='#']")].flatMap((path) => {
+    [...document.querySelectorAll<SVGPathElement>("g:has(> title) path[stroke^='#']")].flatMap((path) => {
       const length = path.getTotalLength();
       return Array.from({ length: Math.ceil(length / 2) + 1 }, (_, i) => {
         const { x, y } = path.getPointAtLength(Math.min(2 * i, length));
@@ -100,8 +100,8 @@ describe.each(["front", "side", "top", "persp"] as const)("the %s view", (view) 
     const markers = json.trails.map((trail) => project(pose, turned(trail.points[0], json.up_axis), picture.width, picture.height));
     const clear = (p: Point) => distanceTo(markers, p) > 12;
     expect(moved.filter(clear).length).toBeGreaterThan(30);
-    expect(moved.filter((p) => clear(p) && distanceTo(drawn, p) > 2.5)).toEqual([]);
-    expect(drawn.filter((p) => clear(p) && distanceTo(moved, p) > 4)).toEqual([]);
+    expect(moved.filter((p) => clear(p) && distanceTo(drawn, p) > 2.5).slice(0, 3)).toEqual([]);
+    expect(drawn.filter((p) => clear(p) && distanceTo(moved, p) > 4).slice(0, 3)).toEqual([]);
   });
 
   async function svgPage(): Promise<Page> {
