@@ -120,6 +120,16 @@ describe("the legend", () => {
     expect((typical.x + typical.width / 2 - bar.x) / bar.width).toBeCloseTo(0.4, 2);
   });
 
+  test("says that spacing colours do not follow a relative view", async () => {
+    const page = await browser.open(figures(), { hash: "mode=1" });
+    const note = legend(page).getByText("Spacing colours are of the motion in the world.");
+    expect(await note.count()).toBe(0);
+    await press(page, "r");
+    expect(await note.isVisible()).toBe(true);
+    await page.getByRole("combobox", { name: "Mode" }).selectOption("Flow");
+    expect(await note.count()).toBe(0);
+  });
+
   test("says that the safe palette is not the engine's", async () => {
     const page = await browser.open(figures());
     const note = legend(page).getByText("These are not the engine's own colours.");

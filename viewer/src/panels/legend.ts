@@ -68,7 +68,7 @@ function explain(mode: ColorMode, palette: Palette): HTMLElement {
 export function buildLegend(app: App): { element: HTMLElement; update(): void } {
   const element = el("div", { class: "legend", role: "group", "aria-label": "What the colours say" });
   const update = () => {
-    const { colorBy, mode, palette } = app.store.state;
+    const { colorBy, mode, palette, relativeTo } = app.store.state;
     if (colorBy === "object") {
       element.replaceChildren(el("p", {}, "Each object has its own colour, as in the list."));
       return;
@@ -76,9 +76,10 @@ export function buildLegend(app: App): { element: HTMLElement; update(): void } 
     const modes = mode === null ? [...new Set(app.motion.trails.map((trail) => trail.colorMode))].sort() : [mode];
     element.replaceChildren(...modes.map((each) =>
       el("div", { class: "legend-mode" }, el("h3", {}, COLOR_MODES[each]), explain(each, palette))));
+    if (relativeTo !== null && modes.includes(1)) element.append(el("p", { class: "note" }, "Spacing colours are of the motion in the world."));
     if (palette === "safe") element.append(el("p", { class: "note" }, "These are not the engine's own colours."));
   };
-  app.store.subscribe(update, ["colorBy", "mode", "palette"]);
+  app.store.subscribe(update, ["colorBy", "mode", "palette", "relativeTo"]);
   update();
   return { element, update };
 }

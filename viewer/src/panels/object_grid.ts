@@ -15,6 +15,7 @@ export class ObjectGrid {
   /** Indices of the trails that the search leaves, in order. */
   private listed: number[] = [];
   private at = { row: 0, stop: NAME };
+  private hovered: HTMLElement | null = null;
   /** Where a selection with Shift begins. */
   private anchor = 0;
 
@@ -25,7 +26,8 @@ export class ObjectGrid {
       if (this.pressed(event)) event.preventDefault();
     });
     const { store } = app;
-    store.subscribe(() => this.update(), ["selected", "hidden", "solo", "relativeTo", "mode", "hover"]);
+    store.subscribe(() => this.update(), ["selected", "hidden", "solo", "relativeTo", "mode"]);
+    store.subscribe(() => this.markHovered(), ["hover"]);
     this.build();
   }
 
@@ -50,6 +52,16 @@ export class ObjectGrid {
 
   private update(): void {
     for (const row of this.rows) row.update(this.app.store.state);
+  }
+
+  /** The pointer moves often: only the rows that change are touched. */
+  private markHovered(): void {
+    const { hover } = this.app.store.state;
+    const element = hover ? (this.rows[hover.trail]?.element ?? null) : null;
+    if (element === this.hovered) return;
+    this.hovered?.removeAttribute("data-hovered");
+    element?.setAttribute("data-hovered", "");
+    this.hovered = element;
   }
 
   private stop({ row, stop } = this.at): HTMLElement | undefined {

@@ -48,7 +48,6 @@ export function buildRow(app: App, index: number): ObjectRow {
       "aria-selected": String(state.selected.has(index)),
       "data-off": !isVisible(state, index),
       "data-reference": state.relativeTo === index,
-      "data-hovered": state.hover?.trail === index,
     });
     swatch.dataset.mode = String(state.mode ?? trail.colorMode);
   };

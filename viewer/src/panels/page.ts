@@ -33,7 +33,8 @@ function skipLink(viewport: HTMLElement): HTMLElement {
 function viewportElement(): { viewport: HTMLElement; description: HTMLElement } {
   const description = el(
     "p", { class: "hidden", id: "viewport-keys" },
-    "Space plays, the arrow keys step through the frames, F frames what is selected, question mark lists all keys. " +
+    "Space plays, the arrow keys step through the frames, J, K, L and M turn, plus and minus zoom, F frames what is " +
+      "selected, question mark lists all keys. " +
       "The list of objects, the timeline and the spacing graph say in words what is drawn here.",
   );
   const viewport = el("div", {

@@ -26,14 +26,17 @@ function playButtons(app: App): HTMLElement {
 
 interface FrameField {
   text: string;
+  title?: string;
   key: "frame" | "playFirst" | "playLast";
   set(frame: number): void;
 }
 
 /** A number that is a frame; what is typed counts when it is done, and is brought into the range. */
-function frameField(app: App, { text, key, set }: FrameField): HTMLElement {
+function frameField(app: App, { text, title, key, set }: FrameField): HTMLElement {
   const { scene, store } = app;
-  const field = el("input", { type: "number", class: "frame", step: "any", min: scene.first, max: scene.last, "data-setting": key });
+  const field = el("input", {
+    type: "number", class: "frame", title, step: "any", min: scene.first, max: scene.last, "data-setting": key,
+  });
   const show = () => (field.value = frameText(store.state[key]));
   field.addEventListener("change", () => {
     if (field.value !== "" && Number.isFinite(field.valueAsNumber)) set(field.valueAsNumber);
@@ -67,9 +70,9 @@ export function buildTransport(app: App): HTMLElement {
     seconds,
     el("span", { class: "space" }),
     el("div", { class: "range-fields", role: "group", "aria-label": "Range that is played" },
-      frameField(app, { text: "Range", key: "playFirst",
+      frameField(app, { text: "Range", title: commandTitle("range-start"), key: "playFirst",
         set: (frame) => store.set({ playFirst: within(frame, scene.first, store.state.playLast) }) }),
-      frameField(app, { text: "to", key: "playLast",
+      frameField(app, { text: "to", title: commandTitle("range-end"), key: "playLast",
         set: (frame) => store.set({ playLast: within(frame, store.state.playFirst, scene.last) }) }),
       commandButton(app, "range-all", { text: "Whole" })),
     el("span", { class: "rate", title: "Frames a second of the scene" }, `${frameText(scene.fps)} fps`),
