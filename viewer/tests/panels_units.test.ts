@@ -89,6 +89,8 @@ describe("the graph's curve", () => {
     const curve = curveOf({ spacing: Float64Array.of(1, NaN, 2), startFrame: 0, frameStep: 1 }, scale, LEFT + RIGHT + 100);
     expect(curve.high[Math.floor(scale.x(1.5))]).toBeNaN();
     expect(curve.high[Math.floor(scale.x(2.5))]).toBe(2);
+    const mixed = curveOf({ spacing: Float64Array.of(4, NaN, 2, NaN), startFrame: 5, frameStep: 0.02 }, scale, LEFT + RIGHT + 100);
+    expect([mixed.low, mixed.high].map((of) => of[Math.floor(scale.x(5))])).toEqual([2, 4]); // all four in one column
   });
 
   test("knows its fastest and slowest stretch", () => {
