@@ -18,21 +18,20 @@ interface Shot {
   before?(page: Page): Promise<unknown>;
 }
 
-const SMALL = { width: 900, height: 760 };
-const arm = (hash: string): Shot => ({ page: "arm.ma.html", of: ".viewport", hash, size: SMALL });
+const arm = (hash: string): Shot => ({ page: "arm.ma.html", of: ".viewport", hash });
 
 const SHOTS: Record<string, Shot> = {
   "viewer": { page: "walk.bvh.html", hash: "mode=1&frame=40&select=9" },
   "viewer-dark": { page: "arm.ma.html", hash: "mode=1&frame=20", dark: true },
-  "viewer-objects": { page: "walk.bvh.html", of: ".objects", hash: "color=object&select=9&hide=3-6" },
-  "viewer-settings": { page: "walk.bvh.html", of: ".settings", hash: "mode=1", size: { width: 1280, height: 1100 } },
-  "viewer-time": { page: "arm.ma.html", of: ".time-panel", hash: "mode=1&frame=20&select=0-1&color=object" },
+  "viewer-objects": { page: "walk.bvh.html", of: "#objects", hash: "color=object&select=9&hide=3-6" },
+  "viewer-settings": { page: "walk.bvh.html", of: "#settings", hash: "mode=1", size: { width: 1280, height: 1100 } },
+  "viewer-time": { page: "arm.ma.html", of: ".time-panel", hash: "mode=1&frame=20&select=3-4&color=object" },
   "viewer-toolbar": { page: "arm.ma.html", of: ".toolbar", hash: "" },
   "viewer-standard": arm("mode=0&frame=20"),
   "viewer-spacing": arm("mode=1&frame=20"),
   "viewer-flow": arm("mode=2&frame=20"),
   "viewer-beats": arm("mode=3&frame=20"),
-  "viewer-relative": { page: "walk.bvh.html", of: ".viewport", hash: "mode=1&relative=0&select=9&frame=40", size: SMALL },
+  "viewer-relative": { page: "walk.bvh.html", of: ".viewport", hash: "mode=1&relative=0&select=9&frame=40" },
   "viewer-tooltip": {
     ...arm("mode=1&frame=20"),
     before: (page) => page.evaluate(() => window.vantorelixViewer.store.set({ hover: { trail: 0, sample: 10 } })),

@@ -2,13 +2,14 @@
 
 import "./style.css";
 import { embeddedSource } from "./source/embedded";
+import type { Scene } from "./source/trail";
 import type { App } from "./model/app";
 import { listenToKeys } from "./model/commands";
 import { KEPT, readHash, writeHash } from "./model/hash";
 import { Motion } from "./model/motion";
 import { bestDirection, boundsOf, framing } from "./model/pose";
 import { runPlayer } from "./model/player";
-import { initialState, Store } from "./model/state";
+import { initialState, Store, type CameraPose } from "./model/state";
 import { buildPage } from "./panels/page";
 import { Viewport } from "./view/viewport";
 
@@ -34,6 +35,12 @@ function keepStateInHash(store: Store, initial: typeof store.state, trailCount: 
   );
 }
 
+/** What a page that just opened looks from. */
+function opening(scene: Scene, motion: Motion, aspect: number): CameraPose {
+  const box = boundsOf(motion, motion.trails.keys(), scene.upAxis);
+  return framing(box, "persp", aspect, bestDirection(motion, box, scene.upAxis));
+}
+
 function save(name: string, content: Blob): void {
   const link = document.createElement("a");
   link.href = URL.createObjectURL(content);
@@ -46,13 +53,14 @@ function start(root: HTMLElement): void {
   const source = embeddedSource();
   const { scene } = source;
   const motion = new Motion(source.trails());
-  const box = boundsOf(motion, motion.trails.keys(), scene.upAxis);
-  const opening = (aspect: number) => framing(box, "persp", aspect, bestDirection(motion, box, scene.upAxis));
-  let initial = initialState(scene, motion.trails, opening(1.5));
+  const initial = initialState(scene, motion.trails, opening(scene, motion, 1.5));
   const said = readHash(location.hash, initial, motion.trails.length);
   const store = new Store({ ...initial, ...said });
   motion.relativeTo(store.state.relativeTo);
-  store.subscribe((state) => motion.relativeTo(state.relativeTo), ["relativeTo"]);
+  store.subscribe((state, changed) => {
+    motion.relativeTo(state.relativeTo);
+    if (!changed.has("camera")) store.set({ camera: opening(scene, motion, state.aspect) }); // it moves elsewhere now
+  }, ["relativeTo"]);
 
   document.title = `${scene.name.split(/[\\/]/).pop()}: motion trails`;
   let viewport: Viewport | null = null;
@@ -63,8 +71,7 @@ function start(root: HTMLElement): void {
   };
   const page = buildPage(app, root);
   viewport = new Viewport(app, page.viewport);
-  initial = { ...initial, camera: opening(store.state.aspect) }; // now that the viewport has a size
-  if (!said.camera) store.set({ camera: initial.camera });
+  if (!said.camera) store.set({ camera: opening(scene, motion, store.state.aspect) }); // the viewport has a size now
   source.subscribe(() => {
     motion.trails = source.trails();
     viewport!.trailsChanged();
@@ -72,7 +79,7 @@ function start(root: HTMLElement): void {
   });
   listenToKeys(app);
   runPlayer(scene, store);
-  keepStateInHash(store, initial, motion.trails.length);
+  keepStateInHash(store, { ...initial, camera: said.camera ? initial.camera : store.state.camera }, motion.trails.length);
   window.vantorelixViewer = app;
   document.documentElement.dataset.ready = "true";
   performance.mark("ready");

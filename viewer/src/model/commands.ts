@@ -10,7 +10,7 @@ import { isVisible, toggled, type ViewName } from "./state";
 export interface Command {
   readonly id: string;
   readonly title: string;
-  /** As KeyboardEvent.key has them, with "Shift+" before one where needed; none for buttons only. */
+  /** As keyName calls them. */
   readonly keys: readonly string[];
   run(app: App): void;
 }
@@ -140,7 +140,7 @@ export const COMMANDS: readonly Command[] = [
   { id: "pan-right", title: "Move right", keys: ["Shift+L"], run: (app) => pan(app, 0.05, 0) },
   { id: "pan-up", title: "Move up", keys: ["Shift+K"], run: (app) => pan(app, 0, 0.05) },
   { id: "pan-down", title: "Move down", keys: ["Shift+M"], run: (app) => pan(app, 0, -0.05) },
-  { id: "zoom-in", title: "Nearer", keys: ["+", "Shift++", "="], run: (app) => zoom(app, 1 / 1.2) },
+  { id: "zoom-in", title: "Nearer", keys: ["+", "="], run: (app) => zoom(app, 1 / 1.2) },
   { id: "zoom-out", title: "Farther", keys: ["-"], run: (app) => zoom(app, 1.2) },
   view("persp", "Perspective", "1"),
   view("front", "Front", "2"),
@@ -177,11 +177,12 @@ export const command = (id: string): Command => {
   return found;
 };
 
-/** What a key event is called in the table. Shift counts where it does not change the key itself. */
-export function keyName(event: KeyboardEvent): string {
-  const digit = /^Digit(\d)$/.exec(event.code);
-  const key = event.shiftKey && digit ? digit[1] : event.key.length === 1 ? event.key : event.key;
-  return event.shiftKey ? `Shift+${key.length === 1 ? key.toUpperCase() : key}` : key;
+/** What a key event is called in the table. Where Shift makes another sign of a key ("+", "?"), that sign is the name. */
+export function keyName({ key, code, shiftKey }: Pick<KeyboardEvent, "key" | "code" | "shiftKey">): string {
+  if (!shiftKey) return key;
+  const digit = /^Digit(\d)$/.exec(code);
+  if (digit) return `Shift+${digit[1]}`;
+  return key.length > 1 || /\p{L}/u.test(key) ? `Shift+${key.length > 1 ? key : key.toUpperCase()}` : key;
 }
 
 /** A key as a person reads it. */

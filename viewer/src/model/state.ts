@@ -105,7 +105,7 @@ export class Store {
       if (!Object.is(this.current[key], patch[key])) changed.add(key);
     if (changed.size === 0) return;
     this.current = { ...this.current, ...patch };
-    for (const listener of this.listeners) listener(this.current, changed);
+    for (const listener of this.listeners) listener(this.current, changed); // current: a listener may set more
   }
 
   /** Calls back after every change of one of `keys` (of anything, without keys); the result ends that. */
