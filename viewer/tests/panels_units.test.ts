@@ -1,5 +1,5 @@
 import { describe, expect, test } from "vitest";
-import { frameText, lengthText, unitName } from "../src/panels/format";
+import { frameText, lengthText, unitName } from "../src/model/format";
 import { frameScale, LEFT, niceStep, RIGHT, ticks } from "../src/panels/frame_scale";
 import { summary } from "../src/panels/graph";
 import { curveOf, extremes } from "../src/panels/graph_curves";

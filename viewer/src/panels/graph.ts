@@ -3,10 +3,10 @@
 import type { App } from "../model/app";
 import { goTo } from "../model/commands";
 import { objectColor } from "../model/colors";
+import { frameText, lengthText, unitName } from "../model/format";
 import { nearestSample, sampleFrame } from "../model/motion";
 import type { Hover } from "../model/state";
 import { el, setAttributes, setText } from "./dom";
-import { frameText, lengthText, unitName } from "./format";
 import { extremes } from "./graph_curves";
 import { drawCurves, drawMoving, largestSpacing, placeOf, type Place } from "./graph_drawing";
 import { Layer, onDrag } from "./layer";

@@ -2,9 +2,9 @@
 
 import type { App } from "../model/app";
 import { objectColor, trailColors } from "../model/colors";
+import { lengthText } from "../model/format";
 import { nearestSample, sampleFrame } from "../model/motion";
 import type { Hover } from "../model/state";
-import { lengthText } from "./format";
 import { frameScale, LEFT, niceStep, RIGHT, ticks, type FrameScale } from "./frame_scale";
 import { curveOf, extremes, type Curve } from "./graph_curves";
 import { styleColors } from "./theme";

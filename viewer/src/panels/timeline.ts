@@ -3,8 +3,8 @@
 import type { App } from "../model/app";
 import { command, goTo, shownKeyTimes } from "../model/commands";
 import { countUpTo } from "../model/colors";
+import { frameText } from "../model/format";
 import { el, setAttributes } from "./dom";
-import { frameText } from "./format";
 import { frameScale, type FrameScale } from "./frame_scale";
 import { Layer, onDrag } from "./layer";
 import { drawTimeline } from "./timeline_drawing";

@@ -2,7 +2,7 @@
 
 import type { App } from "../model/app";
 import { shownKeyTimes } from "../model/commands";
-import { frameText } from "./format";
+import { frameText } from "../model/format";
 import { niceStep, ticks, type FrameScale } from "./frame_scale";
 import { styleColors } from "./theme";
 

@@ -2,8 +2,8 @@
 
 import type { App } from "../model/app";
 import { goTo } from "../model/commands";
+import { frameText } from "../model/format";
 import { commandButton, commandTitle, el, labelled, setAttributes, setText } from "./dom";
-import { frameText } from "./format";
 import { setIcon, type IconName } from "./icons";
 
 const BUTTONS: readonly (readonly [id: string, icon: IconName])[] = [

@@ -3,6 +3,7 @@
 import type { Camera } from "three";
 import type { App } from "../model/app";
 import { objectColor } from "../model/colors";
+import { unitName } from "../model/format";
 import { isFinitePoint, nearestSample } from "../model/motion";
 import { yUp } from "../model/pose";
 import type { Vec3 } from "../source/trail";
@@ -11,7 +12,6 @@ import type { Grid } from "./ground";
 import { hasDenseKeys, type Drawing, type TrailLayers } from "./layers";
 import type { Label, Overlay } from "./overlay";
 import type { Projection, Spot } from "./projection";
-import { unitName } from "./tooltip";
 
 /** Trails up to which every object has its name in the picture. */
 const MOST_NAMED = 12;

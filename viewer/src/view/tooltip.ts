@@ -1,13 +1,12 @@
 // What is known of the sample under the pointer.
 
 import type { App } from "../model/app";
+import { unitName } from "../model/format";
 import { sampleFrame, triple } from "../model/motion";
 import type { Hover } from "../model/state";
 import type { Spot } from "./projection";
 
 const short = (value: number) => (Number.isFinite(value) ? String(Number(value.toPrecision(6))) : "none");
-
-export const unitName = (unit: string) => (unit === "unknown" ? "units" : unit);
 
 /** Object, frame, position, speed; a line each. */
 export function describe(app: App, { trail: index, sample }: Hover): string {
