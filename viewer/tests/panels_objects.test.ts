@@ -182,6 +182,23 @@ test("names are text, whatever they look like", async () => {
   expect(await page.locator(".reference-name").textContent()).toBe(`relative to ${names[0]}`);
 });
 
+test("an object that is selected elsewhere comes into sight, and is where a selection with Shift begins", async () => {
+  const page = await browser.open({ trails: Array.from({ length: 60 }, (_, i) => arc(`object_${i}`)) });
+  const select = (trail: number) => page.evaluate((index) => window.vantorelixViewer.store.set({ selected: new Set([index]) }), trail);
+  const inSight = (name: string) =>
+    cell(page, name).evaluate((e) => {
+      const [box, list] = [e.getBoundingClientRect(), e.closest(".objects")!.getBoundingClientRect()];
+      return box.top >= list.top - 1 && box.bottom <= list.bottom + 1;
+    });
+  expect(await inSight("object_50")).toBe(false);
+  await select(50);
+  expect(await inSight("object_50")).toBe(true);
+  await cell(page, "object_52").click({ modifiers: ["Shift"] });
+  await expectState(page, "selected", [50, 51, 52]);
+  await select(2);
+  expect(await inSight("object_2")).toBe(true);
+});
+
 test("a thousand objects are searched and selected at once", async () => {
   const page = await browser.open({ trails: Array.from({ length: 1000 }, (_, i) => arc(`object_${i}`)) });
   const spent = await page.evaluate(() => {

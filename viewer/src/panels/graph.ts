@@ -107,7 +107,9 @@ export function buildGraph(app: App): Graph {
   };
   plot.addEventListener("pointermove", (event) => {
     const box = plot.getBoundingClientRect();
-    store.set({ hover: sampleAt(app, trails, place(), event.clientX - box.left, event.clientY - box.top) });
+    const found = sampleAt(app, trails, place(), event.clientX - box.left, event.clientY - box.top);
+    const { hover } = store.state;
+    if (found?.trail !== hover?.trail || found?.sample !== hover?.sample) store.set({ hover: found });
   });
   plot.addEventListener("pointerleave", () => store.set({ hover: null }));
   onDrag(plot, (x) => goTo(app, Math.round(place().scale.frame(x))));

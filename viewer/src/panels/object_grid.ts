@@ -28,6 +28,7 @@ export class ObjectGrid {
     const { store } = app;
     store.subscribe(() => this.update(), ["selected", "hidden", "solo", "relativeTo", "mode"]);
     store.subscribe(() => this.markHovered(), ["hover"]);
+    store.subscribe(() => this.revealChosen(), ["selected"]);
     this.build();
   }
 
@@ -62,6 +63,17 @@ export class ObjectGrid {
     this.hovered?.removeAttribute("data-hovered");
     element?.setAttribute("data-hovered", "");
     this.hovered = element;
+  }
+
+  /** Scrolls the list, and not the page, to the one object that was selected, maybe in the viewport. */
+  private revealChosen(): void {
+    const [chosen, ...more] = this.app.store.state.selected;
+    const element = this.rows[chosen]?.element;
+    if (!element || more.length > 0) return;
+    this.anchor = chosen;
+    const [list, row] = [this.element.getBoundingClientRect(), element.getBoundingClientRect()];
+    if (row.top < list.top) this.element.scrollTop -= list.top - row.top;
+    else if (row.bottom > list.bottom) this.element.scrollTop += row.bottom - list.bottom;
   }
 
   private stop({ row, stop } = this.at): HTMLElement | undefined {
