@@ -246,15 +246,15 @@ void move_locals(Record& r, Block& b) {
   for (std::size_t j = 0; j < 3; ++j) std::copy_n(b.at(Channel::translateX, j), b.size, b.local.at[9 + j]);
 }
 
-// At once for all times around this one at which the parent's matrix is remembered: whoever asked for that one there
-// will ask for this one, too. False, and nothing done, where that is the time of this sample alone, or where there is
-// more to the matrix than channels and a parent.
+// At once for all times around this one at which the parent's matrix is remembered, and that are usual: whoever asked
+// for that one there will ask for this one, too. False, and nothing done, where that is the time of this sample alone,
+// or where there is more to the matrix than channels and a parent.
 bool move_world_ahead(Evaluation& e, Record& r, MatrixChunk& own) {
   if (!r.parent || r.offset_source || drives(r, bit(Channel::rotateOrder) | bit(Channel::inheritsTransform)))
     return false;
   const MatrixChunk* const parents = e.cache.chunk_with(r.parent->cached, e.slot);
   if (parents == nullptr) return false;
-  const std::uint64_t wanted = parents->valid & ~own.valid;
+  const std::uint64_t wanted = parents->valid & ~own.valid & e.cache.usual(e.slot);
   const int place = static_cast<int>(e.slot % MatrixChunk::kSlots);
   const int after = std::countr_one(wanted >> place);
   const int before = std::countl_one(wanted << (63 - place)) - 1;

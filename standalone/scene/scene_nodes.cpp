@@ -264,12 +264,12 @@ void Scene::set_parent(NodeId id, NodeId parent) {
     if (!d.at(parent).channels) throw host::Error("'" + d.unique_name(d.at(parent)) + "' cannot have children.");
     if (is_below(d, parent, id)) throw host::Error("Cannot parent an object to itself or one of its children.");
   }
-  const std::string name = d.text(node);
+  std::string name = d.text(node);
   d.names.remove(node.parent, node.name, id);
   detach(d, node);
   node.parent = parent;
   attach(d, node);
-  node.name = d.names.add(parent, d.names.free_name(parent, name), id);
+  node.name = d.names.add(parent, d.names.free_name(parent, std::move(name)), id);
   ++d.revision;
   std::vector<NodeId> moved;
   collect(d, id, moved);

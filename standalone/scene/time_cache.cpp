@@ -1,5 +1,7 @@
 #include "standalone/scene/time_cache.h"
 
+#include <algorithm>
+
 namespace vantorelix::standalone {
 namespace {
 
@@ -14,6 +16,7 @@ std::size_t scattered(std::uint64_t bits) {
 void TimeCache::clear() {
   ++epoch_;
   used_ = missing_ = found_ = 0;
+  std::fill(asked_.begin(), asked_.end(), 0);
 }
 
 TimeCache::Slot TimeCache::look_up(double time) {
@@ -31,6 +34,7 @@ TimeCache::Slot TimeCache::look_up(double time) {
     slot = table_[at] = static_cast<Slot>(times_.size());
     times_.push_back(time);
     following_.push_back({});
+    asked_.push_back(0);
   }
   if (last_ < following_.size()) following_[last_] = {slot, following_[last_][0]};
   return last_ = slot;
@@ -43,6 +47,16 @@ void TimeCache::grow() {
     while (table_[at] != kNone) at = (at + 1) & (table_.size() - 1);
     table_[at] = static_cast<Slot>(i);
   }
+}
+
+std::uint64_t TimeCache::usual(Slot slot) const {
+  constexpr std::uint32_t kAbout = 8;  // a frame on keys is asked for several times a node
+  const std::size_t first = slot - slot % MatrixChunk::kSlots;
+  const std::size_t count = std::min<std::size_t>(MatrixChunk::kSlots, asked_.size() - first);
+  const std::uint32_t least = asked_[slot] / kAbout;
+  std::uint64_t bits = 0;
+  for (std::size_t i = 0; i < count; ++i) bits |= std::uint64_t{asked_[first + i] > least} << i;
+  return bits | std::uint64_t{1} << slot % MatrixChunk::kSlots;
 }
 
 MatrixChunk* TimeCache::chunk_for(CachedMatrices& node, Slot slot) {
@@ -75,6 +89,7 @@ void TimeCache::start_anew() {
   clear();
   times_.clear();
   following_.clear();
+  asked_.clear();
   table_.assign(table_.size(), kNone);
   last_ = kNone;
   useless_ = false;

@@ -89,9 +89,12 @@ class TimeCache {
     // Objects are sampled one after another at the same times in the same two orders: for their trails and at keys.
     if (last_ < following_.size())
       for (const Slot next : following_[last_])
-        if (bits_of(times_[next]) == bits) return last_ = next;
-    return look_up(frame);
+        if (bits_of(times_[next]) == bits) return note(last_ = next);
+    return note(look_up(frame));
   }
+  // A bit for each time of the slot's chunk that was asked for about as often as the slot's since the last clear():
+  // what the next node will be asked for, too. One node's own keys are not.
+  std::uint64_t usual(Slot slot) const;
   // From a slot on, the times of all.
   const double* times(Slot slot) const { return times_.data() + slot; }
   // None when it is not there.
@@ -113,6 +116,10 @@ class TimeCache {
  private:
   static std::uint64_t bits_of(double time) { return std::bit_cast<std::uint64_t>(time); }
   Slot look_up(double time);
+  Slot note(Slot slot) {
+    if (slot != kNone) ++asked_[slot];
+    return slot;
+  }
   void grow();
   void note_missing();
   void start_anew();
@@ -123,6 +130,7 @@ class TimeCache {
   std::size_t missing_ = 0, found_ = 0;         // misses count from when it was full
   std::vector<double> times_;                   // by slot; told apart by their bits
   std::vector<std::array<Slot, 2>> following_;  // by slot: what was asked after it, the two latest
+  std::vector<std::uint32_t> asked_;            // by slot: how often
   std::vector<Slot> table_;                     // open addressing over the bits; kNone where empty; a power of two
   Slot last_ = kNone;
   bool useless_ = false;

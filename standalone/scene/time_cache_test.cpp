@@ -30,6 +30,21 @@ TEST(TimeCache, FindsWhatWasPlacedUntilItIsCleared) {
   EXPECT_FALSE(cache.find(node, slot));
 }
 
+TEST(TimeCache, UsualAreTheTimesOfAChunkThatManyNodesAreAskedFor) {
+  TimeCache cache;
+  const auto bit = [](TimeCache::Slot slot) { return std::uint64_t{1} << slot % MatrixChunk::kSlots; };
+  for (int frame = 0; frame < 100; ++frame) cache.slot(frame);
+  const TimeCache::Slot first = cache.slot(0), last = cache.slot(63), next_chunk = cache.slot(64);
+  EXPECT_EQ(cache.usual(first), ~std::uint64_t{0});
+  EXPECT_EQ(cache.usual(next_chunk), (std::uint64_t{1} << 36) - 1);
+  for (int node = 0; node < 20; ++node)
+    for (int frame = 0; frame < 63; ++frame) cache.slot(frame);
+  EXPECT_EQ(cache.usual(first), ~bit(last)) << "one node's own";
+  EXPECT_EQ(cache.usual(last), ~std::uint64_t{0});
+  cache.clear();
+  EXPECT_EQ(cache.usual(cache.slot(5)), bit(cache.slot(5)));
+}
+
 TEST(TimeCache, KeepsWithinItsMemory) {
   TimeCache cache;
   std::vector<CachedMatrices> nodes(5000);
