@@ -180,7 +180,8 @@ describe("the spacing graph", () => {
   });
 
   test("draws one trail in its spacing colours, several in the objects'", async () => {
-    const page = await browser.open({ ...figures(), trails: [arc("a", { colors: new Array(24).fill([255, 0, 255]) }), arc("b"), arc("c")] });
+    const colors = new Array(24).fill([255, 0, 255]);
+    const page = await browser.open({ ...figures(), trails: ["a", "b", "c"].map((name) => arc(name, { colors })) });
     await expect.poll(async () => (await inkOf(page, ".curves"))["255,0,255"] ?? 0).toBeGreaterThan(1000);
     await page.getByRole("button", { name: "All", exact: true }).click();
     await expect.poll(async () => (await inkOf(page, ".curves"))["255,0,255"] ?? 0).toBe(0);
@@ -213,8 +214,9 @@ describe("the spacing graph", () => {
     await expectState(page, "hover", { trail: 0, sample: 19 });
     await page.mouse.click(plot.x + frameX(8), plot.y + 60);
     await expectState(page, "frame", 8);
-    await page.mouse.move(plot.x + 300, plot.y - 300);
-    await expect.poll(() => page.locator("[data-hovered]").count()).toBe(0);
+    await expectState(page, "hover", { trail: 0, sample: 7 });
+    await page.mouse.move(plot.x + 300, plot.y - 10); // to the names above it
+    await expectState(page, "hover", null);
   });
 
   test("shows the sample that the viewport points at", async () => {
