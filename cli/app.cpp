@@ -77,7 +77,8 @@ int run(int argc, const char* const* argv) {
   program.footer(kFooter);
   add_common_options(program, common);
   std::vector<Command> commands;
-  for (const auto add : {add_trails, add_view, add_info, add_curves, add_live, add_completion}) commands.push_back(add(program));
+  for (const auto add : {add_trails, add_view, add_info, add_curves, add_live, add_completion})
+    commands.push_back(add(program));
   for (const Command& command : commands) add_common_options(*command.app, common);
 
   try {

@@ -119,7 +119,7 @@ double rate_of(const ufbx_scene_settings& settings) {
 FbxDocument load_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options) {
   Progress progress(options);
   ufbx_load_opts load = {};
-  load.ignore_geometry = true;
+  load.ignore_geometry = !options.bounds;
   load.ignore_embedded = true;
   load.node_depth_limit = kMaxDepth;
   load.temp_allocator.memory_limit = kFbxMemoryBase + kFbxMemoryMultiple * bytes.size();

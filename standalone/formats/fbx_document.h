@@ -13,9 +13,10 @@ namespace vantorelix::standalone {
 
 using FbxDocument = std::shared_ptr<const ufbx_scene>;
 
-// Parses everything but geometry and embedded files, and opens no other file. Throws FormatError. Memory: at most
-// kFbxMemoryMultiple times the file and kFbxMemoryBase bytes while it parses, and as much for the document; a usual
-// file takes a tenth of that multiple. The scene made of it takes at most four times the document.
+// Parses everything but embedded files, and geometry only where its bounds are wanted; opens no other file. Throws
+// FormatError. Memory: at most kFbxMemoryMultiple times the file and kFbxMemoryBase bytes while it parses, and as much
+// for the document; a usual file takes a tenth of that multiple. The scene made of it takes at most four times the
+// document.
 inline constexpr std::size_t kFbxMemoryMultiple = 128;
 inline constexpr std::size_t kFbxMemoryBase = std::size_t{64} << 20;
 FbxDocument load_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options);

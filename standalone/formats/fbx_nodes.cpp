@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "standalone/formats/bounds_draft.h"
 #include "standalone/formats/fbx_properties.h"
 #include "standalone/formats/fbx_reader.h"
 #include "standalone/scene/rotation.h"
@@ -82,6 +83,7 @@ void FbxReader::create_nodes() {
     keep_name_in_file(scene_, id, name);
     ids_[node->typed_id] = id;
     place(*node, id);
+    if (node->mesh != nullptr) find_bounds(*node, id);
     if (converts_ && parent == kWorld) scene_.set_offset_parent_matrix(id, conversion_);
   }
 }
@@ -105,6 +107,17 @@ void FbxReader::place(const ufbx_node& node, NodeId id) {
   }
   const bool inherits = node.inherit_mode == UFBX_INHERIT_MODE_NORMAL;
   if (scene_.type(id) == "joint") scene_.set_channel(id, Channel::segmentScaleCompensate, inherits ? 0.0 : 1.0);
+}
+
+// Of the mesh as its file has it, without skins and the like. None where geometry is not read.
+void FbxReader::find_bounds(const ufbx_node& node, NodeId id) {
+  if (!options_.bounds) return;
+  BoundsDraft draft;
+  for (const ufbx_vec3& vertex : node.mesh->vertices) {
+    const ufbx_vec3 p = ufbx_transform_position(&node.geometry_to_node, vertex);
+    draft.add({p.x, p.y, p.z});
+  }
+  draft.assign_to(scene_, id);
 }
 
 NodeId FbxReader::id_of(const ufbx_node& node) const { return ids_[node.typed_id]; }

@@ -51,6 +51,7 @@ class FbxReader {
   void create_nodes();
   void place(const ufbx_node& node, NodeId id);
   bool is_joint(const ufbx_node& node) const;
+  void find_bounds(const ufbx_node& node, NodeId id);
 
   // --- fbx_animation.cpp
   void collect_animation();

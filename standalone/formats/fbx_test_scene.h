@@ -79,6 +79,15 @@ class FbxText {
     connections_ << "C: \"OP\"," << id << "," << driven << ", \"d|" << axis << "\"\n";
     return *this;
   }
+  // One triangle as the geometry of a node.
+  FbxText& triangle(const std::string& node, const std::array<double, 9>& corners) {
+    const int id = begin("Geometry", "Geometry", node, "Mesh");
+    objects_ << "Vertices: *9 {\na: ";
+    for (std::size_t i = 0; i < corners.size(); ++i) objects_ << (i == 0 ? "" : ",") << corners[i];
+    objects_ << "\n}\nPolygonVertexIndex: *3 {\na: 0,1,-3\n}\n}\n";
+    connect(id, nodes_.at(node));
+    return *this;
+  }
   FbxText& constraint(const std::string& type, const std::string& node) {
     const int id = begin("Constraint", "Constraint", "hold", type);
     objects_ << "Type: \"" << type << "\"\nProperties70: {\nP: \"Active\", \"bool\", \"\", \"\",1\n}\n}\n";

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/error.h"
+#include "standalone/formats/bounds_draft.h"
 #include "standalone/formats/gltf_animation.h"
 #include "standalone/formats/gltf_document.h"
 #include "standalone/formats/gltf_matrix.h"
@@ -136,6 +137,23 @@ class GltfReader {
     } else {
       place(source, node);
     }
+    if (options_.bounds && source.mesh != nullptr) find_bounds(*source.mesh, node);
+  }
+
+  // As the file tells them beside the positions, which need not be read.
+  void find_bounds(const cgltf_mesh& mesh, NodeId node) {
+    BoundsDraft draft;
+    for (const cgltf_primitive* part = mesh.primitives; part != mesh.primitives + mesh.primitives_count; ++part) {
+      for (const cgltf_attribute* a = part->attributes; a != part->attributes + part->attributes_count; ++a) {
+        if (a->type != cgltf_attribute_type_position || a->data == nullptr) continue;
+        const cgltf_accessor& positions = *a->data;
+        const bool told = positions.has_min && positions.has_max && positions.type == cgltf_type_vec3;
+        if (!told || positions.component_type != cgltf_component_type_r_32f) continue;
+        draft.add({positions.min[0], positions.min[1], positions.min[2]});
+        draft.add({positions.max[0], positions.max[1], positions.max[2]});
+      }
+    }
+    draft.assign_to(scene_, node);
   }
 
   std::array<double, 16> matrix_of(const cgltf_node& source) const {

@@ -1,6 +1,7 @@
 // connectAttr: what drives what, and what of it cannot be followed.
 #include <string>
 
+#include "standalone/formats/bounds_draft.h"
 #include "standalone/formats/maya_reader.h"
 
 namespace vantorelix::standalone {
@@ -68,6 +69,7 @@ void MayaReader::connect(std::string_view source, std::string_view destination) 
     note("a connection comes from a node that is not in the file; import the reference it comes from");
     driver = scene_.create_node("unknown", from_name);
   }
+  if (bounds_ && scene_.type(target) == "mesh") add_primitive(driver, target);
   scene_.connect(driver, declared(driver, from), target, declared(target, to));
   if (scene_.type(target) == "reference" && scene_.is_curve(driver)) {
     note("an animation curve moves something in the missing reference '" + std::string(scene_.short_name(target)) +
@@ -75,6 +77,23 @@ void MayaReader::connect(std::string_view source, std::string_view destination) 
   } else if (can_move(target, to)) {
     note_driver(driver, target);
   }
+}
+
+void MayaReader::add_primitive(NodeId maker, NodeId mesh) {
+  const std::string& type = scene_.type(maker);
+  if (!is_primitive(type)) return;
+  const auto half = [&](const char* brief, const char* full) {
+    for (const char* name : {brief, full})
+      if (scene_.has_attribute(maker, name)) return scene_.attribute(maker, name).to_float() / 2.0;
+    return 0.5;
+  };
+  // A plane lies on the ground, and its height is its depth.
+  host::Vector corner{half("w", "width"), half("h", "height"), half("d", "depth")};
+  if (type == "polyPlane") corner = {corner.x, 0.0, corner.y};
+  BoundsDraft draft(scene_, mesh);
+  draft.add(corner);
+  draft.add({-corner.x, -corner.y, -corner.z});
+  draft.assign_to(scene_, mesh);
 }
 
 // Whether the attribute bears on a position, be it through the nodes that are followed.

@@ -45,7 +45,7 @@ bool is_switched_on(const std::string& word) { return word != "off" && word != "
 }  // namespace
 
 MayaReader::MayaReader(ByteSource& source, const ReadOptions& options, std::size_t window)
-    : in_(source, options, window), words_(in_), radians_(std::numbers::pi / 180.0) {}
+    : in_(source, options, window), words_(in_), bounds_(options.bounds), radians_(std::numbers::pi / 180.0) {}
 
 Scene MayaReader::read() {
   check_kind_of_file();

@@ -24,6 +24,9 @@ struct ChannelName {
 // Long or short; null for a name that is no channel.
 const ChannelName* channel_attribute(std::string_view name);
 
+// What makes the surface of a mesh from a few numbers, which tell its bounds.
+inline bool is_primitive(std::string_view type) { return type == "polyCube" || type == "polyPlane"; }
+
 // Statements act on the scene as they come. What cannot move anything is passed over in silence; what can, and cannot
 // be followed, is noted as a warning once a kind, with a count.
 class MayaReader {
@@ -55,6 +58,7 @@ class MayaReader {
   void set_offset_parent_matrix(NodeId node);
   void set_curve_shape(NodeId node);
   void set_script();
+  void add_vertices(NodeId mesh);
   void set_number(NodeId node, const std::string& attribute);
   bool read_numbers(std::size_t limit);
   CurveDraft& draft(NodeId curve);
@@ -64,6 +68,7 @@ class MayaReader {
   void read_connect();
   void read_disconnect();
   void connect(std::string_view source, std::string_view destination);
+  void add_primitive(NodeId maker, NodeId mesh);
   bool can_move(NodeId destination, std::string_view attribute) const;
   void note_driver(NodeId source, NodeId destination);
   void hold_as_unfollowed(NodeId driver, NodeId node);
@@ -86,6 +91,7 @@ class MayaReader {
   Word argument_;
   std::vector<double> numbers_;
   bool known_statement_ = false;
+  bool bounds_;  // of meshes are wanted
   bool has_range_ = false;
 
   // Units of the file.

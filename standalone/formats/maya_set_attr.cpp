@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/error.h"
+#include "standalone/formats/bounds_draft.h"
 #include "standalone/formats/maya_reader.h"
 
 namespace vantorelix::standalone {
@@ -111,6 +112,9 @@ void MayaReader::set_values(NodeId node, std::string_view attribute, const std::
     if (scene_.short_name(node) == "sceneConfigurationScriptNode") set_script();
     return;
   }
+  if (bounds_ && node_type == "mesh" && (attribute.starts_with("vt[") || attribute.starts_with("vrts[")))
+    return add_vertices(node);
+  if (bounds_ && is_primitive(node_type)) return set_number(node, std::string(attribute));
   const std::string_view full = declared(node, attribute);
   if (node_type == "unitConversion" || node_type == "pairBlend" || full != attribute) {
     set_number(node, std::string(full));
@@ -177,6 +181,13 @@ void MayaReader::set_script() {
     if (word_.is_string && script.size() + word_.text.size() < (std::size_t{1} << 20)) script += word_.text;
   }
   read_playback(" " + script);
+}
+
+void MayaReader::add_vertices(NodeId mesh) {
+  BoundsDraft draft(scene_, mesh);
+  host::Vector p;
+  while (words_.next_number(p.x) && words_.next_number(p.y) && words_.next_number(p.z)) draft.add(p);
+  draft.assign_to(scene_, mesh);
 }
 
 void MayaReader::set_number(NodeId node, const std::string& attribute) {

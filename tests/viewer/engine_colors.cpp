@@ -1,6 +1,7 @@
 // The engine's colours, for tests that compare the page's with them. Reads one JSON object from standard input,
 //
-//   {"ramp": [t ...], "cases": [{"mode": 0|2|3, "n": , "start": , "step": , "keys": [frame ...], "current": frame} ...]}
+//   {"ramp": [t ...], "cases": [{"mode": 0|2|3, "n": , "start": , "step": , "keys": [frame ...], "current": frame}
+//   ...]}
 //
 // and writes {"ramp": [[r, g, b] ...], "cases": [[[r, g, b] ...] ...]}. The modes are those whose colours do not depend
 // on positions: 0 standard, 2 flow, 3 beats.

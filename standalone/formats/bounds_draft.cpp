@@ -1,0 +1,34 @@
+#include "standalone/formats/bounds_draft.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <vector>
+
+#include "standalone/formats/reader.h"
+
+namespace vantorelix::standalone {
+
+using host::Vector;
+
+BoundsDraft::BoundsDraft(const Scene& scene, NodeId node) {
+  const host::Vectors bounds = scene.vectors(node, kBounds);
+  if (!bounds) return;
+  for (const Vector& corner : *bounds) add(corner);
+}
+
+void BoundsDraft::add(const Vector& p) {
+  if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z)) return;
+  if (empty_) low_ = high_ = p;
+  empty_ = false;
+  low_ = {std::min(low_.x, p.x), std::min(low_.y, p.y), std::min(low_.z, p.z)};
+  high_ = {std::max(high_.x, p.x), std::max(high_.y, p.y), std::max(high_.z, p.z)};
+}
+
+void BoundsDraft::assign_to(Scene& scene, NodeId node) const {
+  const std::vector<Vector> cube = {{-0.5, -0.5, -0.5}, {0.5, 0.5, 0.5}};
+  const std::vector<Vector> corners = {low_, high_};
+  scene.set_vectors(node, kBounds, std::make_shared<const std::vector<Vector>>(empty_ ? cube : corners));
+}
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,25 @@
+// The box around a surface while it is read. For the files of this folder only.
+#pragma once
+
+#include "host/vector.h"
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::standalone {
+
+class BoundsDraft {
+ public:
+  // Empty, or what the node has already.
+  BoundsDraft() = default;
+  BoundsDraft(const Scene& scene, NodeId node);
+
+  // Leaves out what is not finite.
+  void add(const host::Vector& p);
+  // Gives the node kBounds: a cube of one unit around its origin where the draft is empty.
+  void assign_to(Scene& scene, NodeId node) const;
+
+ private:
+  host::Vector low_, high_;
+  bool empty_ = true;
+};
+
+}  // namespace vantorelix::standalone
