@@ -7,7 +7,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace vantorelix::standalone;
   try {
-    use(read_fbx({reinterpret_cast<const char*>(data), size}, "fuzz"));
+    use(read_fbx({reinterpret_cast<const char*>(data), size}, "fuzz", with_bounds()));
   } catch (const FormatError&) {
     // The one way to refuse a file.
   }

@@ -8,6 +8,12 @@
 
 namespace vantorelix::standalone {
 
+inline ReadOptions with_bounds() {
+  ReadOptions options;
+  options.bounds = true;
+  return options;
+}
+
 // Asks for what the program would: positions by both roads, keys, names, drivers. Few nodes and frames, so that a run
 // spends its time in the reader. Traps where the two roads disagree.
 inline void use(const Scene& scene) {
