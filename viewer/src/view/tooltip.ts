@@ -28,7 +28,7 @@ export class Tooltip {
 
   constructor() {
     this.element.className = "tooltip";
-    this.element.setAttribute("role", "status");
+    this.element.setAttribute("role", "tooltip");
     this.element.hidden = true;
   }
 
