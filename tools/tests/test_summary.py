@@ -13,6 +13,9 @@ import summary  # noqa: E402
 GTEST = """<testsuites><testsuite>
 <testcase name="a" status="run"/><testcase name="b" status="run">%s</testcase><testcase name="c" status="notrun"/>
 </testsuite></testsuites>"""
+VITEST = """<testsuites tests="3"><testsuite name="tests/a.test.ts"><testcase classname="tests/a.test.ts" name="a"></testcase>
+<testcase classname="tests/a.test.ts" name="b"><failure message="m">why</failure></testcase>
+<testcase classname="tests/a.test.ts" name="c"><skipped/></testcase></testsuite></testsuites>"""
 CTEST = '<testsuite><testcase name="unit" status="%s"/><testcase name="house" status="%s"/></testsuite>'
 
 
@@ -37,6 +40,11 @@ class Summary(unittest.TestCase):
         self.write("ctest.xml", CTEST % ("run", "run"))
         self.write("unit.xml", GTEST % "")
         self.assertEqual(self.run_summary(0), (0, "3 passed, 0 failed"))
+
+    def test_the_report_of_the_page_s_tests_counts_like_the_others(self):
+        self.write("ctest.xml", '<testsuite><testcase name="viewer" status="fail"/></testsuite>')
+        self.write("viewer.xml", VITEST)
+        self.assertEqual(self.run_summary(8), (1, "1 passed, 1 failed"))
 
     def test_a_failed_case_and_a_failed_program_count_once_each(self):
         self.write("ctest.xml", CTEST % ("fail", "fail"))
