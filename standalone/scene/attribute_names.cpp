@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -54,6 +55,8 @@ constexpr std::array<BlendNames, 6> kBlend = {{{"inTranslate", "it", "1"},
                                                {"outTranslate", "ot", ""},
                                                {"outRotate", "or", ""}}};
 
+std::size_t hash_of(std::string_view name) { return std::hash<std::string_view>()(name); }
+
 // What a name means, by the kind of node.
 struct Meanings {
   AttributeId transform = AttributeNames::kNone, blend = AttributeNames::kNone, rest = AttributeNames::kNone;
@@ -64,14 +67,24 @@ struct Known {
   Known();
 
   std::array<std::string, attribute::known_count> texts;
-  std::deque<std::string> brief_texts;
-  std::unordered_map<std::string_view, Meanings> meanings;
+  std::vector<std::pair<std::string, Meanings>> names;  // long and short
+  HashIndex places;                                     // of the names
 
-  void add(Meaning meaning, AttributeId id, std::string full, std::string brief) {
-    for (const std::string_view name : {std::string_view(texts[id] = std::move(full)),
-                                        std::string_view(brief_texts.emplace_back(std::move(brief)))}) {
-      AttributeId& place = meanings[name].*meaning;
-      if (place == AttributeNames::kNone) place = id;
+  // A place in `names`, or HashIndex::kNone.
+  std::uint32_t find(std::string_view name, std::size_t hash) const {
+    return places.find(hash, [&](std::uint32_t other) { return names[other].first == name; });
+  }
+  void add(Meaning meaning, AttributeId id, const std::string& full, const std::string& brief) {
+    texts[id] = full;
+    for (const std::string& name : {full, brief}) {
+      std::uint32_t place = find(name, hash_of(name));
+      if (place == HashIndex::kNone) {
+        place = static_cast<std::uint32_t>(names.size());
+        places.insert(hash_of(name), place);
+        names.push_back({name, {}});
+      }
+      AttributeId& means = names[place].second.*meaning;
+      if (means == AttributeNames::kNone) means = id;
     }
   }
 };
@@ -140,11 +153,7 @@ std::string_view plain(std::string_view name) {
   return name;
 }
 
-AttributeId find_known(NameSet set, std::string_view name) {
-  if (const auto dot = name.rfind('.'); dot != std::string_view::npos) name.remove_prefix(dot + 1);
-  const auto found = known().meanings.find(name);
-  if (found == known().meanings.end()) return AttributeNames::kNone;
-  const Meanings& means = found->second;
+AttributeId meant(NameSet set, const Meanings& means) {
   const bool channels = set == NameSet::joint || (set == NameSet::transform && !only_on_joints(means.transform));
   if (channels && means.transform != AttributeNames::kNone) return means.transform;
   if (set == NameSet::pair_blend && means.blend != AttributeNames::kNone) return means.blend;
@@ -167,19 +176,23 @@ bool is_angle(Channel c) {
 
 AttributeId AttributeNames::find(NameSet set, std::string_view name) const {
   name = plain(name);
-  const AttributeId fixed = find_known(set, name);
-  if (fixed != kNone) return fixed;
-  const auto found = own_.find(name);
-  return found == own_.end() ? kNone : found->second;
+  const std::string_view last = name.substr(name.rfind('.') + 1);
+  const std::size_t hash = hash_of(last);
+  const std::uint32_t place = known().find(last, hash);
+  if (place != HashIndex::kNone)
+    if (const AttributeId id = meant(set, known().names[place].second); id != kNone) return id;
+  const std::uint32_t own = own_.find(last.size() == name.size() ? hash : hash_of(name),
+                                      [&](std::uint32_t other) { return own_texts_[other] == name; });
+  return own == HashIndex::kNone ? kNone : attribute::known_count + own;
 }
 
 AttributeId AttributeNames::intern(NameSet set, std::string_view name) {
   const AttributeId id = find(set, name);
   if (id != kNone) return id;
+  const auto fresh = static_cast<AttributeId>(own_texts_.size());
   own_texts_.emplace_back(plain(name));
-  const auto fresh = static_cast<AttributeId>(attribute::known_count + own_texts_.size() - 1);
-  own_.emplace(own_texts_.back(), fresh);
-  return fresh;
+  own_.insert(hash_of(own_texts_.back()), fresh);
+  return attribute::known_count + fresh;
 }
 
 const std::string& AttributeNames::text(AttributeId id) const {

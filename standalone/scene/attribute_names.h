@@ -5,8 +5,8 @@
 #include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
+#include "standalone/scene/hash_index.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::standalone {
@@ -82,7 +82,7 @@ class AttributeNames {
 
  private:
   std::deque<std::string> own_texts_;  // from attribute::known_count on
-  std::unordered_map<std::string_view, AttributeId> own_;
+  HashIndex own_;                      // of own_texts_
 };
 
 }  // namespace vantorelix::standalone
