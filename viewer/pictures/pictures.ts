@@ -53,7 +53,7 @@ async function main(pages: string, out: string, names: string[]): Promise<void> 
     await page.goto(`${pathToFileURL(resolve(pages, shot.page)).href}#${shot.hash}`);
     await page.waitForSelector("html[data-ready=true]", { state: "attached" });
     await shot.before?.(page);
-    await page.waitForTimeout(800);
+    await page.waitForSelector(".viewport[data-drawn=still]");
     const path = join(out, `${name}.png`);
     await (shot.of ? page.locator(shot.of).first().screenshot({ path }) : page.screenshot({ path }));
     console.log(path);

@@ -54,7 +54,7 @@ async function viewportBox(page: Page) {
 async function pointAt(page: Page, { x, y }: { x: number; y: number }): Promise<void> {
   const box = await viewportBox(page);
   await page.mouse.move(box.x + x, box.y + y);
-  await page.waitForTimeout(300);
+  await page.evaluate(() => new Promise((drawn) => requestAnimationFrame(() => requestAnimationFrame(drawn))));
 }
 
 /** The point of the arc between this sample and the next. */
@@ -370,7 +370,6 @@ test("a thousand trails of a thousand samples are drawn plainly while they turn"
   const stride = () => page.locator(".viewport").getAttribute("data-stride");
   expect(Number(await stride())).toBeGreaterThan(1);
   await page.keyboard.press("l");
-  await page.waitForTimeout(100);
   expect(Number(await stride())).toBeGreaterThan(1);
   const picture = await Picture.ofViewport(page);
   expect(picture.pixelsOf(TEAL).length).toBeGreaterThan(3000);

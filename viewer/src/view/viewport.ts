@@ -194,6 +194,7 @@ export class Viewport {
   /** Something moves: draw soon and quickly, and once more when all is still. */
   private changed(): void {
     this.moving = true;
+    this.host.dataset.drawn = "moving";
     clearTimeout(this.settleTimer);
     this.settleTimer = window.setTimeout(() => this.settle(), SETTLED);
     this.ask();
@@ -240,6 +241,7 @@ export class Viewport {
     }
     this.drawOverlay(drawing);
     this.host.dataset.stride = String(drawing.stride);
+    this.host.dataset.drawn = moving ? "moving" : "still";
   }
 
   private drawOverlay(drawing: Drawing): void {

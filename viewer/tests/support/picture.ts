@@ -87,8 +87,8 @@ export const near = (a: Vec3, b: Vec3, tolerance = 12): boolean => a.every((c, k
 export const distanceTo = (points: readonly Point[], { x, y }: Point): number =>
   points.reduce((least, p) => Math.min(least, Math.hypot(p.x - x, p.y - y)), Infinity);
 
-/** Waits until the viewport has drawn everything in full and the state is in the hash. */
-export const settle = (page: Page): Promise<void> => page.waitForTimeout(700);
+/** Waits until the viewport has drawn everything as it is when nothing moves; the hash has the state by then. */
+export const settle = (page: Page) => page.waitForSelector(".viewport[data-drawn=still]");
 
 /** Points along a polyline, at most `apart` from each other. */
 export function along(corners: readonly Point[], apart = 1): Point[] {
