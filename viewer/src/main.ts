@@ -5,6 +5,7 @@ import { embeddedSource } from "./source/embedded";
 import type { Scene } from "./source/trail";
 import type { App } from "./model/app";
 import { listenToKeys } from "./model/commands";
+import { baseName } from "./model/format";
 import { KEPT, readHash, writeHash } from "./model/hash";
 import { Motion } from "./model/motion";
 import { bestDirection, boundsOf, framing } from "./model/pose";
@@ -35,10 +36,11 @@ function keepStateInHash(store: Store, initial: typeof store.state, trailCount: 
   );
 }
 
-/** What a page that just opened looks from. */
-function opening(scene: Scene, motion: Motion, aspect: number): CameraPose {
+/** From where a page that just opened looks, for a viewport of an aspect. Asks all samples once. */
+function opening(scene: Scene, motion: Motion): (aspect: number) => CameraPose {
   const box = boundsOf(motion, motion.trails.keys(), scene.upAxis);
-  return framing(box, "persp", aspect, bestDirection(motion, box, scene.upAxis));
+  const direction = bestDirection(motion, box, scene.upAxis);
+  return (aspect) => framing(box, "persp", aspect, direction);
 }
 
 function save(name: string, content: Blob): void {
@@ -53,16 +55,21 @@ function start(root: HTMLElement): void {
   const source = embeddedSource();
   const { scene } = source;
   const motion = new Motion(source.trails());
-  const initial = initialState(scene, motion.trails, opening(scene, motion, 1.5));
+  let open = opening(scene, motion);
+  const initial = initialState(scene, motion.trails, open(1.5));
   const said = readHash(location.hash, initial, motion.trails.length);
   const store = new Store({ ...initial, ...said });
-  motion.relativeTo(store.state.relativeTo);
+  const relate = (trail: number | null) => {
+    motion.relativeTo(trail);
+    open = opening(scene, motion);
+  };
+  if (store.state.relativeTo !== null) relate(store.state.relativeTo);
   store.subscribe((state, changed) => {
-    motion.relativeTo(state.relativeTo);
-    if (!changed.has("camera")) store.set({ camera: opening(scene, motion, state.aspect) }); // it moves elsewhere now
+    relate(state.relativeTo);
+    if (!changed.has("camera")) store.set({ camera: open(state.aspect) }); // it moves elsewhere now
   }, ["relativeTo"]);
 
-  document.title = `${scene.name.split(/[\\/]/).pop()}: motion trails`;
+  document.title = `${baseName(scene.name)}: motion trails`;
   let viewport: Viewport | null = null;
   const app: App = {
     scene, motion, store, save,
@@ -71,7 +78,7 @@ function start(root: HTMLElement): void {
   };
   const page = buildPage(app, root);
   viewport = new Viewport(app, page.viewport);
-  if (!said.camera) store.set({ camera: opening(scene, motion, store.state.aspect) }); // the viewport has a size now
+  if (!said.camera) store.set({ camera: open(store.state.aspect) }); // the viewport has a size now
   source.subscribe(() => {
     motion.trails = source.trails();
     viewport!.trailsChanged();
@@ -82,7 +89,6 @@ function start(root: HTMLElement): void {
   keepStateInHash(store, { ...initial, camera: said.camera ? initial.camera : store.state.camera }, motion.trails.length);
   window.vantorelixViewer = app;
   document.documentElement.dataset.ready = "true";
-  performance.mark("ready");
 }
 
 const root = document.getElementById("app")!;

@@ -1,15 +1,15 @@
-// The four colour modes, by the rules of the engine. Channels are 0..1 here, as the engine has them; flat arrays of
-// triples. A test compares every function with the engine's own.
+// The four colour modes, by the rules of the engine: what a sample's colour is, in channels of 0..1 as the engine has
+// them. A test compares every function with the engine's own. What is drawn has 0..255 a channel, flat, a triple a sample.
 
 import type { ColorMode, Trail } from "../source/trail";
 
 export type Rgb = readonly [number, number, number];
 
-export const STANDARD: Rgb = [0.15, 0.75, 0.65];
-export const PAST: Rgb = [1.0, 0.75, 0.0];
-export const FUTURE: Rgb = [0.0, 0.65, 0.65];
-export const ODD_BEAT: Rgb = [0.15, 0.85, 0.25];
-export const EVEN_BEAT: Rgb = [1.0, 1.0, 1.0];
+const STANDARD: Rgb = [0.15, 0.75, 0.65];
+const PAST: Rgb = [1.0, 0.75, 0.0];
+const FUTURE: Rgb = [0.0, 0.65, 0.65];
+const ODD_BEAT: Rgb = [0.15, 0.85, 0.25];
+const EVEN_BEAT: Rgb = [1.0, 1.0, 1.0];
 
 type Stop = readonly [number, Rgb];
 
@@ -84,6 +84,8 @@ export const SAFE_RAMP: readonly Stop[] = [
   [0.85, [0.89, 0.8, 0.3]],
   [1.0, [1.0, 0.93, 0.2]],
 ];
+
+/** The same for the colours of the other modes. */
 const SAFE: ReadonlyMap<Rgb, Rgb> = new Map([
   [PAST, [0.9, 0.6, 0.0]],
   [FUTURE, [0.0, 0.45, 0.7]],
@@ -93,8 +95,7 @@ const SAFE: ReadonlyMap<Rgb, Rgb> = new Map([
 
 export type Palette = "engine" | "safe";
 
-/** A colour of a mode as a palette has it. */
-export const inPalette = (color: Rgb, palette: Palette): Rgb => (palette === "safe" ? (SAFE.get(color) ?? color) : color);
+const inPalette = (color: Rgb, palette: Palette): Rgb => (palette === "safe" ? (SAFE.get(color) ?? color) : color);
 
 function paint(n: number, colorOf: ColorOf, palette: Palette): Uint8Array {
   const values = new Uint8Array(3 * n);
@@ -134,6 +135,10 @@ export function trailColors(trail: Trail, mode: ColorMode, currentFrame: number,
       return paint(count, beatsColor(startFrame, frameStep, keyTimes), palette);
   }
 }
+
+/** One of such colours as a style sheet writes it. */
+export const rgbText = (values: Uint8Array, sample: number): string =>
+  `rgb(${values[3 * sample]},${values[3 * sample + 1]},${values[3 * sample + 2]})`;
 
 /** Colours that tell objects apart, also with the commoner kinds of colour blindness; in order, then again. */
 export const OBJECT_COLORS: readonly string[] = [

@@ -4,6 +4,7 @@ import { COLOR_MODES, type ColorMode } from "../source/trail";
 import { selectionCsv } from "../export/csv";
 import type { App } from "./app";
 import { countUpTo } from "./colors";
+import { baseName } from "./format";
 import { bestDirection, boundsOf, framing, movedTarget, visibleTrails } from "./pose";
 import { isVisible, toggled, type ViewName } from "./state";
 
@@ -69,7 +70,8 @@ function frameSelected(app: App): void {
 function look(app: App, view: ViewName): void {
   const { state } = app.store;
   const box = boundsOf(app.motion, visibleTrails(app.motion, state), app.scene.upAxis);
-  app.store.set({ camera: framing(box, view, state.aspect, bestDirection(app.motion, box, app.scene.upAxis)) });
+  const direction = view === "persp" ? bestDirection(app.motion, box, app.scene.upAxis) : state.camera;
+  app.store.set({ camera: framing(box, view, state.aspect, direction) });
 }
 
 /** Turns around the target; views along an axis stay as they are. */
@@ -104,7 +106,7 @@ function setMode(app: App, mode: ColorMode): void {
 
 /** A file name from the scene's. */
 const fileName = (app: App, ending: string) =>
-  (app.scene.name.split(/[\\/]/).pop()?.replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
+  (baseName(app.scene.name).replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
 
 const view = (id: ViewName, title: string, key: string): Command => ({
   id: `view-${id}`, title, keys: [key], run: (app) => look(app, id),

@@ -4,5 +4,11 @@ export const unitName = (unit: string): string => (unit === "unknown" ? "units" 
 
 export const frameText = (frame: number): string => String(Number(frame.toFixed(3)));
 
-/** A length with four digits that count; nothing that is not finite. */
-export const lengthText = (value: number): string => (Number.isFinite(value) ? String(Number(value.toPrecision(4))) : "none");
+/** A number with so many digits that count; "none" for what is not finite. */
+export const numberText = (value: number, digits: number): string =>
+  Number.isFinite(value) ? String(Number(value.toPrecision(digits))) : "none";
+
+export const lengthText = (value: number): string => numberText(value, 4);
+
+/** A file's name without its folders. */
+export const baseName = (path: string): string => path.split(/[\\/]/).pop() || path;

@@ -39,7 +39,7 @@ export class Motion {
   private readonly points = new Map<number, Float64Array>();
   private readonly keyPoints = new Map<number, Float64Array>();
   private readonly spacings = new Map<number, Float64Array>();
-  private reference: Trail | null = null;
+  private related: number | null = null;
 
   constructor(private list: readonly Trail[]) {}
 
@@ -54,7 +54,7 @@ export class Motion {
 
   /** From now on positions are relative to this trail; null: in the world. */
   relativeTo(trail: number | null): void {
-    this.reference = trail === null ? null : (this.list[trail] ?? null);
+    this.related = trail;
     this.forget();
   }
 
@@ -94,6 +94,10 @@ export class Motion {
     const spacing = this.spacing(index);
     const sides = [spacing[sample - 1], spacing[sample]].filter((s) => Number.isFinite(s));
     return sides.length ? sides.reduce((a, b) => a + b) / sides.length : NaN;
+  }
+
+  private get reference(): Trail | null {
+    return this.related === null ? null : (this.list[this.related] ?? null);
   }
 
   private forget(): void {

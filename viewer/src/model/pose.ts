@@ -36,7 +36,7 @@ export function boundsOf(motion: Motion, trails: Iterable<number>, upAxis: "y" |
   return box.low[0] <= box.high[0] ? box : null;
 }
 
-const DEGREE = Math.PI / 180;
+export const DEGREE = Math.PI / 180;
 
 const ANGLES: Record<Exclude<ViewName, "persp">, { azimuth: number; elevation: number }> = {
   front: { azimuth: 0, elevation: 0 },

@@ -38,7 +38,7 @@ export interface ViewState {
   /** Trails are shown relative to this one; none: in the world. */
   readonly relativeTo: number | null;
   readonly colorBy: "mode" | "object";
-  /** These five: none leaves each trail its own. */
+  /** These six: none leaves each trail its own. */
   readonly mode: ColorMode | null;
   readonly lineWidth: number | null;
   readonly pointSize: number | null;

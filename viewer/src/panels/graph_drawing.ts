@@ -1,7 +1,7 @@
 // How the graph of spacing looks: the curves, which change with the selection, and above them what moves.
 
 import type { App } from "../model/app";
-import { objectColor, trailColors } from "../model/colors";
+import { objectColor, rgbText, trailColors } from "../model/colors";
 import { lengthText } from "../model/format";
 import { nearestSample, sampleFrame } from "../model/motion";
 import type { Hover } from "../model/state";
@@ -83,8 +83,7 @@ function fillCurve(context: Context, app: App, index: number, curve: Curve, { sc
   const columns = (bottom: (top: number) => number) =>
     curve.high.forEach((value, column) => {
       if (Number.isNaN(value)) return;
-      const at = 3 * nearestSample(trail, scale.frame(column + 0.5));
-      context.fillStyle = `rgb(${colors[at]},${colors[at + 1]},${colors[at + 2]})`;
+      context.fillStyle = rgbText(colors, nearestSample(trail, scale.frame(column + 0.5)));
       context.fillRect(column, y(value), 1.6, bottom(y(value)) - y(value)); // a bit over the next: no gaps between pixels
     });
   columns(() => y(0));

@@ -1,6 +1,6 @@
 // What the colours say. Every colour comes from the functions that colour the trails.
 
-import { rampColor, trailColors, type Palette } from "../model/colors";
+import { rampColor, rgbText, trailColors, type Palette } from "../model/colors";
 import { COLOR_MODES, type ColorMode, type Trail } from "../source/trail";
 import type { App } from "../model/app";
 import { el } from "./dom";
@@ -20,7 +20,7 @@ const samples: Trail = {
 
 function colorsOf(mode: ColorMode, palette: Palette): string[] {
   const bytes = trailColors(samples, mode, STEPS / 2, palette);
-  return Array.from({ length: samples.count }, (_, i) => `rgb(${bytes[3 * i]},${bytes[3 * i + 1]},${bytes[3 * i + 2]})`);
+  return Array.from({ length: samples.count }, (_, i) => rgbText(bytes, i));
 }
 
 const halves = (a: string, b: string) => `linear-gradient(90deg, ${a} 50%, ${b} 50%)`;

@@ -2,6 +2,7 @@
 
 import type { App } from "../model/app";
 import type { Theme } from "../model/state";
+import { isDark, onPreferenceChange } from "../model/theme";
 
 const ORDER: readonly Theme[] = ["auto", "light", "dark"];
 export const THEME_NAMES: Record<Theme, string> = { auto: "as the system", light: "light", dark: "dark" };
@@ -10,14 +11,12 @@ export const nextTheme = (theme: Theme): Theme => ORDER[(ORDER.indexOf(theme) + 
 
 /** Keeps the page's colours as chosen; calls back after every change, for what is drawn and not styled. */
 export function followTheme(app: App, changed: () => void): void {
-  const dark = window.matchMedia("(prefers-color-scheme: dark)");
-  const contrast = window.matchMedia("(forced-colors: active)");
   const apply = () => {
-    const { theme } = app.store.state;
-    document.documentElement.dataset.theme = theme === "auto" ? (dark.matches ? "dark" : "light") : theme;
+    document.documentElement.dataset.theme = isDark(app.store.state.theme) ? "dark" : "light";
     changed();
   };
-  for (const query of [dark, contrast]) query.addEventListener("change", apply);
+  onPreferenceChange(apply);
+  window.matchMedia("(forced-colors: active)").addEventListener("change", apply);
   app.store.subscribe(apply, ["theme"]);
   apply();
 }

@@ -1,6 +1,7 @@
 // The row at the top: the scene, how one looks at it, and what one takes away.
 
 import type { App } from "../model/app";
+import { baseName } from "../model/format";
 import type { ViewName } from "../model/state";
 import { button, commandButton, el, setAttributes } from "./dom";
 import { icon } from "./icons";
@@ -58,8 +59,7 @@ export interface ToolbarParts {
 }
 
 export function buildToolbar(app: App, parts: ToolbarParts): HTMLElement {
-  const name = app.scene.name.split(/[\\/]/).pop() || app.scene.name;
-  const title = el("h1", { class: "scene", title: app.scene.name }, name);
+  const title = el("h1", { class: "scene", title: app.scene.name }, baseName(app.scene.name));
   const help = button({ icon: "help", name: "Help", title: "Help (?)" }, parts.openHelp);
   return el(
     "header", { class: "toolbar" },

@@ -2,10 +2,11 @@
 
 import type { Camera } from "three";
 import type { App } from "../model/app";
-import { objectColor } from "../model/colors";
-import { unitName } from "../model/format";
+import { objectColor, rgbText } from "../model/colors";
+import { numberText, unitName } from "../model/format";
 import { isFinitePoint, nearestSample } from "../model/motion";
 import { yUp } from "../model/pose";
+import type { Hover } from "../model/state";
 import type { Vec3 } from "../source/trail";
 import type { DrawnTrail } from "./batch";
 import type { Grid } from "./ground";
@@ -28,16 +29,13 @@ export interface Picture {
   readonly drawing: Drawing;
 }
 
-const rgb = (values: Uint8Array, sample: number) =>
-  `rgb(${values[3 * sample]} ${values[3 * sample + 1]} ${values[3 * sample + 2]})`;
-
 function spotOf({ app, projection, origin }: Picture, place: Vec3): Spot | null {
   if (!isFinitePoint(place)) return null;
   const turned = yUp(place, app.scene.upAxis);
   return projection.spot(turned[0] - origin[0], turned[1] - origin[1], turned[2] - origin[2]);
 }
 
-export function sampleSpot({ projection }: Picture, { places }: DrawnTrail, sample: number): Spot | null {
+function sampleSpot({ projection }: Picture, { places }: DrawnTrail, sample: number): Spot | null {
   const [x, y, z] = places.subarray(3 * sample, 3 * sample + 3);
   return Number.isFinite(x) ? projection.spot(x, y, z) : null;
 }
@@ -52,7 +50,7 @@ function drawMarks(overlay: Overlay, picture: Picture): Label[] {
     if (!at) continue;
     const trail = app.motion.trails[index];
     const strong = selected.has(index);
-    const color = colorBy === "object" ? objectColor(index) : rgb(layers.colorsOf(index).values, nearestSample(trail, frame));
+    const color = colorBy === "object" ? objectColor(index) : rgbText(layers.colorsOf(index).values, nearestSample(trail, frame));
     overlay.mark({ at, color, strong });
     if (showLabels && (few || strong)) names.push({ at, text: trail.name, strong: true });
   }
@@ -68,7 +66,7 @@ function drawKeyLabels(overlay: Overlay, picture: Picture): void {
     for (let i = 0; 3 * i < keyPlaces.length; ++i) {
       if (!Number.isFinite(keyPlaces[3 * i])) continue;
       const at = projection.spot(keyPlaces[3 * i], keyPlaces[3 * i + 1], keyPlaces[3 * i + 2]);
-      if (at) overlay.label({ at, text: String(Number(times[i].toPrecision(7))) });
+      if (at) overlay.label({ at, text: numberText(times[i], 7) });
     }
   }
 }
@@ -85,7 +83,7 @@ function drawAxes(overlay: Overlay, { app, camera, projection }: Picture): void 
 
 function notes({ app, layers, grid, drawing }: Picture): string {
   const { relativeTo, showKeys } = app.store.state;
-  const parts = [`squares of ${Number(grid.step.toPrecision(6))} ${unitName(app.scene.unit)}`, `${app.scene.upAxis} is up`];
+  const parts = [`squares of ${numberText(grid.step, 6)} ${unitName(app.scene.unit)}`, `${app.scene.upAxis} is up`];
   if (relativeTo !== null) parts.push(`relative to ${app.motion.trails[relativeTo].name}`);
   if (showKeys && layers.trails.some(({ index }) => hasDenseKeys(app.motion.trails[index])))
     parts.push("keys at nearly every frame are not marked");
@@ -94,15 +92,24 @@ function notes({ app, layers, grid, drawing }: Picture): string {
   return parts.join(" · ");
 }
 
-export function annotate(overlay: Overlay, picture: Picture): void {
-  const { app, layers, projection } = picture;
-  const { showKeys, showLabels, hover } = app.store.state;
+/** The sample that is pointed at, and where it is; null when it is not to be seen. */
+function hoveredSpot(picture: Picture): { hover: Hover; at: Spot } | null {
+  const { hover } = picture.app.store.state;
+  const trail = hover && picture.layers.trails.find(({ index }) => index === hover.trail);
+  const at = trail && sampleSpot(picture, trail, hover.sample);
+  return at ? { hover, at } : null;
+}
+
+/** Gives back the sample that is pointed at, with a ring around it now. */
+export function annotate(overlay: Overlay, picture: Picture): ReturnType<typeof hoveredSpot> {
+  const { app, projection } = picture;
+  const { showKeys, showLabels } = app.store.state;
   const names = drawMarks(overlay, picture);
   names.forEach((name) => overlay.label(name));
   if (showKeys && showLabels) drawKeyLabels(overlay, picture);
-  const hovered = hover && layers.trails.find(({ index }) => index === hover.trail);
-  const spot = hovered && sampleSpot(picture, hovered, hover.sample);
-  if (spot) overlay.ring(spot);
+  const hovered = hoveredSpot(picture);
+  if (hovered) overlay.ring(hovered.at);
   drawAxes(overlay, picture);
   overlay.note(notes(picture), 100, projection.height - 12);
+  return hovered;
 }

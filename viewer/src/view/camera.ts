@@ -4,10 +4,8 @@
 import { MOUSE, OrthographicCamera, PerspectiveCamera, Spherical, Vector3 } from "three";
 import { OrbitControls } from "three/examples/jsm/controls/OrbitControls.js";
 import type { Vec3 } from "../source/trail";
-import { halfView } from "../model/pose";
+import { DEGREE, halfView } from "../model/pose";
 import type { CameraPose } from "../model/state";
-
-const DEGREE = Math.PI / 180;
 
 export class CameraRig {
   private readonly perspective = new PerspectiveCamera();

@@ -10,7 +10,7 @@ import type { ViewName } from "../model/state";
 import type { Colors } from "./theme";
 
 /** The largest of 1, 2, 5 times a power of ten that is at most `size`, which is above 0. */
-export function niceStep(size: number): number {
+function stepUpTo(size: number): number {
   const power = 10 ** Math.floor(Math.log10(size));
   const head = size / power;
   return power * (head >= 5 ? 5 : head >= 2 ? 2 : 1);
@@ -38,7 +38,7 @@ export function gridFor(box: Bounds, view: ViewName): Grid {
   const extent = Math.max(...size) || 1;
   const half = [u, v].map((k) => Math.max(size[k], 0.25 * extent) / 2);
   const centre = [u, v].map((k) => box.low[k] + size[k] / 2);
-  const step = niceStep(Math.max(...half) / 4);
+  const step = stepUpTo(Math.max(...half) / 4);
   const edge = (sign: 1 | -1) =>
     [0, 1].map((i) => sign * Math.ceil((sign * centre[i] + half[i]) / step + 0.3) * step) as [number, number];
   const nearZero = box.low[across] > -0.1 * extent && box.low[across] < 0.6 * extent;

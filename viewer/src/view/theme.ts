@@ -1,6 +1,7 @@
 // The viewport's colours, light and dark.
 
 import type { Theme } from "../model/state";
+import { isDark } from "../model/theme";
 
 export interface Colors {
   readonly background: string;
@@ -26,9 +27,4 @@ const DARK: Colors = {
   casing: "#090b0d", selected: "#7fb0ff", ink: "#eef1f5", soft: "#9aa5b5",
 };
 
-const darkPreferred = () => window.matchMedia("(prefers-color-scheme: dark)");
-
-export const colorsOf = (theme: Theme): Colors =>
-  theme === "dark" || (theme === "auto" && darkPreferred().matches) ? DARK : LIGHT;
-
-export const onPreferenceChange = (changed: () => void): void => darkPreferred().addEventListener("change", changed);
+export const colorsOf = (theme: Theme): Colors => (isDark(theme) ? DARK : LIGHT);

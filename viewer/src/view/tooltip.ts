@@ -1,12 +1,12 @@
 // What is known of the sample under the pointer.
 
 import type { App } from "../model/app";
-import { unitName } from "../model/format";
+import { numberText, unitName } from "../model/format";
 import { sampleFrame, triple } from "../model/motion";
 import type { Hover } from "../model/state";
 import type { Spot } from "./projection";
 
-const short = (value: number) => (Number.isFinite(value) ? String(Number(value.toPrecision(6))) : "none");
+const short = (value: number) => numberText(value, 6);
 
 /** Object, frame, position, speed; a line each. */
 export function describe(app: App, { trail: index, sample }: Hover): string {

@@ -5,8 +5,9 @@ import { ColorManagement, Group, LinearSRGBColorSpace, Scene, WebGLRenderer } fr
 import type { App } from "../model/app";
 import { boundsOf, type Bounds } from "../model/pose";
 import type { Change, ViewState } from "../model/state";
+import { onPreferenceChange } from "../model/theme";
 import type { Vec3 } from "../source/trail";
-import { annotate, sampleSpot, type Picture } from "./annotations";
+import { annotate, type Picture } from "./annotations";
 import { CameraRig } from "./camera";
 import { Detail } from "./detail";
 import { acrossOf, buildStage, disposeAll, gridFor, type Grid } from "./ground";
@@ -14,7 +15,7 @@ import { TrailLayers, type Drawing } from "./layers";
 import { Overlay } from "./overlay";
 import { pick } from "./picking";
 import { Projection } from "./projection";
-import { colorsOf, onPreferenceChange } from "./theme";
+import { colorsOf } from "./theme";
 import { describe, Tooltip } from "./tooltip";
 
 // Colours are the engine's own numbers, and reach the screen unchanged.
@@ -42,6 +43,8 @@ export class Viewport {
   private readonly layers: TrailLayers;
   private readonly rig: CameraRig;
   private readonly detail: Detail;
+  /** Around all trails as they are shown, and its middle. */
+  private box = NO_BOX;
   private origin: Vec3 = [0, 0, 0];
   private grid!: Grid;
   private width = 1;
@@ -157,7 +160,7 @@ export class Viewport {
 
   private rebuild(): void {
     const { motion, scene } = this.app;
-    const box = boundsOf(motion, motion.trails.keys(), scene.upAxis) ?? NO_BOX;
+    const box = (this.box = boundsOf(motion, motion.trails.keys(), scene.upAxis) ?? NO_BOX);
     this.origin = box.low.map((low, k) => low + (box.high[k] - low) / 2) as unknown as Vec3;
     this.layers.moved();
     this.rebuildStage();
@@ -165,8 +168,8 @@ export class Viewport {
   }
 
   private rebuildStage(): void {
-    const { motion, scene, store } = this.app;
-    const box = boundsOf(motion, motion.trails.keys(), scene.upAxis) ?? NO_BOX;
+    const { scene, store } = this.app;
+    const { box } = this;
     this.grid = gridFor(box, store.state.camera.view);
     disposeAll(this.stage);
     const boxes = store.state.showStatics && store.state.relativeTo === null ? scene.statics : [];
@@ -248,11 +251,8 @@ export class Viewport {
     const { app, layers, origin, grid } = this;
     const picture: Picture = { app, layers, projection: this.projection(), camera: this.rig.camera, origin, grid, drawing };
     this.overlay.begin(this.width, this.height, this.ratio, this.colors);
-    annotate(this.overlay, picture);
-    const { hover } = app.store.state;
-    const trail = hover && layers.trails.find(({ index }) => index === hover.trail);
-    const at = trail && sampleSpot(picture, trail, hover.sample);
-    if (at) this.tooltip.show(describe(app, hover), at, this.width, this.height);
+    const hovered = annotate(this.overlay, picture);
+    if (hovered) this.tooltip.show(describe(app, hovered.hover), hovered.at, this.width, this.height);
     else this.tooltip.hide();
   }
 }
