@@ -5,11 +5,8 @@
 namespace vantorelix::standalone {
 namespace {
 
-std::size_t scattered(std::uint64_t bits) {
-  bits ^= bits >> 32;
-  bits *= 0x9e3779b97f4a7c15u;
-  return static_cast<std::size_t>(bits >> 24);
-}
+// The upper half holds what tells frames apart; the index looks at the lower bits most.
+std::size_t hash_of(std::uint64_t bits) { return static_cast<std::size_t>(bits ^ bits >> 32); }
 
 }  // namespace
 
@@ -21,32 +18,20 @@ void TimeCache::clear() {
 
 TimeCache::Slot TimeCache::look_up(double time) {
   const std::uint64_t bits = bits_of(time);
-  if (2 * times_.size() >= table_.size()) grow();
-  const std::size_t mask = table_.size() - 1;
-  std::size_t at = scattered(bits) & mask;
-  while (table_[at] != kNone && bits_of(times_[table_[at]]) != bits) at = (at + 1) & mask;
-  Slot slot = table_[at];
-  if (slot == kNone) {
+  Slot slot = slots_.find(hash_of(bits), [&](Slot known) { return bits_of(times_[known]) == bits; });
+  if (slot == HashIndex::kNone) {
     if (times_.size() == kMostTimes) {
       note_missing();
       return kNone;
     }
-    slot = table_[at] = static_cast<Slot>(times_.size());
+    slot = static_cast<Slot>(times_.size());
+    slots_.insert(hash_of(bits), slot);
     times_.push_back(time);
     following_.push_back({});
     asked_.push_back(0);
   }
   if (last_ < following_.size()) following_[last_] = {slot, following_[last_][0]};
   return last_ = slot;
-}
-
-void TimeCache::grow() {
-  table_.assign(table_.empty() ? 64 : 2 * table_.size(), kNone);
-  for (std::size_t i = 0; i < times_.size(); ++i) {
-    std::size_t at = scattered(bits_of(times_[i])) & (table_.size() - 1);
-    while (table_[at] != kNone) at = (at + 1) & (table_.size() - 1);
-    table_[at] = static_cast<Slot>(i);
-  }
 }
 
 std::uint64_t TimeCache::usual(Slot slot) const {
@@ -90,7 +75,7 @@ void TimeCache::start_anew() {
   times_.clear();
   following_.clear();
   asked_.clear();
-  table_.assign(table_.size(), kNone);
+  slots_ = {};
   last_ = kNone;
   useless_ = false;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "standalone/scene/column_loops.h"
+#include "standalone/scene/hash_index.h"
 #include "standalone/scene/matrix.h"
 
 namespace vantorelix::standalone {
@@ -120,7 +121,6 @@ class TimeCache {
     if (slot != kNone) ++asked_[slot];
     return slot;
   }
-  void grow();
   void note_missing();
   void start_anew();
 
@@ -131,7 +131,7 @@ class TimeCache {
   std::vector<double> times_;                   // by slot; told apart by their bits
   std::vector<std::array<Slot, 2>> following_;  // by slot: what was asked after it, the two latest
   std::vector<std::uint32_t> asked_;            // by slot: how often
-  std::vector<Slot> table_;                     // open addressing over the bits; kNone where empty; a power of two
+  HashIndex slots_;                             // by the bits of the time
   Slot last_ = kNone;
   bool useless_ = false;
 };
