@@ -33,21 +33,21 @@ bool glob(std::string_view pattern, std::string_view text) {
 
 std::string_view last_part(std::string_view path) { return path.substr(path.rfind('|') + 1); }
 
-// Whether the node's path ends with `path`; is it where `path` starts with a bar.
-template <class Same>
-bool path_ends_with(const Scene::Data& scene, const Node& node, std::string_view path, Same same) {
+// Whether the node's path ends with one that the pattern matches, part by part; is it where the pattern starts with a
+// bar.
+bool path_matches(const Scene::Data& scene, const Node& node, std::string_view pattern) {
   const Node* at = &node;
   while (true) {
-    const std::string_view part = last_part(path);
-    if (at == nullptr || !same(part, scene.text(*at))) return false;
-    if (part.size() == path.size()) return true;
+    const std::string_view part = last_part(pattern);
+    if (at == nullptr || !glob(part, scene.text(*at))) return false;
+    if (part.size() == pattern.size()) return true;
     at = at->parent == kWorld ? nullptr : scene.find(at->parent);
-    path.remove_suffix(part.size() + 1);
-    if (path.empty()) return at == nullptr && scene.is_dag(node);
+    pattern.remove_suffix(part.size() + 1);
+    if (pattern.empty()) return at == nullptr && scene.is_dag(node);
   }
 }
 
-// The same for a path without wildcards.
+// The same for one path, at one comparison a part.
 bool path_ends_with(const Scene::Data& scene, const Node& node, std::string_view path) {
   for (const Node* at = &node;; at = scene.find(at->parent)) {
     const std::string& text = scene.text(*at);
@@ -148,7 +148,7 @@ std::vector<NodeId> Scene::match(std::string_view pattern) const {
   pattern = without_root(pattern);
   std::vector<NodeId> found;
   const auto consider = [&](NodeId id) {
-    if (path_ends_with(d, *d.find(id), pattern, glob)) found.push_back(id);
+    if (path_matches(d, *d.find(id), pattern)) found.push_back(id);
   };
   const std::string_view name = last_part(pattern);
   if (name.find_first_of("*?") == std::string_view::npos) {
