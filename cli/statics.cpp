@@ -32,7 +32,7 @@ std::optional<Corners> corners_of(const Scene& scene, NodeId transform) {
   if (const auto own = found_by_reader(scene, transform)) return own;
   for (const NodeId shape : scene.shapes(transform))
     if (is_surface(scene.type(shape)))
-      return found_by_reader(scene, shape).value_or(Corners{{-0.5, -0.5, -0.5}, {0.5, 0.5, 0.5}});
+      return found_by_reader(scene, shape).value_or(Corners{standalone::kUnitCube[0], standalone::kUnitCube[1]});
   return std::nullopt;
 }
 

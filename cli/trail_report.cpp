@@ -56,8 +56,6 @@ TrailView read_trail(const Scene& scene, const Trail& trail) {
 
 }  // namespace
 
-bool is_finite(const host::Vector& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
-
 std::string unit_text(const TrailReport& report) { return report.unit == kUnknownUnit ? "units" : report.unit; }
 
 TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, const std::string& file) {

@@ -60,8 +60,6 @@ std::string unit_text(const TrailReport& report);
 
 TrailReport read_trails(const standalone::Scene& scene, const std::vector<Trail>& trails, const std::string& file);
 
-bool is_finite(const host::Vector& v);
-
 // Length and speed of a trail. Lengths in the scene's unit, speeds in units a second, over the samples; those
 // that are not finite are left out.
 struct TrailMeasure {

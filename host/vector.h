@@ -1,6 +1,7 @@
 // The triple that the whole system is made of: a position, a colour, a key marker.
 #pragma once
 
+#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -15,6 +16,8 @@ struct Vector {
 
   friend bool operator==(const Vector&, const Vector&) = default;
 };
+
+inline bool is_finite(const Vector& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
 
 // A finished array of triples, shared and never changed again: the engine's work item and the viz node
 // hold the same storage, so that pushing a million points copies none. Never null where a function takes one.

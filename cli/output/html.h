@@ -13,9 +13,8 @@
 //   sections         {positions, key_positions, key_times, colors}: bytes from the start of the data
 //   bytes            of all sections
 //   trails           [{viz, source, name, samples_per_frame, color_mode, start_frame, frame_step, line_width,
-//   point_size,
-//                    show_line, show_dots, ghost, count (samples), low [x, y, z], step [x, y, z], keys (how many),
-//                    keys_on_samples, warnings}]
+//                    point_size, show_line, show_dots, ghost, count (samples), low [x, y, z], step [x, y, z],
+//                    keys (how many), keys_on_samples, warnings}]
 //   statics          [{name, matrix (16 numbers, row vectors), low, high}]
 #pragma once
 

@@ -48,7 +48,7 @@ void write_curve(OutputFile& out, const CurveView& curve) {
   for (std::size_t i = 0; i < knots.size(); ++i) out << (i % 20 == 19 ? "\n\t\t" : " ") << knots[i];
   out << "\n\t\t" << static_cast<std::int64_t>(points.size()) << "\n";
   for (const host::Vector& p : points) {
-    if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
+    if (!is_finite(p))
       throw Failure(curve.name + ": has points that are no finite numbers; choose other objects with --select");
     out << "\t\t" << p.x << ' ' << p.y << ' ' << p.z << "\n";
   }

@@ -1,7 +1,6 @@
 #include "standalone/formats/bounds_draft.h"
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -18,7 +17,7 @@ BoundsDraft::BoundsDraft(const Scene& scene, NodeId node) {
 }
 
 void BoundsDraft::add(const Vector& p) {
-  if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z)) return;
+  if (!is_finite(p)) return;
   if (empty_) low_ = high_ = p;
   empty_ = false;
   low_ = {std::min(low_.x, p.x), std::min(low_.y, p.y), std::min(low_.z, p.z)};
@@ -26,9 +25,9 @@ void BoundsDraft::add(const Vector& p) {
 }
 
 void BoundsDraft::assign_to(Scene& scene, NodeId node) const {
-  const std::vector<Vector> cube = {{-0.5, -0.5, -0.5}, {0.5, 0.5, 0.5}};
-  const std::vector<Vector> corners = {low_, high_};
-  scene.set_vectors(node, kBounds, std::make_shared<const std::vector<Vector>>(empty_ ? cube : corners));
+  const Vector& low = empty_ ? kUnitCube[0] : low_;
+  const Vector& high = empty_ ? kUnitCube[1] : high_;
+  scene.set_vectors(node, kBounds, std::make_shared<const std::vector<Vector>>(std::vector<Vector>{low, high}));
 }
 
 }  // namespace vantorelix::standalone
