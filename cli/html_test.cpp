@@ -11,29 +11,18 @@
 #include "cli/output/html.h"
 #include "cli/output/page.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/trail_views.h"
 
 namespace vantorelix::cli {
 namespace {
 
 using host::Vector;
-using host::Vectors;
 using nlohmann::json;
+using support::shared;
+using support::trail_of;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kHuge = 0.75 * std::numeric_limits<double>::max();
-
-Vectors shared(std::vector<Vector> values) { return std::make_shared<const std::vector<Vector>>(std::move(values)); }
-
-TrailView trail_of(std::vector<Vector> points) {
-  TrailView trail;
-  trail.viz = "vlx_a_viz";
-  trail.source = "|a";
-  trail.name = "a";
-  trail.colors = shared(std::vector<Vector>(points.size(), Vector{0, 1, 0}));
-  trail.points = shared(std::move(points));
-  trail.key_points = trail.key_colors = shared({});
-  return trail;
-}
 
 TrailReport report_of(std::vector<TrailView> trails) {
   TrailReport report{"a.ma", 24.0, 0.0, 10.0, "cm", 'y', std::move(trails)};

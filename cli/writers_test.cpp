@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -18,64 +17,41 @@
 #include "cli/output/text.h"
 #include "cli/output/writers.h"
 #include "standalone/formats/reader.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/trail_views.h"
 
 namespace vantorelix::cli {
 namespace {
 
 using host::Vector;
-using host::Vectors;
-
-class WritersTest : public testing::Test {
- protected:
-  void SetUp() override {
-    folder_ = std::filesystem::temp_directory_path() /
-              ("vantorelix_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-    std::filesystem::remove_all(folder_);
-    std::filesystem::create_directory(folder_);
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
-  std::string read(const std::string& name) const {
-    std::ifstream stream(folder_ / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-  std::size_t file_count() const {
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder_), {}));
-  }
-
-  std::filesystem::path folder_;
-};
-
-Vectors shared(std::vector<Vector> values) { return std::make_shared<const std::vector<Vector>>(std::move(values)); }
 
 TrailReport report_of(std::vector<Vector> points) {
-  TrailView trail;
-  trail.viz = "vlx_a_viz";
+  TrailView trail = support::trail_of(std::move(points));
   trail.source = "|a,\"b\"";
   trail.name = "caf\xE9";
-  trail.line_width = 2.5;
-  trail.point_size = 6.0;
-  trail.colors = shared(std::vector<Vector>(points.size(), Vector{0, 1, 0}));
-  trail.points = shared(std::move(points));
-  trail.key_points = trail.key_colors = shared({});
   TrailReport report{"a.ma", 24.0, 0.0, static_cast<double>(trail.points->size() - 1), "cm", 'y', {}};
   report.trails.push_back(trail);
   return report;
 }
 
+std::size_t file_count(const support::TemporaryFolder& folder) {
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder / ""), {}));
+}
+
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
-TEST_F(WritersTest, NumbersReadBackToTheSameDouble) {
+TEST(WritersTest, NumbersReadBackToTheSameDouble) {
   for (const double value : {0.1, 1.0 / 3.0, 5e-324, 1.7976931348623157e308, 12345678.9, 1e16})
     EXPECT_EQ(std::strtod(number(value).c_str(), nullptr), value);
   EXPECT_EQ(number(-0.0), "-0.0");
 }
 
-TEST_F(WritersTest, JsonHoldsNullForWhatIsNotFiniteAndReplacesBytesThatAreNoUtf8) {
-  OutputFile out(folder_ / "a.json");
+TEST(WritersTest, JsonHoldsNullForWhatIsNotFiniteAndReplacesBytesThatAreNoUtf8) {
+  const support::TemporaryFolder folder;
+  OutputFile out(folder / "a.json");
   write_json(out, report_of({{0, kNan, 0.1}, {1, 2, std::numeric_limits<double>::infinity()}}));
   out.commit();
-  const auto document = nlohmann::json::parse(read("a.json"));
+  const auto document = nlohmann::json::parse(folder.read("a.json"));
   const auto& trail = document["trails"][0];
   EXPECT_TRUE(trail["points"][0][1].is_null());
   EXPECT_TRUE(trail["points"][1][2].is_null());
@@ -84,59 +60,65 @@ TEST_F(WritersTest, JsonHoldsNullForWhatIsNotFiniteAndReplacesBytesThatAreNoUtf8
   EXPECT_EQ(trail["source"].get<std::string>(), "|a,\"b\"");
 }
 
-TEST_F(WritersTest, JsonHoldsTheNumberOfANodeWhereItsFileHasNumbers) {
+TEST(WritersTest, JsonHoldsTheNumberOfANodeWhereItsFileHasNumbers) {
+  const support::TemporaryFolder folder;
   TrailReport report = report_of({{0, 0, 0}, {1, 2, 3}});
   report.trails.push_back(report.trails[0]);
   report.trails[1].node = 17;
-  OutputFile out(folder_ / "a.json");
+  OutputFile out(folder / "a.json");
   write_json(out, report);
   out.commit();
-  const auto trails = nlohmann::json::parse(read("a.json"))["trails"];
+  const auto trails = nlohmann::json::parse(folder.read("a.json"))["trails"];
   EXPECT_TRUE(trails[0]["node"].is_null());
   EXPECT_EQ(trails[1]["node"].get<int>(), 17);
 }
 
-TEST_F(WritersTest, CsvQuotesNamesAndLeavesOutWhatIsNotFinite) {
-  OutputFile out(folder_ / "a.csv");
+TEST(WritersTest, CsvQuotesNamesAndLeavesOutWhatIsNotFinite) {
+  const support::TemporaryFolder folder;
+  OutputFile out(folder / "a.csv");
   write_csv(out, report_of({{0, kNan, 0.5}, {1, 2, 3}}));
   out.commit();
-  EXPECT_EQ(read("a.csv"),
+  EXPECT_EQ(folder.read("a.csv"),
             "source,sample,frame,x,y,z,r,g,b\n\"|a,\"\"b\"\"\",0,0,0,,0.5,0,1,0\n\"|a,\"\"b\"\"\",1,1,1,2,3,0,1,0\n");
 }
 
-TEST_F(WritersTest, AFileAppearsOnlyWhenItIsCommitted) {
+TEST(WritersTest, AFileAppearsOnlyWhenItIsCommitted) {
+  const support::TemporaryFolder folder;
   {
-    OutputFile out(folder_ / "a.csv");
+    OutputFile out(folder / "a.csv");
     out << "half";
-    EXPECT_FALSE(std::filesystem::exists(folder_ / "a.csv"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "a.csv"));
   }
-  EXPECT_EQ(file_count(), 0u);
-  OutputFile out(folder_ / "a.csv");
+  EXPECT_EQ(file_count(folder), 0u);
+  OutputFile out(folder / "a.csv");
   out << "whole";
   out.commit();
-  EXPECT_EQ(read("a.csv"), "whole");
-  EXPECT_EQ(file_count(), 1u);
+  EXPECT_EQ(folder.read("a.csv"), "whole");
+  EXPECT_EQ(file_count(folder), 1u);
 }
 
-TEST_F(WritersTest, APictureOfAMillionSamplesStaysSmall) {
+TEST(WritersTest, APictureOfAMillionSamplesStaysSmall) {
+  const support::TemporaryFolder folder;
   std::vector<Vector> points;
   for (int i = 0; i < 1'000'000; ++i)
     points.push_back({std::sin(i * 0.7) * i, std::cos(i * 1.3) * i, std::sin(i * 0.11) * i});
-  OutputFile out(folder_ / "a.svg");
+  OutputFile out(folder / "a.svg");
   write_svg(out, report_of(std::move(points)), {});
   out.commit();
-  EXPECT_LT(std::filesystem::file_size(folder_ / "a.svg"), 3'000'000u);
-  EXPECT_THAT(read("a.svg"), testing::HasSubstr("lines thinned"));
+  EXPECT_LT(std::filesystem::file_size(folder / "a.svg"), 3'000'000u);
+  EXPECT_THAT(folder.read("a.svg"), testing::HasSubstr("lines thinned"));
 }
 
-TEST_F(WritersTest, APictureOfNothingFiniteIsStillAPicture) {
-  OutputFile out(folder_ / "a.svg");
+TEST(WritersTest, APictureOfNothingFiniteIsStillAPicture) {
+  const support::TemporaryFolder folder;
+  OutputFile out(folder / "a.svg");
   write_svg(out, report_of({{kNan, 0, 0}, {kNan, 0, 0}}), {});
   out.commit();
-  EXPECT_THAT(read("a.svg"), testing::AllOf(testing::HasSubstr("</svg>"), testing::Not(testing::HasSubstr("nan"))));
+  EXPECT_THAT(folder.read("a.svg"),
+              testing::AllOf(testing::HasSubstr("</svg>"), testing::Not(testing::HasSubstr("nan"))));
 }
 
-TEST_F(WritersTest, PathDataMovesBetweenRoundedPlacesSoThatRoundingDoesNotAddUp) {
+TEST(WritersTest, PathDataMovesBetweenRoundedPlacesSoThatRoundingDoesNotAddUp) {
   PathData path;
   path.move({0.0, 0.0});
   for (int i = 1; i <= 10; ++i) path.line({i * 0.04, 0.0});
@@ -144,15 +126,16 @@ TEST_F(WritersTest, PathDataMovesBetweenRoundedPlacesSoThatRoundingDoesNotAddUp)
   EXPECT_EQ(path.text(), "M0 0l0 0 .1 0 0 0 .1 0 0 0 0 0 .1 0 0 0 .1 0 0 0");
 }
 
-TEST_F(WritersTest, OurReaderReadsBackTheCurvesThatWeWrite) {
+TEST(WritersTest, OurReaderReadsBackTheCurvesThatWeWrite) {
+  const support::TemporaryFolder folder;
   const std::vector<Vector> points = {{0.1, 0.2, 1.0 / 3.0}, {-1e-9, 2, 3}, {4, 5e12, 6}, {7, 8, 9}, {1, 1, 1}};
   for (const int degree : {1, 3}) {
-    OutputFile out(folder_ / "c.ma");
+    OutputFile out(folder / "c.ma");
     standalone::Scene scene;
     scene.set_frames_per_second(25.0);
     write_maya_ascii(out, {{"crv", "crvShape", degree, &points}}, scene);
     out.commit();
-    const standalone::Scene back = standalone::read_scene(folder_ / "c.ma");
+    const standalone::Scene back = standalone::read_scene(folder / "c.ma");
     const standalone::NodeId shape = back.require("crvShape");
     EXPECT_EQ(back.curve_degree(shape), degree);
     EXPECT_EQ(back.curve_points(shape), points);
@@ -161,13 +144,13 @@ TEST_F(WritersTest, OurReaderReadsBackTheCurvesThatWeWrite) {
   }
 }
 
-TEST_F(WritersTest, KnotsAreOpenAndUniform) {
+TEST(WritersTest, KnotsAreOpenAndUniform) {
   EXPECT_EQ(open_uniform_knots(4, 3), (std::vector<double>{0, 0, 0, 1, 1, 1}));
   EXPECT_EQ(open_uniform_knots(6, 3), (std::vector<double>{0, 0, 0, 1, 2, 3, 3, 3}));
   EXPECT_EQ(open_uniform_knots(3, 1), (std::vector<double>{0, 1, 2}));
 }
 
-TEST_F(WritersTest, ARangeIsTwoNumbersInOrder) {
+TEST(WritersTest, ARangeIsTwoNumbersInOrder) {
   const auto range = parse_range("-1.5:+20");
   ASSERT_TRUE(range);
   EXPECT_EQ(range->first, -1.5);
