@@ -10,6 +10,7 @@
 #include "engine/sampling/spacing.h"
 #include "engine/sampling/spacing_kernel.h"
 #include "host/error.h"
+#include "host/large_pages.h"
 
 namespace vantorelix {
 
@@ -29,6 +30,7 @@ std::unique_ptr<double[]> smoothed_lengths(const Lanes& lanes, const std::vector
                                            kernel::Baseline* baseline) {
   const std::size_t n = pos.size() - 1;
   std::unique_ptr<double[]> smoothed(new double[n]);  // a vector would write it all once more, with zeros
+  host::advise_large_pages(smoothed.get(), n * sizeof(double));
   constexpr std::size_t kAround = 2 * kWindow;
   // first ... last - 1, whose windows reach beyond an end, from the lengths there.
   const auto smooth_end = [&](std::size_t base, std::size_t first, std::size_t last) {
@@ -50,7 +52,7 @@ std::unique_ptr<double[]> smoothed_lengths(const Lanes& lanes, const std::vector
 // One colour a point from the parameters of the n segments on its two sides; an end has one side only.
 std::vector<Colour> point_colours(const Lanes& lanes, const double* lengths, std::size_t n, double scale) {
   std::vector<Colour> colours;
-  colours.reserve(n + 1);  // and appended to: written once, not first with zeros
+  host::reserve(colours, n + 1);  // and appended to: written once, not first with zeros
   alignas(64) std::array<Colour, kLaneBlock> block;
   alignas(64) std::array<double, kLaneBlock + 1> t;  // t[0]: the last one before; the first segment stands in for it
   lanes.parameters(lengths, 1, scale, t.data());

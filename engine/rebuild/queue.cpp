@@ -13,6 +13,7 @@
 #include "engine/trails/trail_data.h"
 #include "engine/trails/viz_push.h"
 #include "host/error.h"
+#include "host/large_pages.h"
 
 namespace vantorelix {
 
@@ -39,7 +40,7 @@ std::shared_ptr<WorkRecord> fresh_record() {
 void plan(WorkItem& it, const WorkRecord& work, const std::string& obj) {
   const double step_len = 1.0 / static_cast<double>(_samples_per_frame(it.settings->at("samples_per_frame")));
   it.times = SampleTimes{work.start, step_len, _sample_count(work.start, work.end, step_len)};
-  it.pos->reserve(reservation(it.times->count));
+  host::reserve(*it.pos, reservation(it.times->count));
   it.sampler = _make_fast_sampler(obj);
 }
 

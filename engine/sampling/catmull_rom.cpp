@@ -6,6 +6,7 @@
 
 #include "engine/sampling/limits.h"
 #include "host/error.h"
+#include "host/large_pages.h"
 
 namespace vantorelix {
 
@@ -79,7 +80,7 @@ void append_gap(const Span& span, std::int64_t length, std::int64_t count, Steps
 }  // namespace
 
 SampleMap::SampleMap(std::int64_t expected) {
-  positions_.reserve(reservation(expected));
+  host::reserve(positions_, reservation(expected));
   present_.reserve(reservation(expected));
 }
 

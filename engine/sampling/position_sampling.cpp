@@ -6,6 +6,7 @@
 #include "engine/frame/attempt.h"
 #include "engine/sampling/limits.h"
 #include "host/error.h"
+#include "host/large_pages.h"
 
 namespace vantorelix {
 
@@ -99,7 +100,7 @@ std::vector<Position> _sample_positions(const std::string& obj, double start, do
   sampler = sampler_or_best(obj, std::move(sampler));
   const std::int64_t n = _sample_count(start, end, step);
   std::vector<Position> positions;
-  positions.reserve(reservation(n));
+  host::reserve(positions, reservation(n));
   for (std::int64_t i = 0; i < n; ++i) positions.push_back((*sampler)(start + static_cast<double>(i) * step));
   return positions;
 }

@@ -1,0 +1,23 @@
+#include "host/large_pages.h"
+
+#include <cstdint>
+
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
+
+namespace vantorelix::host {
+
+void advise_large_pages([[maybe_unused]] void* begin, [[maybe_unused]] std::size_t bytes) noexcept {
+#ifdef __linux__
+  constexpr std::uintptr_t kLargePage = std::uintptr_t{1} << 21;
+  if (bytes < 4 * kLargePage) return;
+  // The whole pages within: what lies before and after may be somebody else's.
+  const auto address = reinterpret_cast<std::uintptr_t>(begin);
+  const std::uintptr_t first = (address + kLargePage - 1) / kLargePage * kLargePage;
+  const std::uintptr_t end = (address + bytes) / kLargePage * kLargePage;
+  madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);  // advice: a refusal changes nothing
+#endif
+}
+
+}  // namespace vantorelix::host
