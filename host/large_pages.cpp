@@ -14,9 +14,9 @@ void advise_large_pages([[maybe_unused]] void* begin, [[maybe_unused]] std::size
   if (bytes < 4 * kLargePage) return;
   // The whole pages within: what lies before and after may be somebody else's.
   const auto address = reinterpret_cast<std::uintptr_t>(begin);
-  const std::uintptr_t first = (address + kLargePage - 1) / kLargePage * kLargePage;
-  const std::uintptr_t end = (address + bytes) / kLargePage * kLargePage;
-  madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);  // advice: a refusal changes nothing
+  const std::size_t before = (kLargePage - address % kLargePage) % kLargePage;
+  const std::size_t whole = (bytes - before) / kLargePage * kLargePage;
+  madvise(static_cast<char*>(begin) + before, whole, MADV_HUGEPAGE);  // advice: a refusal changes nothing
 #endif
 }
 

@@ -30,9 +30,11 @@ Attribute attribute_named(const Scene& scene, const std::string& path) {
 
 Error no_match(const std::string& name) { return Error("No object matches name: " + name, ErrorKind::value); }
 
+bool is_number(const Value& value) { return value.as_bool() || value.as_int() || value.as_float(); }
+
 // A number that a plain numeric attribute takes. Texts are not converted.
 double number(const Value& value) {
-  if (value.as_bool() || value.as_int() || value.as_float()) return value.to_float();
+  if (is_number(value)) return value.to_float();
   if (value.is_none()) throw Error("setAttr: No values given.");
   throw Error("setAttr: Error reading data element number 1: " + value.text());
 }
@@ -173,15 +175,14 @@ std::array<double, 16> Commands::getAttr_matrix(const std::string& attribute, do
 
 void Commands::setAttr(const std::string& attribute, const Value& value) {
   const auto [node, name] = attribute_named(scene_, attribute);
-  const Value* const viz_default = scene_.type(node) == viz_node::kType ? viz_node::default_of(name) : nullptr;
-  if (viz_default) return scene_.set_attribute(node, name, converted(value, *viz_default));
   for (const auto& [display, like] : display_attributes()) {
     if (display != name) continue;
     if (!scene_.has_attribute(node, name)) scene_.add_attribute(node, name, like);
     return scene_.set_attribute(node, name, converted(value, like));
   }
-  if (!scene_.has_attribute(node, name)) throw no_match(attribute);
-  scene_.set_attribute(node, name, value);
+  // A number becomes of the kind that the attribute has.
+  if (!is_number(value) && scene_.type(node) == viz_node::kType && viz_node::default_of(name)) number(value);
+  if (!scene_.set_attribute_if_there(node, name, value)) throw no_match(attribute);
 }
 
 std::vector<double> Commands::keyframe_times(const std::string& node) {

@@ -152,10 +152,12 @@ void FbxReader::note_constraints() {
 }
 
 void FbxReader::note_connections() {
+  const auto connected = [](const ufbx_prop& property) { return (property.flags & UFBX_PROP_FLAG_CONNECTED) != 0; };
   for (const ufbx_node* node : document_->nodes) {
+    if (node->is_root || std::none_of(node->props.props.begin(), node->props.props.end(), connected)) continue;
     for (const FbxNodeProperty& property : kFbxNodeProperties) {
-      const ufbx_prop* const found = node->is_root ? nullptr : ufbx_find_prop(&node->props, property.name);
-      if (found == nullptr || (found->flags & UFBX_PROP_FLAG_CONNECTED) == 0) continue;
+      const ufbx_prop* const found = ufbx_find_prop(&node->props, property.name);
+      if (found == nullptr || !connected(*found)) continue;
       scene_.warn("a property that another one drives keeps the value in the file; bake it before exporting");
       hold_as_unfollowed(*node, "connection", property.name);
     }

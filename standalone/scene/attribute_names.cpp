@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <utility>
 #include <vector>
 
@@ -54,8 +53,6 @@ constexpr std::array<BlendNames, 6> kBlend = {{{"inTranslate", "it", "1"},
                                                {"inRotate", "ir", "2"},
                                                {"outTranslate", "ot", ""},
                                                {"outRotate", "or", ""}}};
-
-std::size_t hash_of(std::string_view name) { return std::hash<std::string_view>()(name); }
 
 // What a name means, by the kind of node.
 struct Meanings {
@@ -149,7 +146,7 @@ bool has_rest(NameSet set, AttributeId id) {
 
 // "translate.translateX" and "worldMatrix[0]" name a part and the only element: the plain name says it all.
 std::string_view plain(std::string_view name) {
-  if (name.ends_with("[0]") && name.find('.') == std::string_view::npos) name.remove_suffix(3);
+  if (name.ends_with(']') && name.ends_with("[0]") && name.find('.') == std::string_view::npos) name.remove_suffix(3);
   return name;
 }
 
@@ -176,13 +173,14 @@ bool is_angle(Channel c) {
 
 AttributeId AttributeNames::find(NameSet set, std::string_view name) const {
   name = plain(name);
-  const std::string_view last = name.substr(name.rfind('.') + 1);
+  const bool compound = name.find('.') != std::string_view::npos;
+  const std::string_view last = compound ? name.substr(name.rfind('.') + 1) : name;
   const std::size_t hash = hash_of(last);
   const std::uint32_t place = known().find(last, hash);
   if (place != HashIndex::kNone)
     if (const AttributeId id = meant(set, known().names[place].second); id != kNone) return id;
-  const std::uint32_t own = own_.find(last.size() == name.size() ? hash : hash_of(name),
-                                      [&](std::uint32_t other) { return own_texts_[other] == name; });
+  const std::uint32_t own =
+      own_.find(compound ? hash_of(name) : hash, [&](std::uint32_t other) { return own_texts_[other] == name; });
   return own == HashIndex::kNone ? kNone : attribute::known_count + own;
 }
 

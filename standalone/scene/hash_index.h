@@ -3,9 +3,40 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <string_view>
 #include <vector>
 
 namespace vantorelix::standalone {
+
+// Of a name, eight bytes at a time. Its upper bits depend on every byte.
+inline std::size_t hash_of(std::string_view text) {
+  constexpr std::uint64_t kOdd = 0x9e3779b97f4a7c15u;
+  std::uint64_t hash = text.size() * kOdd;
+  const auto mix = [&hash](const char* bytes, std::size_t count) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, count);
+    hash = (hash ^ word) * kOdd;
+    hash ^= hash >> 32;
+  };
+  const char* at = text.data();
+  std::size_t left = text.size();
+  for (; left > 8; left -= 8, at += 8) mix(at, 8);
+  // The last eight may overlap those before.
+  if (text.size() >= 8) {
+    mix(at + left - 8, 8);
+  } else if (left >= 4) {
+    std::uint32_t first = 0, last = 0;
+    std::memcpy(&first, at, 4);
+    std::memcpy(&last, at + left - 4, 4);
+    const std::uint64_t both = std::uint64_t{first} << 32 | last;
+    mix(reinterpret_cast<const char*>(&both), 8);
+  } else if (left > 0) {
+    const char few[8] = {at[0], at[left / 2], at[left - 1]};
+    mix(few, 8);
+  }
+  return static_cast<std::size_t>(hash);
+}
 
 // A table of numbers in one piece of memory. What each stands for is the caller's, who gives its hash and tells equals
 // from others: `same(number)`. A number may be in it once.

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <set>
+#include <string>
 #include <unordered_map>
 
 namespace vantorelix::standalone {
@@ -39,6 +41,22 @@ TEST(HashIndex, HoldsWhatWasPutInAndNotTakenOut) {
       for (const auto& [each, expected] : there) ASSERT_EQ(numbers.has(each), expected) << each;
     }
   }
+}
+
+TEST(HashOf, DiffersWithEveryCharacterAndWithTheLength) {
+  std::set<std::size_t> hashes;
+  std::size_t names = 0;
+  for (std::size_t length = 0; length < 30; ++length) {
+    const std::string name(length, 'a');
+    hashes.insert(hash_of(name)), ++names;
+    for (std::size_t i = 0; i < length; ++i)
+      for (const char other : {'b', 'A', '\0'}) {
+        std::string changed = name;
+        changed[i] = other;
+        hashes.insert(hash_of(changed)), ++names;
+      }
+  }
+  EXPECT_EQ(hashes.size(), names);
 }
 
 }  // namespace

@@ -7,7 +7,10 @@ namespace vantorelix::standalone {
 namespace {
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
-bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+bool is_letter(char c) {
+  const char lower = static_cast<char>(c | 0x20);
+  return lower >= 'a' && lower <= 'z';
+}
 
 struct Numbered {
   std::string_view stem;
@@ -55,7 +58,7 @@ std::span<const NodeId> NameTable::nodes(Entry name) const {
 }
 
 NodeId NameTable::in_scope(NodeId scope, Entry name) const {
-  return in_scope_.find(hash_of(scope, name),
+  return in_scope_.find(place_hash(scope, name),
                         [&](NodeId node) { return places_[node].scope == scope && places_[node].name == name; });
 }
 
@@ -99,13 +102,13 @@ NameTable::Entry NameTable::add(NodeId scope, std::string_view text, NodeId node
     entry.nodes.push_back(node);
   }
   entry.global = scope == kGlobalScope;
-  in_scope_.insert(hash_of(scope, name), node);
+  in_scope_.insert(place_hash(scope, name), node);
   return name;
 }
 
 void NameTable::remove(NodeId scope, Entry name, NodeId node) {
   NameEntry& entry = entries_[name];
-  in_scope_.erase(hash_of(scope, name), node);
+  in_scope_.erase(place_hash(scope, name), node);
   if (entry.only == node) {
     entry.only = kNoNode;
   } else {
@@ -137,10 +140,12 @@ void NameTable::forget_numbers(NodeId scope, std::string_view text) {
 
 std::string legal_name(std::string_view name) {
   std::string legal(name);
-  for (char& c : legal)
-    if (!is_letter(c) && !is_digit(c) && c != '_' && c != ':') c = '_';
-  for (std::size_t i = 0; i < legal.size(); ++i)
-    if (is_digit(legal[i]) && (i == 0 || legal[i - 1] == ':')) legal[i] = '_';
+  char before = ':';
+  for (char& c : legal) {
+    const bool kept = is_letter(c) || c == '_' || c == ':' || (is_digit(c) && before != ':');
+    if (!kept) c = '_';
+    before = c;
+  }
   return legal;
 }
 

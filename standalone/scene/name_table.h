@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -52,8 +51,7 @@ class NameTable {
     Entry name;
     std::uint32_t in_nodes;  // of its name
   };
-  static std::size_t hash_of(std::string_view text) { return std::hash<std::string_view>()(text); }
-  static std::size_t hash_of(NodeId scope, Entry name) { return std::size_t{scope} * 0x9e3779b1u + name; }
+  static std::size_t place_hash(NodeId scope, Entry name) { return std::size_t{scope} * 0x9e3779b1u + name; }
   void forget_numbers(NodeId scope, std::string_view text);
 
   std::deque<NameEntry> entries_;

@@ -74,8 +74,9 @@ struct Evaluation {
   std::uint64_t stamp_motion = 0;
   double frame = 0.0;
   TimeCache::Slot slot = TimeCache::kNone;
-  bool slot_known = false;
   TimeCache cache;
+  std::uint64_t expected = 0;  // a bit for each time of the slot's chunk that will be asked for next
+  NodeId keys_read = kNoNode;  // the node whose key times were read last
   std::vector<Record*> stack;
 
   // The plain walks, one for each pair of time and motion.

@@ -179,6 +179,8 @@ class Scene {
   // The script's way: converts, checks locks and connections ("The attribute 'x.y' is locked or connected and
   // cannot be modified."), takes UI units (degrees). Throws "No object matches name: x.y" for an unknown attribute.
   void set_attribute(NodeId node, std::string_view attribute, const host::Value& value);
+  // The same; false where there is no such attribute.
+  bool set_attribute_if_there(NodeId node, std::string_view attribute, const host::Value& value);
   host::Value attribute(NodeId node, std::string_view attribute) const;  // static value, UI units
   bool has_attribute(NodeId node, std::string_view attribute) const;
   // Declares an attribute on one node (addAttr), or sets one that a reader met without declaring it.

@@ -20,17 +20,21 @@ const host::Vectors* vectors_at(const Node& node, AttributeId attribute) {
   return nullptr;
 }
 
-// AttributeNames::kNone where the node has no such attribute.
-AttributeId known(const Scene::Data& scene, const Node& node, std::string_view name) {
+struct Found {
+  AttributeId attribute = AttributeNames::kNone;  // or there is none
+  const host::Value* stored = nullptr;            // null where none is
+};
+
+Found known(const Scene::Data& scene, const Node& node, std::string_view name) {
   const AttributeId attribute = scene.attributes.find(node.type->names, name);
-  const bool there = attribute < attribute::known_count ||
-                     (attribute != AttributeNames::kNone &&
-                      (scene.stored(node, attribute) != nullptr || vectors_at(node, attribute) != nullptr));
-  return there ? attribute : AttributeNames::kNone;
+  if (attribute == AttributeNames::kNone || is_channel(attribute)) return {attribute};
+  const host::Value* const stored = scene.stored(node, attribute);
+  const bool there = attribute < attribute::known_count || stored || vectors_at(node, attribute);
+  return {there ? attribute : AttributeNames::kNone, stored};
 }
 
 AttributeId required(const Scene::Data& scene, const Node& node, std::string_view name) {
-  const AttributeId attribute = known(scene, node, name);
+  const AttributeId attribute = known(scene, node, name).attribute;
   if (attribute == AttributeNames::kNone) throw missing_error(scene.plug_name(node, name));
   return attribute;
 }
@@ -142,19 +146,25 @@ void Scene::set_offset_parent_matrix(NodeId id, const std::array<double, 16>& ma
 }
 
 void Scene::set_attribute(NodeId id, std::string_view name, const host::Value& value) {
+  if (!set_attribute_if_there(id, name, value)) throw missing_error(data_->plug_name(data_->at(id), name));
+}
+
+bool Scene::set_attribute_if_there(NodeId id, std::string_view name, const host::Value& value) {
   Data& d = *data_;
   Node& node = d.at(id);
-  const AttributeId attribute = required(d, node, name);
+  const auto [attribute, before] = known(d, node, name);
+  if (attribute == AttributeNames::kNone) return false;
   require_free(d, node, attribute);
   if (is_channel(attribute)) {
     const auto c = static_cast<Channel>(attribute);
-    return set_channel(id, c, to_inside(c, finite_number(d, node, attribute, value)));
+    set_channel(id, c, to_inside(c, finite_number(d, node, attribute, value)));
+    return true;
   }
-  const host::Value* before = d.stored(node, attribute);
   if (part_count(attribute) == 0 && attribute != attribute::offsetParentMatrix) {
     if (attribute == attribute::matrix || attribute == attribute::worldMatrix)
       throw locked_error(d.plug_name(node, name));
-    return set_plain(d, node, attribute, before ? like(d, node, attribute, *before, value) : value);
+    set_plain(d, node, attribute, before ? like(d, node, attribute, *before, value) : value);
+    return true;
   }
   const std::size_t count = attribute == attribute::offsetParentMatrix ? 16 : 3;
   const host::List* list = value.as_list();
@@ -163,7 +173,10 @@ void Scene::set_attribute(NodeId id, std::string_view name, const host::Value& v
                       host::ErrorKind::type);
   std::array<double, 16> numbers{};
   for (std::size_t k = 0; k < count; ++k) numbers[k] = finite_number(d, node, attribute, (**list)[k]);
-  if (count == 16) return set_offset_parent_matrix(id, numbers);
+  if (count == 16) {
+    set_offset_parent_matrix(id, numbers);
+    return true;
+  }
   for (AttributeId k = 0; k < 3; ++k) {
     const AttributeId each = part(attribute, k);
     if (is_channel(each)) {
@@ -172,6 +185,7 @@ void Scene::set_attribute(NodeId id, std::string_view name, const host::Value& v
       set_plain(d, node, each, host::Value(numbers[k]));
     }
   }
+  return true;
 }
 
 host::Value Scene::attribute(NodeId id, std::string_view name) const {
@@ -193,7 +207,7 @@ host::Value Scene::attribute(NodeId id, std::string_view name) const {
 }
 
 bool Scene::has_attribute(NodeId id, std::string_view name) const {
-  return known(*data_, data_->at(id), name) != AttributeNames::kNone;
+  return known(*data_, data_->at(id), name).attribute != AttributeNames::kNone;
 }
 
 void Scene::add_attribute(NodeId id, std::string_view name, const host::Value& value) {

@@ -1,5 +1,6 @@
 // Connections, and what they say about who drives whom.
 #include <algorithm>
+#include <array>
 #include <unordered_set>
 
 #include "standalone/scene/scene_data.h"
@@ -49,11 +50,10 @@ class CurveSearch {
  private:
   // False when the output was met before. Most nodes have few drivers, which need no hashing.
   bool note(std::uint64_t output) {
-    constexpr std::size_t kFew = 16;
-    if (few_.size() < kFew) {
-      if (std::find(few_.begin(), few_.end(), output) != few_.end()) return false;
-      if (few_.empty()) few_.reserve(kFew);
-      few_.push_back(output);
+    if (few_count_ < few_.size()) {
+      const auto end = few_.begin() + static_cast<std::ptrdiff_t>(few_count_);
+      if (std::find(few_.begin(), end, output) != end) return false;
+      few_[few_count_++] = output;
       return true;
     }
     if (many_.empty()) many_.insert(few_.begin(), few_.end());
@@ -62,9 +62,24 @@ class CurveSearch {
 
   const Scene::Data& scene_;
   std::vector<Input> open_;
-  std::vector<std::uint64_t> few_;  // the first outputs met
+  std::array<std::uint64_t, 16> few_;  // the first outputs met
+  std::size_t few_count_ = 0;
   std::unordered_set<std::uint64_t> many_;
 };
+
+// The curves behind the node's inputs, each once, in the order of the inputs.
+std::vector<const Node*> curves_behind(const Scene::Data& scene, const Node& node) {
+  std::vector<const Node*> curves;
+  const std::vector<Input>& inputs = node.inputs.all();
+  curves.reserve(inputs.size());
+  CurveSearch search(scene);
+  for (const Input& input : inputs)
+    search.behind(input, [&](const Node& curve) {
+      curves.push_back(&curve);
+      return false;
+    });
+  return curves;
+}
 
 std::vector<const Track*> tracks_of(const Scene::Data& scene, NodeId id) {
   std::vector<const Track*> tracks;
@@ -134,34 +149,27 @@ bool Scene::has_keys(NodeId id) const {
 }
 
 std::vector<NodeId> Scene::driving_curves(NodeId id) const {
-  const Data& d = *data_;
   std::vector<NodeId> curves;
-  const std::vector<Input>& inputs = d.at(id).inputs.all();
-  curves.reserve(inputs.size());
-  CurveSearch search(d);
-  for (const Input& input : inputs)
-    search.behind(input, [&](const Node& curve) {
-      curves.push_back(curve.id);
-      return false;
-    });
+  for (const Node* curve : curves_behind(*data_, data_->at(id))) curves.push_back(curve->id);
   return curves;
 }
 
 std::vector<double> Scene::key_times(NodeId id) const {
   std::vector<double> times;
-  const std::vector<NodeId> curves = driving_curves(id);
+  const std::vector<const Node*> curves = curves_behind(*data_, data_->at(id));
   std::size_t count = 0;
-  for (const NodeId driving : curves) count += curve(driving).keys().size();
+  for (const Node* driving : curves) count += driving->curve->keys().size();
   times.reserve(count);
-  for (const NodeId driving : curves) curve(driving).append_key_times(times);
+  for (const Node* driving : curves) driving->curve->append_key_times(times);
   for (const Track* track : tracks_of(*data_, id))
     times.insert(times.end(), track->key_times().begin(), track->key_times().end());
+  data_->evaluation.keys_read = id;
   return times;
 }
 
 std::size_t Scene::key_count(NodeId id) const {
   std::size_t count = 0;
-  for (const NodeId driving : driving_curves(id)) count += curve(driving).keys().size();
+  for (const Node* driving : curves_behind(*data_, data_->at(id))) count += driving->curve->keys().size();
   for (const Track* track : tracks_of(*data_, id)) count += track->key_times().size();
   return count;
 }

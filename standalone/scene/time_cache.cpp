@@ -16,19 +16,24 @@ void TimeCache::clear() {
   std::fill(asked_.begin(), asked_.end(), 0);
 }
 
-TimeCache::Slot TimeCache::look_up(double time) {
+TimeCache::Slot TimeCache::number(double time) {
   const std::uint64_t bits = bits_of(time);
-  Slot slot = slots_.find(hash_of(bits), [&](Slot known) { return bits_of(times_[known]) == bits; });
-  if (slot == HashIndex::kNone) {
-    if (times_.size() == kMostTimes) {
-      note_missing();
-      return kNone;
-    }
-    slot = static_cast<Slot>(times_.size());
-    slots_.insert(hash_of(bits), slot);
-    times_.push_back(time);
-    following_.push_back({});
-    asked_.push_back(0);
+  const Slot known = slots_.find(hash_of(bits), [&](Slot other) { return bits_of(times_[other]) == bits; });
+  if (known != HashIndex::kNone) return known;
+  if (times_.size() == kMostTimes) return kNone;
+  const auto fresh = static_cast<Slot>(times_.size());
+  slots_.insert(hash_of(bits), fresh);
+  times_.push_back(time);
+  following_.push_back({});
+  asked_.push_back(0);
+  return fresh;
+}
+
+TimeCache::Slot TimeCache::look_up(double time) {
+  const Slot slot = number(time);
+  if (slot == kNone) {
+    note_missing();
+    return kNone;
   }
   if (last_ < following_.size()) following_[last_] = {slot, following_[last_][0]};
   return last_ = slot;

@@ -93,6 +93,8 @@ class TimeCache {
         if (bits_of(times_[next]) == bits) return note(last_ = next);
     return note(look_up(frame));
   }
+  // The slot of a time that may be asked for; kNone when no number is left for it.
+  Slot number(double time);
   // A bit for each time of the slot's chunk that was asked for about as often as the slot's since the last clear():
   // what the next node will be asked for, too. One node's own keys are not.
   std::uint64_t usual(Slot slot) const;

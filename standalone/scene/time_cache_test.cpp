@@ -14,6 +14,15 @@ TEST(TimeCache, NumbersEachTimeOnceInWhateverOrderItIsAsked) {
     EXPECT_EQ(cache.slot((i * 7 % 1000) * 0.1), slots[static_cast<std::size_t>(i * 7 % 1000)]);
 }
 
+TEST(TimeCache, NumbersATimeBeforeItIsAskedFor) {
+  TimeCache cache;
+  const TimeCache::Slot first = cache.slot(1.0), expected = cache.number(2.5);
+  EXPECT_EQ(cache.number(1.0), first);
+  EXPECT_EQ(expected, first + 1);
+  EXPECT_EQ(cache.usual(first), std::uint64_t{1} << first) << "nobody asked for the other";
+  EXPECT_EQ(cache.slot(2.5), expected);
+}
+
 TEST(TimeCache, FindsWhatWasPlacedUntilItIsCleared) {
   TimeCache cache;
   CachedMatrices node, other;
