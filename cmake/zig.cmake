@@ -12,3 +12,9 @@ set(CMAKE_MODULE_LINKER_FLAGS_INIT "-s -Wl,--version-script=${CMAKE_CURRENT_LIST
 # The header of CPython 3.7 includes one of glibc's that zig does not have, and uses nothing of it.
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/absent/crypt.h CONTENT "")
 set(CMAKE_CXX_FLAGS_INIT "-isystem ${CMAKE_BINARY_DIR}/absent")
+
+# Debian's header of CPython includes <x86_64-linux-gnu/python3.11/pyconfig.h>, from a folder that holds glibc's headers, too.
+file(GLOB architectures RELATIVE /usr/include /usr/include/*-linux-gnu)
+foreach(architecture ${architectures})
+  file(CREATE_LINK /usr/include/${architecture} ${CMAKE_BINARY_DIR}/absent/${architecture} SYMBOLIC)
+endforeach()
