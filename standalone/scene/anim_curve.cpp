@@ -61,7 +61,7 @@ void AnimCurve::assign(std::vector<Key> keys, bool weighted, Infinity pre, Infin
   weighted_ = weighted;
   pre_ = pre;
   post_ = post;
-  rebuild();
+  keys_changed();
 }
 
 void AnimCurve::set_key(double time, double value) {
@@ -81,35 +81,41 @@ void AnimCurve::set_key(const Key& key) {
     *place = key;
   else
     keys_.insert(place, key);
-  rebuild();
+  keys_changed();
 }
 
 bool AnimCurve::remove_key(double time) {
   const auto place = std::find_if(keys_.begin(), keys_.end(), [time](const Key& key) { return key.time == time; });
   if (place == keys_.end()) return false;
   keys_.erase(place);
-  rebuild();
+  keys_changed();
   return true;
 }
 
 void AnimCurve::set_weighted(bool weighted) {
   weighted_ = weighted;
-  rebuild();
+  keys_changed();
 }
 
 void AnimCurve::set_infinity(Infinity pre, Infinity post) {
   pre_ = pre;
   post_ = post;
-  rebuild();
+  keys_changed();
 }
 
 void AnimCurve::set_frames_per_second(double frames_per_second) {
   require_rate(frames_per_second);
   frames_per_second_ = frames_per_second;
-  rebuild();
+  keys_changed();
 }
 
-void AnimCurve::rebuild() {
+void AnimCurve::keys_changed() {
+  prepared_ = false;
+  segment_count_ = 0;
+  even_count_ = 0.0;
+}
+
+void AnimCurve::rebuild() const {
   CurveSegments made = build_segments(keys_, weighted_, frames_per_second_);
   segments_ = std::move(made.segments);
   values_ = std::move(made.values);
@@ -119,6 +125,7 @@ void AnimCurve::rebuild() {
   constant_ = true;
   steady_ = false;
   find_even_spacing();
+  prepared_ = true;
   if (keys_.empty()) return;
 
   segments_per_frame_ = static_cast<double>(segment_count_ - 1) / (keys_.back().time - keys_.front().time);
@@ -141,7 +148,7 @@ void AnimCurve::rebuild() {
   if (repeats(post_)) after.set_not_cubic();
 }
 
-void AnimCurve::find_even_spacing() {
+void AnimCurve::find_even_spacing() const {
   even_count_ = 0.0;
   if (segment_count_ < 2) return;
   const auto between = static_cast<double>(segment_count_ - 1);
@@ -154,6 +161,7 @@ void AnimCurve::find_even_spacing() {
 }
 
 void AnimCurve::evaluate(std::span<const double> frames, double* values, std::size_t& hint, KeyPlaces& places) const {
+  prepare();
   if (steady_) {
     std::fill_n(values, frames.size(), values_[0]);
     return;
@@ -217,6 +225,7 @@ bool AnimCurve::rise_at_once(std::span<const double> frames, double* values, std
 
 double AnimCurve::evaluate_elsewhere(double frame, std::size_t& hint) const {
   if (keys_.empty()) return 0.0;
+  prepare();
   const Key& first = keys_.front();
   const Key& last = keys_.back();
   if (frame < first.time) {

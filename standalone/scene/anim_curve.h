@@ -21,11 +21,10 @@ struct KeyPlaces {
   std::array<double, 64> since;                   // and frames since then
 };
 
-// Keys are kept ascending in time, one per time. Any change recomputes the whole curve's polynomials (about 10 ns a
-// key), so that evaluation is a look-up and a cubic. A key costs 96 bytes in all; readers that reserve the number of
-// keys before filling the vector they hand to assign waste nothing.
-//
-// A curve that no one changes may be evaluated from several threads at once.
+// Keys are kept ascending in time, one per time. Evaluation is a look-up and a cubic: the first one after a change
+// computes the whole curve's polynomials (about 10 ns a key), so that a curve that nobody asks costs its keys alone. A
+// key costs 56 bytes, and 40 more once it was evaluated; readers that reserve the number of keys before filling the
+// vector they hand to assign waste nothing. One thread at a time.
 class AnimCurve {
  public:
   explicit AnimCurve(CurveKind kind = CurveKind::linear, double frames_per_second = 24.0);
@@ -85,12 +84,19 @@ class AnimCurve {
     return evaluate(frame, hint);
   }
   // True when every frame gives the same value.
-  bool is_constant() const { return constant_; }
+  bool is_constant() const {
+    prepare();
+    return constant_;
+  }
 
  private:
   double even_start(std::ptrdiff_t i) const { return even_first_ + static_cast<double>(i) * even_length_; }
-  void rebuild();
-  void find_even_spacing();
+  void keys_changed();
+  void prepare() const {
+    if (!prepared_) rebuild();
+  }
+  void rebuild() const;
+  void find_even_spacing() const;
   bool evaluate_even(std::span<const double> frames, double* values, KeyPlaces& places) const;
   void find_places(std::span<const double> frames, KeyPlaces& places) const;
   bool rise_at_once(std::span<const double> frames, double* values, std::size_t& hint) const;
@@ -99,24 +105,27 @@ class AnimCurve {
   double evaluate_inside(double frame, std::size_t& hint) const;
   std::size_t locate(double frame, std::size_t hint) const;
 
+  // What evaluation looks at, made by prepare(). Until then it finds no segments, which is what sends it there.
+
   // One for each key and, last, one that starts at infinity, so that segment i ends where i + 1 starts. The last
   // key's holds the constant or linear continuation. Not counted: the one at infinity.
-  std::vector<CurveSegment> segments_;
-  std::vector<double> values_;  // beside segments_, what they rise from
-  std::size_t segment_count_ = 0;
+  mutable std::vector<CurveSegment> segments_;
+  mutable std::vector<double> values_;  // beside segments_, what they rise from
+  mutable std::size_t segment_count_ = 0;
   // How many segments there are when all start where even_start() says, to the last bit; else 0.
-  double even_count_ = 0.0;
-  double even_first_ = 0.0, even_length_ = 0.0, even_per_frame_ = 0.0;
-  double segments_per_frame_ = 0.0;                 // on average: the first guess of a search
-  std::vector<WeightedSegment> weighted_segments_;  // beside segments_, or empty when no segment bends time
-  double pre_slope_ = 0.0;                          // of the continuation before the first key
+  mutable double even_count_ = 0.0;
+  mutable double even_first_ = 0.0, even_length_ = 0.0, even_per_frame_ = 0.0;
+  mutable double segments_per_frame_ = 0.0;                 // on average: the first guess of a search
+  mutable std::vector<WeightedSegment> weighted_segments_;  // beside segments_, or empty when no segment bends time
+  mutable double pre_slope_ = 0.0;                          // of the continuation before the first key
+  mutable bool constant_ = true;
+  mutable bool steady_ = false;  // constant to the last bit: no key is at -0, which becomes 0 between keys
+  mutable bool prepared_ = false;
 
   CurveKind kind_;
   bool weighted_ = false;
   Infinity pre_ = Infinity::constant;
   Infinity post_ = Infinity::constant;
-  bool constant_ = true;
-  bool steady_ = false;  // constant to the last bit: no key is at -0, which becomes 0 between keys
   double frames_per_second_;
   std::vector<Key> keys_;
 };

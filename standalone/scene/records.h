@@ -75,8 +75,10 @@ struct Evaluation {
   double frame = 0.0;
   TimeCache::Slot slot = TimeCache::kNone;
   TimeCache cache;
-  std::uint64_t expected = 0;  // a bit for each time of the slot's chunk that will be asked for next
-  NodeId keys_read = kNoNode;  // the node whose key times were read last
+  const Record* asked = nullptr;  // whose place the sample is wanted for
+  std::uint64_t expected = 0;     // a bit for each time of the slot's chunk that will be asked for next,
+  std::uint64_t expected_at = 0;  // as found at this stamp
+  NodeId keys_read = kNoNode;     // the node whose key times were read last
   std::vector<Record*> stack;
 
   // The plain walks, one for each pair of time and motion.

@@ -147,6 +147,42 @@ void move_locals(Record& r, Block& b) {
   for (std::size_t j = 0; j < 3; ++j) std::copy_n(b.at(Channel::translateX, j), b.size, b.local.at[9 + j]);
 }
 
+// The times of the sample's chunk at which the node has its keys from now on.
+std::uint64_t next_keys(Evaluation& e, const Record& asked) {
+  constexpr std::size_t kMost = MatrixChunk::kSlots;
+  std::array<std::span<const Key>, kChannelCount> ahead;
+  std::size_t curves = 0;
+  for (const DrivenChannel& d : asked.driven) {
+    if (!d.curve) continue;
+    const std::vector<Key>& keys = d.curve->keys();
+    const auto next = std::lower_bound(keys.begin(), keys.end(), e.frame,
+                                       [](const Key& key, double frame) { return key.time < frame; });
+    ahead[curves++] = {next, keys.end()};
+  }
+  std::uint64_t bits = std::uint64_t{1} << e.slot % kMost;
+  double time = e.frame;
+  for (std::size_t i = 0; i < kMost; ++i) {
+    double next = std::numeric_limits<double>::infinity();
+    for (std::span<const Key>& keys : std::span(ahead).first(curves)) {
+      if (!keys.empty() && keys.front().time == time) keys = keys.subspan(1);
+      if (!keys.empty()) next = std::min(next, keys.front().time);
+    }
+    time = next;
+    const TimeCache::Slot slot = std::isinf(time) ? TimeCache::kNone : e.cache.number(time);
+    if (slot == TimeCache::kNone) break;
+    if (slot / kMost == e.slot / kMost) bits |= std::uint64_t{1} << slot % kMost;
+  }
+  return bits;
+}
+
+// The times of the sample's chunk that will be asked for next. Whoever has read when a node has its keys asks where it
+// is then; others ask at the times at which everybody does.
+std::uint64_t expected_times(Evaluation& e) {
+  if (e.expected_at == e.stamp) return e.expected;
+  e.expected_at = e.stamp;
+  return e.expected = e.keys_read == e.asked->node ? next_keys(e, *e.asked) : e.cache.usual(e.slot);
+}
+
 // At once for all times around this one that are expected and at which the parent's matrix is there. False, and nothing
 // done, where that is the time of this sample alone, or where there is more to the matrix than channels and a parent.
 bool move_world_ahead(Evaluation& e, Record& r, MatrixChunk& own) {
@@ -155,7 +191,7 @@ bool move_world_ahead(Evaluation& e, Record& r, MatrixChunk& own) {
   const MatrixChunk* const parents = follows ? e.cache.chunk_with(r.parent->cached, e.slot) : nullptr;
   if (follows && parents == nullptr) return false;
   const std::uint64_t there = follows ? parents->valid : ~std::uint64_t{0};
-  const std::uint64_t wanted = there & ~own.valid & e.expected;
+  const std::uint64_t wanted = there & ~own.valid & expected_times(e);
   const int place = static_cast<int>(e.slot % MatrixChunk::kSlots);
   const int after = std::countr_one(wanted >> place);
   const int before = std::countl_one(wanted << (63 - place)) - 1;
@@ -223,39 +259,10 @@ void know(Evaluation& e, Record& target) {
   }
 }
 
-// The times of the sample's chunk at which the node has its keys from now on.
-std::uint64_t next_keys(Evaluation& e, const Record& asked) {
-  constexpr std::size_t kMost = MatrixChunk::kSlots;
-  std::array<std::span<const Key>, kChannelCount> ahead;
-  std::size_t curves = 0;
-  for (const DrivenChannel& d : asked.driven) {
-    if (!d.curve) continue;
-    const std::vector<Key>& keys = d.curve->keys();
-    const auto next = std::lower_bound(keys.begin(), keys.end(), e.frame,
-                                       [](const Key& key, double frame) { return key.time < frame; });
-    ahead[curves++] = {next, keys.end()};
-  }
-  std::uint64_t bits = std::uint64_t{1} << e.slot % kMost;
-  double time = e.frame;
-  for (std::size_t i = 0; i < kMost; ++i) {
-    double next = std::numeric_limits<double>::infinity();
-    for (std::span<const Key>& keys : std::span(ahead).first(curves)) {
-      if (!keys.empty() && keys.front().time == time) keys = keys.subspan(1);
-      if (!keys.empty()) next = std::min(next, keys.front().time);
-    }
-    time = next;
-    const TimeCache::Slot slot = std::isinf(time) ? TimeCache::kNone : e.cache.number(time);
-    if (slot == TimeCache::kNone) break;
-    if (slot / kMost == e.slot / kMost) bits |= std::uint64_t{1} << slot % kMost;
-  }
-  return bits;
-}
-
-// As know, for the sake of a node that is asked for. Whoever has read when a node has its keys asks where it is then;
-// others ask at the times at which everybody does.
+// As know, for the sake of a node that is asked for.
 void know_for(Evaluation& e, const Record& asked, Record& target) {
-  if (is_known(e, target)) return;
-  if (e.slot != TimeCache::kNone) e.expected = e.keys_read == asked.node ? next_keys(e, asked) : e.cache.usual(e.slot);
+  e.asked = &asked;
+  e.expected_at = 0;
   know(e, target);
 }
 
