@@ -67,6 +67,14 @@ std::vector<double> Session::edit_and_rebuild() {
   return slices;
 }
 
+double Session::bare_slice() {
+  const double start = now();
+  const double deadline = host_.interpreter().time() + _CHUNK_BUDGET;
+  while (host_.interpreter().time() < deadline) {
+  }
+  return now() - start;
+}
+
 double Session::unit() {
   auto& [viz, settings] = *_REGISTRY.begin();
   const auto points = host_.scene().vectors(host_.scene().shapes(host_.scene().require(viz)).front(), "points");

@@ -19,6 +19,8 @@ class Session {
   void edit();
   // An edit, and the queue until every trail is exact again: seconds of each slice.
   std::vector<double> edit_and_rebuild();
+  // What the machine makes of a slice's budget: seconds that reading the engine's clock until it is over takes.
+  double bare_slice();
   // Seconds of the longest unit that a slice cannot interrupt, the end of one trail (median of many).
   double unit();
   void clear();
