@@ -1,5 +1,7 @@
 #include "engine/frame/state.h"
 
+#include <iterator>
+
 #include "engine/bootstrap/paths.h"
 
 namespace vantorelix {
@@ -31,13 +33,17 @@ std::string plugin_beside(const std::string& module_file) {
 }  // namespace
 
 WorkItem& WorkItems::operator[](std::size_t n) {
-  while (made_.size() <= n) {
-    const auto& [viz, settings] = (*trails_)[made_.size()];
+  while (dropped_ + made_.size() <= n) {
+    const auto& [viz, settings] = (*trails_)[dropped_ + made_.size()];
     WorkItem& made = made_.emplace_back();
     made.viz = viz;
     made.settings = settings;
   }
-  return made_[n];
+  return *std::next(made_.begin(), static_cast<std::ptrdiff_t>(n - dropped_));
+}
+
+void WorkItems::drop_before(std::size_t n) {
+  for (; dropped_ < n && !made_.empty(); ++dropped_) made_.pop_front();
 }
 
 void _initialise(const Handles& handles) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -44,20 +44,23 @@ struct WorkItem {
   std::size_t ki = 0;  // next key time to evaluate
 };
 
-// One item for each trail of a snapshot, in its order. An item is made when it is first asked for, so that a list of
-// any length is ready at once.
+// One item for each trail of a snapshot, in its order. An item is made when it is first asked for, and can be given up
+// when it is done: a list of any length is ready at once, and gone at once.
 class WorkItems {
  public:
   WorkItems() = default;
   explicit WorkItems(std::shared_ptr<const Registry::Snapshot> trails) : trails_(std::move(trails)) {}
 
   std::size_t size() const { return trails_ ? trails_->size() : 0; }
-  // Valid as long as the list lives; n < size().
+  // n < size(), and not given up. Valid until it is.
   WorkItem& operator[](std::size_t n);
+  // Gives up the items before the n-th.
+  void drop_before(std::size_t n);
 
  private:
   std::shared_ptr<const Registry::Snapshot> trails_;
-  std::deque<WorkItem> made_;  // the first items
+  std::size_t dropped_ = 0;
+  std::list<WorkItem> made_;  // the first items after those: one, as the queue goes
 };
 
 struct WorkRecord {

@@ -210,6 +210,20 @@ TEST(WorkItems, AreMadeInTheOrderOfTheTrailsWhicheverIsAskedForFirst) {
   EXPECT_EQ(WorkItems().size(), 0u);
 }
 
+TEST(WorkItems, AreGivenUpFromTheFirstOn) {
+  Registry registry;
+  for (const char* name : {"a", "b", "c"}) registry[name] = std::make_shared<Settings>();
+  WorkItems items(registry.snapshot());
+  const std::weak_ptr<std::vector<Position>> first = items[0].pos, second = items[1].pos;
+  items.drop_before(1);
+  EXPECT_TRUE(first.expired());
+  EXPECT_FALSE(second.expired());
+  EXPECT_EQ(items.size(), 3u);
+  EXPECT_EQ(items[2].viz, "c");
+  items.drop_before(3);
+  EXPECT_TRUE(second.expired());
+}
+
 TEST(OrderedMap, AMissingKeyIsNamedInQuotes) {
   const Settings settings;
   try {

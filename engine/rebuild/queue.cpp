@@ -70,7 +70,6 @@ bool advance_item(WorkItem& it, const WorkRecord& work, double deadline) {
   }
   if (!sample_until(deadline, *it.ktimes, it.ki, *it.kpos, *sampler)) return false;
   _finish_trail(it, work);
-  it.sampler.reset();  // one at a time: all of them at once would overrun the last step
   return true;
 }
 
@@ -87,7 +86,7 @@ bool advance_guarded(WorkItem& it, const WorkRecord& work, double deadline) {
 void work_until(double deadline, WorkRecord& work) {
   while (work.k < work.items.size() && interpreter->time() < deadline) {
     if (!advance_guarded(work.items[work.k], work, deadline)) return;
-    ++work.k;
+    work.items.drop_before(++work.k);  // one at a time: all of them at once would overrun the last step
   }
 }
 

@@ -42,6 +42,7 @@ void _schedule_rebuild() {
   if (_PENDING) return;
   if (rebuilt_in_batch_mode()) return;
   _PENDING = true;
+  _REGISTRY.snapshot();  // what the first step works through: the wait for the last edit pays for it, not a slice
   if (_defer_rebuild_step()) return;
   _PENDING = false;
   _rebuild_all_sync();
