@@ -1,5 +1,6 @@
 // Scene files of the user's choice: VANTORELIX_BENCH_SCENES names them, separated by ":".
 #include <benchmark/benchmark.h>
+#include <cgltf.h>
 #include <ufbx.h>
 
 #include <cstdlib>
@@ -33,8 +34,19 @@ void file_load(State& state, const fs::path& file) {
   }
 }
 
-// The library alone, as it comes.
-void file_parse(State& state, const fs::path& file) {
+// The libraries alone, as they come.
+void gltf_parse(State& state, const fs::path& file) {
+  for ([[maybe_unused]] auto _ : state) {
+    const cgltf_options options = {};
+    cgltf_data* document = nullptr;
+    if (cgltf_parse_file(&options, file.c_str(), &document) != cgltf_result_success ||
+        cgltf_load_buffers(&options, document, file.c_str()) != cgltf_result_success)
+      return state.SkipWithError("the library does not read this file");
+    cgltf_free(document);
+  }
+}
+
+void fbx_parse(State& state, const fs::path& file) {
   for ([[maybe_unused]] auto _ : state) {
     ufbx_scene* const document = ufbx_load_file(file.c_str(), nullptr, nullptr);
     if (document == nullptr) return state.SkipWithError("the library does not read this file");
@@ -50,7 +62,9 @@ const bool kRegistered = [] {
     const std::string name = file.filename().string();
     benchmark::RegisterBenchmark(("file_trails/" + name).c_str(), file_trails, file)->UseManualTime();
     benchmark::RegisterBenchmark(("file_load/" + name).c_str(), file_load, file);
-    if (file.extension() == ".fbx") benchmark::RegisterBenchmark(("file_parse/" + name).c_str(), file_parse, file);
+    const bool gltf = file.extension() == ".gltf" || file.extension() == ".glb";
+    if (gltf) benchmark::RegisterBenchmark(("file_parse/" + name).c_str(), gltf_parse, file);
+    if (file.extension() == ".fbx") benchmark::RegisterBenchmark(("file_parse/" + name).c_str(), fbx_parse, file);
   }
   return true;
 }();

@@ -74,35 +74,41 @@ struct Elements {
 }  // namespace
 
 std::vector<double> GltfDocument::numbers(const cgltf_accessor& accessor) {
-  const std::string label = "accessor " + std::to_string(&accessor - data_->accessors);
+  const auto label = [&] { return "accessor " + std::to_string(&accessor - data_->accessors); };
   const cgltf_component_type type = accessor.component_type;
   const std::size_t width = cgltf_num_components(accessor.type), size = size_of(type);
   if (size == 0 || type == cgltf_component_type_r_32u) {
-    fail(label + " is of a component type that animation does not have; export the file again");
+    fail(label() + " is of a component type that animation does not have; export the file again");
   }
   if (type != cgltf_component_type_r_32f && !accessor.normalized) {
-    fail(label + " holds integers that are not marked as normalized; export the file again");
+    fail(label() + " holds integers that are not marked as normalized; export the file again");
   }
   std::string_view bytes;
   const Elements all = {accessor.offset, width * size, accessor.stride, accessor.count};
   if (accessor.buffer_view != nullptr) {
     bytes = bytes_of(*accessor.buffer_view);
     if (all.stride < all.size || !all.lie_within(bytes)) {
-      fail(label + " reaches beyond the end of its buffer view; the file is damaged, export it again");
+      fail(label() + " reaches beyond the end of its buffer view; the file is damaged, export it again");
     }
   }
   take(accessor.count, width * sizeof(double));
   std::vector<double> values(accessor.count * width, 0.0);
   if (accessor.buffer_view != nullptr) {
-    for (std::size_t i = 0; i < accessor.count; ++i) {
-      const char* const element = bytes.data() + all.offset + i * all.stride;
-      for (std::size_t k = 0; k < width; ++k) values[i * width + k] = component(element + k * size, type);
+    const auto read = [&](auto number) {
+      const char* element = bytes.data() + all.offset;
+      for (std::size_t i = 0; i < accessor.count; ++i, element += all.stride)
+        for (std::size_t k = 0; k < width; ++k) values[i * width + k] = number(element + k * size);
+    };
+    if (type == cgltf_component_type_r_32f) {
+      read([](const char* p) { return static_cast<double>(value_at<float>(p)); });
+    } else {
+      read([type](const char* p) { return component(p, type); });
     }
   }
   if (accessor.is_sparse) place_sparse(accessor, width, values);
-  for (const double value : values) {
-    if (!std::isfinite(value)) fail(label + " holds a number that is not finite; correct it or export again");
-  }
+  double zero = 0.0;
+  for (const double value : values) zero += value - value;  // not a number where one is not finite
+  if (zero != 0.0) fail(label() + " holds a number that is not finite; correct it or export again");
   return values;
 }
 

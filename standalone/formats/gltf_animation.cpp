@@ -18,7 +18,7 @@ namespace {
 
 // What keeping a key takes: of a curve, with the vectors that it is built from, and of a track.
 constexpr std::uint64_t kCurveKeyBytes = 160;
-constexpr std::uint64_t kTrackKeyBytes = sizeof(GltfRotation::Key) + sizeof(double);
+constexpr std::uint64_t kTrackKeyBytes = sizeof(Quaternion) + sizeof(GltfRotation::Tangents) + sizeof(double);
 
 std::string_view attribute_of(cgltf_animation_path_type path) {
   switch (path) {
@@ -113,22 +113,27 @@ class ClipReader {
     return name;
   }
 
+  std::string label(const cgltf_accessor& accessor) const {
+    return "accessor " + std::to_string(&accessor - document_.data().accessors);
+  }
+
   const Times& times_of(const cgltf_accessor& accessor) {
     const auto known = times_.find(&accessor);
     if (known != times_.end()) return known->second;
-    const std::string label = "accessor " + std::to_string(&accessor - document_.data().accessors);
     if (accessor.type != cgltf_type_scalar || accessor.component_type != cgltf_component_type_r_32f) {
-      document_.fail(label + " holds key times and is no list of floats; export the file again");
+      document_.fail(label(accessor) + " holds key times and is no list of floats; export the file again");
     }
     const std::vector<double> seconds = document_.numbers(accessor);
-    if (seconds.empty()) document_.fail(label + " holds key times, but none; export the file again");
+    if (seconds.empty()) document_.fail(label(accessor) + " holds key times, but none; export the file again");
     document_.take(seconds.size(), 2 * sizeof(double));
     Times times;
     times.in_file = seconds.size();
+    times.frames.reserve(seconds.size());
+    times.kept.reserve(seconds.size());
     for (std::size_t i = 0; i < seconds.size(); ++i) {
       const double frame = seconds[i] * fps_;
       if (i != 0 && seconds[i] < seconds[i - 1]) {
-        document_.fail(label + " holds key times that go back; export the file again");
+        document_.fail(label(accessor) + " holds key times that go back; export the file again");
       }
       if (!times.frames.empty() && frame == times.frames.back()) {
         scene_.warn("of two keys at the same time only the later counts");
@@ -144,17 +149,17 @@ class ClipReader {
   // The numbers of a channel's keys; of a spline three for each: in tangent, value, out tangent.
   std::vector<double> values_of(const cgltf_animation_channel& channel, const Times& times) {
     const cgltf_accessor& output = *channel.sampler->output;
-    const std::string label = "accessor " + std::to_string(&output - document_.data().accessors);
     const bool rotation = channel.target_path == cgltf_animation_path_type_rotation;
     if (output.type != (rotation ? cgltf_type_vec4 : cgltf_type_vec3) ||
         (!rotation && output.component_type != cgltf_component_type_r_32f)) {
-      document_.fail(label + " holds " + std::string(attribute_of(channel.target_path)) + " keys and is no list of " +
-                     (rotation ? "quaternions" : "three floats") + "; export the file again");
+      document_.fail(label(output) + " holds " + std::string(attribute_of(channel.target_path)) +
+                     " keys and is no list of " + (rotation ? "quaternions" : "three floats") +
+                     "; export the file again");
     }
     const std::size_t per_key = interpolation_of(*channel.sampler) == GltfInterpolation::cubic_spline ? 3 : 1;
     if (output.count / per_key != times.in_file || output.count % per_key != 0) {
-      document_.fail(label + " has " + std::to_string(output.count) + " values for " + std::to_string(times.in_file) +
-                     " key times; the file is damaged, export it again");
+      document_.fail(label(output) + " has " + std::to_string(output.count) + " values for " +
+                     std::to_string(times.in_file) + " key times; the file is damaged, export it again");
     }
     return document_.numbers(output);
   }
@@ -213,24 +218,20 @@ class ClipReader {
     const auto quaternion = [&values](std::size_t at) {
       return Quaternion{values[4 * at], values[4 * at + 1], values[4 * at + 2], values[4 * at + 3]};
     };
-    std::vector<GltfRotation::Key> keys;
-    keys.reserve(times.frames.size());
+    const bool spline = interpolation == GltfInterpolation::cubic_spline;
+    GltfRotation::Keys keys = {times.frames, {}, {}};
+    keys.values.reserve(times.kept.size());
+    if (spline) keys.tangents.reserve(times.kept.size());
     for (const std::size_t i : times.kept) {
-      GltfRotation::Key key;
-      if (interpolation == GltfInterpolation::cubic_spline) {
-        key = {quaternion(3 * i + 1), quaternion(3 * i), quaternion(3 * i + 2)};
-      } else {
-        key.value = quaternion(i);
-      }
-      if (Quaternion q = key.value; !normalise(q)) {
+      keys.values.push_back(quaternion(spline ? 3 * i + 1 : i));
+      if (spline) keys.tangents.push_back({quaternion(3 * i), quaternion(3 * i + 2)});
+      if (keys.values.back() == Quaternion{}) {
         document_.fail("channel " + std::to_string(number) + " of the clip has a rotation of length 0 at its key " +
                        std::to_string(i) + "; correct it or export again");
       }
-      keys.push_back(key);
     }
-    const NodeId track =
-        scene_.create_track(std::make_shared<GltfRotation>(times.frames, std::move(keys), interpolation, fps_),
-                            std::string(scene_.short_name(node)) + "_rotate");
+    const NodeId track = scene_.create_track(std::make_shared<GltfRotation>(std::move(keys), interpolation, fps_),
+                                             std::string(scene_.short_name(node)) + "_rotate");
     scene_.connect(track, "output", node, "rotate");
   }
 

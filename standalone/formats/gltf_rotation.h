@@ -15,30 +15,30 @@ enum class GltfInterpolation { step, linear, cubic_spline };
 // Angles for the rotate order xyz. Before its first and after its last key it holds their rotations.
 class GltfRotation : public Track {
  public:
-  struct Key {
-    Quaternion value = {0, 0, 0, 1};  // not of length 0
-    // Of a spline: components a second.
-    Quaternion in = {};
-    Quaternion out = {};
+  // Of a spline's key: components a second.
+  struct Tangents {
+    Quaternion in, out;
+  };
+  struct Keys {
+    std::vector<double> times;       // frames, strictly ascending; at least one
+    std::vector<Quaternion> values;  // not of length 0
+    std::vector<Tangents> tangents;  // of a spline, else empty
   };
 
-  // `times` in frames, strictly ascending, one for each key, at least one.
-  GltfRotation(std::vector<double> times, std::vector<Key> keys, GltfInterpolation interpolation,
-               double frames_per_second);
+  GltfRotation(Keys keys, GltfInterpolation interpolation, double frames_per_second);
 
   std::array<double, 3> at(double frame) const override;
-  const std::vector<double>& key_times() const override { return times_; }
-  bool moves() const override { return moves_; }
+  const std::vector<double>& key_times() const override { return keys_.times; }
+  bool moves() const override;
 
  private:
   Quaternion between(std::size_t key, double frame) const;
-  bool find_motion() const;
+  // What a key says, of length 1 where it is not a spline that passes through it.
+  Quaternion value(std::size_t key) const;
 
-  std::vector<double> times_;
-  std::vector<Key> keys_;
+  Keys keys_;
   GltfInterpolation interpolation_;
   double frames_per_second_;
-  bool moves_;
 };
 
 }  // namespace vantorelix::standalone
