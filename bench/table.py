@@ -79,7 +79,7 @@ def note_fastest(best, scene, held, ways, version, threads):
 
 
 def run_peers(interpreters, frames_of_files):
-    """Scene -> (seconds, who) of the fastest peer, of a file's name seconds a sample; empty when there is none."""
+    """Scene -> (seconds, who) of the fastest peer, of a file's (name, way) seconds a sample; empty when there is none."""
     best = {}
     with tempfile.TemporaryDirectory() as folder:
         clip, out = os.path.join(folder, "clip.bvh"), os.path.join(folder, "out.json")
@@ -92,7 +92,9 @@ def run_peers(interpreters, frames_of_files):
         if files:
             for threads, report in reports_of_peers(interpreters, "blender_files.py", [out] + files, out):
                 for name, found in report["files"].items():
-                    note_fastest(best, name, found["objects"] * found["frames"], found["ways"], report["version"], threads)
+                    for way, seconds in found["ways"].items():
+                        note_fastest(best, (name, way), found["objects"] * found["frames"], {way: seconds},
+                                     report["version"], threads)
     return best
 
 
@@ -148,8 +150,7 @@ def file_rows(table, ours, peers, files):
     for name in map(os.path.basename, files):
         run = ours["file_trails/" + name]
         measured = run["real_time"] * 1e-3 / run["unit"]
-        if name in peers:
-            seconds, who = peers[name]
+        for seconds, who in (peers[name, way] for way in ("motion paths", "frame_set loop") if (name, way) in peers):
             table.add("trails of everything in " + name, measured, seconds * 1e6 / TIMES_LESS, "us a sample",
                       "%.4g (%s)" % (seconds * 1e6, who), "%.1f" % (seconds * 1e6 / measured))
         if "file_parse/" + name in ours:
