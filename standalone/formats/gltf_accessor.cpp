@@ -73,22 +73,25 @@ struct Elements {
 
 }  // namespace
 
+std::string GltfDocument::label(const cgltf_accessor& accessor) const {
+  return "accessor " + std::to_string(&accessor - data_->accessors);
+}
+
 std::vector<double> GltfDocument::numbers(const cgltf_accessor& accessor) {
-  const auto label = [&] { return "accessor " + std::to_string(&accessor - data_->accessors); };
   const cgltf_component_type type = accessor.component_type;
   const std::size_t width = cgltf_num_components(accessor.type), size = size_of(type);
   if (size == 0 || type == cgltf_component_type_r_32u) {
-    fail(label() + " is of a component type that animation does not have; export the file again");
+    fail(label(accessor) + " is of a component type that animation does not have; export the file again");
   }
   if (type != cgltf_component_type_r_32f && !accessor.normalized) {
-    fail(label() + " holds integers that are not marked as normalized; export the file again");
+    fail(label(accessor) + " holds integers that are not marked as normalized; export the file again");
   }
   std::string_view bytes;
   const Elements all = {accessor.offset, width * size, accessor.stride, accessor.count};
   if (accessor.buffer_view != nullptr) {
     bytes = bytes_of(*accessor.buffer_view);
     if (all.stride < all.size || !all.lie_within(bytes)) {
-      fail(label() + " reaches beyond the end of its buffer view; the file is damaged, export it again");
+      fail(label(accessor) + " reaches beyond the end of its buffer view; the file is damaged, export it again");
     }
   }
   take(accessor.count, width * sizeof(double));
@@ -108,28 +111,28 @@ std::vector<double> GltfDocument::numbers(const cgltf_accessor& accessor) {
   if (accessor.is_sparse) place_sparse(accessor, width, values);
   double zero = 0.0;
   for (const double value : values) zero += value - value;  // not a number where one is not finite
-  if (zero != 0.0) fail(label() + " holds a number that is not finite; correct it or export again");
+  if (zero != 0.0) fail(label(accessor) + " holds a number that is not finite; correct it or export again");
   return values;
 }
 
 void GltfDocument::place_sparse(const cgltf_accessor& accessor, std::size_t width, std::vector<double>& values) {
-  const std::string label = "the sparse part of accessor " + std::to_string(&accessor - data_->accessors);
+  const std::string part = "the sparse part of " + label(accessor);
   const cgltf_accessor_sparse& sparse = accessor.sparse;
   const cgltf_component_type index_type = sparse.indices_component_type;
   const bool is_index = index_type == cgltf_component_type_r_8u || index_type == cgltf_component_type_r_16u ||
                         index_type == cgltf_component_type_r_32u;
-  if (!is_index) fail(label + " has indices that are no unsigned integers; export the file again");
+  if (!is_index) fail(part + " has indices that are no unsigned integers; export the file again");
   const std::size_t index_size = size_of(index_type), size = size_of(accessor.component_type);
   const std::string_view indices = bytes_of(*sparse.indices_buffer_view);
   const std::string_view replacements = bytes_of(*sparse.values_buffer_view);
   const Elements index = {sparse.indices_byte_offset, index_size, index_size, sparse.count};
   const Elements element = {sparse.values_byte_offset, width * size, width * size, sparse.count};
   if (sparse.count > accessor.count || !index.lie_within(indices) || !element.lie_within(replacements)) {
-    fail(label + " reaches beyond the end of its buffer view; the file is damaged, export it again");
+    fail(part + " reaches beyond the end of its buffer view; the file is damaged, export it again");
   }
   for (std::size_t i = 0; i < sparse.count; ++i) {
     const std::size_t at = index_at(indices.data() + index.offset + i * index_size, index_type);
-    if (at >= accessor.count) fail(label + " has an index beyond its end; the file is damaged, export it again");
+    if (at >= accessor.count) fail(part + " has an index beyond its end; the file is damaged, export it again");
     const char* const from = replacements.data() + element.offset + i * element.stride;
     for (std::size_t k = 0; k < width; ++k) {
       values[at * width + k] = component(from + k * size, accessor.component_type);

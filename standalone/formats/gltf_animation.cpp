@@ -113,18 +113,15 @@ class ClipReader {
     return name;
   }
 
-  std::string label(const cgltf_accessor& accessor) const {
-    return "accessor " + std::to_string(&accessor - document_.data().accessors);
-  }
-
   const Times& times_of(const cgltf_accessor& accessor) {
     const auto known = times_.find(&accessor);
     if (known != times_.end()) return known->second;
     if (accessor.type != cgltf_type_scalar || accessor.component_type != cgltf_component_type_r_32f) {
-      document_.fail(label(accessor) + " holds key times and is no list of floats; export the file again");
+      document_.fail(document_.label(accessor) + " holds key times and is no list of floats; export the file again");
     }
     const std::vector<double> seconds = document_.numbers(accessor);
-    if (seconds.empty()) document_.fail(label(accessor) + " holds key times, but none; export the file again");
+    if (seconds.empty())
+      document_.fail(document_.label(accessor) + " holds key times, but none; export the file again");
     document_.take(seconds.size(), 2 * sizeof(double));
     Times times;
     times.in_file = seconds.size();
@@ -133,7 +130,7 @@ class ClipReader {
     for (std::size_t i = 0; i < seconds.size(); ++i) {
       const double frame = seconds[i] * fps_;
       if (i != 0 && seconds[i] < seconds[i - 1]) {
-        document_.fail(label(accessor) + " holds key times that go back; export the file again");
+        document_.fail(document_.label(accessor) + " holds key times that go back; export the file again");
       }
       if (!times.frames.empty() && frame == times.frames.back()) {
         scene_.warn("of two keys at the same time only the later counts");
@@ -152,13 +149,13 @@ class ClipReader {
     const bool rotation = channel.target_path == cgltf_animation_path_type_rotation;
     if (output.type != (rotation ? cgltf_type_vec4 : cgltf_type_vec3) ||
         (!rotation && output.component_type != cgltf_component_type_r_32f)) {
-      document_.fail(label(output) + " holds " + std::string(attribute_of(channel.target_path)) +
+      document_.fail(document_.label(output) + " holds " + std::string(attribute_of(channel.target_path)) +
                      " keys and is no list of " + (rotation ? "quaternions" : "three floats") +
                      "; export the file again");
     }
     const std::size_t per_key = interpolation_of(*channel.sampler) == GltfInterpolation::cubic_spline ? 3 : 1;
     if (output.count / per_key != times.in_file || output.count % per_key != 0) {
-      document_.fail(label(output) + " has " + std::to_string(output.count) + " values for " +
+      document_.fail(document_.label(output) + " has " + std::to_string(output.count) + " values for " +
                      std::to_string(times.in_file) + " key times; the file is damaged, export it again");
     }
     return document_.numbers(output);

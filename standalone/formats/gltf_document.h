@@ -51,6 +51,8 @@ class GltfDocument {
   const cgltf_data& data() const { return *data_; }
   const std::string& name() const { return name_; }  // as error texts call it
 
+  // "accessor 7": as error texts call it.
+  std::string label(const cgltf_accessor& accessor) const;
   // The numbers of an accessor, one element after the other, sparse ones in place: floats as they are, normalised
   // integers as the fractions they stand for. Only the types that animation has. Throws FormatError for anything that
   // does not lie within its buffer, and for numbers that are not finite.
