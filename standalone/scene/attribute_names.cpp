@@ -146,7 +146,7 @@ bool has_rest(NameSet set, AttributeId id) {
 
 // "translate.translateX" and "worldMatrix[0]" name a part and the only element: the plain name says it all.
 std::string_view plain(std::string_view name) {
-  if (name.ends_with(']') && name.ends_with("[0]") && name.find('.') == std::string_view::npos) name.remove_suffix(3);
+  if (name.ends_with("[0]") && name.find('.') == std::string_view::npos) name.remove_suffix(3);
   return name;
 }
 

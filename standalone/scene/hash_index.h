@@ -12,28 +12,26 @@ namespace vantorelix::standalone {
 // Of a name, eight bytes at a time. Its upper bits depend on every byte.
 inline std::size_t hash_of(std::string_view text) {
   constexpr std::uint64_t kOdd = 0x9e3779b97f4a7c15u;
+  const auto bytes = [](const char* at, auto word) -> std::uint64_t {
+    std::memcpy(&word, at, sizeof word);
+    return word;
+  };
+  const char* at = text.data();
+  const char* const end = at + text.size();
   std::uint64_t hash = text.size() * kOdd;
-  const auto mix = [&hash](const char* bytes, std::size_t count) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, count);
+  const auto mix = [&hash](std::uint64_t word) {
     hash = (hash ^ word) * kOdd;
     hash ^= hash >> 32;
   };
-  const char* at = text.data();
-  std::size_t left = text.size();
-  for (; left > 8; left -= 8, at += 8) mix(at, 8);
-  // The last eight may overlap those before.
+  // The last word may overlap the one before.
   if (text.size() >= 8) {
-    mix(at + left - 8, 8);
-  } else if (left >= 4) {
-    std::uint32_t first = 0, last = 0;
-    std::memcpy(&first, at, 4);
-    std::memcpy(&last, at + left - 4, 4);
-    const std::uint64_t both = std::uint64_t{first} << 32 | last;
-    mix(reinterpret_cast<const char*>(&both), 8);
-  } else if (left > 0) {
-    const char few[8] = {at[0], at[left / 2], at[left - 1]};
-    mix(few, 8);
+    for (; end - at > 8; at += 8) mix(bytes(at, std::uint64_t{}));
+    mix(bytes(end - 8, std::uint64_t{}));
+  } else if (text.size() >= 4) {
+    mix(bytes(at, std::uint32_t{}) << 32 | bytes(end - 4, std::uint32_t{}));
+  } else if (!text.empty()) {
+    mix(bytes(at, std::uint8_t{}) << 16 | bytes(at + text.size() / 2, std::uint8_t{}) << 8 |
+        bytes(end - 1, std::uint8_t{}));
   }
   return static_cast<std::size_t>(hash);
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "standalone/scene/expression.h"
@@ -76,9 +77,9 @@ struct Evaluation {
   TimeCache::Slot slot = TimeCache::kNone;
   TimeCache cache;
   const Record* asked = nullptr;  // whose place the sample is wanted for
-  std::uint64_t expected = 0;     // a bit for each time of the slot's chunk that will be asked for next,
-  std::uint64_t expected_at = 0;  // as found at this stamp
-  NodeId keys_read = kNoNode;     // the node whose key times were read last
+  std::optional<std::uint64_t>
+      expected;                // a bit for each time of the slot's chunk that will be asked for next, once found
+  NodeId keys_read = kNoNode;  // the node whose key times were read last
   std::vector<Record*> stack;
 
   // The plain walks, one for each pair of time and motion.

@@ -178,9 +178,8 @@ std::uint64_t next_keys(Evaluation& e, const Record& asked) {
 // The times of the sample's chunk that will be asked for next. Whoever has read when a node has its keys asks where it
 // is then; others ask at the times at which everybody does.
 std::uint64_t expected_times(Evaluation& e) {
-  if (e.expected_at == e.stamp) return e.expected;
-  e.expected_at = e.stamp;
-  return e.expected = e.keys_read == e.asked->node ? next_keys(e, *e.asked) : e.cache.usual(e.slot);
+  if (!e.expected) e.expected = e.keys_read == e.asked->node ? next_keys(e, *e.asked) : e.cache.usual(e.slot);
+  return *e.expected;
 }
 
 // At once for all times around this one that are expected and at which the parent's matrix is there. False, and nothing
@@ -262,7 +261,7 @@ void know(Evaluation& e, Record& target) {
 // As know, for the sake of a node that is asked for.
 void know_for(Evaluation& e, const Record& asked, Record& target) {
   e.asked = &asked;
-  e.expected_at = 0;
+  e.expected.reset();
   know(e, target);
 }
 

@@ -1,6 +1,7 @@
 // Trails as the writers get them, without an engine that made them.
 #pragma once
 
+#include <memory>
 #include <utility>
 #include <vector>
 
