@@ -46,6 +46,29 @@ function(vantorelix_third_party library folder by_hand)
   file(REMOVE_RECURSE ${work})
 endfunction()
 
+# Fetches Rust packages, given as NAME=VERSION ..., into the folder `work`/vendor: for the source of a C library that its
+# author, or a binding of his, publishes that way. What they depend on comes along, so its versions are given, too.
+function(vantorelix_fetch_crates work library remedy)
+  find_program(VANTORELIX_CARGO cargo HINTS $ENV{HOME}/.cargo/bin)
+  if(NOT VANTORELIX_CARGO)
+    message(FATAL_ERROR "The source of the library ${library} is fetched by the program cargo, which is not here. "
+                        "Install it (Debian: apt-get install cargo), ${remedy}.")
+  endif()
+  list(TRANSFORM ARGN REPLACE "(.+)=(.+)" "\\1 = \"=\\2\"\n")
+  string(CONCAT dependencies ${ARGN})
+  file(WRITE ${work}/empty.rs "")
+  file(WRITE ${work}/Cargo.toml "[package]\nname = \"fetch\"\nversion = \"0.0.0\"\nedition = \"2018\"\n"
+       "[lib]\npath = \"empty.rs\"\n[dependencies]\n${dependencies}[workspace]\n")
+  # Debian 12's cargo reads the small index, instead of cloning all of a large one, only when it is asked to.
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env RUSTC_BOOTSTRAP=1 CARGO_UNSTABLE_SPARSE_REGISTRY=true
+                          ${VANTORELIX_CARGO} vendor --quiet
+                  WORKING_DIRECTORY ${work} RESULT_VARIABLE code OUTPUT_QUIET ERROR_VARIABLE said)
+  if(NOT code EQUAL 0)
+    message(FATAL_ERROR "The source of the library ${library} could not be fetched: see to the network and configure "
+                        "again, ${remedy}. cargo said:\n${said}")
+  endif()
+endfunction()
+
 # What a library of others is compiled with: none of our warnings, but our floating point and sanitizers. It reads what
 # anybody wrote, and what is evaluated through it must not depend on the processor.
 function(vantorelix_compile_third_party target)

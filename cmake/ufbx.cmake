@@ -5,22 +5,7 @@ set(ufbx_version 0.11.5) # of the package; the library in it is 0.23.1
 set(ufbx_folder ${VANTORELIX_THIRD_PARTY}/ufbx-${ufbx_version})
 
 function(vantorelix_fetch_ufbx work remedy result)
-  find_program(VANTORELIX_CARGO cargo HINTS $ENV{HOME}/.cargo/bin)
-  if(NOT VANTORELIX_CARGO)
-    message(FATAL_ERROR "Reading FBX needs the library ufbx, whose source the program cargo fetches, which is not "
-                        "here. Install it (Debian: apt-get install cargo), ${remedy}.")
-  endif()
-  file(WRITE ${work}/empty.rs "")
-  file(WRITE ${work}/Cargo.toml "[package]\nname = \"fetch\"\nversion = \"0.0.0\"\nedition = \"2018\"\n"
-       "[lib]\npath = \"empty.rs\"\n[dependencies]\nufbx = \"=${ufbx_version}\"\n[workspace]\n")
-  # Debian 12's cargo reads the small index, instead of cloning all of a large one, only when it is asked to.
-  execute_process(COMMAND ${CMAKE_COMMAND} -E env RUSTC_BOOTSTRAP=1 CARGO_UNSTABLE_SPARSE_REGISTRY=true
-                          ${VANTORELIX_CARGO} vendor --quiet
-                  WORKING_DIRECTORY ${work} RESULT_VARIABLE code OUTPUT_QUIET ERROR_VARIABLE said)
-  if(NOT code EQUAL 0)
-    message(FATAL_ERROR "The source of the library ufbx could not be fetched: see to the network and configure again, "
-                        "${remedy}. cargo said:\n${said}")
-  endif()
+  vantorelix_fetch_crates(${work} ufbx ${remedy} ufbx=${ufbx_version})
   set(${result} ${work}/vendor/ufbx/ufbx PARENT_SCOPE)
 endfunction()
 
