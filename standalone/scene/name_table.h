@@ -41,8 +41,8 @@ class NameTable {
  private:
   struct NameEntry {
     std::string text;
-    NodeId only = kNoNode;      // the one node, as of most names,
-    std::vector<NodeId> nodes;  // or all of them
+    std::vector<NodeId> nodes;  // all of them,
+    NodeId only = kNoNode;      // or the one node, as of most names
     bool global = false;        // the one node is outside the DAG
   };
   // Where a node stands.

@@ -55,6 +55,7 @@ bool any_of(AttributeId attribute, Test test) {
 }
 
 void require_free(const Scene::Data& scene, const Node& node, AttributeId attribute) {
+  if (node.inputs.empty() && (!node.extras || node.extras->locked.empty())) return;
   const bool taken =
       any_of(attribute, [&](AttributeId id) { return is_locked(node, id) || node.inputs.find(id) != nullptr; });
   if (taken) throw locked_error(scene.plug_name(node, attribute));
