@@ -192,15 +192,17 @@ class ClipReader {
     for (std::size_t i = 0; i < times.frames.size(); ++i) {
       const double* const at =
           values.data() + times.kept[i] * (interpolation == GltfInterpolation::cubic_spline ? 9 : 3);
-      Key key{times.frames[i], at[axis], Tangent::linear, Tangent::linear};
-      if (interpolation == GltfInterpolation::step) key.out = Tangent::step;
+      Key& key = keys.emplace_back();  // in its place: a copy of one that was just written waits for every piece of it
+      key.time = times.frames[i];
+      key.value = at[axis];
+      key.in = Tangent::linear;
+      key.out = interpolation == GltfInterpolation::step ? Tangent::step : Tangent::linear;
       if (interpolation == GltfInterpolation::cubic_spline) {
         key.value = at[3 + axis];
         key.in = key.out = Tangent::fixed;
         key.in_y = at[axis];  // a second, as in_x
         key.out_y = at[6 + axis];
       }
-      keys.push_back(key);
     }
     const bool translation = channel.target_path == cgltf_animation_path_type_translation;
     const std::string attribute = std::string(attribute_of(channel.target_path)) + "XYZ"[axis];
