@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 #include "standalone/formats/gltf_document.h"
 
@@ -77,7 +78,7 @@ std::string GltfDocument::label(const cgltf_accessor& accessor) const {
   return "accessor " + std::to_string(&accessor - data_->accessors);
 }
 
-std::vector<double> GltfDocument::numbers(const cgltf_accessor& accessor) {
+GltfNumbers GltfDocument::numbers(const cgltf_accessor& accessor) {
   const cgltf_component_type type = accessor.component_type;
   const std::size_t width = cgltf_num_components(accessor.type), size = size_of(type);
   if (size == 0 || type == cgltf_component_type_r_32u) {
@@ -86,32 +87,37 @@ std::vector<double> GltfDocument::numbers(const cgltf_accessor& accessor) {
   if (type != cgltf_component_type_r_32f && !accessor.normalized) {
     fail(label(accessor) + " holds integers that are not marked as normalized; export the file again");
   }
-  std::string_view bytes;
-  const Elements all = {accessor.offset, width * size, accessor.stride, accessor.count};
+  const char* first = nullptr;  // none: zeros
   if (accessor.buffer_view != nullptr) {
-    bytes = bytes_of(*accessor.buffer_view);
+    const std::string_view bytes = bytes_of(*accessor.buffer_view);
+    const Elements all = {accessor.offset, width * size, accessor.stride, accessor.count};
     if (all.stride < all.size || !all.lie_within(bytes)) {
       fail(label(accessor) + " reaches beyond the end of its buffer view; the file is damaged, export it again");
     }
+    first = bytes.data() + all.offset;
   }
-  take(accessor.count, width * sizeof(double));
+  take(accessor.count, width * sizeof(double));  // also where they stay: channels that share them look through them all
+  const bool as_they_lie = first != nullptr && type == cgltf_component_type_r_32f && !accessor.is_sparse;
+  const GltfNumbers numbers =
+      as_they_lie ? GltfNumbers(first, accessor.stride) : GltfNumbers(decoded(accessor, first, width, size), width);
+  bool finite = true;
+  for (std::size_t i = 0; i < accessor.count; ++i) {
+    for (std::size_t k = 0; k < width; ++k) finite &= std::abs(numbers(i, k)) <= std::numeric_limits<double>::max();
+  }
+  if (!finite) fail(label(accessor) + " holds a number that is not finite; correct it or export again");
+  return numbers;
+}
+
+std::vector<double> GltfDocument::decoded(const cgltf_accessor& accessor, const char* first, std::size_t width,
+                                          std::size_t size) {
   std::vector<double> values(accessor.count * width, 0.0);
-  if (accessor.buffer_view != nullptr) {
-    const auto read = [&](auto number) {
-      const char* element = bytes.data() + all.offset;
-      for (std::size_t i = 0; i < accessor.count; ++i, element += all.stride)
-        for (std::size_t k = 0; k < width; ++k) values[i * width + k] = number(element + k * size);
-    };
-    if (type == cgltf_component_type_r_32f) {
-      read([](const char* p) { return static_cast<double>(value_at<float>(p)); });
-    } else {
-      read([type](const char* p) { return component(p, type); });
+  if (first != nullptr) {
+    for (std::size_t i = 0; i < accessor.count; ++i, first += accessor.stride) {
+      for (std::size_t k = 0; k < width; ++k)
+        values[i * width + k] = component(first + k * size, accessor.component_type);
     }
   }
   if (accessor.is_sparse) place_sparse(accessor, width, values);
-  double zero = 0.0;
-  for (const double value : values) zero += value - value;  // not a number where one is not finite
-  if (zero != 0.0) fail(label(accessor) + " holds a number that is not finite; correct it or export again");
   return values;
 }
 

@@ -146,6 +146,13 @@ TEST(GltfAccessor, RefusesKeyTimesThatGoBackOrAreNone) {
   EXPECT_THAT(gltf_error(none.text()), HasSubstr("holds key times, but none"));
 }
 
+TEST(GltfAccessor, AsksOnlyTheClipThatIsReadForKeysInOrder) {
+  GltfFile file = ball();
+  file.channel(0, "translation", file.scalars({0, 1}), file.triples({0, 0, 0, 1, 1, 1})).clip("bad");
+  file.channel(0, "translation", file.scalars({1, 0}), file.triples({0, 0, 0, 1, 1, 1}));
+  expect_place(clean_gltf(file.text()), "ball", 24, {1, 1, 1});
+}
+
 TEST(GltfAccessor, RefusesRotationsOfNoLength) {
   GltfFile file = ball();
   file.channel(0, "rotation", file.scalars({0, 1}), file.quadruples({0, 0, 0, 1, 0, 0, 0, 0}));

@@ -76,6 +76,9 @@ class ClipReader {
     std::vector<std::size_t> kept;  // which of the file's keys they are
     std::size_t in_file = 0;
   };
+  struct Span {
+    double first, last;
+  };
 
   // Whether the channel moves a node that is there. One that cannot be followed leaves a warning where it is `told`.
   bool is_followed(const cgltf_animation_channel& channel, bool told) {
@@ -96,8 +99,7 @@ class ClipReader {
     bool any = false;
     for (std::size_t i = 0; i < clip.channels_count; ++i) {
       if (!is_followed(clip.channels[i], false)) continue;
-      const Times& times = times_of(*clip.channels[i].sampler->input);
-      const double first = first_frame(times.frames.front()), last = last_frame(times.frames.back());
+      const auto [first, last] = span_of(*clip.channels[i].sampler->input);
       take.first = any ? std::min(take.first, first) : first;
       take.last = any ? std::max(take.last, last) : last;
       any = true;
@@ -113,23 +115,37 @@ class ClipReader {
     return name;
   }
 
-  const Times& times_of(const cgltf_accessor& accessor) {
-    const auto known = times_.find(&accessor);
-    if (known != times_.end()) return known->second;
+  // The whole frames from the first key to the last, if the keys are in order, which only those of the clip must be.
+  Span span_of(const cgltf_accessor& accessor) {
+    const auto known = spans_.find(&accessor);
+    if (known != spans_.end()) return known->second;
+    const GltfNumbers seconds = key_seconds(accessor);
+    const Span span = {first_frame(seconds(0, 0) * fps_), last_frame(seconds(accessor.count - 1, 0) * fps_)};
+    return spans_.emplace(&accessor, span).first->second;
+  }
+
+  // At least one.
+  GltfNumbers key_seconds(const cgltf_accessor& accessor) {
     if (accessor.type != cgltf_type_scalar || accessor.component_type != cgltf_component_type_r_32f) {
       document_.fail(document_.label(accessor) + " holds key times and is no list of floats; export the file again");
     }
-    const std::vector<double> seconds = document_.numbers(accessor);
-    if (seconds.empty())
+    if (accessor.count == 0)
       document_.fail(document_.label(accessor) + " holds key times, but none; export the file again");
-    document_.take(seconds.size(), 2 * sizeof(double));
+    return document_.numbers(accessor);
+  }
+
+  const Times& times_of(const cgltf_accessor& accessor) {
+    const auto known = times_.find(&accessor);
+    if (known != times_.end()) return known->second;
+    const GltfNumbers seconds = key_seconds(accessor);
+    document_.take(accessor.count, 2 * sizeof(double));
     Times times;
-    times.in_file = seconds.size();
-    times.frames.reserve(seconds.size());
-    times.kept.reserve(seconds.size());
-    for (std::size_t i = 0; i < seconds.size(); ++i) {
-      const double frame = seconds[i] * fps_;
-      if (i != 0 && seconds[i] < seconds[i - 1]) {
+    times.in_file = accessor.count;
+    times.frames.reserve(accessor.count);
+    times.kept.reserve(accessor.count);
+    for (std::size_t i = 0; i < accessor.count; ++i) {
+      const double frame = seconds(i, 0) * fps_;
+      if (i != 0 && seconds(i, 0) < seconds(i - 1, 0)) {
         document_.fail(document_.label(accessor) + " holds key times that go back; export the file again");
       }
       if (!times.frames.empty() && frame == times.frames.back()) {
@@ -144,7 +160,7 @@ class ClipReader {
   }
 
   // The numbers of a channel's keys; of a spline three for each: in tangent, value, out tangent.
-  std::vector<double> values_of(const cgltf_animation_channel& channel, const Times& times) {
+  GltfNumbers values_of(const cgltf_animation_channel& channel, const Times& times) {
     const cgltf_accessor& output = *channel.sampler->output;
     const bool rotation = channel.target_path == cgltf_animation_path_type_rotation;
     if (output.type != (rotation ? cgltf_type_vec4 : cgltf_type_vec3) ||
@@ -169,7 +185,7 @@ class ClipReader {
       return;
     }
     const Times& times = times_of(*channel.sampler->input);
-    const std::vector<double> values = values_of(channel, times);
+    const GltfNumbers values = values_of(channel, times);
     if (channel.target_node->has_matrix) {
       scene_.warn(
           "an animation channel moves a node that is given as a matrix, which takes the place of its part of it");
@@ -185,23 +201,22 @@ class ClipReader {
   }
 
   void drive_axis(NodeId node, const cgltf_animation_channel& channel, std::size_t axis, const Times& times,
-                  const std::vector<double>& values) {
+                  const GltfNumbers& values) {
     const GltfInterpolation interpolation = interpolation_of(*channel.sampler);
+    const bool spline = interpolation == GltfInterpolation::cubic_spline;
     std::vector<Key> keys;
     keys.reserve(times.frames.size());
     for (std::size_t i = 0; i < times.frames.size(); ++i) {
-      const double* const at =
-          values.data() + times.kept[i] * (interpolation == GltfInterpolation::cubic_spline ? 9 : 3);
+      const std::size_t at = times.kept[i];
       Key& key = keys.emplace_back();  // in its place: a copy of one that was just written waits for every piece of it
       key.time = times.frames[i];
-      key.value = at[axis];
+      key.value = values(spline ? 3 * at + 1 : at, axis);
       key.in = Tangent::linear;
       key.out = interpolation == GltfInterpolation::step ? Tangent::step : Tangent::linear;
-      if (interpolation == GltfInterpolation::cubic_spline) {
-        key.value = at[3 + axis];
+      if (spline) {
         key.in = key.out = Tangent::fixed;
-        key.in_y = at[axis];  // a second, as in_x
-        key.out_y = at[6 + axis];
+        key.in_y = values(3 * at, axis);  // a second, as in_x
+        key.out_y = values(3 * at + 2, axis);
       }
     }
     const bool translation = channel.target_path == cgltf_animation_path_type_translation;
@@ -212,10 +227,10 @@ class ClipReader {
     scene_.connect(curve, "output", node, attribute);
   }
 
-  void drive_rotation(NodeId node, GltfInterpolation interpolation, const Times& times,
-                      const std::vector<double>& values, std::size_t number) {
+  void drive_rotation(NodeId node, GltfInterpolation interpolation, const Times& times, const GltfNumbers& values,
+                      std::size_t number) {
     const auto quaternion = [&values](std::size_t at) {
-      return Quaternion{values[4 * at], values[4 * at + 1], values[4 * at + 2], values[4 * at + 3]};
+      return Quaternion{values(at, 0), values(at, 1), values(at, 2), values(at, 3)};
     };
     const bool spline = interpolation == GltfInterpolation::cubic_spline;
     GltfRotation::Keys keys = {times.frames, {}, {}};
@@ -238,6 +253,7 @@ class ClipReader {
   const std::vector<NodeId>& nodes_;
   Scene& scene_;
   double fps_;
+  std::unordered_map<const cgltf_accessor*, Span> spans_;
   std::unordered_map<const cgltf_accessor*, Times> times_;
   std::set<std::pair<NodeId, int>> driven_;
   std::set<std::string> names_;

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
@@ -50,8 +51,8 @@ std::string gltf_text(const char* raw) {
   return text.is_string() ? text.get<std::string>() : raw;
 }
 
-GltfDocument::GltfDocument(std::string bytes, std::string name, std::filesystem::path folder)
-    : bytes_(std::move(bytes)), name_(std::move(name)), folder_(std::move(folder)), data_(nullptr, cgltf_free) {
+GltfDocument::GltfDocument(std::string_view bytes, std::string name, std::filesystem::path folder)
+    : bytes_(bytes), name_(std::move(name)), folder_(std::move(folder)), data_(nullptr, cgltf_free) {
   allowance_.add_input(bytes_.size());
   parse();
 }
@@ -70,15 +71,14 @@ void GltfDocument::take(std::uint64_t count, std::uint64_t size) {
 // The JSON text, without the container around it. Of a file that the library has found to be whole.
 std::string_view GltfDocument::json() const {
   constexpr std::size_t kBegin = 20;
-  const std::string_view all = bytes_;
-  if (!all.starts_with("glTF") || all.size() < kBegin) return all;
+  if (!bytes_.starts_with("glTF") || bytes_.size() < kBegin) return bytes_;
   std::uint32_t length = 0;
-  for (std::size_t i = 0; i < 4; ++i) length |= std::uint32_t{static_cast<unsigned char>(all[12 + i])} << (8 * i);
-  return all.substr(kBegin, length);
+  for (std::size_t i = 0; i < 4; ++i) length |= std::uint32_t{static_cast<unsigned char>(bytes_[12 + i])} << (8 * i);
+  return bytes_.substr(kBegin, length);
 }
 
 void GltfDocument::parse() {
-  if (std::string_view(bytes_).starts_with("\xEF\xBB\xBF")) bytes_.erase(0, 3);
+  if (bytes_.starts_with("\xEF\xBB\xBF")) bytes_.remove_prefix(3);
   const cgltf_options options = options_with(allowance_);
   cgltf_data* data = nullptr;
   const cgltf_result result = cgltf_parse(&options, bytes_.data(), bytes_.size(), &data);
@@ -119,7 +119,7 @@ std::string_view GltfDocument::bytes_of(const cgltf_buffer_view& view) {
 
 std::string_view GltfDocument::bytes_of(const cgltf_buffer& buffer) {
   const auto known = loaded_.find(&buffer);
-  if (known != loaded_.end()) return known->second;
+  if (known != loaded_.end()) return {known->second.get(), buffer.size};
   const std::string label = "buffer " + std::to_string(&buffer - data_->buffers);
   if (buffer.uri == nullptr) {
     if (&buffer != data_->buffers || data_->bin == nullptr) {
@@ -128,12 +128,12 @@ std::string_view GltfDocument::bytes_of(const cgltf_buffer& buffer) {
     if (buffer.size > data_->bin_size) fail(label + " is longer than the binary part of the file; export it again");
     return {static_cast<const char*>(data_->bin), buffer.size};
   }
-  std::string content =
+  Bytes content =
       std::string_view(buffer.uri).starts_with("data:") ? decoded(buffer, label) : read_external(buffer, label);
-  return loaded_.emplace(&buffer, std::move(content)).first->second;
+  return {loaded_.emplace(&buffer, std::move(content)).first->second.get(), buffer.size};
 }
 
-std::string GltfDocument::decoded(const cgltf_buffer& buffer, const std::string& label) {
+GltfDocument::Bytes GltfDocument::decoded(const cgltf_buffer& buffer, const std::string& label) {
   constexpr std::string_view kMark = ";base64,";
   const std::string uri = gltf_text(buffer.uri);
   const std::size_t mark = uri.substr(0, 1024).find(kMark);
@@ -147,12 +147,10 @@ std::string GltfDocument::decoded(const cgltf_buffer& buffer, const std::string&
   if (cgltf_load_buffer_base64(&options, buffer.size, uri.c_str() + begin, &content) != cgltf_result_success) {
     fail(label + " is no whole base64 text; the file is damaged, export it again");
   }
-  std::string result(static_cast<const char*>(content), buffer.size);
-  std::free(content);
-  return result;
+  return {static_cast<char*>(content), std::free};
 }
 
-std::string GltfDocument::read_external(const cgltf_buffer& buffer, const std::string& label) {
+GltfDocument::Bytes GltfDocument::read_external(const cgltf_buffer& buffer, const std::string& label) {
   std::string path = gltf_text(buffer.uri);
   path.resize(cgltf_decode_uri(path.data()));
   const std::string named = label + " is the file " + shown(path);
@@ -173,10 +171,11 @@ std::string GltfDocument::read_external(const cgltf_buffer& buffer, const std::s
   if (counted_.insert(file.lexically_normal()).second) allowance_.add_input(size);
   take(buffer.size, 1);
   FileSource source(file);
-  std::string content(buffer.size, '\0');
+  Bytes content(static_cast<char*>(std::malloc(buffer.size)), std::free);
+  if (!content && buffer.size != 0) throw std::bad_alloc();
   std::size_t done = 0;
-  while (done < content.size()) {
-    const std::size_t got = source.read(content.data() + done, content.size() - done);
+  while (done < buffer.size) {
+    const std::size_t got = source.read(content.get() + done, buffer.size - done);
     if (got == 0) fail(named + ", which ends too early; export the scene again");
     done += got;
   }

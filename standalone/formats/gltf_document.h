@@ -3,12 +3,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 struct cgltf_accessor;
@@ -39,11 +41,30 @@ class GltfAllowance {
   std::uint64_t left_ = kAlways;
 };
 
+// The numbers of an accessor: floats where they lie in the file, which has to stay, others on their own.
+class GltfNumbers {
+ public:
+  GltfNumbers(const char* floats, std::size_t stride) : floats_(floats), stride_(stride) {}
+  GltfNumbers(std::vector<double> own, std::size_t width) : own_(std::move(own)), stride_(width) {}
+
+  double operator()(std::size_t element, std::size_t component) const {
+    if (floats_ == nullptr) return own_[element * stride_ + component];
+    float number;  // at any address
+    std::memcpy(&number, floats_ + element * stride_ + component * sizeof number, sizeof number);
+    return static_cast<double>(number);
+  }
+
+ private:
+  const char* floats_ = nullptr;
+  std::vector<double> own_;
+  std::size_t stride_;  // from element to element: bytes of floats, or numbers
+};
+
 class GltfDocument {
  public:
-  // `bytes` is the whole file, .gltf or .glb; external buffers lie in `folder` or below it, and are refused where it is
-  // empty. Throws FormatError.
-  GltfDocument(std::string bytes, std::string name, std::filesystem::path folder);
+  // `bytes` is the whole file, .gltf or .glb, and stays the caller's; external buffers lie in `folder` or below it, and
+  // are refused where it is empty. Throws FormatError.
+  GltfDocument(std::string_view bytes, std::string name, std::filesystem::path folder);
   ~GltfDocument();
   GltfDocument(const GltfDocument&) = delete;
   GltfDocument& operator=(const GltfDocument&) = delete;
@@ -53,30 +74,33 @@ class GltfDocument {
 
   // "accessor 7": as error texts call it.
   std::string label(const cgltf_accessor& accessor) const;
-  // The numbers of an accessor, one element after the other, sparse ones in place: floats as they are, normalised
-  // integers as the fractions they stand for. Only the types that animation has. Throws FormatError for anything that
-  // does not lie within its buffer, and for numbers that are not finite.
-  std::vector<double> numbers(const cgltf_accessor& accessor);
+  // The numbers of an accessor, sparse ones in place: floats as they are, normalised integers as the fractions they
+  // stand for. Only the types that animation has. Throws FormatError for anything that does not lie within its buffer,
+  // and for numbers that are not finite. Good as long as the document.
+  GltfNumbers numbers(const cgltf_accessor& accessor);
 
   // Throws FormatError when `count` things of `size` bytes are more than such a file may ask for.
   void take(std::uint64_t count, std::uint64_t size);
   [[noreturn]] void fail(const std::string& text) const;
 
  private:
+  using Bytes = std::unique_ptr<char, void (*)(void*)>;  // as many as the buffer says
+
   void parse();
   std::string_view json() const;
   std::string_view bytes_of(const cgltf_buffer_view& view);
   std::string_view bytes_of(const cgltf_buffer& buffer);
-  std::string decoded(const cgltf_buffer& buffer, const std::string& label);
-  std::string read_external(const cgltf_buffer& buffer, const std::string& label);
+  Bytes decoded(const cgltf_buffer& buffer, const std::string& label);
+  std::vector<double> decoded(const cgltf_accessor& accessor, const char* first, std::size_t width, std::size_t size);
+  Bytes read_external(const cgltf_buffer& buffer, const std::string& label);
   void place_sparse(const cgltf_accessor& accessor, std::size_t width, std::vector<double>& values);
 
-  std::string bytes_;
+  std::string_view bytes_;
   std::string name_;
   std::filesystem::path folder_;
   GltfAllowance allowance_;
   std::unique_ptr<cgltf_data, void (*)(cgltf_data*)> data_;
-  std::map<const cgltf_buffer*, std::string> loaded_;
+  std::map<const cgltf_buffer*, Bytes> loaded_;
   std::set<std::filesystem::path> counted_;  // external files
 };
 

@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -36,9 +37,9 @@ bool is_harmless(std::string_view extension) {
 
 class GltfReader {
  public:
-  GltfReader(std::string bytes, const std::string& name, const std::filesystem::path& folder,
+  GltfReader(std::string_view bytes, const std::string& name, const std::filesystem::path& folder,
              const ReadOptions& options)
-      : document_(std::move(bytes), name, folder), data_(document_.data()), options_(options) {}
+      : document_(bytes, name, folder), data_(document_.data()), options_(options) {}
 
   Scene read() {
     try {
@@ -193,9 +194,9 @@ class GltfReader {
 
 }  // namespace
 
-Scene read_gltf(std::string bytes, const std::string& name, const std::filesystem::path& folder,
+Scene read_gltf(std::string_view bytes, const std::string& name, const std::filesystem::path& folder,
                 const ReadOptions& options) {
-  return GltfReader(std::move(bytes), name, folder, options).read();
+  return GltfReader(bytes, name, folder, options).read();
 }
 
 }  // namespace vantorelix::standalone

@@ -61,7 +61,7 @@ Scene read_bvh(std::string_view text, const std::string& name, const ReadOptions
 Scene read_maya_ascii(std::string_view text, const std::string& name, const ReadOptions& options = {});
 Scene read_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options = {});
 // Buffers of their own lie in `folder` or below it; where it is empty, none are read.
-Scene read_gltf(std::string bytes, const std::string& name, const std::filesystem::path& folder = {},
+Scene read_gltf(std::string_view bytes, const std::string& name, const std::filesystem::path& folder = {},
                 const ReadOptions& options = {});
 
 }  // namespace vantorelix::standalone

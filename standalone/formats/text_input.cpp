@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <system_error>
+#include <utility>
 
 namespace vantorelix::standalone {
 
@@ -32,17 +33,20 @@ std::size_t MemorySource::read(char* to, std::size_t limit) {
   return count;
 }
 
-std::string read_whole(ByteSource& source) {
+WholeFile::WholeFile(ByteSource& source) {
   constexpr std::size_t kMost = std::size_t{4} << 30;
-  constexpr std::size_t kPiece = std::size_t{1} << 20;
-  std::string bytes;
-  if (source.size() <= kMost) bytes.reserve(static_cast<std::size_t>(source.size()) + 1);
-  while (bytes.size() <= kMost) {
-    const std::size_t held = bytes.size();
-    bytes.resize(std::max(std::min(held + kPiece, bytes.capacity()), held + 1));
-    const std::size_t got = source.read(bytes.data() + held, bytes.size() - held);
-    bytes.resize(held + got);
-    if (got == 0) return bytes;
+  // Room for what the source says, and for a byte that it does not. Not zeroed: files are large.
+  std::size_t room = source.size() <= kMost ? static_cast<std::size_t>(source.size()) + 1 : 1;
+  memory_.reset(new char[room]);
+  while (size_ <= kMost) {
+    if (size_ == room) {
+      std::unique_ptr<char[]> longer(new char[room *= 2]);
+      std::copy_n(memory_.get(), size_, longer.get());
+      memory_ = std::move(longer);
+    }
+    const std::size_t got = source.read(memory_.get() + size_, room - size_);
+    if (got == 0) return;
+    size_ += got;
   }
   throw FormatError(source.name(), 0, "the file has more than 4 GB; export less at once");
 }

@@ -55,8 +55,17 @@ class MemorySource : public ByteSource {
   std::uint64_t size_;
 };
 
-// All bytes at once, for formats that are no text. Throws FormatError beyond 4 GB.
-std::string read_whole(ByteSource& source);
+// All bytes at once, for formats that are no text.
+class WholeFile {
+ public:
+  // Throws FormatError beyond 4 GB.
+  explicit WholeFile(ByteSource& source);
+  std::string_view bytes() const { return {memory_.get(), size_}; }
+
+ private:
+  std::unique_ptr<char[]> memory_;  // may be longer
+  std::size_t size_ = 0;
+};
 
 // A window of fixed size over a source. A line ends at LF, CR LF or CR. A UTF-8 byte order mark at the start is
 // skipped; every other byte, NUL included, comes through as it is.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "host/error.h"
 #include "standalone/scene/infinity.h"
@@ -11,10 +12,13 @@ namespace vantorelix::standalone {
 
 namespace {
 
-void require_finite(const Key& key) {
-  // Any number that is not finite makes the sum of the differences so: one test a key for the usual case.
-  const double zero = (key.time - key.time) + (key.value - key.value) + (key.in_x - key.in_x) + (key.in_y - key.in_y) +
-                      (key.out_x - key.out_x) + (key.out_y - key.out_y);
+// 0, but not a number where one of the key's is not finite.
+double zero_if_finite(const Key& key) {
+  return (key.time - key.time) + (key.value - key.value) + (key.in_x - key.in_x) + (key.in_y - key.in_y) +
+         (key.out_x - key.out_x) + (key.out_y - key.out_y);
+}
+
+void require_zero(double zero) {
   if (zero != 0.0) throw host::Error("a key's time, value and tangents must be finite numbers", host::ErrorKind::value);
 }
 
@@ -26,8 +30,6 @@ void require_rate(double frames_per_second) {
 bool earlier(const Key& a, const Key& b) { return a.time < b.time; }
 
 void sort_keys(std::vector<Key>& keys) {
-  const auto not_ascending = [](const Key& a, const Key& b) { return a.time >= b.time; };
-  if (std::adjacent_find(keys.begin(), keys.end(), not_ascending) == keys.end()) return;
   std::stable_sort(keys.begin(), keys.end(), earlier);
   // The last of equals: seen from the back, the first.
   const auto same_time = [](const Key& a, const Key& b) { return a.time == b.time; };
@@ -55,8 +57,15 @@ void AnimCurve::append_key_times(std::vector<double>& times) const {
 }
 
 void AnimCurve::assign(std::vector<Key> keys, bool weighted, Infinity pre, Infinity post) {
-  for (const Key& key : keys) require_finite(key);
-  sort_keys(keys);
+  double zero = 0.0, before = -std::numeric_limits<double>::infinity();
+  bool ascending = true;
+  for (const Key& key : keys) {
+    zero += zero_if_finite(key);
+    ascending &= key.time > before;
+    before = key.time;
+  }
+  require_zero(zero);
+  if (!ascending) sort_keys(keys);
   keys_ = std::move(keys);
   weighted_ = weighted;
   pre_ = pre;
@@ -75,7 +84,7 @@ void AnimCurve::set_key(double time, double value) {
 }
 
 void AnimCurve::set_key(const Key& key) {
-  require_finite(key);
+  require_zero(zero_if_finite(key));
   const auto place = std::lower_bound(keys_.begin(), keys_.end(), key, earlier);
   if (place != keys_.end() && place->time == key.time)
     *place = key;

@@ -1,6 +1,5 @@
 #include <cstddef>
 #include <cstdint>
-#include <string>
 
 #include "tests/fuzz/scene_use.h"
 
@@ -8,7 +7,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace vantorelix::standalone;
   try {
-    use(read_gltf(std::string(reinterpret_cast<const char*>(data), size), "fuzz", {}, with_bounds()));
+    use(read_gltf({reinterpret_cast<const char*>(data), size}, "fuzz", {}, with_bounds()));
   } catch (const FormatError&) {
     // The one way to refuse a file.
   }
