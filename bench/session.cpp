@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <stdexcept>
 #include <utility>
 
 #include "bench/clock.h"
 #include "engine/frame/constants.h"
 #include "engine/frame/state.h"
-#include "engine/rebuild/queue.h"
 #include "engine/trails/create.h"
 #include "engine/trails/queries.h"
 
@@ -18,8 +18,9 @@ using standalone::NodeId;
 
 namespace {
 
-standalone::HostOptions quiet_options() {
+standalone::HostOptions quiet_options(std::function<double()> clock) {
   standalone::HostOptions options;
+  options.clock = std::move(clock);
   options.print = [](const std::string&) {};
   options.warning = [](const std::string& text) { throw std::runtime_error(text); };
   return options;
@@ -30,7 +31,8 @@ void end_quiet_time() { _LAST_EDIT = 0.0; }
 
 }  // namespace
 
-Session::Session(Stage stage) : objects_(std::move(stage.objects)), host_(std::move(stage.scene), quiet_options()) {
+Session::Session(Stage stage, std::function<double()> clock)
+    : objects_(std::move(stage.objects)), host_(std::move(stage.scene), quiet_options(std::move(clock))) {
   _initialise({&host_.cmds(), &host_.om(), &host_.oma(), &host_.interpreter()});
 }
 
@@ -54,8 +56,7 @@ void Session::edit() {
   throw std::runtime_error("no object has a curve to edit");
 }
 
-std::vector<double> Session::edit_and_rebuild() {
-  edit();
+std::vector<double> Session::rebuild() {
   end_quiet_time();
   std::vector<double> slices;
   double start = now();
@@ -75,25 +76,6 @@ double Session::bare_slice() {
   return now() - start;
 }
 
-double Session::unit() {
-  auto& [viz, settings] = *_REGISTRY.begin();
-  const auto points = host_.scene().vectors(host_.scene().shapes(host_.scene().require(viz)).front(), "points");
-  std::vector<double> seconds;
-  for (int i = 0; i < 101; ++i) {
-    WorkItem item;
-    item.viz = viz;
-    item.settings = settings;
-    *item.pos = *points;
-    item.ktimes = std::vector<double>{1.0, 2.0, 3.0, 4.0, 5.0};
-    item.kpos->assign(5, points->front());
-    const double start = now();
-    _finish_trail(item, {});
-    seconds.push_back(now() - start);
-  }
-  std::nth_element(seconds.begin(), seconds.begin() + 50, seconds.end());
-  return seconds[50];
-}
-
 void Session::clear() {
   clear_trails();
   host_.run_idle();
@@ -111,6 +93,27 @@ void Session::check(std::size_t samples) {
     if (std::abs(last.x - there.x) + std::abs(last.y - there.y) + std::abs(last.z - there.z) > 1e-9)
       throw std::runtime_error("a trail does not end where its object is");
   }
+}
+
+double rebuild_unit(Stage stage) {
+  constexpr double kSample = 1e-6;  // hardly any takes as long; all of them would fill memory meanwhile
+  const std::size_t trails = stage.objects.size();
+  std::vector<double> gaps;
+  double last = now();
+  Session session(std::move(stage), [&] {
+    const double time = now();
+    if (time - last > kSample) gaps.push_back(time - last);
+    return last = time;
+  });
+  session.make_trails();
+  session.edit();
+  gaps.clear();  // an edit is no part of any slice
+  last = now();
+  session.rebuild();
+  // All trails are alike, so of the longest gaps each has one.
+  const auto middle = gaps.begin() + static_cast<std::ptrdiff_t>(trails / 2);
+  std::nth_element(gaps.begin(), middle, gaps.end(), std::greater<>());
+  return *middle;
 }
 
 }  // namespace vantorelix::bench
