@@ -61,6 +61,18 @@ std::size_t index_at(const char* p, cgltf_component_type type) {
   }
 }
 
+// In a row, at any address.
+bool all_finite(const char* floats, std::size_t count) {
+  bool finite = true;
+  for (std::size_t i = 0; i < count; ++i)
+    finite &= std::abs(value_at<float>(floats + i * sizeof(float))) <= std::numeric_limits<float>::max();
+  return finite;
+}
+
+bool all_finite(const double* numbers, std::size_t count) {
+  return std::all_of(numbers, numbers + count, [](double number) { return std::isfinite(number); });
+}
+
 // Elements of `size` bytes, `stride` apart.
 struct Elements {
   std::size_t offset, size, stride, count;
@@ -73,6 +85,14 @@ struct Elements {
 };
 
 }  // namespace
+
+bool GltfNumbers::are_finite(std::size_t elements, std::size_t width) const {
+  if (floats_ == nullptr) return all_finite(own_.data(), own_.size());
+  if (stride_ == width * sizeof(float)) return all_finite(floats_, elements * width);
+  bool finite = true;
+  for (std::size_t i = 0; i < elements; ++i) finite &= all_finite(floats_ + i * stride_, width);
+  return finite;
+}
 
 std::string GltfDocument::label(const cgltf_accessor& accessor) const {
   return "accessor " + std::to_string(&accessor - data_->accessors);
@@ -100,11 +120,8 @@ GltfNumbers GltfDocument::numbers(const cgltf_accessor& accessor) {
   const bool as_they_lie = first != nullptr && type == cgltf_component_type_r_32f && !accessor.is_sparse;
   const GltfNumbers numbers =
       as_they_lie ? GltfNumbers(first, accessor.stride) : GltfNumbers(decoded(accessor, first, width, size), width);
-  bool finite = true;
-  for (std::size_t i = 0; i < accessor.count; ++i) {
-    for (std::size_t k = 0; k < width; ++k) finite &= std::abs(numbers(i, k)) <= std::numeric_limits<double>::max();
-  }
-  if (!finite) fail(label(accessor) + " holds a number that is not finite; correct it or export again");
+  if (!numbers.are_finite(accessor.count, width))
+    fail(label(accessor) + " holds a number that is not finite; correct it or export again");
   return numbers;
 }
 

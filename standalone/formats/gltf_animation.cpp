@@ -229,20 +229,22 @@ class ClipReader {
 
   void drive_rotation(NodeId node, GltfInterpolation interpolation, const Times& times, const GltfNumbers& values,
                       std::size_t number) {
-    const auto quaternion = [&values](std::size_t at) {
-      return Quaternion{values(at, 0), values(at, 1), values(at, 2), values(at, 3)};
+    const auto read = [&values](std::size_t at, Quaternion& to) {
+      for (std::size_t i = 0; i < 4; ++i) to[i] = values(at, i);
     };
     const bool spline = interpolation == GltfInterpolation::cubic_spline;
-    GltfRotation::Keys keys = {times.frames, {}, {}};
-    keys.values.reserve(times.kept.size());
-    if (spline) keys.tangents.reserve(times.kept.size());
-    for (const std::size_t i : times.kept) {
-      keys.values.push_back(quaternion(spline ? 3 * i + 1 : i));
-      if (spline) keys.tangents.push_back({quaternion(3 * i), quaternion(3 * i + 2)});
-      if (keys.values.back() == Quaternion{}) {
+    GltfRotation::Keys keys = {times.frames, std::vector<Quaternion>(times.kept.size()), {}};
+    if (spline) keys.tangents.resize(times.kept.size());
+    for (std::size_t key = 0; key < times.kept.size(); ++key) {
+      const std::size_t i = times.kept[key], at = spline ? 3 * i + 1 : i;
+      if (values(at, 0) == 0.0 && values(at, 1) == 0.0 && values(at, 2) == 0.0 && values(at, 3) == 0.0) {
         document_.fail("channel " + std::to_string(number) + " of the clip has a rotation of length 0 at its key " +
                        std::to_string(i) + "; correct it or export again");
       }
+      read(at, keys.values[key]);
+      if (!spline) continue;
+      read(3 * i, keys.tangents[key].in);
+      read(3 * i + 2, keys.tangents[key].out);
     }
     const NodeId track = scene_.create_track(std::make_shared<GltfRotation>(std::move(keys), interpolation, fps_),
                                              std::string(scene_.short_name(node)) + "_rotate");

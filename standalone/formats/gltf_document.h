@@ -53,6 +53,7 @@ class GltfNumbers {
     std::memcpy(&number, floats_ + element * stride_ + component * sizeof number, sizeof number);
     return static_cast<double>(number);
   }
+  bool are_finite(std::size_t elements, std::size_t width) const;
 
  private:
   const char* floats_ = nullptr;
