@@ -1,6 +1,6 @@
 # vantorelix_allocator: the library mimalloc in place of malloc, for programs (a module lives with its host's). A trail is
-# some sixty small objects that stay, which it makes and gives up in a third of the C library's time; linked in, so that
-# a program needs nothing beside it. An empty target where it cannot stand in: sanitizers bring a malloc of their own.
+# some sixty small objects that stay, for which it is the faster one (docs/speed.md). Linked in, so that a program needs
+# nothing beside it. An empty target where it cannot stand in: sanitizers bring a malloc of their own.
 include(cmake/third_party.cmake)
 add_library(vantorelix_allocator INTERFACE)
 if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux" OR VANTORELIX_SANITIZE)
