@@ -118,15 +118,15 @@ GltfNumbers GltfDocument::numbers(const cgltf_accessor& accessor) {
   }
   take(accessor.count, width * sizeof(double));  // also where they stay: channels that share them look through them all
   const bool as_they_lie = first != nullptr && type == cgltf_component_type_r_32f && !accessor.is_sparse;
-  const GltfNumbers numbers =
-      as_they_lie ? GltfNumbers(first, accessor.stride) : GltfNumbers(decoded(accessor, first, width, size), width);
+  GltfNumbers numbers = as_they_lie ? GltfNumbers(first, accessor.stride)
+                                    : GltfNumbers(decoded_numbers(accessor, first, width, size), width);
   if (!numbers.are_finite(accessor.count, width))
     fail(label(accessor) + " holds a number that is not finite; correct it or export again");
   return numbers;
 }
 
-std::vector<double> GltfDocument::decoded(const cgltf_accessor& accessor, const char* first, std::size_t width,
-                                          std::size_t size) {
+std::vector<double> GltfDocument::decoded_numbers(const cgltf_accessor& accessor, const char* first, std::size_t width,
+                                                  std::size_t size) {
   std::vector<double> values(accessor.count * width, 0.0);
   if (first != nullptr) {
     for (std::size_t i = 0; i < accessor.count; ++i, first += accessor.stride) {

@@ -53,6 +53,7 @@ class GltfNumbers {
     std::memcpy(&number, floats_ + element * stride_ + component * sizeof number, sizeof number);
     return static_cast<double>(number);
   }
+  // Whether all of that many are, of so many numbers each.
   bool are_finite(std::size_t elements, std::size_t width) const;
 
  private:
@@ -92,7 +93,9 @@ class GltfDocument {
   std::string_view bytes_of(const cgltf_buffer_view& view);
   std::string_view bytes_of(const cgltf_buffer& buffer);
   Bytes decoded(const cgltf_buffer& buffer, const std::string& label);
-  std::vector<double> decoded(const cgltf_accessor& accessor, const char* first, std::size_t width, std::size_t size);
+  // `first` is where they lie; null for zeros.
+  std::vector<double> decoded_numbers(const cgltf_accessor& accessor, const char* first, std::size_t width,
+                                      std::size_t size);
   Bytes read_external(const cgltf_buffer& buffer, const std::string& label);
   void place_sparse(const cgltf_accessor& accessor, std::size_t width, std::vector<double>& values);
 

@@ -77,8 +77,8 @@ struct Evaluation {
   TimeCache::Slot slot = TimeCache::kNone;
   TimeCache cache;
   const Record* asked = nullptr;  // whose place the sample is wanted for
-  std::optional<std::uint64_t>
-      expected;                // a bit for each time of the slot's chunk that will be asked for next, once found
+  // A bit for each time of the slot's chunk that will be asked for next, once found.
+  std::optional<std::uint64_t> expected;
   NodeId keys_read = kNoNode;  // the node whose key times were read last
   std::vector<Record*> stack;
 
