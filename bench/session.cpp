@@ -1,7 +1,9 @@
 #include "bench/session.h"
 
-#include <algorithm>
+#include <sys/resource.h>
+
 #include <cmath>
+#include <ctime>
 #include <functional>
 #include <stdexcept>
 #include <utility>
@@ -29,6 +31,31 @@ standalone::HostOptions quiet_options(std::function<double()> clock) {
 // The queue need not wait any longer after the last edit.
 void end_quiet_time() { _LAST_EDIT = 0.0; }
 
+// Seconds that this thread had the processor; what a hypervisor took is not counted where it says so.
+double processor_seconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+// Times that this process waited of its own accord.
+long waits() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_nvcsw;
+}
+
+template <class Body>
+Slice timed(Body&& body) {
+  const long waits_before = waits();
+  const double processor_before = processor_seconds();
+  const double start = now();
+  body();
+  const double seconds = now() - start;
+  const double lost = seconds - (processor_seconds() - processor_before);
+  return {seconds, waits() == waits_before ? lost : 0.0};
+}
+
 }  // namespace
 
 Session::Session(Stage stage, std::function<double()> clock)
@@ -51,29 +78,23 @@ void Session::edit() {
     const auto curves = scene.driving_curves(object);
     if (curves.empty()) continue;
     const standalone::Key& key = scene.curve(curves.front()).keys().front();
-    return scene.set_key(curves.front(), key.time, key.value + 0.01);
+    scene.set_key(curves.front(), key.time, key.value + 0.01);
+    return end_quiet_time();
   }
   throw std::runtime_error("no object has a curve to edit");
 }
 
-std::vector<double> Session::rebuild() {
-  end_quiet_time();
-  std::vector<double> slices;
-  double start = now();
-  while (host_.run_idle_once()) {
-    const double end = now();
-    slices.push_back(end - start);
-    start = now();
-  }
-  return slices;
+std::optional<Slice> Session::slice() {
+  if (host_.idle_count() == 0) return std::nullopt;
+  return timed([&] { host_.run_idle_once(); });
 }
 
-double Session::bare_slice() {
-  const double start = now();
-  const double deadline = host_.interpreter().time() + _CHUNK_BUDGET;
-  while (host_.interpreter().time() < deadline) {
-  }
-  return now() - start;
+Slice Session::bare_slice() {
+  return timed([&] {
+    const double deadline = host_.interpreter().time() + _CHUNK_BUDGET;
+    while (host_.interpreter().time() < deadline) {
+    }
+  });
 }
 
 void Session::clear() {
@@ -93,27 +114,6 @@ void Session::check(std::size_t samples) {
     if (std::abs(last.x - there.x) + std::abs(last.y - there.y) + std::abs(last.z - there.z) > 1e-9)
       throw std::runtime_error("a trail does not end where its object is");
   }
-}
-
-double rebuild_unit(Stage stage) {
-  constexpr double kSample = 1e-6;  // hardly any takes as long; all of them would fill memory meanwhile
-  const std::size_t trails = stage.objects.size();
-  std::vector<double> gaps;
-  double last = now();
-  Session session(std::move(stage), [&] {
-    const double time = now();
-    if (time - last > kSample) gaps.push_back(time - last);
-    return last = time;
-  });
-  session.make_trails();
-  session.edit();
-  gaps.clear();  // an edit is no part of any slice
-  last = now();
-  session.rebuild();
-  // All trails are alike, so of the longest gaps each has one.
-  const auto middle = gaps.begin() + static_cast<std::ptrdiff_t>(trails / 2);
-  std::nth_element(gaps.begin(), middle, gaps.end(), std::greater<>());
-  return *middle;
 }
 
 }  // namespace vantorelix::bench

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "bench/scenes.h"
@@ -10,18 +11,27 @@
 
 namespace vantorelix::bench {
 
+// One call of what the queue put off, or a loop as long: seconds of the wall clock, and those of them in which the
+// machine gave the processor to somebody else. Of a slice that waited of its own accord, for a file or a lock, none
+// are.
+struct Slice {
+  double seconds;
+  double lost;
+};
+
 class Session {
  public:
   explicit Session(Stage stage, std::function<double()> clock = nullptr);
 
   // create_trail of every object, then the rebuild queue until nothing is left: seconds.
   double make_trails();
-  // Moves one key of the first object that has any, which voids every world matrix that the scene remembers.
+  // Moves one key of the first object that has any, which voids every world matrix that the scene remembers, and lets
+  // the quiet time after it pass.
   void edit();
-  // The queue until every trail is exact again after an edit: seconds of each slice.
-  std::vector<double> rebuild();
-  // What the machine makes of a slice's budget: seconds that reading the engine's clock until it is over takes.
-  double bare_slice();
+  // What the queue does next; nothing when every trail is exact again.
+  std::optional<Slice> slice();
+  // What the machine makes of a slice's budget: the engine's clock is read until it is over, and nothing is done.
+  Slice bare_slice();
   void clear();
 
   // Throws std::runtime_error unless every object has a trail of `samples` points, the last where the scene says
@@ -32,10 +42,5 @@ class Session {
   std::vector<standalone::NodeId> objects_;
   standalone::Host host_;
 };
-
-// Seconds of a unit, which a slice cannot interrupt: the longest that a rebuild goes between two looks at the clock for
-// one trail, median of the trails'. It plans a trail and takes the first sample, reads when the keys are and takes the
-// first of them, or colours and pushes what is sampled. No other session may go on after it.
-double rebuild_unit(Stage stage);
 
 }  // namespace vantorelix::bench

@@ -1,10 +1,8 @@
 // From a scene to finished trails, and back to exact trails after an edit.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <numeric>
 
 #include "bench/session.h"
 #include "bench/trails.h"
@@ -57,47 +55,24 @@ void clip_load(State& state) {
 }
 BENCHMARK(clip_load);
 
-// The longest of a thousand.
-double p999(std::vector<double> lengths) {
-  std::sort(lengths.begin(), lengths.end());
-  return lengths[static_cast<std::size_t>(0.999 * static_cast<double>(lengths.size() - 1))];
-}
-
-// Total time of one rebuild, and the lengths of the slices of many, beside as many in which nothing is done.
-void rebuild(State& state) {
-  const auto frames = state.range(0);
-  const double unit = rebuild_unit(separate_objects(1000, static_cast<int>(frames)));
-  Session session(separate_objects(1000, static_cast<int>(frames)));
-  session.make_trails();
-  std::vector<double> slices, bare;
-  for ([[maybe_unused]] auto _ : state) {
-    session.edit();
-    const auto lengths = session.rebuild();
-    state.SetIterationTime(std::accumulate(lengths.begin(), lengths.end(), 0.0));
-    slices.insert(slices.end(), lengths.begin(), lengths.end());
-    while (bare.size() < slices.size()) bare.push_back(session.bare_slice());
-  }
-  session.check(static_cast<std::size_t>(frames));
-  state.counters["slices"] = static_cast<double>(slices.size());
-  state.counters["slice_p999"] = p999(slices);
-  state.counters["slice_max"] = *std::max_element(slices.begin(), slices.end());
-  state.counters["bare_p999"] = p999(bare);
-  state.counters["unit"] = unit;
-}
-BENCHMARK(rebuild)->Arg(250)->Arg(1000)->UseManualTime()->MinTime(4.0);
-
-// One object's trail made exact again, at growing lengths.
-void rebuild_one(State& state) {
-  const auto frames = state.range(0);
-  Session session(separate_objects(1, static_cast<int>(frames)));
+// Seconds of all slices together: every trail made exact again after an edit, `trails` of `frames` samples each.
+void rebuild_all(State& state, int trails, int frames) {
+  Session session(separate_objects(trails, frames));
   session.make_trails();
   for ([[maybe_unused]] auto _ : state) {
     session.edit();
-    const auto lengths = session.rebuild();
-    state.SetIterationTime(std::accumulate(lengths.begin(), lengths.end(), 0.0));
+    double seconds = 0.0;
+    while (const auto slice = session.slice()) seconds += slice->seconds;
+    state.SetIterationTime(seconds);
   }
   session.check(static_cast<std::size_t>(frames));
 }
+
+void rebuild(State& state) { rebuild_all(state, 1000, static_cast<int>(state.range(0))); }
+BENCHMARK(rebuild)->Arg(250)->Arg(1000)->UseManualTime();
+
+// One object's trail, at growing lengths.
+void rebuild_one(State& state) { rebuild_all(state, 1, static_cast<int>(state.range(0))); }
 BENCHMARK(rebuild_one)->RangeMultiplier(10)->Range(1000, 1'000'000)->UseManualTime();
 
 }  // namespace

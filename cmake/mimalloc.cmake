@@ -25,9 +25,14 @@ vantorelix_third_party(mimalloc mimalloc-2.2.4 "${mimalloc_inside} of the Rust p
                        ${files})
 set(mimalloc_folder ${VANTORELIX_THIRD_PARTY}/mimalloc-2.2.4)
 
+# What was freed stays with the program: a rebuild frees as much as it takes, and memory that is given back meanwhile comes
+# again in the midst of a slice, a page fault each time (docs/speed.md). The library has a variable of the environment for
+# it, and this call.
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/mimalloc.cpp CONTENT
+     "#include <static.c>\nstatic const bool kept = (mi_option_set(mi_option_purge_delay, -1), true);\n")
+
 # As C++, like all else. Objects, not an archive: a linker takes malloc from an archive only if it comes to it first.
-add_library(vantorelix_mimalloc OBJECT ${mimalloc_folder}/src/static.c)
-set_source_files_properties(${mimalloc_folder}/src/static.c PROPERTIES LANGUAGE CXX)
+add_library(vantorelix_mimalloc OBJECT ${PROJECT_BINARY_DIR}/mimalloc.cpp)
 target_include_directories(vantorelix_mimalloc SYSTEM PRIVATE ${mimalloc_folder}/include ${mimalloc_folder}/src)
 target_compile_definitions(vantorelix_mimalloc PRIVATE MI_MALLOC_OVERRIDE MI_DEBUG=0)
 target_compile_options(vantorelix_mimalloc PRIVATE -ftls-model=initial-exec)
