@@ -120,9 +120,9 @@ void engine_alone(benchmark::State& state) {
   RealClock clock;
   _initialise({&commands, &objects, &animation, &clock});
   auto settings = std::make_shared<Settings>();
-  (*settings)["source"] = "|object";
-  (*settings)["samples_per_frame"] = 1;
-  _REGISTRY["viz"] = settings;
+  settings->set("source", "|object");
+  settings->set("samples_per_frame", 1);
+  _REGISTRY.set("viz", settings);
   for ([[maybe_unused]] auto _ : state) {
     _schedule_rebuild();
     _LAST_EDIT = 0.0;  // the queue need not wait after the last edit

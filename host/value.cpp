@@ -147,14 +147,15 @@ std::string cut(const std::string& text) {
 
 // --- conversions ---------------------------------------------------------------------------------------------------
 
-[[noreturn]] void no_int(const char* type) {
-  throw Error("int() argument must be a string, a bytes-like object or a number, not '" + std::string(type) + "'",
-              ErrorKind::type);
+[[noreturn]] void no_int(const std::string& type) {
+  throw Error("int() argument must be a string, a bytes-like object or a number, not '" + type + "'", ErrorKind::type);
 }
 
-[[noreturn]] void no_float(const char* type) {
-  throw Error("float() argument must be a string or a number, not '" + std::string(type) + "'", ErrorKind::type);
+[[noreturn]] void no_float(const std::string& type) {
+  throw Error("float() argument must be a string or a number, not '" + type + "'", ErrorKind::type);
 }
+
+[[noreturn]] void no_items(const std::string& text) { throw Error(text, ErrorKind::type); }
 
 std::int64_t int_of(double d) {
   if (std::isnan(d)) throw Error("cannot convert float NaN to integer", ErrorKind::value);
@@ -253,9 +254,11 @@ std::string list_repr(const List& list, std::vector<const void*>& outer) {
 
 }  // namespace
 
-std::int64_t Object::to_int() const { no_int("object"); }
-double Object::to_float() const { no_float("object"); }
-void Object::call(const Value&) { throw Error("'object' object is not callable", ErrorKind::type); }
+std::int64_t Object::to_int() const { no_int(type_name()); }
+double Object::to_float() const { no_float(type_name()); }
+Value Object::item(std::int64_t) const { no_items("'" + type_name() + "' object is not subscriptable"); }
+std::vector<Value> Object::items() const { no_items("'" + type_name() + "' object is not iterable"); }
+void Object::call(const Value&) { throw Error("'" + type_name() + "' object is not callable", ErrorKind::type); }
 
 Value Value::list(std::vector<Value> items) { return Value(std::make_shared<std::vector<Value>>(std::move(items))); }
 
@@ -263,8 +266,11 @@ Value Value::function(std::string name, std::function<void(const Value&)> body) 
   return Value(std::shared_ptr<Object>(std::make_shared<FunctionObject>(std::move(name), std::move(body))));
 }
 
-const char* Value::type_name() const {
-  constexpr std::array<const char*, 8> kNames = {"NoneType", "bool", "int", "float", "str", "bytes", "list", "object"};
+// An object's conversions run the host's code, which may put something else where this Value stands: they work on a
+// share of it.
+std::string Value::type_name() const {
+  if (const auto* object = as_object()) return std::shared_ptr(*object)->type_name();
+  constexpr std::array<const char*, 7> kNames = {"NoneType", "bool", "int", "float", "str", "bytes", "list"};
   return kNames[data_.index()];
 }
 
@@ -275,10 +281,24 @@ bool Value::truthy() const {
   if (as_text()) return !as_text()->empty();
   if (as_bytes()) return !as_bytes()->data.empty();
   if (as_list()) return !(*as_list())->empty();
-  return as_object() && (*as_object())->truthy();
+  return as_object() && std::shared_ptr(*as_object())->truthy();
 }
 
 bool Value::callable() const { return as_object() && (*as_object())->callable(); }
+
+Value Value::item(std::int64_t i) const {
+  if (as_object()) return std::shared_ptr(*as_object())->item(i);
+  if (!as_list()) no_items("'" + type_name() + "' object is not subscriptable");
+  const std::vector<Value>& items = **as_list();
+  if (i < 0 || static_cast<std::size_t>(i) >= items.size()) throw Error("list index out of range", ErrorKind::index);
+  return items[static_cast<std::size_t>(i)];
+}
+
+std::vector<Value> Value::items() const {
+  if (as_object()) return std::shared_ptr(*as_object())->items();
+  if (!as_list()) no_items("'" + type_name() + "' object is not iterable");
+  return **as_list();
+}
 
 std::int64_t Value::to_int() const {
   if (as_bool()) return *as_bool() ? 1 : 0;
@@ -286,7 +306,7 @@ std::int64_t Value::to_int() const {
   if (as_float()) return int_of(*as_float());
   if (as_text()) return int_of(*as_text(), repr());
   if (as_bytes()) return int_of(as_bytes()->data, repr());
-  if (as_object()) return (*as_object())->to_int();
+  if (as_object()) return std::shared_ptr(*as_object())->to_int();
   no_int(type_name());
 }
 
@@ -296,7 +316,7 @@ double Value::to_float() const {
   if (as_float()) return *as_float();
   if (as_text()) return float_of(*as_text(), repr());
   if (as_bytes()) return float_of(as_bytes()->data, repr());
-  if (as_object()) return (*as_object())->to_float();
+  if (as_object()) return std::shared_ptr(*as_object())->to_float();
   no_float(type_name());
 }
 
@@ -308,7 +328,7 @@ std::string Value::repr() const {
   if (as_float()) return float_repr(*as_float());
   if (as_text()) return quoted(*as_text(), false);
   if (as_bytes()) return quoted(as_bytes()->data, true);
-  if (as_object()) return (*as_object())->text();
+  if (as_object()) return std::shared_ptr(*as_object())->text();
   if (!as_list()) return "None";
   std::vector<const void*> outer;
   return list_repr(*as_list(), outer);

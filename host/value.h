@@ -25,11 +25,18 @@ struct Bytes {
 
 // An object that belongs to the host (a callback identifier, a message handler, anything a script passed). The
 // engine only stores it and gives it back. The conversions are those of the host's language and throw Error with
-// kind type or value where it has none.
+// kind type or value where it has none. Each may run any code of the host's; the object lives at least until the
+// conversion returns, even where that code lets go of the Value that held it.
 class Object {
  public:
   virtual ~Object() = default;
+  // In error texts.
+  virtual std::string type_name() const { return "object"; }
   virtual bool truthy() const { return true; }
+  // object[i]
+  virtual Value item(std::int64_t i) const;
+  // list(object): its items, each as it is; what they hold is not looked into.
+  virtual std::vector<Value> items() const;
   virtual std::int64_t to_int() const;
   virtual double to_float() const;
   virtual std::string text() const = 0;
@@ -52,6 +59,16 @@ class Value {
   Value(List l) : data_(std::move(l)) {}
   Value(std::shared_ptr<Object> o) : data_(std::move(o)) {}
 
+  Value(const Value&) = default;
+  Value(Value&&) noexcept = default;
+  // What was here is let go only when the new content is in its place: the last owner of an object runs the host's
+  // code, which may look at this very Value.
+  Value& operator=(Value other) noexcept {
+    data_.swap(other.data_);
+    return *this;
+  }
+  ~Value() = default;
+
   static Value list(std::vector<Value> items);
   // A callable host object around a C++ function; `name` is its text.
   static Value function(std::string name, std::function<void(const Value&)> body);
@@ -65,12 +82,18 @@ class Value {
   const List* as_list() const { return std::get_if<List>(&data_); }
   const std::shared_ptr<Object>* as_object() const { return std::get_if<std::shared_ptr<Object>>(&data_); }
 
-  // The name of the type in error texts: "NoneType", "bool", "int", "float", "str", "bytes", "list", "object".
-  const char* type_name() const;
+  // The name of the type in error texts: "NoneType", "bool", "int", "float", "str", "bytes", "list", an object's own.
+  std::string type_name() const;
 
   // Truth as the scripting language has it: none, false, 0, 0.0, "" and an empty list are false.
   bool truthy() const;
   bool callable() const;
+  // The i-th item of a list or of an object that has items. Throws Error: kind index beyond the end of a list, kind
+  // type for what has no items.
+  Value item(std::int64_t i) const;
+  // All items of a list or an object, as a list of their own. Throws Error of kind type for what has none; a text is
+  // one text here.
+  std::vector<Value> items() const;
 
   // Integer part, towards zero; numeric text and bytes are parsed ("5", " -3 ", "1_000"). Throws Error: kind value
   // for a text that is no integer and for NaN, overflow for infinity and beyond 64 bits, type for none and a list.

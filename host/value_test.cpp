@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 
 #include "host/error.h"
@@ -187,14 +188,62 @@ TEST(Value, EqualityNeedsTheSameKindAndContent) {
 }
 
 TEST(Value, KnowsTheNameOfItsType) {
-  EXPECT_STREQ(Value().type_name(), "NoneType");
-  EXPECT_STREQ(Value(true).type_name(), "bool");
-  EXPECT_STREQ(Value(1).type_name(), "int");
-  EXPECT_STREQ(Value(1.0).type_name(), "float");
-  EXPECT_STREQ(Value("").type_name(), "str");
-  EXPECT_STREQ(Value(Bytes{}).type_name(), "bytes");
-  EXPECT_STREQ(Value::list({}).type_name(), "list");
-  EXPECT_STREQ(Value(std::make_shared<Ghost>()).type_name(), "object");
+  EXPECT_EQ(Value().type_name(), "NoneType");
+  EXPECT_EQ(Value(true).type_name(), "bool");
+  EXPECT_EQ(Value(1).type_name(), "int");
+  EXPECT_EQ(Value(1.0).type_name(), "float");
+  EXPECT_EQ(Value("").type_name(), "str");
+  EXPECT_EQ(Value(Bytes{}).type_name(), "bytes");
+  EXPECT_EQ(Value::list({}).type_name(), "list");
+  EXPECT_EQ(Value(std::make_shared<Ghost>()).type_name(), "object");
+}
+
+TEST(Value, GivesTheItemsOfLists) {
+  const Value list = Value::list({1, "a"});
+  EXPECT_EQ(list.item(1), Value("a"));
+  EXPECT_EQ(list.items(), (std::vector<Value>{1, "a"}));
+  EXPECT_EQ(error_of([&] { list.item(2); }), "index: list index out of range");
+  EXPECT_EQ(error_of([&] { list.item(-1); }), "index: list index out of range");
+}
+
+TEST(Value, WhatHasNoItemsSaysSo) {
+  EXPECT_EQ(error_of([] { Value(2.5).item(0); }), "type: 'float' object is not subscriptable");
+  EXPECT_EQ(error_of([] { Value().items(); }), "type: 'NoneType' object is not iterable");
+  EXPECT_EQ(error_of([] { Value("ab").items(); }), "type: 'str' object is not iterable");
+  EXPECT_EQ(error_of([] { Value(std::make_shared<Ghost>()).item(0); }), "type: 'object' object is not subscriptable");
+}
+
+// An object whose last moment looks at the value that held it.
+TEST(Value, HoldsTheNewContentWhenTheOldOneGoes) {
+  struct Last : Object {
+    explicit Last(std::function<void()> run) : run_(std::move(run)) {}
+    ~Last() override { run_(); }
+    std::string text() const override { return "last"; }
+    std::function<void()> run_;
+  };
+  Value value;
+  std::string seen;
+  value = Value(std::make_shared<Last>([&] { seen = value.text(); }));
+  value = 7;
+  EXPECT_EQ(seen, "7");
+}
+
+// A conversion may replace the value that is being converted; the object lives until it is over.
+TEST(Value, AConversionMayReplaceWhatIsConverted) {
+  struct Replacing : Object {
+    explicit Replacing(Value& place) : place_(place) {}
+    bool truthy() const override {
+      place_ = 0;
+      return still_here_ == 42;
+    }
+    std::string text() const override { return "replacing"; }
+    Value& place_;
+    int still_here_ = 42;
+  };
+  Value value;
+  value = Value(std::make_shared<Replacing>(value));
+  EXPECT_TRUE(value.truthy());
+  EXPECT_EQ(value, Value(0));
 }
 
 TEST(Value, ListsAreShared) {

@@ -21,9 +21,8 @@ double seconds_since(Clock::time_point start) { return std::chrono::duration<dou
 
 // Where the engine's queue stands; a call that leaves it there did no work.
 auto queue_state() {
-  const bool any = _WORK && _WORK->k < _WORK->items.size();
-  return std::make_tuple(_PENDING, _WORK ? _WORK->gen : -1, _WORK ? _WORK->k : 0, any ? _WORK->items[_WORK->k].i : 0,
-                         any ? _WORK->items[_WORK->k].ki : 0);
+  const auto it = _WORK && _WORK->k < _WORK->items.size() ? _WORK->items.at(_WORK->k) : nullptr;
+  return std::make_tuple(_PENDING, _WORK ? _WORK->gen : -1, _WORK ? _WORK->k : 0, it ? it->i : 0, it ? it->ki : 0);
 }
 
 // One idle call. False when it did no work.

@@ -67,11 +67,12 @@ std::vector<std::string> allowed_folders() {
   if (const std::string* one = stored.as_text()) return {*one};
   if (const host::Bytes* bytes = stored.as_bytes()) return {utf8_text(bytes->data)};
   std::vector<std::string> folders;
-  if (const host::List* list = stored.as_list()) {
-    for (const host::Value& entry : **list) {
+  attempt([&] {
+    if (stored.is_none()) return;
+    for (const host::Value& entry : stored.items()) {
       if (const std::string* text = entry.as_text()) folders.push_back(*text);
     }
-  }
+  });
   return folders;
 }
 

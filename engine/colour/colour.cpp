@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <optional>
 
 #include "engine/colour/lanes.h"
 #include "engine/frame/attempt.h"
 #include "engine/frame/constants.h"
+#include "engine/sampling/limits.h"
 #include "engine/sampling/spacing.h"
 #include "engine/sampling/spacing_kernel.h"
 #include "host/error.h"
@@ -82,11 +84,14 @@ std::pair<std::vector<Colour>, host::Value> _colors_from_positions(const std::ve
   if (pos.empty()) return {{}, _t_from_spacing({}, ref).second};
   if (pos.size() == 1) throw host::Error("list index out of range", host::ErrorKind::index);
   const Lanes& lanes = *lanes_here().back();
+  // Reading a reference may run the host's code, and that may append to the positions: it comes before they are
+  // counted.
+  const std::optional<double> given = ref.is_none() ? std::nullopt : std::optional(_spacing_baseline(ref));
   kernel::Baseline baseline;
-  const auto lengths = smoothed_lengths(lanes, pos, ref.is_none() ? &baseline : nullptr);
-  const host::Value reference = ref.is_none() ? host::Value::list({baseline.mean()}) : ref;
-  const double scale = _spacing_baseline(reference) * _SPACING_RED_MULT;
-  return {point_colours(lanes, lengths.get(), pos.size() - 1, scale), reference};
+  const auto lengths = smoothed_lengths(lanes, pos, given ? nullptr : &baseline);
+  const double reference = given ? *given : baseline.mean();
+  return {point_colours(lanes, lengths.get(), pos.size() - 1, reference * _SPACING_RED_MULT),
+          given ? ref : host::Value::list({reference})};
 }
 
 // --- the modes that count indices ------------------------------------------------------------------------------
@@ -94,7 +99,9 @@ std::pair<std::vector<Colour>, host::Value> _colors_from_positions(const std::ve
 namespace {
 
 std::vector<Colour> repeated(const host::Value& n, const Colour& colour) {
-  return std::vector<Colour>(static_cast<std::size_t>(std::max<std::int64_t>(0, n.to_int())), colour);
+  const std::int64_t count = std::max<std::int64_t>(0, n.to_int());
+  if (count > kMostSamples) throw host::Error("too many samples", host::ErrorKind::overflow);
+  return std::vector<Colour>(static_cast<std::size_t>(count), colour);
 }
 
 double step_or_one(double frame_step) { return frame_step > 1e-9 ? frame_step : 1.0; }

@@ -52,8 +52,7 @@ const std::vector<Group>& groups() {
 std::string normal_form(const host::Value& action) {
   if (!action.truthy() || action.as_bytes()) return {};  // bytes are no text, and equal to none
   if (!action.as_text())
-    throw host::Error("'" + std::string(action.type_name()) + "' object has no attribute 'strip'",
-                      host::ErrorKind::attribute);
+    throw host::Error("'" + action.type_name() + "' object has no attribute 'strip'", host::ErrorKind::attribute);
   std::string name(host::stripped(*action.as_text()));
   for (char& c : name) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
   return name;

@@ -17,11 +17,19 @@ namespace vantorelix {
 
 // Keys are unique; assigning to an existing key keeps its place. Look-up is constant time, erasing too. There is one
 // for each trail, with three keys: the first few are found by looking at each, and have no index.
+//
+// Letting go of a value may run the host's code, and that may change this very map. So values go out as copies, never
+// as references, and what is replaced or erased dies last, when the map is whole again. Only begin() and end() lead
+// inside: for loops that touch nothing of the host's; others work on a snapshot.
 template <class T>
 class OrderedMap {
  public:
   using Item = std::pair<const std::string, T>;
   using Snapshot = std::vector<std::pair<std::string, T>>;
+
+  OrderedMap() = default;
+  OrderedMap(const OrderedMap&) = delete;
+  OrderedMap& operator=(const OrderedMap&) = delete;
 
   bool empty() const { return items_.empty(); }
   std::size_t size() const { return items_.size(); }
@@ -29,22 +37,20 @@ class OrderedMap {
   auto begin() const { return items_.begin(); }
   auto end() const { return items_.end(); }
 
-  // The value under `key`, default-constructed first when it is new.
-  T& operator[](const std::string& key) {
-    snapshot_.reset();
+  void set(const std::string& key, T value) {
+    const auto outdated = std::move(snapshot_);
     const auto found = find(*this, key);
-    if (found != items_.end()) return found->second;
-    items_.emplace_back(key, T{});
+    if (found != items_.end()) return std::swap(found->second, value);
+    items_.emplace_back(key, std::move(value));
     if (!index_.empty()) {
       enter(std::prev(items_.end()));
     } else if (items_.size() > kFew) {
       for (auto item = items_.begin(); item != items_.end(); ++item) enter(item);
     }
-    return items_.back().second;
   }
 
   // Throws host::Error of kind key, whose text is the quoted key.
-  const T& at(const std::string& key) const {
+  T at(const std::string& key) const {
     const auto found = find(*this, key);
     if (found == items_.end()) throw host::Error(host::Value(key).repr(), host::ErrorKind::key);
     return found->second;
@@ -60,21 +66,24 @@ class OrderedMap {
   bool erase(const std::string& key) {
     const auto found = find(*this, key);
     if (found == items_.end()) return false;
-    snapshot_.reset();
+    const auto outdated = std::move(snapshot_);
     index_.erase(found->first);
-    items_.erase(found);
+    std::list<Item> erased;
+    erased.splice(erased.end(), items_, found);
     return true;
   }
 
-  void clear() {
-    snapshot_.reset();
-    index_.clear();
-    items_.clear();
+  void clear() { OrderedMap().swap(*this); }
+
+  void swap(OrderedMap& other) noexcept {
+    snapshot_.swap(other.snapshot_);
+    items_.swap(other.items_);
+    index_.swap(other.index_);
   }
 
   // What is here now, in order; later changes leave it alone. Constant time while nothing changes.
   std::shared_ptr<const Snapshot> snapshot() const {
-    if (!snapshot_) snapshot_ = std::make_shared<const Snapshot>(items_.begin(), items_.end());
+    if (!snapshot_) snapshot_ = std::make_shared<Snapshot>(items_.begin(), items_.end());
     return snapshot_;
   }
 

@@ -1,6 +1,7 @@
 #include "engine/frame/state.h"
 
-#include <iterator>
+#include <limits>
+#include <utility>
 
 #include "engine/bootstrap/paths.h"
 
@@ -32,34 +33,89 @@ std::string plugin_beside(const std::string& module_file) {
 
 }  // namespace
 
-WorkItem& WorkItems::operator[](std::size_t n) {
-  while (dropped_ + made_.size() <= n) {
-    const auto& [viz, settings] = (*trails_)[dropped_ + made_.size()];
-    WorkItem& made = made_.emplace_back();
-    made.viz = viz;
-    made.settings = settings;
+WorkItems::Content* WorkItems::discarded_ = nullptr;
+
+WorkItems::WorkItems(std::shared_ptr<const Registry::Snapshot> trails) : content_(std::make_unique<Content>()) {
+  content_->size = trails->size();
+  content_->items.reserve(content_->size);  // and not filled: nothing is written before an item is made
+  content_->trails = std::move(trails);
+}
+
+WorkItems::WorkItems(std::vector<std::shared_ptr<WorkItem>> items) : content_(std::make_unique<Content>()) {
+  content_->size = items.size();
+  content_->items = std::move(items);
+}
+
+WorkItems::~WorkItems() {
+  if (!content_) return;
+  content_->next.reset(discarded_);
+  discarded_ = content_.release();
+}
+
+std::shared_ptr<WorkItem> WorkItems::at(std::size_t n) const {
+  auto& items = content_->items;
+  while (items.size() <= n) {
+    const auto& [viz, settings] = (*content_->trails)[items.size()];
+    auto made = std::make_shared<WorkItem>();
+    made->viz = viz;
+    made->settings = settings;
+    items.push_back(std::move(made));
   }
-  return *std::next(made_.begin(), static_cast<std::ptrdiff_t>(n - dropped_));
+  return items[n];
 }
 
-void WorkItems::drop_before(std::size_t n) {
-  for (; dropped_ < n && !made_.empty(); ++dropped_) made_.pop_front();
+namespace {
+
+template <class T>
+T taken_from(std::vector<T>& values) {
+  T last = std::move(values.back());
+  values.pop_back();
+  return last;
 }
 
-void _initialise(const Handles& handles) {
+}  // namespace
+
+void free_discarded_items(std::size_t count) {
+  using Content = WorkItems::Content;
+  // Each piece is out of its place before it goes: what goes may run the host's code, and that may come here again.
+  for (; count > 0 && WorkItems::discarded_; --count) {
+    Content& last = *WorkItems::discarded_;
+    if (!last.items.empty()) {
+      taken_from(last.items);
+    } else if (last.trails.use_count() == 1 && !last.trails->empty()) {
+      taken_from(const_cast<Registry::Snapshot&>(*last.trails));  // nobody else sees it any more
+    } else {
+      const std::unique_ptr<Content> empty(std::exchange(WorkItems::discarded_, last.next.release()));
+    }
+  }
+}
+
+namespace {
+
+void start_anew(const Handles& handles) {
+  // What was remembered goes last, when everything is new: letting go of it may run the host's code.
+  Registry registry;
+  _REGISTRY.swap(registry);
+  const auto callback_ids = std::exchange(_CB_ID, std::nullopt);
+  const auto work = std::exchange(_WORK, nullptr);
+  const auto message_handler = std::exchange(_MSG_HANDLER, host::Value());
+
   cmds = handles.cmds;
   om = handles.om;
   oma = handles.oma;
   interpreter = handles.interpreter;
-  PLUGIN_FILE = plugin_beside(interpreter->module_file());
-  _REGISTRY.clear();
-  _CB_ID.reset();
   _REBUILDING = false;
   _GEN = 0;
   _PENDING = false;
-  _WORK.reset();
   _LAST_EDIT = 0.0;
-  _MSG_HANDLER = {};
+  PLUGIN_FILE = plugin_beside(interpreter->module_file());
+}
+
+}  // namespace
+
+void _initialise(const Handles& handles) {
+  start_anew(handles);
+  free_discarded_items(std::numeric_limits<std::size_t>::max());  // a reload is no slice, and the host may be going
 }
 
 // clang-format off

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,7 +30,8 @@ using Settings = OrderedMap<host::Value>;
 
 using Registry = OrderedMap<std::shared_ptr<Settings>>;  // viz transform name -> settings
 
-// One trail's place in the rebuild queue. Invariants: *pos has exactly i entries, kpos exactly ki.
+// One trail's place in the rebuild queue. Invariants: *pos has exactly i entries, kpos exactly ki; neither ever
+// shrinks. Shared by its record, by the step that works on it and by whoever looks at it.
 struct WorkItem {
   std::string viz;                     // the registry key: the viz transform's name
   std::shared_ptr<Settings> settings;  // shared with the registry: a "ref" stored here lands there
@@ -44,24 +44,41 @@ struct WorkItem {
   std::size_t ki = 0;  // next key time to evaluate
 };
 
-// One item for each trail of a snapshot, in its order. An item is made when it is first asked for, and can be given up
-// when it is done: a list of any length is ready at once, and gone at once.
+// One item for each trail of a snapshot, in its order, all of them for as long as the list lives. A list of any length
+// is ready at once and gone at once: an item is made when it, or one after it, is first asked for; and what a list
+// leaves behind is put aside, for free_discarded_items.
 class WorkItems {
  public:
   WorkItems() = default;
-  explicit WorkItems(std::shared_ptr<const Registry::Snapshot> trails) : trails_(std::move(trails)) {}
+  explicit WorkItems(std::shared_ptr<const Registry::Snapshot> trails);
+  // These items.
+  explicit WorkItems(std::vector<std::shared_ptr<WorkItem>> items);
+  WorkItems(WorkItems&&) noexcept = default;
+  WorkItems& operator=(WorkItems&& other) noexcept {
+    content_.swap(other.content_);
+    return *this;
+  }
+  ~WorkItems();
 
-  std::size_t size() const { return trails_ ? trails_->size() : 0; }
-  // n < size(), and not given up. Valid until it is.
-  WorkItem& operator[](std::size_t n);
-  // Gives up the items before the n-th.
-  void drop_before(std::size_t n);
+  std::size_t size() const { return content_ ? content_->size : 0; }
+  // n < size()
+  std::shared_ptr<WorkItem> at(std::size_t n) const;
 
  private:
-  std::shared_ptr<const Registry::Snapshot> trails_;
-  std::size_t dropped_ = 0;
-  std::list<WorkItem> made_;  // the first items after those: one, as the queue goes
+  friend void free_discarded_items(std::size_t);
+  struct Content {
+    std::size_t size = 0;
+    std::shared_ptr<const Registry::Snapshot> trails;  // of which items are made
+    std::vector<std::shared_ptr<WorkItem>> items;      // the first ones, made so far
+    std::unique_ptr<Content> next;                     // discarded before this one
+  };
+  std::unique_ptr<Content> content_;
+  static Content* discarded_;  // owned; lives on when the process ends, as what is in it may need a host that has gone
 };
+
+// Frees up to `count` of the items that discarded lists have left behind. Called where the engine has time anyway, so
+// that a record of a thousand trails costs no slice more than a few of them.
+void free_discarded_items(std::size_t count);
 
 struct WorkRecord {
   std::int64_t gen = 0;  // _GEN when the record was built
@@ -73,6 +90,12 @@ struct WorkRecord {
 
 // Identifiers of the installed callbacks, or whatever single identifier a script has put in their place.
 using CallbackIds = std::variant<std::vector<host::Value>, host::Value>;
+
+// Puts `value` into `place`. What was there is let go last: that may run the host's code, which may look at `place`.
+template <class T>
+void put(T& place, T value) {
+  std::swap(place, value);
+}
 
 // --- the handles: bound by _initialise, owned by the host, valid until the next _initialise ---------------------
 extern host::CommandLayer* cmds;

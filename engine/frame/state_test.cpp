@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <set>
 
 #include "engine/frame/constants.h"
+#include "engine/sampling/position_sampling.h"
 #include "host/error.h"
 #include "tests/support/engine_test.h"
 
@@ -39,7 +41,7 @@ TEST_F(State, IsEmptyRightAfterLoading) { expect_initial(); }
 
 TEST_F(State, StartsAnewOnReload) {
   const auto* registry = &_REGISTRY;
-  _REGISTRY["vlx_ball_viz"] = std::make_shared<Settings>();
+  _REGISTRY.set("vlx_ball_viz", std::make_shared<Settings>());
   _CB_ID = host::Value(3);
   _REBUILDING = true;
   _GEN = 7;
@@ -148,13 +150,13 @@ TEST(ExportList, IsInDefinitionOrder) {
 
 TEST(OrderedMap, KeepsTheOrderOfInsertion) {
   OrderedMap<int> map;
-  map["b"] = 1;
-  map["a"] = 2;
-  map["b"] = 3;  // keeps its place
+  map.set("b", 1);
+  map.set("a", 2);
+  map.set("b", 3);  // keeps its place
   EXPECT_THAT(*map.snapshot(), ElementsAre(std::pair<std::string, int>("b", 3), std::pair<std::string, int>("a", 2)));
   EXPECT_TRUE(map.erase("b"));
   EXPECT_FALSE(map.erase("b"));
-  map["b"] = 4;  // goes to the end
+  map.set("b", 4);  // goes to the end
   EXPECT_THAT(*map.snapshot(), ElementsAre(std::pair<std::string, int>("a", 2), std::pair<std::string, int>("b", 4)));
   EXPECT_EQ(map.get("c", 9), 9);
   EXPECT_EQ(map.get("a", 9), 2);
@@ -166,7 +168,7 @@ TEST(OrderedMap, FindsFewKeysAndMany) {
   OrderedMap<int> map;
   const auto key = [](int i) { return "key " + std::to_string(i); };
   for (int i = 0; i < 40; ++i) {
-    map[key(i)] = i;
+    map.set(key(i), i);
     for (int k = 0; k <= i; ++k) ASSERT_EQ(map.at(key(k)), k);
     ASSERT_FALSE(map.contains(key(i + 1)));
   }
@@ -175,17 +177,17 @@ TEST(OrderedMap, FindsFewKeysAndMany) {
     ASSERT_FALSE(map.contains(key(i)));
     for (int k = i + 1; k < 40; ++k) ASSERT_EQ(map.get(key(k), -1), k);
   }
-  map[key(7)] = 8;
+  map.set(key(7), 8);
   EXPECT_EQ(map.size(), 1u);
   EXPECT_EQ(map.at(key(7)), 8);
 }
 
 TEST(OrderedMap, ASnapshotOutlivesEveryChangeAndIsSharedUntilThen) {
   OrderedMap<int> map;
-  map["a"] = 1;
+  map.set("a", 1);
   const auto before = map.snapshot();
   EXPECT_EQ(map.snapshot(), before);
-  map["b"] = 2;
+  map.set("b", 2);
   EXPECT_THAT(*before, ElementsAre(std::pair<std::string, int>("a", 1)));
   const auto grown = map.snapshot();
   EXPECT_THAT(*grown, ElementsAre(std::pair<std::string, int>("a", 1), std::pair<std::string, int>("b", 2)));
@@ -198,30 +200,138 @@ TEST(OrderedMap, ASnapshotOutlivesEveryChangeAndIsSharedUntilThen) {
 
 TEST(WorkItems, AreMadeInTheOrderOfTheTrailsWhicheverIsAskedForFirst) {
   Registry registry;
-  for (const char* name : {"a", "b", "c"}) registry[name] = std::make_shared<Settings>();
+  for (const char* name : {"a", "b", "c"}) registry.set(name, std::make_shared<Settings>());
   WorkItems items(registry.snapshot());
   EXPECT_EQ(items.size(), 3u);
-  EXPECT_EQ(items[2].viz, "c");
-  EXPECT_EQ(items[0].viz, "a");
-  EXPECT_EQ(items[1].settings, registry.at("b"));
-  WorkItem& first = items[0];
-  first.i = 7;
-  EXPECT_EQ(&items[0], &first);
+  EXPECT_EQ(items.at(2)->viz, "c");
+  EXPECT_EQ(items.at(0)->viz, "a");
+  EXPECT_EQ(items.at(1)->settings, registry.at("b"));
+  const auto first = items.at(0);
+  EXPECT_EQ(items.at(0), first);
   EXPECT_EQ(WorkItems().size(), 0u);
 }
 
-TEST(WorkItems, AreGivenUpFromTheFirstOn) {
+TEST(WorkItems, AnItemLivesForAsLongAsAnybodyHoldsIt) {
   Registry registry;
-  for (const char* name : {"a", "b", "c"}) registry[name] = std::make_shared<Settings>();
-  WorkItems items(registry.snapshot());
-  const std::weak_ptr<std::vector<Position>> first = items[0].pos, second = items[1].pos;
-  items.drop_before(1);
-  EXPECT_TRUE(first.expired());
-  EXPECT_FALSE(second.expired());
-  EXPECT_EQ(items.size(), 3u);
-  EXPECT_EQ(items[2].viz, "c");
-  items.drop_before(3);
-  EXPECT_TRUE(second.expired());
+  registry.set("a", std::make_shared<Settings>());
+  auto items = std::make_unique<WorkItems>(registry.snapshot());
+  const auto held = items->at(0);
+  held->pos->push_back({1.0, 2.0, 3.0});
+  items.reset();
+  free_discarded_items(100);
+  EXPECT_EQ(held.use_count(), 1);
+  EXPECT_EQ(held->viz, "a");
+  EXPECT_EQ(held->pos->front(), (Position{1.0, 2.0, 3.0}));
+}
+
+// --- what discarded lists leave behind -------------------------------------------------------------------------------
+
+class DiscardedItems : public ::testing::Test {
+ protected:
+  DiscardedItems() { free_discarded_items(1000); }  // of the tests before
+
+  // Discards a list of `count` items; the last of them was made last.
+  void discard(int count) {
+    Registry registry;
+    for (int i = 0; i < count; ++i) registry.set("trail " + std::to_string(i), std::make_shared<Settings>());
+    WorkItems items(registry.snapshot());
+    for (int i = 0; i < count; ++i) {
+      settings.push_back(registry.at("trail " + std::to_string(i)));
+      left.push_back(items.at(static_cast<std::size_t>(i)));
+    }
+  }
+  auto living() const {
+    return std::count_if(left.begin(), left.end(), [](const auto& item) { return !item.expired(); });
+  }
+  auto trails_known() const {
+    return std::count_if(settings.begin(), settings.end(), [](const auto& known) { return !known.expired(); });
+  }
+
+  std::vector<std::weak_ptr<WorkItem>> left;
+  std::vector<std::weak_ptr<Settings>> settings;
+};
+
+TEST_F(DiscardedItems, AreFreedAFewAtATime) {
+  discard(5);
+  EXPECT_EQ(living(), 5);
+  free_discarded_items(2);
+  EXPECT_EQ(living(), 3);
+  free_discarded_items(3);
+  EXPECT_EQ(living(), 0);
+}
+
+TEST_F(DiscardedItems, TakeWhatIsKnownOfTheirTrailsAlongPieceByPiece) {
+  discard(4);
+  free_discarded_items(4);
+  EXPECT_EQ(trails_known(), 4);
+  free_discarded_items(3);
+  EXPECT_EQ(trails_known(), 1);
+  free_discarded_items(1);
+  EXPECT_EQ(trails_known(), 0);
+}
+
+TEST_F(DiscardedItems, OfSeveralListsAreFreedOneListAfterTheOther) {
+  discard(2);
+  discard(2);
+  free_discarded_items(100);
+  EXPECT_EQ(living(), 0);
+  free_discarded_items(100);  // nothing is left
+}
+
+// Letting go of an item may run the host's code, and that may step, and free more.
+TEST_F(DiscardedItems, MayBeFreedWhileOneOfThemGoes) {
+  struct Freeing : Sampler {
+    ~Freeing() override { free_discarded_items(1); }
+    Position operator()(double) override { return {}; }
+  };
+  discard(3);
+  for (const auto& item : left) item.lock()->sampler = std::make_shared<Freeing>();
+  free_discarded_items(1);
+  EXPECT_EQ(living(), 0);
+}
+
+// --- values whose end looks at where they were
+// -------------------------------------------------------------------------
+
+// Runs `last` when it goes.
+struct Ending : host::Object {
+  explicit Ending(std::function<void()> run) : last(std::move(run)) {}
+  ~Ending() override { last(); }
+  std::string text() const override { return "ending"; }
+  std::function<void()> last;
+};
+
+host::Value ending(std::function<void()> last) { return host::Value(std::make_shared<Ending>(std::move(last))); }
+
+TEST(OrderedMap, IsWholeWhenWhatItLetGoLooksAtIt) {
+  Settings map;
+  std::vector<std::string> seen;
+  const auto look = [&] { seen.push_back(std::to_string(map.size()) + " " + map.get("a").text()); };
+  map.set("a", ending(look));
+  map.set("a", 1);
+  map.set("a", ending(look));
+  map.erase("a");
+  map.set("a", ending(look));
+  map.set("b", 2);
+  map.clear();
+  EXPECT_THAT(seen, ElementsAre("1 1", "0 None", "0 None"));
+}
+
+TEST(OrderedMap, MayBeFilledByWhatItLetsGo) {
+  Settings map;
+  map.set("a", ending([&] { map.set("b", "from the end of a"); }));
+  map.clear();
+  EXPECT_EQ(map.get("b").text(), "from the end of a");
+}
+
+TEST_F(State, IsNewWhenWhatAReloadLetsGoLooksAtIt) {
+  auto settings = std::make_shared<Settings>();
+  std::string seen;
+  settings->set("note", ending([&] { seen = std::to_string(_REGISTRY.size()) + " " + std::to_string(_GEN); }));
+  _REGISTRY.set("vlx_ball_viz", std::move(settings));
+  _GEN = 7;
+  initialise();
+  EXPECT_EQ(seen, "0 0");
 }
 
 TEST(OrderedMap, AMissingKeyIsNamedInQuotes) {

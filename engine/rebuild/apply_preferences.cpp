@@ -32,7 +32,7 @@ DisplaySettings read_display_settings() {
 
 // The node is told at once, so that it maps the samples it has to frames; the samples themselves follow later.
 void apply_density(const std::string& viz_tr, Settings& settings, std::int64_t samples) {
-  settings["samples_per_frame"] = samples;
+  settings.set("samples_per_frame", samples);
   attempt([&] {
     const std::string shape = _first_shape(viz_tr);
     cmds->setAttr(shape + ".frameStep", 1.0 / static_cast<double>(std::max<std::int64_t>(1, samples)));

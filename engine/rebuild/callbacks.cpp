@@ -27,7 +27,7 @@ void _ensure_callback() {
   // The first is what a trail lives on, so only its failure is worth a warning.
   attempt([&] { ids.push_back(oma->addAnimKeyframeEditedCallback(_ON_ANIM_EDIT)); });
   attempt([&] { ids.push_back(om->addNodeRemovedCallback(_ON_ANIM_EDIT, "animCurve")); });
-  if (!ids.empty()) _CB_ID = std::move(ids);
+  if (!ids.empty()) put(_CB_ID, std::optional<CallbackIds>(std::move(ids)));
 }
 
 void _remove_callback() {
@@ -37,7 +37,7 @@ void _remove_callback() {
   const auto* several = std::get_if<std::vector<host::Value>>(&installed);
   const std::vector<host::Value> ids = several ? *several : std::vector{std::get<host::Value>(installed)};
   for (const host::Value& id : ids) attempt([&] { om->removeCallback(id); });
-  _CB_ID.reset();
+  put(_CB_ID, {});
 }
 
 }  // namespace vantorelix

@@ -23,6 +23,11 @@ namespace {
 
 bool must_wait() { return _is_file_io() || _is_playing() || interpreter->time() - _LAST_EDIT < _DEBOUNCE; }
 
+// Items of discarded records that go while a step only waits, and with each item that is done: more than the queue
+// makes, so that they never pile up.
+constexpr std::size_t kFreedWhileWaiting = 64;
+constexpr std::size_t kFreedWithEach = 2;
+
 // Exactly one successor for this step, or the queue stops: nothing is reported, and the next edit starts it again.
 void defer_successor() {
   if (!_defer_rebuild_step()) _stop_rebuild_queue();
@@ -54,10 +59,12 @@ bool sample_until(double deadline, const Times& times, std::size_t& next, std::v
     ++next;
     if (interpreter->time() >= deadline) break;
   }
-  return next == times.size();
+  return next >= times.size();
 }
 
 // Takes an item as far as it gets. False when the deadline stopped it between two samples: the next step resumes it.
+// Any call of the host's may run another step, on the same item too; what each appends stays, so the indices may pass
+// the end.
 bool advance_item(WorkItem& it, const WorkRecord& work, double deadline) {
   const std::string obj = _source_of(*it.settings);
   if (_drop_vanished(obj, it.viz)) return true;
@@ -85,8 +92,11 @@ bool advance_guarded(WorkItem& it, const WorkRecord& work, double deadline) {
 
 void work_until(double deadline, WorkRecord& work) {
   while (work.k < work.items.size() && interpreter->time() < deadline) {
-    if (!advance_guarded(work.items[work.k], work, deadline)) return;
-    work.items.drop_before(++work.k);  // one at a time: all of them at once would overrun the last step
+    if (work.k >= work.items.size()) return;  // a step inside the reading of the clock has done the rest
+    const std::shared_ptr<WorkItem> it = work.items.at(work.k);
+    if (!advance_guarded(*it, work, deadline)) return;
+    ++work.k;
+    free_discarded_items(kFreedWithEach);
   }
 }
 
@@ -95,12 +105,15 @@ void work_until(double deadline, WorkRecord& work) {
 void _rebuild_step() {
   if (!_PENDING) return;  // queued before the queue was stopped
   if (_REGISTRY.empty()) return _stop_rebuild_queue();
-  if (must_wait()) return defer_successor();
-  if (!_WORK || _WORK->gen != _GEN) _WORK = fresh_record();
+  if (must_wait()) {
+    free_discarded_items(kFreedWhileWaiting);
+    return defer_successor();
+  }
+  if (!_WORK || _WORK->gen != _GEN) put(_WORK, fresh_record());
   const std::shared_ptr<WorkRecord> work = _WORK;
   work_until(interpreter->time() + _CHUNK_BUDGET, *work);
   if (work->k >= work->items.size()) {
-    _WORK = nullptr;
+    put(_WORK, {});
     if (work->gen == _GEN) {
       _PENDING = false;
       attempt([] { cmds->refresh(); });
@@ -129,7 +142,7 @@ bool _defer_rebuild_step() {
 
 void _stop_rebuild_queue() {
   _PENDING = false;
-  _WORK = nullptr;
+  put(_WORK, {});
 }
 
 }  // namespace vantorelix

@@ -59,11 +59,11 @@ class QueueTest : public support::EngineTest {
     EXPECT_THAT(fake.deferred, IsEmpty());
   }
   std::size_t planned_samples(const host::Value& density) {
-    (*ball)["samples_per_frame"] = density;
+    ball->set("samples_per_frame", density);
     fake.advance_per_evaluation = 1.0;  // one sample a step
     ++_GEN;
     _rebuild_step();
-    return _WORK->items[0].times->size();
+    return _WORK->items.at(0)->times->size();
   }
   std::shared_ptr<Settings> ball;
 };
@@ -215,7 +215,7 @@ TEST_F(QueueTest, AnInterruptWhileSamplingLeavesTheStep) {
   recorder.fail_line("plug.translation_at(2.0)", 0, support::Failure::interrupt);
   EXPECT_THROW(_rebuild_step(), host::Interrupt);
   EXPECT_EQ(_WORK->k, 0u);
-  EXPECT_EQ(_WORK->items[0].i, 1u);
+  EXPECT_EQ(_WORK->items.at(0)->i, 1u);
 }
 
 // --- planning --------------------------------------------------------------------------------------------------
@@ -230,12 +230,12 @@ TEST_F(QueueTest, DensityIsTruncatedAndAtLeastOne) {
 TEST_F(QueueTest, TimesAreCountedFromTheStart) {
   fake.range_last = 10.0;
   EXPECT_EQ(planned_samples(2), 19u);
-  const SampleTimes& times = *_WORK->items[0].times;
+  const SampleTimes& times = *_WORK->items.at(0)->times;
   EXPECT_EQ(times[0], 1.0);
   EXPECT_EQ(times[1], 1.5);
   EXPECT_EQ(times[18], 10.0);
   planned_samples(3);
-  EXPECT_EQ((*_WORK->items[0].times)[7], 1.0 + 7 * (1.0 / 3));  // a running sum would miss this one
+  EXPECT_EQ((*_WORK->items.at(0)->times)[7], 1.0 + 7 * (1.0 / 3));  // a running sum would miss this one
 }
 
 TEST_F(QueueTest, ARangeOfOneFrameFinishesWithoutTouchingTheNode) {
@@ -264,7 +264,7 @@ TEST_F(QueueTest, WithoutAFastSamplerTheSlowRoadIsTakenAndTheItemHoldsNone) {
   fake.context_offset = {1, 0, 0};
   fake.advance_per_evaluation = 1.0;
   _rebuild_step();
-  EXPECT_FALSE(_WORK->items[0].sampler);
+  EXPECT_FALSE(_WORK->items.at(0)->sampler);
   EXPECT_EQ(recorder.count("cmds.getAttr('|ball.worldMatrix[0]', time="), 2u);
 }
 
@@ -280,7 +280,7 @@ TEST_F(QueueTest, ATrailWithoutADensityFailsAtPlanning) {
 TEST_F(QueueTest, AnEditHalfwayStartsAgainFromTheFirstTrail) {
   for (const char* name : {"b", "c", "d", "e"}) support::add_trail(fake, name);
   fake.advance_per_evaluation = 0.003;
-  while (!_WORK || _WORK->k < 2 || _WORK->items[2].i == 0) _rebuild_step();
+  while (!_WORK || _WORK->k < 2 || _WORK->items.at(2)->i == 0) _rebuild_step();
   const auto stale = _WORK;
   _schedule_rebuild();
   fake.now += 1.0;
@@ -288,8 +288,8 @@ TEST_F(QueueTest, AnEditHalfwayStartsAgainFromTheFirstTrail) {
   EXPECT_NE(_WORK, stale);
   EXPECT_EQ(_WORK->gen, 1);
   EXPECT_EQ(_WORK->k, 0u);
-  EXPECT_EQ(_WORK->items[0].i, 1u);
-  EXPECT_EQ(_WORK->items[2].i, 0u);
+  EXPECT_EQ(_WORK->items.at(0)->i, 1u);
+  EXPECT_EQ(_WORK->items.at(2)->i, 0u);
 }
 
 TEST_F(QueueTest, AnEditInTheLastSampleKeepsTheQueueGoing) {

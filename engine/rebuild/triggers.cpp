@@ -11,6 +11,8 @@ namespace vantorelix {
 
 namespace {
 
+constexpr std::size_t kFreedWithEdit = 8;  // items of discarded records
+
 // Marks the rebuild as running for as long as it lives, whatever ends it.
 class RebuildingMark {
  public:
@@ -39,6 +41,7 @@ void _schedule_rebuild() {
   // Before the test of _PENDING: an edit during a rebuild makes the work in progress stale and prolongs the debounce.
   ++_GEN;
   _LAST_EDIT = interpreter->time();
+  free_discarded_items(kFreedWithEdit);
   if (_PENDING) return;
   if (rebuilt_in_batch_mode()) return;
   _PENDING = true;
@@ -85,7 +88,7 @@ bool _drop_vanished(const std::string& obj, const std::string& viz_tr) {
 }
 
 void _keep_first_ref(Settings& settings, const host::Value& ref) {
-  if (settings.get("ref").is_none() && ref.truthy()) settings["ref"] = ref;
+  if (settings.get("ref").is_none() && ref.truthy()) settings.set("ref", ref);
 }
 
 void _warn_rebuild_failed(const std::string& viz_tr, const std::exception& error) {

@@ -36,12 +36,7 @@ std::vector<double> _smooth(const std::vector<double>& values, std::int64_t wind
   return out;
 }
 
-double _spacing_baseline(const host::Value& ref) {
-  if (!ref.truthy()) return 0.0;
-  if (!ref.as_list())
-    throw host::Error("'" + std::string(ref.type_name()) + "' object is not subscriptable", host::ErrorKind::type);
-  return number((*ref.as_list())->front());
-}
+double _spacing_baseline(const host::Value& ref) { return ref.truthy() ? number(ref.item(0)) : 0.0; }
 
 std::pair<std::vector<double>, host::Value> _t_from_spacing(const std::vector<double>& dists, const host::Value& ref) {
   if (dists.empty()) return {{}, ref.truthy() ? ref : host::Value::list({0.0})};

@@ -141,10 +141,10 @@ void set_display(const std::string& viz_tr, const Request& request) {
 
 void register_trail(const std::string& viz_tr, const std::string& obj, const Request& request, const Draft& draft) {
   auto settings = std::make_shared<Settings>();
-  (*settings)["source"] = obj;
-  (*settings)["samples_per_frame"] = request.samples_per_frame;
-  (*settings)["ref"] = draft.ref;
-  _REGISTRY[viz_tr] = std::move(settings);
+  settings->set("source", obj);
+  settings->set("samples_per_frame", request.samples_per_frame);
+  settings->set("ref", draft.ref);
+  _REGISTRY.set(viz_tr, std::move(settings));
 }
 
 enum class Outcome { skipped, provisional, exact };

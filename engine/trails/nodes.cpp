@@ -16,7 +16,7 @@ std::string _first_shape(const std::string& transform) {
 }
 
 std::string _source_of(const Settings& settings) {
-  const host::Value& source = settings.at("source");
+  const host::Value source = settings.at("source");
   if (const std::string* name = source.as_text()) return *name;
   throw host::Error("a trail's source must be a node name, not " + source.repr(), host::ErrorKind::type);
 }

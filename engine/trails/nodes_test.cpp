@@ -33,9 +33,9 @@ TEST_F(NodesTest, TheFirstShapeIsAFullPathAndItsAbsenceAnError) {
 TEST_F(NodesTest, ASourceThatIsMissingOrNoNameIsAnErrorOfItsOwnKind) {
   Settings settings;
   EXPECT_EQ(kind_of_source_error(settings), host::ErrorKind::key);
-  settings["source"] = 7;
+  settings.set("source", 7);
   EXPECT_EQ(kind_of_source_error(settings), host::ErrorKind::type);
-  settings["source"] = "|ball";
+  settings.set("source", "|ball");
   EXPECT_EQ(_source_of(settings), "|ball");
 }
 

@@ -15,6 +15,12 @@ inline host::Value value(const Arguments& a, std::size_t i, host::Value otherwis
   return a[i] ? value_of(a[i]) : std::move(otherwise);
 }
 
+// What the engine gave back for an argument that it may have handed on: the very object that came in, then, else a new
+// one.
+inline Ref same_or_new(const Arguments& a, std::size_t i, const host::Value& given, const host::Value& back) {
+  return a.given(i) && back == given ? Ref::share(a[i]) : object_of(back);
+}
+
 // A function without arguments or result, and one with a result.
 template <void (*F)()>
 Ref run(const Arguments&) {

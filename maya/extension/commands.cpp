@@ -100,7 +100,8 @@ void Commands::optionVar_append_string(const std::string& name, const std::strin
 
 bool Commands::about_batch() { return truth(command<"about", "batch">(true).get()); }
 std::string Commands::about_version() {
-  return text_of(checked(PyObject_Str(command<"about", "version">(true).get())).get());
+  const Ref version = command<"about", "version">(true);
+  return truth(version.get()) ? text_of(checked(PyObject_Str(version.get())).get()) : std::string();
 }
 std::string Commands::internalVar_userAppDir() {
   const Ref folder = command<"internalVar", "userAppDir">(true);

@@ -10,9 +10,8 @@ namespace {
 PyObject* dictionary = nullptr;  // owned
 }
 
-void bind_module(PyObject* module) {
-  Ref previous(dictionary);
-  dictionary = Ref::share(PyModule_GetDict(module)).release();
+Ref bind_module(PyObject* module) {
+  return Ref(std::exchange(dictionary, Ref::share(PyModule_GetDict(module)).release()));
 }
 
 PyObject* module_dictionary() { return dictionary; }

@@ -9,8 +9,9 @@
 
 namespace vantorelix::maya {
 
-// The module is remembered with everything in it, until another one takes its place.
-void bind_module(PyObject* module);
+// The module is remembered with everything in it, until another one takes its place. Returns the dictionary of the one
+// before, if any.
+Ref bind_module(PyObject* module);
 // The dictionary of the bound module. Borrowed.
 PyObject* module_dictionary();
 // What the bound module holds under a name, now. Throws a NameError when it holds nothing.

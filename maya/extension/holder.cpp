@@ -12,7 +12,8 @@ host::List& list_in(PyObject* self) { return content_of<host::List>(self); }
 
 Py_ssize_t length(PyObject* self) { return static_cast<Py_ssize_t>(list_in(self)->size()); }
 
-host::Value& at(PyObject* self, Py_ssize_t i) {
+// The place of an item, until anything of Python's runs.
+host::Value& place(PyObject* self, Py_ssize_t i) {
   auto& items = *list_in(self);
   if (i < 0 || static_cast<std::size_t>(i) >= items.size())
     throw host::Error("list index out of range", host::ErrorKind::index);
@@ -20,17 +21,14 @@ host::Value& at(PyObject* self, Py_ssize_t i) {
 }
 
 PyObject* item(PyObject* self, Py_ssize_t i) {
-  return answer([&] { return object_of(at(self, i)); });
+  return answer([&] { return object_of(host::Value(place(self, i))); });
 }
 
 int set_item(PyObject* self, Py_ssize_t i, PyObject* value) {
   return answer_or(-1, [&] {
-    host::Value& place = at(self, i);
-    if (value) {
-      place = value_of(value);
-    } else {
-      list_in(self)->erase(list_in(self)->begin() + i);
-    }
+    host::Value given = value ? value_of(value) : host::Value();
+    std::swap(place(self, i), given);  // and what was there is let go last
+    if (!value) list_in(self)->erase(list_in(self)->begin() + i);
     return 0;
   });
 }
@@ -40,24 +38,27 @@ PyObject* insert(PyObject* self, PyObject* arguments) {
   PyObject* value;
   if (!PyArg_ParseTuple(arguments, "nO:insert", &i, &value)) return nullptr;
   return answer([&] {
+    host::Value given = value_of(value);
     if (i < 0) i += length(self);
-    list_in(self)->insert(list_in(self)->begin() + std::clamp<Py_ssize_t>(i, 0, length(self)), value_of(value));
+    list_in(self)->insert(list_in(self)->begin() + std::clamp<Py_ssize_t>(i, 0, length(self)), std::move(given));
     return none();
   });
 }
 
 Ref as_list(PyObject* self) { return checked(PySequence_List(self)); }
 
+bool is_holder(PyObject* object);
+
 PyObject* compare(PyObject* self, PyObject* other, int operation) {
   return answer([&] {
     const Ref mine = as_list(self);
-    const Ref theirs = list_held_by(other) ? as_list(other) : Ref::share(other);
+    const Ref theirs = is_holder(other) ? as_list(other) : Ref::share(other);
     return checked(PyObject_RichCompare(mine.get(), theirs.get(), operation));
   });
 }
 
 PyObject* representation(PyObject* self) {
-  return answer([&] { return checked(PyObject_Repr(as_list(self).get())); });
+  return answer([&] { return representation_of(self, as_list, "[...]"); });
 }
 
 PyObject* holder_type() {
@@ -75,12 +76,10 @@ PyObject* holder_type() {
   return made;
 }
 
+bool is_holder(PyObject* object) { return Py_TYPE(object) == reinterpret_cast<PyTypeObject*>(holder_type()); }
+
 }  // namespace
 
 Ref new_holder(const host::List& list) { return new_instance(holder_type(), list); }
-
-const host::List* list_held_by(PyObject* object) {
-  return Py_TYPE(object) == reinterpret_cast<PyTypeObject*>(holder_type()) ? &list_in(object) : nullptr;
-}
 
 }  // namespace vantorelix::maya

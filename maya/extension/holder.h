@@ -8,7 +8,5 @@ namespace vantorelix::maya {
 
 // A list-like object that shows `list` and changes it.
 Ref new_holder(const host::List& list);
-// The list that such an object shares; null for any other object. Valid as long as the object.
-const host::List* list_held_by(PyObject* object);
 
 }  // namespace vantorelix::maya

@@ -44,8 +44,9 @@ double Interpreter::time() {
 }
 
 void Interpreter::print(const std::string& line) {
-  PyObject* const function = PyDict_GetItem(PyEval_GetBuiltins(), name<"print">());
-  call_with<>(function, line);
+  const Ref function = Ref::share(PyDict_GetItem(PyEval_GetBuiltins(), name<"print">()));
+  if (!function) throw host::Error("name 'print' is not defined");
+  call_with<>(function.get(), line);
 }
 
 std::shared_ptr<host::Module> Interpreter::import_module(const std::string& name) {
@@ -63,8 +64,8 @@ void Interpreter::call_imported(const std::string& module, const std::string& na
 }
 
 std::string Interpreter::module_file() {
-  PyObject* const file = PyDict_GetItem(module_dictionary(), name<"__file__">());
-  return file && PyUnicode_Check(file) ? text_of(file) : std::string();
+  const Ref file = Ref::share(PyDict_GetItem(module_dictionary(), name<"__file__">()));
+  return file && PyUnicode_Check(file.get()) ? text_of(file.get()) : std::string();
 }
 
 std::vector<host::Value> Interpreter::module_search_path() {

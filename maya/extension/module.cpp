@@ -1,4 +1,6 @@
 // The extension module: start(module) makes a plain module the engine's.
+#include <cstdlib>
+
 #include "engine/frame/constants.h"
 #include "engine/frame/state.h"
 #include "maya/extension/functions.h"
@@ -14,32 +16,27 @@ namespace {
 
 Ref callback_ids() {
   if (!_CB_ID) return none();
-  if (const auto* const single = std::get_if<host::Value>(&*_CB_ID)) return object_of(*single);
-  return checked(PySequence_Tuple(object_of(std::get<std::vector<host::Value>>(*_CB_ID)).get()));
+  const CallbackIds ids = *_CB_ID;
+  if (const auto* const single = std::get_if<host::Value>(&ids)) return object_of(*single);
+  return checked(PySequence_Tuple(object_of(std::get<std::vector<host::Value>>(ids)).get()));
 }
 
 void set_callback_ids(PyObject* value) {
-  if (value == Py_None) {
-    _CB_ID.reset();
-  } else if (PyTuple_Check(value)) {
-    std::vector<host::Value> ids;
-    for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(value); ++i) ids.push_back(value_of(PyTuple_GET_ITEM(value, i)));
-    _CB_ID = std::move(ids);
-  } else {
-    _CB_ID = value_of(value);
+  std::optional<CallbackIds> ids;
+  if (PyTuple_Check(value)) {
+    auto& several = ids.emplace().emplace<std::vector<host::Value>>();
+    for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(value); ++i) several.push_back(value_of(PyTuple_GET_ITEM(value, i)));
+  } else if (value != Py_None) {
+    ids = value_of(value);
   }
+  put(_CB_ID, std::move(ids));
 }
 
 // The registry stays the one object that it is; only its entries change.
 void set_registry(PyObject* value) {
-  const Ref items = checked(PySequence_List(checked(PyMapping_Items(value)).get()));
-  Registry fresh;
-  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(items.get()); ++i) {
-    PyObject *viz, *settings;
-    if (!PyArg_ParseTuple(PyList_GET_ITEM(items.get(), i), "OO", &viz, &settings)) throw_python_error();
-    fresh[text_of(viz)] = settings_of(settings);
-  }
-  _REGISTRY = std::move(fresh);
+  Registry registry;
+  for (const auto& [viz, settings] : pairs_of(value)) registry.set(text_of(viz.get()), settings_of(settings.get()));
+  _REGISTRY.swap(registry);
 }
 
 struct Variable {
@@ -54,7 +51,7 @@ constexpr std::array<Variable, 8> kState = {{
     {"_REBUILDING", [] { return object_of(_REBUILDING); }, [](PyObject* v) { _REBUILDING = truth(v); }},
     {"_GEN", [] { return object_of(_GEN); }, [](PyObject* v) { _GEN = integer_of(v); }},
     {"_PENDING", [] { return object_of(_PENDING); }, [](PyObject* v) { _PENDING = truth(v); }},
-    {"_WORK", [] { return object_of(_WORK); }, [](PyObject* v) { _WORK = work_of(v); }},
+    {"_WORK", [] { return object_of(_WORK); }, [](PyObject* v) { put(_WORK, work_of(v)); }},
     {"_LAST_EDIT", [] { return object_of(_LAST_EDIT); }, [](PyObject* v) { _LAST_EDIT = number_of(v); }},
     {"_MSG_HANDLER", [] { return object_of(_MSG_HANDLER); }, [](PyObject* v) { _MSG_HANDLER = value_of(v); }},
 }};
@@ -139,12 +136,30 @@ void define_functions(const std::vector<Function>& functions, PyObject* module_n
   for (const Function& function : functions) define(function.name, function_object(function, module_name));
 }
 
+void forget_the_interpreter() { interpreter_has_ended = true; }
+
+// The engine's state is one for the process, and what it refers to belongs to one interpreter.
+void refuse_other_interpreters() {
+  const bool another = PyThreadState_Get()->interp != PyInterpreterState_Main();
+  if (!another && !interpreter_has_ended) return;
+  PyErr_SetString(PyExc_ImportError, another ? "Vantorelix_engine works in the main interpreter of a process only"
+                                             : "Vantorelix_engine cannot start again after its interpreter has ended");
+  throw_python_error();
+}
+
+// The end of the interpreter, and of a process that does not end it first.
+void watch_the_end() {
+  static const bool watched = Py_AtExit(forget_the_interpreter) == 0 && std::atexit(forget_the_interpreter) == 0;
+  if (!watched) throw host::Error("the end of the interpreter cannot be watched");
+}
+
 PyObject* start(PyObject*, PyObject* module) {
   return answer([&] {
+    refuse_other_interpreters();
+    watch_the_end();
+    if (!PyModule_Check(module)) throw host::Error("start takes a module", host::ErrorKind::type);
     static PyObject* const type = new_module_type().release();
-    static const int watched = Py_AtExit([] { interpreter_has_ended = true; });
-    check(watched);
-    bind_module(module);
+    const Ref previous = bind_module(module);  // let go last: what is in it may come back here
     check(PyObject_SetAttrString(module, "__class__", type));
     _initialise(python_handles());
     define_constants();

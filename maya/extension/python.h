@@ -1,4 +1,21 @@
 // Python's objects and calls, with ownership and errors as C++ has them. Everything runs under the interpreter's lock.
+//
+// The rules of re-entrancy, for every file of this folder. A call into Python may run any code, and so may letting go
+// of a reference, making an object (the collector runs then) or a conversion: a step, a clear or a reload of this
+// engine, in this thread or, as the lock changes hands, in another. Therefore:
+//
+// 1. Own what you use across such a call: a Ref, a shared_ptr or a copy. A borrowed reference, an iterator or a C++
+//    reference into a container that scripts can reach ends before it. (What a caller passed, the caller owns
+//    meanwhile.)
+// 2. Take a value out of its place before letting go of it: `put`, OrderedMap and the assignments of Ref and Value do
+// so.
+// 3. What the engine only hands on stays the object that it is, and is never looked into (value_of). Conversions that
+// are
+//    needed raise what Python raises; of a sequence each item is owned while it is converted, and the length is asked
+//    anew.
+// 4. No scope may rely on ending before those that began earlier: nested calls do, other threads' do not.
+// 5. When the interpreter is gone, nothing of ours is decremented: interpreter_has_ended.
+// 6. One interpreter: `start` refuses every other with an ImportError.
 #pragma once
 
 #define PY_SSIZE_T_CLEAN
@@ -14,7 +31,8 @@ extern "C" int _PyObject_GetMethod(PyObject* object, PyObject* named, PyObject**
 
 namespace vantorelix::maya {
 
-// Set when the interpreter has ended. The engine's state outlives it, and what it refers to has gone by then.
+// Set when the interpreter has ended, or the process ends without ending it: what the engine's state refers to may have
+// gone by then, or belong to threads that still run.
 inline bool interpreter_has_ended = false;
 
 // An owned reference, or none.

@@ -39,8 +39,8 @@ std::shared_ptr<Settings> settings_of(PyObject* mapping);
 // None is no record.
 std::shared_ptr<WorkRecord> work_of(PyObject* mapping);
 
-// The item that one of our mappings shows; null for any other object. Valid as long as the object.
-WorkItem* item_in(PyObject* mapping);
+// The item that one of our mappings shows; null for any other object.
+std::shared_ptr<WorkItem> item_in(PyObject* mapping);
 
 // The value under a key of any mapping; null when there is none, or when it is None.
 Ref item_or_none(PyObject* mapping, PyObject* key);

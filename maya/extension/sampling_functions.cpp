@@ -50,14 +50,10 @@ Ref smooth(const Arguments& a) {
   return object_of(_smooth(numbers_of(a[0]), a[1] ? integer_of(a[1]) : kSpacingWindow));
 }
 
-// A reference that was given goes back as the object it was.
-Ref with_reference(const Ref& result, const Arguments& a, const host::Value& reference) {
-  return tuple_of(result, a.given(1) ? Ref::share(a[1]) : object_of(reference));
-}
-
 Ref t_from_spacing(const Arguments& a) {
-  const auto [t, reference] = _t_from_spacing(numbers_of(a[0]), value(a, 1));
-  return t.empty() && !reference.truthy() ? tuple_of(t, reference) : with_reference(object_of(t), a, reference);
+  const host::Value given = value(a, 1);
+  const auto [t, reference] = _t_from_spacing(numbers_of(a[0]), given);
+  return tuple_of(t, same_or_new(a, 1, given, reference));
 }
 
 PyObject* next_index(PyObject* self) {
@@ -83,14 +79,8 @@ Ref catmull_point(const Arguments& a) {
 
 Ref smooth_fill(const Arguments& a) {
   const std::int64_t n_total = integer_of(a[0]);
-  const Ref items = checked(PyMapping_Items(a[1]));
-  const Ref list = checked(PySequence_List(items.get()));
   SampleMap sampled(n_total);
-  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.get()); ++i) {
-    PyObject *index, *position;
-    if (!PyArg_ParseTuple(PyList_GET_ITEM(list.get(), i), "OO", &index, &position)) throw_python_error();
-    sampled.set(integer_of(index), vector_of(position));
-  }
+  for (const auto& [index, position] : pairs_of(a[1])) sampled.set(integer_of(index.get()), vector_of(position.get()));
   return object_of(_smooth_fill(n_total, sampled));
 }
 
@@ -99,8 +89,9 @@ Ref smooth_fill(const Arguments& a) {
 Ref color_ramp(const Arguments& a) { return object_of(_color_ramp(number(a, 0))); }
 
 Ref colors_from_positions(const Arguments& a) {
-  const auto [colors, reference] = _colors_from_positions(vectors_of(a[0]), value(a, 1));
-  return with_reference(object_of(colors), a, reference);
+  const host::Value given = value(a, 1);
+  const auto [colors, reference] = _colors_from_positions(vectors_of(a[0]), given);
+  return tuple_of(colors, same_or_new(a, 1, given, reference));
 }
 
 Ref standard_colors(const Arguments& a) { return object_of(compute_standard_colors(value(a, 0))); }

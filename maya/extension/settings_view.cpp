@@ -14,8 +14,8 @@ using SharedSettings = std::shared_ptr<Settings>;
 Registry& map_of(TheRegistry) { return _REGISTRY; }
 Settings& map_of(const SharedSettings& settings) { return *settings; }
 
-void assign(Registry& registry, const std::string& key, PyObject* value) { registry[key] = settings_of(value); }
-void assign(Settings& settings, const std::string& key, PyObject* value) { settings[key] = value_of(value); }
+std::shared_ptr<Settings> content_from(const Registry&, PyObject* value) { return settings_of(value); }
+host::Value content_from(const Settings&, PyObject* value) { return value_of(value); }
 
 // A mapping over an OrderedMap, which `Content` leads to.
 template <class Content>
@@ -34,7 +34,7 @@ struct MapView {
   static int set(PyObject* self, PyObject* key, PyObject* value) {
     return answer_or(-1, [&] {
       if (value) {
-        assign(map(self), text_of(key), value);
+        map(self).set(text_of(key), content_from(map(self), value));
       } else if (!PyUnicode_Check(key) || !map(self).erase(text_of(key))) {
         missing(key);
       }
@@ -50,13 +50,16 @@ struct MapView {
     });
   }
 
+  static Ref as_dictionary(PyObject* self) {
+    Ref copy = checked(PyDict_New());
+    const auto entries = map(self).snapshot();
+    for (const auto& [key, value] : *entries)
+      check(PyDict_SetItem(copy.get(), object_of(key).get(), object_of(value).get()));
+    return copy;
+  }
+
   static PyObject* representation(PyObject* self) {
-    return answer([&] {
-      const Ref copy = checked(PyDict_New());
-      for (const auto& [key, value] : map(self))
-        check(PyDict_SetItem(copy.get(), object_of(key).get(), object_of(value).get()));
-      return checked(PyObject_Repr(copy.get()));
-    });
+    return answer([&] { return representation_of(self, as_dictionary, "{...}"); });
   }
 
   static PyObject* type(const char* name) {
@@ -93,14 +96,8 @@ Ref object_of(const std::shared_ptr<Settings>& settings) {
 
 std::shared_ptr<Settings> settings_of(PyObject* mapping) {
   if (is_view(mapping)) return content_of<SharedSettings>(mapping);
-  const Ref items = checked(PyMapping_Items(mapping));
-  const Ref list = checked(PySequence_List(items.get()));
   auto settings = std::make_shared<Settings>();
-  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.get()); ++i) {
-    PyObject *key, *value;
-    if (!PyArg_ParseTuple(PyList_GET_ITEM(list.get(), i), "OO", &key, &value)) throw_python_error();
-    (*settings)[text_of(key)] = value_of(value);
-  }
+  for (const auto& [key, value] : pairs_of(mapping)) settings->set(text_of(key.get()), value_of(value.get()));
   return settings;
 }
 

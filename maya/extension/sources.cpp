@@ -1,32 +1,29 @@
 #include "maya/extension/sources.h"
 
 #include <memory>
+#include <vector>
 
 #include "maya/extension/values.h"
 
 namespace vantorelix::maya {
 
 namespace {
-Sources* innermost = nullptr;
+
+// The sequence rides in the deleter of the vector that was made of it, so that it lives exactly as long.
+struct FromScript {
+  Ref sequence;
+  void operator()(const std::vector<host::Vector>* values) const { delete values; }
+};
+
+}  // namespace
+
+std::shared_ptr<std::vector<host::Vector>> vectors_from(PyObject* sequence) {
+  auto values = std::make_unique<std::vector<host::Vector>>(vectors_of(sequence));
+  return {values.release(), FromScript{Ref::share(sequence)}};
 }
-
-Sources::Sources() : outer_(std::exchange(innermost, this)) {}
-Sources::~Sources() { innermost = outer_; }
-
-host::Vectors Sources::vectors(PyObject* sequence) {
-  auto values = std::make_shared<const std::vector<host::Vector>>(vectors_of(sequence));
-  remember(values, Ref::share(sequence));
-  return values;
-}
-
-void Sources::remember(const host::Vectors& values, Ref list) { pairs_.push_back({values, std::move(list)}); }
 
 Ref script_list(const host::Vectors& values) {
-  for (const Sources* scope = innermost; scope; scope = scope->outer_) {
-    for (const auto& [known, list] : scope->pairs_) {
-      if (known == values) return list;
-    }
-  }
+  if (const auto* const source = std::get_deleter<FromScript>(values)) return source->sequence;
   return object_of(*values);
 }
 

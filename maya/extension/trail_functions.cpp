@@ -23,29 +23,29 @@ namespace {
 // --- data --------------------------------------------------------------------------------------------------------
 
 Ref compute_trail_data(const Arguments& a) {
-  const auto computed = _compute_trail_data(text(a, 0), value(a, 1), value(a, 2), sampler_of(a[3]));
+  const host::Value given = value(a, 2);
+  const auto computed = _compute_trail_data(text(a, 0), value(a, 1), given, sampler_of(a[3]));
   if (!computed) return none();
   const auto& [data, reference] = *computed;
   const Ref full =
       tuple_of(*data.viz.positions, *data.viz.colors, *data.viz.key_positions, *data.viz.key_colors, data.key_times);
-  return tuple_of(full, a.given(2) ? Ref::share(a[2]) : object_of(reference));
+  return tuple_of(full, same_or_new(a, 2, given, reference));
 }
 
 Ref set_vector_array_attr(const Arguments& a) {
-  Sources sources;
-  _set_vector_array_attr(text(a, 0), text(a, 1), sources.vectors(a[2]));
+  _set_vector_array_attr(text(a, 0), text(a, 1), vectors_from(a[2]));
   return none();
 }
 
 // The four sequences of trail data.
-VizData viz_data_of(PyObject* data, Sources& sources) {
+VizData viz_data_of(PyObject* data) {
   const Ref four = checked(PySequence_Tuple(data));
   const Py_ssize_t n = PyTuple_GET_SIZE(four.get());
   if (n > 4) throw host::Error("too many values to unpack (expected 4)", host::ErrorKind::value);
   if (n < 4)
     throw host::Error("not enough values to unpack (expected 4, got " + std::to_string(n) + ")",
                       host::ErrorKind::value);
-  const auto part = [&](Py_ssize_t i) { return sources.vectors(PyTuple_GET_ITEM(four.get(), i)); };
+  const auto part = [&](Py_ssize_t i) { return vectors_from(PyTuple_GET_ITEM(four.get(), i)); };
   return {part(0), part(1), part(2), part(3)};
 }
 
@@ -59,8 +59,7 @@ std::optional<std::vector<double>> times_or_nothing(PyObject* times) {
 }
 
 Ref push_data_to_viz(const Arguments& a) {
-  Sources sources;
-  const VizData data = viz_data_of(a[1], sources);
+  const VizData data = viz_data_of(a[1]);
   const auto key_times = a.given(2) ? times_or_nothing(a[2]) : std::nullopt;
   _push_data_to_viz(text(a, 0), data, key_times ? &*key_times : nullptr);
   return none();
@@ -85,31 +84,27 @@ Ref to_nurbs(const Arguments& a) {
 
 // --- the live rebuild --------------------------------------------------------------------------------------------
 
-std::shared_ptr<std::vector<Position>> samples_of(PyObject* item, PyObject* key, Sources& sources) {
+std::shared_ptr<std::vector<Position>> samples_of(PyObject* item, PyObject* key) {
   const Ref list = item_or_none(item, key);
-  if (!list) return std::make_shared<std::vector<Position>>();
-  auto samples = std::make_shared<std::vector<Position>>(vectors_of(list.get()));
-  sources.remember(samples, list);
-  return samples;
+  return list ? vectors_from(list.get()) : std::make_shared<std::vector<Position>>();
 }
 
 Ref finish_trail(const Arguments& a) {
-  const auto work = work_of(a[1]);
-  const WorkRecord record = work ? *work : WorkRecord{};
-  if (WorkItem* const item = item_in(a[0])) {
-    _finish_trail(*item, record);
+  const auto given = work_of(a[1]);
+  const auto work = given ? given : std::make_shared<WorkRecord>();
+  if (const auto item = item_in(a[0])) {
+    _finish_trail(*item, *work);
     return none();
   }
-  Sources sources;
   const Ref settings_object = checked(PyObject_GetItem(a[0], name<"settings">()));
   const PassedSettings settings(settings_object.get());
   WorkItem item;
   item.viz = text_of(checked(PyObject_GetItem(a[0], name<"viz">())).get());
   item.settings = settings.settings();
-  item.pos = samples_of(a[0], name<"pos">(), sources);
-  item.kpos = samples_of(a[0], name<"kpos">(), sources);
+  item.pos = samples_of(a[0], name<"pos">());
+  item.kpos = samples_of(a[0], name<"kpos">());
   if (const Ref key_times = item_or_none(a[0], name<"ktimes">())) item.ktimes = numbers_of(key_times.get());
-  _finish_trail(item, record);
+  _finish_trail(item, *work);
   settings.write_back();
   return none();
 }

@@ -1,6 +1,12 @@
 // Types of our own, made at run time: what a script sees of the engine's records.
 #pragma once
 
+#include <exception>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "host/error.h"
 #include "maya/extension/python.h"
 
 namespace vantorelix::maya {
@@ -26,10 +32,45 @@ Ref new_instance(PyObject* type, T content) {
   return object;
 }
 
+// Contents that wait to be let go.
+struct Waiting {
+  virtual ~Waiting() = default;
+  std::unique_ptr<Waiting> next;
+};
+inline std::unique_ptr<Waiting> waiting;
+inline int letting_go = 0;  // how deep
+
+// Destroys a content. Objects of ours may hold each other in chains of any length; the stack holds the first of them,
+// and the rest wait their turn.
+template <class T>
+void let_go(T content) {
+  constexpr int kDeepest = 32;
+  struct Held : Waiting {
+    explicit Held(T held) : content(std::move(held)) {}
+    T content;
+  };
+  if (letting_go >= kDeepest) {
+    auto held = std::make_unique<Held>(std::move(content));
+    held->next = std::move(waiting);
+    waiting = std::move(held);
+    return;
+  }
+  ++letting_go;
+  std::optional<T> last(std::move(content));
+  last.reset();
+  while (letting_go == 1 && waiting) {
+    const std::unique_ptr<Waiting> first = std::move(waiting);
+    waiting = std::move(first->next);
+  }
+  --letting_go;
+}
+
 template <class T>
 void destroy_instance(PyObject* object) {
   PyTypeObject* const type = Py_TYPE(object);
+  T content = std::move(content_of<T>(object));
   content_of<T>(object).~T();
+  let_go(std::move(content));
   type->tp_free(object);
 #if PY_VERSION_HEX >= 0x03080000
   Py_DECREF(type);
@@ -53,23 +94,22 @@ Ref new_type(const char* name, PyType_Slot* slots, const char* abstract) {
 }
 
 // Bodies of slots and methods: an exception of the body becomes the interpreter's error.
-template <class Body>
-PyObject* answer(Body&& body) noexcept {
-  try {
-    return body().release();
-  } catch (...) {
-    set_python_error();
-    return nullptr;
-  }
-}
+// Nothing else is caught: a thread that the interpreter ends while it shuts down unwinds through here, and must be let
+// pass.
 template <class Result, class Body>
-Result answer_or(Result failed, Body&& body) noexcept {
+Result answer_or(Result failed, Body&& body) {
   try {
     return body();
-  } catch (...) {
+  } catch (const std::exception&) {
     set_python_error();
-    return failed;
+  } catch (const host::Interrupt&) {
+    set_python_error();
   }
+  return failed;
+}
+template <class Body>
+PyObject* answer(Body&& body) {
+  return answer_or<PyObject*>(nullptr, [&] { return body().release(); });
 }
 
 }  // namespace vantorelix::maya

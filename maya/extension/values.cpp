@@ -16,8 +16,19 @@ class PythonObject : public host::Object {
  public:
   explicit PythonObject(PyObject* object) : object_(Ref::share(object)) {}
 
-  PyObject* get() const { return object_.get(); }
+  const Ref& object() const { return object_; }
 
+  std::string type_name() const override { return Py_TYPE(object_.get())->tp_name; }
+  Value item(std::int64_t i) const override {
+    return value_of(checked(PyObject_GetItem(object_.get(), object_of(i).get())).get());
+  }
+  std::vector<Value> items() const override {
+    const Ref list = checked(PySequence_List(object_.get()));
+    std::vector<Value> items;
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.get()); ++i)
+      items.push_back(value_of(PyList_GET_ITEM(list.get(), i)));
+    return items;
+  }
   bool truthy() const override { return truth(object_.get()); }
   std::int64_t to_int() const override {
     const Ref integer = maya::call(reinterpret_cast<PyObject*>(&PyLong_Type), std::array{object_.get()}.data(), 1);
@@ -37,21 +48,15 @@ class PythonObject : public host::Object {
 
 Value wrapped(PyObject* object) { return Value(std::shared_ptr<host::Object>(std::make_shared<PythonObject>(object))); }
 
-Value list_of(PyObject* sequence) {
-  std::vector<Value> items;
-  const Ref fast = checked(PySequence_Fast(sequence, "a sequence"));
-  const Py_ssize_t n = PySequence_Fast_GET_SIZE(fast.get());
-  items.reserve(static_cast<std::size_t>(n));
-  for (Py_ssize_t i = 0; i < n; ++i) items.push_back(value_of(PySequence_Fast_GET_ITEM(fast.get(), i)));
-  return Value::list(std::move(items));
-}
-
 // Visits the items of a sequence; the visitor may run code that changes it.
 template <class Visit>
 void each(PyObject* sequence, Visit visit) {
-  const Ref fast = checked(PySequence_Fast(sequence, "a sequence is needed"));
-  for (Py_ssize_t i = 0; i < PySequence_Fast_GET_SIZE(fast.get()); ++i)
-    visit(PySequence_Fast_GET_ITEM(fast.get(), i), static_cast<std::size_t>(PySequence_Fast_GET_SIZE(fast.get())));
+  const bool plain = PyList_CheckExact(sequence) || PyTuple_CheckExact(sequence);
+  const Ref items = plain ? Ref::share(sequence) : checked(PySequence_List(sequence));
+  for (Py_ssize_t i = 0; i < PySequence_Fast_GET_SIZE(items.get()); ++i) {
+    const Ref item = Ref::share(PySequence_Fast_GET_ITEM(items.get(), i));
+    visit(item.get(), static_cast<std::size_t>(PySequence_Fast_GET_SIZE(items.get())));
+  }
 }
 
 double item_number(PyObject* object, Py_ssize_t i) { return number_of(checked(PySequence_GetItem(object, i)).get()); }
@@ -127,9 +132,30 @@ Value value_of(PyObject* object) {
   }
   if (PyBytes_CheckExact(object))
     return host::Bytes{{PyBytes_AS_STRING(object), static_cast<std::size_t>(PyBytes_GET_SIZE(object))}};
-  if (const host::List* const shared = list_held_by(object)) return *shared;
-  if (PyList_CheckExact(object) || PyTuple_CheckExact(object)) return list_of(object);
   return wrapped(object);
+}
+
+Ref representation_of(PyObject* self, Ref (*plain)(PyObject*), const char* inside_itself) {
+  const int inside = Py_ReprEnter(self);
+  check(inside);
+  if (inside > 0) return object_of(inside_itself);
+  struct Leave {
+    PyObject* self;
+    ~Leave() { Py_ReprLeave(self); }
+  } const leave{self};
+  return checked(PyObject_Repr(plain(self).get()));
+}
+
+std::vector<std::pair<Ref, Ref>> pairs_of(PyObject* mapping) {
+  const Ref items = checked(PyMapping_Items(mapping));
+  std::vector<std::pair<Ref, Ref>> pairs;
+  each(items.get(), [&](PyObject* item, std::size_t) {
+    const Ref pair = checked(PySequence_Tuple(item));
+    if (PyTuple_GET_SIZE(pair.get()) != 2)
+      throw host::Error("an item of a mapping is a key and a value", host::ErrorKind::value);
+    pairs.emplace_back(Ref::share(PyTuple_GET_ITEM(pair.get(), 0)), Ref::share(PyTuple_GET_ITEM(pair.get(), 1)));
+  });
+  return pairs;
 }
 
 Ref object_of(bool value) { return Ref::share(value ? Py_True : Py_False); }
@@ -144,7 +170,7 @@ Ref object_of(const std::string& value) {
 Ref object_of(const Ref& value) { return value; }
 Ref none() { return Ref::share(Py_None); }
 
-Ref object_of(const host::Vector& value) {
+Ref object_of(host::Vector value) {
   Ref tuple = checked(PyTuple_New(3));
   PyTuple_SET_ITEM(tuple.get(), 0, object_of(value.x).release());
   PyTuple_SET_ITEM(tuple.get(), 1, object_of(value.y).release());
@@ -161,14 +187,8 @@ Ref object_of(const Value& value) {
   if (const host::Bytes* const bytes = value.as_bytes())
     return checked(PyBytes_FromStringAndSize(bytes->data.data(), static_cast<Py_ssize_t>(bytes->data.size())));
   if (const host::List* const list = value.as_list()) return new_holder(*list);
-  if (PyObject* const object = object_inside(value)) return Ref::share(object);
+  if (const auto* const python = dynamic_cast<const PythonObject*>(value.as_object()->get())) return python->object();
   throw host::Error("a value of another host", host::ErrorKind::type);
-}
-
-PyObject* object_inside(const Value& value) {
-  const auto* const object = value.as_object();
-  const auto* const python = object ? dynamic_cast<const PythonObject*>(object->get()) : nullptr;
-  return python ? python->get() : nullptr;
 }
 
 }  // namespace vantorelix::maya

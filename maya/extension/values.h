@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/value.h"
@@ -24,8 +25,8 @@ std::vector<double> numbers_of(PyObject* sequence);
 // Three numbers, or an object whose first three items are such.
 host::Vector vector_of(PyObject* object);
 std::vector<host::Vector> vectors_of(PyObject* sequence);
-// Anything. What is not exactly None, bool, int, float, str, bytes, a list or a tuple comes back as the object it was;
-// so does an int beyond 64 bits.
+// Anything. What is not exactly None, bool, int, float, str or bytes stays the object that it is, and comes back as
+// such; so does an int beyond 64 bits.
 host::Value value_of(PyObject* object);
 
 // --- to Python: new references -----------------------------------------------------------------------------------
@@ -37,15 +38,16 @@ Ref object_of(std::size_t value);
 Ref object_of(double value);
 Ref object_of(const char* value);
 Ref object_of(const std::string& value);
-Ref object_of(const host::Vector& value);  // a tuple of three floats
-Ref object_of(const host::Value& value);   // a list is a holder that shares it
+Ref object_of(host::Vector value);        // a tuple of three floats
+Ref object_of(const host::Value& value);  // a list is a holder that shares it
 Ref object_of(const Ref& value);
 Ref none();
 
 template <class T>
 Ref object_of(const std::vector<T>& values) {
-  Ref list = checked(PyList_New(static_cast<Py_ssize_t>(values.size())));
-  for (std::size_t i = 0; i < values.size(); ++i)
+  const std::size_t n = values.size();  // of a trail's samples more may come meanwhile
+  Ref list = checked(PyList_New(static_cast<Py_ssize_t>(n)));
+  for (std::size_t i = 0; i < n; ++i)
     PyList_SET_ITEM(list.get(), static_cast<Py_ssize_t>(i), object_of(values[i]).release());
   return list;
 }
@@ -59,7 +61,10 @@ Ref tuple_of(const T&... values) {
   return tuple;
 }
 
-// The object inside a value that value_of made of one; null otherwise. Borrowed.
-PyObject* object_inside(const host::Value& value);
+// What repr shows of `self`: the representation of plain(self), or `inside_itself` where it is asked for within itself.
+Ref representation_of(PyObject* self, Ref (*plain)(PyObject*), const char* inside_itself);
+
+// The items of a mapping, read once.
+std::vector<std::pair<Ref, Ref>> pairs_of(PyObject* mapping);
 
 }  // namespace vantorelix::maya

@@ -11,13 +11,7 @@ namespace {
 
 using SharedWork = std::shared_ptr<WorkRecord>;
 
-// An item lives in its record.
-struct SharedItem {
-  SharedWork work;
-  std::size_t n;
-
-  WorkItem& item() const { return work->items[n]; }
-};
+using SharedItem = std::shared_ptr<WorkItem>;
 
 Ref items_of(const SharedWork& work);
 
@@ -28,8 +22,8 @@ Ref optional_list(const std::optional<T>& values) {
 
 Ref times_of(const WorkItem& it) {
   if (!it.times) return none();
-  std::vector<double> times;
-  for (std::size_t i = 0; i < it.times->size(); ++i) times.push_back((*it.times)[i]);
+  std::vector<double> times(it.times->size());
+  for (std::size_t i = 0; i < times.size(); ++i) times[i] = (*it.times)[i];
   return object_of(times);
 }
 
@@ -49,15 +43,15 @@ constexpr std::array<Field<SharedWork>, 5> kWorkFields = {{
 }};
 
 constexpr std::array<Field<SharedItem>, 9> kItemFields = {{
-    {"viz", [](const SharedItem& it) { return object_of(it.item().viz); }},
-    {"settings", [](const SharedItem& it) { return object_of(it.item().settings); }},
-    {"sampler", [](const SharedItem& it) { return it.item().sampler ? sampler_object(it.item().sampler) : none(); }},
-    {"times", [](const SharedItem& it) { return times_of(it.item()); }},
-    {"pos", [](const SharedItem& it) { return object_of(*it.item().pos); }},
-    {"i", [](const SharedItem& it) { return object_of(it.item().i); }},
-    {"ktimes", [](const SharedItem& it) { return optional_list(it.item().ktimes); }},
-    {"kpos", [](const SharedItem& it) { return object_of(*it.item().kpos); }},
-    {"ki", [](const SharedItem& it) { return object_of(it.item().ki); }},
+    {"viz", [](const SharedItem& it) { return object_of(it->viz); }},
+    {"settings", [](const SharedItem& it) { return object_of(it->settings); }},
+    {"sampler", [](const SharedItem& it) { return it->sampler ? sampler_object(it->sampler) : none(); }},
+    {"times", [](const SharedItem& it) { return times_of(*it); }},
+    {"pos", [](const SharedItem& it) { return object_of(*it->pos); }},
+    {"i", [](const SharedItem& it) { return object_of(it->i); }},
+    {"ktimes", [](const SharedItem& it) { return optional_list(it->ktimes); }},
+    {"kpos", [](const SharedItem& it) { return object_of(*it->kpos); }},
+    {"ki", [](const SharedItem& it) { return object_of(it->ki); }},
 }};
 
 const auto& fields_of(const SharedWork&) { return kWorkFields; }
@@ -106,21 +100,35 @@ bool is_instance(PyObject* object, PyObject* type) { return Py_TYPE(object) == r
 Ref items_of(const SharedWork& work) {
   Ref list = checked(PyList_New(static_cast<Py_ssize_t>(work->items.size())));
   for (std::size_t n = 0; n < work->items.size(); ++n)
-    PyList_SET_ITEM(list.get(), static_cast<Py_ssize_t>(n), new_instance(item_type(), SharedItem{work, n}).release());
+    PyList_SET_ITEM(list.get(), static_cast<Py_ssize_t>(n), new_instance(item_type(), work->items.at(n)).release());
   return list;
 }
 
-double number_or(PyObject* mapping, PyObject* key, double otherwise) {
+double number_or_zero(PyObject* mapping, PyObject* key) {
   const Ref found = item_or_none(mapping, key);
-  return found ? number_of(found.get()) : otherwise;
+  return found ? number_of(found.get()) : 0.0;
+}
+
+std::int64_t integer_or_zero(PyObject* mapping, PyObject* key) {
+  const Ref found = item_or_none(mapping, key);
+  return found ? integer_of(found.get()) : 0;
+}
+
+// An item of a script's own starts from its first sample.
+SharedItem work_item_of(PyObject* mapping) {
+  if (SharedItem shown = item_in(mapping)) return shown;
+  auto item = std::make_shared<WorkItem>();
+  item->viz = text_of(checked(PyObject_GetItem(mapping, name<"viz">())).get());
+  item->settings = settings_of(checked(PyObject_GetItem(mapping, name<"settings">())).get());
+  return item;
 }
 
 }  // namespace
 
 Ref object_of(const std::shared_ptr<WorkRecord>& work) { return work ? new_instance(work_type(), work) : none(); }
 
-WorkItem* item_in(PyObject* mapping) {
-  return is_instance(mapping, item_type()) ? &content_of<SharedItem>(mapping).item() : nullptr;
+std::shared_ptr<WorkItem> item_in(PyObject* mapping) {
+  return is_instance(mapping, item_type()) ? content_of<SharedItem>(mapping) : nullptr;
 }
 
 Ref item_or_none(PyObject* mapping, PyObject* key) {
@@ -135,19 +143,16 @@ std::shared_ptr<WorkRecord> work_of(PyObject* mapping) {
   if (mapping == Py_None) return nullptr;
   if (is_instance(mapping, work_type())) return content_of<SharedWork>(mapping);
   auto work = std::make_shared<WorkRecord>();
-  work->gen = static_cast<std::int64_t>(number_or(mapping, name<"gen">(), 0.0));
-  work->start = number_or(mapping, name<"start">(), 0.0);
-  work->end = number_or(mapping, name<"end">(), 0.0);
-  work->k = static_cast<std::size_t>(std::max(0.0, number_or(mapping, name<"k">(), 0.0)));
+  work->gen = integer_or_zero(mapping, name<"gen">());
+  work->start = number_or_zero(mapping, name<"start">());
+  work->end = number_or_zero(mapping, name<"end">());
+  work->k = static_cast<std::size_t>(std::max<std::int64_t>(0, integer_or_zero(mapping, name<"k">())));
   const Ref items = item_or_none(mapping, name<"items">());
-  const Ref list = checked(items ? PySequence_List(items.get()) : PyList_New(0));
-  auto trails = std::make_shared<Registry::Snapshot>();
-  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.get()); ++i) {
-    PyObject* const item = PyList_GET_ITEM(list.get(), i);
-    trails->emplace_back(text_of(checked(PyObject_GetItem(item, name<"viz">())).get()),
-                         settings_of(checked(PyObject_GetItem(item, name<"settings">())).get()));
-  }
-  work->items = WorkItems(std::move(trails));
+  const Ref list = checked(items ? PySequence_List(items.get()) : PyList_New(0));  // nobody else's
+  std::vector<SharedItem> work_items;
+  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.get()); ++i)
+    work_items.push_back(work_item_of(PyList_GET_ITEM(list.get(), i)));
+  work->items = WorkItems(std::move(work_items));
   return work;
 }
 

@@ -24,7 +24,8 @@ class ContractHost {
   virtual ~ContractHost() = default;
   virtual Handles handles() = 0;
 
-  virtual double& now() = 0;  // wall-clock seconds; stands still unless a test moves it
+  virtual double& now() = 0;                  // wall-clock seconds; stands still unless a test moves it
+  virtual double& advance_per_reading() = 0;  // what each reading moves it by: 0
   virtual void select(const std::vector<std::string>& names) = 0;
   // Changes a key of the ball to what it is: every subscriber to curves and to keys is told, nothing moves.
   virtual void edit_ball() = 0;
@@ -71,6 +72,7 @@ class FakeContractHost : public ContractHost {
 
   Handles handles() override { return fake_.handles(); }
   double& now() override { return fake_.now; }
+  double& advance_per_reading() override { return fake_.advance_per_reading; }
   void select(const std::vector<std::string>& names) override { fake_.selection = names; }
   void edit_ball() override {
     fake_.fire_curve_edited();
@@ -118,6 +120,7 @@ class StandaloneContractHost : public ContractHost {
 
   Handles handles() override { return {&host_.cmds(), &host_.om(), &host_.oma(), &host_.interpreter()}; }
   double& now() override { return now_; }
+  double& advance_per_reading() override { return advance_per_reading_; }
   void select(const std::vector<std::string>& names) override {
     std::vector<standalone::NodeId> nodes;
     for (const std::string& name : names) nodes.push_back(host_.scene().require(name));
@@ -150,7 +153,7 @@ class StandaloneContractHost : public ContractHost {
   standalone::HostOptions options(const Placement* unloaded) {
     standalone::HostOptions options;
     options.model_panels = {"modelPanel1", "modelPanel2"};
-    options.clock = [this] { return now_; };
+    options.clock = [this] { return std::exchange(now_, now_ + advance_per_reading_); };
     options.print = [](const std::string&) {};
     options.warning = [this](const std::string& text) { warnings_.push_back(text); };
     options.plugin_loaded = !unloaded;
@@ -162,6 +165,7 @@ class StandaloneContractHost : public ContractHost {
   }
 
   double now_ = 1000.0;
+  double advance_per_reading_ = 0.0;
   std::vector<std::string> warnings_;
   standalone::Host host_;
   standalone::NodeId ball_ = standalone::kNoNode;

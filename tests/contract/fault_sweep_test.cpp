@@ -78,7 +78,8 @@ void expect_consistent_queue() {
   if (!_WORK) return;
   EXPECT_LE(_WORK->gen, _GEN);
   EXPECT_LT(_WORK->k, _WORK->items.size()) << "finished work is put away";
-  for (std::size_t n = _WORK->k; n < _WORK->items.size(); ++n) expect_consistent_item(_WORK->items[n], n > _WORK->k);
+  for (std::size_t n = _WORK->k; n < _WORK->items.size(); ++n)
+    expect_consistent_item(*_WORK->items.at(n), n > _WORK->k);
 }
 
 void expect_consistent_registry(Session& session) {

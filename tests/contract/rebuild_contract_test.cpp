@@ -1,5 +1,8 @@
+#include <set>
+
 #include "engine/rebuild/apply_preferences.h"
 #include "engine/rebuild/callbacks.h"
+#include "engine/rebuild/queue.h"
 #include "engine/rebuild/triggers.h"
 #include "engine/trails/create.h"
 #include "tests/contract/contract_test.h"
@@ -69,6 +72,65 @@ TEST_P(RebuildContract, drops_a_trail_whose_object_has_gone) {
   host->run_idle_once();
   EXPECT_EQ(log(), guards() + playback_range() + kClockRead + kClockRead + exists("|rig|ball") +
                        exists("vlx_ball_viz") + Lines{"cmds.delete('vlx_ball_viz')"} + Lines{"cmds.refresh()"});
+}
+
+// The nine fields of an item that the queue has not come to, works on, or is done with.
+void expect_untouched(const WorkItem& it) {
+  EXPECT_FALSE(it.sampler || it.times || it.ktimes);
+  EXPECT_TRUE(it.pos->empty() && it.kpos->empty());
+  EXPECT_EQ(it.i + it.ki, 0u);
+}
+void expect_in_order(const WorkItem& it) {
+  EXPECT_EQ(_REGISTRY.at(it.viz), it.settings);
+  EXPECT_EQ(it.pos->size(), it.i);
+  EXPECT_EQ(it.kpos->size(), it.ki);
+}
+void expect_done(const WorkItem& it) {
+  expect_in_order(it);
+  EXPECT_TRUE(it.sampler);
+  EXPECT_EQ(it.i, 5u);
+  EXPECT_EQ(it.times->size(), 5u);
+  EXPECT_EQ(it.ki, it.ktimes->size());
+}
+
+TEST_P(RebuildContract, shows_all_items_of_a_record_whole_wherever_the_work_is) {
+  host->select({"|rig|ball", "|cube"});
+  create_trail();
+  host->edit_ball();
+  host->now() += 1.0;
+  host->advance_per_reading() = 0.003;  // a few samples a step
+  std::shared_ptr<WorkRecord> record;
+  std::set<std::size_t> seen;
+  while (host->run_idle_once() && _PENDING) {
+    record = _WORK;
+    ASSERT_TRUE(record);
+    ASSERT_EQ(record->items.size(), 2u);
+    seen.insert(record->k);
+    for (std::size_t n = 0; n < 2; ++n) {
+      const auto it = record->items.at(n);
+      n < record->k ? expect_done(*it) : n == record->k ? expect_in_order(*it) : expect_untouched(*it);
+    }
+  }
+  EXPECT_THAT(seen, testing::ElementsAre(0u, 1u));
+  EXPECT_EQ(record->k, 2u);
+  for (std::size_t n = 0; n < 2; ++n) expect_done(*record->items.at(n));
+}
+
+TEST_P(RebuildContract, an_item_can_be_read_and_finished_long_after_its_record) {
+  host->edit_ball();
+  host->now() += 1.0;
+  host->advance_per_reading() = 0.003;
+  host->run_idle_once();
+  const auto it = _WORK->items.at(0);
+  while (host->run_idle_once()) {
+  }
+  free_discarded_items(100);
+  expect_done(*it);
+  log();
+  WorkRecord work;
+  work.start = 1.0;
+  _finish_trail(*it, work);
+  EXPECT_EQ(log(), push("vlx_ball_viz", kBallShape, 5, 2) + frame_attributes("vlx_ball_viz", kBallShape));
 }
 
 TEST_P(RebuildContract, names_the_trail_that_fails_and_goes_on) {

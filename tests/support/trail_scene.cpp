@@ -16,10 +16,10 @@ std::shared_ptr<Settings> add_trail(FakeHost& fake, const std::string& name, con
   fake.add("|" + name);
   fake.add(shape_path(name), "vantorelix");
   auto settings = std::make_shared<Settings>();
-  (*settings)["source"] = "|" + name;
-  (*settings)["samples_per_frame"] = samples_per_frame;
-  (*settings)["ref"] = {};
-  _REGISTRY[viz(name)] = settings;
+  settings->set("source", "|" + name);
+  settings->set("samples_per_frame", samples_per_frame);
+  settings->set("ref", {});
+  _REGISTRY.set(viz(name), settings);
   return settings;
 }
 
