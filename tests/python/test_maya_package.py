@@ -244,7 +244,7 @@ class Application(HostTest):
         self.assertTrue(self.cmds.about(batch=True))
         self.raises(RuntimeError, "batch", self.cmds.inViewMessage, amg="done")
 
-    def test_panels_have_one_flag(self):
+    def test_panels_show_motion_trails_or_not(self):
         panel = self.cmds.getPanel(type="modelPanel")[0]
         self.assertFalse(self.cmds.modelEditor(panel, q=True, motionTrails=True))
         self.cmds.modelEditor(panel, e=True, motionTrails=True)

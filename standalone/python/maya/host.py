@@ -61,6 +61,8 @@ frames_per_second = 24.0  # of the scene that is open
 subscribers = []  # see maya.api: (event, function of (node, type)), in order of subscription
 deferred = [collections.deque() for _ in range(3)]  # calls that wait, by priority: normal, low, lowest
 plugins = {}  # those that are loaded: name -> (path or None, Python module or None)
+display_filters = {}  # of plug-ins: name -> [label, classification, how often it was registered]
+hidden = set()  # (panel, what it does not show: "locators", or a display filter)
 messages = []  # what was shown in the viewport, texts of inViewMessage
 failures = 0  # how many errors were shown as tracebacks because nobody could be given them
 
@@ -112,7 +114,7 @@ def restart(batch=False, plugin_loaded=True, preferences=None, user_app_dir=None
     fresh = ctypes.c_void_p()
     options = json.dumps([batch, plugin_loaded, preferences, user_app_dir])
     _check(_library.vlx_start(options.encode(), ctypes.byref(fresh)))
-    for state in (subscribers, messages, plugins, *deferred):
+    for state in (subscribers, messages, plugins, display_filters, hidden, *deferred):
         state.clear()
     if plugin_loaded:
         plugins["Vantorelix_plugin"] = (None, None)

@@ -3,7 +3,8 @@
 from .. import host
 from .._commands import command, not_covered
 
-__all__ = ["error", "getPanel", "inViewMessage", "modelEditor", "refresh", "warning"]
+__all__ = ["error", "getPanel", "inViewMessage", "modelEditor", "pluginDisplayFilter",
+           "refresh", "warning"]
 
 
 @command(noContext="n")
@@ -41,11 +42,50 @@ def getPanel(*, type=None, all=False, visiblePanels=False, withFocus=False):
     return panels if type in (None, "modelPanel") else []
 
 
-@command(query="q", edit="e", motionTrails="mt")
-def modelEditor(panel, *, query=False, edit=False, motionTrails=None):
-    """Whether a viewport shows motion trails."""
-    if motionTrails is None:
-        raise not_covered("modelEditor: other flags than motionTrails")
-    if query:
+@command(query="q", edit="e", motionTrails="mt", locators="lc", pluginObjects="po", queryPluginObjects="qpo")
+def modelEditor(panel, *, query=False, edit=False, motionTrails=None, locators=None, pluginObjects=None,
+                queryPluginObjects=None):
+    """Whether a viewport shows motion trails, locators, and what the display filters of plug-ins stand for."""
+    if panel not in host.call("model_panels"):
+        raise RuntimeError("modelEditor: Object '%s' not found." % panel)
+    if motionTrails is not None and query:
         return host.call("panel_flag", panel, "motionTrails")
-    host.call("set_panel_flag", panel, "motionTrails", bool(motionTrails))
+    if motionTrails is not None:
+        return host.call("set_panel_flag", panel, "motionTrails", bool(motionTrails))
+    if query and (locators or queryPluginObjects):
+        return (panel, "locators" if locators else _existing_filter(queryPluginObjects)) not in host.hidden
+    if query or (locators is None and pluginObjects is None):
+        raise not_covered("modelEditor: other flags than motionTrails, locators and those of plug-in objects")
+    what, shown = ("locators", locators) if pluginObjects is None else pluginObjects
+    if pluginObjects is not None:
+        _existing_filter(what)
+    (host.hidden.discard if shown else host.hidden.add)((panel, what))
+
+
+def _existing_filter(name):
+    if name not in host.display_filters:
+        raise RuntimeError("Plug-in display filter '%s' is not registered." % name)
+    return name
+
+
+@command(query="q", register="r", deregister="dr", label="l", classification="cls", exists="ex", listFilters="lf")
+def pluginDisplayFilter(*name, query=False, register=False, deregister=False, label=None, classification=None,
+                        exists=None, listFilters=False):
+    """Entries of the viewports' Show menus: one that is registered twice is there until it is deregistered twice."""
+    if host.call("batch"):
+        raise RuntimeError("pluginDisplayFilter: not available in batch mode")
+    if exists is not None:
+        return exists in host.display_filters
+    if listFilters:
+        return list(host.display_filters)
+    if register:
+        host.display_filters.setdefault(name[0], [label, classification, 0])[2] += 1
+        return
+    known = host.display_filters[_existing_filter(name[0])]
+    if query:
+        return known[0] if label else known[1]
+    if not deregister:
+        raise not_covered("pluginDisplayFilter: edits")
+    known[2] -= 1
+    if not known[2]:
+        del host.display_filters[name[0]]
