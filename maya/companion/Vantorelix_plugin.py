@@ -7,6 +7,9 @@ what the override's draw manager offers; a geometry override would need shaders 
 The trail is drawn in the node's own space, so it moves along when somebody moves the group of the trails.
 """
 
+import contextlib
+import itertools
+import math
 import operator
 import weakref
 
@@ -14,15 +17,18 @@ import maya.api.OpenMaya as om
 import maya.api.OpenMayaAnim as oma
 import maya.api.OpenMayaRender as omr
 import maya.api.OpenMayaUI as omui
+import maya.cmds as cmds
 
 VENDOR = "Vantorelix"
-VERSION = "1.0"
+VERSION = "1.4.0"
 NODE_NAME = "vantorelix"
 # From 0x00000 - 0x7ffff, which Maya leaves to everybody for use in their own house. Another in-house plug-in may have
 # taken the same number; then only one of the two can be loaded.
 NODE_ID = om.MTypeId(0x00071E52)
 CLASSIFICATION = "drawdb/geometry/vantorelix"
 REGISTRANT = "VantorelixPlugin"
+DISPLAY_FILTER = "vantorelixDisplayFilter"
+DISPLAY_FILTER_LABEL = "Vantorelix Trails"
 
 STANDARD, SPACING, FLOW, BEATS = range(4)
 # Every attribute with its short name; the numbers also with their default and the ends of their slider.
@@ -31,8 +37,8 @@ DOUBLES = {"startFrame": ("vxsf", 1.0, None), "frameStep": ("vxfs", 1.0, None),
            "lineWidth": ("vxlw", 2.5, (0.0, 20.0)), "pointSize": ("vxps", 6.0, (0.0, 40.0))}
 SWITCHES = {"showLine": ("vxsl", True, None), "showDots": ("vxsd", True, None), "xrayMode": ("vxx", True, None)}
 INTEGERS = {"colorMode": ("vxm", STANDARD, (STANDARD, BEATS))}
-# What the colours of the points are made of, beside the mode.
-COLOR_SOURCES = {"points", "colors", "keyTimes", "startFrame", "frameStep", "colorMode"}
+# The arrays that the colors of a mode are made of. Pushed colors stand in where there is no engine to make others.
+COLOR_ARRAYS = {SPACING: {"colors"}, FLOW: {"colors"}, BEATS: {"colors", "keyTimes"}}
 # Drawn where neither the engine nor the node has a colour.
 PLAIN = (0.15, 0.75, 0.65)
 KEY_PLAIN = (1.0, 1.0, 1.0)
@@ -43,108 +49,164 @@ def maya_useNewAPI():
     """Its presence tells Maya that this plug-in is written against version 2.0 of the Python interface."""
 
 
-_reported = set()
+class _Reported(object):
+    """A failure inside never stops Maya's drawing. It is told once: one while drawing comes back with each redraw."""
+
+    told = set()
+
+    def __init__(self, what):
+        self._what = what
+
+    def __enter__(self):
+        pass
+
+    def __exit__(self, kind, error, trace):
+        if isinstance(error, Exception):
+            text = "[Vantorelix] {0}: {1}".format(self._what, error)
+            if text not in self.told:
+                self.told.add(text)
+                om.MGlobal.displayWarning(text)
+            return True
 
 
-def _report_once(what, error):
-    """A failure while drawing comes back with each redraw; it is told the first time only."""
-    text = "[Vantorelix] {0}: {1}".format(what, error)
-    if text not in _reported:
-        _reported.add(text)
-        om.MGlobal.displayWarning(text)
+def _maker(array, elements):
+    """A function that makes an `array` of a list of tuples or an array of vectors. By its documentation an array takes
+    a list of its own elements; what else this Maya takes is tried once. Either way the loop over samples is in C."""
+    whole, sample = [], (0.25, 0.5, 0.75)  # Numbers that floats hold exactly.
+    for samples in ([sample] * 2, om.MVectorArray([om.MVector(*sample)] * 2)):
+        with contextlib.suppress(Exception):
+            if list(map(tuple, array(samples))) == [sample + (1.0,)] * 2:
+                whole.append(type(samples))
+    return lambda values: array(values if type(values) in whole else list(elements(values)))
 
 
-def _current_frame():
-    return oma.MAnimControl.currentTime().asUnits(om.MTime.uiUnit())
+_point_array = _maker(om.MPointArray, lambda vectors: map(om.MPoint, vectors))
+_color_array = _maker(om.MColorArray, lambda triples: map(om.MColor, map(tuple, triples)))
 
 
-def _past_points(values):
-    """How many of the points lie at or before the current frame: all that the flow's colours depend on."""
+def _first_numbers(vectors):
+    return list(map(operator.itemgetter(0), vectors))
+
+
+def _read_array(node, name, make):
+    """What `make` makes of an array attribute. It must not keep the vectors: they may be those of the data."""
+    data = node.findPlug(name, False).asMObject()
+    return make(om.MFnVectorArrayData(data).array())
+
+
+def _segments(count):
+    """Which points the pieces of a line join: 0 1, 1 2, 2 3 and so on."""
+    ends = [0] * (2 * max(0, count - 1))
+    ends[0::2], ends[1::2] = range(count - 1), range(1, count)
+    return om.MUintArray(ends)
+
+
+def _fitted(colors, count, plain):
+    """Exactly `count` colors: half a write (new points, old colors) is drawn with what is there."""
+    if len(colors) == count:
+        return colors
+    return om.MColorArray(list(colors)[:count] + [om.MColor(plain)] * (count - len(colors)))
+
+
+def _box(*arrays):
+    """The box of all points in these arrays; without any, one of no size at the origin."""
+    axes = [list(map(operator.itemgetter(axis), itertools.chain(*arrays))) or [0.0] for axis in range(3)]
+    return om.MBoundingBox(om.MPoint(*map(min, axes)), om.MPoint(*map(max, axes)))
+
+
+def _past_points(values, count):
+    """How many of the points lie at or before the current frame: all that the flow's colors depend on."""
     step = values["frameStep"] if values["frameStep"] > 1e-9 else 1.0
-    return max(0, min(len(values["points"]), int((_current_frame() - values["startFrame"]) // step) + 1))
+    frame = oma.MAnimControl.currentTime().asUnits(om.MTime.uiUnit())
+    return max(0, min(count, math.floor((frame - values["startFrame"]) / step) + 1))
 
 
-def _engine_colors(values):
-    """The colours that the engine gives the points in the modes that need no more than their number."""
+def _engine_colors(values, count, key_times):
+    """The colors that the engine gives the points in the modes that need no more than their number."""
     import Vantorelix_engine as engine  # Late: a scene with trails opens also where the engine is not installed.
 
-    count, start, step = len(values["points"]), values["startFrame"], values["frameStep"]
+    start, step = values["startFrame"], values["frameStep"]
     if values["colorMode"] == FLOW:
         return engine.compute_temperature_colors(count, start, step)
     if values["colorMode"] == BEATS:
-        return engine.compute_beats_colors(count, start, step, [time[0] for time in values["keyTimes"]])
+        return engine.compute_beats_colors(count, start, step, key_times)
     return engine.compute_standard_colors(count)
 
 
-def _padded(colors, count, plain):
-    """Exactly `count` colours: half a write (new points, old colours) is drawn with what is there."""
-    return [tuple(color) for color in colors[:count]] + [plain] * (count - len(colors))
-
-
-def _point_colors(values):
-    count = len(values["points"])
-    if values["colorMode"] != SPACING:
-        try:
-            return _padded(_engine_colors(values), count, PLAIN)
-        except Exception as error:
-            _report_once("Colors of the engine are not to be had; drawn without", error)
-            if values["colorMode"] not in (FLOW, BEATS):
-                return [PLAIN] * count
-    return _padded(values["colors"], count, PLAIN)
-
-
-def _point_array(points):
-    return om.MPointArray([om.MPoint(point[0], point[1], point[2]) for point in points])
-
-
-def _color_array(colors):
-    return om.MColorArray([om.MColor(color) for color in colors])
-
-
-def _box(points):
-    """The box of all `points`; without any, one of no size at the origin."""
-    if not points:
-        return om.MBoundingBox(om.MPoint(0.0, 0.0, 0.0), om.MPoint(0.0, 0.0, 0.0))
-    axes = list(zip(*points))
-    low, high = [min(axis) for axis in axes], [max(axis) for axis in axes]
-    return om.MBoundingBox(om.MPoint(low[0], low[1], low[2]), om.MPoint(high[0], high[1], high[2]))
-
-
 class Trail(object):
-    """What is drawn for one node, kept from draw to draw; each part is made anew only when its sources changed."""
+    """What is drawn for one node, kept from draw to draw; each part is made anew only when its sources changed.
+
+    A sample takes 56 bytes, all in Maya's arrays: 32 for its point, 16 for its color, 8 for its piece of the line. No
+    element of an array is ever kept: it is a reference into the array, which may shrink or go.
+    """
 
     def __init__(self):
-        self.values = {name: [] for name in ARRAYS}
-        for numbers in (DOUBLES, SWITCHES, INTEGERS):
-            self.values.update((name, default) for name, (_, default, _) in numbers.items())
-        self.past_points = None
-        self.points = self.key_points = _point_array(())
-        self.colors = self.key_colors = _color_array(())
-        self.box = _box(())
+        self.values = {name: default for numbers in (DOUBLES, SWITCHES, INTEGERS)
+                       for name, (_, default, _) in numbers.items()}
+        self.stale = set(ARRAYS)  # Arrays of the node that were written and are not taken over yet.
+        self.points = self.key_points = om.MPointArray()
+        self.colors = self.key_colors = om.MColorArray()
+        self.segments = om.MUintArray()
+        self.box = _box()
+        self._colored_from = None  # Beside arrays, what the colors are made of.
 
-    def update(self, changed):
-        """Takes over `changed`, new values by attribute, and the time."""
-        self.values.update(changed)
-        names = set(changed)
-        if "points" in names:
-            self.points = _point_array(self.values["points"])
-        if names & {"points", "keyPoints"}:
-            self.box = _box(self.values["points"] + self.values["keyPoints"])
-        if self._time_matters() or names & COLOR_SOURCES:
-            self.colors = _color_array(_point_colors(self.values))
-        if names & {"keyPoints", "keyColors"}:
-            keys = self.values["keyPoints"]
-            self.key_points = _point_array(keys)
-            self.key_colors = _color_array(_padded(self.values["keyColors"], len(keys), KEY_PLAIN))
+    def update(self, node):
+        """Takes over what `node`, a function set, holds now, and the time.
 
-    def _time_matters(self):
-        before, self.past_points = self.past_points, None
-        if self.values["colorMode"] == FLOW:
-            self.past_points = _past_points(self.values)
-        return self.past_points != before
+        What cannot be read stays as it was, and is tried again at the next draw.
+        """
+        with _Reported("A trail's numbers cannot be read"):
+            for name, read in _READERS.items():
+                self.values[name] = read(node.findPlug(name, False))
+        for part, update in (("points", self._update_points), ("keys", self._update_keys),
+                             ("colors", self._update_colors)):
+            with _Reported("A trail's " + part + " cannot be read"):
+                update(node)
+        self.colors = _fitted(self.colors, len(self.points), PLAIN)
+        if self.box is None:
+            self.box = _box(self.points, self.key_points)
+
+    def _update_points(self, node):
+        if "points" in self.stale:
+            points = _read_array(node, "points", _point_array)
+            if len(points) != len(self.points):
+                self.segments = _segments(len(points))
+            self.points, self.box = points, None
+            self.stale.discard("points")
+
+    def _update_keys(self, node):
+        if self.stale & {"keyPoints", "keyColors"}:
+            points = _read_array(node, "keyPoints", _point_array)
+            colors = _read_array(node, "keyColors", _color_array)
+            self.key_points, self.key_colors = points, _fitted(colors, len(points), KEY_PLAIN)
+            self.stale -= {"keyPoints", "keyColors"}
+            self.box = None
+
+    def _update_colors(self, node):
+        mode, count = self.values["colorMode"], len(self.points)
+        sources = [mode, count]
+        if mode == FLOW:
+            sources.append(_past_points(self.values, count))
+        elif mode == BEATS:
+            sources += self.values["startFrame"], self.values["frameStep"]
+        arrays = COLOR_ARRAYS.get(mode, set())
+        if sources != self._colored_from or self.stale & arrays:
+            self.colors = self._new_colors(node, mode, count)
+            self._colored_from = sources
+            self.stale -= arrays
+
+    def _new_colors(self, node, mode, count):
+        key_times = _read_array(node, "keyTimes", _first_numbers) if mode == BEATS else ()
+        if mode != SPACING:
+            with _Reported("Colors of the engine are not to be had; drawn without"):
+                return _color_array(_engine_colors(self.values, count, key_times))
+            if mode not in COLOR_ARRAYS:
+                return om.MColorArray()
+        return _read_array(node, "colors", _color_array)
 
     def draw(self, manager):
-        manager.beginDrawable()
+        """Into a drawable of its own, which a click in the viewport goes through."""
+        manager.beginDrawable(omr.MUIDrawManager.kNonSelectable)
         try:
             if not self.values["xrayMode"]:
                 self._draw_parts(manager)
@@ -158,10 +220,11 @@ class Trail(object):
             manager.endDrawable()
 
     def _draw_parts(self, manager):
+        """The line is drawn in pieces and not as a strip: of lines, Maya draws these alone through geometry."""
         width, size = self.values["lineWidth"], self.values["pointSize"]
         if self.values["showLine"] and width > 0 and len(self.points) > 1:
             manager.setLineWidth(width)
-            manager.mesh(omr.MUIDrawManager.kLineStrip, self.points, None, self.colors)
+            manager.mesh(omr.MUIDrawManager.kLines, self.points, None, self.colors, self.segments)
         if self.values["showDots"] and size > 0 and len(self.points):
             manager.setPointSize(size)
             manager.mesh(omr.MUIDrawManager.kPoints, self.points, None, self.colors)
@@ -190,11 +253,7 @@ def _vectors(name, brief):
     return made
 
 
-def _read_vectors(plug):
-    return [(vector[0], vector[1], vector[2]) for vector in om.MFnVectorArrayData(plug.asMObject()).array()]
-
-
-_READERS = dict.fromkeys(ARRAYS, _read_vectors)
+_READERS = {}
 for _numbers, _read in ((DOUBLES, "asDouble"), (SWITCHES, "asBool"), (INTEGERS, "asInt")):
     _READERS.update(dict.fromkeys(_numbers, operator.methodcaller(_read)))
 
@@ -202,12 +261,12 @@ for _numbers, _read in ((DOUBLES, "asDouble"), (SWITCHES, "asBool"), (INTEGERS, 
 class TrailNode(omui.MPxLocatorNode):
     """Holds one trail. Everything on it is stored with the scene, so an opened scene has its trails."""
 
-    alive = weakref.WeakSet()
+    alive = weakref.WeakSet()  # With those that only the undo queue holds.
+    attributes = {}
 
     def __init__(self):
         omui.MPxLocatorNode.__init__(self)
         self._trail = Trail()
-        self._stale = set(ARRAYS)
         TrailNode.alive.add(self)
 
     @staticmethod
@@ -216,86 +275,84 @@ class TrailNode(omui.MPxLocatorNode):
 
     @staticmethod
     def initialize():
-        made = [_vectors(name, brief) for name, brief in ARRAYS.items()]
+        made = {name: _vectors(name, brief) for name, brief in ARRAYS.items()}
         for numbers, kind in ((DOUBLES, om.MFnNumericData.kDouble), (SWITCHES, om.MFnNumericData.kBoolean),
                               (INTEGERS, om.MFnNumericData.kInt)):
-            made += [_number(name, brief, kind, default, ends) for name, (brief, default, ends) in numbers.items()]
-        for attribute in made:
+            made.update((name, _number(name, brief, kind, default, ends))
+                        for name, (brief, default, ends) in numbers.items())
+        for attribute in made.values():
             TrailNode.addAttribute(attribute)
+        TrailNode.attributes = made
+        with _Reported("The size of trails may be told too late"):
+            for name in ("points", "keyPoints"):
+                TrailNode.attributeAffects(made[name], omui.MPxLocatorNode.nodeBoundingBox)
 
     def setDependentsDirty(self, plug, affected):
         """Maya tells that an attribute is about to change."""
-        try:
-            name = plug.partialName(useLongNames=True)
-            if name in ARRAYS:
-                self._stale.add(name)
-            if name in _READERS:
-                self.redraw()
-        except Exception as error:
-            _report_once("A trail's change cannot be followed", error)
+        with _Reported("A trail's change cannot be followed"):
+            self._change(plug.partialName(useLongNames=True))
 
     def preEvaluation(self, context, evaluation):
-        """The same where Maya's evaluation manager spares it the dirtying, as for a keyed line width while playing."""
-        try:
-            self._stale.update(ARRAYS)
+        """The same where Maya's evaluation manager spares it the dirtying, as for a keyed line width while playing.
+
+        In another context than the normal one Maya fills its cache in the background: nothing of that is drawn.
+        """
+        with _Reported("A trail's change cannot be followed"):
+            if context.isNormal():
+                self._change(*[name for name, attribute in TrailNode.attributes.items()
+                               if evaluation.dirtyPlugExists(attribute)])
+
+    def postEvaluation(self, context, evaluation, kind):
+        """Values that come out of Maya's cache may be announced here only."""
+        self.preEvaluation(context, evaluation)
+
+    def getCacheSetup(self, evaluation, disabling, setup, monitored):
+        """Asked from Maya 2023 on: cached playback keeps a plug-in's locator only if it says that it wants that."""
+        with _Reported("Trails cannot be cached"):
+            if hasattr(omui.MPxLocatorNode, "getCacheSetup"):
+                omui.MPxLocatorNode.getCacheSetup(self, evaluation, disabling, setup, monitored)
+            setup.setPreference(om.MNodeCacheSetupInfo.kWantToCacheByDefault, True)
+
+    def _change(self, *names):
+        self._trail.stale.update(name for name in names if name in ARRAYS)
+        if any(name in TrailNode.attributes for name in names):
             self.redraw()
-        except Exception as error:
-            _report_once("A trail's change cannot be followed", error)
 
     def redraw(self):
-        omr.MRenderer.setGeometryDrawDirty(self.thisMObject(), True)
+        node = self.thisMObject()
+        if om.MObjectHandle(node).isValid():
+            omr.MRenderer.setGeometryDrawDirty(node, True)
 
     def color_mode(self):
         return self._trail.values["colorMode"]
 
     def trail(self):
-        """The trail as the node now holds it: arrays are read when they changed, the few numbers always.
-
-        What cannot be read stays as it was, and is tried again at the next draw.
-        """
-        node = om.MFnDependencyNode(self.thisMObject())
-        changed = {}
-        for name, read in _READERS.items():
-            if name in ARRAYS and name not in self._stale:
-                continue
-            try:
-                value = read(node.findPlug(name, False))
-            except Exception as error:
-                _report_once("A trail's " + name + " cannot be read", error)
-                continue
-            self._stale.discard(name)
-            if value != self._trail.values[name]:
-                changed[name] = value
-        self._trail.update(changed)
+        """The trail as the node now holds it: arrays are read when they changed, the few numbers always."""
+        self._trail.update(om.MFnDependencyNode(self.thisMObject()))
         return self._trail
 
     def isBounded(self):
         return True
 
     def boundingBox(self):
-        return _guarded_box(self)
+        return _guarded_box(lambda: self)
 
     def excludeAsLocator(self):
-        """Trails stay when the viewport hides its locators: they have a switch of their own."""
+        """Trails stay when the viewport hides its locators: they have an entry of their own in its Show menu."""
         return False
 
 
-def _guarded_box(node):
-    try:
-        return node.trail().box
-    except Exception as error:
-        _report_once("A trail's size cannot be told", error)
-        return _box(())
+def _guarded_box(find_node):
+    with _Reported("A trail's size cannot be told"):
+        return find_node().trail().box
+    return _box()
 
 
 class TrailData(om.MUserData):
-    """What Maya keeps for us between preparing a draw and drawing."""
+    """What Maya keeps for us between preparing a draw and drawing, maybe for longer than the node: arrays only."""
 
     def __init__(self):
-        try:
-            om.MUserData.__init__(self, False)  # Not to be deleted after one draw: it is handed back at the next.
-        except TypeError:  # Newer versions of Maya keep it always and have dropped the argument.
-            om.MUserData.__init__(self)
+        om.MUserData.__init__(self)  # By default it is not deleted after one draw, but handed back at the next.
         self.trail = None
 
 
@@ -316,12 +373,7 @@ class TrailDrawOverride(omr.MPxDrawOverride):
         return True
 
     def boundingBox(self, path, camera):
-        try:
-            node = _node_at(path)
-        except Exception as error:
-            _report_once("A trail's size cannot be told", error)
-            return _box(())
-        return _guarded_box(node)
+        return _guarded_box(lambda: _node_at(path))
 
     def hasUIDrawables(self):
         return True
@@ -329,18 +381,14 @@ class TrailDrawOverride(omr.MPxDrawOverride):
     def prepareForDraw(self, path, camera, frame, data):
         if not isinstance(data, TrailData):
             data = TrailData()
-        try:
+        with _Reported("A trail cannot be read"):  # Drawn as it last was.
             data.trail = _node_at(path).trail()
-        except Exception as error:  # Drawn as it last was.
-            _report_once("A trail cannot be read", error)
         return data
 
     def addUIDrawables(self, path, manager, frame, data):
-        try:
+        with _Reported("A trail cannot be drawn"):
             if data.trail:
                 data.trail.draw(manager)
-        except Exception as error:
-            _report_once("A trail cannot be drawn", error)
 
 
 def _node_at(path):
@@ -348,13 +396,22 @@ def _node_at(path):
 
 
 def _on_time_changed(time, client=None):
-    """Only the colours that tell the past from the future follow the time."""
-    try:
-        for node in list(TrailNode.alive):
+    """Only the colors that tell the past from the future follow the time."""
+    for node in list(TrailNode.alive):
+        with _Reported("A trail cannot follow the time"):
             if node.color_mode() == FLOW:
                 node.redraw()
-    except Exception as error:
-        _report_once("Trails cannot follow the time", error)
+
+
+def _register_display_filter():
+    """Puts trails into the Show menu of every viewport. Only a convenience: a session without menus, or a Maya without
+    the command, has the node all the same."""
+    if cmds.about(batch=True) or not hasattr(cmds, "pluginDisplayFilter"):
+        return
+    with _Reported("Trails have no entry in the Show menu"):
+        cmds.pluginDisplayFilter(DISPLAY_FILTER, register=True, label=DISPLAY_FILTER_LABEL,
+                                 classification=CLASSIFICATION)
+        _installed.append(lambda: cmds.pluginDisplayFilter(DISPLAY_FILTER, deregister=True))
 
 
 _installed = []
@@ -379,6 +436,7 @@ def initializePlugin(plugin):
         _installed.append(lambda: omr.MDrawRegistry.deregisterDrawOverrideCreator(CLASSIFICATION, REGISTRANT))
         watch = om.MDGMessage.addTimeChangeCallback(_on_time_changed)
         _installed.append(lambda: om.MMessage.removeCallback(watch))
+        _register_display_filter()
     except Exception:
         _undo(lambda error: None)
         raise

@@ -1,56 +1,14 @@
-"""The trail node in Viewport 2.0: what it holds, what is drawn in each mode, and what is not done again."""
+"""The trail node in Viewport 2.0: what it holds, and what is drawn in each mode."""
 
 import os
+import re
+import sys
 import unittest
+import warnings
 from unittest import mock
 
-from companion import CHECKOUT, PLUGIN, CompanionTest
-
-POINTS = [(0.0, 1.0, 2.0), (3.0, -1.0, 0.0), (4.0, 0.0, -5.0), (4.5, 0.5, 1.0), (6.0, 2.0, 0.0)]
-COLORS = [(0.1, 0.2, 0.3), (0.4, 0.5, 0.6), (0.7, 0.8, 0.9), (1.0, 0.0, 0.5), (0.0, 1.0, 0.25)]
-KEY_TIMES = [11.0, 13.0]
-STANDARD, SPACING, FLOW, BEATS = range(4)
-
-
-class PluginTest(CompanionTest):
-    def setUp(self):
-        super(PluginTest, self).setUp()
-        self.warned = []
-        patch = mock.patch.object(self.maya.api.OpenMaya.MGlobal, "displayWarning", staticmethod(self.warned.append))
-        patch.start()
-        self.addCleanup(patch.stop)
-        self.cmds.loadPlugin(PLUGIN)
-        self.addCleanup(self.host.restart)
-        self.plugin = self.host.plugins["Vantorelix_plugin"][1]
-        self.viewport = self.render.Viewport()
-
-    def make_node(self, mode=STANDARD, name="trailShape"):
-        self.cmds.createNode("vantorelix", name=name)
-        self.put(name, points=POINTS, colors=COLORS, keyPoints=POINTS[1:3], keyColors=[(1.0, 1.0, 1.0)] * 2,
-                 keyTimes=[(time, 0.0, 0.0) for time in KEY_TIMES])
-        for attribute, value in (("startFrame", 10.0), ("frameStep", 1.0), ("lineWidth", 2.5), ("pointSize", 6.0),
-                                 ("showLine", True), ("showDots", True), ("xrayMode", False), ("colorMode", mode)):
-            self.cmds.setAttr(name + "." + attribute, value)
-        return name
-
-    def put(self, name, **arrays):
-        for attribute, values in arrays.items():
-            self.engine._set_vector_array_attr(name, attribute, values)
-
-    def set(self, **values):
-        for attribute, value in values.items():
-            self.cmds.setAttr("trailShape." + attribute, value)
-
-    def drawn(self, name="trailShape"):
-        return self.viewport.refresh()[name]
-
-    def names(self):
-        return [call[0] for call in self.drawn()]
-
-    def colors(self):
-        """Of the line."""
-        meshes = [arguments for call, arguments in self.drawn() if call == "mesh"]
-        return [(color.r, color.g, color.b) for color in meshes[0][3]]
+from companion import CHECKOUT, PLUGIN
+from plugin_support import (BEATS, COLORS, FLOW, KEY_TIMES, PLAIN, POINTS, SPACING, STANDARD, PluginTest, single)
 
 
 class Node(PluginTest):
@@ -100,10 +58,11 @@ class Parts(PluginTest):
         points = om.MPointArray([om.MPoint(*point) for point in POINTS])
         keys = om.MPointArray([om.MPoint(*point) for point in POINTS[1:3]])
         colors = om.MColorArray([om.MColor(color) for color in self.engine.compute_standard_colors(5)])
-        white = om.MColorArray([om.MColor(1.0, 1.0, 1.0)] * 2)
+        white = om.MColorArray([om.MColor((1.0, 1.0, 1.0))] * 2)
+        pieces = om.MUintArray([0, 1, 1, 2, 2, 3, 3, 4])
         self.assertEqual(self.drawn(), [
-            ("beginDrawable", ()),
-            ("setLineWidth", (2.5,)), ("mesh", (manager.kLineStrip, points, None, colors, None, None)),
+            ("beginDrawable", (manager.kNonSelectable,)),
+            ("setLineWidth", (2.5,)), ("mesh", (manager.kLines, points, None, colors, pieces, None)),
             ("setPointSize", (6.0,)), ("mesh", (manager.kPoints, points, None, colors, None, None)),
             ("setPointSize", (6.0 * 1.6,)), ("mesh", (manager.kPoints, keys, None, white, None, None)),
             ("endDrawable", ())])
@@ -113,7 +72,7 @@ class Parts(PluginTest):
 
     def test_each_switch_takes_its_part_away(self):
         self.make_node()
-        line, points = self.render.MUIDrawManager.kLineStrip, self.render.MUIDrawManager.kPoints
+        line, points = self.render.MUIDrawManager.kLines, self.render.MUIDrawManager.kPoints
         self.set(showLine=False)
         self.assertEqual(self.modes(), [points, points])
         self.set(showLine=True, showDots=False)
@@ -132,6 +91,25 @@ class Parts(PluginTest):
         names = self.names()
         self.assertEqual(names[:2] + names[-2:], ["beginDrawable", "beginDrawInXray", "endDrawInXray", "endDrawable"])
         self.assertEqual(names.count("mesh"), 3)
+
+    def test_the_line_follows_the_number_of_points(self):
+        self.make_node()
+        for count, pieces in ((2, [0, 1]), (3, [0, 1, 1, 2]), (1, None), (0, None), (4, [0, 1, 1, 2, 2, 3])):
+            self.put("trailShape", points=POINTS[:count])
+            lines = [list(arguments[4]) for call, arguments in self.drawn() if call == "mesh" and arguments[4]]
+            self.assertEqual(lines, [pieces] if pieces else [])
+
+    def test_whatever_sequences_this_maya_makes_arrays_of_the_same_is_drawn(self):
+        arrays = sys.modules["maya.api._arrays"]
+        self.make_node(SPACING)
+        wanted = self.drawn()
+        for kinds in ((tuple,), (self.maya.api.OpenMaya.MVector,), ()):
+            self.cmds.unloadPlugin("Vantorelix_plugin")
+            with mock.patch.object(arrays._OfNumbers, "also_takes", kinds):
+                self.cmds.loadPlugin(PLUGIN)
+                self.viewport = self.render.Viewport()
+                self.assertEqual(self.drawn(), wanted, kinds)
+        self.assertEqual((len(wanted), self.warned), (8, []))
 
     def test_a_trail_that_is_still_empty_draws_nothing(self):
         self.cmds.createNode("vantorelix", name="trailShape")
@@ -162,17 +140,25 @@ class Parts(PluginTest):
 class Colors(PluginTest):
     def test_standard(self):
         self.make_node(STANDARD)
-        self.assertEqual(self.colors(), self.engine.compute_standard_colors(5))
+        self.assertEqual(self.colors(), single(self.engine.compute_standard_colors(5)))
 
     def test_spacing_shows_what_was_pushed(self):
         self.make_node(SPACING)
-        self.assertEqual(self.colors(), COLORS)
+        self.assertEqual(self.colors(), single(COLORS))
+
+    def test_flow_draws_a_point_on_the_current_frame_as_past(self):
+        self.make_node(FLOW)
+        self.put("trailShape", points=[(float(i), 0.0, 0.0) for i in range(12)])
+        self.set(startFrame=0.0, frameStep=0.1)
+        for time in (0.95, 1.0):  # 1.0 // 0.1 is 9, 1.0 / 0.1 is 10.
+            self.cmds.currentTime(time)
+            self.assertEqual(self.colors(), single(self.engine.compute_temperature_colors(12, 0.0, 0.1)), time)
 
     def test_flow_parts_the_past_from_the_future(self):
         self.make_node(FLOW)
         self.cmds.currentTime(12.0)
         colors = self.colors()
-        self.assertEqual(colors, self.engine.compute_temperature_colors(5, 10.0, 1.0))
+        self.assertEqual(colors, single(self.engine.compute_temperature_colors(5, 10.0, 1.0)))
         self.assertEqual(len(set(colors[:3])), 1)
         self.assertNotEqual(colors[2], colors[3])
 
@@ -180,217 +166,142 @@ class Colors(PluginTest):
         self.make_node(FLOW)
         self.cmds.currentTime(12.0)
         self.set(frameStep=0.0)
-        self.assertEqual(self.colors(), self.engine.compute_temperature_colors(5, 10.0, 1.0))
+        self.assertEqual(self.colors(), single(self.engine.compute_temperature_colors(5, 10.0, 1.0)))
         self.assertEqual(self.warned, [])
 
     def test_beats_change_at_the_keys(self):
         self.make_node(BEATS)
         colors = self.colors()
-        self.assertEqual(colors, self.engine.compute_beats_colors(5, 10.0, 1.0, KEY_TIMES))
+        self.assertEqual(colors, single(self.engine.compute_beats_colors(5, 10.0, 1.0, KEY_TIMES)))
         self.assertEqual(len(set(colors)), 2)
 
     def test_a_mode_without_a_name_is_drawn_as_standard(self):
         self.make_node(7)
-        self.assertEqual(self.colors(), self.engine.compute_standard_colors(5))
+        self.assertEqual(self.colors(), single(self.engine.compute_standard_colors(5)))
 
     def test_switching_the_mode_switches_the_colors(self):
         self.make_node(SPACING)
         self.drawn()
         self.engine.set_color_mode(BEATS)
-        self.assertEqual(self.colors(), self.engine.compute_beats_colors(5, 10.0, 1.0, KEY_TIMES))
+        self.assertEqual(self.colors(), single(self.engine.compute_beats_colors(5, 10.0, 1.0, KEY_TIMES)))
 
     def test_points_whose_colors_are_yet_to_come_are_drawn(self):
         self.make_node(SPACING)
         self.put("trailShape", colors=COLORS[:2])
-        self.assertEqual(self.colors(), COLORS[:2] + [(0.15, 0.75, 0.65)] * 3)
+        self.assertEqual(self.colors(), single(COLORS[:2] + [PLAIN] * 3))
         self.put("trailShape", colors=COLORS + COLORS)
-        self.assertEqual(self.colors(), COLORS)
-
-
-class Work(PluginTest):
-    """What is done for a redraw: the engine's generators are counted."""
-
-    def setUp(self):
-        super(Work, self).setUp()
-        self.calls = []
-        for name in ("compute_standard_colors", "compute_temperature_colors", "compute_beats_colors"):
-            real = getattr(self.engine, name)
-            setattr(self.engine, name, lambda *args, _real=real: self.calls.append(args) or _real(*args))
-
-    def work(self, change=lambda: None):
-        """How often colours were generated, how often the node was prepared, for one refresh after a change."""
-        calls, prepared = len(self.calls), self.viewport.prepared().get("trailShape", 0)
-        change()
-        self.viewport.refresh()
-        return len(self.calls) - calls, self.viewport.prepared()["trailShape"] - prepared
-
-    def test_a_redraw_without_a_change_does_nothing_at_all(self):
-        for mode in (STANDARD, FLOW, BEATS):
-            self.cmds.file(new=True, force=True)
-            self.viewport = self.render.Viewport()
-            self.make_node(mode)
-            self.assertEqual(self.work(), (1, 1))
-            for _ in range(3):
-                self.assertEqual(self.work(), (0, 0))
-
-    def test_being_asked_again_without_a_change_reads_no_array_and_makes_no_color(self):
-        self.make_node(FLOW)
-        self.drawn()
-        with mock.patch.object(self.maya.api.OpenMaya.MFnVectorArrayData, "array", side_effect=AssertionError):
-            self.assertEqual(self.work(self.plugins.twins[0].node.redraw), (0, 1))
-        self.assertEqual(self.warned, [])
-
-    def test_what_colors_do_not_depend_on_makes_none(self):
-        self.make_node(BEATS)
-        self.drawn()
-        for change in (dict(lineWidth=4.0), dict(pointSize=1.0), dict(showDots=False), dict(xrayMode=True)):
-            self.assertEqual(self.work(lambda: self.set(**change)), (0, 1), change)
-
-    def test_what_colors_depend_on_makes_them_once(self):
-        self.make_node(BEATS)
-        self.drawn()
-        for change in (lambda: self.set(startFrame=11.0), lambda: self.set(frameStep=0.5),
-                       lambda: self.put("trailShape", keyTimes=[(12.0, 0.0, 0.0)]),
-                       lambda: self.put("trailShape", points=POINTS[:4])):
-            self.assertEqual(self.work(change), (1, 1))
-        self.assertEqual(self.colors(), self.engine.compute_beats_colors(4, 11.0, 0.5, [12.0]))
-
-    def test_time_refreshes_the_flow_and_nothing_else(self):
-        for mode, made in ((STANDARD, 0), (SPACING, 0), (FLOW, 1), (BEATS, 0)):
-            self.cmds.file(new=True, force=True)
-            self.viewport = self.render.Viewport()
-            self.make_node(mode)
-            self.drawn()
-            self.assertEqual(self.work(lambda: self.cmds.currentTime(13.0)), (made, made), mode)
-            self.cmds.currentTime(1.0)
-
-    def test_time_that_passes_no_point_makes_no_colors(self):
-        self.make_node(FLOW)
-        self.cmds.currentTime(5.0)
-        self.drawn()
-        self.assertEqual(self.work(lambda: self.cmds.currentTime(9.5))[0], 0)
-        self.assertEqual(self.work(lambda: self.cmds.currentTime(10.0))[0], 1)
-        self.assertEqual(self.work(lambda: self.cmds.currentTime(12.0))[0], 1)
-        self.assertEqual(self.work(lambda: self.cmds.currentTime(12.5))[0], 0)
-        self.assertEqual(self.work(lambda: self.cmds.currentTime(13.0))[0], 1)
-        self.assertEqual(self.work(lambda: self.cmds.currentTime(100.0))[0], 1)
-        self.assertEqual(self.work(lambda: self.cmds.currentTime(101.0))[0], 0)
-        self.assertEqual(self.colors(), self.engine.compute_temperature_colors(5, 10.0, 1.0))
-
-
-class Box(PluginTest):
-    def test_it_holds_every_point_and_key(self):
-        self.make_node()
-        self.put("trailShape", keyPoints=[(0.0, 9.0, 0.0)], keyColors=[(1.0, 1.0, 1.0)])
-        self.drawn()
-        self.assertEqual(self.viewport.box("trailShape"), ((0.0, -1.0, -5.0), (6.0, 9.0, 2.0)))
-
-    def test_it_follows_the_points(self):
-        self.make_node()
-        self.drawn()
-        self.put("trailShape", points=[(100.0, 0.0, 0.0), (101.0, 0.0, 0.0)], keyPoints=[])
-        self.drawn()
-        self.assertEqual(self.viewport.box("trailShape"), ((100.0, 0.0, 0.0), (101.0, 0.0, 0.0)))
-
-    def test_it_follows_the_points_alone(self):
-        self.make_node()
-        self.drawn()
-        self.put("trailShape", points=[(0.0, 50.0, 0.0)] * 2)
-        self.drawn()
-        self.assertEqual(self.viewport.box("trailShape"), ((0.0, -1.0, -5.0), (4.0, 50.0, 0.0)))
-
-    def test_it_is_right_before_anything_was_drawn(self):
-        self.make_node()
-        self.plugins.catch_up()
-        box = self.plugins.twins[0].node.boundingBox()
-        self.assertEqual((tuple(box.min)[:3], tuple(box.max)[:3]), ((0.0, -1.0, -5.0), (6.0, 2.0, 2.0)))
-
-    def test_an_empty_trail_has_a_box_of_no_size(self):
-        self.cmds.createNode("vantorelix", name="trailShape")
-        self.drawn()
-        self.assertEqual(self.viewport.box("trailShape"), ((0.0, 0.0, 0.0), (0.0, 0.0, 0.0)))
-
-
-class Errors(PluginTest):
-    def test_a_call_that_maya_refuses_is_told_once_and_the_drawing_is_closed(self):
-        self.make_node()
-        self.set(xrayMode=True)
-        with mock.patch.object(self.render.MUIDrawManager, "mesh", side_effect=RuntimeError("no device")):
-            for width in (1.0, 2.0, 3.0):
-                self.set(lineWidth=width)
-                names = self.names()
-        self.assertEqual(names[-2:], ["endDrawInXray", "endDrawable"])
-        self.assertEqual(len(self.warned), 1)
-        self.assertIn("no device", self.warned[0])
-        self.set(lineWidth=4.0)
-        self.assertEqual(self.names().count("mesh"), 3)
-
-    def test_an_attribute_that_cannot_be_read_leaves_the_rest_as_it_was(self):
-        self.make_node(SPACING)
-        self.drawn()
-        self.put("trailShape", points=POINTS[:3], colors=COLORS[2:])
-        real = self.maya.api.OpenMaya.MFnDependencyNode.findPlug
-
-        def refuse(node, name, networked):
-            if name == "points":
-                raise RuntimeError("no points")
-            return real(node, name, networked)
-        with mock.patch.object(self.plugin.om.MFnDependencyNode, "findPlug", refuse), \
-                mock.patch.object(self.plugins._Twin, "tell_changes"):
-            self.plugins.twins[0].node._stale.update(["points", "colors"])
-            self.plugins.twins[0].node.redraw()
-            self.assertEqual(self.colors(), COLORS[2:] + [(0.15, 0.75, 0.65)] * 2)
-        self.assertEqual(len(self.warned), 1)
-        self.set(lineWidth=3.0)
-        self.assertEqual(len(self.colors()), 3)
-
-    def test_without_the_engine_trails_are_drawn_and_one_warning_is_given(self):
-        self.make_node(BEATS)
-        with mock.patch.dict("sys.modules", {"Vantorelix_engine": None}):
-            self.assertEqual(self.colors(), COLORS)
-            self.set(colorMode=FLOW)
-            self.assertEqual(self.colors(), COLORS)
-            self.set(colorMode=STANDARD)
-            self.assertEqual(self.colors(), [(0.15, 0.75, 0.65)] * 5)
-        self.assertEqual(len(self.warned), 1)
-
-    def test_a_node_that_is_gone_raises_nothing(self):
-        self.make_node()
-        self.drawn()
-        shown = list(self.viewport._shown.values())[0]
-        self.cmds.delete("trailShape")
-        shown.prepare()
-        shown.override.boundingBox(shown.path, None)
-        self.plugin._on_time_changed(None)
-        self.assertTrue(self.warned)
+        self.assertEqual(self.colors(), single(COLORS))
 
 
 class Loading(PluginTest):
     def registered(self):
-        return (len(self.plugins.node_types), len(self.render.MDrawRegistry.creators),
+        return (len(self.plugins.node_types), len(self.render.MDrawRegistry.creators), len(self.host.display_filters),
                 len([each for each in self.host.subscribers if each.event == self.plugins.TIME_CHANGED]))
 
     def test_unloading_takes_everything_back_and_loading_again_works(self):
-        self.assertEqual(self.registered(), (1, 1, 1))
+        self.assertEqual(self.registered(), (1, 1, 1, 1))
         self.cmds.unloadPlugin("Vantorelix_plugin")
-        self.assertEqual(self.registered(), (0, 0, 0))
+        self.assertEqual(self.registered(), (0, 0, 0, 0))
         self.cmds.loadPlugin(PLUGIN)
-        self.assertEqual(self.registered(), (1, 1, 1))
+        self.assertEqual(self.registered(), (1, 1, 1, 1))
 
     def test_a_failure_at_any_step_leaves_nothing_registered(self):
         self.cmds.unloadPlugin("Vantorelix_plugin")
         om = self.maya.api.OpenMaya
         for owner, name in ((om.MFnPlugin, "registerNode"), (self.render.MDrawRegistry, "registerDrawOverrideCreator"),
-                            (om.MDGMessage, "addTimeChangeCallback")):
+                            (om.MDGMessage, "addTimeChangeCallback"), (self.cmds, "about")):
             with mock.patch.object(owner, name, side_effect=RuntimeError("refused")):
                 self.assertRaisesRegex(RuntimeError, "refused", self.cmds.loadPlugin, PLUGIN)
-            self.assertEqual(self.registered(), (0, 0, 0), name)
+            self.assertEqual(self.registered(), (0, 0, 0, 0), name)
 
     def test_the_engine_finds_it_and_makes_trails_with_it(self):
         self.assertTrue(self.engine._ensure_plugin())
 
     def test_it_says_that_it_speaks_version_two(self):
         self.assertTrue(callable(self.plugin.maya_useNewAPI))
+
+    def test_its_version_is_that_of_the_whole(self):
+        with open(os.path.join(CHECKOUT, "CMakeLists.txt")) as file:
+            version = re.search(r"project\(vantorelix VERSION ([0-9.]+)", file.read()).group(1)
+        self.assertEqual(self.plugin.VERSION, version)
+
+    def test_what_is_kept_between_draws_is_made_in_the_way_of_every_maya_from_2022_on(self):
+        self.make_node()
+        with warnings.catch_warnings():
+            warnings.simplefilter("error", DeprecationWarning)
+            self.assertEqual(len(self.drawn()), 8)
+        self.assertEqual(self.warned, [])
+
+
+class DisplayFilter(PluginTest):
+    NAME = "vantorelixDisplayFilter"
+
+    def show(self, shown, panel="modelPanel4"):
+        self.cmds.modelEditor(panel, edit=True, pluginObjects=(self.NAME, shown))
+
+    def test_it_is_an_entry_of_the_show_menu_for_what_the_plug_in_draws(self):
+        self.assertEqual(self.cmds.pluginDisplayFilter(query=True, listFilters=True), [self.NAME])
+        self.assertEqual(self.cmds.pluginDisplayFilter(self.NAME, query=True, label=True), "Vantorelix Trails")
+        self.assertEqual(self.cmds.pluginDisplayFilter(self.NAME, query=True, classification=True),
+                         self.plugins.node_types["vantorelix"].classification)
+
+    def test_a_panel_hides_trails_and_shows_them_again_as_they_are_by_then(self):
+        self.make_node()
+        self.assertTrue(self.cmds.modelEditor("modelPanel4", query=True, queryPluginObjects=self.NAME))
+        self.assertIn("trailShape", self.viewport.refresh())
+        self.show(False)
+        self.assertFalse(self.cmds.modelEditor("modelPanel4", query=True, queryPluginObjects=self.NAME))
+        self.set(lineWidth=7.0)
+        self.assertEqual(self.viewport.refresh(), {})
+        self.assertIn("trailShape", self.viewport.refresh("modelPanel1"))
+        self.set(lineWidth=8.0)
+        self.assertEqual(self.viewport.refresh(), {})
+        self.show(True)
+        self.assertIn(("setLineWidth", (8.0,)), self.drawn())
+
+    def test_it_is_counted_so_another_plug_in_may_register_it_as_well(self):
+        self.cmds.pluginDisplayFilter(self.NAME, register=True)
+        self.cmds.unloadPlugin("Vantorelix_plugin")
+        self.assertTrue(self.cmds.pluginDisplayFilter(exists=self.NAME))
+        self.cmds.pluginDisplayFilter(self.NAME, deregister=True)
+        self.assertFalse(self.cmds.pluginDisplayFilter(exists=self.NAME))
+
+    def test_hiding_locators_leaves_trails(self):
+        self.make_node()
+        self.cmds.modelEditor("modelPanel4", edit=True, locators=False)
+        self.assertIn("trailShape", self.viewport.refresh())
+
+    def reload_with(self, function):
+        self.cmds.unloadPlugin("Vantorelix_plugin")
+        with mock.patch.object(self.cmds, "pluginDisplayFilter", function):
+            if function is None:
+                del self.cmds.pluginDisplayFilter
+            self.cmds.loadPlugin(PLUGIN)
+            self.make_node()
+            self.assertEqual(len(self.drawn()), 8)
+            self.cmds.unloadPlugin("Vantorelix_plugin")
+            if function is None:
+                self.cmds.pluginDisplayFilter = None  # For the patch to take away.
+
+    def test_a_maya_without_the_command_draws_trails_all_the_same(self):
+        self.reload_with(None)
+        self.assertEqual(self.warned, [])
+
+    def test_a_maya_that_refuses_draws_trails_and_says_so(self):
+        self.reload_with(mock.Mock(side_effect=RuntimeError("no such menu")))
+        self.assertEqual(len(self.warned), 1)
+        self.assertIn("no such menu", self.warned[0])
+
+
+class Batch(PluginTest):
+    batch = True
+
+    def test_there_is_no_menu_and_no_entry_in_it(self):
+        self.assertEqual(self.host.display_filters, {})
+        self.make_node()
+        self.assertEqual(len(self.drawn()), 8)
+        self.cmds.unloadPlugin("Vantorelix_plugin")
+        self.assertEqual(self.warned, [])
 
 
 if __name__ == "__main__":

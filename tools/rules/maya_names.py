@@ -30,8 +30,10 @@ TRUSTED = {
         "It has none of this command's queries, and yet Maya's time is read no other way; maya_stubs has it.":
             ("cmds.currentTime(q=)",),
         "It names the class, marked as not described yet; maya_stubs has its members.": (
-            "?.deregisterNode", "?.matrix", "?.registerNode", "?.thisMObject",  # MFnPlugin, MFnMatrixData, MPxNode
-            "om.MGlobal.displayWarning", "om.MPxNode.kLocatorNode", "om.MUserData.__init__",
+            "?.attributeAffects", "?.deregisterNode", "?.dirtyPlugExists", "?.matrix", "?.registerNode",
+            "?.setPreference", "?.thisMObject",  # MEvaluationNode, MFnMatrixData, MFnPlugin, MNodeCacheSetupInfo, MPxNode
+            "om.MGlobal.displayWarning", "om.MNodeCacheSetupInfo.kWantToCacheByDefault", "om.MPxNode.kLocatorNode",
+            "om.MUserData.__init__",
             "oma.MAnimControl.currentTime", "oma.MAnimControl.isPlaying",
             "oma.MAnimMessage.addAnimCurveEditedCallback", "oma.MAnimMessage.addAnimKeyframeEditedCallback",
             "omr.MDrawRegistry.deregisterDrawOverrideCreator", "omr.MDrawRegistry.registerDrawOverrideCreator",
@@ -39,7 +41,8 @@ TRUSTED = {
             "omr.MPxDrawOverride.hasUIDrawables", "omr.MPxDrawOverride.isBounded",
             "omr.MPxDrawOverride.prepareForDraw", "omr.MPxDrawOverride.supportedDrawAPIs",
             "omui.MPxLocatorNode.__init__", "omui.MPxLocatorNode.boundingBox", "omui.MPxLocatorNode.excludeAsLocator",
-            "omui.MPxLocatorNode.isBounded", "omui.MPxLocatorNode.preEvaluation",
+            "omui.MPxLocatorNode.getCacheSetup", "omui.MPxLocatorNode.isBounded", "omui.MPxLocatorNode.nodeBoundingBox",
+            "omui.MPxLocatorNode.postEvaluation", "omui.MPxLocatorNode.preEvaluation",
             "omui.MPxLocatorNode.setDependentsDirty"),
     },
 }

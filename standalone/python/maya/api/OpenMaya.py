@@ -1,5 +1,6 @@
 """The object model: nodes, plugs, values and messages."""
 
+from ._arrays import *
 from ._messages import MDGMessage, MMessage
 from ._nodes import *
 from ._nodes import plugin_object

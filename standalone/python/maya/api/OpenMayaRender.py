@@ -1,7 +1,9 @@
 """Viewport 2.0, recorded: drawing calls are kept in lists, in order, and nothing is shown."""
 
+from .. import host
 from . import OpenMaya, _plugin
-from ._plugin import MColorArray, MPointArray
+from ._arrays import MColorArray, MPointArray, MUintArray
+from .OpenMayaUI import MPxLocatorNode
 
 
 class MUIDrawManager(object):
@@ -20,7 +22,7 @@ class MUIDrawManager(object):
         self.drawn.append((name, arguments))
 
     def beginDrawable(self, selectability=kAutomatic, selectionName=0):
-        self._add("beginDrawable")
+        self._add("beginDrawable", selectability)
         self._open.append("Drawable")
 
     def endDrawable(self):
@@ -53,6 +55,10 @@ class MUIDrawManager(object):
             raise TypeError("positions are no MPointArray")
         if color is not None and (not isinstance(color, MColorArray) or len(color) != len(position)):
             raise TypeError("colors are no MColorArray with one color a position")
+        if index is not None and not (isinstance(index, MUintArray) and all(i < len(position) for i in index)):
+            raise TypeError("indices are no MUintArray of places in the positions")
+        if "DrawInXray" in self._open and mode not in (self.kPoints, self.kLines, self.kTriangles):
+            raise RuntimeError("in x-ray only points, lines and triangles are drawn through geometry")
         self._add("mesh", mode, position, normal, color, index, texcoord)
 
 
@@ -63,6 +69,7 @@ class MRenderer(object):
 
     @staticmethod
     def setGeometryDrawDirty(object, topologyChanged=True):
+        object.node()  # An error for a node that is gone: what Maya does then is not documented.
         MRenderer.dirty.append(object)
 
 
@@ -104,51 +111,71 @@ class Path(object):
 
 
 class _Shown(object):
-    """One node on the screen."""
+    """One node of a plug-in and its draw override."""
 
     def __init__(self, twin):
+        self.twin = twin
         self.path = Path(twin.object)
         self.override = MDrawRegistry.creators[twin.kind.classification][1](twin.object)
-        self.data = None
+        self.dirty = True
+        self.data = self._box = None
         self.prepared = 0
         self.drawn = []
 
-    def prepare(self):
+    def is_shown_in(self, panel):
+        """Whether the panel's Show menu has everything on that this node follows."""
+        filters = [name for name, (_, classification, _) in host.display_filters.items()
+                   if classification == self.twin.kind.classification]
+        if isinstance(self.twin.node, MPxLocatorNode) and self.twin.node.excludeAsLocator():
+            filters.append("locators")
+        return not any((panel, name) in host.hidden for name in filters)
+
+    def refresh(self):
+        if not (self.dirty or self.override.always_dirty):
+            return
+        self.dirty = False
         self.prepared += 1
         manager = MUIDrawManager()
         self.data = self.override.prepareForDraw(self.path, None, MFrameContext(), self.data)
         self.override.addUIDrawables(self.path, manager, MFrameContext(), self.data)
         self.drawn = manager.drawn
 
+    def box(self):
+        """Asked for again only when an attribute changed that affects the box of the node."""
+        if self._box is None or MPxLocatorNode.nodeBoundingBox in self.twin.dirty:
+            self.twin.dirty.discard(MPxLocatorNode.nodeBoundingBox)
+            self._box = self.override.boundingBox(self.path, None)
+        return self._box
+
 
 class Viewport(object):
     """Draws the nodes of plug-ins as Viewport 2.0 does: prepares one when it is dirty, and else shows what it has."""
 
     def __init__(self):
-        self._shown = {}
+        self._known = {}
 
-    def refresh(self):
-        """What is on the screen after a refresh, by the name of the node."""
+    def refresh(self, panel="modelPanel4"):
+        """What this panel shows after a refresh, by the name of the node."""
         _plugin.catch_up()
-        dirty, MRenderer.dirty[:] = list(MRenderer.dirty), []
-        shown = {}
-        for twin in _plugin.twins:
-            known = self._shown.get(twin.object)
-            shown[twin.object] = known or _Shown(twin)
-            if known is None or known.override.always_dirty or twin.object in dirty:
-                shown[twin.object].prepare()
-        self._shown = shown
-        return {self._name(known): known.drawn for known in shown.values()}
+        self._known = {twin.object: self._known.get(twin.object) or _Shown(twin) for twin in _plugin.twins}
+        for changed in MRenderer.dirty:
+            if changed in self._known:
+                self._known[changed].dirty = True
+        del MRenderer.dirty[:]
+        shown = [known for known in self._known.values() if known.is_shown_in(panel)]
+        for known in shown:
+            known.refresh()
+        return {self._name(known): known.drawn for known in shown}
 
     def prepared(self):
         """How often each node was prepared."""
-        return {self._name(known): known.prepared for known in self._shown.values()}
+        return {self._name(known): known.prepared for known in self._known.values()}
 
     def box(self, name):
         """The corners of the box that framing this node takes."""
-        for known in self._shown.values():
+        for known in self._known.values():
             if self._name(known) == name:
-                box = known.override.boundingBox(known.path, None)
+                box = known.box()
                 return tuple(box.min)[:3], tuple(box.max)[:3]
         raise LookupError(name)
 

@@ -1,9 +1,12 @@
 """Locators, for plug-ins that define one. Nothing here draws."""
 
-from ._plugin import MBoundingBox, MPxNode
+from ._arrays import MBoundingBox
+from ._plugin import Attribute, MPxNode
 
 
 class MPxLocatorNode(MPxNode):
+    nodeBoundingBox = Attribute("boundingBox", "bb", ("compound", None), None)
+
     def isBounded(self):
         return False
 

@@ -11,6 +11,7 @@ __all__ = [
     "MGlobal",
     "MObject",
     "MObjectArray",
+    "MObjectHandle",
     "MPlug",
     "MSelectionList",
 ]
@@ -65,6 +66,23 @@ MObject.kNullObj = MObject()
 
 class MObjectArray(list):
     """A list of objects."""
+
+
+class MObjectHandle(object):
+    """Tells whether the node of an object is still there, and not deleted or on the undo queue only."""
+
+    def __init__(self, object=MObject.kNullObj):
+        self._object = object
+
+    def object(self):
+        return self._object
+
+    def isValid(self):
+        try:
+            self._object.node()
+        except RuntimeError:
+            return False
+        return True
 
 
 def plugin_object(name, path):

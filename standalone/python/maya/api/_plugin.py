@@ -4,14 +4,16 @@ The scene knows nothing of the Python object that a plug-in makes for each of it
 attribute or the time has changed. `catch_up`, which a refresh of the viewport calls, makes up for both.
 """
 
+import warnings
+
 from .. import host
 from ._messages import MDGMessage, subscribe
-from ._nodes import MFnDependencyNode, MObject
-from ._values import MTime, MVectorArray
+from ._nodes import MFnDependencyNode, MObject, MObjectHandle
+from ._values import MTime
 
-__all__ = ["MBoundingBox", "MColor", "MColorArray", "MDataBlock", "MFnData", "MFnNumericAttribute", "MFnNumericData",
-           "MFnPlugin", "MFnTypedAttribute", "MFnUnitAttribute", "MPoint", "MPointArray", "MPxNode", "MTypeId",
-           "MUserData"]
+__all__ = ["MDataBlock", "MEvaluationNode", "MFnData", "MFnNumericAttribute", "MFnNumericData", "MFnPlugin",
+           "MFnTypedAttribute", "MFnUnitAttribute", "MNodeCacheDisablingInfo", "MNodeCacheSetupInfo", "MPxNode",
+           "MTypeId", "MUserData"]
 
 # What is registered: plug-in nodes by their type's name.
 node_types = {}
@@ -22,6 +24,7 @@ class NodeType(object):
     def __init__(self, name, type_id, creator, kind, classification):
         self.name, self.id, self.creator, self.kind, self.classification = name, type_id, creator, kind, classification
         self.attributes = {}
+        self.affects = {}  # Names of attributes by what they affect, an attribute of Maya's.
 
 
 class MTypeId(object):
@@ -165,90 +168,55 @@ class MPxNode(object):
 
     @staticmethod
     def attributeAffects(source, target):
-        pass
+        if not _being_registered or source.name not in _being_registered[-1].attributes:
+            raise RuntimeError("(kFailure): Unexpected Internal Failure")
+        _being_registered[-1].affects.setdefault(target, set()).add(source.name)
 
     def thisMObject(self):
         return self._object
 
+    def getCacheSetup(self, evaluationNode, disablingInfo, cacheSetupInfo, monitoredAttributes):
+        pass
+
 
 class MUserData(object):
-    def __init__(self, deleteAfterUse=False, legacy=True):
-        self._delete = deleteAfterUse
-
-    def deleteAfterUse(self):
-        return self._delete
+    def __init__(self, *deprecated):
+        if deprecated:
+            warnings.warn("MUserData takes no arguments from Maya 2022 on", DeprecationWarning)
 
 
-def _numbers(values, count, rest):
-    """`values` as a constructor got them: separate numbers, or one sequence of them."""
-    if len(values) == 1 and not isinstance(values[0], (int, float)):
-        values = tuple(values[0])
-    if len(values) > count or not all(isinstance(value, (int, float)) for value in values):
-        raise TypeError("at most {0} numbers, not {1!r}".format(count, values))
-    return [float(value) for value in values] + list(rest[len(values):])
+class MEvaluationNode(object):
+    """What the evaluation manager knows of a node that it evaluates; made of the attributes that change."""
+
+    def __init__(self, changing=()):
+        self._changing = list(changing)
+
+    def dirtyPlugExists(self, attribute):
+        return attribute in self._changing
 
 
-class _Numbers(object):
-    _rest = ()
+class MNodeCacheSetupInfo(object):
+    kWantToCacheByDefault = 0
 
-    def __init__(self, *values):
-        self._values = _numbers(values, len(self._rest), self._rest)
+    def __init__(self):
+        self._preferences = set()
 
-    def __len__(self):
-        return len(self._values)
+    def setPreference(self, preference, value=True):
+        (self._preferences.add if value else self._preferences.discard)(preference)
 
-    def __getitem__(self, index):
-        return self._values[index]
-
-    def __eq__(self, other):
-        return isinstance(other, type(self)) and other._values == self._values
-
-    def __ne__(self, other):
-        return not self == other
-
-    __hash__ = None
-
-    def __repr__(self):
-        return "{0}({1})".format(type(self).__name__, ", ".join(repr(value) for value in self._values))
+    def getPreference(self, preference):
+        return preference in self._preferences
 
 
-class MPoint(_Numbers):
-    _rest = (0.0, 0.0, 0.0, 1.0)
-    x, y, z = (property(lambda self, i=i: self._values[i]) for i in range(3))
+class MNodeCacheDisablingInfo(object):
+    def __init__(self):
+        self._disabled = False
 
+    def setCacheDisabled(self, value):
+        self._disabled = value
 
-class MColor(_Numbers):
-    _rest = (0.0, 0.0, 0.0, 1.0)
-    r, g, b, a = (property(lambda self, i=i: self._values[i]) for i in range(4))
-
-
-class _Array(list):
-    _element = None
-
-    def __init__(self, elements=()):
-        list.__init__(self, elements)
-        for element in self:
-            if not isinstance(element, self._element):
-                raise TypeError("an element is no {0}: {1!r}".format(self._element.__name__, element))
-
-
-class MPointArray(_Array):
-    _element = MPoint
-
-
-class MColorArray(_Array):
-    _element = MColor
-
-
-class MBoundingBox(object):
-    def __init__(self, low=None, high=None):
-        self.min, self.max = low or MPoint(), high or MPoint()
-
-    @property
-    def center(self):
-        return MPoint(*[(self.min[i] + self.max[i]) / 2 for i in range(3)])
-
-    width, height, depth = (property(lambda self, i=i: self.max[i] - self.min[i]) for i in range(3))
+    def getCacheDisabled(self):
+        return self._disabled
 
 
 # The scene and the Python objects of its nodes ------------------------------------------------------------------------
@@ -268,6 +236,7 @@ class _Twin(object):
         self.node = kind.creator()
         self.node._object = scene_object
         self.held = self.look()
+        self.dirty = set(kind.affects)  # Attributes of Maya's that are to be computed anew.
 
     def plugs(self):
         node = MFnDependencyNode(self.object)
@@ -285,23 +254,17 @@ class _Twin(object):
         for name, plug in self.plugs():
             if self.held[name] != held[name]:
                 self.node.setDependentsDirty(plug, [])
+                self.dirty.update(each for each, sources in self.kind.affects.items() if name in sources)
 
 
 twins = []
 _last_time = [None]
 
 
-def _is_there(scene_object):
-    try:
-        scene_object.node()
-    except RuntimeError:
-        return False
-    return True
-
-
 def catch_up():
     """Tells the Python objects of plug-in nodes what has changed since the last time, and makes those that lack."""
-    twins[:] = [twin for twin in twins if _is_there(twin.object) and node_types.get(twin.kind.name) is twin.kind]
+    twins[:] = [twin for twin in twins
+                if MObjectHandle(twin.object).isValid() and node_types.get(twin.kind.name) is twin.kind]
     for twin in twins:
         twin.tell_changes()
     known = [twin.object for twin in twins]
