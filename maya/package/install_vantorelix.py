@@ -6,31 +6,48 @@ Drag this file into a viewport of Maya, or run it:
     python3 install_vantorelix.py --verify MODULES
     python3 install_vantorelix.py --uninstall MODULES
 
+With --quiet it is silent about what went well. Exit codes: 0 done (what had to be left is told on standard error);
+1 failed, or --verify found something wrong; 2 wrong arguments.
+
 An installation is the folder "vantorelix" and, beside it, the file "Vantorelix.mod", without which Maya does not look
-into the folder. The new folder is copied and checked under another name first, and the one before it is kept until the
-new one is in place, so that whatever goes wrong, either the old version or the new one is there as a whole.
+into the folder. The new folder is copied and checked in a folder of another name first, and the one before it is kept
+there until the new one is in place, so that whatever goes wrong, either the old version or the new one is there as a
+whole. Maya reads every file in a folder of modules, whatever its name: so none but "Vantorelix.mod" is ever put there.
 """
 
 import glob
 import hashlib
 import json
 import os
+import re
 import shutil
 import sys
+import tempfile
 
 FOLDER = "vantorelix"
 DESCRIPTION = "Vantorelix.mod"
 MANIFEST = "manifest.json"
 PLUGIN = "Vantorelix_plugin.py"
 PLUGIN_SOURCE = "contents/plug-ins/" + PLUGIN
-# Beside the final folder, so that a rename is all that is left to do; the dot keeps them out of the user's way.
-INCOMING = ".vantorelix-incoming"
-PREVIOUS = ".vantorelix-previous"
-REMOVED = ".vantorelix-removed"
+EARLIER_PLUGINS = "earlier-plugins.json"
+# How the names of folders begin that stand beside the final one, so that a rename is all that is left to do. Work holds
+# the version that comes and the one that goes; rubbish, nothing that anybody goes back to.
+WORK, RUBBISH = ".vantorelix-work-", ".vantorelix-rubbish-"
+INCOMING, PREVIOUS = "incoming", "previous"
+NAMES_VANTORELIX = re.compile(br"^\s*\+\s+(?:[A-Z]+:\S*\s+)*Vantorelix\s", re.MULTILINE)
 
 
 class InstallError(Exception):
     pass
+
+
+def check_python():
+    """Maya 2022 may run this file in Python 2, which must be able to read it to tell."""
+    if sys.version_info[0] < 3:
+        raise InstallError("Vantorelix needs Python 3; start Maya 2022 without MAYA_PYTHON_VERSION=2.")
+
+
+# What is in a package -------------------------------------------------------------------------------------------------
 
 
 def digest(path):
@@ -48,29 +65,168 @@ def read_manifest(folder):
     for path in files:
         if os.path.isabs(path) or ".." in path.split("/") or "\\" in path:
             raise InstallError("The package names a file outside of it: {0}".format(path))
-    if PLUGIN_SOURCE not in files or DESCRIPTION not in files:
+    if not isinstance(files, dict) or PLUGIN_SOURCE not in files or DESCRIPTION not in files:
         raise InstallError("The package is not one of Vantorelix.")
     return files
 
 
-def verify(folder):
-    """Raises InstallError for the first file of the package in `folder` that is missing or not what it was."""
-    files = read_manifest(folder)
+def damages(folder, files):
+    """A sentence for each of `files` that is missing in `folder` or not what it was."""
+    found = []
     for path in sorted(files):
+        whole = os.path.join(folder, path)
         try:
-            same = digest(os.path.join(folder, path)) == files[path]
+            if digest(whole) != files[path]:
+                found.append("{0} is damaged.".format(whole))
         except OSError as error:
-            raise InstallError("{0} cannot be read: {1}".format(path, error))
-        if not same:
-            raise InstallError("{0} is damaged. Unpack the package again.".format(path))
+            found.append("{0} cannot be read: {1}.".format(whole, error.strerror))
+    return found
+
+
+def check_package(folder):
+    """The files of the package in `folder`; InstallError names every one that is missing or not what it was."""
+    files = read_manifest(folder)
+    found = damages(folder, files)
+    if found:
+        raise InstallError("\n".join(found + ["Unpack the package again."]))
     return files
 
 
-def _remove(path):
-    if os.path.isdir(path) and not os.path.islink(path):
-        shutil.rmtree(path)
-    elif os.path.lexists(path):
-        os.remove(path)
+def _beside_engine(files):
+    """Where the installed plug-in is, too: the engine looks beside itself first."""
+    folders = {os.path.dirname(path) for path in files if path.startswith("contents/python-")}
+    return sorted(folder + "/" + PLUGIN for folder in folders)
+
+
+# Where Maya looks -----------------------------------------------------------------------------------------------------
+
+
+def _folders(modules, patterns, variables):
+    """The folders that match in the user's folder of Maya, and those of environment variables, each once."""
+    home = os.environ.get("MAYA_APP_DIR") or os.path.join(os.path.expanduser("~"), "maya")
+    found = [folder for above in (os.path.dirname(os.path.abspath(modules)), home) for pattern in patterns
+             for folder in sorted(glob.glob(os.path.join(glob.escape(above), pattern)))]
+    for variable in variables:
+        found += os.environ.get(variable, "").split(os.pathsep)
+    once = {os.path.realpath(folder): folder for folder in reversed(found) if os.path.isdir(folder)}
+    return [folder for folder in found if once.pop(os.path.realpath(folder), None)]
+
+
+def _files_in(folders):
+    return [path for folder in folders for path in sorted(glob.glob(os.path.join(glob.escape(folder), "*")) +
+                                                          glob.glob(os.path.join(glob.escape(folder), ".*")))
+            if os.path.isfile(path)]
+
+
+def _beside(modules, beginning):
+    return sorted(glob.glob(os.path.join(glob.escape(modules), beginning + "*")))
+
+
+def _names_vantorelix(path):
+    try:
+        with open(path, "rb") as file:
+            return NAMES_VANTORELIX.search(file.read()) is not None
+    except OSError:
+        return False  # Maya cannot read it, either.
+
+
+def other_descriptions(modules):
+    """A sentence for each file that Maya reads as a description of modules and that names Vantorelix, beside ours."""
+    ours = os.path.realpath(os.path.join(modules, DESCRIPTION))
+    name = glob.escape(os.path.basename(os.path.abspath(modules)))
+    files = _files_in(_folders(modules, [name, "modules", "*/modules"], ["MAYA_MODULE_PATH"]))
+    return ["{0} names the module Vantorelix, too; Maya reads every file of that folder. Move it away.".format(path)
+            for path in files if os.path.realpath(path) != ours and _names_vantorelix(path)]
+
+
+def other_copies(modules, files):
+    """The files of Vantorelix where Maya finds plug-ins and scripts, beside the installed ones: (right, wrong)."""
+    final = os.path.realpath(os.path.join(modules, FOLDER)) + os.sep
+    installed = {}
+    for path in files:
+        if path.startswith("contents/"):
+            installed.setdefault(os.path.basename(path), set()).add(files[path])
+    folders = _folders(modules, ["plug-ins", "*/plug-ins", "scripts", "*/scripts", "*/prefs/scripts"],
+                       ["MAYA_PLUG_IN_PATH", "MAYA_SCRIPT_PATH", "PYTHONPATH"])
+    found = [path for path in _files_in(folders)
+             if os.path.basename(path) in installed and not os.path.realpath(path).startswith(final)]
+    right = [path for path in found if digest(path) in installed[os.path.basename(path)]]
+    return right, [path for path in found if path not in right]
+
+
+def verify(modules):
+    """How many files were looked at, all as they should be; InstallError names everything that is not."""
+    final = os.path.join(modules, FOLDER)
+    if not os.path.isdir(final):
+        interrupted = "".join(" {0} is left of an interrupted installation.".format(w) for w in _beside(modules, WORK))
+        raise InstallError("Vantorelix is not installed in {0}.{1} Install it.".format(modules, interrupted))
+    files = read_manifest(final)
+    wanted = dict(files, **{path: files[PLUGIN_SOURCE] for path in _beside_engine(files)})
+    right, wrong = other_copies(modules, files)
+    problems = damages(final, wanted) + damages(modules, {DESCRIPTION: files[DESCRIPTION]})
+    if problems:
+        problems.append("Install Vantorelix again.")
+    problems += other_descriptions(modules)
+    problems += ["{0} is not the one that is installed, and Maya may take it instead. Move it away.".format(path)
+                 for path in wrong]
+    if problems:
+        raise InstallError("\n".join(problems))
+    return len(wanted) + 1 + len(right)
+
+
+# Copies that the engine made ------------------------------------------------------------------------------------------
+
+
+def _known_plugins(folder):
+    """The SHA-256 of the plug-in of the installation in `folder`, and of all that were installed before it."""
+    known = set()
+    try:
+        with open(os.path.join(folder, EARLIER_PLUGINS)) as file:
+            known.update(json.load(file))
+    except (OSError, ValueError):
+        pass  # Installed by an installer that kept no list, or not at all.
+    try:
+        known.add(read_manifest(folder)[PLUGIN_SOURCE])
+    except InstallError:
+        pass
+    return known
+
+
+def _treat_copies(modules, known, treat):
+    """Calls `treat` with each copy of one of the `known` plug-ins in Maya's plug-in folders.
+
+    Gives a sentence for each copy that is left. One that somebody has changed is not ours to touch.
+    """
+    left = []
+    for folder in _folders(modules, ["*/plug-ins"], []):
+        copy = os.path.join(folder, PLUGIN)
+        try:
+            if not os.path.lexists(copy):
+                continue
+            if digest(copy) in known:
+                treat(copy)
+            else:
+                left.append("{0} was left: it is no copy that is known here, somebody may have changed it. Maya may load "
+                            "it instead of an installed one, and the engine overwrites it where it is older: move it "
+                            "away.".format(copy))
+        except OSError as error:
+            left.append("{0} was left: {1}. Maya may load it instead of an installed one: delete it."
+                        .format(copy, error.strerror))
+    return left
+
+
+def _replace(source, path):
+    """At no time is a part of a file to be found at `path`, nor one more plug-in beside it."""
+    waiting = path + ".incoming"
+    try:
+        shutil.copy2(source, waiting)
+        os.replace(waiting, path)
+    finally:
+        if os.path.lexists(waiting):
+            os.remove(waiting)
+
+
+# Installing and taking away -------------------------------------------------------------------------------------------
 
 
 def _copy(package, files, target):
@@ -81,94 +237,146 @@ def _copy(package, files, target):
         shutil.copy2(os.path.join(package, path), copy)
 
 
-def _put_plugin_beside_engine(folder):
-    """The engine looks beside itself first. A plug-in of now, so that it replaces copies that an older engine made."""
+def _prepare(package, folder, earlier):
+    """Makes all of an installation in `folder`."""
+    _copy(package, read_manifest(package), folder)
+    files = check_package(folder)
     source = os.path.join(folder, PLUGIN_SOURCE)
-    os.utime(source, None)
-    for python in glob.glob(os.path.join(folder, "contents", "python-*")):
-        shutil.copy2(source, os.path.join(python, PLUGIN))
+    os.utime(source, None)  # A plug-in of now: the engine replaces the copies that it made of an older one.
+    for path in _beside_engine(files):
+        shutil.copy2(source, os.path.join(folder, path))
+    with open(os.path.join(folder, EARLIER_PLUGINS), "w") as file:
+        json.dump(sorted(earlier), file)
+
+
+def _clean(modules):
+    """Deletes work that is done with, and rubbish; a sentence for each folder that cannot be deleted."""
+    left = []
+    for folder in _beside(modules, WORK) + _beside(modules, RUBBISH):
+        rubbish = os.path.join(modules, os.path.basename(folder).replace(WORK, RUBBISH))
+        try:
+            os.rename(folder, rubbish)  # First: a version that is half deleted is none to go back to.
+            shutil.rmtree(rubbish)
+        except OSError as error:
+            remains = rubbish if os.path.isdir(rubbish) else folder
+            left.append("{0} is not needed any more but could not be deleted: {1}. Delete it when no Maya runs."
+                        .format(remains, error.strerror))
+    return left
 
 
 def _recover(modules):
     """Ends what an interrupted installation left: the previous version is there again, unless the new one is."""
-    final, previous = os.path.join(modules, FOLDER), os.path.join(modules, PREVIOUS)
-    if os.path.isdir(previous) and not os.path.isdir(final):
-        os.rename(previous, final)
-    for leftover in (INCOMING, PREVIOUS, REMOVED, "." + DESCRIPTION):
-        _remove(os.path.join(modules, leftover))
+    final = os.path.join(modules, FOLDER)
+    for work in _beside(modules, WORK):
+        incoming, previous, waiting = (os.path.join(work, name) for name in (INCOMING, PREVIOUS, DESCRIPTION))
+        if os.path.isdir(previous) and not os.path.lexists(final):
+            os.rename(previous, final)
+        elif os.path.isfile(waiting) and not os.path.lexists(incoming):
+            os.replace(waiting, os.path.join(modules, DESCRIPTION))
+    return _clean(modules)
 
 
-def install(package, modules):
-    """Installs the package in the folder `package` among `modules`; makes that folder where it is missing."""
-    verify(package)
-    if not os.path.isdir(modules):
-        os.makedirs(modules)
-    _recover(modules)
-    final, incoming, previous = (os.path.join(modules, name) for name in (FOLDER, INCOMING, PREVIOUS))
+def _check_ours(final):
     if os.path.lexists(final) and not os.path.isfile(os.path.join(final, MANIFEST)):
         raise InstallError("{0} is there, but not from this installer. Move it away first.".format(final))
-    placed = False
+
+
+def _put_in_place(package, modules, earlier):
+    """All or nothing: after a failure the version that was there is there again."""
+    final, work, placed = os.path.join(modules, FOLDER), tempfile.mkdtemp(prefix=WORK, dir=modules), False
+    incoming, previous, waiting = (os.path.join(work, name) for name in (INCOMING, PREVIOUS, DESCRIPTION))
     try:
-        _copy(package, read_manifest(package), incoming)
-        verify(incoming)
-        _put_plugin_beside_engine(incoming)
-        shutil.copy2(os.path.join(incoming, DESCRIPTION), os.path.join(modules, "." + DESCRIPTION))
+        _prepare(package, incoming, earlier)
+        shutil.copy2(os.path.join(incoming, DESCRIPTION), waiting)
         if os.path.isdir(final):
             os.rename(final, previous)
         os.rename(incoming, final)
         placed = True
-        os.replace(os.path.join(modules, "." + DESCRIPTION), os.path.join(modules, DESCRIPTION))
+        os.replace(waiting, os.path.join(modules, DESCRIPTION))
     except BaseException:
         if placed:
-            _remove(final)
+            os.rename(final, incoming)
         _recover(modules)
         raise
-    _remove(previous)
+
+
+def install(package, modules):
+    """Installs the package in the folder `package` among `modules`; makes that folder where it is missing.
+
+    Gives a sentence for each thing that had to be left; the installation is whole all the same.
+    """
+    check_package(package)
+    if not os.path.isdir(modules):
+        os.makedirs(modules)
+    _recover(modules)
+    final = os.path.join(modules, FOLDER)
+    _check_ours(final)
+    known = _known_plugins(final)
+    _put_in_place(package, modules, known)
+    source = os.path.join(final, PLUGIN_SOURCE)
+    known.add(digest(source))
+    left = _treat_copies(modules, known, lambda copy: _replace(source, copy))
+    return left + other_descriptions(modules) + _clean(modules)
 
 
 def uninstall(modules):
     """Takes everything away that `install` made, and what the engine copied into Maya's plug-in folders.
 
-    False if nothing was installed. The user's preferences stay.
+    None if nothing was installed, else a sentence for each thing that had to be left. The user's preferences stay.
     """
-    final, removed = os.path.join(modules, FOLDER), os.path.join(modules, REMOVED)
+    final, description = os.path.join(modules, FOLDER), os.path.join(modules, DESCRIPTION)
     _recover(modules)
-    if not os.path.isdir(final) and not os.path.isfile(os.path.join(modules, DESCRIPTION)):
-        return False
-    _remove(os.path.join(modules, DESCRIPTION))  # First: from here on Maya does not look into the folder.
-    plugin = os.path.join(final, PLUGIN_SOURCE)
-    known = digest(plugin) if os.path.isfile(plugin) else None
-    for copy in glob.glob(os.path.join(os.path.dirname(os.path.abspath(modules)), "*", "plug-ins", PLUGIN)):
-        if digest(copy) == known:  # One that somebody has changed is not ours to delete.
-            os.remove(copy)
+    if not os.path.lexists(final) and not os.path.lexists(description):
+        return None
+    _check_ours(final)
+    if os.path.lexists(description):
+        os.remove(description)  # First: from here on Maya does not look into the folder.
+    left = _treat_copies(modules, _known_plugins(final), os.remove)
     if os.path.isdir(final):
-        os.rename(final, removed)
-        _remove(removed)
-    return True
+        os.rename(final, os.path.join(tempfile.mkdtemp(prefix=RUBBISH, dir=modules), FOLDER))
+    return left + _clean(modules)
+
+
+# For people -----------------------------------------------------------------------------------------------------------
 
 
 def onMayaDroppedPythonFile(*_ignored):
     """Maya calls this when the file is dropped into a viewport."""
     import maya.cmds as cmds
 
-    def tell(text):
-        cmds.confirmDialog(title="Vantorelix", message=text, button=["OK"])
+    def tell(text, left=()):
+        cmds.confirmDialog(title="Vantorelix", message="\n".join([text] + list(left)), button=["OK"])
 
     try:
+        check_python()
         modules = os.path.join(cmds.internalVar(userAppDir=True), "modules")
         choice = cmds.confirmDialog(title="Vantorelix", message="Install Vantorelix into {0}?".format(modules),
                                     button=["Install", "Uninstall", "Cancel"], defaultButton="Install",
                                     cancelButton="Cancel", dismissString="Cancel")
         if choice == "Install":
-            install(os.path.dirname(os.path.abspath(__file__)), modules)
-            tell("Vantorelix is installed. Start Maya again to use it.")
+            left = install(os.path.dirname(os.path.abspath(__file__)), modules)
+            tell("Vantorelix is installed. Start Maya again to use it.", left)
         elif choice == "Uninstall":
-            tell("Vantorelix is removed. It stays in this Maya until you start Maya again." if uninstall(modules)
-                 else "Vantorelix was not installed.")
+            left = uninstall(modules)
+            if left is None:
+                tell("Vantorelix was not installed.")
+            else:
+                tell("Vantorelix is removed. It stays in this Maya until you start Maya again.", left)
     except Exception as error:
         tell("That did not work:\n{0}".format(error))
     finally:
         sys.modules.pop(__name__, None)  # So that a newer installer, dropped later, is not taken for this one.
+
+
+def run(chosen):
+    """What the command line asks for: (what went well, what had to be left)."""
+    check_python()
+    if chosen.uninstall:
+        left = uninstall(chosen.modules)
+        return ("Vantorelix was not installed.", []) if left is None else ("Removed.", left)
+    if chosen.verify:
+        return "{0} files are as they should be.".format(verify(chosen.modules)), []
+    return "Installed.", install(os.path.dirname(os.path.abspath(__file__)), chosen.modules)
 
 
 def main(arguments):
@@ -178,18 +386,17 @@ def main(arguments):
     parser.add_argument("modules", metavar="MODULES", help="Maya's folder of modules, such as ~/maya/modules")
     what = parser.add_mutually_exclusive_group()
     what.add_argument("--uninstall", action="store_true", help="take Vantorelix away again")
-    what.add_argument("--verify", action="store_true", help="check what is installed")
+    what.add_argument("--verify", action="store_true", help="check what is installed, and what Maya reads beside it")
+    parser.add_argument("--quiet", action="store_true", help="say nothing of what went well")
     chosen = parser.parse_args(arguments)
     try:
-        if chosen.uninstall:
-            print("Removed." if uninstall(chosen.modules) else "Vantorelix was not installed.")
-        elif chosen.verify:
-            print("{0} files are as they should be.".format(len(verify(os.path.join(chosen.modules, FOLDER)))))
-        else:
-            install(os.path.dirname(os.path.abspath(__file__)), chosen.modules)
-            print("Installed.")
+        done, left = run(chosen)
     except (InstallError, OSError) as error:
         sys.exit("install_vantorelix: {0}".format(error))
+    if not chosen.quiet:
+        print(done)
+    for sentence in left:
+        sys.stderr.write(sentence + "\n")
 
 
 if __name__ == "__main__":

@@ -1,85 +1,25 @@
-"""Installing into Maya's folder of modules, checking, replacing, taking away, and failing at each step."""
+"""Installing into Maya's folder of modules, replacing, taking away, and failing at each step."""
 
-import hashlib
-import importlib.util
+import contextlib
+import glob
 import json
 import os
 import re
 import shutil
 import subprocess
 import sys
-import tempfile
 import types
 import unittest
 from unittest import mock
 
-CHECKOUT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-PACKAGE = os.path.join(CHECKOUT, "maya", "package")
-INSTALLER = os.path.join(PACKAGE, "install_vantorelix.py")
-PLUGIN = "contents/plug-ins/Vantorelix_plugin.py"
-
-
-def load_installer():
-    description = importlib.util.spec_from_file_location("install_vantorelix", INSTALLER)
-    module = importlib.util.module_from_spec(description)
-    description.loader.exec_module(module)
-    return module
-
-
-def write(path, text):
-    folder = os.path.dirname(path)
-    if not os.path.isdir(folder):
-        os.makedirs(folder)
-    with open(path, "w") as file:
-        file.write(text)
-
-
-def read(path):
-    with open(path) as file:
-        return file.read()
-
-
-def tree(folder):
-    """Every file below `folder` with what it holds."""
-    return {os.path.relpath(os.path.join(above, name), folder): read(os.path.join(above, name))
-            for above, _, names in os.walk(folder) for name in names}
-
-
-class InstallerTest(unittest.TestCase):
-    def setUp(self):
-        self.folder = tempfile.mkdtemp()
-        self.addCleanup(shutil.rmtree, self.folder)
-        self.installer = load_installer()
-        self.modules = os.path.join(self.folder, "maya", "modules")
-        self.installed = os.path.join(self.modules, "vantorelix")
-        self.package = self.make_package("1")
-
-    def make_package(self, version):
-        package = os.path.join(self.folder, "vantorelix-" + version)
-        files = {"contents/python-3.7/_vantorelix.so": "binary " + version,
-                 "contents/python-3.7/Vantorelix_engine.py": "engine " + version,
-                 "contents/python-3.11/Vantorelix_engine.py": "engine " + version,
-                 PLUGIN: "plugin " + version}
-        for name in ("install_vantorelix.py", "Vantorelix.mod"):
-            files[name] = read(os.path.join(PACKAGE, name))
-        for path, text in files.items():
-            write(os.path.join(package, path), text)
-        write(os.path.join(package, "manifest.json"),
-              json.dumps({path: hashlib.sha256(text.encode()).hexdigest() for path, text in files.items()}))
-        return package
-
-    def install(self, package=None):
-        self.installer.install(package or self.package, self.modules)
-
-    def engine(self):
-        return read(os.path.join(self.installed, "contents", "python-3.7", "Vantorelix_engine.py"))
+from installer_case import CHECKOUT, PACKAGE, PLUGIN, InstallerTest, read, tree, write
 
 
 class Installing(InstallerTest):
     def test_every_file_arrives_and_nothing_else_is_left_behind(self):
-        self.install()
+        self.assertEqual(self.install(), [])
         self.assertEqual(sorted(os.listdir(self.modules)), ["Vantorelix.mod", "vantorelix"])
-        wanted = tree(self.package)
+        wanted = dict(tree(self.package), **{"earlier-plugins.json": "[]"})
         for python in ("python-3.7", "python-3.11"):
             wanted[os.path.join("contents", python, "Vantorelix_plugin.py")] = "plugin 1"
         self.assertEqual(tree(self.installed), wanted)
@@ -96,7 +36,7 @@ class Installing(InstallerTest):
         manifest = json.loads(read(os.path.join(newer, "manifest.json")))
         del manifest["contents/python-3.11/Vantorelix_engine.py"]
         write(os.path.join(newer, "manifest.json"), json.dumps(manifest))
-        self.install(newer)
+        self.assertEqual(self.install(newer), [])
         self.assertEqual(self.engine(), "engine 2")
         self.assertFalse(os.path.exists(os.path.join(self.installed, "contents", "python-3.11")))
         self.assertEqual(sorted(os.listdir(self.modules)), ["Vantorelix.mod", "vantorelix"])
@@ -105,6 +45,15 @@ class Installing(InstallerTest):
         self.install()
         self.install(self.installed)
         self.assertEqual(self.engine(), "engine 1")
+
+    def test_everybody_can_read_it_who_can_read_the_folder_of_modules(self):
+        before = os.umask(0o022)
+        self.addCleanup(os.umask, before)
+        self.install()
+        for above, folders, names in os.walk(self.modules):
+            for name in folders + names:
+                mode = os.stat(os.path.join(above, name)).st_mode
+                self.assertEqual(mode & 0o044, 0o044, name)
 
     def test_the_installed_plugin_is_newer_than_copies_that_the_engine_made_of_an_older_one(self):
         plugin = os.path.join(self.package, PLUGIN)
@@ -116,6 +65,7 @@ class Installing(InstallerTest):
     def test_a_folder_of_somebody_else_is_left_alone(self):
         write(os.path.join(self.installed, "theirs.txt"), "theirs")
         self.assertRaises(self.installer.InstallError, self.install)
+        self.assertRaises(self.installer.InstallError, self.installer.uninstall, self.modules)
         self.assertEqual(tree(self.modules), {os.path.join("vantorelix", "theirs.txt"): "theirs"})
 
 
@@ -132,9 +82,20 @@ class Damage(InstallerTest):
         os.remove(os.path.join(self.package, PLUGIN))
         self.expect_refused("cannot be read")
 
+    def test_every_file_that_is_not_what_it_was_is_named(self):
+        write(os.path.join(self.package, PLUGIN), "changed")
+        os.remove(os.path.join(self.package, "contents", "python-3.11", "Vantorelix_engine.py"))
+        write(os.path.join(self.package, "Vantorelix.mod"), "changed")
+        self.expect_refused(r"(?s)Vantorelix.mod is damaged.*Vantorelix_plugin.py is damaged.*"
+                            r"python-3.11/Vantorelix_engine.py cannot be read.*Unpack the package again")
+
     def test_a_package_without_its_list_is_refused(self):
         os.remove(os.path.join(self.package, "manifest.json"))
         self.expect_refused("no list")
+
+    def test_a_list_of_something_else_is_refused(self):
+        write(os.path.join(self.package, "manifest.json"), json.dumps([PLUGIN, "Vantorelix.mod"]))
+        self.expect_refused("not one of Vantorelix")
 
     def test_paths_out_of_the_package_are_refused(self):
         for path in ("../elsewhere", os.path.abspath(os.sep + "elsewhere"), "contents/../../elsewhere",
@@ -142,95 +103,184 @@ class Damage(InstallerTest):
             write(os.path.join(self.package, "manifest.json"), json.dumps({path: "00"}))
             self.expect_refused("outside")
 
-    def test_an_installation_is_checked_likewise(self):
-        self.install()
-        self.assertEqual(len(self.installer.verify(self.installed)), 6)
-        write(os.path.join(self.installed, PLUGIN), "changed")
-        self.assertRaises(self.installer.InstallError, self.installer.verify, self.installed)
 
+class Interrupting(InstallerTest):
+    """What an installation does one by one, stopped before each in turn."""
 
-class Failing(InstallerTest):
-    """Whatever step fails, what was there before is there again, and the next try succeeds."""
+    STEPS = (("shutil", "copy2"), ("os", "rename"), ("os", "replace"), ("os", "utime"), ("os", "makedirs"),
+             ("tempfile", "mkdtemp"), ("json", "dump"))
 
-    STEPS = (("shutil", "copy2"), ("os", "rename"), ("os", "replace"), ("os", "utime"), ("os", "makedirs"))
+    def stopping_at(self, module, name, count, stop):
+        """The function, calling `stop` before its call `count`, counted from 1; and the list of its calls."""
+        real, calls = getattr(getattr(self.installer, module), name), []
 
-    def failing_at(self, module, name, count):
-        """The function, raising at its call `count`, counted from 1; and a list that is empty until it did."""
-        real, calls, raised = getattr(getattr(self.installer, module), name), [], []
-
-        def fail(*args, **kwargs):
+        def call(*args, **kwargs):
             calls.append(args)
             if len(calls) == count:
-                raised.append(True)
-                raise OSError("the disk is full")
+                stop()
             return real(*args, **kwargs)
-        return mock.patch.object(getattr(self.installer, module), name, fail), raised
+        return mock.patch.object(getattr(self.installer, module), name, call), calls
+
+    def each_step(self, prepare):
+        """Every (module, function, number of its call) of installing version 2 over what `prepare` makes."""
+        self.start_again(prepare)
+        counts = []
+        with contextlib.ExitStack() as patches:
+            for module, name in self.STEPS:
+                patch, calls = self.stopping_at(module, name, 0, None)
+                patches.enter_context(patch)
+                counts.append(calls)
+            self.install(self.newer)
+        for (module, name), calls in zip(self.STEPS, counts):
+            for count in range(1, len(calls) + 1):
+                self.start_again(prepare)
+                yield module, name, count
+
+    def start_again(self, prepare):
+        shutil.rmtree(self.maya, ignore_errors=True)
+        prepare()
+
+    def setUp(self):
+        super(Interrupting, self).setUp()
+        self.newer = self.make_package("2")
+
+    def version(self):
+        """The version that is there as a whole; None where there is none."""
+        if not os.path.exists(os.path.join(self.modules, "Vantorelix.mod")):
+            return None
+        self.assertGreater(self.installer.verify(self.modules), 6)
+        engine, description = self.engine(), read(os.path.join(self.modules, "Vantorelix.mod"))
+        self.assertEqual(engine[-1], description[-1])
+        return engine[-1]
+
+    def assert_no_file_but_the_description(self):
+        files = [name for name in os.listdir(self.modules) if os.path.isfile(os.path.join(self.modules, name))]
+        self.assertLessEqual(set(files), {"Vantorelix.mod"})
+
+
+def fail():
+    raise OSError(28, "the disk is full")
+
+
+class Failing(Interrupting):
+    """Whatever step fails, what was there before is there again; or the new version is, and nothing was raised."""
 
     def sweep(self, prepare):
-        """Fails at each call of each step in turn; afterwards all must be as `prepare` left it."""
-        failures, package = 0, self.make_package("2")
-        for module, name in self.STEPS:
-            count, raised = 0, [True]
-            while raised:
-                shutil.rmtree(os.path.join(self.folder, "maya"), ignore_errors=True)
-                prepare()
-                before = tree(self.modules)
-                count += 1
-                patch, raised = self.failing_at(module, name, count)
-                with patch:
-                    try:
-                        self.install(package)
-                    except OSError:
-                        self.assertTrue(raised)
-                if raised:
-                    failures += 1
-                    self.assertEqual(tree(self.modules), before, "{0}.{1}".format(module, name))
+        outcomes = []
+        for module, name, count in self.each_step(prepare):
+            before = tree(self.modules)
+            patch, calls = self.stopping_at(module, name, count, fail)
+            with patch:
+                try:
+                    left = self.install(self.newer)
+                except OSError:
+                    outcomes.append("failed")
+                    self.assertEqual(tree(self.modules), before, (module, name, count))
                     self.assertLessEqual(set(os.listdir(self.modules)), {"Vantorelix.mod", "vantorelix"})
-        return failures
+                else:
+                    outcomes.append("succeeded")
+                    self.assertEqual(self.version(), "2")
+                    self.assertEqual(len(left), 1, (module, name, count))
+            self.assertGreaterEqual(len(calls), count)
+            self.assert_no_file_but_the_description()
+            self.assertEqual(self.install(self.newer), [])
+            self.assertEqual(sorted(os.listdir(self.modules)), ["Vantorelix.mod", "vantorelix"])
+        return outcomes
 
     def test_the_earlier_version_is_whole_again(self):
-        self.assertGreater(self.sweep(self.install), 15)
+        outcomes = self.sweep(self.install)
+        self.assertGreater(outcomes.count("failed"), 15)
+        self.assertGreater(outcomes.count("succeeded"), 0)
 
     def test_a_first_installation_leaves_nothing_for_maya_to_find(self):
-        self.assertGreater(self.sweep(lambda: os.makedirs(self.modules)), 15)
+        self.assertGreater(self.sweep(lambda: os.makedirs(self.modules)).count("failed"), 15)
 
-    def test_an_installation_that_was_killed_between_its_renames_is_mended_by_the_next(self):
+    def test_an_old_version_that_cannot_be_deleted_is_named_and_the_new_one_is_installed(self):
         self.install()
-        os.rename(self.installed, os.path.join(self.modules, ".vantorelix-previous"))
-        write(os.path.join(self.modules, ".vantorelix-incoming", "half"), "half")
-        broken = self.make_package("3")
-        write(os.path.join(broken, PLUGIN), "damaged")
-        self.assertRaises(self.installer.InstallError, self.install, broken)
-        self.assertTrue(self.installer.uninstall(self.modules))
+        with mock.patch.object(self.installer.shutil, "rmtree", side_effect=OSError(39, "Directory not empty")):
+            told, = self.install(self.newer)
+            self.assertEqual(self.version(), "2")
+            rubbish, = glob.glob(os.path.join(self.modules, ".vantorelix-*"))
+            self.assertIn(rubbish + " is not needed any more but could not be deleted: Directory not empty.", told)
+            self.assertEqual(len(self.install(self.make_package("3"))), 2)
+        self.assertEqual(self.install(self.newer), [])
+        self.assertEqual(sorted(os.listdir(self.modules)), ["Vantorelix.mod", "vantorelix"])
+
+    def test_an_old_version_that_is_half_deleted_is_none_to_go_back_to(self):
+        self.install()
+        with mock.patch.object(self.installer.shutil, "rmtree", side_effect=OSError(39, "Directory not empty")):
+            self.install(self.newer)
+        shutil.rmtree(self.installed)
+        self.installer.uninstall(self.modules)
         self.assertEqual(os.listdir(self.modules), [])
 
-    def test_after_a_kill_the_previous_version_is_put_back_before_anything_else(self):
+
+@unittest.skipUnless(hasattr(os, "fork"), "this system has no fork")
+class Killed(Interrupting):
+    def kill_at(self, module, name, count):
+        child = os.fork()
+        if not child:
+            with self.stopping_at(module, name, count, lambda: os._exit(9))[0]:
+                try:
+                    self.install(self.newer)
+                finally:
+                    os._exit(0)
+        return os.waitpid(child, 0)[1] >> 8
+
+    def sweep(self, prepare, versions):
+        """What the next installer finds is one of `versions` as a whole."""
+        found = []
+        for module, name, count in self.each_step(prepare):
+            self.assertEqual(self.kill_at(module, name, count), 9)
+            self.assert_no_file_but_the_description()
+            self.installer._recover(self.modules)
+            found.append(self.version())
+            self.assertLessEqual(set(os.listdir(self.modules)), {"Vantorelix.mod", "vantorelix"})
+        self.assertEqual(set(found), set(versions))
+        self.assertGreater(len(found), 15)
+
+    def test_an_upgrade_leaves_the_old_version_or_the_new_one(self):
+        self.sweep(self.install, "12")
+
+    def test_a_first_installation_leaves_nothing_or_all(self):
+        self.sweep(lambda: os.makedirs(self.modules), [None, "2"])
+
+    def test_the_next_installation_or_removal_goes_through(self):
+        for module, name, count in self.each_step(self.install):
+            self.kill_at(module, name, count)
+            self.install(self.newer)
+            self.assertEqual(self.version(), "2")
+            self.assertEqual(sorted(os.listdir(self.modules)), ["Vantorelix.mod", "vantorelix"])
+        for module, name, count in self.each_step(self.install):
+            self.kill_at(module, name, count)
+            self.assertEqual(self.installer.uninstall(self.modules), [])
+            self.assertEqual(os.listdir(self.modules), [])
+
+    def test_checking_tells_of_an_interruption(self):
         self.install()
-        os.rename(self.installed, os.path.join(self.modules, ".vantorelix-previous"))
-        patch, _ = self.failing_at("shutil", "copy2", 1)
-        with patch:
-            self.assertRaises(OSError, self.install, self.make_package("2"))
-        self.assertEqual(self.engine(), "engine 1")
+        self.assertEqual(self.kill_at("os", "rename", 2), 9)
+        self.assertRaisesRegex(self.installer.InstallError, "not installed in .* left of an interrupted installation",
+                               self.installer.verify, self.modules)
 
 
 class Removing(InstallerTest):
     def test_everything_goes_and_the_rest_stays(self):
         write(os.path.join(self.modules, "Other.mod"), "theirs")
         self.install()
-        self.assertTrue(self.installer.uninstall(self.modules))
+        self.assertEqual(self.installer.uninstall(self.modules), [])
         self.assertEqual(tree(self.modules), {"Other.mod": "theirs"})
 
-    def test_copies_of_the_plugin_go_along_but_not_one_that_was_changed(self):
+    def test_what_cannot_be_deleted_is_named_and_maya_does_not_look_into_it(self):
         self.install()
-        copies = [os.path.join(self.folder, "maya", version, "plug-ins", "Vantorelix_plugin.py")
-                  for version in ("2022", "2025")]
-        write(copies[0], "plugin 1")
-        write(copies[1], "plugin of my own")
-        self.installer.uninstall(self.modules)
-        self.assertEqual([os.path.exists(copy) for copy in copies], [False, True])
+        with mock.patch.object(self.installer.shutil, "rmtree", side_effect=OSError(39, "Directory not empty")):
+            told, = self.installer.uninstall(self.modules)
+        rubbish, = os.listdir(self.modules)
+        self.assertIn(os.path.join(self.modules, rubbish), told)
+        self.assertIsNone(self.installer.uninstall(self.modules))
+        self.assertEqual(os.listdir(self.modules), [])
 
     def test_nothing_installed_is_told(self):
-        self.assertFalse(self.installer.uninstall(self.modules))
+        self.assertIsNone(self.installer.uninstall(self.modules))
 
 
 class Dropped(InstallerTest):
@@ -269,19 +319,33 @@ class Dropped(InstallerTest):
 
 
 class CommandLine(InstallerTest):
-    def run_installer(self, *arguments):
-        script = os.path.join(self.package, "install_vantorelix.py")
-        done = subprocess.run([sys.executable, script] + list(arguments), stdout=subprocess.PIPE,
-                              stderr=subprocess.STDOUT, universal_newlines=True)
-        return done.returncode, done.stdout.strip()
-
     def test_installs_verifies_and_uninstalls(self):
-        self.assertEqual(self.run_installer(self.modules), (0, "Installed."))
-        self.assertEqual(self.run_installer("--verify", self.modules), (0, "6 files are as they should be."))
-        self.assertEqual(self.run_installer("--uninstall", self.modules), (0, "Removed."))
-        code, told = self.run_installer("--verify", self.modules)
+        self.assertEqual(self.run_installer(self.modules), (0, "Installed.", ""))
+        self.assertEqual(self.run_installer("--verify", self.modules), (0, "9 files are as they should be.", ""))
+        self.assertEqual(self.run_installer("--uninstall", self.modules), (0, "Removed.", ""))
+        self.assertEqual(self.run_installer("--uninstall", self.modules), (0, "Vantorelix was not installed.", ""))
+        code, _, told = self.run_installer("--verify", self.modules)
         self.assertEqual(code, 1)
-        self.assertIn("no list of its files", told)
+        self.assertIn("not installed", told)
+
+    def test_quiet_is_silent_about_what_went_well_only(self):
+        self.assertEqual(self.run_installer("--quiet", self.modules), (0, "", ""))
+        self.assertEqual(self.run_installer("--quiet", "--verify", self.modules), (0, "", ""))
+        copy = self.copy_of_plugin("2025", "changed")
+        code, said, told = self.run_installer("--quiet", self.modules)
+        self.assertEqual((code, said), (0, ""))
+        self.assertIn(copy + " was left", told)
+        code, said, told = self.run_installer("--quiet", "--verify", self.modules)
+        self.assertEqual((code, said), (1, ""))
+        self.assertIn(copy, told)
+
+    def test_a_failure_and_wrong_arguments_have_exit_codes_of_their_own(self):
+        write(os.path.join(self.package, PLUGIN), "changed")
+        code, _, told = self.run_installer(self.modules)
+        self.assertEqual(code, 1)
+        self.assertIn("Vantorelix_plugin.py is damaged", told)
+        self.assertEqual(self.run_installer()[0], 2)
+        self.assertEqual(self.run_installer("--uninstall", "--verify", self.modules)[0], 2)
 
 
 @unittest.skipUnless("VANTORELIX_MODULE" in os.environ and "VANTORELIX_HOST" in os.environ,
@@ -310,7 +374,9 @@ print(Vantorelix.__file__)
         companion, python = os.path.join(CHECKOUT, "maya", "companion"), os.path.join(package, "contents", self.PYTHON)
         shutil.rmtree(os.path.join(package, "contents"))
         shutil.copytree(os.environ["VANTORELIX_MODULE"], python, ignore=shutil.ignore_patterns("__pycache__"))
-        shutil.copy2(os.path.join(companion, "Vantorelix.py"), python)
+        for path in glob.glob(os.path.join(companion, "*.py")):
+            shutil.copy2(path, python)
+        os.remove(os.path.join(python, "Vantorelix_plugin.py"))
         os.makedirs(os.path.dirname(os.path.join(package, PLUGIN)))
         shutil.copy2(os.path.join(companion, "Vantorelix_plugin.py"), os.path.join(package, PLUGIN))
         os.remove(os.path.join(package, "manifest.json"))
@@ -321,7 +387,7 @@ print(Vantorelix.__file__)
 
     def test_an_animator_s_first_trail_loads_the_plugin_from_the_installation(self):
         self.install()
-        maya = os.path.dirname(self.modules)
+        maya = self.maya
         folder = os.path.join(self.installed, "contents", self.PYTHON)
         paths = [folder, os.path.abspath(os.environ["VANTORELIX_HOST"])]
         environment = dict(os.environ, PYTHONPATH=os.pathsep.join(paths))
@@ -332,7 +398,7 @@ print(Vantorelix.__file__)
         plugin, count, front = done.stdout.strip().splitlines()[-3:]
         self.assertEqual((count, front), ("1", os.path.join(folder, "Vantorelix.py")))
         self.assertTrue(os.path.samefile(os.path.dirname(os.path.dirname(os.path.dirname(plugin))), maya), plugin)
-        self.assertTrue(self.installer.uninstall(self.modules))
+        self.assertEqual(self.installer.uninstall(self.modules), [])
         self.assertFalse(os.path.exists(plugin))
 
 
