@@ -7,6 +7,11 @@ what the override's draw manager offers; a geometry override would need shaders 
 The trail is drawn in the node's own space, so it moves along when somebody moves the group of the trails.
 """
 
+import sys
+
+if sys.version_info[0] < 3:
+    raise ImportError("Vantorelix needs Python 3; start Maya 2022 without MAYA_PYTHON_VERSION=2.")
+
 import contextlib
 import itertools
 import math

@@ -11,6 +11,10 @@ scene stay there, but no longer follow edits.
 
 import os
 import sys
+
+if sys.version_info[0] < 3:
+    raise ImportError("Vantorelix needs Python 3; start Maya 2022 without MAYA_PYTHON_VERSION=2.")
+
 import time
 from bisect import bisect_left, bisect_right
 
