@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Makes dist/vantorelix-<version>-linux-x86_64.zip: the module for every CPython found, with all that goes into Maya.
 
-The modules are compiled by zig (tools/zig.txt), so that they load on older Linux than this one; see cmake/zig.cmake.
+The modules are compiled by zig (tools/package.txt), so that they load on older Linux than this one: cmake/zig.cmake. With
+them go the manual, which is made of pages of docs, and the licences of what zig links into them.
 """
 
 import argparse
@@ -14,32 +15,50 @@ import subprocess
 import sys
 import zipfile
 
+import manual
 import pypi
 import pythons
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 BUILD = os.path.join(ROOT, "build", "package")
+TOOLS = os.path.join(BUILD, "tools")  # an environment for what comes from PyPI
 PLUGIN = "Vantorelix_plugin.py"
+DESCRIPTION = os.path.join("maya", "package", "Vantorelix.mod")
+# Where the version stands.
+VERSIONS = {"CMakeLists.txt": r"project\(vantorelix VERSION ([\d.]+)",
+            DESCRIPTION: r"^\+ .*\bVantorelix (\S+) ",
+            os.path.join("maya", "companion", PLUGIN): r'^VERSION = "(.*)"'}
+PAGES = ("maya.md", "studio.md")
+# What zig links into a module: the licence in the package, and where zig has it.
+LICENCES = {"libc++": "libcxx/LICENSE.TXT", "libc++abi": "libcxxabi/LICENSE.TXT", "libunwind": "libunwind/LICENSE.TXT",
+            "zig": "../LICENSE", "glibc": "libc/glibc/LICENSES"}
+
+
+def read(path):
+    with open(os.path.join(ROOT, path), encoding="utf-8") as file:
+        return file.read()
 
 
 def project_version():
-    with open(os.path.join(ROOT, "CMakeLists.txt"), encoding="utf-8") as file:
-        return re.search(r"project\(vantorelix VERSION ([\d.]+)", file.read()).group(1)
+    """The version, which stands in several files; ends the program where they differ."""
+    stated = {path: sorted(set(re.findall(pattern, read(path), re.MULTILINE))) for path, pattern in VERSIONS.items()}
+    if len({version for found in stated.values() for version in found}) != 1 or not all(stated.values()):
+        sys.exit("package: the versions differ; make them one: " + ", ".join(
+            "%s has %s" % (path, " and ".join(found) or "none") for path, found in stated.items()))
+    return stated["CMakeLists.txt"][0]
 
 
 def required():
-    """The versions that Maya is told of."""
-    with open(os.path.join(ROOT, "maya", "package", "Vantorelix.mod"), encoding="utf-8") as file:
-        return sorted({tuple(map(int, v)) for v in re.findall(r"PYTHONPATH\+:=python-(\d+)\.(\d+)", file.read())})
+    """The versions of Python that Maya is told of."""
+    return sorted({tuple(map(int, v)) for v in re.findall(r"PYTHONPATH\+:=python-(\d+)\.(\d+)", read(DESCRIPTION))})
 
 
 def compiler():
     """The path of zig, installed if need be; None, and why on standard error, where that does not work."""
-    folder = os.path.join(BUILD, "zig")
     question = "import os, ziglang; print(os.path.join(os.path.dirname(ziglang.__file__), 'zig'))"
     try:
-        pypi.pip(folder, "install", os.path.join(ROOT, "tools", "zig.txt"))
-        return subprocess.run([pypi.interpreter(folder), "-c", question], check=True, stdout=subprocess.PIPE,
+        pypi.pip(TOOLS, "install", os.path.join(ROOT, "tools", "package.txt"))
+        return subprocess.run([pypi.interpreter(TOOLS), "-c", question], check=True, stdout=subprocess.PIPE,
                               universal_newlines=True).stdout.strip()
     except (OSError, subprocess.CalledProcessError) as error:
         print("package: THE COMPILER CANNOT BE FETCHED, SO THERE IS NO PACKAGE: %s" % error, file=sys.stderr)
@@ -68,15 +87,31 @@ def only(pattern):
     return found[0]
 
 
-def contents(versions):
-    """{path in the package: the file that goes there}."""
+def licences(zig):
+    """{path in the package: the file} of our licence, if there is one, and of those of what is linked in."""
+    library = os.path.join(os.path.dirname(zig), "lib")
+    files = {"licences/%s.txt" % name: os.path.join(library, path) for name, path in LICENCES.items()}
+    files["licences/README.txt"] = os.path.join(ROOT, "maya", "package", "licences.txt")
+    files.update((os.path.basename(path), path) for path in glob.glob(os.path.join(ROOT, "LICENSE*")))
+    return files
+
+
+def pages():
+    """{path in the package: the file} of the manual."""
+    files = manual.write(pypi.interpreter(TOOLS), os.path.join(ROOT, "docs"), PAGES, os.path.join(BUILD, "manual"))
+    return {"manual/" + name: path for name, path in files.items()}
+
+
+def modules(versions):
+    """{path in the package: the file} of what Maya reads, and of the installer."""
     companions = glob.glob(os.path.join(ROOT, "maya", "companion", "*.py"))
     files = {"contents/plug-ins/" + PLUGIN: os.path.join(ROOT, "maya", "companion", PLUGIN)}
     for name in ("Vantorelix.mod", "install_vantorelix.py"):
         files[name] = os.path.join(ROOT, "maya", "package", name)
     for version in versions:
         module = os.path.join(BUILD, "module-%d.%d" % version)
-        parts = [only(os.path.join(module, "_vantorelix*.so")), os.path.join(module, "Vantorelix_engine.py")]
+        parts = [only(os.path.join(module, "_vantorelix*.so"))]
+        parts += [os.path.join(module, "Vantorelix_engine." + kind) for kind in ("py", "pyi")]
         for part in parts + [path for path in companions if os.path.basename(path) != PLUGIN]:
             files["contents/python-%d.%d/%s" % (version + (os.path.basename(part),))] = part
     return files
@@ -104,7 +139,11 @@ def main(arguments):
     parser.add_argument("--dist", default=os.path.join(ROOT, "dist"), help="the folder of the package")
     parser.add_argument("--partial", action="store_true", help="go on where a version that Maya needs is missing")
     parser.add_argument("--compiler", action="store_true", help="only fetch the compiler")
+    parser.add_argument("--pythons", action="store_true", help="only print the versions of Python that Maya needs")
     options = parser.parse_args(arguments)
+    if options.pythons:
+        print(" ".join("%d.%d" % version for version in required()))
+        return 0
     interpreters, _ = pythons.interpreters()
     missing = ", ".join("%d.%d" % v for v in required() if v not in interpreters)
     if missing and not options.compiler:
@@ -114,10 +153,12 @@ def main(arguments):
     zig = compiler()
     if not zig or options.compiler:
         return 0 if zig else 1
-    compile_modules(zig, interpreters)
     top = "vantorelix-" + project_version()
+    files = dict(pages(), **licences(zig))
+    compile_modules(zig, interpreters)
+    files.update(modules(sorted(interpreters)))
     path = os.path.join(options.dist, top + "-linux-x86_64.zip")
-    write_package(path, top, contents(sorted(interpreters)))
+    write_package(path, top, files)
     print("%s: %d bytes" % (os.path.relpath(path), os.path.getsize(path)))
     return 0
 

@@ -15,3 +15,6 @@ PYTHONPATH+:=python-3.11
 
 + MAYAVERSION:2026 PLATFORM:linux Vantorelix 1.4.0 ./vantorelix/contents
 PYTHONPATH+:=python-3.11
+
++ MAYAVERSION:2027 PLATFORM:linux Vantorelix 1.4.0 ./vantorelix/contents
+PYTHONPATH+:=python-3.13

@@ -1,5 +1,6 @@
 """What the tests of the installer share: made-up packages, and a folder of Maya that is not the user's."""
 
+import glob
 import hashlib
 import importlib.util
 import json
@@ -90,3 +91,27 @@ class InstallerTest(unittest.TestCase):
         done = subprocess.run([sys.executable, script] + list(arguments), stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                               universal_newlines=True)
         return done.returncode, done.stdout.strip(), done.stderr.strip()
+
+
+@unittest.skipUnless("VANTORELIX_MODULE" in os.environ and "VANTORELIX_HOST" in os.environ,
+                     "VANTORELIX_MODULE and VANTORELIX_HOST name no folders")
+class RealPackageTest(InstallerTest):
+    """A package of the module and of what lies beside it, for the interpreter that runs the test."""
+
+    PYTHON = "python-{0}.{1}".format(*sys.version_info[:2])
+
+    def make_package(self, version):
+        package = super(RealPackageTest, self).make_package(version)
+        companion, python = os.path.join(CHECKOUT, "maya", "companion"), os.path.join(package, "contents", self.PYTHON)
+        shutil.rmtree(os.path.join(package, "contents"))
+        shutil.copytree(os.environ["VANTORELIX_MODULE"], python, ignore=shutil.ignore_patterns("__pycache__"))
+        for path in glob.glob(os.path.join(companion, "*.py")):
+            shutil.copy2(path, python)
+        os.remove(os.path.join(python, "Vantorelix_plugin.py"))
+        os.makedirs(os.path.dirname(os.path.join(package, PLUGIN)))
+        shutil.copy2(os.path.join(companion, "Vantorelix_plugin.py"), os.path.join(package, PLUGIN))
+        os.remove(os.path.join(package, "manifest.json"))
+        files = {os.path.relpath(os.path.join(above, name), package).replace(os.sep, "/"): self.installer.digest(
+            os.path.join(above, name)) for above, _, names in os.walk(package) for name in names}
+        write(os.path.join(package, "manifest.json"), json.dumps(files))
+        return package

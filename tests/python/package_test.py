@@ -19,6 +19,7 @@ import zipfile
 import support
 import test_installer
 from elf import Library
+from installer_case import CHECKOUT
 from recording_maya import Maya
 
 PACKAGE = max(glob.glob(os.path.join(os.environ["VANTORELIX_PACKAGE"], "vantorelix-*-linux-x86_64.zip")),
@@ -63,7 +64,9 @@ class Contents(PackageTest):
         folder = TOP + "contents/" + THIS_VERSION + "/"
         modules = [name for name in self.names if re.match(re.escape(folder) + r"_vantorelix\.cpython-\w+-x86_64", name)]
         self.assertEqual(len(modules), 1)
-        for name in ("Vantorelix_engine.py", "Vantorelix.py"):
+        companions = {os.path.basename(path) for path in glob.glob(os.path.join(CHECKOUT, "maya", "companion", "*.py"))}
+        self.assertIn("Vantorelix.py", companions)
+        for name in companions - {"Vantorelix_plugin.py"} | {"Vantorelix_engine.py", "Vantorelix_engine.pyi"}:
             self.assertIn(folder + name, self.names)
 
     def test_each_python_that_the_description_names_is_there(self):
@@ -77,6 +80,31 @@ class Contents(PackageTest):
         others = [name for name in self.names if name != TOP + "manifest.json"]
         self.assertEqual(json.loads(self.zip.read(TOP + "manifest.json").decode()),
                          {name[len(TOP):]: hashlib.sha256(self.zip.read(name)).hexdigest() for name in others})
+
+
+    def test_the_manual_opens_from_disk_with_its_pictures(self):
+        pages = [name for name in self.names if name.endswith(".html")]
+        self.assertEqual(pages, [TOP + "manual/maya.html", TOP + "manual/studio.html"])
+        for name in pages:
+            text = self.zip.read(name).decode("utf-8")
+            self.assertIn("<table>", text)
+            for target in re.findall(r' (?:href|src)="([^"]*)"', text):
+                path, _, place = target.partition("#")
+                if path.startswith("https://"):
+                    continue
+                self.assertIn(TOP + "manual/" + path if path else name, self.names)
+                if place:
+                    page = self.zip.read(TOP + "manual/" + path if path else name).decode("utf-8")
+                    self.assertIn('id="%s"' % place, page)
+
+    def test_the_licences_of_what_is_linked_in_are_there(self):
+        listed = re.findall(r"\S+\.txt", self.zip.read(TOP + "licences/README.txt").decode())
+        folder = TOP + "licences/"
+        self.assertEqual(sorted(listed + ["README.txt"]),
+                         [name[len(folder):] for name in self.names if name.startswith(folder)])
+        for name, words in (("libc++", "LLVM Project"), ("libc++abi", "LLVM Project"), ("libunwind", "LLVM Project"),
+                            ("zig", "Zig contributors")):
+            self.assertIn(words, self.zip.read(folder + name + ".txt").decode("utf-8"))
 
 
 class Modules(PackageTest):
@@ -118,9 +146,12 @@ class InUse(PackageTest):
         package = self.unpack()
         installer, maya = os.path.join(package, "install_vantorelix.py"), os.path.join(package, "maya")
         modules = os.path.join(maya, "modules")
+        self.addCleanup(os.environ.pop, "MAYA_APP_DIR")
+        os.environ["MAYA_APP_DIR"] = maya
         self.assertEqual(self.run_python(installer, modules), ["Installed."])
+        plugins = len({os.path.dirname(name) for name in self.names if "/python-" in name})
         self.assertEqual(self.run_python(installer, "--verify", modules),
-                         ["%d files are as they should be." % (len(self.names) - 1)])
+                         ["%d files are as they should be." % (len(self.names) + plugins)])
         installed = os.path.join(modules, "vantorelix", "contents", THIS_VERSION)
         plugin, count, front = self.run_python(
             "-c", test_installer.RealFiles.SESSION, maya + "/",

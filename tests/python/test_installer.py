@@ -12,7 +12,7 @@ import types
 import unittest
 from unittest import mock
 
-from installer_case import CHECKOUT, PACKAGE, PLUGIN, InstallerTest, read, tree, write
+from installer_case import CHECKOUT, PACKAGE, PLUGIN, InstallerTest, RealPackageTest, read, tree, write
 
 
 class Installing(InstallerTest):
@@ -348,12 +348,9 @@ class CommandLine(InstallerTest):
         self.assertEqual(self.run_installer("--uninstall", "--verify", self.modules)[0], 2)
 
 
-@unittest.skipUnless("VANTORELIX_MODULE" in os.environ and "VANTORELIX_HOST" in os.environ,
-                     "VANTORELIX_MODULE and VANTORELIX_HOST name no folders")
-class RealFiles(InstallerTest):
-    """The module and what lies beside it, installed and used in an interpreter of its own."""
+class RealFiles(RealPackageTest):
+    """What an animator meets, in an interpreter of its own."""
 
-    PYTHON = "python-{0}.{1}".format(*sys.version_info[:2])
     SESSION = """
 import sys
 from maya import cmds, host
@@ -368,22 +365,6 @@ print(cmds.pluginInfo("Vantorelix_plugin", query=True, path=True))
 print(len(cmds.ls(type="vantorelix")))
 print(Vantorelix.__file__)
 """
-
-    def make_package(self, version):
-        package = super(RealFiles, self).make_package(version)
-        companion, python = os.path.join(CHECKOUT, "maya", "companion"), os.path.join(package, "contents", self.PYTHON)
-        shutil.rmtree(os.path.join(package, "contents"))
-        shutil.copytree(os.environ["VANTORELIX_MODULE"], python, ignore=shutil.ignore_patterns("__pycache__"))
-        for path in glob.glob(os.path.join(companion, "*.py")):
-            shutil.copy2(path, python)
-        os.remove(os.path.join(python, "Vantorelix_plugin.py"))
-        os.makedirs(os.path.dirname(os.path.join(package, PLUGIN)))
-        shutil.copy2(os.path.join(companion, "Vantorelix_plugin.py"), os.path.join(package, PLUGIN))
-        os.remove(os.path.join(package, "manifest.json"))
-        files = {os.path.relpath(os.path.join(above, name), package).replace(os.sep, "/"): self.installer.digest(
-            os.path.join(above, name)) for above, _, names in os.walk(package) for name in names}
-        write(os.path.join(package, "manifest.json"), json.dumps(files))
-        return package
 
     def test_an_animator_s_first_trail_loads_the_plugin_from_the_installation(self):
         self.install()
@@ -418,7 +399,8 @@ class Description(unittest.TestCase):
                 found[version] = path.group(1)
             else:
                 self.assertTrue(not line or line.startswith("//"), line)
-        self.assertEqual(found, {"2022": "3.7", "2023": "3.9", "2024": "3.10", "2025": "3.11", "2026": "3.11"})
+        self.assertEqual(found, {"2022": "3.7", "2023": "3.9", "2024": "3.10", "2025": "3.11", "2026": "3.11",
+                                 "2027": "3.13"})
 
 
 if __name__ == "__main__":

@@ -13,6 +13,7 @@ import zipfile
 from unittest import mock
 
 sys.path.insert(0, os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+import manual  # noqa: E402
 import package  # noqa: E402
 import pypi  # noqa: E402
 import pythons  # noqa: E402
@@ -57,6 +58,105 @@ class Zip(Package):
         self.assertRaises(SystemExit, package.only, os.path.join(self.folder, "*.so"))
 
 
+class Contents(Package):
+    def test_every_companion_but_the_plugin_goes_to_each_python(self):
+        for version in ("3.7", "3.11"):
+            module = os.path.join(self.folder, "module-" + version)
+            os.mkdir(module)
+            for name in ("_vantorelix.so", "Vantorelix_engine.py", "Vantorelix_engine.pyi"):
+                self.write(os.path.join(module, name), "")
+        with mock.patch.object(package, "BUILD", self.folder):
+            files = package.modules([(3, 7), (3, 11)])
+        companions = set(os.listdir(os.path.join(package.ROOT, "maya", "companion"))) - {"__pycache__"}
+        for version in ("3.7", "3.11"):
+            top = "contents/python-%s/" % version
+            self.assertEqual({path[len(top):] for path in files if path.startswith(top)},
+                             companions - {"Vantorelix_plugin.py"} | set(os.listdir(module)))
+        self.assertIn("contents/plug-ins/Vantorelix_plugin.py", files)
+
+    def test_our_licence_goes_along_if_there_is_one(self):
+        with mock.patch.object(package, "ROOT", self.folder):
+            self.assertNotIn("LICENSE", package.licences("zig/zig"))
+            ours = self.write("LICENSE", "ours")
+            files = package.licences("zig/zig")
+        self.assertEqual(files["LICENSE"], ours)
+        self.assertEqual(files["licences/libunwind.txt"], os.path.join("zig", "lib", "libunwind", "LICENSE.TXT"))
+
+
+class Versions(Package):
+    def check(self, **texts):
+        """What is said of a checkout where these files differ from ours; None when nothing is."""
+        files = {"CMakeLists": "project(vantorelix VERSION 1.5.0 LANGUAGES CXX)\n",
+                 "Vantorelix": "+ MAYAVERSION:2022 PLATFORM:linux Vantorelix 1.5.0 ./x\n\n"
+                               "+ MAYAVERSION:2023 PLATFORM:linux Vantorelix 1.5.0 ./x\n",
+                 "Vantorelix_plugin": 'VENDOR = "x"\nVERSION = "1.5.0"\n'}
+        files.update(texts)
+        with mock.patch.object(package, "read", lambda path: files[os.path.basename(path).split(".")[0]]):
+            try:
+                self.assertEqual(package.project_version(), "1.5.0")
+            except SystemExit as end:
+                return end.code
+        return None
+
+    def test_one_version_everywhere_passes(self):
+        self.assertIsNone(self.check())
+
+    def test_another_one_anywhere_ends_it_and_is_told(self):
+        told = self.check(Vantorelix_plugin='VERSION = "1.0"\n')
+        self.assertIn("the versions differ", told)
+        self.assertIn("CMakeLists.txt has 1.5.0", told)
+        self.assertIn("Vantorelix_plugin.py has 1.0", told)
+        self.assertIn("has 1.4.0 and 1.5.0", self.check(
+            Vantorelix="+ MAYAVERSION:2022 Vantorelix 1.5.0 ./x\n+ MAYAVERSION:2027 Vantorelix 1.4.0 ./x\n"))
+        self.assertIn("has 1.4", self.check(CMakeLists="project(vantorelix VERSION 1.4)\n"))
+
+    def test_a_file_without_one_is_told(self):
+        self.assertIn("Vantorelix_plugin.py has none", self.check(Vantorelix_plugin='NAME = "x"\n'))
+
+    def test_this_checkout_has_one_version(self):
+        self.assertRegex(package.project_version(), r"^\d+\.\d+\.\d+$")
+
+
+class Manual(Package):
+    PAGES = ("maya.md", "studio.md")
+
+    def page(self, body):
+        return manual.page("maya.md", "<h1>In Maya</h1>\n" + body, self.PAGES)
+
+    def test_links_between_its_pages_and_to_the_web_work(self):
+        html, pictures = self.page('<a href="studio.md">s</a> <a href="studio.md#a-b">s</a> <a href="#c">c</a> '
+                                   '<a href="https://example.org/x.md">x</a>')
+        for link in ("studio.html", "studio.html#a-b", "#c", "https://example.org/x.md"):
+            self.assertIn('<a href="%s">' % link, html)
+        self.assertEqual(pictures, [])
+
+    def test_a_link_to_what_is_not_in_the_package_ends_it(self):
+        for target in ("cli.md", "../README.md", "images/a.png"):
+            with self.assertRaises(SystemExit) as end:
+                self.page('<a href="%s">x</a>' % target)
+            self.assertIn("maya.md links to %s" % target, end.exception.code)
+
+    def test_it_knows_the_pictures_that_it_shows(self):
+        html, pictures = self.page('<p><img src="images/a.png" alt="A"/> <img src="images/b.svg" alt="B" /></p>')
+        self.assertEqual(pictures, ["images/a.png", "images/b.svg"])
+        self.assertIn('<img src="images/a.png"', html)
+
+    def test_headings_are_known_by_the_names_that_links_use(self):
+        html, _ = self.page('<h2>In <code>a.py</code>, and so on</h2>')
+        self.assertIn('<h2 id="in-apy-and-so-on">In <code>a.py</code>, and so on</h2>', html)
+        self.assertIn("<title>In Maya</title>", html)
+
+    def test_pages_and_pictures_are_where_the_links_look(self):
+        os.mkdir(os.path.join(self.folder, "docs"))
+        for name in self.PAGES:
+            self.write(os.path.join("docs", name), '<h1>%s</h1><img src="images/%s.png"/>' % (name, name))
+        with mock.patch.object(manual, "rendered", lambda python, text: text):
+            files = manual.write("python", os.path.join(self.folder, "docs"), self.PAGES, os.path.join(self.folder, "out"))
+        self.assertEqual(sorted(files), ["images/maya.md.png", "images/studio.md.png", "maya.html", "studio.html"])
+        with open(files["studio.html"], encoding="utf-8") as file:
+            self.assertIn("<title>studio.md</title>", file.read())
+
+
 class Missing(Package):
     """No interpreter but 3.7."""
 
@@ -65,22 +165,22 @@ class Missing(Package):
         said, compiled = io.StringIO(), []
         replaced.setdefault("compiler", lambda: "zig")
         with mock.patch.object(pythons, "interpreters", return_value=({(3, 7): "python3.7"}, {})), \
-                mock.patch.multiple(package, contents=lambda versions: {},
+                mock.patch.multiple(package, pages=dict, licences=lambda zig: {}, modules=lambda versions: {},
                                     compile_modules=lambda zig, found: compiled.append(sorted(found)), **replaced), \
                 contextlib.redirect_stderr(said), contextlib.redirect_stdout(io.StringIO()):
             code = package.main(["--dist", self.folder] + list(arguments))
         return code, said.getvalue(), compiled
 
     def test_the_versions_of_maya_are_needed(self):
-        self.assertEqual(package.required(), [(3, 7), (3, 9), (3, 10), (3, 11)])
+        self.assertEqual(package.required(), [(3, 7), (3, 9), (3, 10), (3, 11), (3, 13)])
         code, said, compiled = self.run_main()
         self.assertEqual((code, compiled), (1, []))
-        self.assertIn("NO CPYTHON WITH Python.h FOR 3.9, 3.10, 3.11", said)
+        self.assertIn("NO CPYTHON WITH Python.h FOR 3.9, 3.10, 3.11, 3.13", said)
 
     def test_a_partial_package_says_what_it_lacks(self):
         code, said, compiled = self.run_main("--partial")
         self.assertEqual((code, compiled), (0, [[(3, 7)]]))
-        self.assertIn("FOR 3.9, 3.10, 3.11", said)
+        self.assertIn("FOR 3.9, 3.10, 3.11, 3.13", said)
 
     def test_without_a_compiler_there_is_no_package(self):
         failing = mock.patch.object(pypi, "pip", side_effect=subprocess.CalledProcessError(1, "pip"))
