@@ -34,6 +34,7 @@ EARLIER_PLUGINS = "earlier-plugins.json"
 # the version that comes and the one that goes; rubbish, nothing that anybody goes back to.
 WORK, RUBBISH = ".vantorelix-work-", ".vantorelix-rubbish-"
 INCOMING, PREVIOUS = "incoming", "previous"
+WAITING = ".incoming"
 NAMES_VANTORELIX = re.compile(br"^\s*\+\s+(?:[A-Z]+:\S*\s+)*Vantorelix\s", re.MULTILINE)
 
 
@@ -192,6 +193,11 @@ def _known_plugins(folder):
     return known
 
 
+def _remove(path):
+    if os.path.lexists(path):
+        os.remove(path)
+
+
 def _treat_copies(modules, known, treat):
     """Calls `treat` with each copy of one of the `known` plug-ins in Maya's plug-in folders.
 
@@ -201,6 +207,7 @@ def _treat_copies(modules, known, treat):
     for folder in _folders(modules, ["*/plug-ins"], []):
         copy = os.path.join(folder, PLUGIN)
         try:
+            _remove(copy + WAITING)  # An interrupted upgrade may have left it.
             if not os.path.lexists(copy):
                 continue
             if digest(copy) in known:
@@ -217,13 +224,11 @@ def _treat_copies(modules, known, treat):
 
 def _replace(source, path):
     """At no time is a part of a file to be found at `path`, nor one more plug-in beside it."""
-    waiting = path + ".incoming"
     try:
-        shutil.copy2(source, waiting)
-        os.replace(waiting, path)
+        shutil.copy2(source, path + WAITING)
+        os.replace(path + WAITING, path)
     finally:
-        if os.path.lexists(waiting):
-            os.remove(waiting)
+        _remove(path + WAITING)
 
 
 # Installing and taking away -------------------------------------------------------------------------------------------
@@ -329,8 +334,7 @@ def uninstall(modules):
     if not os.path.lexists(final) and not os.path.lexists(description):
         return None
     _check_ours(final)
-    if os.path.lexists(description):
-        os.remove(description)  # First: from here on Maya does not look into the folder.
+    _remove(description)  # First: from here on Maya does not look into the folder.
     left = _treat_copies(modules, _known_plugins(final), os.remove)
     if os.path.isdir(final):
         os.rename(final, os.path.join(tempfile.mkdtemp(prefix=RUBBISH, dir=modules), FOLDER))

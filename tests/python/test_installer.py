@@ -2,6 +2,7 @@
 
 import contextlib
 import glob
+import io
 import json
 import os
 import re
@@ -245,16 +246,23 @@ class Killed(Interrupting):
     def test_a_first_installation_leaves_nothing_or_all(self):
         self.sweep(lambda: os.makedirs(self.modules), [None, "2"])
 
+    def prepare_with_copy(self):
+        self.install()
+        self.copy = self.copy_of_plugin("2025", "plugin 1")
+
     def test_the_next_installation_or_removal_goes_through(self):
-        for module, name, count in self.each_step(self.install):
+        for module, name, count in self.each_step(self.prepare_with_copy):
             self.kill_at(module, name, count)
-            self.install(self.newer)
+            self.assertIn(read(self.copy), ("plugin 1", "plugin 2"))
+            self.assertEqual(self.install(self.newer), [])
             self.assertEqual(self.version(), "2")
             self.assertEqual(sorted(os.listdir(self.modules)), ["Vantorelix.mod", "vantorelix"])
-        for module, name, count in self.each_step(self.install):
+            self.assertEqual(tree(os.path.dirname(self.copy)), {"Vantorelix_plugin.py": "plugin 2"})
+        for module, name, count in self.each_step(self.prepare_with_copy):
             self.kill_at(module, name, count)
             self.assertEqual(self.installer.uninstall(self.modules), [])
             self.assertEqual(os.listdir(self.modules), [])
+            self.assertEqual(os.listdir(os.path.dirname(self.copy)), [])
 
     def test_checking_tells_of_an_interruption(self):
         self.install()
@@ -338,6 +346,16 @@ class CommandLine(InstallerTest):
         code, said, told = self.run_installer("--quiet", "--verify", self.modules)
         self.assertEqual((code, said), (1, ""))
         self.assertIn(copy, told)
+
+    def test_an_old_version_that_cannot_be_deleted_is_told_on_standard_error_and_is_no_failure(self):
+        self.install()
+        self.installer.__file__ = os.path.join(self.make_package("2"), "install_vantorelix.py")
+        undeletable = mock.patch.object(self.installer.shutil, "rmtree", side_effect=OSError(39, "Directory not empty"))
+        with undeletable, mock.patch("sys.stdout", io.StringIO()) as said, mock.patch("sys.stderr", io.StringIO()) as told:
+            self.installer.main([self.modules])
+        self.assertEqual(said.getvalue(), "Installed.\n")
+        self.assertRegex(told.getvalue(), r"\.vantorelix-rubbish-\S+ is not needed any more but could not be deleted")
+        self.assertEqual(self.engine(), "engine 2")
 
     def test_a_failure_and_wrong_arguments_have_exit_codes_of_their_own(self):
         write(os.path.join(self.package, PLUGIN), "changed")

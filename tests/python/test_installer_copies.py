@@ -23,6 +23,11 @@ class StagedCopies(InstallerTest):
         self.install()
         self.assertEqual(os.listdir(os.path.join(self.maya, "2025", "plug-ins")), [])
 
+    def test_one_that_is_right_already_is_no_news(self):
+        copy = self.copy_of_plugin("2025", "plugin 1")
+        self.assertEqual(self.install(), [])
+        self.assertEqual(read(copy), "plugin 1")
+
     def test_one_of_two_versions_ago_is_known_still(self):
         self.install()
         with mock.patch.object(self.installer.os, "replace", wraps=os.replace) as replace:
