@@ -31,7 +31,7 @@ VERSIONS = {"CMakeLists.txt": r"project\(vantorelix VERSION ([\d.]+)",
 PAGES = ("maya.md", "studio.md")
 # What zig links into a module: the licence in the package, and where zig has it.
 LICENCES = {"libc++": "libcxx/LICENSE.TXT", "libc++abi": "libcxxabi/LICENSE.TXT", "libunwind": "libunwind/LICENSE.TXT",
-            "zig": "../LICENSE", "glibc": "libc/glibc/LICENSES"}
+            "zig": "../LICENSE", "glibc": "libc/glibc/io/stat-2.32.c"}
 
 
 def read(path):

@@ -103,7 +103,7 @@ class Contents(PackageTest):
         self.assertEqual(sorted(listed + ["README.txt"]),
                          [name[len(folder):] for name in self.names if name.startswith(folder)])
         for name, words in (("libc++", "LLVM Project"), ("libc++abi", "LLVM Project"), ("libunwind", "LLVM Project"),
-                            ("zig", "Zig contributors")):
+                            ("zig", "Zig contributors"), ("glibc", "permission to link the compiled version")):
             self.assertIn(words, self.zip.read(folder + name + ".txt").decode("utf-8"))
 
 
