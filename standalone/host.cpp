@@ -85,6 +85,11 @@ std::size_t Host::idle_count() const { return data_->state.deferred.size(); }
 void Host::set_playing(bool playing) { data_->state.playing = playing; }
 void Host::set_file_activity(FileActivity activity) { data_->state.file_activity = activity; }
 
+void Host::add_model_panel(const std::string& panel) {
+  data_->state.options.model_panels.push_back(panel);
+  data_->state.panels[panel] = {{"motionTrails", false}};
+}
+
 void Host::set_panel_flag(const std::string& panel, const std::string& flag, bool on) {
   data_->state.panels[panel][flag] = on;
 }

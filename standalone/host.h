@@ -62,6 +62,7 @@ class Host {
   void set_playing(bool playing);
   enum class FileActivity { none, reading, writing, opening, creating };
   void set_file_activity(FileActivity activity);
+  void add_model_panel(const std::string& panel);  // as tearing one off does
   void set_panel_flag(const std::string& panel, const std::string& flag, bool on);
   bool panel_flag(const std::string& panel, const std::string& flag) const;
   std::size_t refresh_count() const;

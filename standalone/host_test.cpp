@@ -107,6 +107,9 @@ TEST(Host, switches_the_trail_display_of_one_panel) {
   host.set_panel_flag("modelPanel2", "motionTrails", false);
   EXPECT_FALSE(cmds.modelEditor_query("modelPanel2", "motionTrails"));
   EXPECT_THROW(cmds.modelEditor_query("modelPanel9", "motionTrails"), Error);
+  host.add_model_panel("modelPanel9");
+  EXPECT_FALSE(cmds.modelEditor_query("modelPanel9", "motionTrails"));
+  EXPECT_EQ(cmds.getPanel_model().back(), "modelPanel9");
   EXPECT_THROW(cmds.modelEditor_enable("modelPanel1", "unheardOf"), Error);
 }
 

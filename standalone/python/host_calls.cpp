@@ -36,6 +36,7 @@ const Calls& host_calls() {
        }},
 
       {"model_panels", [](Session& s, const Arguments&) { return list_of(s.host().cmds().getPanel_model()); }},
+      {"add_model_panel", [](Session& s, const Arguments& a) { return s.host().add_model_panel(a.text(0)), Value(); }},
       {"panel_flag",
        [](Session& s, const Arguments& a) { return Value(s.host().cmds().modelEditor_query(a.text(0), a.text(1))); }},
       {"set_panel_flag",

@@ -4,7 +4,11 @@ COMMANDS holds them by the names that they have in maya.cmds. Names of controls 
 paths. The functions below COMMANDS stand for the user: they press, choose and type.
 """
 
+import os
+import re
 from collections import OrderedDict
+
+from . import host
 
 # The covered flags, long names with their short ones.
 _SHORT = {
@@ -38,7 +42,7 @@ _KINDS = {
     "rowLayout": _LAYOUT + ("adjustableColumn", "numberOfColumns"),
     "shelfButton": ("command", "image", "imageOverlayLabel", "label", "menuItem", "menuItemPython", "sourceType"),
     "shelfLayout": ("childArray",),
-    "shelfTabLayout": ("childArray", "selectTab"),
+    "shelfTabLayout": ("changeCommand", "childArray", "selectTab"),
     "text": ("label",),
     "window": ("sizeable", "title", "toolbox"),
 }
@@ -57,16 +61,30 @@ class Control(object):
 
 controls = OrderedDict()
 state = {}
+torn_off = OrderedDict()  # The viewports beside those of the main window: name -> layout, "" while shown nowhere.
+unopened = {}  # The tabs of shelves that wait to be opened: name -> file.
+hotkeys = OrderedDict()  # Commands for hotkeys: name -> their flags.
 
 
 def reset():
-    """Maya as it starts: one shelf, the viewports, and the select tool."""
-    controls.clear()
-    state.update(layout=None, menu=None, tool="selectSuperContext", button=1, modifiers=0)
-    for name, kind, parent in (("viewPanes", "columnLayout", None), ("ShelfLayout", "shelfTabLayout", None),
-                               ("Animation", "shelfLayout", "ShelfLayout"), ("Custom", "shelfLayout", "ShelfLayout")):
+    """Maya as it starts: two shelves, the viewports, and the select tool."""
+    for kept in (controls, torn_off, unopened, hotkeys):
+        kept.clear()
+    state.update(layout=None, menu=None, tool="selectSuperContext", button=1, modifiers=0, focus=None)
+    panes = [(panel, "columnLayout", "viewPanes") for panel in host.call("model_panels")]
+    for name, kind, parent in [("viewPanes", "columnLayout", None)] + panes + [
+            ("ShelfLayout", "shelfTabLayout", None), ("Animation", "shelfLayout", "ShelfLayout"),
+            ("Custom", "shelfLayout", "ShelfLayout")]:
         controls[name] = Control(name, kind, parent, {})
-    controls["ShelfLayout"].flags["selectTab"] = "Animation"
+    controls["ShelfLayout"].flags.update(selectTab="Animation", changeCommand=_OPEN_TAB)
+
+
+def layout_of(panel):
+    """What holds a viewport; those of the main window are called as their layouts are."""
+    layout = torn_off.get(panel, panel)
+    if layout and layout not in controls:
+        raise RuntimeError("Object '{0}' not found.".format(panel))
+    return layout
 
 
 def _long(kind, covered, flags):
@@ -203,6 +221,20 @@ def setToolTo(name):
     state["tool"] = name
 
 
+def evaluate(text):
+    """MEL, of which there is what the shelves run when the user has chosen a tab."""
+    if text != _OPEN_TAB:
+        raise RuntimeError("Cannot find procedure \"{0}\": other MEL than the shelves' is not covered.".format(text))
+    shelf = controls["ShelfLayout"].flags["selectTab"]
+    if shelf in unopened:
+        with open(unopened.pop(shelf)) as file:
+            for command in re.findall(r'-command "(.*)"', file.read()):
+                _make("shelfButton", None, {"parent": shelf, "command": command})
+
+
+_OPEN_TAB = "openChosenShelf()"
+
+
 def getModifiers():
     return state["modifiers"]
 
@@ -260,6 +292,35 @@ def open_menu(name):
     if "postMenuCommand" in menu.flags:
         menu.flags["postMenuCommand"](name, menu.parent)
     return [controls[child] for child in menu.children()]
+
+
+def tear_off():
+    """Makes another viewport, in a window of its own; gives its name."""
+    name = "modelPanel{0}".format(5 + len(torn_off))
+    host.call("add_model_panel", name)
+    torn_off[name] = _make("columnLayout", name + "Layout", {"parent": _make("window", name + "Window", {})})
+    return name
+
+
+def close_window_of(name):
+    """Closes the window of such a viewport. There still is the viewport, shown nowhere."""
+    deleteUI(name + "Window", window=True)
+    torn_off[name] = ""
+
+
+def save_shelf(shelf, folder, commands):
+    """A tab as an earlier session left it, not opened yet: there is its file, and no button."""
+    if not os.path.isdir(folder):
+        os.makedirs(folder)
+    unopened[shelf] = os.path.join(folder, "shelf_{0}.mel".format(shelf))
+    with open(unopened[shelf], "w") as file:
+        file.writelines('shelfButton -command "{0}" ;\n'.format(command) for command in commands)
+    controls[shelf] = Control(shelf, "shelfLayout", "ShelfLayout", {})
+
+
+def press_hotkey(command):
+    """What Maya does at a hotkey that has been given to this command."""
+    exec(hotkeys[command]["command"], {})
 
 
 def click(button, modifiers=0):

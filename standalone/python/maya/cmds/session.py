@@ -78,11 +78,14 @@ def about(*, batch=False, version=False):
     raise not_covered("about: other questions than batch and version")
 
 
-@command(userAppDir="uad")
-def internalVar(*, userAppDir=False):
-    if not userAppDir:
-        raise not_covered("internalVar: other questions than userAppDir")
-    return host.call("user_app_dir")
+@command(userAppDir="uad", userShelfDir="ush")
+def internalVar(*, userAppDir=False, userShelfDir=False):
+    folder = host.call("user_app_dir")
+    if userAppDir:
+        return folder
+    if userShelfDir:
+        return os.path.join(folder, host.call("version"), "prefs", "shelves", "")
+    raise not_covered("internalVar: other questions than userAppDir and userShelfDir")
 
 
 @command(quiet="qt")

@@ -1,10 +1,10 @@
 """What the user sees: messages and panels. There is no window: `maya.host.messages` has what was shown."""
 
-from .. import host
+from .. import _ui, host
 from .._commands import command, not_covered
 
-__all__ = ["error", "getPanel", "inViewMessage", "modelEditor", "pluginDisplayFilter",
-           "refresh", "warning"]
+__all__ = ["error", "getPanel", "inViewMessage", "modelEditor", "modelPanel", "pluginDisplayFilter", "refresh",
+           "runTimeCommand", "warning"]
 
 
 @command(noContext="n")
@@ -35,11 +35,18 @@ def inViewMessage(*, assistMessage=None, statusMessage=None, message=None, posit
 
 @command(type="typ", all="all", visiblePanels="vis", withFocus="wf")
 def getPanel(*, type=None, all=False, visiblePanels=False, withFocus=False):
-    """The four viewports are all there is; the last one has the focus."""
+    """The viewports are all there is; the last one has the focus."""
     panels = host.call("model_panels")
     if withFocus:
-        return panels[-1] if panels else ""
+        return _ui.state["focus"] or (panels[-1] if panels else "")
     return panels if type in (None, "modelPanel") else []
+
+
+@command(query="q", control="ctl")
+def modelPanel(panel, *, query=False, control=False):
+    if not (query and control):
+        raise not_covered("modelPanel: other than the query of control")
+    return _ui.layout_of(panel)
 
 
 @command(query="q", edit="e", motionTrails="mt", locators="lc", pluginObjects="po", queryPluginObjects="qpo")
@@ -89,3 +96,15 @@ def pluginDisplayFilter(*name, query=False, register=False, deregister=False, la
     known[2] -= 1
     if not known[2]:
         del host.display_filters[name[0]]
+
+
+@command(annotation="ann", category="cat", command="c", commandLanguage="cl", default="d", exists="ex")
+def runTimeCommand(name, *, annotation="", category="", command="", commandLanguage="mel", default=False, exists=False):
+    """A command that a hotkey can be given; pressed by `maya._ui.press_hotkey`."""
+    if exists:
+        return name in _ui.hotkeys
+    if not name.isidentifier() or name in _ui.hotkeys:
+        raise RuntimeError("'%s' is not a valid name, or is taken." % name)
+    _ui.hotkeys[name] = {"annotation": annotation, "category": category, "command": command,
+                         "commandLanguage": commandLanguage, "default": default}
+    return name
