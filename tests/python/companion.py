@@ -1,7 +1,8 @@
 """What the tests of the files beside the engine share: the real engine on the standalone host's package `maya`."""
 
 import contextlib
-import importlib.util
+import glob
+import importlib
 import io
 import os
 import sys
@@ -30,10 +31,15 @@ def use_host():
 
 
 def load_companion(name):
-    description = importlib.util.spec_from_file_location(name, os.path.join(COMPANION, name + ".py"))
-    module = importlib.util.module_from_spec(description)
-    description.loader.exec_module(module)
-    return module
+    """A file beside the engine, loaded anew with those that it imports, and not left where the engine would find it."""
+    for path in glob.glob(os.path.join(COMPANION, "*.py")):
+        sys.modules.pop(os.path.splitext(os.path.basename(path))[0], None)
+    sys.path.insert(0, COMPANION)
+    try:
+        return importlib.import_module(name)
+    finally:
+        sys.path.remove(COMPANION)
+        sys.modules.pop(name, None)
 
 
 @unittest.skipUnless("VANTORELIX_HOST" in os.environ, "VANTORELIX_HOST names no folder")
@@ -87,6 +93,7 @@ class CompanionTest(unittest.TestCase):
             kept.clear()
         self.plugins = plugins
         self.ui.reset()
+        self.addCleanup(self.ui.reset)
         self.engine = import_engine()
         self.told = []
         self.engine._set_msg_handler(self.told.append)

@@ -48,7 +48,7 @@ TRUSTED = {
 }
 
 # Maya's functions that a Python file calls under another name: (file, that name) -> the commands.
-CALLED_AS = {("Vantorelix.py", "make"): ("cmds.intSliderGrp", "cmds.floatSliderGrp")}
+CALLED_AS = {("Vantorelix_options.py", "make"): ("cmds.intSliderGrp", "cmds.floatSliderGrp")}
 # Methods that a Python file names in a text.
 NAMED_IN_TEXT = {"Vantorelix_plugin.py": ("asDouble", "asBool", "asInt")}
 

@@ -1,0 +1,80 @@
+"""Gestures with the mouse in the viewports.
+
+The viewport's plain clicks belong to Maya's current tool, so the gestures are a tool themselves: a dragger context,
+which is told of presses and releases of the left and the middle button. The right button never reaches a tool (Maya
+opens its marking menu with it), so the menu that belongs to it is a marking menu of ours on Ctrl+Alt+right in each
+viewport, torn off or not, and its other gesture, ghost, is Ctrl+middle. All of it ends without a trace: the tool before
+is taken up again, and the context and the menus are deleted.
+"""
+
+import maya.cmds as cmds
+from Vantorelix_commands import callback, gesture
+from Vantorelix_menu import fill
+
+CONTEXT = "vantorelixGestures"
+MARKING_MENU = "vantorelixMarkingMenu_"  # And the panel's name.
+SELECT_TOOL = "selectSuperContext"
+LEFT, MIDDLE = 1, 2
+_SHIFT, _CTRL = 1, 4  # Bits of getModifiers.
+
+_tool_before = None
+_pressed = ""
+
+
+def action_of(button, modifiers):
+    """The name of a gesture as `pellark_entry` knows it; it opens the menu for any that it does not know."""
+    name = {LEFT: "lmb", MIDDLE: "mouse2"}.get(button, "rmb")
+    if modifiers & _SHIFT:
+        name = "shift_" + name
+    if modifiers & _CTRL:
+        name = "ctrl_" + name
+    return "ctrl_rmb" if name == "ctrl_mouse2" else name
+
+
+def _on_press():
+    global _pressed
+    _pressed = action_of(cmds.draggerContext(CONTEXT, query=True, button=True), cmds.getModifiers())
+
+
+def _on_release():
+    gesture(_pressed)
+
+
+def _panels():
+    return cmds.getPanel(type="modelPanel") or ()
+
+
+def _add_marking_menu(panel):
+    """A menu of the panel's own layout: one of the main window's panes would miss panels in windows of their own."""
+    menu, layout = MARKING_MENU + panel, cmds.modelPanel(panel, query=True, control=True)
+    if layout and not cmds.popupMenu(menu, exists=True):  # A panel that is shown nowhere has no layout.
+        cmds.popupMenu(menu, parent=layout, button=3, ctrlModifier=True, altModifier=True, markingMenu=True,
+                       postMenuCommand=callback(fill, menu))
+
+
+def bind_gestures():
+    """Makes the gestures the current tool. Bound twice is bound once, but reaches viewports that came in between."""
+    global _tool_before
+    if not cmds.draggerContext(CONTEXT, exists=True):
+        cmds.draggerContext(CONTEXT, pressCommand=callback(_on_press), releaseCommand=callback(_on_release),
+                            cursor="crossHair", undoMode="step", space="screen")
+    for panel in _panels():
+        _add_marking_menu(panel)
+    tool = cmds.currentCtx()
+    if tool != CONTEXT:
+        _tool_before = tool
+        cmds.setToolTo(CONTEXT)
+
+
+def unbind_gestures():
+    """Gives the mouse back to the tool that had it. Where the user has taken another one meanwhile, that one stays."""
+    if cmds.currentCtx() == CONTEXT:
+        known = _tool_before and cmds.contextInfo(_tool_before, exists=True)
+        cmds.setToolTo(_tool_before if known else SELECT_TOOL)
+    if cmds.draggerContext(CONTEXT, exists=True):
+        cmds.deleteUI(CONTEXT, toolContext=True)
+    for panel in _panels():
+        if cmds.popupMenu(MARKING_MENU + panel, exists=True):
+            cmds.deleteUI(MARKING_MENU + panel, menu=True)
+
+

@@ -1,0 +1,103 @@
+"""The mini menu: at the cursor, in a small window, and as a marking menu."""
+
+from collections import namedtuple
+
+import maya.cmds as cmds
+import Vantorelix_engine as engine
+from Vantorelix_commands import COMMANDS, MODES, TITLE, Command, attempt, callback, tell
+from Vantorelix_options import close, show_options
+
+OPTIONS = Command("Options", "Options...", None, callback(show_options))
+# `checked` is None where there is nothing to mark; `place` is the direction in a marking menu, None for its list.
+Entry = namedtuple("Entry", "label run checked place")
+
+
+def _marks():
+    """The marks of the commands that can have one, by name."""
+    mode = engine._get_pref_color_mode()
+    marks = {"Color" + name: index == mode for index, name in enumerate(MODES)}
+    return dict(marks, Ghost=engine._get_pref_xray())
+
+
+def entries():
+    """The menu as things stand now."""
+    marks = _marks()
+    return [Entry(command.label, command.run, marks.get(command.name), command.place)
+            for command in COMMANDS + (OPTIONS,)]
+
+
+MENU_WINDOW = "vantorelixMenu"
+_shown = None  # Qt deletes a menu that nobody holds.
+
+
+def _qt():
+    """The parts of Qt that Maya brings along, under the name that its version has for them; None without Qt."""
+    for package in ("PySide6", "PySide2"):
+        try:
+            gui = __import__(package + ".QtGui", fromlist=["QCursor"])
+            widgets = __import__(package + ".QtWidgets", fromlist=["QMenu"])
+        except ImportError:
+            continue
+        return gui, widgets
+    return None
+
+
+def show_trail_mini_menu():
+    """The menu at the cursor. Maya's own commands cannot open one there, so Qt does; without it, a small window."""
+    attempt(_show_menu)
+
+
+def _show_menu():
+    if cmds.about(batch=True):
+        tell("The menu needs Maya's window.")
+        return
+    qt = _qt()
+    if qt:
+        _show_popup(*qt)
+    else:
+        _show_window()
+
+
+def _show_popup(gui, widgets):
+    global _shown
+    _shown = widgets.QMenu(widgets.QApplication.activeWindow())
+    for entry in entries():
+        action = _shown.addAction(entry.label)
+        if entry.checked is not None:
+            action.setCheckable(True)
+            action.setChecked(entry.checked)
+        action.triggered.connect(entry.run)
+    _shown.popup(gui.QCursor.pos())
+
+
+def _show_window():
+    close(MENU_WINDOW)
+    cmds.window(MENU_WINDOW, title=TITLE, toolbox=True, sizeable=False)
+    cmds.columnLayout(adjustableColumn=True)
+    for entry in entries():
+        if entry.checked is None:
+            cmds.button(label=entry.label, command=entry.run)
+        else:
+            cmds.checkBox(label=entry.label, value=entry.checked, changeCommand=callback(_run_and_show, entry.run))
+    cmds.showWindow(MENU_WINDOW)
+
+
+def _run_and_show(run):
+    """After a choice that moves the marks."""
+    run()
+    cmds.evalDeferred(callback(_show_window))  # Not at once: the window would be deleted under its own callback.
+
+
+def fill(menu):
+    """Makes the items of a popup menu anew."""
+    cmds.popupMenu(menu, edit=True, deleteAllItems=True)
+    for entry in entries():
+        flags = {"label": entry.label, "command": entry.run, "parent": menu}
+        if entry.place:
+            flags["radialPosition"] = entry.place
+        if entry.checked is not None:
+            flags["checkBox"] = entry.checked
+        cmds.menuItem(**flags)
+
+
+MENU = Command("Menu", "Menu", None, callback(show_trail_mini_menu))
