@@ -9,7 +9,7 @@ is taken up again, and the context and the menus are deleted.
 
 import maya.cmds as cmds
 from Vantorelix_commands import callback, gesture
-from Vantorelix_menu import fill
+from Vantorelix_menu import fill, viewports
 
 CONTEXT = "vantorelixGestures"
 MARKING_MENU = "vantorelixMarkingMenu_"  # And the panel's name.
@@ -40,16 +40,12 @@ def _on_release():
     gesture(_pressed)
 
 
-def _panels():
-    return cmds.getPanel(type="modelPanel") or ()
-
-
 def _add_marking_menu(panel):
     """A menu of the panel's own layout: one of the main window's panes would miss panels in windows of their own."""
     menu, layout = MARKING_MENU + panel, cmds.modelPanel(panel, query=True, control=True)
     if layout and not cmds.popupMenu(menu, exists=True):  # A panel that is shown nowhere has no layout.
         cmds.popupMenu(menu, parent=layout, button=3, ctrlModifier=True, altModifier=True, markingMenu=True,
-                       postMenuCommand=callback(fill, menu))
+                       postMenuCommand=callback(fill, menu, panel))
 
 
 def bind_gestures():
@@ -58,7 +54,7 @@ def bind_gestures():
     if not cmds.draggerContext(CONTEXT, exists=True):
         cmds.draggerContext(CONTEXT, pressCommand=callback(_on_press), releaseCommand=callback(_on_release),
                             cursor="crossHair", undoMode="step", space="screen")
-    for panel in _panels():
+    for panel in viewports():
         _add_marking_menu(panel)
     tool = cmds.currentCtx()
     if tool != CONTEXT:
@@ -73,7 +69,7 @@ def unbind_gestures():
         cmds.setToolTo(_tool_before if known else SELECT_TOOL)
     if cmds.draggerContext(CONTEXT, exists=True):
         cmds.deleteUI(CONTEXT, toolContext=True)
-    for panel in _panels():
+    for panel in viewports():
         if cmds.popupMenu(MARKING_MENU + panel, exists=True):
             cmds.deleteUI(MARKING_MENU + panel, menu=True)
 

@@ -4,10 +4,14 @@ from collections import namedtuple
 
 import maya.cmds as cmds
 import Vantorelix_engine as engine
-from Vantorelix_commands import COMMANDS, MODES, TITLE, Command, attempt, callback, tell
+from Vantorelix_commands import COMMANDS, MODES, TITLE, Command, attempt, callback, log, tell
 from Vantorelix_options import close, show_options
 
 OPTIONS = Command("Options", "Options...", None, callback(show_options))
+FILTER = "vantorelixDisplayFilter"  # As Vantorelix_plugin registers it.
+MENU_WINDOW = "vantorelixMenu"
+_shown = None  # Qt deletes a menu that nobody holds.
+
 # `checked` is None where there is nothing to mark; `place` is the direction in a marking menu, None for its list.
 Entry = namedtuple("Entry", "label run checked place")
 
@@ -19,15 +23,32 @@ def _marks():
     return dict(marks, Ghost=engine._get_pref_xray())
 
 
-def entries():
-    """The menu as things stand now."""
+def entries(panel=None):
+    """The menu as things stand now, for the viewport `panel` or the one that has the focus."""
     marks = _marks()
-    return [Entry(command.label, command.run, marks.get(command.name), command.place)
-            for command in COMMANDS + (OPTIONS,)]
+    commands = [Entry(command.label, command.run, marks.get(command.name), command.place) for command in COMMANDS]
+    return commands + _filter_entries(panel) + [Entry(OPTIONS.label, OPTIONS.run, None, OPTIONS.place)]
 
 
-MENU_WINDOW = "vantorelixMenu"
-_shown = None  # Qt deletes a menu that nobody holds.
+def _filter_entries(panel):
+    """The switch of the display filter, for a viewport; the node plug-in brings the filter along when it is loaded."""
+    try:
+        panel = panel or cmds.getPanel(withFocus=True)
+        if FILTER not in (cmds.pluginDisplayFilter(query=True, listFilters=True) or ()) or panel not in viewports():
+            return []
+        shown = bool(cmds.modelEditor(panel, query=True, queryPluginObjects=FILTER))
+        return [Entry("Show trails in this viewport", callback(_show_trails, panel, not shown), shown, None)]
+    except Exception:  # One entry less, and not no menu.
+        log.exception("Display filters are not to be had:")
+        return []
+
+
+def viewports():
+    return cmds.getPanel(type="modelPanel") or ()
+
+
+def _show_trails(panel, shown):
+    cmds.modelEditor(panel, edit=True, pluginObjects=(FILTER, shown))
 
 
 def _qt():
@@ -88,10 +109,10 @@ def _run_and_show(run):
     cmds.evalDeferred(callback(_show_window))  # Not at once: the window would be deleted under its own callback.
 
 
-def fill(menu):
-    """Makes the items of a popup menu anew."""
+def fill(menu, panel):
+    """Makes the items of the popup menu of a viewport anew."""
     cmds.popupMenu(menu, edit=True, deleteAllItems=True)
-    for entry in entries():
+    for entry in entries(panel):
         flags = {"label": entry.label, "command": entry.run, "parent": menu}
         if entry.place:
             flags["radialPosition"] = entry.place

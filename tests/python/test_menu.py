@@ -8,6 +8,8 @@ from unittest import mock
 from companion import PLUGIN, load_companion
 from menu_support import COMMANDS, MODES, NO_QT, MenuTest
 
+FILTER = "vantorelixDisplayFilter"
+
 
 class Action(object):
     def __init__(self, label):
@@ -253,6 +255,58 @@ class Options(MenuTest):
         self.engine._set_pref_color_mode(99)
         self.menu.show_options()
         self.assertEqual(self.shown()["color_mode"], 0)
+
+
+class ShowInViewport(MenuTest):
+    """The switch of the display filter, for the viewport that the menu is opened in."""
+
+    LABEL = "Show trails in this viewport"
+
+    def entry(self, panel=None):
+        with mock.patch.object(self.part("menu").log, "exception") as failed:
+            found = [entry for entry in self.part("menu").entries(panel) if entry.label == self.LABEL]
+        failed.assert_not_called()
+        return found[0] if found else None
+
+    def register(self):
+        self.cmds.pluginDisplayFilter(FILTER, register=True, label="Trails", classification="drawdb/geometry/x")
+
+    def shown(self):
+        return [panel for panel in self.cmds.getPanel(type="modelPanel")
+                if self.cmds.modelEditor(panel, query=True, queryPluginObjects=FILTER)]
+
+    def test_there_is_no_switch_without_the_plug_in_s_filter(self):
+        self.assertIsNone(self.entry())
+        self.register()
+        self.assertTrue(self.entry().checked)
+
+    def test_it_is_switched_in_the_viewport_with_the_focus_alone(self):
+        self.register()
+        self.entry().run()
+        self.assertEqual(self.shown(), ["modelPanel1", "modelPanel2", "modelPanel3"])
+        self.assertFalse(self.entry().checked)
+        self.entry().run()
+        self.assertEqual(len(self.shown()), 4)
+
+    def test_a_marking_menu_switches_its_own_viewport(self):
+        self.register()
+        self.menu.bind_gestures()
+        self.ui.open_menu(self.part("gestures").MARKING_MENU + "modelPanel2")
+        self.ui.press(self.ui.labelled(self.LABEL, self.part("gestures").MARKING_MENU + "modelPanel2"))
+        self.assertEqual(self.shown(), ["modelPanel1", "modelPanel3", "modelPanel4"])
+
+    def test_a_maya_without_display_filters_still_has_a_menu(self):
+        with mock.patch.object(self.cmds, "pluginDisplayFilter", side_effect=TypeError("Invalid flag")), \
+                self.assertLogs("Vantorelix", "ERROR") as logged:
+            self.show(qt("PySide2"))
+        self.assertEqual(len(self.popup().actions), 9)
+        self.assertIn("TypeError: Invalid flag", logged.output[0])
+        self.assertEqual(self.told, [])
+
+    def test_the_focus_elsewhere_leaves_nothing_to_switch(self):
+        self.register()
+        self.ui.state["focus"] = "outlinerPanel1"
+        self.assertIsNone(self.entry())
 
 
 if __name__ == "__main__":
