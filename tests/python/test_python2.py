@@ -39,7 +39,7 @@ class Python2(unittest.TestCase):
         for path in self.files:
             shutil.copy(path, self.folder)
         os.mkdir(os.path.join(self.folder, "maya"))
-        for name in ("__init__.py", "cmds.py"):
+        for name in ("__init__.py", "cmds.py", "mel.py"):
             with open(os.path.join(self.folder, "maya", name), "w") as file:
                 file.write("def internalVar(**flags): return 'nowhere/'\n"
                            "def confirmDialog(**flags): print(flags['message'])\n")
