@@ -5,6 +5,8 @@ MPxGeometryOverride: what is drawn is lines and points of a width in pixels, som
 what the override's draw manager offers; a geometry override would need shaders of its own for each of the three.
 
 The trail is drawn in the node's own space, so it moves along when somebody moves the group of the trails.
+
+Long because the engine copies this one file into the user's plug-ins folder, where nothing else of ours lies.
 """
 
 import sys
