@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """What the Python module costs beside the interpreter's own work.
 
-    python3 bench/python/bench.py MODULE_FOLDER [--rounds N]
+    python3 bench/python/bench.py MODULE_FOLDER [--before FOLDER] [--rounds N]
 
-One table for the interpreter that runs this, on a `maya` that does nothing. T is the time in which C makes 10,000
-triples of floats, the least that a list of positions or colours can cost. What is compared runs in turns, and each
-time is the median of its turns.
+One table for the interpreter that runs this, on a `maya` of C types that does nothing (silent_types.cpp, for which a
+compiler is needed). T is the time in which `list(zip(xs, ys, zs))` of three `array('d')` makes 10,000 triples, the
+least that a list of positions or colours can cost. What is compared runs in turns, and each time is the median of its
+turns. With --before the same is done with another build of the module, in turns too.
 """
 
 import argparse
@@ -16,7 +17,7 @@ import platform
 import statistics
 import sys
 from array import array
-from time import perf_counter
+from time import thread_time  # others that want the processor do not count
 
 import silent_maya
 
@@ -25,16 +26,16 @@ EDITS = 1000  # to be longer than a look at the clock
 
 
 def seconds(job):
-    begin = perf_counter()
+    begin = thread_time()
     result = job()
-    end = perf_counter()
+    end = thread_time()
     del result
     return end - begin
 
 
-def alternating(job, other, rounds):
-    """The median times of two jobs that take turns."""
-    turns = [(seconds(job), seconds(other)) for _ in range(rounds)]
+def in_turns(jobs, rounds):
+    """The median times of jobs that take turns."""
+    turns = [[seconds(job) for job in jobs] for _ in range(rounds)]
     return [statistics.median(times) for times in zip(*turns)]
 
 
@@ -45,8 +46,8 @@ def helix():
 
 def triples_by_c():
     """T's job, on numbers that are not the small and shared ones."""
-    columns = [array("d", column) for column in zip(*helix())]
-    return lambda: list(zip(*columns))
+    xs, ys, zs = [array("d", column) for column in zip(*helix())]
+    return lambda: list(zip(xs, ys, zs))
 
 
 def repeated(function):
@@ -57,47 +58,75 @@ def repeated(function):
     return job
 
 
-def jobs(engine, plain):
-    """(what, the job, what it is compared with, at most so many times that)."""
+def engine_in(folder):
+    """The engine of a folder, beside any that is there already."""
+    for name in ("Vantorelix_engine", "_vantorelix"):
+        sys.modules.pop(name, None)
+    sys.path.insert(0, os.path.abspath(folder))
+    try:
+        return importlib.import_module("Vantorelix_engine")
+    finally:
+        del sys.path[0]
+
+
+def comparisons(plain):
+    """(what, at most so many times, what is compared with, its job)."""
+    by_c = triples_by_c()
+    return [
+        ("colouring 10,000 positions, a list of tuples", 2.0, "T", by_c),
+        ("`_smooth_fill` of 10,000 from 100 samples", 1.5, "T", by_c),
+        ("`_finish_trail` of 10,000 samples", 2.5, "T", by_c),
+        ("`_sample_positions` of 10,000", 1.0, "of the plain loop",
+         lambda: plain.sample_positions("|ball", 0.0, N - 1.0, 1.0)),
+        ("`_schedule_rebuild` with a step pending", 2.0, "of the plain function", repeated(plain.schedule_rebuild)),
+    ]
+
+
+def jobs(engine):
+    """The engine's part of each comparison."""
     positions = helix()
     few = {i: positions[i] for i in range(0, N, 101)}
     few[N - 1] = positions[N - 1]
     assert len(few) == 100
     settings = {"source": "|ball", "samples_per_frame": 1, "ref": None}
     item = {"viz": "vlx_ball_viz", "pos": positions, "ktimes": [], "kpos": []}
-    engine._REGISTRY["vlx_ball_viz"] = plain._REGISTRY["vlx_ball_viz"] = settings
-    engine._PENDING = plain._PENDING = True
-    by_c = triples_by_c()
-    last = float(N - 1)
-
+    engine._REGISTRY["vlx_ball_viz"] = settings
+    engine._PENDING = True
     return [
-        ("colouring 10,000 positions, a list of tuples", lambda: engine._colors_from_positions(positions), by_c, 2.0, "T"),
-        ("_smooth_fill of 10,000 from 100 samples", lambda: engine._smooth_fill(N, few), by_c, 1.5, "T"),
-        ("_finish_trail of 10,000 samples",
-         lambda: engine._finish_trail(dict(item, settings=dict(settings)), {"start": 1.0}), by_c, 2.5, "T"),
-        ("_sample_positions of 10,000", lambda: engine._sample_positions("|ball", 0.0, last, 1.0),
-         lambda: plain.sample_positions("|ball", 0.0, last, 1.0), 0.9, "of the plain loop"),
-        ("_schedule_rebuild with a step pending", repeated(engine._schedule_rebuild),
-         repeated(plain.schedule_rebuild), 2.0, "of the plain function"),
+        lambda: engine._colors_from_positions(positions),
+        lambda: engine._smooth_fill(N, few),
+        lambda: engine._finish_trail(dict(item, settings=dict(settings)), {"start": 1.0}),
+        lambda: engine._sample_positions("|ball", 0.0, N - 1.0, 1.0),
+        repeated(engine._schedule_rebuild),
     ]
+
+
+def row(comparison, turns, rounds):
+    what, limit, unit, compared = comparison
+    own, other, *before = in_turns([turns[0], compared] + turns[1:], rounds)
+    ratio = own / other
+    cells = [what, "%.4g" % (own * 1e6), "%.2f" % ratio, "%.2g %s (%.4g us)" % (limit, unit, other * 1e6),
+             "yes" if ratio <= limit else "**no**"]
+    cells += ["%.2f, now %.3f of that" % (time / other, own / time) for time in before]
+    return "| %s |" % " | ".join(cells)
 
 
 def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("folder", help="where Vantorelix_engine.py and its compiled part are")
+    parser.add_argument("--before", metavar="FOLDER", help="that of an older build for the same interpreter")
     parser.add_argument("--rounds", type=int, default=101)
     options = parser.parse_args(arguments)
     silent_maya.install()
-    sys.path.insert(0, os.path.abspath(options.folder))
-    engine, plain = importlib.import_module("Vantorelix_engine"), importlib.import_module("plain")
+    plain = importlib.import_module("plain")
+    plain._REGISTRY["vlx_ball_viz"] = {}
+    plain._PENDING = True
+    engines = [engine_in(folder) for folder in (options.folder, options.before) if folder]
 
-    lines = ["| Python %s | us | ratio | at most | |" % platform.python_version(), "|---|---|---|---|---|"]
-    for what, job, other, limit, unit in jobs(engine, plain):
-        own, compared = alternating(job, other, options.rounds)
-        ratio = own / compared
-        lines.append("| %s | %.4g | %.2f | %.2g %s (%.4g us) | %s |" % (
-            what, own * 1e6, ratio, limit, unit, compared * 1e6, "yes" if ratio <= limit else "**no**"))
-    print("\n".join(lines))
+    heads = ["Python " + platform.python_version(), "us", "ratio", "at most", ""] + ["before"] * (len(engines) - 1)
+    print("| %s |\n|%s" % (" | ".join(heads), "---|" * len(heads)))
+    for comparison, turns in zip(comparisons(plain), zip(*map(jobs, engines))):
+        print(row(comparison, list(turns), options.rounds), flush=True)
     return 0
 
 

@@ -22,7 +22,7 @@ FOREIGN = [
     (re.compile(r"CLI/"), {"cli"}, False),
     (re.compile(r"benchmark/"), {"bench"}, False),
     (re.compile(r"(gtest|gmock)/"), {"tests"}, False),
-    (re.compile(r"(pybind11/|Python\.h$)"), {"maya"}, False),
+    (re.compile(r"(pybind11/|Python\.h$)"), {"maya", "bench"}, False),
     (re.compile(r"(x86)?intrin\.h$"), {"host", "standalone"}, False),
     (re.compile(r"cpuid\.h$"), {"host"}, True),
     (re.compile(r"sys/mman\.h$"), {"host"}, True),

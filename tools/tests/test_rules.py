@@ -72,7 +72,7 @@ class Includes(Checkout):
 
     def test_python_stays_in_the_python_module(self):
         self.write("standalone/a.cpp", "#include <Python.h>\n")
-        self.assert_one(self.problems(includes), "standalone/a.cpp:1:", "wrap what you need in maya")
+        self.assert_one(self.problems(includes), "standalone/a.cpp:1:", "wrap what you need in bench or maya")
 
     def test_an_unknown_header_and_a_relative_path_are_named(self):
         self.write("engine/a.cpp", "#include <math.h>\n")
