@@ -16,29 +16,12 @@ Ref om_class() {
   return global_attribute<"om", C>();
 }
 
-// True for a class written in Python whose instances are made by its __init__ alone.
-bool has_only_init(PyObject* object) {
-  if (Py_TYPE(object) != &PyType_Type) return false;
-  const auto* const type = reinterpret_cast<PyTypeObject*>(object);
-  return (type->tp_flags & Py_TPFLAGS_HEAPTYPE) && !(type->tp_flags & Py_TPFLAGS_IS_ABSTRACT) &&
-         type->tp_new == PyBaseObject_Type.tp_new && type->tp_init != PyBaseObject_Type.tp_init;
-}
-
-// om.C(arguments...). Where a tool has put a Python class in the place of Maya's, its __init__ is called without the
-// detour over the class, as the interpreter's own loop does from 3.13 on.
+// om.C(arguments...)
 template <Text C, class... A>
 Ref construct(const A&... arguments) {
   const Ref type = om_class<C>();
-  if (!has_only_init(type.get())) {
-    const std::array<PyObject*, sizeof...(arguments) + 1> borrowed = {arguments...};
-    return call(type.get(), borrowed.data(), sizeof...(arguments));
-  }
-  auto* const python_type = reinterpret_cast<PyTypeObject*>(type.get());
-  Ref object = checked(python_type->tp_alloc(python_type, 0));
-  const Ref result = method<"__init__">(object.get(), arguments...);
-  if (result.get() == Py_None) return object;
-  PyErr_Format(PyExc_TypeError, "__init__() should return None, not '%.200s'", Py_TYPE(result.get())->tp_name);
-  throw_python_error();
+  const std::array<PyObject*, sizeof...(arguments) + 1> borrowed = {arguments...};
+  return call(type.get(), borrowed.data(), sizeof...(arguments));
 }
 
 // om.C.M() or oma.C.M(), a static method without arguments.
