@@ -28,7 +28,8 @@ Ref construct(const A&... arguments) {
 template <Text Handle, Text C, Text M>
 Ref static_call() {
   const Ref holder = global_attribute<Handle, C>();
-  return method<M>(holder.get());
+  const Ref function = attribute(holder.get(), name<M>());
+  return call(function.get(), nullptr, 0);
 }
 
 template <Text Handle, Text C, Text M, class... A>
