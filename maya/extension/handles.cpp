@@ -27,36 +27,34 @@ constexpr bool kStatesAreNumbered = false;
 std::uint64_t state_of(PyObject*) { return 0; }
 #endif
 
-// Borrowed.
-PyObject* find_global(PyObject* named) {
+}  // namespace
+
+Ref global(PyObject* named) {
   PyObject* const found = dictionary ? PyDict_GetItemWithError(dictionary, named) : nullptr;
-  if (found) return found;
+  if (found) return Ref::share(found);
   if (!PyErr_Occurred()) PyErr_Format(PyExc_NameError, "name '%U' is not defined", named);
   throw_python_error();
 }
-
-}  // namespace
-
-Ref global(PyObject* named) { return Ref::share(find_global(named)); }
 
 Ref GlobalAttribute::operator()() {
   if (found_ && module_state_ == state_of(dictionary) && handle_state_ == state_of(handles_dictionary_))
     return Ref::share(found_);
   found_ = nullptr;
-  PyObject* const object = find_global(handle_);
+  const Ref object = global(handle_);
   // A plain module's attributes are its dictionary's items: nothing else need be asked while they are there.
-  if (!PyModule_CheckExact(object)) return attribute(Ref::share(object).get(), named_);
-  PyObject* const items = PyModule_GetDict(object);
-  PyObject* const found = PyDict_GetItemWithError(items, named_);
+  if (!PyModule_CheckExact(object.get())) return attribute(object.get(), named_);
+  const std::uint64_t module_state = state_of(dictionary);  // before the look-up below, which may change it
+  PyObject* const items = PyModule_GetDict(object.get());
+  Ref found = Ref::share(PyDict_GetItemWithError(items, named_));
   if (!found && PyErr_Occurred()) throw_python_error();
-  if (!found) return attribute(Ref::share(object).get(), named_);
+  if (!found) return attribute(object.get(), named_);
   if (kStatesAreNumbered) {
-    found_ = found;
+    found_ = found.get();
     handles_dictionary_ = items;
-    module_state_ = state_of(dictionary);
+    module_state_ = module_state;
     handle_state_ = state_of(items);
   }
-  return Ref::share(found);
+  return found;
 }
 
 Handles python_handles() {

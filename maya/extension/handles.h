@@ -18,7 +18,9 @@ PyObject* module_dictionary();
 Ref global(PyObject* named);
 
 // HANDLE.NAME as it is now: what a handle of the bound module has under a name. Where the interpreter numbers the
-// states of its dictionaries, what was found is taken again while both are in the state in which it was found.
+// states of its dictionaries (before 3.12), what was found is taken again while both are in the state in which it was
+// found. On C types sampling takes 0.84 to 0.92 of the time that two look-ups each need, and an edit 0.59 to 0.74
+// (bench/python/bench.py FOLDER --before OTHER, where the other build has no kStatesAreNumbered).
 class GlobalAttribute {
  public:
   // Both names are interned and outlive it.
