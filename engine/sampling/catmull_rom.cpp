@@ -36,7 +36,7 @@ struct Span {
   Position operator()(double u, double u2, double u3) const { return {x(u, u2, u3), y(u, u2, u3), z(u, u2, u3)}; }
 };
 
-constexpr std::size_t kBlock = 128;  // positions made at a time: they are still in the nearest cache when appended
+constexpr std::size_t kBlock = 128;  // positions made at a time: they are still in the nearest cache when copied
 
 // The powers of u at steps of a gap. They depend on the gap's length alone, and most gaps are as long as the one
 // before them, so these are kept from gap to gap.
@@ -66,14 +66,14 @@ class Steps {
   std::array<double, kBlock> u_, u2_, u3_;
 };
 
-// Appends the positions at the first `count` steps into a gap.
-void append_gap(const Span& span, std::int64_t length, std::int64_t count, Steps& steps, std::vector<Position>& out) {
+// Puts the positions at the first `count` steps into a gap to `out`.
+void fill_gap(const Span& span, std::int64_t length, std::int64_t count, Steps& steps, Position* out) {
   std::array<Position, kBlock> block;
   for (std::int64_t done = 0; done < count; done += kBlock) {
     const std::size_t some = std::min(kBlock, static_cast<std::size_t>(count - done));
     steps.turn_to(length, done + 1, some);
     for (std::size_t i = 0; i < some; ++i) block[i] = steps.along(span, i);
-    out.insert(out.end(), block.data(), block.data() + some);
+    std::copy_n(block.data(), some, out + done);
   }
 }
 
@@ -117,26 +117,22 @@ Position _catmull_point(const Position& p0, const Position& p1, const Position& 
   return Span(p0, p1, p2, p3)(u, u * u, u * u * u);
 }
 
-std::vector<Position> _smooth_fill(std::int64_t n_total, const SampleMap& sampled) {
+std::vector<Position> _smooth_fill(std::int64_t n_total, SampleMap sampled) {
   const std::vector<std::int64_t> idxs = sampled.indices();
-  std::vector<Position> out;
-  if (idxs.size() < 2) {
-    for (const std::int64_t index : idxs) out.push_back(sampled.at(index));
-    return out;
-  }
-  const auto pt = [&](std::size_t k) -> const Position& { return sampled.at(idxs[k]); };
+  if (idxs.empty()) return {};
+  if (idxs.size() == 1) return {sampled.at(idxs[0])};
+  std::vector<Position> out = sampled.take();
+  const auto pt = [&](std::size_t k) { return out[static_cast<std::size_t>(idxs[k])]; };
   const std::size_t last = idxs.size() - 1;
   const std::int64_t n = std::max<std::int64_t>(n_total, 0);
   if (n > kMostSamples) too_many();
-  out.reserve(static_cast<std::size_t>(n));
-  out.assign(static_cast<std::size_t>(std::min(idxs[0], n)), pt(0));  // what lies before the first sample holds it
+  std::fill_n(out.begin(), idxs[0], pt(0));  // what lies before the first sample holds it
   Steps steps;
   for (std::size_t k = 0; k < last && idxs[k] < n; ++k) {
-    out.push_back(pt(k));
     const std::int64_t length = idxs[k + 1] - idxs[k];
     if (length < 2) continue;
-    append_gap(Span(pt(k > 0 ? k - 1 : 0), pt(k), pt(k + 1), pt(std::min(k + 2, last))), length,
-               std::min(idxs[k + 1], n) - idxs[k] - 1, steps, out);
+    fill_gap(Span(pt(k > 0 ? k - 1 : 0), pt(k), pt(k + 1), pt(std::min(k + 2, last))), length,
+             std::min(idxs[k + 1], n) - idxs[k] - 1, steps, &out[static_cast<std::size_t>(idxs[k]) + 1]);
   }
   out.resize(static_cast<std::size_t>(n), pt(last));
   return out;

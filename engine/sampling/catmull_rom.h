@@ -18,7 +18,7 @@ class SampleMap {
   const Position& at(std::int64_t index) const { return positions_[static_cast<std::size_t>(index)]; }
   // The indices held, ascending.
   std::vector<std::int64_t> indices() const;
-  // The dense positions, moved out; meant for a map without gaps.
+  // The dense positions, moved out: what lies in a gap means nothing.
   std::vector<Position> take() { return std::move(positions_); }
 
  private:
@@ -31,7 +31,7 @@ class SampleMap {
 Position _catmull_point(const Position& p0, const Position& p1, const Position& p2, const Position& p3, double u);
 
 // n_total positions: sampled ones exactly, gaps by the spline, the ends held. Fewer than two samples come back as
-// they are, unpadded.
-std::vector<Position> _smooth_fill(std::int64_t n_total, const SampleMap& sampled);
+// they are, unpadded. The result is the memory of the samples, filled where it is.
+std::vector<Position> _smooth_fill(std::int64_t n_total, SampleMap sampled);
 
 }  // namespace vantorelix

@@ -96,8 +96,8 @@ std::optional<Draft> draft_trail(const std::string& obj, const Request& request)
   const bool all_sampled = sampled.size() == request.times.size();
 
   Draft draft;
-  auto pos = std::make_shared<const std::vector<Position>>(all_sampled ? sampled.take()
-                                                                       : _smooth_fill(request.times.count, sampled));
+  auto pos = std::make_shared<const std::vector<Position>>(
+      all_sampled ? sampled.take() : _smooth_fill(request.times.count, std::move(sampled)));
   auto key_pos = std::make_shared<std::vector<Position>>();
   const bool did_keys = interpreter->time() < request.deadline;
   if (did_keys) {

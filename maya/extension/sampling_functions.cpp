@@ -81,7 +81,7 @@ Ref smooth_fill(const Arguments& a) {
   const std::int64_t n_total = integer_of(a[0]);
   SampleMap sampled(n_total);
   for (const auto& [index, position] : pairs_of(a[1])) sampled.set(integer_of(index.get()), vector_of(position.get()));
-  return object_of(_smooth_fill(n_total, sampled));
+  return object_of(_smooth_fill(n_total, std::move(sampled)));
 }
 
 // --- colouring ---------------------------------------------------------------------------------------------------
