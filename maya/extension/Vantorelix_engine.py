@@ -6,7 +6,8 @@ Trails of the selected objects:
     Vantorelix_engine.create_trail()
 
 The engine itself is compiled and lies beside this file. Reloading the module starts it anew: trails that are in the
-scene stay there, but no longer follow edits.
+scene stay there, but no longer follow edits. Where `Vantorelix_layer` is on the path, its commands stand in front of
+Maya's; this file and the engine are all that is needed without it.
 """
 
 import os
@@ -23,3 +24,9 @@ import maya.api.OpenMaya as om
 import maya.api.OpenMayaAnim as oma
 
 __import__("_vantorelix").start(sys.modules[__name__])
+
+try:
+    __import__("Vantorelix_layer").install(sys.modules[__name__])
+except ImportError as missing:
+    if missing.name != "Vantorelix_layer":
+        raise
