@@ -44,6 +44,20 @@ bool Inputs::remove(AttributeId attribute) {
   return true;
 }
 
+std::size_t Inputs::order_of(AttributeId attribute) const {
+  const auto end = all_.begin() + static_cast<std::ptrdiff_t>(place(attribute));
+  return static_cast<std::size_t>(std::count_if(all_.begin(), end, [](const Input& i) { return i.source != kNoNode; }));
+}
+
+void Inputs::insert(const Input& input, std::size_t order) {
+  if (order >= all_.size() - gaps_) return set(input);
+  std::size_t at = 0;
+  for (std::size_t before = 0; before < order || all_[at].source == kNoNode; ++at)
+    if (all_[at].source != kNoNode) ++before;
+  all_.insert(all_.begin() + static_cast<std::ptrdiff_t>(at), input);
+  compact();
+}
+
 void Inputs::compact() {
   std::erase_if(all_, [](const Input& i) { return i.source == kNoNode; });
   gaps_ = 0;

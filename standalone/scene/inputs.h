@@ -23,6 +23,10 @@ class Inputs {
   // Replaces the source of an attribute that has one, in its place.
   void set(const Input& input);
   bool remove(AttributeId attribute);
+  // How many stand before it.
+  std::size_t order_of(AttributeId attribute) const;
+  // Gives an attribute that has none a source, at a place in the order.
+  void insert(const Input& input, std::size_t order);
   bool empty() const { return gaps_ == all_.size(); }
   // With gaps.
   const std::vector<Input>& all() const { return all_; }

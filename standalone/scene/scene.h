@@ -19,6 +19,7 @@
 #include "host/value.h"
 #include "host/vector.h"
 #include "standalone/scene/anim_curve.h"
+#include "standalone/scene/change_log.h"
 #include "standalone/scene/matrix.h"
 #include "standalone/scene/track.h"
 
@@ -245,6 +246,17 @@ class Scene {
 
   // Changes with every edit that can move anything or rename, add or remove a node; for caches.
   std::uint64_t revision() const;
+
+  // --- changes ------------------------------------------------------------------------------------------------
+  // From here on every change is written down in `log`, at its end; null: in none. Types that are registered, warnings
+  // and the listener are no changes. The log must live until another one, or none, takes its place. Returns what was
+  // there.
+  ChangeLog* record(ChangeLog* log);
+  // Takes back what a log holds, or does it again; a log goes back and forth between the two. Nodes come back under
+  // their old numbers. The listener is told of nodes before they go and of curves once all is done, and is not
+  // recorded. What does not fit any more, as something was changed meanwhile that is in no log, is left out.
+  void undo(ChangeLog& log);
+  void redo(ChangeLog& log);
 
   // --- messages and warnings ----------------------------------------------------------------------------------
   void set_listener(SceneListener listener);

@@ -4,6 +4,7 @@
 #include <numbers>
 #include <optional>
 
+#include "standalone/scene/change.h"
 #include "standalone/scene/scene_data.h"
 
 namespace vantorelix::standalone {
@@ -102,6 +103,7 @@ bool may_move(const Node& node) {
 }
 
 void set_plain(Scene::Data& scene, Node& node, AttributeId attribute, host::Value value) {
+  scene.recorder.note<StoredValue>(node, attribute);
   scene.store(node, attribute, std::move(value));
   if (may_move(node)) scene.structure_changed();  // a pair blend's modes decide what is followed
 }
@@ -126,6 +128,7 @@ void Scene::set_channel(NodeId id, Channel c, double value) {
                       host::ErrorKind::value);
   double& place = (*node.channels)[index(c)];
   if (place == value) return;
+  data_->recorder.note<ChannelValue>(node, c);
   place = value;
   data_->values_changed();
 }
@@ -142,6 +145,7 @@ void Scene::set_offset_parent_matrix(NodeId id, const std::array<double, 16>& ma
   for (const double d : matrix)
     if (!std::isfinite(d))
       throw host::Error("The offset parent matrix takes finite numbers only.", host::ErrorKind::value);
+  data_->recorder.note<OffsetMatrix>(node);
   data_->extras(node).offset_parent_matrix = std::make_unique<Affine>(affine);
   data_->values_changed();
 }
@@ -200,8 +204,8 @@ host::Value Scene::attribute(NodeId id, std::string_view name) const {
     if (each == attribute::conversionFactor || each == attribute::weight) return host::Value(1.0);
     return host::Value(0.0);
   };
-  if (attribute == attribute::matrix) return as_list(local_matrix(id, d.current_time));
-  if (attribute == attribute::worldMatrix) return as_list(world_matrix(id, d.current_time));
+  if (attribute == attribute::matrix) return as_list(local_matrix(id, d.settings.current_time));
+  if (attribute == attribute::worldMatrix) return as_list(world_matrix(id, d.settings.current_time));
   if (attribute == attribute::offsetParentMatrix) return as_list(d.offset_parent_matrix(node));
   if (part_count(attribute) == 0) return vectors_at(node, attribute) ? host::Value() : one(attribute);
   return host::Value::list({one(part(attribute, 0)), one(part(attribute, 1)), one(part(attribute, 2))});
@@ -223,6 +227,7 @@ void Scene::lock_attribute(NodeId id, std::string_view name, bool locked) {
   Data& d = *data_;
   Node& node = d.at(id);
   const AttributeId attribute = required(d, node, name);
+  d.recorder.note<AttributeLock>(node, attribute);
   auto& all = d.extras(node).locked;
   const auto at = std::lower_bound(all.begin(), all.end(), attribute);
   const bool there = at != all.end() && *at == attribute;
@@ -234,6 +239,7 @@ void Scene::set_vectors(NodeId id, std::string_view name, host::Vectors values) 
   Data& d = *data_;
   Node& node = d.at(id);
   const AttributeId attribute = d.attributes.intern(node.type->names, name);
+  d.recorder.note<VectorArray>(node, attribute);
   auto& all = d.extras(node).vectors;
   const auto at = std::find_if(all.begin(), all.end(), [attribute](const auto& v) { return v.first == attribute; });
   if (at != all.end()) {
@@ -251,7 +257,9 @@ host::Vectors Scene::vectors(NodeId id, std::string_view name) const {
 }
 
 void Scene::set_curve_points(NodeId shape, int degree, std::vector<host::Vector> points) {
-  Extras& extras = data_->extras(data_->at(shape));
+  Node& node = data_->at(shape);
+  data_->recorder.note<Geometry>(node);
+  Extras& extras = data_->extras(node);
   extras.curve_degree = degree;
   extras.curve_points = std::move(points);
 }

@@ -3,6 +3,7 @@
 #include <array>
 #include <unordered_set>
 
+#include "standalone/scene/change.h"
 #include "standalone/scene/scene_data.h"
 
 namespace vantorelix::standalone {
@@ -99,6 +100,7 @@ void Scene::connect(NodeId source, std::string_view source_attribute, NodeId des
   Node& to = d.at(destination);
   const AttributeId in = d.attributes.intern(to.type->names, destination_attribute);
   const AttributeId out = d.attributes.intern(from.type->names, source_attribute);
+  d.recorder.note<Wire>(to, in);
   if (const Input* before = to.inputs.find(in)) {
     const NodeId old = before->source;
     to.inputs.remove(in);
@@ -117,6 +119,7 @@ void Scene::disconnect(NodeId destination, std::string_view attribute) {
   const Input* input = in == AttributeNames::kNone ? nullptr : to.inputs.find(in);
   if (input == nullptr) return;
   const NodeId source = input->source;
+  d.recorder.note<Wire>(to, in);
   to.inputs.remove(in);
   if (Node* node = d.find(source)) d.remove_output(*node);
   d.structure_changed();

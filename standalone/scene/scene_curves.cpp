@@ -1,5 +1,5 @@
 // Animation curves and their edits.
-#include "standalone/scene/scene_data.h"
+#include "standalone/scene/change.h"
 
 namespace vantorelix::standalone {
 namespace {
@@ -27,6 +27,16 @@ CurveKind kind_of(Channel c) {
   return unitless ? CurveKind::unitless : CurveKind::linear;
 }
 
+// All edits of a curve are made here, by `edit`, so that they are written down.
+template <class Edit>
+void edit_curve(const Scene::Data& scene, NodeId id, Edit edit) {
+  Node& node = scene.curve(id);
+  if (!scene.recorder.log) return edit(*node.curve);
+  Keys before = Keys::now(node);
+  edit(*node.curve);
+  scene.recorder.keys(node, std::move(before));
+}
+
 }  // namespace
 
 NodeId Scene::create_curve(CurveKind kind, std::string_view name) { return create_node(type_of(kind), name); }
@@ -42,7 +52,7 @@ NodeId Scene::create_track(std::shared_ptr<const Track> track, std::string_view 
 const Track* Scene::track(NodeId node) const { return data_->at(node).track.get(); }
 
 void Scene::assign_curve(NodeId node, std::vector<Key> keys, bool weighted, Infinity pre, Infinity post) {
-  data_->curve(node).curve->assign(std::move(keys), weighted, pre, post);
+  edit_curve(*data_, node, [&](AnimCurve& c) { c.assign(std::move(keys), weighted, pre, post); });
   data_->tell_curve_edited(node, true);
 }
 
@@ -56,7 +66,7 @@ NodeId Scene::set_key(NodeId id, Channel c, double frame, double value) {
   }
   if (d.driver(node, id_of(c))) throw locked_error(d.plug_name(node, id_of(c)));
   // Tried out on a curve of no scene first: a key that is refused must leave no node behind.
-  AnimCurve(kind_of(c), d.frames_per_second).set_key(frame, value);
+  AnimCurve(kind_of(c), d.settings.frames_per_second).set_key(frame, value);
   const std::string& channel = d.attributes.text(id_of(c));
   curve = create_curve(kind_of(c), d.text(node) + "_" + channel);
   connect(curve, "output", id, channel);
@@ -65,25 +75,28 @@ NodeId Scene::set_key(NodeId id, Channel c, double frame, double value) {
 }
 
 void Scene::set_key(NodeId curve, double frame, double value) {
-  data_->curve(curve).curve->set_key(frame, value);
+  edit_curve(*data_, curve, [&](AnimCurve& c) { c.set_key(frame, value); });
   data_->tell_curve_edited(curve, true);
 }
 
 void Scene::set_key(NodeId curve, const Key& key) {
-  data_->curve(curve).curve->set_key(key);
+  edit_curve(*data_, curve, [&](AnimCurve& c) { c.set_key(key); });
   data_->tell_curve_edited(curve, true);
 }
 
 bool Scene::remove_key(NodeId id, double frame) {
-  if (!data_->curve(id).curve->remove_key(frame)) return false;
+  bool removed = false;
+  edit_curve(*data_, id, [&](AnimCurve& c) { removed = c.remove_key(frame); });
+  if (!removed) return false;
+  const Data* const told = data_.get();
   const bool last = data_->curve(id).curve->keys().empty();
   data_->tell_curve_edited(id, true);
-  if (last && exists(id) && !data_->at(id).locked) delete_node(id);
+  if (last && data_.get() == told && exists(id) && !data_->at(id).locked) delete_node(id);
   return true;
 }
 
 void Scene::set_infinity(NodeId curve, Infinity pre, Infinity post) {
-  data_->curve(curve).curve->set_infinity(pre, post);
+  edit_curve(*data_, curve, [&](AnimCurve& c) { c.set_infinity(pre, post); });
   data_->tell_curve_edited(curve, false);
 }
 

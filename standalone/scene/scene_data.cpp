@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "standalone/scene/change.h"
+
 namespace vantorelix::standalone {
 namespace {
 
@@ -122,36 +124,45 @@ Scene::~Scene() = default;
 Scene::Scene(Scene&&) noexcept = default;
 Scene& Scene::operator=(Scene&&) noexcept = default;
 
-double Scene::frames_per_second() const { return data_->frames_per_second; }
+Settings& Scene::Data::change_settings() {
+  recorder.note<AllSettings>(*this);
+  return settings;
+}
+
+double Scene::frames_per_second() const { return data_->settings.frames_per_second; }
 
 void Scene::set_frames_per_second(double fps) {
   if (!(fps > 0.0) || fps > 1e9) throw host::Error("frames per second must be above 0", host::ErrorKind::value);
-  data_->frames_per_second = fps;
+  data_->change_settings().frames_per_second = fps;
   for (const auto& node : data_->nodes)
     if (node && node->curve) node->curve->set_frames_per_second(fps);
   data_->curves_changed();
 }
 
-std::string Scene::linear_unit() const { return data_->linear_unit; }
-void Scene::set_linear_unit(std::string unit) { data_->linear_unit = std::move(unit); }
-char Scene::up_axis() const { return data_->up_axis; }
-void Scene::set_up_axis(char axis) { data_->up_axis = axis; }
-const std::vector<Take>& Scene::takes() const { return data_->takes; }
-std::size_t Scene::take() const { return data_->take; }
+std::string Scene::linear_unit() const { return data_->settings.linear_unit; }
+char Scene::up_axis() const { return data_->settings.up_axis; }
+const std::vector<Take>& Scene::takes() const { return data_->settings.takes; }
+std::size_t Scene::take() const { return data_->settings.take; }
+double Scene::playback_min() const { return data_->settings.playback_min; }
+double Scene::playback_max() const { return data_->settings.playback_max; }
+double Scene::current_time() const { return data_->settings.current_time; }
+
+void Scene::set_linear_unit(std::string unit) { data_->change_settings().linear_unit = std::move(unit); }
+void Scene::set_up_axis(char axis) { data_->change_settings().up_axis = axis; }
+void Scene::set_current_time(double frame) { data_->change_settings().current_time = frame; }
+
 void Scene::set_takes(std::vector<Take> takes, std::size_t chosen) {
-  data_->takes = std::move(takes);
-  data_->take = chosen;
+  Settings& settings = data_->change_settings();
+  settings.takes = std::move(takes);
+  settings.take = chosen;
 }
-double Scene::playback_min() const { return data_->playback_min; }
-double Scene::playback_max() const { return data_->playback_max; }
 
 void Scene::set_playback_range(double first, double last) {
-  data_->playback_min = first;
-  data_->playback_max = last;
+  Settings& settings = data_->change_settings();
+  settings.playback_min = first;
+  settings.playback_max = last;
 }
 
-double Scene::current_time() const { return data_->current_time; }
-void Scene::set_current_time(double frame) { data_->current_time = frame; }
 std::uint64_t Scene::revision() const { return data_->revision; }
 void Scene::set_listener(SceneListener listener) { data_->listener = std::move(listener); }
 

@@ -13,6 +13,7 @@
 
 #include "host/error.h"
 #include "standalone/scene/attribute_names.h"
+#include "standalone/scene/change_log.h"
 #include "standalone/scene/inputs.h"
 #include "standalone/scene/local_matrix.h"
 #include "standalone/scene/name_table.h"
@@ -71,16 +72,50 @@ struct Node {
   std::unique_ptr<Record> record;  // compiled, when somebody asked
 };
 
-struct Scene::Data {
-  Data();
-
-  // --- settings
+// What belongs to no node.
+struct Settings {
   double frames_per_second = 24.0;
   std::string linear_unit = "cm";
   char up_axis = 'y';
   double playback_min = 1.0, playback_max = 24.0, current_time = 1.0;
   std::vector<Take> takes;
   std::size_t take = 0;
+};
+
+struct Change;
+struct Keys;
+
+// Writes changes down where there is a log. Everything that edits a scene calls it: before the change for what is
+// there, after it for what came.
+struct Recorder {
+  ChangeLog* log = nullptr;
+
+  // A part of the scene (change.h) as it is now.
+  template <class Piece, class... Of>
+  void note(const Of&... of) const {
+    if (log) write({Piece::now(of...)});
+  }
+  // Before a node is taken out, and with what was taken out.
+  void goes(Scene::Data& scene, Node& node) const {
+    if (log) write_going(scene, node);
+  }
+  void went(std::unique_ptr<Node> node) const {
+    if (log) keep(std::move(node));
+  }
+  // After an edit of keys, with all that there was.
+  void keys(const Node& curve, Keys before) const;
+
+ private:
+  void write(Change change) const;
+  void write_going(Scene::Data& scene, Node& node) const;
+  void keep(std::unique_ptr<Node> node) const;
+};
+
+struct Scene::Data {
+  Data();
+
+  Settings settings;
+  Recorder recorder;
 
   // --- nodes; an id is a place, a deleted node leaves it empty. Place 0 is the world.
   std::vector<std::unique_ptr<Node>> nodes;
@@ -134,6 +169,9 @@ struct Scene::Data {
   void remove_output(Node& source);
   // The connections that leave the node.
   std::vector<Output> outputs_of(const Node& n) const;
+
+  // The settings, to be changed.
+  Settings& change_settings();
 
   // --- edits; each bumps what it has to
   void structure_changed() { ++revision, evaluation.structure_changed(); }

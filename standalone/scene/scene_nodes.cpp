@@ -3,28 +3,13 @@
 #include <string>
 #include <utility>
 
+#include "standalone/scene/change.h"
+#include "standalone/scene/node_places.h"
 #include "standalone/scene/node_types.h"
 #include "standalone/scene/scene_data.h"
 
 namespace vantorelix::standalone {
 namespace {
-
-NodeId scope_of(const Scene::Data& scene, const Node& node) {
-  return scene.is_dag(node) ? node.parent : NameTable::kGlobalScope;
-}
-
-void attach(Scene::Data& scene, Node& node) {
-  std::vector<NodeId>& siblings = scene.nodes[node.parent]->children;
-  node.place_in_parent = static_cast<std::uint32_t>(siblings.size());
-  siblings.push_back(node.id);
-}
-
-void detach(Scene::Data& scene, const Node& node) {
-  Node& parent = *scene.nodes[node.parent];
-  parent.children[node.place_in_parent] = kNoNode;
-  ++parent.child_gaps;
-  if (2 * parent.child_gaps > parent.children.size()) scene.compact_children(parent);
-}
 
 // Enters a node whose name is free.
 Node& enter(Scene::Data& scene, NodeType& type, std::string_view name, NodeId parent) {
@@ -35,12 +20,13 @@ Node& enter(Scene::Data& scene, NodeType& type, std::string_view name, NodeId pa
   node.type = &type;
   if (type.category <= Category::constraint) node.channels = std::make_unique<Channels>(kRestChannels);
   CurveKind kind{};
-  if (is_curve_type(type.name, kind)) node.curve = std::make_unique<AnimCurve>(kind, scene.frames_per_second);
+  if (is_curve_type(type.name, kind)) node.curve = std::make_unique<AnimCurve>(kind, scene.settings.frames_per_second);
   scene.nodes.push_back(std::move(fresh));
   node.name = scene.names.add(scope_of(scene, node), name, node.id);
   type.nodes.push_back(node.id);
   if (scene.is_dag(node)) attach(scene, node);
   ++scene.revision;
+  scene.recorder.note<Presence>(node);
   return node;
 }
 
@@ -68,6 +54,7 @@ Node& make_with_default_name(Scene::Data& scene, NodeType& type, NodeId parent) 
 void rename_to(Scene::Data& scene, Node& node, const std::string& wanted) {
   const NodeId scope = scope_of(scene, node);
   const std::string before = scene.text(node);
+  scene.recorder.note<Place>(scene, node);
   scene.names.remove(scope, node.name, node.id);
   std::string name;
   try {
@@ -93,29 +80,14 @@ void rename_shape_along(Scene::Data& scene, const Node& transform, const std::st
     rename_to(scene, *only, shape_name_for(scene.text(transform)));
 }
 
-// Parents before their children.
-void collect(const Scene::Data& scene, NodeId root, std::vector<NodeId>& out) {
-  std::size_t next = out.size();
-  out.push_back(root);
-  for (; next < out.size(); ++next)
-    for (const NodeId child : scene.find(out[next])->children)
-      if (child != kNoNode) out.push_back(child);
-}
-
-// Undoes all connections of a node. What drove only this node, and is there to drive, goes to `orphans`.
-void disconnect_all(Scene::Data& scene, Node& node, std::vector<NodeId>& orphans) {
-  for (const Output& out : scene.outputs_of(node)) scene.find(out.destination)->inputs.remove(out.attribute);
-  node.outputs.clear();
-  node.live_outputs = 0;
-  const std::vector<Input> inputs = node.inputs.all();
-  node.inputs = Inputs{};
-  for (const Input& input : inputs) {
-    Node* source = input.source == node.id ? nullptr : scene.find(input.source);
+// What drove only this node, and is there to drive.
+void find_orphans(const Scene::Data& scene, const Node& node, std::vector<NodeId>& orphans) {
+  for (const Input& input : node.inputs.all()) {
+    const Node* source = input.source == kNoNode ? nullptr : scene.find(input.source);
     if (!source) continue;
-    scene.remove_output(*source);
     const bool helper = source->type->category == Category::curve || source->type->names == NameSet::curve ||
                         source->type->names == NameSet::unit_conversion || source->type->names == NameSet::pair_blend;
-    if (helper && source->live_outputs == 0 && !source->locked) orphans.push_back(source->id);
+    if (helper && !scene.is_dag(*source) && source->live_outputs == 0 && !source->locked) orphans.push_back(source->id);
   }
 }
 
@@ -131,22 +103,12 @@ void remove(Scene::Data& scene, NodeId id, std::vector<NodeId>& orphans) {
     scene.listener.node_removed(id, type);
     if (!scene.find(id)) return;
   }
-  Node& node = *scene.find(id);
-  const bool felt = is_felt(node);
-  disconnect_all(scene, node, orphans);
-  if (scene.is_dag(node)) detach(scene, node);
-  scene.names.remove(scope_of(scene, node), node.name, id);
-  std::vector<NodeId>& of_type = node.type->nodes;
-  if (!of_type.empty() && of_type.back() == id) of_type.pop_back();
-  scene.nodes[id].reset();
-  ++scene.revision;
+  const bool felt = is_felt(*scene.find(id));
+  scene.recorder.goes(scene, *scene.find(id));
+  std::unique_ptr<Node> gone = take_out(scene, id);
+  find_orphans(scene, *gone, orphans);
+  scene.recorder.went(std::move(gone));
   if (felt) scene.structure_changed();
-}
-
-bool is_below(const Scene::Data& scene, NodeId node, NodeId ancestor) {
-  for (NodeId n = node; n != kWorld; n = scene.find(n)->parent)
-    if (n == ancestor) return true;
-  return false;
 }
 
 // A type that nobody knows hangs in the DAG when it is given a parent: as a shape when it is called one.
@@ -224,8 +186,7 @@ bool Scene::is_registered_type(std::string_view name) const {
 void Scene::delete_node(NodeId id) {
   Data& d = *data_;
   d.at(id);
-  std::vector<NodeId> doomed;
-  collect(d, id, doomed);
+  const std::vector<NodeId> doomed = with_descendants(d, id);
   for (const NodeId n : doomed)
     if (d.find(n)->locked)
       throw host::Error("Node '" + d.unique_name(*d.find(n)) + "' is locked and cannot be deleted.");
@@ -264,6 +225,7 @@ void Scene::set_parent(NodeId id, NodeId parent) {
     if (!d.at(parent).channels) throw host::Error("'" + d.unique_name(d.at(parent)) + "' cannot have children.");
     if (is_below(d, parent, id)) throw host::Error("Cannot parent an object to itself or one of its children.");
   }
+  d.recorder.note<Place>(d, node);
   std::string name = d.text(node);
   d.names.remove(node.parent, node.name, id);
   detach(d, node);
@@ -271,12 +233,16 @@ void Scene::set_parent(NodeId id, NodeId parent) {
   attach(d, node);
   node.name = d.names.add(parent, d.names.free_name(parent, std::move(name)), id);
   ++d.revision;
-  std::vector<NodeId> moved;
-  collect(d, id, moved);
+  const std::vector<NodeId> moved = with_descendants(d, id);
   if (std::any_of(moved.begin(), moved.end(), [&](NodeId n) { return is_felt(*d.find(n)); })) d.structure_changed();
 }
 
-void Scene::lock_node(NodeId node, bool locked) { data_->at(node).locked = locked; }
+void Scene::lock_node(NodeId id, bool locked) {
+  Node& node = data_->at(id);
+  data_->recorder.note<NodeLock>(node);
+  node.locked = locked;
+}
+
 bool Scene::exists(NodeId node) const { return node != kWorld && data_->find(node) != nullptr; }
 const std::string& Scene::type(NodeId node) const { return data_->at(node).type->name; }
 bool Scene::is_transform(NodeId node) const { return data_->at(node).channels != nullptr; }

@@ -1,0 +1,63 @@
+// A scene as a text, for tests that compare scenes.
+#pragma once
+
+#include <algorithm>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "standalone/scene/evaluator.h"
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::standalone {
+
+inline constexpr const char* kDescribed[] = {"tx", "ry", "sz", "visibility", "offsetParentMatrix", "extra", "weight"};
+
+inline void describe_curve(std::ostream& out, const AnimCurve& curve) {
+  out << " weighted " << curve.weighted() << " pre " << static_cast<int>(curve.pre_infinity()) << " post "
+      << static_cast<int>(curve.post_infinity());
+  for (const Key& key : curve.keys())
+    out << " (" << key.time << ' ' << key.value << ' ' << static_cast<int>(key.in) << ' ' << static_cast<int>(key.out)
+        << ' ' << key.in_x << ' ' << key.out_y << ')';
+}
+
+inline void describe_transform(std::ostream& out, const Scene& s, NodeId node) {
+  for (int c = 0; c < static_cast<int>(Channel::count); ++c) out << ' ' << s.channel(node, static_cast<Channel>(c));
+  for (const double frame : {1.0, 7.5}) {
+    const Affine matrix = s.world_matrix(node, frame);
+    for (const auto& row : matrix.m) out << ' ' << row[0] << ' ' << row[1] << ' ' << row[2];
+    Evaluator(s, node).translation(frame);  // nothing that it remembers may outlive what it is of
+  }
+  out << " drivers";
+  for (const NodeId curve : s.driving_curves(node)) out << ' ' << curve;
+  for (const std::string& text : s.not_followed(node)) out << ' ' << text;
+}
+
+// Everything that can be asked of a scene. Throws where it contradicts itself.
+inline std::string description(const Scene& s) {
+  std::ostringstream out;
+  out.precision(17);
+  out << s.frames_per_second() << s.linear_unit() << s.up_axis() << s.playback_min() << ' ' << s.playback_max() << ' '
+      << s.current_time() << ' ' << s.takes().size() << s.take() << '\n';
+  for (const NodeId root : s.children(kWorld)) out << root << ' ';
+  for (const NodeId node : s.nodes()) {
+    out << '\n'
+        << node << ' ' << s.type(node) << ' ' << s.long_name(node) << ' ' << s.unique_name(node) << " under "
+        << s.parent(node) << ", children";
+    for (const NodeId child : s.children(node)) out << ' ' << child;
+    for (const char* name : kDescribed)
+      if (s.has_attribute(node, name)) out << ' ' << name << '=' << s.attribute(node, name).repr();
+    if (const host::Vectors vectors = s.vectors(node, "points"))
+      for (const host::Vector& v : *vectors) out << " point " << v.x;
+    if (s.is_curve(node)) describe_curve(out, s.curve(node));
+    out << " degree " << s.curve_degree(node) << ' ' << s.curve_points(node).size();
+    if (s.is_transform(node)) describe_transform(out, s, node);
+    const std::vector<NodeId> alike = s.nodes_of_type(s.type(node));
+    if (s.find(s.unique_name(node)) != node || std::count(alike.begin(), alike.end(), node) != 1)
+      throw std::logic_error("a node is not found under its name or among those of its type");
+  }
+  return out.str();
+}
+
+}  // namespace vantorelix::standalone
