@@ -85,6 +85,14 @@ int vlx_call(VlxSession* session, const char* name, const char* arguments, const
   });
 }
 
+int vlx_begin(VlxSession* session, const char* name) {
+  return guarded([&] { session->session.undo_queue().begin(name); });
+}
+
+int vlx_end(VlxSession* session, int succeeded) {
+  return guarded([&] { session->session.undo_queue().end(succeeded != 0); });
+}
+
 int vlx_exists(VlxSession* session, std::uint32_t node) { return session->session.scene().exists(node) ? 1 : 0; }
 
 int vlx_matrix(VlxSession* session, std::uint32_t node, double frame, int world, double* matrix) {

@@ -34,6 +34,10 @@ VLX_API int vlx_open(VlxSession* session, const char* file);
 /* Everything that is not hot: a call by its name, its arguments and its result as JSON. */
 VLX_API int vlx_call(VlxSession* session, const char* name, const char* arguments, const char** result);
 
+/* Around a command that can be undone: its name, and whether it did its work. */
+VLX_API int vlx_begin(VlxSession* session, const char* name);
+VLX_API int vlx_end(VlxSession* session, int succeeded);
+
 /* Whether a node is there: 1 or 0, never a failure. */
 VLX_API int vlx_exists(VlxSession* session, std::uint32_t node);
 

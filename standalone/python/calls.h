@@ -39,6 +39,7 @@ const Calls& node_calls();
 const Calls& attribute_calls();
 const Calls& animation_calls();
 const Calls& host_calls();
+const Calls& undo_calls();
 
 // Throws host::Error of kind attribute for an unknown name.
 host::Value call(Session& session, const std::string& name, const host::Value& arguments);

@@ -32,6 +32,9 @@ void Session::replace(Scene next, Host::FileActivity activity) {
   const Activity busy(host_, activity);
   for (const NodeId node : scene().nodes()) tell(Event::node_removed, node);
   host_.select({});
+  undo_queue_.clear();
+  if (telling_ == 0) replaced_.clear();
+  if (telling_ > 0) replaced_.push_back(std::move(scene()));
   scene() = std::move(next);
   begin();
 }
@@ -47,7 +50,11 @@ void Session::begin() {
 void Session::tell(Event event, NodeId node) {
   if (!listener_ || !scene().exists(node)) return;
   const std::string type = scene().type(node);  // a copy: the listener may delete the node
+  ++telling_;
+  undo_queue_.begin_aside();
   listener_(static_cast<std::int32_t>(event), node, type.c_str());
+  undo_queue_.end(true);
+  --telling_;
 }
 
 }  // namespace vantorelix::standalone

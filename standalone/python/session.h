@@ -4,8 +4,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <utility>
+#include <vector>
 
 #include "standalone/host.h"
+#include "standalone/undo_queue.h"
 
 namespace vantorelix::standalone {
 
@@ -19,12 +21,13 @@ class Session {
 
   Host& host() { return host_; }
   Scene& scene() { return host_.scene(); }
+  UndoQueue& undo_queue() { return undo_queue_; }
 
   // The one listener, which outlives scenes; null for none.
   void listen(Listener listener) { listener_ = listener; }
 
   // These leave the scene that is open as it is when they fail. The old scene's nodes are told of as removed, while
-  // the host says that it is opening or making a file.
+  // the host says that it is opening or making a file. Nothing can be undone then. The listener may call them, too.
   void open(const std::filesystem::path& file);
   void make_new();
 
@@ -34,6 +37,9 @@ class Session {
   void tell(Event event, NodeId node);
 
   Host host_;
+  UndoQueue undo_queue_{host_};
+  std::size_t telling_ = 0;
+  std::vector<Scene> replaced_;  // inside an edit, which goes on after the listener
   Listener listener_ = nullptr;
 };
 

@@ -229,14 +229,6 @@ class Application(HostTest):
             self.host.restart()
             self.assertFalse(self.cmds.optionVar(exists="samples"))
 
-    def test_undo_is_off_and_has_nothing(self):
-        self.cmds.undoInfo(openChunk=True)
-        self.cmds.createNode("transform", name="a")
-        self.cmds.undoInfo(closeChunk=True)
-        self.assertFalse(self.cmds.undoInfo(q=True, state=True))
-        self.raises(RuntimeError, "no more commands to undo", self.cmds.undo)
-        self.assertTrue(self.cmds.objExists("a"))
-
     def test_messages_in_the_viewport_are_kept_except_in_batch_mode(self):
         self.cmds.inViewMessage(amg="done", pos="midCenter", fade=True, alpha=0.9)
         self.assertEqual(self.host.messages, ["done"])

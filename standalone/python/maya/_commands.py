@@ -36,6 +36,19 @@ def command(**short_names):
     return decorate
 
 
+def undoable(function):
+    """A command that enters the undo queue, unless it only asks."""
+
+    @functools.wraps(function)
+    def call(*arguments, **flags):
+        if flags.get("query") or flags.get("q"):
+            return function(*arguments, **flags)
+        with host.command(function.__name__):
+            return function(*arguments, **flags)
+
+    return call
+
+
 def not_covered(what):
     return RuntimeError("%s: not covered by this host" % what)
 

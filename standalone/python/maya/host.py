@@ -6,10 +6,13 @@ what a user would do there (`restart` is a fresh start of the application).
 """
 
 import collections
+import contextlib
 import ctypes
+import functools
 import json
 import os
 import sys
+import threading
 import traceback
 
 _LIBRARY = "libvantorelix_standalone.so"
@@ -41,6 +44,8 @@ def _load():
         "vlx_listen": [session, _LISTENER],
         "vlx_open": [session, text],
         "vlx_call": [session, text, text, ctypes.POINTER(text)],
+        "vlx_begin": [session, text],
+        "vlx_end": [session, ctypes.c_int],
         "vlx_exists": [session, number],
         "vlx_matrix": [session, number, ctypes.c_double, ctypes.c_int, _DOUBLES],
         "vlx_vectors": [session, number, text, ctypes.POINTER(_DOUBLES), ctypes.POINTER(ctypes.c_size_t)],
@@ -55,6 +60,10 @@ def _load():
 _library = _load()
 _session = ctypes.c_void_p()
 _interrupts = []  # a KeyboardInterrupt or SystemExit on its way through the library
+# The library is for one thread at a time, and what it hands out is good until its next call. Threads take turns: one has
+# the lock for a call with its result, or for a whole command, and may have it several times over, as callbacks do.
+lock = threading.RLock()
+_listening = 0  # callbacks that the library is waiting for
 generation = 0  # of the scene that is open: a node's number says nothing in another
 scene_name = ""  # the file that is open
 frames_per_second = 24.0  # of the scene that is open
@@ -64,6 +73,7 @@ plugins = {}  # those that are loaded: name -> (path or None, Python module or N
 display_filters = {}  # of plug-ins: name -> [label, classification, how often it was registered]
 hidden = set()  # (panel, what it does not show: "locators", or a display filter)
 messages = []  # what was shown in the viewport, texts of inViewMessage
+undoing = ""  # "undo" or "redo", while one is at work
 failures = 0  # how many errors were shown as tracebacks because nobody could be given them
 
 
@@ -88,14 +98,28 @@ def guarded(function, *arguments, **keywords):
 @_LISTENER
 def _listener(event, node, type_name):
     # An exception cannot pass through the library: interrupts are raised again when its call is over.
+    global _listening
+    _listening += 1
     try:
-        for entry in list(subscribers):
-            if entry.event == event and any(entry is present for present in subscribers):
-                guarded(entry.tell, node, type_name.decode())
+        tell(event, node, type_name.decode())
     except BaseException as interrupt:
         _interrupts.append(interrupt)
+    finally:
+        _listening -= 1
 
 
+def _alone(function):
+    """While it runs, no other thread is in the library."""
+
+    @functools.wraps(function)
+    def call(*arguments, **keywords):
+        with lock:
+            return function(*arguments, **keywords)
+
+    return call
+
+
+@_alone
 def call(name, *arguments):
     """A call of the library by its name; see the tables of calls there."""
     try:
@@ -107,10 +131,29 @@ def call(name, *arguments):
     return json.loads(result.value.decode())
 
 
+@contextlib.contextmanager
+def command(name):
+    """What is done inside is one entry of the undo queue. When it fails, it is one if it changed anything."""
+    with lock:
+        session = _session
+        _check(_library.vlx_begin(session, name.encode()))
+        succeeded = False
+        try:
+            yield
+            succeeded = True
+        finally:
+            if session is _session:
+                _check(_library.vlx_end(session, succeeded))
+
+
+@_alone
 def restart(batch=False, plugin_loaded=True, preferences=None, user_app_dir=None):
     """A fresh start of the host with an empty scene: no callbacks, no deferred calls, no option variables but those of
     the JSON file `preferences`."""
     global _session, failures
+    if _listening:
+        raise RuntimeError("restart: not from a callback, whose edit goes on after it; call it later, "
+                           "as with maya.utils.executeDeferred")
     fresh = ctypes.c_void_p()
     options = json.dumps([batch, plugin_loaded, preferences, user_app_dir])
     _check(_library.vlx_start(options.encode(), ctypes.byref(fresh)))
@@ -133,6 +176,7 @@ def _forget_scene(name):
     frames_per_second = call("frames_per_second")
 
 
+@_alone
 def open_scene(path):
     """Opens a scene file; what could not be followed in it is shown as warnings."""
     if not os.path.exists(path):
@@ -143,9 +187,17 @@ def open_scene(path):
         show_warning("%s: %s" % (path, text))
 
 
+@_alone
 def new_scene():
     call("make_new")
     _forget_scene("")
+
+
+def tell(event, *arguments):
+    """Calls the subscribers of an event that the library knows nothing of."""
+    for entry in list(subscribers):
+        if entry.event == event and any(entry is present for present in subscribers):
+            guarded(entry.tell, *arguments)
 
 
 def show_warning(text):
@@ -157,16 +209,19 @@ def show_error(text):
 
 
 def exists(node):
-    return bool(_library.vlx_exists(_session, node))
+    with lock:
+        return bool(_library.vlx_exists(_session, node))
 
 
 def matrix(node, frame, world=True):
     """Sixteen floats, row by row."""
     values = (ctypes.c_double * 16)()
-    _check(_library.vlx_matrix(_session, node, frame, world, values))
+    with lock:
+        _check(_library.vlx_matrix(_session, node, frame, world, values))
     return list(values)
 
 
+@_alone
 def vectors(node, attribute):
     """The numbers of a vector array one after another; None when it was never set or is empty."""
     values, count = _DOUBLES(), ctypes.c_size_t()
@@ -174,6 +229,7 @@ def vectors(node, attribute):
     return values[: 3 * count.value] if count.value else []
 
 
+@_alone
 def set_vectors(node, attribute, numbers):
     """`numbers`: an array('d') of triples."""
     address, length = numbers.buffer_info()

@@ -1,7 +1,7 @@
 """The object model: nodes, plugs, values and messages."""
 
 from ._arrays import *
-from ._messages import MDGMessage, MMessage
+from ._messages import MDGMessage, MEventMessage, MMessage
 from ._nodes import *
 from ._nodes import plugin_object
 from ._values import *

@@ -5,7 +5,7 @@ import itertools
 from .. import host
 from ._nodes import MObject, MObjectArray
 
-__all__ = ["MDGMessage", "MMessage"]
+__all__ = ["MDGMessage", "MEventMessage", "MMessage"]
 
 _identifiers = itertools.count(1)
 
@@ -61,3 +61,18 @@ class MDGMessage(MMessage):
                 function(MObject(node), clientData)
 
         return subscribe(host.NODE_REMOVED, tell, function)
+
+
+class MEventMessage(MMessage):
+    _EVENTS = ("Undo", "Redo")
+
+    @staticmethod
+    def getEventNames():
+        return MEventMessage._EVENTS
+
+    @staticmethod
+    def addEventCallback(eventName, function, clientData=None):
+        """The function gets the client's data, after the undo or redo."""
+        if eventName not in MEventMessage._EVENTS:
+            raise RuntimeError("(kInvalidParameter): the event '%s' is not covered by this host" % eventName)
+        return subscribe(eventName, lambda: function(clientData), function)

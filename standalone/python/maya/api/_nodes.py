@@ -90,6 +90,39 @@ def plugin_object(name, path):
     return MObject(data=("plugin", name, path))
 
 
+class MObjectHandle(object):
+    """A node that may go, and come back when that is undone."""
+
+    def __init__(self, node=MObject.kNullObj):
+        self._object = node
+
+    def object(self):
+        return self._object
+
+    def isValid(self):
+        """Whether it is in the scene."""
+        return self._of_this_scene() and host.exists(self._object._node)
+
+    def isAlive(self):
+        """Whether it is in the scene or can come back."""
+        return self.isValid() or (self._of_this_scene() and host.call("undo_keeps", self._object._node))
+
+    def _of_this_scene(self):
+        return self._object._node is not None and self._object._generation == host.generation
+
+    def hashCode(self):
+        return hash(self._object) & 0xFFFFFFFF
+
+    def __eq__(self, other):
+        return isinstance(other, MObjectHandle) and self._object == other._object
+
+    def __ne__(self, other):
+        return not self == other
+
+    def __hash__(self):
+        return hash(self._object)
+
+
 class MSelectionList(object):
     def __init__(self):
         self._nodes = []
@@ -283,6 +316,14 @@ class MFileIO(object):
 
 
 class MGlobal(object):
+    @staticmethod
+    def isUndoing():
+        return host.undoing == "undo"
+
+    @staticmethod
+    def isRedoing():
+        return host.undoing == "redo"
+
     @staticmethod
     def getActiveSelectionList():
         chosen = MSelectionList()

@@ -6,6 +6,7 @@ from .attributes import *
 from .nodes import *
 from .session import *
 from .ui import *
+from .undo import *
 
 globals().update(_CONTROLS)
 

@@ -1,7 +1,7 @@
 """Keys, curves and scene time."""
 
 from .. import _time, host
-from .._commands import command, nodes_or_selection, not_covered, split_plug
+from .._commands import command, nodes_or_selection, not_covered, split_plug, undoable
 
 __all__ = [
     "currentTime",
@@ -106,6 +106,7 @@ def _edit_keys(curves, time, timeChange, valueChange, relative):
     return edited
 
 
+@undoable
 @command(
     query="q",
     edit="e",
@@ -195,6 +196,7 @@ def _tangent(name):
     return _TANGENTS[name]
 
 
+@undoable
 @command(attribute="at", time="t", value="v", inTangentType="itt", outTangentType="ott")
 def setKeyframe(*names, attribute=None, time=None, value=None, inTangentType=None, outTangentType=None):
     """How many keys were set. A value is in what the attribute shows: degrees on angles."""
@@ -212,6 +214,7 @@ def setKeyframe(*names, attribute=None, time=None, value=None, inTangentType=Non
     return count
 
 
+@undoable
 @command(attribute="at", time="t", clear="cl", option="o")
 def cutKey(*names, attribute=None, time=None, clear=False, option="keys"):
     """How many keys were cut. There is no clipboard: `clear` says nothing new."""
@@ -224,6 +227,7 @@ def cutKey(*names, attribute=None, time=None, clear=False, option="keys"):
     return count
 
 
+@undoable
 @command(
     query="q", edit="e", attribute="at", time="t", inTangentType="itt", outTangentType="ott"
 )
@@ -251,6 +255,7 @@ def _infinity(name):
     return _INFINITIES[name]
 
 
+@undoable
 @command(query="q", edit="e", attribute="at", preInfinite="pri", postInfinite="poi")
 def setInfinity(*names, query=False, edit=False, attribute=None, preInfinite=None, postInfinite=None):
     curves = _curves(names, attribute)

@@ -1,7 +1,7 @@
 """Attributes and connections."""
 
 from .. import host
-from .._commands import command, existing_plug, flat, not_covered, split_plug, unique_name
+from .._commands import command, existing_plug, flat, not_covered, split_plug, undoable, unique_name
 
 __all__ = ["addAttr", "attributeQuery", "connectAttr", "disconnectAttr", "getAttr", "setAttr"]
 
@@ -64,6 +64,7 @@ def _value_of(path, values, type):
     return values[0]
 
 
+@undoable
 @command(lock="l", type="typ")
 def setAttr(path, *values, lock=None, type=None):
     if lock is not None:
@@ -78,6 +79,7 @@ _NUMBERS = {"bool": bool, "long": int, "short": int, "byte": int, "enum": int, "
 _NUMBERS.update({"doubleLinear": float, "doubleAngle": float, "time": float})
 
 
+@undoable
 @command(longName="ln", attributeType="at", dataType="dt", defaultValue="dv", keyable="k")
 def addAttr(*names, longName=None, attributeType=None, dataType=None, defaultValue=0.0, keyable=False):
     if not longName:
@@ -103,6 +105,7 @@ def attributeQuery(attribute, *, node=None, exists=False):
     return host.call("has_attribute", number, attribute) or host.call("has_vectors", number, attribute)
 
 
+@undoable
 @command(force="f")
 def connectAttr(source, destination, *, force=False):
     from_node, from_attribute = split_plug(source)
@@ -112,6 +115,7 @@ def connectAttr(source, destination, *, force=False):
     host.call("connect", from_node, from_attribute, to_node, to_attribute)
 
 
+@undoable
 def disconnectAttr(source, destination):
     from_node = split_plug(source)[0]
     to_node, to_attribute = split_plug(destination)

@@ -1,7 +1,16 @@
 """Nodes: listing, selecting, making, naming, moving and deleting them."""
 
 from .. import host
-from .._commands import command, flat, node_named, nodes_named, nodes_or_selection, not_covered, unique_name
+from .._commands import (
+    command,
+    flat,
+    node_named,
+    nodes_named,
+    nodes_or_selection,
+    not_covered,
+    undoable,
+    unique_name,
+)
 
 __all__ = [
     "createNode",
@@ -113,6 +122,7 @@ def listRelatives(
     return [host.call("short_name", node) for node in nodes]
 
 
+@undoable
 @command(replace="r", add="add", deselect="d", toggle="tgl", clear="cl", all="all", hierarchy="hi", noExpand="ne")
 def select(
     *names,
@@ -141,6 +151,7 @@ def select(
     host.call("select", nodes)
 
 
+@undoable
 @command(name="n", parent="p", skipSelect="ss")
 def createNode(type, *, name="", parent=None, skipSelect=False):
     above = None if parent is None else node_named(parent)
@@ -150,6 +161,7 @@ def createNode(type, *, name="", parent=None, skipSelect=False):
     return unique_name(node)
 
 
+@undoable
 def rename(old, new):
     return host.call("rename", node_named(old), new)
 
@@ -169,6 +181,7 @@ def _move_under(node, above, relative):
     return unique_name(node)
 
 
+@undoable
 @command(world="w", relative="r", shape="s")
 def parent(*names, world=False, relative=False, shape=False):
     """Objects and, last, their new parent. Local values stay: where that would move an object in the world, `relative`
@@ -184,6 +197,7 @@ def parent(*names, world=False, relative=False, shape=False):
     return [_move_under(node, above, relative) for node in nodes]
 
 
+@undoable
 @command(empty="em", name="n", world="w", parent="p")
 def group(*names, empty=False, name="group1", world=False, parent=None):
     nodes = [] if empty else nodes_or_selection(names)
@@ -200,6 +214,7 @@ def group(*names, empty=False, name="group1", world=False, parent=None):
     return unique_name(made)
 
 
+@undoable
 def delete(*names):
     nodes = nodes_named(names) if names else host.call("selection")
     for node in nodes:
@@ -214,11 +229,13 @@ def _triple(point):
     return numbers
 
 
+@undoable
 @command(degree="d", point="p", name="n")
 def curve(*, degree=3, point=(), name=""):
     return host.call("create_curve", degree, [number for each in point for number in _triple(each)], name)
 
 
+@undoable
 @command(lock="l", query="q")
 def lockNode(*names, lock=True, query=False):
     if query:

@@ -14,8 +14,6 @@ __all__ = [
     "loadPlugin",
     "optionVar",
     "pluginInfo",
-    "undo",
-    "undoInfo",
     "unloadPlugin",
 ]
 
@@ -110,16 +108,3 @@ def pluginInfo(*names, query=False, loaded=False, listPlugins=False, path=False)
     if path:
         return _plugins.path_of(names[0])
     raise not_covered("pluginInfo: other questions than loaded, listPlugins and path")
-
-
-@command(query="q", state="st", openChunk="ock", closeChunk="cck", chunkName="cn")
-def undoInfo(*, query=False, state=None, openChunk=False, closeChunk=False, chunkName=None):
-    """Undo is off, and stays off; chunks may be opened and closed all the same."""
-    if query:
-        return False
-    if state:
-        raise not_covered("undoInfo: undo")
-
-
-def undo():
-    raise RuntimeError("There are no more commands to undo: undo is off in this host.")
