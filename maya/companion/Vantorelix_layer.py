@@ -11,16 +11,17 @@ finds it on the path, each time its own text runs: then it holds for menu, shelf
 
 import types
 
+import Vantorelix_trails
 import Vantorelix_undo
 
 # Each has `commands(engine, cmds)`: its own commands by name, over the handle `cmds`, which is that of the part before.
-PARTS = (Vantorelix_undo,)
+PARTS = (Vantorelix_undo, Vantorelix_trails)
 
 
 def _handle(maya, own):
     """Commands of our own, and Maya's for the rest, looked up at each call as a tool may have wrapped one meanwhile. A
     plain module: the engine finds what is in a plain module without asking for attributes."""
-    handle = types.ModuleType("Vantorelix_commands")
+    handle = types.ModuleType("Vantorelix_layer.cmds")
     vars(handle).update(own, __getattr__=lambda name: getattr(maya, name))
     return handle
 
