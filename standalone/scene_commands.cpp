@@ -117,13 +117,15 @@ void Commands::select_clear() { state_.selection.clear(); }
 
 std::string Commands::createNode(const std::string& type, const std::string& name) {
   if (!scene_.is_registered_type(type)) throw Error("Unknown object type: " + type);
-  const NodeId node = scene_.create_node(type, name);
+  const NodeId node = scene_.create_node(type, scene_.name_for_new(name));
   state_.selection = {node};
   return scene_.unique_name(node);
 }
 
 std::string Commands::rename(const std::string& node, const std::string& name) {
-  return scene_.rename(node_named(scene_, node), name);
+  const Scene::NewName wanted = scene_.name_for_renamed(name);
+  if (wanted.dropped) state_.warn("Removing invalid characters from name");
+  return scene_.rename(node_named(scene_, node), wanted.text);
 }
 
 void Commands::parent(const std::string& node, const std::string& parent) {
@@ -132,14 +134,14 @@ void Commands::parent(const std::string& node, const std::string& parent) {
 }
 
 void Commands::group_empty(const std::string& name) {
-  state_.selection = {scene_.create_node("transform", name.empty() ? "group1" : name)};
+  state_.selection = {scene_.create_node("transform", scene_.name_for_new(name.empty() ? "group1" : name))};
 }
 
 void Commands::delete_(const std::string& node) { scene_.delete_node(node_named(scene_, node)); }
 
 std::string Commands::next_curve_shape_name() {
   std::string name;
-  do name = "curveShape" + std::to_string(++curve_shapes_named_);
+  do name = scene_.name_for_new("curveShape" + std::to_string(++curve_shapes_named_));
   while (objExists(name));
   return name;
 }
@@ -151,7 +153,7 @@ std::string Commands::curve(const Value& degree, const std::vector<Vector>& poin
   if (d < 1) throw Error("curve: The degree must be at least 1.");
   if (static_cast<std::int64_t>(points.size()) <= d)
     throw Error("curve: A curve of degree " + std::to_string(d) + " needs at least degree+1 points.");
-  const NodeId transform = scene_.create_node("transform", name.empty() ? "curve1" : name);
+  const NodeId transform = scene_.create_node("transform", scene_.name_for_new(name.empty() ? "curve1" : name));
   const NodeId shape = scene_.create_node("nurbsCurve", next_curve_shape_name(), transform);
   scene_.set_curve_points(shape, static_cast<int>(d), points);
   state_.selection = {transform};

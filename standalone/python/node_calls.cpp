@@ -15,7 +15,7 @@ Value create_node(Session& session, const Arguments& a) {
   Scene& scene = session.scene();
   const std::string& type = a.text(0);
   if (!scene.is_registered_type(type)) throw Error("Unknown object type: " + type);
-  const NodeId node = scene.create_node(type, a.text(1), a.has(2) ? a.node(2) : kWorld);
+  const NodeId node = scene.create_node(type, scene.name_for_new(a.text(1)), a.has(2) ? a.node(2) : kWorld);
   return node_or_none(node);
 }
 
@@ -25,6 +25,13 @@ Value create_curve(Session& session, const Arguments& a) {
   for (std::size_t i = 0; i < points.size(); ++i)
     points[i] = {numbers[3 * i].to_float(), numbers[3 * i + 1].to_float(), numbers[3 * i + 2].to_float()};
   return session.host().cmds().curve(a.value(0), points, a.text(2));
+}
+
+// The node, its new name, and whether a relative namespace in that counts: the name that it got, and whether one was
+// dropped.
+Value rename(Session& session, const Arguments& a) {
+  const Scene::NewName wanted = session.scene().name_for_renamed(a.text(1), a.flag(2));
+  return Value::list({session.scene().rename(a.node(0), wanted.text), wanted.dropped});
 }
 
 // As ls counts: a joint is a transform, too.
@@ -72,7 +79,7 @@ const Calls& node_calls() {
 
       {"create_node", create_node},
       {"create_curve", create_curve},
-      {"rename", [](Session& s, const Arguments& a) { return Value(s.scene().rename(a.node(0), a.text(1))); }},
+      {"rename", rename},
       {"set_parent",
        [](Session& s, const Arguments& a) {
          s.scene().set_parent(a.node(0), a.has(1) ? a.node(1) : kWorld);
@@ -80,6 +87,17 @@ const Calls& node_calls() {
        }},
       {"delete", [](Session& s, const Arguments& a) { return s.scene().delete_node(a.node(0)), Value(); }},
       {"lock_node", [](Session& s, const Arguments& a) { return s.scene().lock_node(a.node(0), a.flag(1)), Value(); }},
+
+      // Namespaces are named from the root, without a colon in front; the root is "".
+      {"namespaces", [](Session& s, const Arguments&) { return list_of(s.scene().namespaces()); }},
+      {"namespace", [](Session& s, const Arguments&) { return Value(s.scene().current_namespace()); }},
+      {"set_namespace",
+       [](Session& s, const Arguments& a) { return s.scene().set_current_namespace(a.text(0)), Value(); }},
+      {"add_namespace", [](Session& s, const Arguments& a) { return s.scene().add_namespace(a.text(0)), Value(); }},
+      {"remove_namespace",
+       [](Session& s, const Arguments& a) { return s.scene().remove_namespace(a.text(0)), Value(); }},
+      {"nodes_in_namespace",
+       [](Session& s, const Arguments& a) { return list_of(s.scene().nodes_in_namespace(a.text(0))); }},
 
       {"selection", [](Session& s, const Arguments&) { return list_of(s.host().selection()); }},
       {"select", selection_set},

@@ -113,6 +113,16 @@ struct Keys {
   static Keys now(const Node& node);  // all of them
 };
 
+// Whether a namespace is there.
+struct NamespacePresence {
+  std::string name;
+  bool there;
+
+  static NamespacePresence now(const Scene::Data& scene, std::string_view name) {
+    return {std::string(name), scene.namespaces.contains(name)};
+  }
+};
+
 struct AllSettings {
   Settings settings;
 
@@ -121,7 +131,7 @@ struct AllSettings {
 
 struct Change {
   std::variant<Presence, Place, ChannelValue, StoredValue, VectorArray, OffsetMatrix, Geometry, AttributeLock, NodeLock,
-               Wire, Keys, AllSettings>
+               Wire, Keys, NamespacePresence, AllSettings>
       piece;
 };
 

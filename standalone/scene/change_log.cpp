@@ -148,6 +148,16 @@ void swap_sides(Scene::Data& scene, Keys& k) {
   k.keys = std::move(replaced);
 }
 
+void swap_sides(Scene::Data& scene, NamespacePresence& n) {
+  const bool there = scene.namespaces.contains(n.name);
+  if (n.there) {
+    scene.namespaces.insert(n.name);
+  } else {
+    scene.namespaces.erase(n.name);
+  }
+  n.there = there;
+}
+
 void swap_sides(Scene::Data& scene, AllSettings& all) {
   std::swap(scene.settings, all.settings);
   if (scene.settings.frames_per_second == all.settings.frames_per_second) return;

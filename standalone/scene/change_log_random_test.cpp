@@ -45,7 +45,7 @@ class Edits {
     return kNames[below(std::size(kNames))];
   }
   const char* name() {
-    static constexpr const char* kNames[] = {"a", "b", "a1", "handShape", "b2"};
+    static constexpr const char* kNames[] = {"a", "b", "a1", "handShape", "b2", "n:a", "n:in:b"};
     return kNames[below(std::size(kNames))];
   }
   double number() { return static_cast<double>(below(40)) / 4 - 3; }
@@ -100,7 +100,7 @@ class Edits {
   }
 
   void rare() {
-    switch (below(6)) {
+    switch (below(9)) {
       case 0:
         return s_.set_infinity(curve(), Infinity::cycle, Infinity::linear);
       case 1:
@@ -112,6 +112,12 @@ class Edits {
         return s_.set_playback_range(number(), number());
       case 4:
         return s_.set_curve_points(any(), 1, {{number(), 0, 0}, {1, 2, 3}});
+      case 5:
+        return s_.add_namespace("n:other");
+      case 6:
+        return s_.remove_namespace(below(2) ? "n:other" : "n:in");
+      case 7:
+        return s_.set_current_namespace(below(2) ? "n" : "");
       default:
         return s_.connect(any(), "o", any(), "input");
     }

@@ -199,6 +199,20 @@ TEST_F(ChangeLogTest, TheScenesOwnSettingsAreBack) {
   });
 }
 
+TEST_F(ChangeLogTest, NamespacesComeAndGoWithWhatMadeAndRemovedThem) {
+  expect_undone([&] { s.create_node("transform", "a:b:x"); });
+  expect_undone([&] { s.rename(ball, "c:d:ball"); });
+  expect_undone([&] { s.add_namespace("e:f"); });
+  const NodeId made = s.create_node("transform", "a:b:x");
+  expect_undone([&] { s.set_current_namespace("a"); });
+  expect_undone([&] {
+    s.delete_node(made);
+    s.remove_namespace("a:b");
+    s.remove_namespace("a");
+  });
+  EXPECT_TRUE(recorded([&] { s.add_namespace("a:b"); }).empty());
+}
+
 TEST_F(ChangeLogTest, ACurveThatWasAwayFollowsTheRateOfTheScene) {
   const NodeId curve = s.set_key(ball, Channel::translateX, 0, 0);
   const Key end{.time = 10, .value = 10, .in = Tangent::fixed, .in_x = 1, .in_y = 50};

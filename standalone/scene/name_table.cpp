@@ -138,6 +138,11 @@ void NameTable::forget_numbers(NodeId scope, std::string_view text) {
   }
 }
 
+std::string_view without_root(std::string_view name) {
+  while (name.starts_with(':')) name.remove_prefix(1);
+  return name;
+}
+
 std::string legal_name(std::string_view name) {
   std::string legal(name);
   char before = ':';

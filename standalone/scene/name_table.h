@@ -68,6 +68,9 @@ class NameTable {
   std::vector<Place> places_;  // by node
 };
 
+// ":name" and "name" are the same: the root namespace.
+std::string_view without_root(std::string_view name);
+
 // Illegal characters, and a digit in front, become "_".
 std::string legal_name(std::string_view name);
 

@@ -125,10 +125,11 @@ class Scene {
   // Creates a node. DAG types (transform, joint, camera, locator, mesh, nurbsCurve, registered shapes, ...) go under
   // `parent`, which the others ignore. A shape without a parent gets a transform of its own, which bears the type's
   // default name whatever the shape's is: "vlx_ball_vizShape" of type "vantorelix" hangs under "vantorelix1". An
-  // empty name gives the type's default ("joint1", "curveShape1"). An unknown type is outside the DAG, or, with a
-  // parent, in it: a shape when its type ends in "Shape" or its name holds it, else a transform that cannot be
-  // followed. Illegal characters become "_", as does a digit in front; a name already taken among siblings (outside
-  // the DAG: anywhere) gets the next free number at its end. Returns the node of that type.
+  // empty name gives the type's default ("joint1", "curveShape1"). Defaults are in the current namespace, names that
+  // are given are from the root. An unknown type is outside the DAG, or, with a parent, in it: a shape when its type
+  // ends in "Shape" or its name holds it, else a transform that cannot be followed. Illegal characters become "_", as
+  // does a digit in front; a name already taken among siblings (outside the DAG: anywhere) gets the next free number at
+  // its end. Returns the node of that type.
   NodeId create_node(std::string_view type, std::string_view name, NodeId parent = kWorld);
   // Makes a further DAG shape type known, as a loaded plug-in does. Every node of it, there already or not, has the
   // attributes, with these values until it is given its own.
@@ -138,8 +139,9 @@ class Scene {
   // Deletes the node, its descendants, what hangs on them alone (their animation curves), and a transform's shapes.
   // Throws for a locked node.
   void delete_node(NodeId node);
-  // Returns the name that the node got (made unique, shortest unique path). A transform renames its only shape along
-  // when that is called after it ("ballShape", "ballShape1" under "ball1"). Throws for a locked node.
+  // Takes a name from the root. Returns the name that the node got (made unique, shortest unique path). A transform
+  // renames its only shape along when that is called after it ("ballShape", "ballShape1" under "ball1"). Throws for a
+  // locked node.
   std::string rename(NodeId node, std::string_view name);
   // Reparents, keeping local values; renames on a clash of siblings. Throws when `parent` is the node itself or one
   // of its descendants, or no transform.
@@ -169,6 +171,29 @@ class Scene {
   // Every node that the pattern matches: "*" and "?" within one path component; a pattern without "|" matches short
   // names at any depth. In order of creation.
   std::vector<NodeId> match(std::string_view pattern) const;
+
+  // --- namespaces ---------------------------------------------------------------------------------------------
+  // A node is in the namespace that stands before the last colon of its name. Here namespaces are named from the root,
+  // without a colon in front; "" is the root, which is always there. A node's namespace is made with the node, those
+  // above it too, and stays when the node goes. The current one is where nodes go whose name says nothing else.
+  bool has_namespace(std::string_view name) const;
+  void add_namespace(std::string_view name);     // and those above it; there already, nothing happens
+  void remove_namespace(std::string_view name);  // throws unless it is there, empty and not the current one
+  const std::string& current_namespace() const;
+  void set_current_namespace(std::string_view name);  // throws unless it is there
+  std::vector<std::string> namespaces() const;        // all but the root, in alphabetical order
+  // In order of creation; what is in a namespace below it is not in it.
+  std::vector<NodeId> nodes_in_namespace(std::string_view name) const;
+  // The name from the root for a node to be made: a colon in front means the root, a namespace in the name is one from
+  // the root, and a plain name is one in the current namespace.
+  std::string name_for_new(std::string_view name) const;
+  // The same for a node to be renamed. A namespace in the name is looked up below the current one; `dropped` says that
+  // it is not there and does not count. Without `relative_counts` it never does, and that is no reason to say so.
+  struct NewName {
+    std::string text;
+    bool dropped = false;
+  };
+  NewName name_for_renamed(std::string_view name, bool relative_counts = true) const;
 
   // --- attributes ---------------------------------------------------------------------------------------------
   // Attribute names are long or short ("translateX", "tx"), without the node. Channels take radians here. Numbers that

@@ -4,10 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -72,6 +74,12 @@ struct Node {
   std::unique_ptr<Record> record;  // compiled, when somebody asked
 };
 
+// To look up a text in a table of strings without making a string of it.
+struct TextHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view text) const { return hash_of(text); }
+};
+
 // What belongs to no node.
 struct Settings {
   double frames_per_second = 24.0;
@@ -80,6 +88,7 @@ struct Settings {
   double playback_min = 1.0, playback_max = 24.0, current_time = 1.0;
   std::vector<Take> takes;
   std::size_t take = 0;
+  std::string current_namespace;
 };
 
 struct Change;
@@ -124,6 +133,8 @@ struct Scene::Data {
   std::deque<NodeType> types;
   std::unordered_map<std::string_view, NodeType*> types_by_name;
 
+  std::unordered_set<std::string, TextHash, std::equal_to<>> namespaces;  // each with those above it; without the root
+
   // What Scene::find found last: scripts speak of the same node again and again.
   struct {
     std::string name;
@@ -152,6 +163,10 @@ struct Scene::Data {
   NodeType& variant(NodeType& type, Category category);
   const std::string& text(const Node& n) const { return names.text(n.name); }
   std::string unique_name(const Node& n) const;
+  // `name` without a namespace, as it is in the current one.
+  std::string in_current_namespace(std::string_view name) const;
+  // Makes the namespace that a name is in, and those above it.
+  void make_namespace_of(std::string_view name);
   std::string plug_name(const Node& n, AttributeId attribute) const;
   std::string plug_name(const Node& n, std::string_view attribute) const;
   Extras& extras(Node& n) const;

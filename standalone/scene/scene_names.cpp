@@ -6,12 +6,6 @@
 namespace vantorelix::standalone {
 namespace {
 
-// ":name" and "name" are the same node: the root namespace.
-std::string_view without_root(std::string_view name) {
-  if (name.starts_with(':')) name.remove_prefix(1);
-  return name;
-}
-
 bool glob(std::string_view pattern, std::string_view text) {
   std::size_t p = 0, t = 0, star = std::string_view::npos, resume = 0;
   while (t < text.size()) {

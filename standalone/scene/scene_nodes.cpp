@@ -22,6 +22,7 @@ Node& enter(Scene::Data& scene, NodeType& type, std::string_view name, NodeId pa
   CurveKind kind{};
   if (is_curve_type(type.name, kind)) node.curve = std::make_unique<AnimCurve>(kind, scene.settings.frames_per_second);
   scene.nodes.push_back(std::move(fresh));
+  scene.make_namespace_of(name);
   node.name = scene.names.add(scope_of(scene, node), name, node.id);
   type.nodes.push_back(node.id);
   if (scene.is_dag(node)) attach(scene, node);
@@ -37,7 +38,8 @@ Node& make(Scene::Data& scene, NodeType& type, std::string_view name, NodeId par
 
 // "polySurface1" and "polySurfaceShape1" get the same number where they can.
 std::string default_name(Scene::Data& scene, const NodeType& type) {
-  return scene.names.free_name(NameTable::kGlobalScope, std::string(default_stem(type.name)) + "1", true);
+  const std::string first = scene.in_current_namespace(std::string(default_stem(type.name)) + "1");
+  return scene.names.free_name(NameTable::kGlobalScope, first, true);
 }
 
 std::string shape_name_for(std::string_view transform) {
@@ -62,6 +64,7 @@ void rename_to(Scene::Data& scene, Node& node, const std::string& wanted) {
   } catch (...) {
     name = before;
   }
+  scene.make_namespace_of(name);
   node.name = scene.names.add(scope, name, node.id);
 }
 
@@ -202,7 +205,7 @@ std::string Scene::rename(NodeId id, std::string_view name) {
   Data& d = *data_;
   Node& node = d.at(id);
   if (node.locked) throw host::Error("Node '" + d.unique_name(node) + "' is locked and cannot be renamed.");
-  while (!name.empty() && name.front() == ':') name.remove_prefix(1);
+  name = without_root(name);
   if (name.empty()) throw host::Error("New name has no legal characters.");
   const std::string wanted = legal_name(name);
   const std::string before = d.text(node);

@@ -40,6 +40,7 @@ inline std::string description(const Scene& s) {
   out.precision(17);
   out << s.frames_per_second() << s.linear_unit() << s.up_axis() << s.playback_min() << ' ' << s.playback_max() << ' '
       << s.current_time() << ' ' << s.takes().size() << s.take() << '\n';
+  for (const std::string& name : s.namespaces()) out << (name == s.current_namespace() ? " in " : " ") << name;
   for (const NodeId root : s.children(kWorld)) out << root << ' ';
   for (const NodeId node : s.nodes()) {
     out << '\n'

@@ -74,6 +74,10 @@ display_filters = {}  # of plug-ins: name -> [label, classification, how often i
 hidden = set()  # (panel, what it does not show: "locators", or a display filter)
 messages = []  # what was shown in the viewport, texts of inViewMessage
 undoing = ""  # "undo" or "redo", while one is at work
+# Maya's page of `rename` says two things of a namespace in the new name that does not begin with a colon. By its example
+# one that exists below the current namespace counts, and any other is dropped with a warning; by its text (False) none
+# counts.
+rename_looks_up_namespaces = True
 failures = 0  # how many errors were shown as tracebacks because nobody could be given them
 
 
@@ -150,7 +154,7 @@ def command(name):
 def restart(batch=False, plugin_loaded=True, preferences=None, user_app_dir=None):
     """A fresh start of the host with an empty scene: no callbacks, no deferred calls, no option variables but those of
     the JSON file `preferences`."""
-    global _session, failures
+    global _session, failures, rename_looks_up_namespaces
     if _listening:
         raise RuntimeError("restart: not from a callback, whose edit goes on after it; call it later, "
                            "as with maya.utils.executeDeferred")
@@ -162,6 +166,7 @@ def restart(batch=False, plugin_loaded=True, preferences=None, user_app_dir=None
     if plugin_loaded:
         plugins["Vantorelix_plugin"] = (None, None)
     failures = 0
+    rename_looks_up_namespaces = True
     old, _session = _session, fresh
     if old:
         _check(_library.vlx_close(old))

@@ -3,6 +3,7 @@
 from .._ui import COMMANDS as _CONTROLS
 from .animation import *
 from .attributes import *
+from .namespaces import *
 from .nodes import *
 from .session import *
 from .ui import *

@@ -163,7 +163,11 @@ def createNode(type, *, name="", parent=None, skipSelect=False):
 
 @undoable
 def rename(old, new):
-    return host.call("rename", node_named(old), new)
+    """A namespace in the new name counts where it begins with a colon. For one that does not see `maya.host`."""
+    name, dropped = host.call("rename", node_named(old), new, host.rename_looks_up_namespaces)
+    if dropped:
+        host.show_warning("Removing invalid characters from name")
+    return name
 
 
 _IDENTITY = [1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0]
