@@ -11,11 +11,12 @@ finds it on the path, each time its own text runs: then it holds for menu, shelf
 
 import types
 
+import Vantorelix_names
 import Vantorelix_trails
 import Vantorelix_undo
 
 # Each has `commands(engine, cmds)`: its own commands by name, over the handle `cmds`, which is that of the part before.
-PARTS = (Vantorelix_undo, Vantorelix_trails)
+PARTS = (Vantorelix_undo, Vantorelix_trails, Vantorelix_names)
 
 
 def _handle(maya, own):

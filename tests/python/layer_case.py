@@ -10,7 +10,7 @@ from unittest import mock
 from companion import COMPANION, HostTest
 from support import import_engine
 
-LAYER = ("Vantorelix_layer", "Vantorelix_undo", "Vantorelix_trails")
+LAYER = ("Vantorelix_layer", "Vantorelix_undo", "Vantorelix_trails", "Vantorelix_names")
 
 
 def forget_layer():
