@@ -8,7 +8,9 @@ import functools
 import logging
 from collections import namedtuple
 
+import maya.cmds as cmds
 import Vantorelix_engine as engine
+from Vantorelix_undo import step
 
 TITLE = "Vantorelix"
 MODES = ("Standard", "Spacing", "Flow", "Beats")
@@ -55,9 +57,11 @@ def callback(function, *arguments):
 
 
 def change(label, function, *arguments):
-    """Does what changes the scene at the user's wish; `label` is what the user knows it by."""
+    """Does what changes the scene at the user's wish, as one step of Maya's undo queue; `label` is what the user knows it
+    by."""
     log.debug(label)
-    function(*arguments)
+    with step(cmds, label):
+        function(*arguments)
 
 
 # `name` is for ever, as users' hotkeys hold it; `place` is the direction in a marking menu, None for its list; `run`

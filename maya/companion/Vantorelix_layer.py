@@ -9,6 +9,7 @@ finds it on the path, each time its own text runs: then it holds for menu, shelf
 `om` and `oma` stay Maya's own modules: `om` is asked for every sample.
 """
 
+import functools
 import types
 
 import Vantorelix_names
@@ -23,7 +24,7 @@ def _handle(maya, own):
     """Commands of our own, and Maya's for the rest, looked up at each call as a tool may have wrapped one meanwhile. A
     plain module: the engine finds what is in a plain module without asking for attributes."""
     handle = types.ModuleType("Vantorelix_layer.cmds")
-    vars(handle).update(own, __getattr__=lambda name: getattr(maya, name))
+    vars(handle).update(own, __getattr__=functools.partial(getattr, maya))
     return handle
 
 

@@ -6,15 +6,13 @@ node, which holds for one node alone whatever its name, for as long as Maya coul
 and redo the registry is made to fit the scene.
 """
 
-import maya.api.OpenMaya as om
-
 
 class _Trail(object):
     """One that the engine has or had: its key in the registry, its settings, which are the registry's own, its node."""
 
     def __init__(self, key, settings, node):
         self.key, self.settings = key, settings
-        self.handle = om.MObjectHandle(node)
+        self.handle = _engine.om.MObjectHandle(node)
         self.gone = False  # its node was not in the scene at some time
         self.told = False  # that it is back, but cannot live
 
@@ -27,7 +25,7 @@ class _Trail(object):
 
 def _node(name):
     """The one node of that name; None where there is none, or several."""
-    found = om.MSelectionList()
+    found = _engine.om.MSelectionList()
     try:
         found.add(name)
     except Exception:  # Not there, or no name: the registry is open to scripts.
@@ -59,7 +57,7 @@ def note():
 def _watch():
     for event in ("Undo", "Redo"):
         if len(_events) < 2:
-            _events.append(om.MEventMessage.addEventCallback(event, _settle))
+            _events.append(_engine.om.MEventMessage.addEventCallback(event, _settle))
 
 
 def _settle(*_ignored):
