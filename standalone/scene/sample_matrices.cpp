@@ -300,6 +300,7 @@ host::Vector translation_of(Evaluation& e, Record& r, double frame) {
   move_offset(r, frame);
   if (r.has_offset) t = transform_point(t, r.offset);
   if (!inherits(r)) return t;
+  if (alone) return transform_point(t, r.parent->current);  // what is remembered may be from before it stood still
   if (const AffineView parent = remembered(e, *r.parent)) return transform_point(t, parent);
   know_for(e, r, *r.parent);
   return transform_point(t, r.parent->current);

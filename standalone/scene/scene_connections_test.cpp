@@ -51,6 +51,16 @@ TEST_F(SceneConnections, ANewSourceReplacesTheOld) {
   EXPECT_DOUBLE_EQ(x(a, 3), 6);
 }
 
+TEST_F(SceneConnections, AParentThatStandsStillAgainIsNotWhereItWas) {
+  const NodeId child = s.create_node("transform", "child", a);
+  s.connect(line, "output", a, "tx");
+  s.connect(ramp("other", 2), "output", child, "sy");
+  EXPECT_EQ(x(a, 7), 7);
+  EXPECT_EQ(x(child, 7), 7);
+  s.delete_node(line);
+  EXPECT_EQ(x(child, 7), 0);
+}
+
 TEST_F(SceneConnections, AUnitConversionScales) {
   const NodeId conversion = s.create_node("unitConversion", "u");
   s.connect(line, "o", conversion, "i");

@@ -22,12 +22,19 @@ inline void describe_curve(std::ostream& out, const AnimCurve& curve) {
         << ' ' << key.in_x << ' ' << key.out_y << ')';
 }
 
+// Not numbers are equal here.
+inline bool is_same(const host::Vector& a, const host::Vector& b) {
+  const auto same = [](double x, double y) { return x == y || (x != x && y != y); };
+  return same(a.x, b.x) && same(a.y, b.y) && same(a.z, b.z);
+}
+
 inline void describe_transform(std::ostream& out, const Scene& s, NodeId node) {
   for (int c = 0; c < static_cast<int>(Channel::count); ++c) out << ' ' << s.channel(node, static_cast<Channel>(c));
   for (const double frame : {1.0, 7.5}) {
     const Affine matrix = s.world_matrix(node, frame);
     for (const auto& row : matrix.m) out << ' ' << row[0] << ' ' << row[1] << ' ' << row[2];
-    Evaluator(s, node).translation(frame);  // nothing that it remembers may outlive what it is of
+    if (!is_same(Evaluator(s, node).translation(frame), matrix.translation()))
+      throw std::logic_error("both ways to a world matrix differ");
   }
   out << " drivers";
   for (const NodeId curve : s.driving_curves(node)) out << ' ' << curve;
