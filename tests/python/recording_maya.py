@@ -4,6 +4,7 @@ A call is (what, positional arguments, keywords), where `what` is as a script wr
 "om.MSelectionList", "om.MSelectionList.add", "time.time". `Maya.fail(k, error)` makes the k-th call from then on raise.
 """
 
+import os
 import sys
 import types
 
@@ -31,7 +32,7 @@ class Maya(object):
         self.loaded = True
         self.batch = False
         self.busy = set()  # of "isReadingFile", ..., "isPlaying"
-        self.user_folder = ""
+        self.user_folder = os.devnull + "/"  # in which no folder can be made
         self.install()
 
     # --- recording ---------------------------------------------------------------------------------------------
