@@ -45,6 +45,18 @@ PyObject* insert(PyObject* self, PyObject* arguments) {
   });
 }
 
+// Of a list that grows meanwhile, itself under another object for one, only what it holds now.
+PyObject* extend(PyObject* self, PyObject* values) {
+  return answer([&] {
+    const Ref snapshot = checked(PySequence_List(values));
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(snapshot.get()); ++i) {
+      host::Value given = value_of(PyList_GET_ITEM(snapshot.get(), i));
+      list_in(self)->push_back(std::move(given));
+    }
+    return none();
+  });
+}
+
 Ref as_list(PyObject* self) { return checked(PySequence_List(self)); }
 
 bool is_holder(PyObject* object);
@@ -62,7 +74,8 @@ PyObject* representation(PyObject* self) {
 }
 
 PyObject* holder_type() {
-  static PyMethodDef methods[] = {{"insert", insert, METH_VARARGS, "insert(index, value)"},
+  static PyMethodDef methods[] = {{"extend", extend, METH_O, "extend(values)"},
+                                  {"insert", insert, METH_VARARGS, "insert(index, value)"},
                                   {nullptr, nullptr, 0, nullptr}};
   static PyType_Slot slots[] = {{Py_sq_length, reinterpret_cast<void*>(length)},
                                 {Py_sq_item, reinterpret_cast<void*>(item)},

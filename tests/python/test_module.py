@@ -3,6 +3,7 @@
 import importlib
 import os
 import sys
+import tempfile
 import unittest
 
 from support import MODULE, EngineTest
@@ -166,6 +167,13 @@ class Results(EngineTest):
         ref[0] = 100.0
         self.assertEqual(e._REGISTRY["vlx_ball_viz"]["ref"], [100.0])
 
+    def test_a_reference_that_is_extended_by_itself_is_doubled(self):
+        self.make_trail()
+        settings = self.engine._REGISTRY["vlx_ball_viz"]
+        settings["ref"].extend(settings["ref"])
+        settings["ref"] += (value for value in (2.0, 3.0))
+        self.assertEqual(settings["ref"], [1.0, 1.0, 2.0, 3.0])
+
     def test_the_sample_order_is_an_iterator(self):
         order = self.engine._bisect_indices(9)
         self.assertEqual(next(order), 0)
@@ -210,6 +218,35 @@ class Results(EngineTest):
         arrays = [call[1][0] for call in self.maya.taken() if call[0] == "om.MVectorArray"]
         self.assertIs(arrays[0], item["pos"], "positions go out as the object that came in")
         self.assertEqual((self.maya.shape("ball")["startFrame"], self.maya.shape("ball")["frameStep"]), (3.0, 1.0))
+
+
+    def test_nothing_to_colour_gives_a_reference_of_zero(self):
+        e = self.engine
+        for function in (e._t_from_spacing, e._colors_from_positions):
+            for empty in (None, []):
+                result, reference = function([], empty)
+                self.assertEqual((result, list(reference)), ([], [0.0]))
+                self.assertIsNot(reference, empty)
+            kept = [2.0]
+            self.assertIs(function([], kept)[1], kept)
+
+    def test_no_version_is_an_empty_one(self):
+        with tempfile.TemporaryDirectory() as folder:
+            self.maya.user_folder = folder
+            for version, parts in ((None, []), ("", []), ("2024.1", ["2024"]), (" 2025 ", ["2025"])):
+                self.maya.cmds.about = lambda version, answer=version: answer
+                found = self.engine._maya_user_plugins_dir()
+                self.assertEqual(os.path.normpath(found), os.path.join(folder, *parts + ["plug-ins"]))
+
+    def test_an_allowed_list_of_any_kind_is_converted(self):
+        with tempfile.TemporaryDirectory() as folder:
+            known = [{folder: 1}, (folder,), {folder}, iter([folder]), folder, folder.encode()]
+            for stored in known + [{"elsewhere": 1}, 7, None, []]:
+                added = []
+                self.maya.cmds.optionVar = lambda **flags: stored if "q" in flags else added.append(flags)
+                self.engine._whitelist_folder(folder)
+                wanted = [] if stored in known else [{"stringValueAppend": ("SafeModeAllowedlistPaths", folder)}]
+                self.assertEqual(added, wanted, stored)
 
 
 class Errors(EngineTest):
