@@ -43,11 +43,12 @@ class Application(object):
         self.range = (1.0, float(frames))
         self.deferred, self.listeners = [], {}
         self.now, self.tick = 1000.0, 0.0
-        self.om = silent_maya.install()
+        silent_maya.install()
+        import maya.api.OpenMaya as om
         import maya.api.OpenMayaAnim as oma
         import maya.cmds as cmds
         self.add_commands(cmds)
-        self.add_messages(oma)
+        self.add_messages(om, oma)
         self.clock = types.ModuleType("time")
         self.clock.time = self.look
 
@@ -73,13 +74,13 @@ class Application(object):
         for name in ("parent", "select", "delete", "group", "refresh", "inViewMessage", "warning"):
             setattr(cmds, name, lambda *arguments, **flags: None)
 
-    def add_messages(self, oma):
+    def add_messages(self, om, oma):
         listen = staticmethod(self.listen)
         oma.MAnimMessage = type("MAnimMessage", (), {"addAnimCurveEditedCallback": listen,
                                                      "addAnimKeyframeEditedCallback": listen})
         oma.MAnimControl = type("MAnimControl", (), {"isPlaying": staticmethod(lambda: False)})
-        self.om.MDGMessage = type("MDGMessage", (), {"addNodeRemovedCallback": listen})
-        self.om.MMessage = type("MMessage", (), {"removeCallback": staticmethod(self.listeners.pop)})
+        om.MDGMessage = type("MDGMessage", (), {"addNodeRemovedCallback": listen})
+        om.MMessage = type("MMessage", (), {"removeCallback": staticmethod(self.listeners.pop)})
 
     def listen(self, function, *client_data):
         identifier = max(self.listeners or [0]) + 1
