@@ -5,10 +5,10 @@
     python3 bench/python/soak.py MODULE_FOLDER --peak TRAILS FRAMES
 
 Two short trails follow N edits of the animation, each rebuilt to its end by deferred calls, on a `maya` that does
-nothing and with a clock that the script turns, so that the quiet before a rebuild takes no time. Every fourth edit comes
-in the middle of a rebuild, whose record is discarded then, and is looked at as scripts do; every hundredth edit all
-trails are cleared and made again, and every thousandth the module is reloaded. Exit code 1 when the resident memory has
-grown by more than a megabyte since edit 10,000.
+nothing and with a clock that the script turns: the quiet before a rebuild takes no time. Every fourth edit comes in the
+middle of a rebuild, whose record is looked at as scripts do, and discarded then; every hundredth edit all trails are
+cleared and made again, and every thousandth the module is reloaded. Exit code 1 when the resident memory has grown by
+more than a megabyte since edit 10,000.
 
 With --peak, one rebuild of so many trails and frames: the resident memory before, at most, and after.
 """

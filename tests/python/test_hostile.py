@@ -21,11 +21,12 @@ class Hostile(unittest.TestCase):
         outcome = runner.run(group, FULL)
         failures = sorted(outcome.failures.items())
         told = ["%s: %s" % failure for failure in failures[:SHOWN]] + [name for name, _ in failures[SHOWN:]]
-        self.assertEqual(failures, [], "\n\n".join(["%d of %d" % (len(failures), outcome.run)] + told))
+        if failures:
+            self.fail("\n\n".join(["%d of %d" % (len(failures), outcome.run)] + told))
         self.assertGreaterEqual(outcome.run, least)
 
     def test_every_call_survives_every_disturbance_inside_it(self):
-        self.expect_none("calls", 10000 if FULL else 400)
+        self.expect_none("calls", 9000 if FULL else 300)
 
     def test_every_answer_and_error_of_a_call_is_survived(self):
         self.expect_none("answers", 3000 if FULL else 200)
@@ -34,7 +35,7 @@ class Hostile(unittest.TestCase):
         self.expect_none("values", 10000 if FULL else 500)
 
     def test_every_field_of_every_item_is_readable_at_any_time(self):
-        self.expect_none("items", 100)
+        self.expect_none("items", 144 if FULL else 36)
 
     def test_what_once_brought_it_down_does_so_no_more(self):
         self.expect_none("named", 15)

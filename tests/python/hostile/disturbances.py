@@ -145,7 +145,8 @@ def _emptied(handle):
 
 
 BY_NAME = {f.__name__.replace("_", " "): f for f in (
-    step, pump, pump_to_the_end, edit_and_step, clear, create, clear_and_create, rebuild_at_once, reload, import_another,
+    step, pump, pump_to_the_end, edit_and_step, clear, create, clear_and_create, rebuild_at_once, reload,
+    import_another,
     empty_registry, assign_registry, replace_settings, empty_settings, no_work, work_of_a_script, no_callbacks,
     no_handler, read_everything, mutate, new_scene, new_scene_and_queue, interrupt, fail)}
 for _handle in ("cmds", "om", "oma", "time"):

@@ -178,7 +178,7 @@ ENDS = {"finishing": lambda world: world.run_queue(), "clearing": lambda world: 
 
 
 def cases(full):
-    for trails in (1, 2, 3, 7):
+    for trails in (1, 2, 3, 7) if full else (2,):
         for tick in TICKS:
             given = "%d trails, %s s a look" % (trails, tick)
             for check in (through_a_rebuild, inside_every_call, finished_by_hand, left_behind):

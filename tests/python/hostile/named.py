@@ -176,9 +176,11 @@ def a_list_is_emptied_by_an_item_that_is_converted():
     uses = [lambda items: e._smooth(items), lambda items: e._t_from_spacing(items),
             lambda items: e._sample_at_times("|ball", items), lambda items: e._colors_from_positions(items),
             lambda items: e._set_vector_array_attr("vlx_ball_vizShape", "points", items),
-            lambda items: e._push_data_to_viz("vlx_ball_viz", [items] * 4, items), lambda items: e._catmull_point(*[items] * 4 + [0.5]),
+            lambda items: e._push_data_to_viz("vlx_ball_viz", [items] * 4, items),
+            lambda items: e._catmull_point(*[items] * 4 + [0.5]),
             lambda items: e._smooth_fill(5, {0: items}), lambda items: e.compute_beats_colors(5, 1.0, 1.0, items),
-            lambda items: e._colors_from_positions([items, items]), lambda items: e._colors_from_positions([tuple(items)] * 3)]
+            lambda items: e._colors_from_positions([items, items]),
+            lambda items: e._colors_from_positions([tuple(items)] * 3)]
     for use in uses:
         items, outer = [], []
         items.extend(Emptying([items, outer]) for _ in range(100))
@@ -198,7 +200,8 @@ def an_answer_is_emptied_by_an_item_that_is_converted():
         answer.extend(Emptying([answer]) for _ in range(20))
         original = getattr(world.maya.cmds, name)
         setattr(world.maya.cmds, name, lambda *arguments, **keywords: answer)
-        for use in (world.make_trails, world.engine._rebuild_all, world.engine.convert_to_nurbs, world.engine.trail_count):
+        for use in (world.make_trails, world.engine._rebuild_all, world.engine.convert_to_nurbs,
+                    world.engine.trail_count):
             try:
                 use()
             except Exception:
@@ -254,7 +257,8 @@ def a_value_in_the_settings_reaches_for_the_registry_at_its_end():
             lambda: e._REGISTRY.__delitem__("vlx_1_viz"), lambda: e._REGISTRY.popitem(),
             lambda: e._REGISTRY.__setitem__("vlx_1_viz", {"source": "|x"}),
             lambda: setattr(e, "_REGISTRY", {"vlx_1_viz": {"source": "|x"}}),
-            lambda: settings().__setitem__("note", 1), lambda: settings().clear(), lambda: settings().__delitem__("ref"),
+            lambda: settings().__setitem__("note", 1), lambda: settings().clear(),
+            lambda: settings().__delitem__("ref"),
             lambda: settings()["ref"].__setitem__(0, 1.0), lambda: settings()["ref"].__delitem__(0),
             lambda: settings()["ref"].clear(), lambda: e.clear_trails(), lambda: importlib.reload(e)]
     for number, way in enumerate(ways):

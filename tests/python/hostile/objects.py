@@ -44,14 +44,16 @@ def objects_of_their_classes_are_made_by_hand():
     for name, each in _objects(world).items():
         kind = type(each)
         made = []
-        _try(lambda: made.append(kind()), lambda: made.append(kind.__new__(kind)), lambda: made.append(object.__new__(kind)),
+        _try(lambda: made.append(kind()), lambda: made.append(kind.__new__(kind)),
+             lambda: made.append(object.__new__(kind)),
              lambda: made.append(kind("name")), lambda: made.append(type("Derived", (kind,), {})()),
              lambda: made.append(type("Derived", (kind,), {"__init__": lambda self: None})("x")),
              lambda: made.append(kind.__new__(type("Derived", (kind,), {}))), lambda: each.__init__(),
              lambda: each.__init__({}), lambda: each.__init__([1.0]))
         for other in made:
             _try(lambda: repr(other), lambda: len(other), lambda: list(other), lambda: other["viz"], lambda: other[0],
-                 lambda: other(1.0), lambda: next(other), lambda: other._GEN, lambda: other == each, lambda: hash(other))
+                 lambda: other(1.0), lambda: next(other), lambda: other._GEN, lambda: other == each,
+                 lambda: hash(other))
         del made
         gc.collect()
     world.must_be_usable()
@@ -123,7 +125,8 @@ def a_reference_is_changed_by_its_own_values():
             lambda held: held.clear(), lambda held: held.insert(0, 1.0), lambda held: held.reverse(),
             lambda held: held.remove(1.0), lambda held: held.index(1.0), lambda held: held.count(1.0),
             lambda held: held == [1.0, 2.0], lambda held: list(held), lambda held: held.extend(list(held)),
-            lambda held: held.__iadd__([held]), lambda held: e._rebuild_all(), lambda held: e._t_from_spacing([1.0], held),
+            lambda held: held.__iadd__([held]), lambda held: e._rebuild_all(),
+            lambda held: e._t_from_spacing([1.0], held),
             lambda held: e._REGISTRY.clear()]
     for way in ways:
         world.make_trails()
@@ -139,12 +142,14 @@ def a_reference_is_changed_by_its_own_values():
 
 def the_module_itself_is_taken_apart():
     for ruin in (lambda e: vars(e).clear(), lambda e: setattr(e, "__class__", types.ModuleType),
-                 lambda e: delattr(e, "_REGISTRY"), lambda e: delattr(e, "__name__"), lambda e: setattr(e, "__file__", 3),
+                 lambda e: delattr(e, "_REGISTRY"), lambda e: delattr(e, "__name__"),
+                 lambda e: setattr(e, "__file__", 3),
                  lambda e: e.__init__("other"), lambda e: sys.modules.pop("Vantorelix_engine"),
-                 lambda e: sys.modules.update(Vantorelix_engine=None), lambda e: [delattr(e, n) for n in list(vars(e))]):
+                 lambda e: sys.modules.update(Vantorelix_engine=None), 
+                 lambda e: [delattr(e, n) for n in list(vars(e))]):
         world = _world()
         e = world.engine
-        functions = [getattr(e, name) for name in ("create_trail", "_rebuild_step", "clear_trails", "_msg", "_ensure_plugin")]
+        functions = [e.create_trail, e._rebuild_step, e.clear_trails, e._msg, e._ensure_plugin]
         kept = e._WORK["items"]
         _try(lambda: ruin(e))
         for function in functions:
@@ -161,7 +166,8 @@ def the_module_itself_is_taken_apart():
 def the_compiled_part_is_started_with_anything():
     world = _world()
     import _vantorelix
-    for odd in (None, 3, "name", object(), types, type("Odd", (types.ModuleType,), {})("odd"), types.ModuleType("bare"), {}):
+    for odd in (None, 3, "name", object(), types, type("Odd", (types.ModuleType,), {})("odd"),
+                types.ModuleType("bare"), {}):
         _try(lambda: _vantorelix.start(odd))
         _try(lambda: world.engine._rebuild_step(), lambda: world.engine.create_trail(), lambda: world.engine._msg("x"),
              lambda: world.engine.clear_trails())

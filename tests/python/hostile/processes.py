@@ -24,7 +24,8 @@ def _process(*parts, status=0):
     tests = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
     script = START % tests + "".join(map(textwrap.dedent, parts))
     with tempfile.TemporaryFile() as out:
-        ended = subprocess.call([sys.executable, "-X", "faulthandler", "-c", script], stdout=out, stderr=out, timeout=50)
+        ended = subprocess.call([sys.executable, "-X", "faulthandler", "-c", script], stdout=out, stderr=out,
+                                timeout=50)
         out.seek(0)
         words = out.read().decode("utf-8", "replace")
     need(ended == status, "it ended with", ended, "\n" + words)

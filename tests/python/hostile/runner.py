@@ -39,8 +39,8 @@ class _Child(object):
     def __init__(self, arguments):
         self.errors, self.folder = tempfile.TemporaryFile(), tempfile.TemporaryDirectory()
         self.journal, end = os.pipe()
-        self.process = subprocess.Popen([sys.executable, "-X", "faulthandler", CHILD, "--journal", str(end)] + arguments,
-                                        pass_fds=[end], stdin=subprocess.DEVNULL, stdout=self.errors,
+        command = [sys.executable, "-X", "faulthandler", CHILD, "--journal", str(end)] + arguments
+        self.process = subprocess.Popen(command, pass_fds=[end], stdin=subprocess.DEVNULL, stdout=self.errors,
                                         stderr=self.errors, cwd=self.folder.name, env=environment(self.folder.name))
         os.close(end)
 

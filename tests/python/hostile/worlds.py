@@ -1,4 +1,4 @@
-"""The engine on a `maya` of which every call can be disturbed: the recording stand-in, and our package over a real scene."""
+"""The engine on a `maya` of which every call can be disturbed: the recording stand-in, or our package over a scene."""
 
 import functools
 import importlib
@@ -158,7 +158,8 @@ class World(object):
             check_item(item)
         e.clear_trails()
         self.run_queue()
-        need((len(e._REGISTRY), e._CB_ID, e._WORK, e._PENDING) == (0, None, None, False), "clearing leaves state behind")
+        need((len(e._REGISTRY), e._CB_ID, e._WORK, e._PENDING) == (0, None, None, False),
+             "clearing leaves state behind")
         self.mend_scene()
         self.make_trails()
         need(len(e._REGISTRY) == len(self.objects), "fresh trails are in the registry:", dict(e._REGISTRY))
@@ -311,7 +312,7 @@ class _Spy(object):
 class RealWorld(World):
     """Our package `maya` with the example of an arm open, a short range, and what `names_called` has found wrapped."""
 
-    names, frames = ["fingertip", "wrist"], (1.0, 4.0)
+    names, frames = ["fingertip"], (1.0, 4.0)
     names_called = ()
     scripts = None  # the package's own commands, unwrapped
 
@@ -352,7 +353,8 @@ class RealWorld(World):
         self.scripts.file(newFile=True, force=True)
 
     def mend_scene(self):
-        self.open()
+        if not self.scripts.objExists(self.names[0]):
+            self.open()
 
     def change_motion(self):
         pass  # the edit does it
@@ -363,7 +365,8 @@ class RealWorld(World):
                 for i in range(int(last - first) + 1)]
 
     def points(self, name):
-        return [tuple(point) for point in self.scripts.getAttr("vlx_%s_vizShape.points" % name)]
+        [shape] = self.scripts.listRelatives("vlx_%s_viz" % name, shapes=True, fullPath=True)
+        return [tuple(point) for point in self.scripts.getAttr(shape + ".points")]
 
     def lose(self, name):
         self.scripts.delete(name)
