@@ -145,7 +145,7 @@ def the_module_itself_is_taken_apart():
                  lambda e: delattr(e, "_REGISTRY"), lambda e: delattr(e, "__name__"),
                  lambda e: setattr(e, "__file__", 3),
                  lambda e: e.__init__("other"), lambda e: sys.modules.pop("Vantorelix_engine"),
-                 lambda e: sys.modules.update(Vantorelix_engine=None), 
+                 lambda e: sys.modules.update(Vantorelix_engine=None),
                  lambda e: [delattr(e, n) for n in list(vars(e))]):
         world = _world()
         e = world.engine

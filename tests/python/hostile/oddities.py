@@ -189,7 +189,7 @@ PLAIN = {
     "1e300": 1e300, "empty text": "", "name": "|ball", "lone surrogate": "\ud800", "zero byte": "a\0b",
     "bytes": b"|ball",
     "complex": 1j, "type": dict, "function": len, "module": sys, "ellipsis": Ellipsis, "frozen": frozenset([1]),
-    "decimal": decimal.Decimal("nan"), "fraction": fractions.Fraction(1, 3), "empty tuple": (), 
+    "decimal": decimal.Decimal("nan"), "fraction": fractions.Fraction(1, 3), "empty tuple": (),
     "pairs": ((1, 2), (3, 4)),
     "triples": ((0.0, 1.0, 2.0),) * 4, "nans": [(float("nan"),) * 3] * 4, "infinities": [(float("inf"),) * 3] * 4,
     "huge": [(1e308, -1e308, 1e308), (-1e308, 1e308, -1e308)], "range": range(4),
