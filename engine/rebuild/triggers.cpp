@@ -1,5 +1,7 @@
 #include "engine/rebuild/triggers.h"
 
+#include <cstdint>
+
 #include "engine/frame/attempt.h"
 #include "engine/frame/constants.h"
 #include "engine/rebuild/queue.h"
@@ -39,7 +41,7 @@ void _schedule_rebuild() {
   if (_REGISTRY.empty()) return;
   if (_is_file_io()) return;
   // Before the test of _PENDING: an edit during a rebuild makes the work in progress stale and prolongs the debounce.
-  ++_GEN;
+  _GEN = static_cast<std::int64_t>(static_cast<std::uint64_t>(_GEN) + 1);  // a script may have set it to the last one
   _LAST_EDIT = interpreter->time();
   free_discarded_items(kFreedWithEdit);
   if (_PENDING) return;
