@@ -368,6 +368,7 @@ class Long(PluginTest):
 
     def test_an_update_takes_python_the_same_steps_for_any_number_of_samples(self):
         for mode in (STANDARD, SPACING, FLOW, BEATS):
+            self.steps(mode, 10)  # Python 3.12 tells of these steps only from the second time on
             few = self.steps(mode, 10)
             self.assertGreater(few, 100)
             self.assertEqual(self.steps(mode, 300), few, mode)
