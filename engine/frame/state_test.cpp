@@ -290,8 +290,7 @@ TEST_F(DiscardedItems, MayBeFreedWhileOneOfThemGoes) {
   EXPECT_EQ(living(), 0);
 }
 
-// --- values whose end looks at where they were
-// -------------------------------------------------------------------------
+// --- values whose end looks at where they were -------------------------------------------------------------------
 
 // Runs `last` when it goes.
 struct Ending : host::Object {

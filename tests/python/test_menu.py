@@ -56,15 +56,6 @@ def qt(package):
 NO_QT = {name: None for name in ("PySide2", "PySide6")}
 
 
-def qt(package):
-    """Modules that stand for Qt's, under the name of `package`."""
-    gui, widgets = types.ModuleType(package + ".QtGui"), types.ModuleType(package + ".QtWidgets")
-    gui.QCursor = types.SimpleNamespace(pos=lambda: (300, 200))
-    widgets.QMenu = Menu
-    widgets.QApplication = types.SimpleNamespace(activeWindow=lambda: "Maya")
-    return {package: types.ModuleType(package), gui.__name__: gui, widgets.__name__: widgets}
-
-
 class Import(MenuTest):
     ALLOWED = {"about", "runTimeCommand"}
 
