@@ -3,18 +3,16 @@
 
 #include <stdexcept>
 
-#include "engine/frame/state.h"
 #include "engine/rebuild/queue.h"
 #include "engine/rebuild/triggers.h"
-#include "standalone/wall_clock.h"
+#include "engine/state/state.h"
+#include "standalone/host/wall_clock.h"
 
 namespace vantorelix::bench {
 namespace {
 
 using host::Callback;
 using host::Value;
-using host::Vector;
-using host::Vectors;
 
 constexpr double kFrames = 100'000;
 

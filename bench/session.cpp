@@ -9,10 +9,10 @@
 #include <utility>
 
 #include "bench/clock.h"
-#include "engine/frame/constants.h"
-#include "engine/frame/state.h"
-#include "engine/trails/create.h"
-#include "engine/trails/queries.h"
+#include "engine/commands/clear.h"
+#include "engine/commands/create.h"
+#include "engine/state/constants.h"
+#include "engine/state/state.h"
 
 namespace vantorelix::bench {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "bench/scenes.h"
-#include "standalone/host.h"
+#include "standalone/host/host.h"
 
 namespace vantorelix::bench {
 

@@ -16,8 +16,8 @@
 #include <vector>
 
 #include "bench/session.h"
-#include "engine/frame/constants.h"
-#include "standalone/wall_clock.h"
+#include "engine/state/constants.h"
+#include "standalone/host/wall_clock.h"
 
 namespace vantorelix::bench {
 namespace {

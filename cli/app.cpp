@@ -11,7 +11,7 @@
 #include "cli/failure.h"
 #include "cli/interrupt.h"
 #include "cli/terminal.h"
-#include "engine/frame/constants.h"
+#include "engine/state/constants.h"
 #include "host/error.h"
 
 namespace vantorelix::cli {

@@ -16,7 +16,6 @@
 namespace vantorelix::cli {
 namespace {
 
-using host::Vector;
 using nlohmann::json;
 using support::shared;
 using support::trail_of;

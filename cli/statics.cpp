@@ -9,7 +9,6 @@
 
 namespace vantorelix::cli {
 
-using host::Vector;
 using standalone::NodeId;
 using standalone::Scene;
 
@@ -22,7 +21,7 @@ struct Corners {
 };
 
 std::optional<Corners> found_by_reader(const Scene& scene, NodeId node) {
-  const host::Vectors bounds = scene.vectors(node, standalone::kBounds);
+  const Vectors bounds = scene.vectors(node, standalone::kBounds);
   if (!bounds || bounds->size() != 2) return std::nullopt;
   return Corners{bounds->front(), bounds->back()};
 }

@@ -10,7 +10,6 @@
 namespace vantorelix::cli {
 namespace {
 
-using host::Vector;
 using standalone::Channel;
 using standalone::NodeId;
 using standalone::Scene;

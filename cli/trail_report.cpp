@@ -15,14 +15,14 @@ using standalone::Scene;
 
 namespace {
 
-host::Vectors array(const Scene& scene, NodeId shape, const char* attribute) {
-  host::Vectors values = scene.vectors(shape, attribute);
-  return values ? values : std::make_shared<const std::vector<host::Vector>>();
+Vectors array(const Scene& scene, NodeId shape, const char* attribute) {
+  Vectors values = scene.vectors(shape, attribute);
+  return values ? values : std::make_shared<const std::vector<Vector>>();
 }
 
 void warn_of_gaps(TrailView& trail) {
   const auto bad =
-      std::count_if(trail.points->begin(), trail.points->end(), [](const host::Vector& p) { return !is_finite(p); });
+      std::count_if(trail.points->begin(), trail.points->end(), [](const Vector& p) { return !is_finite(p); });
   if (bad != 0) trail.warnings.push_back(std::to_string(bad) + " samples are no finite numbers");
 }
 
@@ -48,7 +48,7 @@ TrailView read_trail(const Scene& scene, const Trail& trail) {
   data.colors = array(scene, shape, "colors");
   data.key_points = array(scene, shape, "keyPoints");
   data.key_colors = array(scene, shape, "keyColors");
-  for (const host::Vector& time : *array(scene, shape, "keyTimes")) data.key_times.push_back(time.x);
+  for (const Vector& time : *array(scene, shape, "keyTimes")) data.key_times.push_back(time.x);
   data.warnings = scene.not_followed(trail.source);
   warn_of_gaps(data);
   return data;
@@ -75,7 +75,7 @@ TrailMeasure measure(const TrailView& trail, double fps) {
   double longest = 0.0;
   std::size_t segments = 0;
   for (std::size_t i = 1; i < points.size(); ++i) {
-    const host::Vector &a = points[i - 1], &b = points[i];
+    const Vector &a = points[i - 1], &b = points[i];
     const double segment = std::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
     if (!std::isfinite(segment)) continue;
     ++segments;

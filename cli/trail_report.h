@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "base/matrix.h"
+#include "base/vector.h"
 #include "cli/trail_session.h"
-#include "host/vector.h"
-#include "standalone/scene/matrix.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::cli {
@@ -28,7 +28,7 @@ struct TrailView {
   bool show_line = true;
   bool show_dots = true;
   bool ghost = false;  // drawn through geometry
-  host::Vectors points, colors, key_points, key_colors;
+  Vectors points, colors, key_points, key_colors;
   std::vector<double> key_times;
   std::vector<std::string> warnings;
 };
@@ -36,8 +36,8 @@ struct TrailView {
 // A node that does not move and has geometry, as the box around it.
 struct StaticBox {
   std::string name;  // long path
-  standalone::Affine world;
-  host::Vector low, high;  // corners in the node's own space
+  Affine world;
+  Vector low, high;  // corners in the node's own space
 };
 
 // What a scene says whose format knows no unit.

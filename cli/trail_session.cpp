@@ -7,10 +7,10 @@
 #include "cli/failure.h"
 #include "cli/interrupt.h"
 #include "cli/output/text.h"
-#include "engine/frame/constants.h"
-#include "engine/frame/preferences.h"
-#include "engine/frame/state.h"
-#include "engine/trails/create.h"
+#include "engine/commands/create.h"
+#include "engine/state/constants.h"
+#include "engine/state/preferences.h"
+#include "engine/state/state.h"
 #include "engine/trails/trail_data.h"
 
 namespace vantorelix::cli {

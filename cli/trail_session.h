@@ -9,8 +9,8 @@
 
 #include "cli/terminal.h"
 #include "host/value.h"
-#include "standalone/host.h"
-#include "standalone/wall_clock.h"
+#include "standalone/host/host.h"
+#include "standalone/host/wall_clock.h"
 
 namespace vantorelix::cli {
 

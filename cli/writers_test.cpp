@@ -12,8 +12,8 @@
 #include "cli/args/options.h"
 #include "cli/failure.h"
 #include "cli/output/curve_writers.h"
-#include "cli/output/svg.h"
-#include "cli/output/svg_path.h"
+#include "cli/output/svg/svg.h"
+#include "cli/output/svg/svg_path.h"
 #include "cli/output/text.h"
 #include "cli/output/writers.h"
 #include "standalone/formats/reader.h"
@@ -23,7 +23,6 @@
 namespace vantorelix::cli {
 namespace {
 
-using host::Vector;
 
 TrailReport report_of(std::vector<Vector> points) {
   TrailView trail = support::trail_of(std::move(points));

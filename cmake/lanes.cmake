@@ -18,8 +18,8 @@ check_cxx_source_compiles("#if !defined(__AVX512F__) || !(defined(__x86_64__) ||
 int main() {}" VANTORELIX_WIDE_LANES)
 unset(CMAKE_REQUIRED_FLAGS)
 
-# The `loops` of a library, among which its source `choice` chooses.
-function(vantorelix_lanes library loops choice)
+# The `loops` of a library, a source, once more for each width: base/instruction_sets.h chooses among them.
+function(vantorelix_lanes library loops)
   if(NOT MSVC)
     # Choices without branches become blends only where no comparison may trap.
     set_source_files_properties(${loops} PROPERTIES COMPILE_OPTIONS -fno-trapping-math)
@@ -35,7 +35,8 @@ function(vantorelix_lanes library loops choice)
     target_link_libraries(${objects} PRIVATE vantorelix_flags)
     target_sources(vantorelix_${library} PRIVATE $<TARGET_OBJECTS:${objects}>)
   endforeach()
-  set_source_files_properties(${choice} PROPERTIES COMPILE_DEFINITIONS VANTORELIX_WIDE_LANES)
 endfunction()
 
-vantorelix_lanes(engine ${PROJECT_SOURCE_DIR}/engine/colour/lane_loops.cpp ${PROJECT_SOURCE_DIR}/engine/colour/lanes.cpp)
+if(VANTORELIX_WIDE_LANES)
+  target_compile_definitions(vantorelix_flags INTERFACE VANTORELIX_WIDE_LANES)
+endif()

@@ -24,7 +24,7 @@ endif()
 # The sources below a folder that are neither tests nor a shared library of their own.
 function(vantorelix_sources result folder)
   file(GLOB_RECURSE found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
-  list(FILTER found EXCLUDE REGEX "_test\\.cpp$|/main\\.cpp$|/standalone/python/")
+  list(FILTER found EXCLUDE REGEX "_test\\.cpp$|/main\\.cpp$")
   set(${result} ${found} PARENT_SCOPE)
 endfunction()
 
@@ -39,10 +39,10 @@ function(vantorelix_library folder)
   endforeach()
 endfunction()
 
-# One GoogleTest program from the *_test.cpp files of a folder (not below it).
+# One GoogleTest program from the *_test.cpp files of a folder and those below it.
 function(vantorelix_test folder)
   cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*_test.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*_test.cpp)
   if(NOT sources)
     return()
   endif()

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
+#include "base/vector.h"
 #include "host/callback.h"
 #include "host/value.h"
-#include "host/vector.h"
 
 namespace vantorelix::host {
 

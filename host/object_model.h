@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 
+#include "base/vector.h"
 #include "host/callback.h"
 #include "host/value.h"
-#include "host/vector.h"
 
 namespace vantorelix::host {
 

@@ -7,7 +7,7 @@
 #include "cli/output/text.h"
 #include "cli/scene_file.h"
 #include "cli/trail_session.h"
-#include "engine/trails/nurbs.h"
+#include "engine/commands/nurbs.h"
 
 namespace vantorelix::cli {
 

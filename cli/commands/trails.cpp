@@ -5,7 +5,7 @@
 #include "cli/commands/commands.h"
 #include "cli/output/html.h"
 #include "cli/output/output_file.h"
-#include "cli/output/svg.h"
+#include "cli/output/svg/svg.h"
 #include "cli/output/text.h"
 #include "cli/output/writers.h"
 #include "cli/trail_making.h"

@@ -10,7 +10,7 @@
 #include "cli/failure.h"
 #include "cli/output/text.h"
 #include "host/error.h"
-#include "standalone/scene/attribute_names.h"
+#include "standalone/scene/attributes/attribute_names.h"
 
 namespace vantorelix::cli {
 

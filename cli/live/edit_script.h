@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "standalone/host.h"
+#include "standalone/host/host.h"
 
 namespace vantorelix::cli {
 

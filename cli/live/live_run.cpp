@@ -9,7 +9,7 @@
 
 #include "cli/interrupt.h"
 #include "cli/trail_report.h"
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 
 namespace vantorelix::cli {
 
@@ -53,7 +53,7 @@ double distance(double a, double b) {
   return std::isnan(d) ? std::numeric_limits<double>::infinity() : d;
 }
 
-void compare(const host::Vector& have, const host::Vector& want, LiveReport& report) {
+void compare(const Vector& have, const Vector& want, LiveReport& report) {
   ++report.samples;
   const double d = std::max({distance(have.x, want.x), distance(have.y, want.y), distance(have.z, want.z)});
   if (d > 0.0) ++report.wrong;

@@ -11,8 +11,8 @@ void write_csv(OutputFile& out, const TrailReport& report) {
   for (const TrailView& trail : report.trails) {
     const std::string source = csv_text(trail.source);
     for (std::size_t i = 0; i < trail.points->size(); ++i) {
-      const host::Vector& p = (*trail.points)[i];
-      const host::Vector c = i < trail.colors->size() ? (*trail.colors)[i] : host::Vector{NAN, NAN, NAN};
+      const Vector& p = (*trail.points)[i];
+      const Vector c = i < trail.colors->size() ? (*trail.colors)[i] : Vector{NAN, NAN, NAN};
       const double frame = trail.start_frame + static_cast<double>(i) * trail.frame_step;
       out << source << ',' << static_cast<std::int64_t>(i);
       for (const double value : {frame, p.x, p.y, p.z, c.x, c.y, c.z}) {

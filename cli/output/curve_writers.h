@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "base/vector.h"
 #include "cli/output/output_file.h"
-#include "host/vector.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::cli {
@@ -15,7 +15,7 @@ struct CurveView {
   std::string name;   // of its transform
   std::string shape;  // of the nurbsCurve node
   int degree = 3;
-  const std::vector<host::Vector>* points = nullptr;
+  const std::vector<Vector>* points = nullptr;
 };
 
 // Knots of an open uniform curve as scene files have them: numCVs + degree - 1, each end repeated `degree` times.

@@ -9,8 +9,8 @@ namespace vantorelix::cli {
 
 namespace {
 
-void write_triples(OutputFile& out, const std::vector<host::Vector>& triples) {
-  write_list(out, triples, [&](const host::Vector& v) { write_triple(out, v); });
+void write_triples(OutputFile& out, const std::vector<Vector>& triples) {
+  write_list(out, triples, [&](const Vector& v) { write_triple(out, v); });
 }
 
 void write_trail(OutputFile& out, const TrailView& trail) {

@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 
+#include "base/vector.h"
 #include "cli/output/output_file.h"
-#include "host/vector.h"
 
 namespace vantorelix::cli {
 
@@ -35,6 +35,6 @@ void write_numbers(OutputFile& out, const Numbers& numbers) {
   write_list(out, numbers, [&](double d) { write_number(out, d); });
 }
 
-inline void write_triple(OutputFile& out, const host::Vector& v) { write_numbers(out, std::array{v.x, v.y, v.z}); }
+inline void write_triple(OutputFile& out, const Vector& v) { write_numbers(out, std::array{v.x, v.y, v.z}); }
 
 }  // namespace vantorelix::cli

@@ -47,7 +47,7 @@ void write_curve(OutputFile& out, const CurveView& curve) {
       << " 0 no 3\n\t\t" << static_cast<std::int64_t>(knots.size());
   for (std::size_t i = 0; i < knots.size(); ++i) out << (i % 20 == 19 ? "\n\t\t" : " ") << knots[i];
   out << "\n\t\t" << static_cast<std::int64_t>(points.size()) << "\n";
-  for (const host::Vector& p : points) {
+  for (const Vector& p : points) {
     if (!is_finite(p))
       throw Failure(curve.name + ": has points that are no finite numbers; choose other objects with --select");
     out << "\t\t" << p.x << ' ' << p.y << ' ' << p.z << "\n";
@@ -84,7 +84,7 @@ void write_curve_csv(OutputFile& out, const std::vector<CurveView>& curves) {
   for (const CurveView& curve : curves) {
     const std::string name = csv_text(curve.name);
     for (std::size_t i = 0; i < curve.points->size(); ++i) {
-      const host::Vector& p = (*curve.points)[i];
+      const Vector& p = (*curve.points)[i];
       out << name << ',' << static_cast<std::int64_t>(i);
       for (const double value : {p.x, p.y, p.z}) {
         out << ',';

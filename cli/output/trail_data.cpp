@@ -6,7 +6,6 @@
 
 namespace vantorelix::cli {
 
-using host::Vector;
 
 namespace {
 
@@ -30,7 +29,7 @@ struct Range {
 
 PositionScale scale_of(const TrailView& trail) {
   std::array<Range, 3> box;
-  for (const host::Vectors& points : {trail.points, trail.key_points})
+  for (const Vectors& points : {trail.points, trail.key_points})
     for (const Vector& p : *points)
       if (is_finite(p))
         for (std::size_t k = 0; k < 3; ++k) box[k].add(p.*kAxes[k]);

@@ -23,7 +23,7 @@ inline constexpr std::uint32_t kNoPosition = std::numeric_limits<std::uint32_t>:
 // Where the whole numbers of a trail's positions lie: low + q * step, q at most kNoPosition - 1. A step is 0 where the
 // box is flat. Off by half a step at most.
 struct PositionScale {
-  host::Vector low, step;
+  Vector low, step;
 };
 
 struct TrailLayout {

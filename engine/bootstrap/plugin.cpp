@@ -7,11 +7,11 @@
 #include <string_view>
 #include <system_error>
 
-#include "engine/bootstrap/paths.h"
-#include "engine/bootstrap/utf8.h"
-#include "engine/frame/attempt.h"
-#include "engine/frame/constants.h"
-#include "engine/frame/state.h"
+#include "base/paths.h"
+#include "base/utf8.h"
+#include "engine/state/attempt.h"
+#include "engine/state/constants.h"
+#include "engine/state/state.h"
 #include "host/value.h"
 
 namespace vantorelix {

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <filesystem>
 
-#include "engine/bootstrap/paths.h"
+#include "base/paths.h"
 #include "host/error.h"
 #include "tests/support/engine_test.h"
 #include "tests/support/temporary_folder.h"

@@ -5,14 +5,14 @@
 #include <memory>
 #include <optional>
 
+#include "base/large_pages.h"
 #include "engine/colour/lanes.h"
-#include "engine/frame/attempt.h"
-#include "engine/frame/constants.h"
 #include "engine/sampling/limits.h"
 #include "engine/sampling/spacing.h"
 #include "engine/sampling/spacing_kernel.h"
+#include "engine/state/attempt.h"
+#include "engine/state/constants.h"
 #include "host/error.h"
-#include "host/large_pages.h"
 
 namespace vantorelix {
 
@@ -32,7 +32,7 @@ std::unique_ptr<double[]> smoothed_lengths(const Lanes& lanes, const std::vector
                                            kernel::Baseline* baseline) {
   const std::size_t n = pos.size() - 1;
   std::unique_ptr<double[]> smoothed(new double[n]);  // a vector would write it all once more, with zeros
-  host::advise_large_pages(smoothed.get(), n * sizeof(double));
+  advise_large_pages(smoothed.get(), n * sizeof(double));
   constexpr std::size_t kAround = 2 * kWindow;
   // first ... last - 1, whose windows reach beyond an end, from the lengths there.
   const auto smooth_end = [&](std::size_t base, std::size_t first, std::size_t last) {
@@ -54,7 +54,7 @@ std::unique_ptr<double[]> smoothed_lengths(const Lanes& lanes, const std::vector
 // One colour a point from the parameters of the n segments on its two sides; an end has one side only.
 std::vector<Colour> point_colours(const Lanes& lanes, const double* lengths, std::size_t n, double scale) {
   std::vector<Colour> colours;
-  host::reserve(colours, n + 1);  // and appended to: written once, not first with zeros
+  reserve(colours, n + 1);  // and appended to: written once, not first with zeros
   alignas(64) std::array<Colour, kLaneBlock> block;
   alignas(64) std::array<double, kLaneBlock + 1> t;  // t[0]: the last one before; the first segment stands in for it
   lanes.parameters(lengths, 1, scale, t.data());
@@ -75,7 +75,7 @@ Colour _color_ramp(double t) {
   const double unit = kernel::clamp_unit(t);
   const double both[] = {unit, unit};
   Colour colour;
-  lanes_here().front()->ramp(both, 1, &colour.x);
+  lane_widths().here.front()->ramp(both, 1, &colour.x);
   return colour;
 }
 
@@ -83,7 +83,7 @@ std::pair<std::vector<Colour>, host::Value> _colors_from_positions(const std::ve
                                                                    const host::Value& ref) {
   if (pos.empty()) return {{}, _t_from_spacing({}, ref).second};
   if (pos.size() == 1) throw host::Error("list index out of range", host::ErrorKind::index);
-  const Lanes& lanes = *lanes_here().back();
+  const Lanes& lanes = *lane_widths().here.back();
   // Reading a reference may run the host's code, and that may append to the positions: it comes before they are
   // counted.
   const std::optional<double> given = ref.is_none() ? std::nullopt : std::optional(_spacing_baseline(ref));

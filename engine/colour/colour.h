@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 
 namespace vantorelix {
 

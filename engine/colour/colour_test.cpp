@@ -6,8 +6,8 @@
 #include <limits>
 #include <random>
 
-#include "engine/frame/constants.h"
 #include "engine/sampling/spacing.h"
+#include "engine/state/constants.h"
 #include "host/error.h"
 #include "tests/support/engine_test.h"
 

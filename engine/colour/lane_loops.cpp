@@ -6,8 +6,8 @@
 #include <cstddef>
 
 #include "engine/colour/lanes.h"
-#include "engine/frame/ramp_stops.h"
 #include "engine/sampling/spacing_kernel.h"
+#include "engine/state/ramp_stops.h"
 
 #ifndef VANTORELIX_LANES
 #define VANTORELIX_LANES base

@@ -4,8 +4,8 @@
 #pragma once
 
 #include <cstddef>
-#include <vector>
 
+#include "base/instruction_sets.h"
 #include "engine/sampling/spacing_kernel.h"
 
 namespace vantorelix {
@@ -27,9 +27,10 @@ struct Lanes {
   void (*ramp)(const double* t, std::size_t count, double* rgb);
 };
 
-// What this program has and this processor runs, narrowest first; the first runs everywhere.
-const std::vector<const Lanes*>& lanes_here();
-// The names of the ones that the program has and this processor cannot run.
-const std::vector<const char*>& lanes_elsewhere();
+namespace lanes {
+extern const Lanes base, avx2, avx512;
+}
+
+inline const Widths<Lanes>& lane_widths() { return compiled_widths<lanes::base, lanes::avx2, lanes::avx512>(); }
 
 }  // namespace vantorelix

@@ -83,10 +83,11 @@ Bits results(const Lanes& lanes, std::size_t count, bool odd_ones, std::uint64_t
 class WideLanes : public testing::TestWithParam<bool> {};
 
 TEST_P(WideLanes, GiveTheBitsOfTheNarrowestOnes) {
-  for (const Lanes* lanes : lanes_here())
+  for (const Lanes* lanes : lane_widths().here)
     for (std::size_t count = 1; count <= kLaneBlock; ++count)
       for (std::uint64_t seed = 0; seed < 5; ++seed)
-        ASSERT_EQ(results(*lanes, count, GetParam(), seed), results(*lanes_here().front(), count, GetParam(), seed))
+        ASSERT_EQ(results(*lanes, count, GetParam(), seed),
+                  results(*lane_widths().here.front(), count, GetParam(), seed))
             << lanes->name << ", " << count << " points, seed " << seed;
 }
 
@@ -94,13 +95,13 @@ INSTANTIATE_TEST_SUITE_P(OfNumbers, WideLanes, testing::Values(false, true),
                          [](const auto& odd) { return odd.param ? "AndWhatArithmeticTreatsApart" : "OfAllSizes"; });
 
 TEST(Lanes, BeginWithTheOnesThatRunEverywhere) {
-  ASSERT_FALSE(lanes_here().empty());
-  EXPECT_STREQ(lanes_here().front()->name, "base");
+  ASSERT_FALSE(lane_widths().here.empty());
+  EXPECT_STREQ(lane_widths().here.front()->name, "base");
 }
 
 TEST(Lanes, OfOtherProcessorsAreNotTriedHere) {
-  if (lanes_elsewhere().empty()) return;
-  GTEST_SKIP() << "not run by this processor: " << testing::PrintToString(lanes_elsewhere());
+  if (lane_widths().elsewhere.empty()) return;
+  GTEST_SKIP() << "not run by this processor: " << testing::PrintToString(lane_widths().elsewhere);
 }
 
 }  // namespace

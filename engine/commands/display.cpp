@@ -2,11 +2,11 @@
 
 #include <array>
 
-#include "engine/frame/attempt.h"
-#include "engine/frame/constants.h"
-#include "engine/frame/messages.h"
-#include "engine/frame/preferences.h"
-#include "engine/frame/state.h"
+#include "engine/state/attempt.h"
+#include "engine/state/constants.h"
+#include "engine/state/messages.h"
+#include "engine/state/preferences.h"
+#include "engine/state/state.h"
 
 namespace vantorelix {
 

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/frame/constants.h"
+#include "engine/state/constants.h"
 #include "host/error.h"
 #include "tests/support/engine_test.h"
 

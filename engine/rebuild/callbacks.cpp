@@ -4,11 +4,11 @@
 #include <utility>
 #include <vector>
 
-#include "engine/frame/attempt.h"
-#include "engine/frame/constants.h"
-#include "engine/frame/state.h"
 #include "engine/rebuild/queue.h"
 #include "engine/rebuild/triggers.h"
+#include "engine/state/attempt.h"
+#include "engine/state/constants.h"
+#include "engine/state/state.h"
 
 namespace vantorelix {
 

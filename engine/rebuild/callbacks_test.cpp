@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 #include "host/error.h"
 #include "tests/support/engine_test.h"
 #include "tests/support/trail_scene.h"

@@ -3,17 +3,17 @@
 #include <memory>
 #include <utility>
 
+#include "base/large_pages.h"
 #include "engine/colour/colour.h"
-#include "engine/frame/attempt.h"
-#include "engine/frame/constants.h"
 #include "engine/rebuild/triggers.h"
 #include "engine/sampling/limits.h"
 #include "engine/sampling/position_sampling.h"
+#include "engine/state/attempt.h"
+#include "engine/state/constants.h"
 #include "engine/trails/nodes.h"
 #include "engine/trails/trail_data.h"
 #include "engine/trails/viz_push.h"
 #include "host/error.h"
-#include "host/large_pages.h"
 
 namespace vantorelix {
 
@@ -45,7 +45,7 @@ std::shared_ptr<WorkRecord> fresh_record() {
 void plan(WorkItem& it, const WorkRecord& work, const std::string& obj) {
   const double step_len = 1.0 / static_cast<double>(_samples_per_frame(it.settings->at("samples_per_frame")));
   it.times = SampleTimes{work.start, step_len, _sample_count(work.start, work.end, step_len)};
-  host::reserve(*it.pos, reservation(it.times->count));
+  reserve(*it.pos, reservation(it.times->count));
   it.sampler = _make_fast_sampler(obj);
 }
 

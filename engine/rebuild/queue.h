@@ -1,7 +1,7 @@
 // The rebuild queue: resumable slices of about _CHUNK_BUDGET seconds, driven by deferred calls.
 #pragma once
 
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 
 namespace vantorelix {
 

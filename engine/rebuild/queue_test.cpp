@@ -44,7 +44,7 @@ class QueueTest : public support::EngineTest {
     _PENDING = true;
   }
   void break_evaluation_of(const std::string& name) {
-    fake.node(name).motion = [](double) -> host::Vector { throw host::Error("no such joint"); };
+    fake.node(name).motion = [](double) -> Vector { throw host::Error("no such joint"); };
   }
   // The step did no work, and queued one successor.
   void expect_waited() {
@@ -339,7 +339,7 @@ TEST_F(QueueTest, TheFirstReferenceIsStoredAndLaterRebuildsPassItBack) {
   _rebuild_step();
   const host::Value first = ball->get("ref");
   EXPECT_EQ(first, host::Value::list({1.0}));
-  fake.motion = [](const std::string&, double t) { return host::Vector{10 * t, 0, 0}; };
+  fake.motion = [](const std::string&, double t) { return Vector{10 * t, 0, 0}; };
   _schedule_rebuild();
   fake.now += 1.0;
   fake.run_all_deferred();

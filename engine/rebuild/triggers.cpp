@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "engine/frame/attempt.h"
-#include "engine/frame/constants.h"
 #include "engine/rebuild/queue.h"
+#include "engine/state/attempt.h"
+#include "engine/state/constants.h"
 #include "engine/trails/nodes.h"
 #include "engine/trails/trail_data.h"
 #include "engine/trails/viz_push.h"

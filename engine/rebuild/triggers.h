@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 
 namespace vantorelix {
 

@@ -29,7 +29,7 @@ class TriggersTest : public support::EngineTest {
     fake.node("|ball").keys = {1.0, 3.0};
   }
   void break_evaluation_of(const std::string& name) {
-    fake.node(name).motion = [](double) -> host::Vector { throw host::Error("no such joint"); };
+    fake.node(name).motion = [](double) -> Vector { throw host::Error("no such joint"); };
   }
   std::shared_ptr<Settings> ball;
 };
@@ -224,7 +224,7 @@ TEST_F(TriggersTest, TheFirstReferenceIsKeptForGood) {
   _rebuild_one("vlx_ball_viz", ball);
   const host::Value first = ball->get("ref");
   EXPECT_EQ(first, host::Value::list({1.0}));
-  fake.motion = [](const std::string&, double t) { return host::Vector{10 * t, 0, 0}; };
+  fake.motion = [](const std::string&, double t) { return Vector{10 * t, 0, 0}; };
   _rebuild_one("vlx_ball_viz", ball);
   EXPECT_EQ(*ball->get("ref").as_list(), *first.as_list());  // the same list, not an equal one
   EXPECT_EQ(pushed(fake, "ball", "colors")->front(), (Colour{1, 0, 0}));

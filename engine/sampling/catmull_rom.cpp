@@ -4,9 +4,9 @@
 #include <array>
 #include <cstring>
 
+#include "base/large_pages.h"
 #include "engine/sampling/limits.h"
 #include "host/error.h"
-#include "host/large_pages.h"
 
 namespace vantorelix {
 
@@ -80,7 +80,7 @@ void fill_gap(const Span& span, std::int64_t length, std::int64_t count, Steps& 
 }  // namespace
 
 SampleMap::SampleMap(std::int64_t expected) {
-  host::reserve(positions_, reservation(expected));
+  reserve(positions_, reservation(expected));
   present_.reserve(reservation(expected));
 }
 

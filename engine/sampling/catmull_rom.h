@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 
 namespace vantorelix {
 

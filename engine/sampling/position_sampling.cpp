@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/frame/attempt.h"
+#include "base/large_pages.h"
 #include "engine/sampling/limits.h"
+#include "engine/state/attempt.h"
 #include "host/error.h"
-#include "host/large_pages.h"
 
 namespace vantorelix {
 
@@ -100,7 +100,7 @@ std::vector<Position> _sample_positions(const std::string& obj, double start, do
   sampler = sampler_or_best(obj, std::move(sampler));
   const std::int64_t n = _sample_count(start, end, step);
   std::vector<Position> positions;
-  host::reserve(positions, reservation(n));
+  reserve(positions, reservation(n));
   for (std::int64_t i = 0; i < n; ++i) positions.push_back((*sampler)(start + static_cast<double>(i) * step));
   return positions;
 }

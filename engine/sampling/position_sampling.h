@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 
 namespace vantorelix {
 

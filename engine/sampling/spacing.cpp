@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "engine/frame/constants.h"
 #include "engine/sampling/spacing_kernel.h"
+#include "engine/state/constants.h"
 #include "host/error.h"
 
 namespace vantorelix {

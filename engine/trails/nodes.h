@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 
 namespace vantorelix {
 

@@ -1,4 +1,4 @@
-// Finding, counting and clearing trails. The queries look at the scene, not at the registry.
+// Questions about the trails in the scene, whether or not the registry knows them.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,5 @@ namespace vantorelix {
 
 bool has_any_trail();
 std::int64_t trail_count();
-
-// Removes the callbacks (which stops the queue), the registry entries and the root group; always says so.
-void clear_trails();
 
 }  // namespace vantorelix

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/rebuild/callbacks.h"
 #include "host/error.h"
 #include "tests/support/engine_test.h"
 #include "tests/support/trail_scene.h"
@@ -20,49 +19,11 @@ TEST_F(QueriesTest, ASceneWithoutTrailNodesHasNone) {
   EXPECT_THAT(recorder.log(), ElementsAre("cmds.ls(type='vantorelix')", "cmds.ls(type='vantorelix')"));
 }
 
-TEST_F(QueriesTest, TrailsOutsideTheRegistryAndTheRootCountAndSurviveClearing) {
+TEST_F(QueriesTest, TrailsOutsideTheRegistryAndTheRootCount) {
   support::add_trail(fake, "ball");
   fake.add("|moved_out|movedShape", "vantorelix");
   EXPECT_TRUE(has_any_trail());
   EXPECT_EQ(trail_count(), 2);
-  clear_trails();
-  EXPECT_TRUE(_REGISTRY.empty());
-  EXPECT_EQ(trail_count(), 1);
-  EXPECT_TRUE(has_any_trail());
-}
-
-TEST_F(QueriesTest, ClearingStopsTheQueueThenEmptiesTheRegistryThenDeletesTheRoot) {
-  support::add_trail(fake, "ball");
-  _ensure_callback();
-  _PENDING = true;
-  _WORK = std::make_shared<WorkRecord>();
-  recorder.clear();
-  clear_trails();
-  EXPECT_THAT(
-      recorder.log(),
-      ElementsAre("om.MMessage.removeCallback(1)", "om.MMessage.removeCallback(2)", "om.MMessage.removeCallback(3)",
-                  "cmds.objExists('vantorelixs_grp')", "cmds.delete('vantorelixs_grp')",
-                  "cmds.inViewMessage(amg='All trails cleared.', pos='midCenter', fade=True, alpha=0.9)",
-                  "print('[Vantorelix] All trails cleared.')"));
-  EXPECT_FALSE(_CB_ID);
-  EXPECT_FALSE(_PENDING);
-  EXPECT_FALSE(_WORK);
-}
-
-TEST_F(QueriesTest, ClearingAnEmptySceneStillSaysSo) {
-  clear_trails();
-  EXPECT_THAT(fake.messages, ElementsAre(host::Value("All trails cleared.")));
-  EXPECT_EQ(recorder.count("cmds.delete("), 0u);
-}
-
-TEST_F(QueriesTest, ARootThatCannotBeDeletedLeavesRegistryAndCallbacksGone) {
-  support::add_trail(fake, "ball");
-  _ensure_callback();
-  recorder.fail_line("cmds.delete(");
-  EXPECT_THROW(clear_trails(), host::Error);
-  EXPECT_TRUE(_REGISTRY.empty());
-  EXPECT_FALSE(_CB_ID);
-  EXPECT_EQ(fake.messages.size(), 0u);
 }
 
 TEST_F(QueriesTest, AFailedQueryReachesTheCaller) {

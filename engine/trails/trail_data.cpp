@@ -4,13 +4,11 @@
 #include <memory>
 
 #include "engine/colour/colour.h"
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 
 namespace vantorelix {
 
-host::Vectors _key_colors(std::size_t n) {
-  return std::make_shared<const std::vector<Colour>>(n, Colour{1.0, 1.0, 1.0});
-}
+Vectors _key_colors(std::size_t n) { return std::make_shared<const std::vector<Colour>>(n, Colour{1.0, 1.0, 1.0}); }
 
 std::int64_t _samples_per_frame(const host::Value& samples_per_frame) {
   return std::max<std::int64_t>(1, samples_per_frame.to_int());

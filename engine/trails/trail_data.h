@@ -6,17 +6,17 @@
 #include <utility>
 #include <vector>
 
+#include "base/vector.h"
 #include "engine/sampling/position_sampling.h"
-#include "host/vector.h"
 
 namespace vantorelix {
 
 // What the viz node is given: colours one per position, key colours one per key position.
 struct VizData {
-  host::Vectors positions;
-  host::Vectors colors;
-  host::Vectors key_positions;
-  host::Vectors key_colors;
+  Vectors positions;
+  Vectors colors;
+  Vectors key_positions;
+  Vectors key_colors;
 };
 
 struct TrailData {
@@ -25,7 +25,7 @@ struct TrailData {
 };
 
 // White, once for each of n keys.
-host::Vectors _key_colors(std::size_t n);
+Vectors _key_colors(std::size_t n);
 
 // Samples per frame as a whole number of at least 1, from any number by truncation.
 std::int64_t _samples_per_frame(const host::Value& samples_per_frame);

@@ -2,25 +2,25 @@
 
 #include <memory>
 
-#include "engine/frame/attempt.h"
-#include "engine/frame/state.h"
+#include "engine/state/attempt.h"
+#include "engine/state/state.h"
 #include "engine/trails/nodes.h"
 
 namespace vantorelix {
 
 namespace {
 
-std::shared_ptr<host::VectorArray> array_of(const host::Vectors& values) {
+std::shared_ptr<host::VectorArray> array_of(const Vectors& values) {
   std::shared_ptr<host::VectorArray> array;
   if (attempt([&] { array = om->vector_array(values); })) return array;
   array = om->vector_array();
-  for (const host::Vector& value : *values) array->append(value);
+  for (const Vector& value : *values) array->append(value);
   return array;
 }
 
 // Key times travel in the x component: the node type has vector arrays only.
-host::Vectors as_vectors(const std::vector<double>& times) {
-  auto vectors = std::make_shared<std::vector<host::Vector>>();
+Vectors as_vectors(const std::vector<double>& times) {
+  auto vectors = std::make_shared<std::vector<Vector>>();
   vectors->reserve(times.size());
   for (const double t : times) vectors->push_back({t, 0.0, 0.0});
   return vectors;
@@ -28,7 +28,7 @@ host::Vectors as_vectors(const std::vector<double>& times) {
 
 }  // namespace
 
-void _set_vector_array_attr(const std::string& node, const std::string& attr, const host::Vectors& values) {
+void _set_vector_array_attr(const std::string& node, const std::string& attr, const Vectors& values) {
   const std::shared_ptr<host::Plug> plug = om->findPlug(node, attr);
   plug->set_vector_array(array_of(values));
 }

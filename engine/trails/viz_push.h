@@ -10,7 +10,7 @@ namespace vantorelix {
 
 // Replaces a vector-array attribute (named without the dot). When the host refuses the whole sequence at once, the
 // array is filled value by value. Throws what the host throws.
-void _set_vector_array_attr(const std::string& node, const std::string& attr, const host::Vectors& values);
+void _set_vector_array_attr(const std::string& node, const std::string& attr, const Vectors& values);
 
 // Writes "points", "colors", "keyPoints", "keyColors" onto the shape of `viz_tr`, and "keyTimes" when `key_times` is
 // not null; a failure of "keyTimes" alone is ignored.

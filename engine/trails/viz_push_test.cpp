@@ -23,8 +23,8 @@ class VizPushTest : public support::EngineTest {
     EngineTest::SetUp();
     support::add_trail(fake, "ball");
   }
-  static host::Vectors vectors(std::vector<host::Vector> values) {
-    return std::make_shared<const std::vector<host::Vector>>(std::move(values));
+  static Vectors vectors(std::vector<Vector> values) {
+    return std::make_shared<const std::vector<Vector>>(std::move(values));
   }
 };
 
@@ -34,7 +34,7 @@ TEST_F(VizPushTest, ThePushWritesTheFourArraysAndTheKeyTimesInOrder) {
   EXPECT_EQ(recorder.log(), support::push_lines("ball", 2, 1));
   EXPECT_EQ(*pushed(fake, "ball", "keyPoints"), *data.key_positions);
   EXPECT_EQ(*pushed(fake, "ball", "keyColors"), *data.key_colors);
-  EXPECT_THAT(*pushed(fake, "ball", "keyTimes"), ElementsAre(host::Vector{2.5, 0, 0}));
+  EXPECT_THAT(*pushed(fake, "ball", "keyTimes"), ElementsAre(Vector{2.5, 0, 0}));
 }
 
 TEST_F(VizPushTest, AHostThatCanSharesTheArraysInsteadOfCopyingThem) {

@@ -1,12 +1,12 @@
 // The extension module: start(module) makes a plain module the engine's.
 #include <cstdlib>
 
-#include "engine/frame/constants.h"
-#include "engine/frame/state.h"
-#include "maya/extension/functions.h"
-#include "maya/extension/handles.h"
-#include "maya/extension/records.h"
-#include "maya/extension/types.h"
+#include "engine/state/constants.h"
+#include "engine/state/state.h"
+#include "maya/extension/functions/functions.h"
+#include "maya/extension/host/handles.h"
+#include "maya/extension/python/types.h"
+#include "maya/extension/views/records.h"
 
 namespace vantorelix::maya {
 

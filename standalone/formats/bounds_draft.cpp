@@ -8,10 +8,9 @@
 
 namespace vantorelix::standalone {
 
-using host::Vector;
 
 BoundsDraft::BoundsDraft(const Scene& scene, NodeId node) {
-  const host::Vectors bounds = scene.vectors(node, kBounds);
+  const Vectors bounds = scene.vectors(node, kBounds);
   if (!bounds) return;
   for (const Vector& corner : *bounds) add(corner);
 }

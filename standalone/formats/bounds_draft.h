@@ -1,7 +1,7 @@
-// The box around a surface while it is read. For the files of this folder only.
+// The box around a surface while it is read. For the files of standalone/formats only.
 #pragma once
 
-#include "host/vector.h"
+#include "base/vector.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::standalone {
@@ -13,12 +13,12 @@ class BoundsDraft {
   BoundsDraft(const Scene& scene, NodeId node);
 
   // Leaves out what is not finite.
-  void add(const host::Vector& p);
+  void add(const Vector& p);
   // Gives the node kBounds: a cube of one unit around its origin where the draft is empty.
   void assign_to(Scene& scene, NodeId node) const;
 
  private:
-  host::Vector low_, high_;
+  Vector low_, high_;
   bool empty_ = true;
 };
 

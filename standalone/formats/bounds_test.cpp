@@ -4,14 +4,13 @@
 
 #include <optional>
 
-#include "standalone/formats/fbx_test_scene.h"
-#include "standalone/formats/gltf_test_file.h"
+#include "standalone/formats/fbx/fbx_test_scene.h"
+#include "standalone/formats/gltf/gltf_test_file.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::standalone {
 namespace {
 
-using host::Vector;
 using testing::ElementsAre;
 
 ReadOptions with_bounds() {
@@ -22,7 +21,7 @@ ReadOptions with_bounds() {
 
 // Two corners; none where the node has none.
 std::vector<Vector> bounds_of(const Scene& scene, const std::string& node) {
-  const host::Vectors bounds = scene.vectors(scene.require(node), kBounds);
+  const Vectors bounds = scene.vectors(scene.require(node), kBounds);
   return bounds ? *bounds : std::vector<Vector>();
 }
 

@@ -52,7 +52,7 @@ std::string name_in_file(const Scene& scene, NodeId node);
 // Two corners, low and high, of the box around a node's or shape's surface, in the node's own space, as a vector array.
 inline constexpr std::string_view kBounds = "bounds";
 // That box where the surface is not known: low, high.
-inline constexpr host::Vector kUnitCube[] = {{-0.5, -0.5, -0.5}, {0.5, 0.5, 0.5}};
+inline constexpr Vector kUnitCube[] = {{-0.5, -0.5, -0.5}, {0.5, 0.5, 0.5}};
 // The number of the node in a file that numbers its nodes (glTF), an integer.
 inline constexpr std::string_view kNumberInFile = "numberInFile";
 

@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "standalone/formats/reader.h"
-#include "standalone/scene/evaluator.h"
+#include "standalone/scene/evaluation/evaluator.h"
 
 namespace vantorelix::standalone {
 namespace {
@@ -41,7 +41,7 @@ constexpr const char* kOffsetNode = "|rig_opm|pCube1|pCylinder1";
 struct Row {
   double frame;
   std::string node;
-  host::Vector at;
+  Vector at;
 };
 
 std::vector<std::string> cells(const std::string& line) {
@@ -90,12 +90,12 @@ std::vector<Row> read_wide_rows(const fs::path& file, double frame_time) {
   return rows;
 }
 
-double largest(const host::Vector& a, const host::Vector& b) {
+double largest(const Vector& a, const Vector& b) {
   return std::max({std::abs(a.x - b.x), std::abs(a.y - b.y), std::abs(a.z - b.z)});
 }
 
 double extent(const std::vector<Row>& rows) {
-  host::Vector low = rows[0].at, high = rows[0].at;
+  Vector low = rows[0].at, high = rows[0].at;
   for (const Row& row : rows) {
     low = {std::min(low.x, row.at.x), std::min(low.y, row.at.y), std::min(low.z, row.at.z)};
     high = {std::max(high.x, row.at.x), std::max(high.y, row.at.y), std::max(high.z, row.at.z)};
@@ -130,7 +130,7 @@ void compare(const Scene& scene, const std::string& file, const std::string& tab
       evaluators[row.node] = std::make_unique<Evaluator>(scene, ids[row.node]);
       EXPECT_TRUE(scene.not_followed(ids[row.node]).empty()) << row.node;
     }
-    const host::Vector plain = scene.world_matrix(ids[row.node], row.frame).translation();
+    const Vector plain = scene.world_matrix(ids[row.node], row.frame).translation();
     EXPECT_EQ(evaluators[row.node]->translation(row.frame), plain) << row.node << " at " << row.frame;
     const double difference = largest(plain, row.at);
     if (!(difference <= worst)) {
@@ -252,7 +252,7 @@ TEST(Reference, AWrittenOffsetParentMatrixCountsThoughTheTableLeavesItOut) {
     ++count;
     const Affine parent = scene.world_matrix(scene.parent(node), row.frame);
     EXPECT_LE(largest(parent.translation(), row.at), 1e-6) << row.frame;
-    const host::Vector raised = transform_point({0.0, 1.5, 0.0}, parent);
+    const Vector raised = transform_point({0.0, 1.5, 0.0}, parent);
     EXPECT_LE(largest(scene.world_matrix(node, row.frame).translation(), raised), 1e-12) << row.frame;
   }
   EXPECT_EQ(count, 9u);

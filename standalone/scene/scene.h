@@ -16,12 +16,12 @@
 #include <utility>
 #include <vector>
 
+#include "base/matrix.h"
+#include "base/vector.h"
 #include "host/value.h"
-#include "host/vector.h"
-#include "standalone/scene/anim_curve.h"
-#include "standalone/scene/change_log.h"
-#include "standalone/scene/matrix.h"
-#include "standalone/scene/track.h"
+#include "standalone/scene/curves/anim_curve.h"
+#include "standalone/scene/curves/track.h"
+#include "standalone/scene/graph/change_log.h"
 
 namespace vantorelix::standalone {
 
@@ -213,12 +213,12 @@ class Scene {
   void add_attribute(NodeId node, std::string_view attribute, const host::Value& value);
   void lock_attribute(NodeId node, std::string_view attribute, bool locked);
   // Vector-array attributes ("points", ...): shared storage in, shared storage out; null when never set.
-  void set_vectors(NodeId node, std::string_view attribute, host::Vectors values);
-  host::Vectors vectors(NodeId node, std::string_view attribute) const;
+  void set_vectors(NodeId node, std::string_view attribute, Vectors values);
+  Vectors vectors(NodeId node, std::string_view attribute) const;
   // NURBS curve geometry of a nurbsCurve shape.
-  void set_curve_points(NodeId shape, int degree, std::vector<host::Vector> points);
+  void set_curve_points(NodeId shape, int degree, std::vector<Vector> points);
   int curve_degree(NodeId shape) const;
-  const std::vector<host::Vector>& curve_points(NodeId shape) const;
+  const std::vector<Vector>& curve_points(NodeId shape) const;
 
   // --- connections --------------------------------------------------------------------------------------------
   // "output" of an animation curve, unitConversion or pairBlend, any channel or parent of channels ("translate"), a

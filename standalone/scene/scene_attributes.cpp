@@ -4,8 +4,8 @@
 #include <numbers>
 #include <optional>
 
-#include "standalone/scene/change.h"
-#include "standalone/scene/scene_data.h"
+#include "standalone/scene/graph/change.h"
+#include "standalone/scene/graph/scene_data.h"
 
 namespace vantorelix::standalone {
 namespace {
@@ -14,7 +14,7 @@ constexpr double kDegrees = 180.0 / std::numbers::pi;
 
 bool is_switch(Channel c) { return c >= Channel::rotateOrder; }
 
-const host::Vectors* vectors_at(const Node& node, AttributeId attribute) {
+const Vectors* vectors_at(const Node& node, AttributeId attribute) {
   if (!node.extras) return nullptr;
   for (const auto& [id, values] : node.extras->vectors)
     if (id == attribute) return &values;
@@ -235,7 +235,7 @@ void Scene::lock_attribute(NodeId id, std::string_view name, bool locked) {
   if (!locked && there) all.erase(at);
 }
 
-void Scene::set_vectors(NodeId id, std::string_view name, host::Vectors values) {
+void Scene::set_vectors(NodeId id, std::string_view name, Vectors values) {
   Data& d = *data_;
   Node& node = d.at(id);
   const AttributeId attribute = d.attributes.intern(node.type->names, name);
@@ -250,13 +250,13 @@ void Scene::set_vectors(NodeId id, std::string_view name, host::Vectors values) 
   }
 }
 
-host::Vectors Scene::vectors(NodeId id, std::string_view name) const {
+Vectors Scene::vectors(NodeId id, std::string_view name) const {
   const Node& node = data_->at(id);
-  const host::Vectors* found = vectors_at(node, data_->attributes.find(node.type->names, name));
+  const Vectors* found = vectors_at(node, data_->attributes.find(node.type->names, name));
   return found ? *found : nullptr;
 }
 
-void Scene::set_curve_points(NodeId shape, int degree, std::vector<host::Vector> points) {
+void Scene::set_curve_points(NodeId shape, int degree, std::vector<Vector> points) {
   Node& node = data_->at(shape);
   data_->recorder.note<Geometry>(node);
   Extras& extras = data_->extras(node);
@@ -269,8 +269,8 @@ int Scene::curve_degree(NodeId shape) const {
   return node.extras ? node.extras->curve_degree : 0;
 }
 
-const std::vector<host::Vector>& Scene::curve_points(NodeId shape) const {
-  static const std::vector<host::Vector> kNothing;
+const std::vector<Vector>& Scene::curve_points(NodeId shape) const {
+  static const std::vector<Vector> kNothing;
   const Node& node = data_->at(shape);
   return node.extras ? node.extras->curve_points : kNothing;
 }

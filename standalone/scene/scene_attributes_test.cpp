@@ -119,7 +119,7 @@ TEST_F(SceneAttributes, AddedAttributesKeepTheirKind) {
 }
 
 TEST_F(SceneAttributes, ArraysAreSharedAndMoveNothing) {
-  const auto points = std::make_shared<const std::vector<host::Vector>>(3);
+  const auto points = std::make_shared<const std::vector<Vector>>(3);
   EXPECT_EQ(s.vectors(a, "points"), nullptr);
   const std::uint64_t before = s.revision();
   s.set_vectors(a, "points", points);

@@ -3,8 +3,8 @@
 #include <array>
 #include <unordered_set>
 
-#include "standalone/scene/change.h"
-#include "standalone/scene/scene_data.h"
+#include "standalone/scene/graph/change.h"
+#include "standalone/scene/graph/scene_data.h"
 
 namespace vantorelix::standalone {
 namespace {

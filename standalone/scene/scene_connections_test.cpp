@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "host/error.h"
-#include "standalone/scene/evaluator.h"
+#include "standalone/scene/evaluation/evaluator.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::standalone {

@@ -1,5 +1,5 @@
 // Animation curves and their edits.
-#include "standalone/scene/change.h"
+#include "standalone/scene/graph/change.h"
 
 namespace vantorelix::standalone {
 namespace {

@@ -1,7 +1,7 @@
 // World matrices the plain way, and what stands in their way.
 #include <unordered_set>
 
-#include "standalone/scene/scene_data.h"
+#include "standalone/scene/graph/scene_data.h"
 
 namespace vantorelix::standalone {
 namespace {

@@ -1,7 +1,7 @@
 // Names and paths.
 #include <algorithm>
 
-#include "standalone/scene/scene_data.h"
+#include "standalone/scene/graph/scene_data.h"
 
 namespace vantorelix::standalone {
 namespace {

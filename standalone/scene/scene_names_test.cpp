@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "host/error.h"
-#include "standalone/scene/name_table.h"
+#include "standalone/scene/names/name_table.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::standalone {

@@ -1,7 +1,7 @@
 // Namespaces.
 #include <algorithm>
 
-#include "standalone/scene/change.h"
+#include "standalone/scene/graph/change.h"
 
 namespace vantorelix::standalone {
 namespace {

@@ -3,10 +3,10 @@
 #include <string>
 #include <utility>
 
-#include "standalone/scene/change.h"
-#include "standalone/scene/node_places.h"
-#include "standalone/scene/node_types.h"
-#include "standalone/scene/scene_data.h"
+#include "standalone/scene/graph/change.h"
+#include "standalone/scene/graph/node_places.h"
+#include "standalone/scene/graph/node_types.h"
+#include "standalone/scene/graph/scene_data.h"
 
 namespace vantorelix::standalone {
 namespace {

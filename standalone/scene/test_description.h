@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "standalone/scene/evaluator.h"
+#include "standalone/scene/evaluation/evaluator.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::standalone {
@@ -23,7 +23,7 @@ inline void describe_curve(std::ostream& out, const AnimCurve& curve) {
 }
 
 // Not numbers are equal here.
-inline bool is_same(const host::Vector& a, const host::Vector& b) {
+inline bool is_same(const Vector& a, const Vector& b) {
   const auto same = [](double x, double y) { return x == y || (x != x && y != y); };
   return same(a.x, b.x) && same(a.y, b.y) && same(a.z, b.z);
 }
@@ -56,8 +56,8 @@ inline std::string description(const Scene& s) {
     for (const NodeId child : s.children(node)) out << ' ' << child;
     for (const char* name : kDescribed)
       if (s.has_attribute(node, name)) out << ' ' << name << '=' << s.attribute(node, name).repr();
-    if (const host::Vectors vectors = s.vectors(node, "points"))
-      for (const host::Vector& v : *vectors) out << " point " << v.x;
+    if (const Vectors vectors = s.vectors(node, "points"))
+      for (const Vector& v : *vectors) out << " point " << v.x;
     if (s.is_curve(node)) describe_curve(out, s.curve(node));
     out << " degree " << s.curve_degree(node) << ' ' << s.curve_points(node).size();
     if (s.is_transform(node)) describe_transform(out, s, node);

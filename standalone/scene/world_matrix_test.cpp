@@ -5,7 +5,7 @@
 #include <cmath>
 #include <random>
 
-#include "standalone/scene/evaluator.h"
+#include "standalone/scene/evaluation/evaluator.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::standalone {
@@ -240,8 +240,8 @@ TEST(Evaluator, GivesTheBitsOfTheAttributeQueryThroughAllEdits) {
       for (std::size_t i = 0; i < r.nodes.size(); ++i) {
         const std::size_t which = r.dice.chance(0.2) ? r.dice.below(r.nodes.size()) : i;
         const auto is_right = [&](double frame) {
-          const host::Vector fast = evaluators[which]->translation(frame);
-          const host::Vector plain = r.scene.world_matrix(r.nodes[which], frame).translation();
+          const Vector fast = evaluators[which]->translation(frame);
+          const Vector plain = r.scene.world_matrix(r.nodes[which], frame).translation();
           return same_bits(fast.x, plain.x) && same_bits(fast.y, plain.y) && same_bits(fast.z, plain.z);
         };
         for (const double frame : {0.0, 18.0, 9.0, 4.0, 4.5, 13.25, -3.0, 100.0})
@@ -270,7 +270,7 @@ TEST(Evaluator, HugeAnglesAndInheritanceThatComesAndGoesAreAsTheAttributeQuerySa
   for (std::size_t i = 1; i < nodes.size(); ++i) {
     Evaluator e(s, nodes[i]);
     for (int frame = 0; frame < 300; ++frame) {
-      const host::Vector fast = e.translation(frame), plain = s.world_matrix(nodes[i], frame).translation();
+      const Vector fast = e.translation(frame), plain = s.world_matrix(nodes[i], frame).translation();
       ASSERT_TRUE(same_bits(fast.x, plain.x) && same_bits(fast.z, plain.z)) << i << " at " << frame;
     }
   }

@@ -1,7 +1,7 @@
+#include "engine/commands/create.h"
 #include "engine/commands/display.h"
-#include "engine/entry/entry.h"
-#include "engine/frame/preferences.h"
-#include "engine/trails/create.h"
+#include "engine/commands/entry.h"
+#include "engine/state/preferences.h"
 #include "tests/contract/contract_test.h"
 
 namespace vantorelix::contract {

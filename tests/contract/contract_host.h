@@ -12,9 +12,9 @@
 #include <utility>
 #include <vector>
 
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 #include "host/error.h"
-#include "standalone/host.h"
+#include "standalone/host/host.h"
 #include "tests/support/fake_host.h"
 
 namespace vantorelix::contract {
@@ -35,7 +35,7 @@ class ContractHost {
   virtual void set_reading(bool reading) = 0;
   virtual void add_menu(std::function<void()> show) = 0;
 
-  virtual host::Vectors vectors(const std::string& shape, const std::string& attribute) = 0;
+  virtual Vectors vectors(const std::string& shape, const std::string& attribute) = 0;
   virtual host::Value attribute(const std::string& shape, const std::string& attribute) = 0;
   virtual std::size_t callback_count() = 0;
   virtual std::vector<std::string> warnings() = 0;
@@ -53,8 +53,8 @@ class FakeContractHost : public ContractHost {
  public:
   explicit FakeContractHost(const Placement* unloaded = nullptr) {
     fake_.add("|rig|ball").keys = {1.0, 5.0};
-    fake_.find("ball")->motion = [](double t) { return host::Vector{2.0 * (t - 1.0), 0.0, 0.0}; };
-    fake_.add("|cube").motion = [](double) { return host::Vector{}; };
+    fake_.find("ball")->motion = [](double t) { return Vector{2.0 * (t - 1.0), 0.0, 0.0}; };
+    fake_.add("|cube").motion = [](double) { return Vector{}; };
     fake_.range_last = 5.0;
     fake_.panels = {{"modelPanel1", {{"motionTrails", true}}}, {"modelPanel2", {{"motionTrails", false}}}};
     if (!unloaded) {
@@ -85,7 +85,7 @@ class FakeContractHost : public ContractHost {
   void add_menu(std::function<void()> show) override {
     fake_.modules["Vantorelix"]["show_trail_mini_menu"] = std::move(show);
   }
-  host::Vectors vectors(const std::string& shape, const std::string& attribute) override {
+  Vectors vectors(const std::string& shape, const std::string& attribute) override {
     return fake_.node(shape).arrays[attribute];
   }
   host::Value attribute(const std::string& shape, const std::string& attribute) override {
@@ -139,7 +139,7 @@ class StandaloneContractHost : public ContractHost {
   void add_menu(std::function<void()> show) override {
     host_.add_module("Vantorelix", {{"show_trail_mini_menu", std::move(show)}});
   }
-  host::Vectors vectors(const std::string& shape, const std::string& attribute) override {
+  Vectors vectors(const std::string& shape, const std::string& attribute) override {
     return host_.scene().vectors(host_.scene().require(shape), attribute);
   }
   host::Value attribute(const std::string& shape, const std::string& attribute) override {

@@ -1,5 +1,6 @@
-#include "engine/trails/create.h"
-#include "engine/trails/nurbs.h"
+#include "engine/commands/clear.h"
+#include "engine/commands/create.h"
+#include "engine/commands/nurbs.h"
 #include "engine/trails/queries.h"
 #include "tests/contract/contract_test.h"
 
@@ -72,9 +73,9 @@ TEST_P(CreationContract, builds_two_trails_and_restores_the_selection) {
                        callbacks() + panels + exists("|rig|ball") + exists("|cube") +
                        Lines{"cmds.select(['|rig|ball', '|cube'], replace=True)"} +
                        message("Trail built for 2 object(s).") + Lines{"cmds.refresh()"});
-  const std::vector<host::Vector> line = {{0, 0, 0}, {2, 0, 0}, {4, 0, 0}, {6, 0, 0}, {8, 0, 0}};
+  const std::vector<Vector> line = {{0, 0, 0}, {2, 0, 0}, {4, 0, 0}, {6, 0, 0}, {8, 0, 0}};
   EXPECT_EQ(*host->vectors(kBallShape, "points"), line);
-  EXPECT_EQ(*host->vectors(kBallShape, "keyTimes"), (std::vector<host::Vector>{{1, 0, 0}, {5, 0, 0}}));
+  EXPECT_EQ(*host->vectors(kBallShape, "keyTimes"), (std::vector<Vector>{{1, 0, 0}, {5, 0, 0}}));
   EXPECT_EQ(host->attribute(kBallShape, "lineWidth"), host::Value(2.5));
   EXPECT_EQ(host->attribute(kBallShape, "showDots"), host::Value(true));
 }

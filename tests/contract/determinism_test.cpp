@@ -14,7 +14,7 @@
 #include <ostream>
 #include <string>
 
-#include "engine/trails/create.h"
+#include "engine/commands/create.h"
 #include "standalone/formats/reader.h"
 #include "tests/contract/session.h"
 
@@ -32,9 +32,9 @@ class Hash {
       value_ *= 0x100000001b3u;
     }
   }
-  void add(const std::vector<host::Vector>& vectors) {
+  void add(const std::vector<Vector>& vectors) {
     add(static_cast<double>(vectors.size()));
-    for (const host::Vector& v : vectors) {
+    for (const Vector& v : vectors) {
       add(v.x);
       add(v.y);
       add(v.z);
@@ -50,7 +50,7 @@ class Hash {
 void expect_positions_of_the_scene(Session& session, const std::string& viz, const Settings& settings) {
   const standalone::Scene& scene = session.scene();
   const standalone::NodeId source = scene.require(*settings.at("source").as_text());
-  const host::Vectors points = session.vectors(viz, "points");
+  const Vectors points = session.vectors(viz, "points");
   for (std::size_t i = 0; i < points->size(); i += 7) {
     const double frame = scene.playback_min() + static_cast<double>(i) * 0.25;
     ASSERT_EQ((*points)[i], scene.world_matrix(source, frame).translation()) << viz << " at frame " << frame;

@@ -9,13 +9,13 @@
 #include <string_view>
 
 #include "engine/colour/colour.h"
+#include "engine/commands/apply_preferences.h"
+#include "engine/commands/clear.h"
+#include "engine/commands/create.h"
 #include "engine/commands/display.h"
-#include "engine/frame/constants.h"
-#include "engine/frame/preferences.h"
-#include "engine/rebuild/apply_preferences.h"
-#include "engine/trails/create.h"
-#include "engine/trails/nurbs.h"
-#include "engine/trails/queries.h"
+#include "engine/commands/nurbs.h"
+#include "engine/state/constants.h"
+#include "engine/state/preferences.h"
 #include "host/error.h"
 #include "tests/contract/session.h"
 
@@ -120,11 +120,11 @@ void expect_exact(Session& session, const std::string& viz, Settings& settings) 
   const Scene& scene = session.scene();
   const NodeId source = scene.require(*settings.at("source").as_text());
   const auto density = static_cast<double>(*settings.at("samples_per_frame").as_int());
-  std::vector<host::Vector> positions;
+  std::vector<Vector> positions;
   for (int i = 0; i <= static_cast<int>((kLast - kFirst) * density); ++i)
     positions.push_back(scene.world_matrix(source, kFirst + i / density).translation());
   std::vector<double> keys = scene.key_times(source);
-  std::vector<host::Vector> key_positions, key_times;
+  std::vector<Vector> key_positions, key_times;
   for (const double t : keys) {
     key_positions.push_back(scene.world_matrix(source, t).translation());
     key_times.push_back({t, 0.0, 0.0});
@@ -132,7 +132,7 @@ void expect_exact(Session& session, const std::string& viz, Settings& settings) 
   EXPECT_EQ(*session.vectors(viz, "points"), positions);
   EXPECT_EQ(*session.vectors(viz, "colors"), _colors_from_positions(positions, settings.at("ref")).first);
   EXPECT_EQ(*session.vectors(viz, "keyPoints"), key_positions);
-  EXPECT_EQ(*session.vectors(viz, "keyColors"), std::vector<host::Vector>(keys.size(), {1.0, 1.0, 1.0}));
+  EXPECT_EQ(*session.vectors(viz, "keyColors"), std::vector<Vector>(keys.size(), {1.0, 1.0, 1.0}));
   EXPECT_EQ(*session.vectors(viz, "keyTimes"), key_times);
 }
 

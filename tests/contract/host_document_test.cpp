@@ -6,9 +6,9 @@
 #include <string>
 #include <utility>
 
-#include "engine/frame/state.h"
-#include "engine/trails/create.h"
-#include "standalone/host.h"
+#include "engine/commands/create.h"
+#include "engine/state/state.h"
+#include "standalone/host/host.h"
 
 namespace vantorelix {
 namespace {
@@ -51,13 +51,13 @@ TEST(HostDocument, shows_code_that_runs) {
   host.run_idle();  // ... the rest follows in slices, whenever the host is idle
 
   const standalone::NodeId shape = host.scene().find("vlx_ball_vizShape");
-  const host::Vectors points = host.scene().vectors(shape, "points");  // 25 positions, one a frame
+  const Vectors points = host.scene().vectors(shape, "points");  // 25 positions, one a frame
   // end: first trail
   // clang-format on
   ASSERT_TRUE(points);
   EXPECT_EQ(points->size(), 25u);
-  EXPECT_EQ(points->front(), (host::Vector{0.0, 0.0, 0.0}));
-  EXPECT_EQ(points->back(), (host::Vector{12.0, 0.0, 0.0}));
+  EXPECT_EQ(points->front(), (Vector{0.0, 0.0, 0.0}));
+  EXPECT_EQ(points->back(), (Vector{12.0, 0.0, 0.0}));
   _initialise({&host.cmds(), &host.om(), &host.oma(), &host.interpreter()});
 }
 

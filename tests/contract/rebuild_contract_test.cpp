@@ -1,10 +1,10 @@
 #include <set>
 
-#include "engine/rebuild/apply_preferences.h"
+#include "engine/commands/apply_preferences.h"
+#include "engine/commands/create.h"
 #include "engine/rebuild/callbacks.h"
 #include "engine/rebuild/queue.h"
 #include "engine/rebuild/triggers.h"
-#include "engine/trails/create.h"
 #include "tests/contract/contract_test.h"
 
 namespace vantorelix::contract {

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "engine/frame/state.h"
-#include "standalone/host.h"
+#include "engine/state/state.h"
+#include "standalone/host/host.h"
 #include "tests/support/recorder.h"
 
 namespace vantorelix::contract {
@@ -37,7 +37,7 @@ class Session {
   std::vector<std::string>& warnings() { return warnings_; }
   void wait(double seconds) { now_ += seconds; }
 
-  host::Vectors vectors(const std::string& viz, const std::string& attribute) {
+  Vectors vectors(const std::string& viz, const std::string& attribute) {
     const auto shapes = scene().shapes(scene().require(viz));
     return scene().vectors(shapes.at(0), attribute);
   }

@@ -3,7 +3,7 @@
 
 #include "host/error.h"
 #include "standalone/formats/reader.h"
-#include "standalone/scene/evaluator.h"
+#include "standalone/scene/evaluation/evaluator.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::standalone {
@@ -23,8 +23,8 @@ inline void use(const Scene& scene) {
     if (left-- == 0) break;
     Evaluator evaluator(scene, node);
     for (const double frame : {scene.playback_min(), 0.0, 0.5, 7.25, scene.playback_max()}) {
-      const host::Vector a = evaluator.translation(frame);
-      const host::Vector b = scene.world_matrix(node, frame).translation();
+      const Vector a = evaluator.translation(frame);
+      const Vector b = scene.world_matrix(node, frame).translation();
       const auto same = [](double x, double y) { return x == y || (x != x && y != y); };
       if (!same(a.x, b.x) || !same(a.y, b.y) || !same(a.z, b.z)) __builtin_trap();
     }

@@ -1,4 +1,4 @@
-"""docs/python.md and docs/maya.md say what is so."""
+"""docs/scripts.md and docs/maya.md say what is so."""
 
 import os
 import re
@@ -21,7 +21,7 @@ def read_page(name):
 class ScriptsPage(HostTest):
     def setUp(self):
         super(ScriptsPage, self).setUp()
-        self.page = read_page("python.md")
+        self.page = read_page("scripts.md")
 
     def block(self, kind):
         return re.search(r"^```%s\n(.*?)^```" % kind, self.page, re.DOTALL | re.MULTILINE).group(1)

@@ -28,17 +28,17 @@ bool names(const std::string& name, const std::string& path) {
 
 class FakeArray : public host::VectorArray {
  public:
-  explicit FakeArray(host::Vectors values) : values_(std::move(values)) {}
-  FakeArray() : own_(std::make_shared<std::vector<host::Vector>>()), values_(own_) {}
-  void append(const host::Vector& v) override {
+  explicit FakeArray(Vectors values) : values_(std::move(values)) {}
+  FakeArray() : own_(std::make_shared<std::vector<Vector>>()), values_(own_) {}
+  void append(const Vector& v) override {
     if (!own_) throw host::Error("a shared array cannot grow");
     own_->push_back(v);
   }
-  const host::Vectors& values() const { return values_; }
+  const Vectors& values() const { return values_; }
 
  private:
-  std::shared_ptr<std::vector<host::Vector>> own_;
-  host::Vectors values_;
+  std::shared_ptr<std::vector<Vector>> own_;
+  Vectors values_;
 };
 
 class FakeModule : public host::Module {
@@ -68,10 +68,10 @@ class FakeHost::FakePlug : public host::Plug {
   std::shared_ptr<host::Plug> elementByLogicalIndex(unsigned) override {
     return std::make_shared<FakePlug>(fake_, path_, attribute_);
   }
-  host::Vector translation_at(double t, const host::TimeUnit& unit) override {
+  Vector translation_at(double t, const host::TimeUnit& unit) override {
     if (!(unit == fake_.ui_unit)) throw host::Error("not the unit that was handed out");
-    const host::Vector exact = fake_.position(fake_.node(path_), t);
-    const host::Vector& offset = fake_.context_offset;
+    const Vector exact = fake_.position(fake_.node(path_), t);
+    const Vector& offset = fake_.context_offset;
     return {exact.x + offset.x, exact.y + offset.y, exact.z + offset.z};
   }
   void set_vector_array(const std::shared_ptr<host::VectorArray>& array) override {
@@ -86,7 +86,7 @@ class FakeHost::FakePlug : public host::Plug {
 };
 
 FakeHost::FakeHost() {
-  motion = [](const std::string&, double t) { return host::Vector{t, 0.0, 0.0}; };
+  motion = [](const std::string&, double t) { return Vector{t, 0.0, 0.0}; };
   on_load_plugin = [](const std::string& path) {
     throw host::Error("Plug-in, \"" + path + "\", was not found on MAYA_PLUG_IN_PATH.");
   };
@@ -123,7 +123,7 @@ void FakeHost::remove(const std::string& name) {
   nodes.remove_if([&](const Node& n) { return n.path == path || is_below(n.path, path); });
 }
 
-host::Vector FakeHost::position(const Node& n, double t) {
+Vector FakeHost::position(const Node& n, double t) {
   ++evaluations;
   now += advance_per_evaluation;
   if (on_evaluation) on_evaluation();
@@ -229,8 +229,7 @@ void FakeHost::parent(const std::string& name, const std::string& parent_name) {
 void FakeHost::group_empty(const std::string& name) { add(free_path("|" + name)); }
 void FakeHost::delete_(const std::string& name) { remove(name); }
 
-std::string FakeHost::curve(const host::Value& degree, const std::vector<host::Vector>& points,
-                            const std::string& name) {
+std::string FakeHost::curve(const host::Value& degree, const std::vector<Vector>& points, const std::string& name) {
   const std::string path = add(free_path("|" + name)).path;
   add(path + "|" + last_component(path) + "Shape", "nurbsCurve");
   curves.push_back({last_component(path), degree, points});
@@ -242,7 +241,7 @@ std::string FakeHost::curve(const host::Value& degree, const std::vector<host::V
 std::array<double, 16> FakeHost::getAttr_matrix(const std::string& attribute, double t) {
   const std::string name = attribute.substr(0, attribute.rfind(".worldMatrix[0]"));
   if (name == attribute) no_object(attribute);
-  const host::Vector p = position(node(name), t);
+  const Vector p = position(node(name), t);
   return {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, p.x, p.y, p.z, 1};
 }
 
@@ -268,7 +267,7 @@ std::shared_ptr<host::Plug> FakeHost::findPlug(const std::string& name, const st
 
 host::TimeUnit FakeHost::uiUnit() { return ui_unit; }
 
-std::shared_ptr<host::VectorArray> FakeHost::vector_array(const host::Vectors& values) {
+std::shared_ptr<host::VectorArray> FakeHost::vector_array(const Vectors& values) {
   if (!converts_sequences) throw host::Error("this sequence cannot be converted", host::ErrorKind::type);
   return std::make_shared<FakeArray>(values);
 }

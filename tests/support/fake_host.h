@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 
 namespace vantorelix::support {
 
@@ -26,9 +26,9 @@ class FakeHost : public host::CommandLayer,
     std::string path;
     std::string type;
     std::map<std::string, host::Value> attributes = {};  // what setAttr left
-    std::map<std::string, host::Vectors> arrays = {};    // what setMObject left
+    std::map<std::string, Vectors> arrays = {};          // what setMObject left
     std::vector<double> keys = {};                       // as given: any order, duplicates and all
-    std::function<host::Vector(double)> motion = {};     // FakeHost::motion where it is empty
+    std::function<Vector(double)> motion = {};           // FakeHost::motion where it is empty
   };
   struct Subscription {
     std::string kind;  // "curve", "key", or "removed:" and the node type
@@ -41,7 +41,7 @@ class FakeHost : public host::CommandLayer,
   struct Curve {
     std::string name;
     host::Value degree;
-    std::vector<host::Vector> points;
+    std::vector<Vector> points;
   };
 
   FakeHost();
@@ -63,9 +63,9 @@ class FakeHost : public host::CommandLayer,
   std::vector<Curve> curves;
 
   // World position of an object (full path) at a frame; by default (t, 0, 0).
-  std::function<host::Vector(const std::string& path, double t)> motion;
+  std::function<Vector(const std::string& path, double t)> motion;
   // Added to what context evaluation gives: the difference between the fast road and the slow one.
-  host::Vector context_offset;
+  Vector context_offset;
   // Called before each evaluation of either road; may throw.
   std::function<void()> on_evaluation;
   std::size_t evaluations = 0;
@@ -138,8 +138,7 @@ class FakeHost : public host::CommandLayer,
   void parent(const std::string& node, const std::string& parent) override;
   void group_empty(const std::string& name) override;
   void delete_(const std::string& node) override;
-  std::string curve(const host::Value& degree, const std::vector<host::Vector>& points,
-                    const std::string& name) override;
+  std::string curve(const host::Value& degree, const std::vector<Vector>& points, const std::string& name) override;
   std::array<double, 16> getAttr_matrix(const std::string& attribute, double time) override;
   void setAttr(const std::string& attribute, const host::Value& value) override;
   std::vector<double> keyframe_times(const std::string& node) override;
@@ -166,7 +165,7 @@ class FakeHost : public host::CommandLayer,
 
   std::shared_ptr<host::Plug> findPlug(const std::string& node, const std::string& attribute) override;
   host::TimeUnit uiUnit() override;
-  std::shared_ptr<host::VectorArray> vector_array(const host::Vectors& values) override;
+  std::shared_ptr<host::VectorArray> vector_array(const Vectors& values) override;
   std::shared_ptr<host::VectorArray> vector_array() override;
   bool isReadingFile() override;
   bool isWritingFile() override;
@@ -190,7 +189,7 @@ class FakeHost : public host::CommandLayer,
 
  private:
   class FakePlug;
-  host::Vector position(const Node& node, double t);
+  Vector position(const Node& node, double t);
   void refuse(const std::string& path, const std::string& attribute);
   std::string shortest_name(const Node& node) const;
   void move(Node& node, const std::string& path);

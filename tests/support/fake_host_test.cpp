@@ -113,7 +113,7 @@ TEST(FakeHost, APlugOfANodeThatHasGoneThrows) {
   FakeHost fake;
   fake.add("|ball");
   const auto plug = fake.findPlug("ball", "worldMatrix");
-  EXPECT_EQ(plug->translation_at(3.0, fake.ui_unit), (host::Vector{3.0, 0.0, 0.0}));
+  EXPECT_EQ(plug->translation_at(3.0, fake.ui_unit), (Vector{3.0, 0.0, 0.0}));
   fake.remove("ball");
   EXPECT_THROW(plug->translation_at(3.0, fake.ui_unit), host::Error);
 }

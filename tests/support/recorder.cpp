@@ -68,8 +68,7 @@ class Commands : public host::CommandLayer {
     tape_.call("cmds.delete", node);
     inner_.delete_(node);
   }
-  std::string curve(const host::Value& degree, const std::vector<host::Vector>& points,
-                    const std::string& name) override {
+  std::string curve(const host::Value& degree, const std::vector<Vector>& points, const std::string& name) override {
     tape_.call("cmds.curve", kw("d", degree), kw("p", points.size()), kw("name", name));
     return inner_.curve(degree, points, name);
   }
@@ -176,7 +175,7 @@ class RecordedArray : public host::VectorArray {
   RecordedArray(Tape& tape, std::shared_ptr<host::VectorArray> inner, std::size_t size)
       : tape_(tape), inner_(std::move(inner)), size_(size) {}
 
-  void append(const host::Vector& v) override {
+  void append(const Vector& v) override {
     tape_.call("array.append", v);
     inner_->append(v);
     ++size_;
@@ -198,7 +197,7 @@ class RecordedPlug : public host::Plug {
     tape_.call("plug.elementByLogicalIndex", static_cast<std::int64_t>(index));
     return std::make_shared<RecordedPlug>(tape_, inner_->elementByLogicalIndex(index));
   }
-  host::Vector translation_at(double t, const host::TimeUnit& unit) override {
+  Vector translation_at(double t, const host::TimeUnit& unit) override {
     tape_.call("plug.translation_at", t);
     return inner_->translation_at(t, unit);
   }
@@ -225,7 +224,7 @@ class Objects : public host::ObjectModel {
     tape_.call("om.MTime.uiUnit");
     return inner_.uiUnit();
   }
-  std::shared_ptr<host::VectorArray> vector_array(const host::Vectors& values) override {
+  std::shared_ptr<host::VectorArray> vector_array(const Vectors& values) override {
     tape_.call("om.MVectorArray", values->size());
     return std::make_shared<RecordedArray>(tape_, inner_.vector_array(values), values->size());
   }

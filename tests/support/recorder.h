@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/frame/state.h"
+#include "engine/state/state.h"
 
 namespace vantorelix::support {
 

@@ -52,7 +52,7 @@ TEST_F(RecorderTest, WritesCallsAsAScriptMakesThem) {
 }
 
 TEST_F(RecorderTest, PassesArraysThroughUnderTheirLength) {
-  const auto values = std::make_shared<const std::vector<host::Vector>>(250);
+  const auto values = std::make_shared<const std::vector<Vector>>(250);
   hear.om->findPlug("ballShape", "points")->set_vector_array(hear.om->vector_array(values));
   const auto array = hear.om->vector_array();
   array->append({1, 2, 3});
@@ -62,7 +62,7 @@ TEST_F(RecorderTest, PassesArraysThroughUnderTheirLength) {
                           "om.MVectorArray()", "array.append((1.0, 2.0, 3.0))", "om.findPlug('ballShape', 'colors')",
                           "plug.setMObject(<1>)"));
   EXPECT_EQ(fake.node("ballShape").arrays["points"], values);  // the same storage
-  EXPECT_THAT(*fake.node("ballShape").arrays["colors"], ElementsAre(host::Vector{1, 2, 3}));
+  EXPECT_THAT(*fake.node("ballShape").arrays["colors"], ElementsAre(Vector{1, 2, 3}));
 }
 
 TEST_F(RecorderTest, LeavesOutTheLinesThatAreNotAskedFor) {

@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/vector.h"
 #include "host/callback.h"
 #include "host/error.h"
 #include "host/value.h"
-#include "host/vector.h"
 #include "tests/support/recorder.h"
 
 namespace vantorelix::support {
@@ -37,9 +37,7 @@ inline std::string piece(bool value) { return value ? "True" : "False"; }
 inline std::string piece(double value) { return host::float_repr(value); }
 inline std::string piece(std::int64_t value) { return std::to_string(value); }
 inline std::string piece(std::size_t length) { return "<" + std::to_string(length) + ">"; }
-inline std::string piece(const host::Vector& v) {
-  return "(" + piece(v.x) + ", " + piece(v.y) + ", " + piece(v.z) + ")";
-}
+inline std::string piece(const Vector& v) { return "(" + piece(v.x) + ", " + piece(v.y) + ", " + piece(v.z) + ")"; }
 inline std::string piece(const std::vector<std::string>& names) {
   std::vector<host::Value> values(names.begin(), names.end());
   return host::Value::list(std::move(values)).repr();

@@ -25,7 +25,7 @@ std::shared_ptr<Settings> add_trail(FakeHost& fake, const std::string& name, con
 
 FakeHost::Node& viz_shape(FakeHost& fake, const std::string& name) { return fake.node(shape_path(name)); }
 
-host::Vectors pushed(FakeHost& fake, const std::string& name, const std::string& attribute) {
+Vectors pushed(FakeHost& fake, const std::string& name, const std::string& attribute) {
   const auto& arrays = viz_shape(fake, name).arrays;
   const auto found = arrays.find(attribute);
   return found == arrays.end() ? nullptr : found->second;

@@ -15,7 +15,7 @@ std::shared_ptr<Settings> add_trail(FakeHost& fake, const std::string& name, con
 // The shape that carries the arrays of the object's trail.
 FakeHost::Node& viz_shape(FakeHost& fake, const std::string& name);
 // What the shape's array attribute holds; null where nothing was pushed.
-host::Vectors pushed(FakeHost& fake, const std::string& name, const std::string& attribute);
+Vectors pushed(FakeHost& fake, const std::string& name, const std::string& attribute);
 
 using Lines = std::vector<std::string>;
 Lines together(std::initializer_list<Lines> parts);

@@ -9,17 +9,17 @@
 
 namespace vantorelix::support {
 
-inline host::Vectors shared(std::vector<host::Vector> values) {
-  return std::make_shared<const std::vector<host::Vector>>(std::move(values));
+inline Vectors shared(std::vector<Vector> values) {
+  return std::make_shared<const std::vector<Vector>>(std::move(values));
 }
 
 // Green, of an object "|a", without keys.
-inline cli::TrailView trail_of(std::vector<host::Vector> points) {
+inline cli::TrailView trail_of(std::vector<Vector> points) {
   cli::TrailView trail;
   trail.viz = "vlx_a_viz";
   trail.source = "|a";
   trail.name = "a";
-  trail.colors = shared(std::vector<host::Vector>(points.size(), host::Vector{0, 1, 0}));
+  trail.colors = shared(std::vector<Vector>(points.size(), Vector{0, 1, 0}));
   trail.points = shared(std::move(points));
   trail.key_points = trail.key_colors = shared({});
   return trail;

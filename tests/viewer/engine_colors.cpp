@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "engine/colour/colour.h"
-#include "engine/frame/state.h"
-#include "standalone/host.h"
+#include "engine/state/state.h"
+#include "standalone/host/host.h"
 
 namespace vantorelix {
 namespace {

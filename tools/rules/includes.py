@@ -1,36 +1,47 @@
-"""Includes go one way: host <- engine, host <- standalone, and everything <- cli, tests and bench."""
+"""Includes go one way, between the top folders and between all others, and a room's inner headers stay inside.
 
+Three laws, each of which names the line that breaks it: a top folder includes from those below it (OURS); no two folders
+include each other, straight or by way of others; and a header that says "For the files of FOLDER only." in a comment line
+("this folder" is its own) is included from there alone.
+"""
+
+import collections
 import re
 
 from . import files
 
-# The first folder of a file -> the folders of ours that it may include from.
+# The first folder of a file -> the folders of ours that it may include from. The two halves of maya/ are as far apart
+# as folders can be: one stands on the engine, the other on the standalone host.
 OURS = {
-    "host": {"host"},
-    "engine": {"engine", "host"},
-    "standalone": {"standalone", "host"},
-    "maya": {"maya", "engine", "host"},
-    "cli": {"cli", "standalone", "engine", "host"},
-    "bench": {"bench", "cli", "standalone", "engine", "host"},
-    "tests": {"tests", "cli", "standalone", "engine", "host"},
+    "base": {"base"},
+    "host": {"host", "base"},
+    "engine": {"engine", "host", "base"},
+    "standalone": {"standalone", "host", "base"},
+    "session": {"session", "standalone", "engine", "host", "base"},
+    "maya/extension": {"maya/extension", "engine", "host", "base"},
+    "maya/standalone": {"maya/standalone", "standalone", "host", "base"},
+    "cli": {"cli", "session", "standalone", "engine", "host", "base"},
+    "bench": {"bench", "cli", "session", "standalone", "engine", "host", "base"},
+    "tests": {"tests", "cli", "session", "standalone", "engine", "host", "base"},
 }
 
 # What is not ours: pattern of the header -> (folders that may use it, only in .cpp files).
 FOREIGN = [
-    (re.compile(r"nlohmann/"), {"standalone", "cli", "bench", "tests"}, True),
+    (re.compile(r"nlohmann/"), {"standalone", "maya/standalone", "cli", "bench", "tests"}, True),
     (re.compile(r"(cgltf|ufbx)\.h$"), {"standalone", "bench"}, True),
     (re.compile(r"CLI/"), {"cli"}, False),
     (re.compile(r"benchmark/"), {"bench"}, False),
     (re.compile(r"(gtest|gmock)/"), {"tests"}, False),
-    (re.compile(r"(pybind11/|Python\.h$)"), {"maya", "bench"}, False),
-    (re.compile(r"(x86)?intrin\.h$"), {"host", "standalone"}, False),
-    (re.compile(r"cpuid\.h$"), {"host"}, True),
-    (re.compile(r"sys/mman\.h$"), {"host"}, True),
+    (re.compile(r"(pybind11/|Python\.h$)"), {"maya/extension", "bench"}, False),
+    (re.compile(r"(x86)?intrin\.h$"), {"base"}, False),
+    (re.compile(r"cpuid\.h$"), {"base"}, True),
+    (re.compile(r"sys/mman\.h$"), {"base"}, True),
     (re.compile(r"(unistd\.h|fcntl\.h|windows\.h|shellapi\.h|io\.h|sys/\w+\.h)$"), {"standalone", "cli", "bench", "tests"}, True),
 ]
 
 _INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
 _TEST = re.compile(r"_test\.cpp$|_test_\w+\.h$")
+_INSIDE = re.compile(r"^// (?:.*\. )?For the files of (this folder|[\w/]+) only\.", re.MULTILINE)
 _STANDARD = re.compile(r"^[a-z_0-9]+$")
 
 
@@ -39,18 +50,45 @@ def includes(text):
     return [(text.count("\n", 0, m.start(1)) + 1, m.group(1), m.group(2)) for m in _INCLUDE.finditer(text)]
 
 
-def _wrong(path, quote, header):
-    folder = path.split("/")[0]
+def _top(path):
+    """The folder of OURS that a path lies in; its first folder where that is none of them."""
+    parts = path.split("/")
+    return "/".join(parts[:2]) if "/".join(parts[:2]) in OURS else parts[0]
+
+
+def _folder(path):
+    return path.rpartition("/")[0]
+
+
+def _owners(root):
+    """Header -> the folder to which it keeps, for those that keep to one."""
+    found = {}
+    for path in files.walk(root, [".h"], OURS):
+        inside = _INSIDE.search(files.read(root, path))
+        if inside:
+            found[path] = _folder(path) if inside.group(1) == "this folder" else inside.group(1)
+    return found
+
+
+def _wrong_of_ours(path, header, test, owners):
+    folder, target = _top(path), _top(header)
+    if target not in OURS:
+        return '"%s" is not a path from the root of the checkout; write it whole, as in "host/value.h"' % header
+    allowed = OURS[folder] | ({"tests"} if test else set())
+    if target not in allowed:
+        return "%s/ may not include %s/; include only from %s, or move the code to where both may reach it" % (
+            folder, target, ", ".join(sorted(allowed)))
+    owner = owners.get(header)
+    if owner and not path.startswith(owner + "/"):
+        return '"%s" is for the files of %s/ only; include a header that is not' % (header, owner)
+    return None
+
+
+def _wrong(path, quote, header, owners):
+    folder = _top(path)
     test = bool(_TEST.search(path))
     if quote == '"':
-        target = header.split("/")[0]
-        if target not in OURS:
-            return '"%s" is not a path from the root of the checkout; write it whole, as in "host/value.h"' % header
-        allowed = OURS[folder] | ({"tests"} if test else set())
-        if target not in allowed:
-            return "%s/ may not include %s/; include only from %s, or move the code to where both may reach it" % (
-                folder, target, ", ".join(sorted(allowed)))
-        return None
+        return _wrong_of_ours(path, header, test, owners)
     if _STANDARD.match(header):
         return None
     for pattern, folders, only_cpp in FOREIGN:
@@ -63,11 +101,46 @@ def _wrong(path, quote, header):
     return "<%s> is not a standard C++ header; use the standard one, or name it in tools/rules/includes.py" % header
 
 
-def problems(root, options=None):
+def _way(arrows, start, goal):
+    """The folders on a shortest way along the arrows, both ends included; none where there is no way."""
+    before, waiting = {start: None}, collections.deque([start])
+    while waiting:
+        folder = waiting.popleft()
+        if folder == goal:
+            way = []
+            while folder is not None:
+                way.insert(0, folder)
+                folder = before[folder]
+            return way
+        for following in sorted(arrows[folder]):
+            if following not in before:
+                before[following] = folder
+                waiting.append(following)
+    return None
+
+
+def _circles(arrows, places):
+    """A complaint for each arrow between folders that closes a circle, at the first include that makes it."""
     found = []
+    for (source, target), place in sorted(places.items(), key=lambda item: item[1]):
+        way = _way(arrows, target, source)
+        if way:
+            found.append("%s: %s/ and %s/ are in a circle, %s; move what both need to a folder below both"
+                         % (place, source, target, " -> ".join([source] + way)))
+    return found
+
+
+def problems(root, options=None):
+    found, owners = [], _owners(root)
+    arrows = collections.defaultdict(set)
+    places = {}
     for path in files.walk(root, files.CPP, OURS):
         for line, quote, header in includes(files.read(root, path)):
-            wrong = _wrong(path, quote, header)
+            place = "%s:%d" % (path, line)
+            wrong = _wrong(path, quote, header, owners)
             if wrong:
-                found.append("%s:%d: %s" % (path, line, wrong))
-    return found
+                found.append("%s: %s" % (place, wrong))
+            elif quote == '"' and not _TEST.search(path) and _folder(path) != _folder(header):
+                arrows[_folder(path)].add(_folder(header))
+                places.setdefault((_folder(path), _folder(header)), place)
+    return found + _circles(arrows, places)

@@ -179,7 +179,7 @@ def uses(root):
     """{use: "file:line" of the first place that has it}."""
     found = {}
     python = files.walk(root, [".py"], ["maya/companion", "maya/package"])
-    for path in python + files.walk(root, files.CPP, ["maya/extension", "engine/frame"]):
+    for path in python + files.walk(root, files.CPP, ["maya/extension", "engine/state"]):
         text = files.read(root, path)
         in_file = uses_in_python(text, path.rpartition("/")[2]) if path in python else uses_in_cpp(text)
         for use, line in in_file.items():

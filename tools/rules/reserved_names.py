@@ -39,4 +39,4 @@ def problems(root, options):
     if not names:
         return ["engine:1: no published name with an underscore and a capital was found; mend the pattern of this rule"]
     text = compiler.errors(options.compiler, root, source(names, standard_headers(root)))
-    return ["engine:1: a published name is taken; #undef it in engine/frame/state.h, with the reason\n" + text] if text else []
+    return ["engine:1: a published name is taken; #undef it in engine/state/state.h, with the reason\n" + text] if text else []

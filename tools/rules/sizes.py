@@ -1,18 +1,21 @@
-"""Files stay within 450 lines and functions within 60, or say why not.
+"""Folders stay within 24 files, files within 450 lines and functions within 60, or say why not.
 
 The reason is a comment that begins "Long because": anywhere in a long file, and in the lines just above or in a long
 function. Functions are found by their layout, which clang-format guarantees: a head that ends in "{" and the first
-later "}" at the same indent. TypeScript is laid out the same way; a group of tests there is no function.
+later "}" at the same indent. TypeScript is laid out the same way; a group of tests there is no function. A folder's files are those of C++ or TypeScript that lie in it and are no tests.
 """
 
+import collections
 import re
 
 from . import files
 from .includes import OURS
 
+FOLDER_FILES = 24
 FILE_LINES = 450
 FUNCTION_LINES = 60
 REASON = "Long because"
+_TEST = re.compile(r"(_test\.cpp|_test_\w+\.h|\.test\.ts)$")
 _NOT_A_FUNCTION = re.compile(r"\s*((namespace|class|struct|enum|union|extern|public|private|protected|describe)\b|\}|//|#)")
 
 
@@ -41,8 +44,15 @@ def functions(lines):
     return found
 
 
+def _full_folders(root):
+    counts = collections.Counter(path.rpartition("/")[0] for path in files.walk(root, files.CPP, OURS)
+                                 + files.walk(root, [".ts"]) if not _TEST.search(path))
+    return ["%s:1: %d files; give what belongs together a folder below it, %d at most in each" % (folder, count, FOLDER_FILES)
+            for folder, count in sorted(counts.items()) if count > FOLDER_FILES]
+
+
 def problems(root, options=None):
-    found = []
+    found = _full_folders(root)
     for path in files.walk(root, files.CPP, OURS) + files.walk(root, [".py", ".ts", ".css"]):
         lines = files.read(root, path).splitlines()
         if len(lines) > FILE_LINES and not any(REASON in line for line in lines):

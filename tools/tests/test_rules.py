@@ -47,16 +47,16 @@ class Includes(Checkout):
         self.assertEqual(self.problems(includes), [])
 
     def test_engine_may_not_include_the_standalone_host(self):
-        self.write("engine/a.cpp", '\n#include "standalone/host.h"\n')
-        self.assert_one(self.problems(includes), "engine/a.cpp:2:", "include only from engine, host")
+        self.write("engine/a.cpp", '\n#include "standalone/host/host.h"\n')
+        self.assert_one(self.problems(includes), "engine/a.cpp:2:", "include only from base, engine, host")
 
     def test_host_may_not_include_the_engine(self):
         self.write("host/a.h", '#include "engine/a.h"\n')
-        self.assert_one(self.problems(includes), "host/a.h:1:", "include only from host")
+        self.assert_one(self.problems(includes), "host/a.h:1:", "include only from base, host")
 
     def test_standalone_and_engine_do_not_know_each_other(self):
         self.write("standalone/a.cpp", '#include "engine/a.h"\n')
-        self.assert_one(self.problems(includes), "standalone/a.cpp:1:", "include only from host, standalone")
+        self.assert_one(self.problems(includes), "standalone/a.cpp:1:", "include only from base, host, standalone")
 
     def test_engine_code_may_not_include_test_support(self):
         self.write("engine/a.cpp", '#include "tests/support/host.h"\n')
@@ -72,7 +72,47 @@ class Includes(Checkout):
 
     def test_python_stays_in_the_python_module(self):
         self.write("standalone/a.cpp", "#include <Python.h>\n")
-        self.assert_one(self.problems(includes), "standalone/a.cpp:1:", "wrap what you need in bench or maya")
+        self.assert_one(self.problems(includes), "standalone/a.cpp:1:", "wrap what you need in bench or maya/extension")
+
+    def test_two_folders_that_include_each_other_are_named_however_long_the_way(self):
+        self.write("engine/colour/a.h", '#include "engine/sampling/a.h"\n')
+        self.write("engine/sampling/a.h", "")
+        self.assertEqual(self.problems(includes), [])
+        self.write("engine/sampling/a.cpp", '#include "engine/state/a.h"\n')
+        self.write("engine/state/a.h", '\n#include "engine/colour/a.h"\n')
+        problems = self.problems(includes)
+        self.assertEqual(len(problems), 3, problems)
+        self.assertIn("engine/state/a.h:2: engine/state/ and engine/colour/ are in a circle, engine/state -> engine/colour"
+                      " -> engine/sampling -> engine/state", problems[2])
+
+    def test_a_test_may_look_at_what_stands_above_it(self):
+        self.write("engine/colour/a.h", '#include "engine/sampling/a.h"\n')
+        self.write("engine/sampling/a_test.cpp", '#include "engine/colour/a.h"\n')
+        self.assertEqual(self.problems(includes), [])
+
+    def test_a_header_that_keeps_to_its_folder_is_not_included_from_elsewhere(self):
+        self.write("standalone/scene/graph/a.h", "// Nodes. For the files of this folder only.\n")
+        self.write("standalone/scene/graph/a.cpp", '#include "standalone/scene/graph/a.h"\n')
+        self.assertEqual(self.problems(includes), [])
+        self.write("standalone/scene/b.cpp", '#include "standalone/scene/graph/a.h"\n')
+        self.assert_one(self.problems(includes), "standalone/scene/b.cpp:1:", "for the files of standalone/scene/graph/ only")
+
+    def test_a_header_may_keep_to_a_folder_above_its_own(self):
+        self.write("standalone/scene/graph/a.h", "// For the files of standalone/scene only.\n")
+        self.write("standalone/scene/b.cpp", '#include "standalone/scene/graph/a.h"\n')
+        self.assertEqual(self.problems(includes), [])
+        self.write("standalone/host/c.cpp", '#include "standalone/scene/graph/a.h"\n')
+        self.assert_one(self.problems(includes), "standalone/host/c.cpp:1:", "for the files of standalone/scene/ only")
+
+    def test_the_two_halves_of_maya_do_not_know_each_other(self):
+        self.write("maya/extension/a.cpp", '#include "maya/standalone/a.h"\n')
+        self.assert_one(self.problems(includes), "maya/extension/a.cpp:1:", "maya/extension/ may not include maya/standalone/")
+        self.write("maya/extension/a.cpp", "#include <Python.h>\n")
+        self.assertEqual(self.problems(includes), [])
+
+    def test_base_includes_nothing_of_ours(self):
+        self.write("base/a.h", '#include "host/value.h"\n')
+        self.assert_one(self.problems(includes), "base/a.h:1:", "include only from base")
 
     def test_an_unknown_header_and_a_relative_path_are_named(self):
         self.write("engine/a.cpp", "#include <math.h>\n")
@@ -227,6 +267,15 @@ class Sizes(Checkout):
     def test_a_namespace_is_no_function(self):
         self.write("engine/a.cpp", "namespace n {\n%s}\n" % ("int f(int);\n" * 100))
         self.assertEqual(self.problems(sizes), [])
+
+    def test_a_folder_holds_as_many_files_as_the_limit_and_its_tests_do_not_count(self):
+        for number in range(24):
+            self.write("engine/a/%d.cpp" % number, "")
+        self.write("engine/a/0_test.cpp", "")
+        self.write("engine/a/below/b.cpp", "")
+        self.assertEqual(self.problems(sizes), [])
+        self.write("engine/a/a.h", "")
+        self.assert_one(self.problems(sizes), "engine/a:1:", "25 files")
 
     def test_a_long_file_needs_a_reason(self):
         self.write("engine/a.cpp", "int a;\n" * 451)

@@ -1,0 +1,20 @@
+// The words around a picture: title above, meaning of the colours and measures of the trails below.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/output/output_file.h"
+#include "cli/output/svg/svg_camera.h"
+#include "cli/trail_report.h"
+
+namespace vantorelix::cli {
+
+void draw_title(OutputFile& out, const TrailReport& report, double left, double top);
+
+// Height that the legend needs.
+double legend_height(const TrailReport& report, const std::vector<std::string>& notes);
+// `notes` are remarks on how the picture was made.
+void draw_legend(OutputFile& out, const TrailReport& report, const std::vector<std::string>& notes, const Box2& area);
+
+}  // namespace vantorelix::cli

@@ -1,0 +1,144 @@
+// Curves, layers and inherited scales of an FBX file.
+#include <ufbx.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "standalone/formats/fbx/fbx_properties.h"
+#include "standalone/formats/fbx/fbx_reader.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+constexpr std::array<const char*, 3> kAxes = {"X", "Y", "Z"};
+
+// The nodes whose scales a node's own is multiplied by, nearest first; itself in front.
+std::vector<const ufbx_node*> scale_chain(const ufbx_node& node) {
+  std::vector<const ufbx_node*> chain = {&node};
+  while (chain.back()->inherit_mode != UFBX_INHERIT_MODE_NORMAL) {
+    const ufbx_node* next = chain.back()->inherit_scale_node;
+    if (next == nullptr || next->is_root) break;
+    chain.push_back(next);
+  }
+  return chain;
+}
+
+}  // namespace
+
+void FbxReader::collect_animation() {
+  for (std::size_t layer = 0; layer < anim_->layers.count; ++layer) {
+    for (const ufbx_anim_prop& driven : anim_->layers[layer]->anim_props) {
+      const ufbx_node* const node = ufbx_as_node(driven.element);
+      if (node == nullptr || node->is_root) continue;
+      const std::string_view name(driven.prop_name.data, driven.prop_name.length);
+      const auto property = std::find_if(kFbxNodeProperties.begin(), kFbxNodeProperties.end(),
+                                         [name](const FbxNodeProperty& p) { return name == p.name; });
+      if (property != kFbxNodeProperties.end()) {
+        const auto index = static_cast<std::size_t>(property - kFbxNodeProperties.begin());
+        values_[{node->typed_id, index}].push_back({layer, driven.anim_value});
+      } else if (name == kFbxPostRotation || name == "RotationOrder") {
+        scene_.warn("an animated " + std::string(name) + " is not followed; it keeps its static value");
+      }
+    }
+  }
+}
+
+const FbxReader::Values* FbxReader::values_of(const ufbx_node& node, std::size_t property) const {
+  const auto found = values_.find({node.typed_id, property});
+  return found == values_.end() ? nullptr : &found->second;
+}
+
+void FbxReader::animate() {
+  for (const auto& [key, values] : values_) {
+    const ufbx_node& node = *document_->nodes[key.first];
+    if (key.second == kFbxPreRotation && !node.use_rotation_space) continue;
+    animate(node, key.second, values);
+  }
+}
+
+void FbxReader::animate(const ufbx_node& node, std::size_t property, const Values& values) {
+  if (is_plain(values)) {
+    connect_curves(node, property, *values[0].value);
+  } else {
+    connect_track({&node}, property);
+  }
+}
+
+// Whether the property is what one layer's curves say, which may be edited then.
+bool FbxReader::is_plain(const Values& values) const {
+  if (values.size() != 1) return false;
+  const ufbx_anim_layer& layer = *anim_->layers[values[0].layer];
+  if (values[0].layer != 0 && (layer.additive || layer.blended)) return false;
+  const auto& curves = values[0].value->curves;
+  return std::all_of(std::begin(curves), std::end(curves),
+                     [](const ufbx_anim_curve* curve) { return curve == nullptr || is_convertible(*curve); });
+}
+
+void FbxReader::connect_curves(const ufbx_node& node, std::size_t index, const ufbx_anim_value& value) {
+  const FbxNodeProperty& property = kFbxNodeProperties[index];
+  const NodeId id = id_of(node);
+  const double unit = fbx_unit(property);
+  const std::array<double, 3> still = numbers_of(value.default_value);
+  const std::string stem = std::string(scene_.short_name(id)) + "_" + property.whole;
+  for (std::size_t k = 0; k < still.size(); ++k) {
+    const ufbx_anim_curve* const curve = value.curves[k];
+    scene_.set_channel(id, component(property.first, k), still[k] * unit);
+    if (curve == nullptr || curve->keyframes.count == 0) continue;
+    FbxCurve made = convert_curve(*curve, clock_, unit);
+    note_keys(made.keys.front().time, made.keys.back().time);
+    const NodeId driver = scene_.create_curve(property.kind, stem + kAxes[k]);
+    scene_.assign_curve(driver, std::move(made.keys), made.weighted, made.pre, made.post);
+    scene_.connect(driver, "output", id, std::string(property.whole) + kAxes[k]);
+  }
+}
+
+void FbxReader::connect_track(std::vector<const ufbx_node*> nodes, std::size_t index) {
+  const FbxNodeProperty& property = kFbxNodeProperties[index];
+  const NodeId id = id_of(*nodes.front());
+  std::vector<const ufbx_anim_curve*> curves;
+  for (const ufbx_node* node : nodes) {
+    const Values* const values = values_of(*node, index);
+    if (values == nullptr) continue;
+    for (const LayerValue& layer : *values) {
+      for (const ufbx_anim_curve* curve : layer.value->curves) {
+        if (curve != nullptr && curve->keyframes.count > 0) curves.push_back(curve);
+      }
+    }
+  }
+  std::array<double, 3> still{};
+  for (std::size_t k = 0; k < still.size(); ++k) still[k] = scene_.channel(id, component(property.first, k));
+  const auto track =
+      make_fbx_track(document_, {anim_, std::move(nodes), property.name, fbx_unit(property), still}, curves);
+  if (!track->key_times().empty()) note_keys(track->key_times().front(), track->key_times().back());
+  const std::string name = std::string(scene_.short_name(id)) + "_" + property.whole;
+  scene_.connect(scene_.create_track(track, name), "output", id, property.whole);
+}
+
+void FbxReader::note_keys(double first, double last) {
+  const bool none = first_key_ > last_key_;
+  first_key_ = none ? first : std::min(first_key_, first);
+  last_key_ = none ? last : std::max(last_key_, last);
+}
+
+// A node that takes less of its parent's scale than the matrix above it holds divides by it, as joints do. One that
+// takes it component by component has it in its own scale too, divided out and multiplied in again on the other side of
+// its rotation.
+void FbxReader::inherit_scales() {
+  for (const ufbx_node* node : document_->nodes) {
+    if (node->is_root || node->inherit_mode == UFBX_INHERIT_MODE_NORMAL) continue;
+    const NodeId id = id_of(*node);
+    std::vector<const ufbx_node*> chain = scale_chain(*node);
+    const auto has_scale = [this](const ufbx_node* n) {
+      const ufbx_vec3 s = n->local_transform.scale;
+      return values_of(*n, kFbxScaling) != nullptr || s.x != 1.0 || s.y != 1.0 || s.z != 1.0;
+    };
+    if (std::any_of(chain.begin() + 1, chain.end(), has_scale)) connect_track(std::move(chain), kFbxScaling);
+    if (node->parent == nullptr || node->parent->is_root) continue;
+    const bool above = scene_.channel(id_of(*node->parent), Channel::scaleX) != 1.0;
+    if (above || has_scale(node->parent) || scale_chain(*node->parent).size() > 1) {
+      scene_.connect(id_of(*node->parent), "scale", id, "inverseScale");
+    }
+  }
+}
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,185 @@
+// Opening glTF: the container, the library, and the buffers that animation needs, each read when it is asked for.
+#include "standalone/formats/gltf/gltf_document.h"
+
+#include <cgltf.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <nlohmann/json.hpp>
+#include <system_error>
+#include <utility>
+
+#include "standalone/formats/text_input.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+void* allocate(void* allowance, cgltf_size size) {
+  return static_cast<GltfAllowance*>(allowance)->take(1, size + 1) ? std::malloc(size) : nullptr;
+}
+
+void release(void*, void* memory) { std::free(memory); }
+
+cgltf_options options_with(GltfAllowance& allowance) {
+  cgltf_options options = {};
+  options.memory.alloc_func = allocate;
+  options.memory.free_func = release;
+  options.memory.user_data = &allowance;
+  return options;
+}
+
+// Whether a relative path stays below the folder it starts from.
+bool stays_below(const std::string& path) {
+  if (path.empty() || path.find('\0') != std::string::npos || path.find(':') != std::string::npos) return false;
+  if (path[0] == '/' || path[0] == '\\') return false;
+  std::size_t begin = 0;
+  while (begin <= path.size()) {
+    const std::size_t end = std::min(path.find_first_of("/\\", begin), path.size());
+    if (path.substr(begin, end - begin) == "..") return false;
+    begin = end + 1;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::string gltf_text(const char* raw) {
+  if (raw == nullptr) return {};
+  if (std::strchr(raw, '\\') == nullptr) return raw;
+  const auto text = nlohmann::json::parse('"' + std::string(raw) + '"', nullptr, false);
+  return text.is_string() ? text.get<std::string>() : raw;
+}
+
+GltfDocument::GltfDocument(std::string_view bytes, std::string name, std::filesystem::path folder)
+    : bytes_(bytes), name_(std::move(name)), folder_(std::move(folder)), data_(nullptr, cgltf_free) {
+  allowance_.add_input(bytes_.size());
+  parse();
+}
+
+GltfDocument::~GltfDocument() = default;
+
+void GltfDocument::fail(const std::string& text) const { throw FormatError(name_, 0, text); }
+
+void GltfDocument::take(std::uint64_t count, std::uint64_t size) {
+  if (!allowance_.take(count, size)) {
+    fail("the file asks for more memory than " + std::to_string(GltfAllowance::kTimes) +
+         " times its size; it is damaged, or many channels share one set of keys: export it again");
+  }
+}
+
+// The JSON text, without the container around it. Of a file that the library has found to be whole.
+std::string_view GltfDocument::json() const {
+  constexpr std::size_t kBegin = 20;
+  if (!bytes_.starts_with("glTF") || bytes_.size() < kBegin) return bytes_;
+  std::uint32_t length = 0;
+  for (std::size_t i = 0; i < 4; ++i) length |= std::uint32_t{static_cast<unsigned char>(bytes_[12 + i])} << (8 * i);
+  return bytes_.substr(kBegin, length);
+}
+
+void GltfDocument::parse() {
+  if (bytes_.starts_with("\xEF\xBB\xBF")) bytes_.remove_prefix(3);
+  const cgltf_options options = options_with(allowance_);
+  cgltf_data* data = nullptr;
+  const cgltf_result result = cgltf_parse(&options, bytes_.data(), bytes_.size(), &data);
+  if (result == cgltf_result_success) {
+    data_.reset(data);
+    if (data->asset.version == nullptr) fail("there is no 'asset' with a 'version'; is this a glTF file?");
+    return;
+  }
+  switch (result) {
+    case cgltf_result_data_too_short:
+      fail("the file ends before its end; it is cut off, export it again");
+    case cgltf_result_unknown_format:
+      fail("the binary container is none of glTF 2.0; is this a .glb file? Export it again");
+    case cgltf_result_legacy_gltf:
+      fail("this is glTF 1.0; convert it to glTF 2.0");
+    case cgltf_result_out_of_memory:
+      take(UINT64_MAX, 1);
+      break;
+    default:
+      break;
+  }
+  const GltfFault fault = find_fault(json());
+  throw FormatError(name_, fault.line, fault.text);
+}
+
+std::string_view GltfDocument::bytes_of(const cgltf_buffer_view& view) {
+  const std::string label = "buffer view " + std::to_string(&view - data_->buffer_views);
+  const bool in_container = view.buffer->uri == nullptr && view.buffer == data_->buffers && data_->bin != nullptr;
+  if (view.has_meshopt_compression && view.buffer->uri == nullptr && !in_container) {
+    fail(label + " is compressed by EXT_meshopt_compression, which is not read; export without compression");
+  }
+  const std::string_view all = bytes_of(*view.buffer);
+  if (view.offset > all.size() || view.size > all.size() - view.offset) {
+    fail(label + " reaches beyond the end of its buffer; the file is damaged, export it again");
+  }
+  return all.substr(view.offset, view.size);
+}
+
+std::string_view GltfDocument::bytes_of(const cgltf_buffer& buffer) {
+  const auto known = loaded_.find(&buffer);
+  if (known != loaded_.end()) return {known->second.get(), buffer.size};
+  const std::string label = "buffer " + std::to_string(&buffer - data_->buffers);
+  if (buffer.uri == nullptr) {
+    if (&buffer != data_->buffers || data_->bin == nullptr) {
+      fail(label + " says neither where its bytes are nor lies in the file; export it again");
+    }
+    if (buffer.size > data_->bin_size) fail(label + " is longer than the binary part of the file; export it again");
+    return {static_cast<const char*>(data_->bin), buffer.size};
+  }
+  Bytes content =
+      std::string_view(buffer.uri).starts_with("data:") ? decoded(buffer, label) : read_external(buffer, label);
+  return {loaded_.emplace(&buffer, std::move(content)).first->second.get(), buffer.size};
+}
+
+GltfDocument::Bytes GltfDocument::decoded(const cgltf_buffer& buffer, const std::string& label) {
+  constexpr std::string_view kMark = ";base64,";
+  const std::string uri = gltf_text(buffer.uri);
+  const std::size_t mark = uri.substr(0, 1024).find(kMark);
+  if (mark == std::string::npos) fail(label + " is embedded, but not as base64; export it again");
+  const std::size_t begin = mark + kMark.size();
+  if (buffer.size > (uri.size() - begin) / 4 * 3 + 3) {
+    fail(label + " holds fewer bytes than it says; the file is damaged, export it again");
+  }
+  const cgltf_options options = options_with(allowance_);
+  void* content = nullptr;
+  if (cgltf_load_buffer_base64(&options, buffer.size, uri.c_str() + begin, &content) != cgltf_result_success) {
+    fail(label + " is no whole base64 text; the file is damaged, export it again");
+  }
+  return {static_cast<char*>(content), std::free};
+}
+
+GltfDocument::Bytes GltfDocument::read_external(const cgltf_buffer& buffer, const std::string& label) {
+  std::string path = gltf_text(buffer.uri);
+  path.resize(cgltf_decode_uri(path.data()));
+  const std::string named = label + " is the file " + shown(path);
+  if (folder_.empty()) fail(named + ", and files beside this one cannot be read here; embed the buffer");
+  if (!stays_below(path)) {
+    fail(named + ", but only files in the scene's folder or below it are read; copy it there and name it so");
+  }
+  const std::filesystem::path file = folder_ / std::filesystem::path(std::u8string(path.begin(), path.end()));
+  std::error_code error;
+  if (!std::filesystem::exists(file, error)) fail(named + ", which is missing; put it beside the scene");
+  if (!std::filesystem::is_regular_file(file, error))
+    fail(named + ", which is no ordinary file; export the scene again");
+  const std::uint64_t size = std::filesystem::file_size(file, error);
+  if (error || size < buffer.size) {
+    fail(named + " and should be " + std::to_string(buffer.size) + " bytes, but has " + std::to_string(size) +
+         "; export the scene again");
+  }
+  if (counted_.insert(file.lexically_normal()).second) allowance_.add_input(size);
+  take(buffer.size, 1);
+  FileSource source(file);
+  Bytes content(static_cast<char*>(std::malloc(buffer.size)), std::free);
+  if (!content && buffer.size != 0) throw std::bad_alloc();
+  std::size_t done = 0;
+  while (done < buffer.size) {
+    const std::size_t got = source.read(content.get() + done, buffer.size - done);
+    if (got == 0) fail(named + ", which ends too early; export the scene again");
+    done += got;
+  }
+  return content;
+}
+
+}  // namespace vantorelix::standalone

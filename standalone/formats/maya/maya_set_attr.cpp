@@ -1,0 +1,234 @@
+// setAttr: values of nodes, in every form in which a saved scene holds them.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "host/error.h"
+#include "standalone/formats/bounds_draft.h"
+#include "standalone/formats/maya/maya_reader.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+using ChannelNames = std::unordered_map<std::string, ChannelName>;
+
+void add_compound(ChannelNames& names, const std::string& full, const std::string& brief, Channel first, bool angle) {
+  const bool shear = first == Channel::shearXY;
+  const std::array<const char*, 3> ends =
+      shear ? std::array<const char*, 3>{"XY", "XZ", "YZ"} : std::array<const char*, 3>{"X", "Y", "Z"};
+  const std::array<const char*, 3> brief_ends =
+      shear ? std::array<const char*, 3>{"xy", "xz", "yz"} : std::array<const char*, 3>{"x", "y", "z"};
+  names[full] = names[brief] = {first, 3, angle};
+  for (std::size_t k = 0; k < 3; ++k) {
+    names[full + ends[k]] = names[brief + brief_ends[k]] = {component(first, k), 1, angle};
+  }
+}
+
+ChannelNames make_channel_names() {
+  ChannelNames names;
+  add_compound(names, "translate", "t", Channel::translateX, false);
+  add_compound(names, "rotate", "r", Channel::rotateX, true);
+  add_compound(names, "scale", "s", Channel::scaleX, false);
+  add_compound(names, "shear", "sh", Channel::shearXY, false);
+  add_compound(names, "rotateAxis", "ra", Channel::rotateAxisX, true);
+  add_compound(names, "jointOrient", "jo", Channel::jointOrientX, true);
+  add_compound(names, "rotatePivot", "rp", Channel::rotatePivotX, false);
+  add_compound(names, "rotatePivotTranslate", "rpt", Channel::rotatePivotTranslateX, false);
+  add_compound(names, "scalePivot", "sp", Channel::scalePivotX, false);
+  add_compound(names, "scalePivotTranslate", "spt", Channel::scalePivotTranslateX, false);
+  add_compound(names, "inverseScale", "is", Channel::inverseScaleX, false);
+  names["rotateOrder"] = names["ro"] = {Channel::rotateOrder, 1, false};
+  names["inheritsTransform"] = names["it"] = {Channel::inheritsTransform, 1, false};
+  names["segmentScaleCompensate"] = names["ssc"] = {Channel::segmentScaleCompensate, 1, false};
+  return names;
+}
+
+}  // namespace
+
+const ChannelName* channel_attribute(std::string_view name) {
+  static const ChannelNames names = make_channel_names();
+  const auto found = names.find(std::string(name));
+  return found == names.end() ? nullptr : &found->second;
+}
+
+void MayaReader::read_set_attr() {
+  std::string plug, type;
+  std::optional<bool> lock;
+  bool named = false;
+  while (words_.next(word_)) {
+    const std::string& text = word_.text;
+    if (word_.is_flag() && (text == "-l" || text == "-lock")) {
+      const std::string& on = argument();
+      lock = on == "on" || on == "yes" || on == "true" || on == "1";
+    } else if (word_.is_flag() && (text == "-type" || text == "-typ")) {
+      type = argument();
+    } else if (word_.is_flag() && (text == "-av" || text == "-alteredValue" || text == "-c" || text == "-clamp")) {
+      continue;
+    } else if (word_.is_flag() && (text == "-k" || text == "-keyable" || text == "-cb" || text == "-channelBox" ||
+                                   text == "-ca" || text == "-caching" || text == "-s" || text == "-size")) {
+      argument();
+    } else if (!named) {
+      plug = text;
+      named = true;
+    } else {
+      words_.put_back(word_);
+      break;
+    }
+  }
+  std::string_view name, attribute;
+  split(plug, name, attribute);
+  const NodeId node = name.empty() ? current_ : find(name);
+  if (!name.empty()) current_name_ = name;
+  if (node == kNoNode) {
+    const bool time = current_name_ == ":time1" && (attribute == "o" || attribute == "outTime");
+    if (time && read_numbers(1)) scene_.set_current_time(numbers_[0]);
+    return;
+  }
+  set_values(node, attribute, type);
+  if (lock && scene_.is_transform(node) && scene_.has_attribute(node, attribute)) {
+    scene_.lock_attribute(node, attribute, *lock);
+  }
+}
+
+void MayaReader::set_values(NodeId node, std::string_view attribute, const std::string& type) {
+  if (scene_.is_curve(node)) {
+    const AttributePath path(attribute);
+    draft(node).read(path, words_);
+    return;
+  }
+  const std::string& node_type = scene_.type(node);
+  if (scene_.is_transform(node)) {
+    const std::size_t dot = attribute.rfind('.');
+    const std::string_view last = dot == std::string_view::npos ? attribute : attribute.substr(dot + 1);
+    if (const ChannelName* const channels = channel_attribute(last)) return set_channels(node, *channels);
+    if (attribute == "opm" || attribute == "offsetParentMatrix") return set_offset_parent_matrix(node);
+  } else if (node_type == "nurbsCurve" && type == "nurbsCurve") {
+    return set_curve_shape(node);
+  } else if (node_type == "script" && (attribute == "b" || attribute == "before")) {
+    if (scene_.short_name(node) == "sceneConfigurationScriptNode") set_script();
+    return;
+  }
+  if (bounds_ && node_type == "mesh" && (attribute.starts_with("vt[") || attribute.starts_with("vrts[")))
+    return add_vertices(node);
+  if (bounds_ && is_primitive(node_type)) return set_number(node, std::string(attribute));
+  const std::string_view full = declared(node, attribute);
+  if (node_type == "unitConversion" || node_type == "pairBlend" || full != attribute) {
+    set_number(node, std::string(full));
+  }
+}
+
+void MayaReader::set_channels(NodeId node, const ChannelName& name) {
+  if (!read_numbers(static_cast<std::size_t>(name.count))) return;
+  if (numbers_.size() < static_cast<std::size_t>(name.count)) {
+    in_.fail(words_.line(), "fewer values than the attribute has parts; correct the statement or export again");
+  }
+  if (name.first == Channel::rotateOrder && !(numbers_[0] >= 0.0 && numbers_[0] <= 5.0)) {
+    return note("a rotate order that is none of the six is not taken");
+  }
+  for (std::size_t k = 0; k < numbers_.size(); ++k) {
+    scene_.set_channel(node, component(name.first, k), name.angle ? numbers_[k] * radians_ : numbers_[k]);
+  }
+}
+
+void MayaReader::set_offset_parent_matrix(NodeId node) {
+  if (words_.next(word_)) {
+    if (word_.is_string) return note("an offset parent matrix that is not written as 16 numbers is not taken");
+    words_.put_back(word_);
+  }
+  if (!read_numbers(16)) return;
+  if (numbers_.size() != 16) in_.fail(words_.line(), "a matrix has 16 values; correct the statement or export again");
+  std::array<double, 16> matrix{};
+  std::copy(numbers_.begin(), numbers_.end(), matrix.begin());
+  for (std::size_t k = 12; k < 15; ++k) matrix[k] /= centimetres_;
+  scene_.set_offset_parent_matrix(node, matrix);
+}
+
+// degree, spans, form, rational, dimension; knots and their count; points and theirs.
+void MayaReader::set_curve_shape(NodeId node) {
+  double unused = 0.0, degree = 0.0, rational = 0.0, dimension = 0.0, count = 0.0;
+  words_.next_number(degree);
+  words_.next_number(unused);
+  words_.next_number(unused);
+  words_.next_number(rational);
+  words_.next_number(dimension);
+  words_.next_number(count);
+  for (double k = 0.0; k < count && words_.next_number(unused);) ++k;
+  std::vector<Vector> points;
+  double total = 0.0;
+  words_.next_number(total);
+  Vector p;
+  bool whole = true;
+  for (double k = 0.0; whole && k < total; ++k) {
+    whole = words_.next_number(p.x) && words_.next_number(p.y);
+    p.z = 0.0;
+    if (whole && dimension > 2.0) whole = words_.next_number(p.z);
+    if (whole && rational != 0.0) whole = words_.next_number(unused);
+    if (whole) points.push_back(p);
+  }
+  if (!whole || !(degree >= 1.0 && degree <= 7.0)) {
+    in_.fail(words_.line(), "the curve has fewer points than it announces; the file is damaged, export it again");
+  }
+  scene_.set_curve_points(node, static_cast<int>(degree), std::move(points));
+}
+
+void MayaReader::set_script() {
+  std::string script;
+  while (words_.next(word_)) {
+    if (word_.is_string && script.size() + word_.text.size() < (std::size_t{1} << 20)) script += word_.text;
+  }
+  read_playback(" " + script);
+}
+
+void MayaReader::add_vertices(NodeId mesh) {
+  BoundsDraft draft(scene_, mesh);
+  Vector p;
+  while (words_.next_number(p.x) && words_.next_number(p.y) && words_.next_number(p.z)) draft.add(p);
+  draft.assign_to(scene_, mesh);
+}
+
+void MayaReader::set_number(NodeId node, const std::string& attribute) {
+  double value = 0.0;
+  if (!words_.next_number(value)) return;
+  const bool angle =
+      scene_.type(node) == "pairBlend" && (attribute.starts_with("ir") || attribute.starts_with("inRot"));
+  if (angle) value *= radians_ / (std::numbers::pi / 180.0);
+  if (std::isfinite(value)) scene_.add_attribute(node, attribute, host::Value(value));
+}
+
+// Up to `limit` numbers; false, and a note, where one is not finite, and false where there is none.
+bool MayaReader::read_numbers(std::size_t limit) {
+  numbers_.clear();
+  double value = 0.0;
+  while (numbers_.size() < limit && words_.next_number(value)) numbers_.push_back(value);
+  const bool finite = std::all_of(numbers_.begin(), numbers_.end(), [](double d) { return std::isfinite(d); });
+  if (!finite) note("a value that is not finite is not taken");
+  return finite && !numbers_.empty();
+}
+
+CurveDraft& MayaReader::draft(NodeId curve) {
+  const auto found = drafts_.find(curve);
+  if (found != drafts_.end()) return found->second;
+  const AnimCurve& start = scene_.curve(curve);
+  CurveUnits units;
+  if (start.kind() == CurveKind::angular) units.value = radians_;
+  if (start.kind() == CurveKind::linear) units.tangent = 1.0 / centimetres_;
+  return drafts_.emplace(curve, CurveDraft(start, units)).first->second;
+}
+
+void MayaReader::assign(NodeId curve, const CurveDraft& draft) {
+  if (!draft.changed()) return;
+  draft.assign_to(scene_, curve);
+  if (draft.unknown_type()) note("a tangent or infinity of an unknown kind is taken as auto or constant");
+  if (draft.quaternion()) note("a curve that turns by quaternions is evaluated as Euler angles");
+  const std::vector<Key>& keys = scene_.curve(curve).keys();
+  if (keys.empty()) return;
+  const bool first = first_key_ > last_key_;
+  first_key_ = first ? keys.front().time : std::min(first_key_, keys.front().time);
+  last_key_ = first ? keys.back().time : std::max(last_key_, keys.back().time);
+}
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,76 @@
+// Wall-clock seconds for less than the system's clock costs: between looks at that clock a counter is read instead.
+#pragma once
+
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+
+#include "base/tick_counter.h"
+
+namespace vantorelix::standalone {
+
+struct SystemTime {
+  static std::uint64_t ticks() { return read_ticks(); }
+  // Wall-clock seconds.
+  static double seconds() {
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+  }
+};
+
+// Nothing is assumed about the counter. It is believed for one span after two spans in which it ran at the same rate;
+// while it does not, every reading is the system clock's. So a clock that was set, or a machine that slept, shows
+// after a span at the latest.
+//
+// While the counter is believed a reading is behind the system clock, by a few microseconds at most. Readings only go
+// back where the system clock was set back by more than a span. One thread at a time.
+template <class Source>
+class BasicWallClock {
+ public:
+  explicit BasicWallClock(Source source = {}) : source_(source) {}
+
+  double now() {
+    const std::uint64_t elapsed = source_.ticks() - ticks_;
+    if (elapsed < believed_) return said_after(elapsed);
+    return look();
+  }
+
+  static constexpr double kSpan = 0.001;  // seconds
+
+ private:
+  // Rates that differ by no more than this part are the same, and the counter is taken to run slower by as much:
+  // what it says then never has to be taken back.
+  static constexpr double kSlack = 0.001;
+
+  double said_after(std::uint64_t elapsed) const {
+    return seconds_ + static_cast<double>(static_cast<std::int64_t>(elapsed)) * rate_;
+  }
+
+  double look() {
+    double seconds = source_.seconds();
+    const std::uint64_t ticks = source_.ticks();
+    // A counter that sped up ran ahead: wait for the system clock.
+    const double said = said_after(believed_);
+    if (seconds < said && said - seconds < kSpan) seconds = said;
+    const double passed = seconds - seconds_;
+    if (passed >= 0.0 && passed < kSpan) return seconds;  // too short to tell a rate
+
+    const double rate = (1.0 - kSlack) * passed / static_cast<double>(static_cast<std::int64_t>(ticks - ticks_));
+    const bool even = std::abs(rate - rate_) <= kSlack * rate;
+    believed_ = even ? static_cast<std::uint64_t>(kSpan / rate) : 0;
+    rate_ = rate;
+    ticks_ = ticks;
+    seconds_ = seconds;
+    return seconds;
+  }
+
+  Source source_;
+  // At the last look that ended a span.
+  std::uint64_t ticks_ = 0;
+  double seconds_ = 0.0;
+  double rate_ = 0.0;           // seconds a tick in the span before it
+  std::uint64_t believed_ = 0;  // for how many ticks the counter is
+};
+
+using WallClock = BasicWallClock<SystemTime>;
+
+}  // namespace vantorelix::standalone

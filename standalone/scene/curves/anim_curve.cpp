@@ -1,0 +1,284 @@
+#include "standalone/scene/curves/anim_curve.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "host/error.h"
+#include "standalone/scene/curves/infinity.h"
+#include "standalone/scene/curves/tangents.h"
+
+namespace vantorelix::standalone {
+
+namespace {
+
+// 0, but not a number where one of the key's is not finite.
+double zero_if_finite(const Key& key) {
+  return (key.time - key.time) + (key.value - key.value) + (key.in_x - key.in_x) + (key.in_y - key.in_y) +
+         (key.out_x - key.out_x) + (key.out_y - key.out_y);
+}
+
+void require_zero(double zero) {
+  if (zero != 0.0) throw host::Error("a key's time, value and tangents must be finite numbers", host::ErrorKind::value);
+}
+
+void require_rate(double frames_per_second) {
+  if (!(std::isfinite(frames_per_second) && frames_per_second > 0.0))
+    throw host::Error("frames per second must be above 0", host::ErrorKind::value);
+}
+
+bool earlier(const Key& a, const Key& b) { return a.time < b.time; }
+
+void sort_keys(std::vector<Key>& keys) {
+  std::stable_sort(keys.begin(), keys.end(), earlier);
+  // The last of equals: seen from the back, the first.
+  const auto same_time = [](const Key& a, const Key& b) { return a.time == b.time; };
+  keys.erase(keys.begin(), std::unique(keys.rbegin(), keys.rend(), same_time).base());
+}
+
+bool repeats(Infinity infinity) { return infinity != Infinity::constant && infinity != Infinity::linear; }
+
+}  // namespace
+
+AnimCurve::AnimCurve(CurveKind kind, double frames_per_second) : kind_(kind), frames_per_second_(frames_per_second) {
+  require_rate(frames_per_second);
+}
+
+void AnimCurve::append_key_times(std::vector<double>& times) const {
+  const std::size_t before = times.size();
+  times.resize(before + keys_.size());
+  double* to = times.data() + before;
+  // Each key starts a segment; where there are no others, even spacing saves reading the keys, which are long.
+  if (even_count_ == static_cast<double>(keys_.size())) {
+    for (std::size_t i = 0; i < keys_.size(); ++i) to[i] = even_start(static_cast<std::ptrdiff_t>(i));
+  } else {
+    std::transform(keys_.begin(), keys_.end(), to, [](const Key& key) { return key.time; });
+  }
+}
+
+void AnimCurve::assign(std::vector<Key> keys, bool weighted, Infinity pre, Infinity post) {
+  double zero = 0.0, before = -std::numeric_limits<double>::infinity();
+  bool ascending = true;
+  for (const Key& key : keys) {
+    zero += zero_if_finite(key);
+    ascending &= key.time > before;
+    before = key.time;
+  }
+  require_zero(zero);
+  if (!ascending) sort_keys(keys);
+  keys_ = std::move(keys);
+  weighted_ = weighted;
+  pre_ = pre;
+  post_ = post;
+  keys_changed();
+}
+
+void AnimCurve::set_key(double time, double value) {
+  Key key{.time = time, .value = value};
+  const auto old = std::lower_bound(keys_.begin(), keys_.end(), key, earlier);
+  if (old != keys_.end() && old->time == time) {
+    key = *old;
+    key.value = value;
+  }
+  set_key(key);
+}
+
+void AnimCurve::set_key(const Key& key) {
+  require_zero(zero_if_finite(key));
+  const auto place = std::lower_bound(keys_.begin(), keys_.end(), key, earlier);
+  if (place != keys_.end() && place->time == key.time)
+    *place = key;
+  else
+    keys_.insert(place, key);
+  keys_changed();
+}
+
+bool AnimCurve::remove_key(double time) {
+  const auto place = std::find_if(keys_.begin(), keys_.end(), [time](const Key& key) { return key.time == time; });
+  if (place == keys_.end()) return false;
+  keys_.erase(place);
+  keys_changed();
+  return true;
+}
+
+void AnimCurve::set_weighted(bool weighted) {
+  weighted_ = weighted;
+  keys_changed();
+}
+
+void AnimCurve::set_infinity(Infinity pre, Infinity post) {
+  pre_ = pre;
+  post_ = post;
+  keys_changed();
+}
+
+void AnimCurve::set_frames_per_second(double frames_per_second) {
+  require_rate(frames_per_second);
+  frames_per_second_ = frames_per_second;
+  keys_changed();
+}
+
+void AnimCurve::keys_changed() {
+  prepared_ = false;
+  segment_count_ = 0;
+  even_count_ = 0.0;
+}
+
+void AnimCurve::rebuild() const {
+  CurveSegments made = build_segments(keys_, weighted_, frames_per_second_);
+  segments_ = std::move(made.segments);
+  values_ = std::move(made.values);
+  weighted_segments_ = std::move(made.weighted);
+  segment_count_ = keys_.empty() ? 0 : segments_.size() - 1;
+  pre_slope_ = 0.0;
+  constant_ = true;
+  steady_ = false;
+  find_even_spacing();
+  prepared_ = true;
+  if (keys_.empty()) return;
+
+  segments_per_frame_ = static_cast<double>(segment_count_ - 1) / (keys_.back().time - keys_.front().time);
+  const std::size_t n = keys_.size();
+  const auto finite = [](double slope) { return std::isfinite(slope) ? slope : 0.0; };
+  if (pre_ == Infinity::linear)
+    pre_slope_ = finite(in_slope({nullptr, keys_[0], n > 1 ? &keys_[1] : nullptr}, frames_per_second_));
+  CurveSegment& after = segments_[segment_count_ - 1];
+  if (post_ == Infinity::linear)
+    after.c1 = finite(out_slope({n > 1 ? &keys_[n - 2] : nullptr, keys_[n - 1], nullptr}, frames_per_second_));
+
+  const auto level = [](const CurveSegment& segment) {
+    return segment.c1 == 0.0 && segment.c2 == 0.0 && segment.c3 == 0.0;
+  };
+  const auto same = [this](double value) { return value == keys_[0].value; };
+  constant_ = pre_slope_ == 0.0 && std::all_of(values_.begin(), values_.end() - 1, same) &&
+              std::all_of(segments_.begin(), segments_.end() - 1, level);
+  const auto signed_zero = [](double value) { return value == 0.0 && std::signbit(value); };
+  steady_ = constant_ && std::none_of(values_.begin(), values_.end(), signed_zero);
+  if (repeats(post_)) after.set_not_cubic();
+}
+
+void AnimCurve::find_even_spacing() const {
+  even_count_ = 0.0;
+  if (segment_count_ < 2) return;
+  const auto between = static_cast<double>(segment_count_ - 1);
+  even_first_ = segments_[0].start;
+  even_length_ = (segments_[segment_count_ - 1].start - even_first_) / between;
+  even_per_frame_ = 1.0 / even_length_;
+  for (std::size_t i = 0; i < segment_count_; ++i)
+    if (segments_[i].start != even_start(static_cast<std::ptrdiff_t>(i))) return;
+  even_count_ = between + 1.0;
+}
+
+void AnimCurve::evaluate(std::span<const double> frames, double* values, std::size_t& hint, KeyPlaces& places) const {
+  prepare();
+  if (steady_) {
+    std::fill_n(values, frames.size(), values_[0]);
+    return;
+  }
+  if (evaluate_even(frames, values, places) || rise_at_once(frames, values, hint)) return;
+  for (std::size_t i = 0; i < frames.size(); ++i) values[i] = evaluate(frames[i], hint);
+}
+
+// False, with anything in `values`, where segments are not evenly spaced, or some is asked for that is no cubic.
+bool AnimCurve::evaluate_even(std::span<const double> frames, double* values, KeyPlaces& places) const {
+  if (!(even_count_ > 0.0) || even_count_ > 1e9 || frames.size() > places.at.size()) return false;
+  if (places.first != even_first_ || places.length != even_length_ || places.count != even_count_)
+    find_places(frames, places);
+  if (places.on_keys) {
+    for (std::size_t i = 0; i < frames.size(); ++i) values[i] = values_[static_cast<std::size_t>(places.at[i])];
+    return true;
+  }
+  if (places.before && pre_ != Infinity::constant) return false;
+  std::ptrdiff_t unknown = 0;
+  for (std::size_t i = 0; i < frames.size(); ++i) {
+    const auto at = static_cast<std::size_t>(places.at[i]);
+    values[i] = values_[at] + segments_[at].rise_after(places.since[i]);
+    unknown += values[i] == values[i] ? 0 : 1;
+  }
+  return unknown == 0;
+}
+
+void AnimCurve::find_places(std::span<const double> frames, KeyPlaces& places) const {
+  places.first = even_first_;
+  places.length = even_length_;
+  places.count = even_count_;
+  places.on_keys = true;
+  places.before = false;
+  for (std::size_t i = 0; i < frames.size(); ++i) {
+    const double frame = frames[i];
+    const double place = std::min((frame - even_first_) * even_per_frame_, even_count_ - 1.0);
+    auto at = static_cast<std::int32_t>(place > 0.0 ? place : 0.0);
+    // Rounding may have led to a neighbour.
+    if (at > 0 && frame < even_start(at)) --at;
+    if (at + 1 < even_count_ && frame >= even_start(at + 1)) ++at;
+    const bool before = frame < even_first_;
+    places.at[i] = at;
+    places.since[i] = before ? 0.0 : frame - even_start(at);
+    places.on_keys &= frame == even_start(at);
+    places.before |= before;
+  }
+}
+
+// Where the frames are all on one cubic. False, and nothing done, where they are not.
+bool AnimCurve::rise_at_once(std::span<const double> frames, double* values, std::size_t& hint) const {
+  if (segment_count_ == 0 || frames.empty() || !(frames[0] >= segments_[0].start)) return false;
+  hint = locate(frames[0], hint);
+  const CurveSegment segment = segments_[hint];
+  const double end = segments_[hint + 1].start, from = values_[hint];
+  std::ptrdiff_t elsewhere = segment.is_cubic() ? 0 : 1;
+  for (const double frame : frames) elsewhere += frame >= segment.start && frame < end ? 0 : 1;
+  if (elsewhere != 0) return false;
+  for (std::size_t i = 0; i < frames.size(); ++i) values[i] = from + segment.rise(frames[i]);
+  return true;
+}
+
+double AnimCurve::evaluate_elsewhere(double frame, std::size_t& hint) const {
+  if (keys_.empty()) return 0.0;
+  prepare();
+  const Key& first = keys_.front();
+  const Key& last = keys_.back();
+  if (frame < first.time) {
+    if (pre_ == Infinity::constant || std::isinf(frame)) return first.value;
+    if (pre_ == Infinity::linear) return first.value + (frame - first.time) * pre_slope_;
+    return evaluate_repeated(frame, pre_, hint);
+  }
+  if (frame > last.time) {
+    if (std::isinf(frame)) return last.value;
+    if (repeats(post_)) return evaluate_repeated(frame, post_, hint);
+  }
+  return evaluate_inside(frame, hint);
+}
+
+double AnimCurve::evaluate_repeated(double frame, Infinity infinity, std::size_t& hint) const {
+  const Key& first = keys_.front();
+  const Key& last = keys_.back();
+  if (keys_.size() == 1) return first.value;
+  const Repetition place = repetition(frame, first.time, last.time, infinity);
+  const double value = evaluate_inside(place.frame, hint);
+  return infinity == Infinity::cycle_offset ? value + place.number * (last.value - first.value) : value;
+}
+
+// From the first key on; what is beyond the last one by rounding counts as on it when the curve repeats.
+double AnimCurve::evaluate_inside(double frame, std::size_t& hint) const {
+  hint = locate(frame, hint);
+  const CurveSegment& segment = segments_[hint];
+  if (segment.is_cubic()) return values_[hint] + segment.rise(frame);
+  if (hint + 1 == segment_count_) return values_[hint];
+  return values_[hint] + weighted_segments_[hint].at(frame - segment.start);
+}
+
+std::size_t AnimCurve::locate(double frame, std::size_t hint) const {
+  const auto holds = [this, frame](std::size_t i) {
+    return i < segment_count_ && frame >= segments_[i].start && frame < segments_[i + 1].start;
+  };
+  if (holds(hint + 1)) return hint + 1;
+  if (holds(hint)) return hint;
+  const double guess = (frame - segments_[0].start) * segments_per_frame_;
+  if (guess < static_cast<double>(segment_count_) && holds(static_cast<std::size_t>(guess)))
+    return static_cast<std::size_t>(guess);
+  const auto starts_later = [](double at, const CurveSegment& segment) { return at < segment.start; };
+  const auto after = std::upper_bound(segments_.begin() + 1, segments_.end() - 1, frame, starts_later);
+  return static_cast<std::size_t>(after - segments_.begin()) - 1;
+}
+
+}  // namespace vantorelix::standalone

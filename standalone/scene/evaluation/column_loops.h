@@ -1,0 +1,30 @@
+// Rotations and matrix products of many times at once, over columns: a column for each of the twelve numbers. The loops
+// are compiled once for each width of register, and every width gives the same doubles: nothing is fused.
+#pragma once
+
+#include <cstddef>
+
+#include "base/instruction_sets.h"
+
+namespace vantorelix::standalone {
+
+// From one column to the next, and the most that there are in one.
+inline constexpr std::size_t kColumn = 64;
+
+// `count` up to kColumn. What is written overlaps nothing that is read.
+struct ColumnLoops {
+  const char* name;
+  // The upper rows, nine columns, of the rotations by `angles`: three columns, x, y, z in radians. `order` as
+  // Channel::rotateOrder counts. False, and nothing written, when an angle lies beyond kSinCosReach.
+  bool (*rotations)(const double* angles, std::size_t count, int order, double* rows);
+  // First a, then b, as operator* of Affine: twelve columns each.
+  void (*products)(const double* a, const double* b, std::size_t count, double* out);
+};
+
+namespace lanes {
+extern const ColumnLoops base, avx2, avx512;
+}
+
+inline const Widths<ColumnLoops>& column_widths() { return compiled_widths<lanes::base, lanes::avx2, lanes::avx512>(); }
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,50 @@
+// A driven channel whose driver is more than one animation curve, as a list of operations.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "standalone/scene/attributes/attribute_names.h"
+#include "standalone/scene/curves/anim_curve.h"
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::standalone {
+
+struct Operation {
+  enum class Kind : std::uint8_t {
+    value,  // a static value of some node
+    curve,
+    track,           // a component of its values
+    scale,           // number * argument 0
+    blend,           // argument 0 to argument 1 by the weight in argument 2
+    rotation_blend,  // component of the rotation between arguments 0..2 and 3..5 by the weight in 6, order in 7
+  };
+  Kind kind = Kind::value;
+  std::uint8_t component = 0;
+  std::array<std::uint16_t, 8> arguments = {};
+  NodeId node = kNoNode;
+  AttributeId attribute = 0;
+  double number = 0.0;  // of a value: as it was at the last refresh
+  const AnimCurve* curve = nullptr;
+  const Track* track = nullptr;
+  mutable std::size_t hint = 0;  // where to look first
+};
+
+// In order of evaluation: arguments are earlier operations. The last is the result.
+struct Expression {
+  static constexpr std::size_t kMostOperations = 256;
+  std::vector<Operation> operations;
+  double evaluate(double frame) const;
+};
+
+// Follows what drives an attribute. On success `expression` computes it and the text is empty; else the text says
+// what stands in the way: "a pairBlend ...". Chains longer than kMostOperations and cycles are refused.
+std::string compile_driver(const Scene::Data& scene, NodeId node, AttributeId attribute, Expression& expression);
+
+// Reads static values again.
+void refresh_values(const Scene::Data& scene, Expression& expression);
+
+}  // namespace vantorelix::standalone

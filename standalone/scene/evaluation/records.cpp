@@ -1,0 +1,177 @@
+#include "standalone/scene/evaluation/records.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "standalone/scene/graph/scene_data.h"
+
+namespace vantorelix::standalone {
+namespace {
+
+constexpr std::uint64_t kLinear = triple(Channel::rotateX) | triple(Channel::scaleX) | triple(Channel::shearXY) |
+                                  triple(Channel::rotateAxisX) | triple(Channel::jointOrientX) |
+                                  triple(Channel::inverseScaleX) | bit(Channel::rotateOrder) |
+                                  bit(Channel::segmentScaleCompensate);
+constexpr std::uint64_t kPivots = triple(Channel::rotatePivotX) | triple(Channel::rotatePivotTranslateX) |
+                                  triple(Channel::scalePivotX) | triple(Channel::scalePivotTranslateX);
+
+bool is_current(const Evaluation& e, const Node& node) { return node.record && node.record->values == e.values; }
+
+void add_driver(const Scene::Data& scene, Record& r, Channel channel) {
+  Expression expression;
+  if (!compile_driver(scene, r.node, id_of(channel), expression).empty()) {
+    r.drivers_unfollowed = true;
+    return;
+  }
+  DrivenChannel driven = {nullptr, 0, 0, channel};
+  if (expression.operations.size() == 1 && expression.operations[0].kind == Operation::Kind::curve) {
+    driven.curve = expression.operations[0].curve;
+  } else {
+    driven.expression = static_cast<std::uint32_t>(r.expressions.size());
+    r.expressions.push_back(std::move(expression));
+  }
+  r.driven.push_back(driven);
+  r.driven_mask |= bit(channel);
+}
+
+// The structure: what drives the node itself.
+void compile(Scene::Data& scene, const Node& node, Record& r) {
+  r.driven.clear();
+  r.expressions.clear();
+  r.driven_mask = 0;
+  r.drivers_unfollowed = false;
+  r.joint = node.type->names == NameSet::joint;
+  std::uint64_t inputs = 0;
+  for (const Input& input : node.inputs.all()) {
+    if (input.source == kNoNode) continue;
+    if (is_channel(input.attribute)) inputs |= std::uint64_t{1} << input.attribute;
+    if (is_compound(input.attribute)) inputs |= std::uint64_t{7} << first_part(input.attribute);
+  }
+  for (AttributeId c = 0; c < kChannelCount; ++c)
+    if ((inputs >> c & 1) != 0) add_driver(scene, r, static_cast<Channel>(c));
+  r.driven_translate = static_cast<std::size_t>(
+      std::count_if(r.driven.begin(), r.driven.end(), [](const auto& d) { return d.channel <= Channel::translateZ; }));
+
+  r.dependents = 0;
+  for (const NodeId child : node.children)
+    if (const Node* n = scene.find(child); n && n->channels) ++r.dependents;
+  for (const Output& out : node.outputs)
+    if (out.attribute == attribute::offsetParentMatrix && scene.connection_stands(node, out)) ++r.dependents;
+  r.structure = scene.evaluation.structure;
+}
+
+// Static channels, and whatever of the local matrix does not change with time, worked out the way the plain path does
+// it at every frame.
+void refresh_local(const Scene::Data& scene, const Node& node, Record& r) {
+  r.channels = *node.channels;
+  for (Expression& e : r.expressions) refresh_values(scene, e);
+  r.factors = factors_of(r.channels, r.driven_mask, r.joint);
+  r.linear_moves = (r.driven_mask & kLinear) != 0;
+  r.shift_moves = r.factors.pivots && (r.driven_mask & (kLinear | kPivots)) != 0;
+  r.rotations = rotations_of(r.channels, r.factors);
+  const Basis turned = turn(r.channels, r.factors, r.rotations);
+  set_rows(r.local, r.channels, r.factors, turned);
+  r.shift = r.factors.pivots ? pivot_shift(r.channels, r.factors, turned) : Vector{};
+  set_translation(r.local, placed(r.channels, r.factors, r.shift));
+}
+
+Record& local_record(Scene::Data& scene, Node& node) {
+  if (!node.record) {
+    node.record = std::make_unique<Record>();
+    node.record->node = node.id;
+  }
+  Record& r = *node.record;
+  if (r.structure != scene.evaluation.structure) compile(scene, node, r);
+  if (r.local_values != scene.evaluation.values) refresh_local(scene, node, r);
+  r.local_values = scene.evaluation.values;
+  return r;
+}
+
+// What the world matrix takes besides the local one, their records being current.
+void refresh_world(Scene::Data& scene, const Node& node, Record& r, const OffsetDriver& offset) {
+  const bool may_inherit =
+      (r.driven_mask & bit(Channel::inheritsTransform)) != 0 || r.channels[index(Channel::inheritsTransform)] != 0.0;
+  const Node* parent = may_inherit && node.parent != kWorld ? scene.find(node.parent) : nullptr;
+  r.parent = parent ? parent->record.get() : nullptr;
+  r.offset_source = offset.followed ? &local_record(scene, scene.at(offset.source)) : nullptr;
+  r.offset_is_local = offset.local;
+  r.unfollowed = r.drivers_unfollowed || (offset.connected && !offset.followed);
+  r.offset = scene.offset_parent_matrix(node);
+  r.has_offset = r.offset_source != nullptr || !(r.offset == Affine{});
+  const bool offset_moves =
+      r.offset_source && (offset.local ? !r.offset_source->driven.empty() : r.offset_source->moves);
+  r.moves = !r.driven.empty() || (r.parent && r.parent->moves) || offset_moves;
+  r.stamp = 0;
+  r.values = scene.evaluation.values;
+  if (r.moves) return;
+  if (r.offset_source) r.offset = r.offset_is_local ? r.offset_source->local : r.offset_source->world;
+  r.world = r.has_offset ? r.local * r.offset : r.local;
+  if (r.parent) r.world = r.world * r.parent->world;
+  r.current = AffineView(r.world);
+}
+
+// The upward closure of a node: the parents and the sources of offsets, whether or not they are followed.
+bool reaches(const Scene::Data& scene, const Node& from, NodeId wanted) {
+  std::vector<const Node*> open = {&from};
+  std::unordered_set<NodeId> seen;
+  while (!open.empty()) {
+    const Node* node = open.back();
+    open.pop_back();
+    if (node->id == wanted) return true;
+    if (!seen.insert(node->id).second) continue;
+    if (const Node* parent = scene.find(node->parent); parent && node->parent != kWorld) open.push_back(parent);
+    const Input* input = node->inputs.find(attribute::offsetParentMatrix);
+    if (input && input->source_attribute == attribute::worldMatrix)
+      if (const Node* source = scene.find(input->source)) open.push_back(source);
+  }
+  return false;
+}
+
+}  // namespace
+
+OffsetDriver offset_driver(const Scene::Data& scene, const Node& node) {
+  OffsetDriver driver;
+  const Input* input = node.inputs.find(attribute::offsetParentMatrix);
+  if (input == nullptr) return driver;
+  driver.connected = true;
+  const Node* source = scene.find(input->source);
+  driver.source = input->source;
+  driver.local = input->source_attribute == attribute::matrix;
+  const bool matrix = driver.local || input->source_attribute == attribute::worldMatrix;
+  if (!source || !source->channels || source->type->category != Category::transform || !matrix) return driver;
+  driver.cycle = !driver.local && reaches(scene, *source, node.id);
+  driver.followed = !driver.cycle;
+  return driver;
+}
+
+Record& record_of(Scene::Data& scene, NodeId id) {
+  Node& target = scene.transform(id);
+  if (is_current(scene.evaluation, target)) return *target.record;
+  std::vector<Node*> stack = {&target};
+  const auto needed = [&](NodeId other) {
+    Node* node = scene.find(other);
+    if (other == kWorld || node == nullptr || is_current(scene.evaluation, *node)) return false;
+    stack.push_back(node);
+    return true;
+  };
+  while (!stack.empty()) {
+    Node& node = *stack.back();
+    if (!is_current(scene.evaluation, node)) {
+      if (needed(node.parent)) continue;
+      const OffsetDriver offset = offset_driver(scene, node);
+      if (offset.followed && !offset.local && needed(offset.source)) continue;
+      refresh_world(scene, node, local_record(scene, node), offset);
+    }
+    stack.pop_back();
+  }
+  return *target.record;
+}
+
+Channels channels_at(const Record& record, double frame) {
+  Channels channels = record.channels;
+  for (const DrivenChannel& d : record.driven)
+    channels[index(d.channel)] = d.curve ? d.curve->evaluate(frame) : record.expressions[d.expression].evaluate(frame);
+  return channels;
+}
+
+}  // namespace vantorelix::standalone

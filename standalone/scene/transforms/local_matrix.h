@@ -1,0 +1,182 @@
+// A node's local matrix from its channels. Both ways of evaluating a scene are made of these functions alone, called
+// with the same arguments, so they give the same bits.
+//
+//   M = SP^-1 * S * SH * SP * ST * RP^-1 * RA * R * JO * IS * RP * RT * T        (row vectors)
+//
+// scale pivot, scale, shear, scale pivot translate; rotate pivot, rotate axis, rotate, joint orient, inverse scale of
+// a joint whose segments compensate, rotate pivot translate; translate. An inverse scale of zero gives infinities,
+// and from there NaN: nothing is clamped.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "base/matrix.h"
+#include "base/vector.h"
+#include "standalone/scene/scene.h"
+#include "standalone/scene/transforms/rotation.h"
+
+namespace vantorelix::standalone {
+
+using Channels = std::array<double, static_cast<std::size_t>(Channel::count)>;
+
+constexpr std::size_t index(Channel c) { return static_cast<std::size_t>(c); }
+constexpr std::uint64_t bit(Channel c) { return std::uint64_t{1} << index(c); }
+// The three channels from `first` on.
+constexpr std::uint64_t triple(Channel first) { return std::uint64_t{7} << index(first); }
+
+inline Vector vector_at(const Channels& c, Channel first) {
+  return {c[index(first)], c[index(first) + 1], c[index(first) + 2]};
+}
+
+// The identity, but for scales of one.
+inline constexpr Channels kRestChannels = [] {
+  Channels c{};
+  for (const Channel first : {Channel::scaleX, Channel::inverseScaleX})
+    for (std::size_t i = 0; i < 3; ++i) c[index(first) + i] = 1.0;
+  c[index(Channel::inheritsTransform)] = 1.0;
+  c[index(Channel::segmentScaleCompensate)] = 1.0;
+  return c;
+}();
+
+// Which factors of the formula are anything but the identity, now or at some time. The others are left out.
+struct Factors {
+  bool rotate = false;
+  bool scale = false;
+  bool shear = false;
+  bool rotate_axis = false;
+  bool joint_orient = false;
+  bool pivots = false;
+  bool inverse_scale = false;
+};
+
+// `driven` has a bit for each channel whose value changes.
+inline Factors factors_of(const Channels& c, std::uint64_t driven, bool joint) {
+  std::uint64_t busy = driven;
+  for (std::size_t i = 0; i < c.size(); ++i)
+    if (!(c[i] == kRestChannels[i])) busy |= std::uint64_t{1} << i;
+  const auto any = [busy](Channel first) { return (busy & triple(first)) != 0; };
+  Factors f;
+  f.rotate = any(Channel::rotateX);
+  f.scale = any(Channel::scaleX);
+  f.shear = any(Channel::shearXY);
+  f.rotate_axis = any(Channel::rotateAxisX);
+  f.joint_orient = joint && any(Channel::jointOrientX);
+  f.pivots = any(Channel::rotatePivotX) || any(Channel::rotatePivotTranslateX) || any(Channel::scalePivotX) ||
+             any(Channel::scalePivotTranslateX);
+  f.inverse_scale = joint && any(Channel::inverseScaleX);
+  return f;
+}
+
+struct Rotations {
+  Basis axis;
+  Basis rotate;
+  Basis orient;
+};
+
+inline Basis rotation_of(const Channels& c, Channel first, int order = 0) {
+  const Vector angles = vector_at(c, first);
+  return rotation(angles.x, angles.y, angles.z, order);
+}
+
+// What is no order counts as xyz.
+inline int rotate_order(double value) { return value >= 0.0 && value < 6.0 ? static_cast<int>(value) : 0; }
+inline int rotate_order_of(const Channels& c) { return rotate_order(c[index(Channel::rotateOrder)]); }
+
+inline Basis rotate_of(const Channels& c) { return rotation_of(c, Channel::rotateX, rotate_order_of(c)); }
+
+inline Rotations rotations_of(const Channels& c, const Factors& f) {
+  Rotations r;
+  if (f.rotate_axis) r.axis = rotation_of(c, Channel::rotateAxisX);
+  if (f.rotate) r.rotate = rotate_of(c);
+  if (f.joint_orient) r.orient = rotation_of(c, Channel::jointOrientX);
+  return r;
+}
+
+inline constexpr Basis kIdentityBasis = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+
+// RA * R * JO * IS
+inline Basis turn(const Channels& c, const Factors& f, const Rotations& r) {
+  Basis b = f.rotate ? r.rotate : kIdentityBasis;
+  if (f.rotate_axis) b = product(r.axis, b);
+  if (f.joint_orient) b = product(b, r.orient);
+  if (f.inverse_scale && c[index(Channel::segmentScaleCompensate)] != 0.0) {
+    for (std::size_t j = 0; j < 3; ++j) {
+      const double inverse = 1.0 / c[index(Channel::inverseScaleX) + j];
+      for (std::size_t i = 0; i < 3; ++i) b[i][j] = b[i][j] * inverse;
+    }
+  }
+  return b;
+}
+
+// p * S * SH
+inline Vector stretch(const Channels& c, const Factors& f, const Vector& p) {
+  Vector v = {p.x * c[index(Channel::scaleX)], p.y * c[index(Channel::scaleY)], p.z * c[index(Channel::scaleZ)]};
+  if (f.shear) {
+    v.x = v.x + v.y * c[index(Channel::shearXY)] + v.z * c[index(Channel::shearXZ)];
+    v.y = v.y + v.z * c[index(Channel::shearYZ)];
+  }
+  return v;
+}
+
+inline void scale_rows(Affine& m, const Channels& c) {
+  for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t j = 0; j < 3; ++j) m.m[i][j] = c[index(Channel::scaleX) + i] * m.m[i][j];
+}
+
+// S * SH * turn: the upper three rows of the local matrix.
+inline void set_rows(Affine& m, const Channels& c, const Factors& f, const Basis& turned) {
+  for (std::size_t i = 0; i < 3; ++i) m.m[i] = turned[i];
+  if (f.shear) {
+    for (std::size_t j = 0; j < 3; ++j) {
+      m.m[2][j] = c[index(Channel::shearXZ)] * turned[0][j] + c[index(Channel::shearYZ)] * turned[1][j] + turned[2][j];
+      m.m[1][j] = c[index(Channel::shearXY)] * turned[0][j] + turned[1][j];
+    }
+  }
+  if (f.scale) scale_rows(m, c);
+}
+
+// Whether the upper three rows are S * R and nothing else, and these are what set_rows would make of them: the usual
+// case, worth its own way, because it writes each row once.
+inline bool is_scale_and_rotate(const Factors& f) {
+  return f.rotate && !f.shear && !f.rotate_axis && !f.joint_orient && !f.inverse_scale && !f.pivots;
+}
+
+inline void set_scale_and_rotate(Affine& m, const Channels& c, const Factors& f) {
+  const Vector angles = vector_at(c, Channel::rotateX);
+  set_rotation(m.m, sin_cos(angles.x, angles.y, angles.z), rotate_order_of(c));
+  if (f.scale) scale_rows(m, c);
+}
+
+// Where the pivots alone put the origin: the local translation without T. Only for nodes that have pivots.
+inline Vector pivot_shift(const Channels& c, const Factors& f, const Basis& turned) {
+  const Vector sp = vector_at(c, Channel::scalePivotX), st = vector_at(c, Channel::scalePivotTranslateX);
+  const Vector rp = vector_at(c, Channel::rotatePivotX), rt = vector_at(c, Channel::rotatePivotTranslateX);
+  const Vector s = stretch(c, f, {-sp.x, -sp.y, -sp.z});
+  const Vector v = {s.x + sp.x + st.x - rp.x, s.y + sp.y + st.y - rp.y, s.z + sp.z + st.z - rp.z};
+  const Basis& b = turned;
+  return {v.x * b[0][0] + v.y * b[1][0] + v.z * b[2][0] + rp.x + rt.x,
+          v.x * b[0][1] + v.y * b[1][1] + v.z * b[2][1] + rp.y + rt.y,
+          v.x * b[0][2] + v.y * b[1][2] + v.z * b[2][2] + rp.z + rt.z};
+}
+
+// The translation row: T, after the shift of the pivots where there are any.
+inline Vector placed(const Channels& c, const Factors& f, const Vector& shift) {
+  const Vector t = vector_at(c, Channel::translateX);
+  if (!f.pivots) return t;
+  return {shift.x + t.x, shift.y + t.y, shift.z + t.z};
+}
+
+inline void set_translation(Affine& m, const Vector& t) { m.m[3] = {t.x, t.y, t.z}; }
+
+// The whole of it, nothing remembered.
+inline Affine local_matrix_of(const Channels& c, const Factors& f) {
+  const Basis turned = turn(c, f, rotations_of(c, f));
+  Affine m;
+  set_rows(m, c, f, turned);
+  set_translation(m, placed(c, f, f.pivots ? pivot_shift(c, f, turned) : Vector{}));
+  return m;
+}
+
+}  // namespace vantorelix::standalone
