@@ -23,7 +23,6 @@
 namespace vantorelix::cli {
 namespace {
 
-
 TrailReport report_of(std::vector<Vector> points) {
   TrailView trail = support::trail_of(std::move(points));
   trail.source = "|a,\"b\"";

@@ -6,7 +6,6 @@
 
 namespace vantorelix::cli {
 
-
 namespace {
 
 constexpr std::uint64_t kAlignment = 8;

@@ -8,7 +8,6 @@
 
 namespace vantorelix::standalone {
 
-
 BoundsDraft::BoundsDraft(const Scene& scene, NodeId node) {
   const Vectors bounds = scene.vectors(node, kBounds);
   if (!bounds) return;

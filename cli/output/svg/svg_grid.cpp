@@ -8,7 +8,6 @@
 
 namespace vantorelix::cli {
 
-
 namespace {
 
 void draw_line(OutputFile& out, const char* kind, const Point2& a, const Point2& b) {

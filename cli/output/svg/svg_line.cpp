@@ -7,7 +7,6 @@
 
 namespace vantorelix::cli {
 
-
 namespace {
 
 enum Mode { kStandard = 0, kSpacing = 1, kFlow = 2, kBeats = 3 };
