@@ -14,145 +14,52 @@ namespace vantorelix::host {
 
 namespace {
 
-// --- characters ----------------------------------------------------------------------------------------------------
+// --- texts ---------------------------------------------------------------------------------------------------------
 
-// Stands for a byte that is no part of valid UTF-8, as the scripting language escapes it on the way in.
-constexpr char32_t kEscapedByte = 0xDC00;
+bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-struct Character {
-  char32_t code;
-  std::size_t size;  // bytes
-};
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-// Reads one character at `at`, which is inside `text`.
-Character decode(std::string_view text, std::size_t at) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char first = byte(at);
-  if (first < 0x80) return {first, 1};
-  const std::size_t size = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-  const Character escaped{kEscapedByte + first, 1};
-  if (first < 0xC2 || first > 0xF4 || at + size > text.size()) return escaped;
-  char32_t code = first & (0xFFu >> (size + 1));
-  for (std::size_t i = 1; i < size; ++i) {
-    if ((byte(at + i) & 0xC0) != 0x80) return escaped;
-    code = (code << 6) | (byte(at + i) & 0x3Fu);
-  }
-  constexpr std::array<char32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
-  const bool surrogate = code >= 0xD800 && code < 0xE000;
-  return code < kSmallest[size] || code > 0x10FFFF || surrogate ? escaped : Character{code, size};
-}
-
-bool is_space(char32_t c) {
-  return (c >= 0x09 && c <= 0x0D) || (c >= 0x1C && c <= 0x20) || c == 0x85 || c == 0xA0 || c == 0x1680 ||
-         (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F || c == 0x3000;
-}
-
-// Leaves out what the common fonts cannot show: controls, format marks, separators, private use. Code points that no
-// version of Unicode has assigned count as printable here.
-bool is_printable(char32_t c) {
-  if (c < 0x7F) return c >= 0x20;
-  return c > 0xA0 && c != 0xAD && !is_space(c) && !(c >= 0x200B && c <= 0x200F) && !(c >= 0x202A && c <= 0x202E) &&
-         !(c >= 0x2060 && c <= 0x206F) && !(c >= 0xD800 && c <= 0xF8FF) && c != 0xFEFF &&
-         !(c >= 0xFFF0 && c <= 0xFFFB) && (c & 0xFFFE) != 0xFFFE && c < 0xE0000;
-}
-
-// The zeros of the scripts whose digits people type: a number may be written in any of them.
-constexpr std::array<char32_t, 22> kZeros = {0x0660, 0x06F0, 0x07C0, 0x0966, 0x09E6, 0x0A66, 0x0AE6, 0x0B66,
-                                             0x0BE6, 0x0C66, 0x0CE6, 0x0D66, 0x0E50, 0x0ED0, 0x0F20, 0x1040,
-                                             0x1090, 0x17E0, 0x1810, 0x1946, 0x19D0, 0xFF10};
-
-// The text of a number in plain ASCII, without the white space around it; "?" for anything that no number holds.
-std::string plain_number(std::string_view text) {
-  std::string plain;
-  const std::string_view inner = stripped(text);
-  for (std::size_t at = 0; at < inner.size();) {
-    const Character c = decode(inner, at);
-    at += c.size;
-    if (c.code < 0x7F) {
-      plain += static_cast<char>(c.code);
-    } else {
-      const auto zero =
-          std::find_if(kZeros.begin(), kZeros.end(), [&](char32_t z) { return c.code >= z && c.code <= z + 9; });
-      plain += zero == kZeros.end() ? '?' : static_cast<char>('0' + (c.code - *zero));
-    }
-  }
-  return plain;
-}
-
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-
-// Drops the underscores, each of which must stand between two digits; nothing where one does not.
-std::optional<std::string> without_underscores(const std::string& text) {
-  std::string bare;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool underscore = text[i] == '_';
-    if (underscore && (i == 0 || i + 1 == text.size() || !is_digit(text[i - 1]) || !is_digit(text[i + 1])))
-      return std::nullopt;
-    if (!underscore) bare += text[i];
-  }
-  return bare;
-}
-
-// --- quoting -------------------------------------------------------------------------------------------------------
-
-void append_hex(std::string& out, char kind, char32_t code, int digits) {
-  out += '\\';
-  out += kind;
-  for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) out += "0123456789abcdef"[(code >> shift) & 0xF];
-}
-
-void append_escaped(std::string& out, char32_t code) {
-  if (code == '\n') {
-    out += "\\n";
-  } else if (code == '\r') {
-    out += "\\r";
-  } else if (code == '\t') {
-    out += "\\t";
-  } else if (code <= 0xFF) {
-    append_hex(out, 'x', code, 2);
-  } else if (code <= 0xFFFF) {
-    append_hex(out, 'u', code, 4);
-  } else {
-    append_hex(out, 'U', code, 8);
-  }
-}
-
-// `as_bytes`: every byte is a character of its own, and none beyond ASCII is printable.
-std::string quoted(std::string_view text, bool as_bytes) {
+// What a script would type to get the text; `prefix` is what stands before the quotes.
+std::string quoted(std::string_view text, const char* prefix = "") {
+  static constexpr char kHex[] = "0123456789abcdef";
   const bool has_single = text.find('\'') != std::string_view::npos;
   const char quote = has_single && text.find('"') == std::string_view::npos ? '"' : '\'';
-  std::string out(as_bytes ? "b" : "");
-  out += quote;
-  for (std::size_t at = 0; at < text.size();) {
-    const Character c = as_bytes ? Character{static_cast<unsigned char>(text[at]), 1} : decode(text, at);
-    if (c.code == static_cast<unsigned char>(quote) || c.code == '\\') {
-      out += '\\';
-      out += static_cast<char>(c.code);
-    } else if (is_printable(c.code) && !(as_bytes && c.code > 0x7F)) {
-      out += text.substr(at, c.size);
-    } else {
-      append_escaped(out, c.code);
-    }
-    at += c.size;
-  }
+  const auto escaped = [&](char c) -> std::string {
+    if (c == quote || c == '\\') return {'\\', c};
+    if (c == '\n') return "\\n";
+    if (c == '\r') return "\\r";
+    if (c == '\t') return "\\t";
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte != 0x7F) return {c};
+    return {'\\', 'x', kHex[byte >> 4], kHex[byte & 15]};
+  };
+  std::string out = std::string(prefix) + quote;
+  for (const char c : text) out += escaped(c);
   return out + quote;
 }
 
 // Texts in errors are cut after this many characters.
 std::string cut(const std::string& text) {
-  std::size_t at = 0;
-  for (int count = 0; at < text.size() && count < 200; ++count) at += decode(text, at).size;
-  return text.substr(0, at);
+  std::size_t count = 0;
+  const auto end = std::find_if(text.begin(), text.end(), [&](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80 && ++count > 200;  // a byte that begins a character
+  });
+  return {text.begin(), end};
 }
 
 // --- conversions ---------------------------------------------------------------------------------------------------
 
 [[noreturn]] void no_int(const std::string& type) {
-  throw Error("int() argument must be a string, a bytes-like object or a number, not '" + type + "'", ErrorKind::type);
+  throw Error("int() argument must be a string or a number, not '" + type + "'", ErrorKind::type);
 }
 
 [[noreturn]] void no_float(const std::string& type) {
   throw Error("float() argument must be a string or a number, not '" + type + "'", ErrorKind::type);
+}
+
+[[noreturn]] void no_keyword(const std::string& type) {
+  throw Error("'" + type + "' object has no attribute 'strip'", ErrorKind::attribute);
 }
 
 [[noreturn]] void no_items(const std::string& text) { throw Error(text, ErrorKind::type); }
@@ -167,20 +74,15 @@ std::int64_t int_of(double d) {
 
 // `shown` is how the error shows the text.
 std::int64_t int_of(std::string_view text, const std::string& shown) {
-  const auto number = without_underscores(plain_number(text));
-  if (number && !number->empty()) {
-    const bool has_sign = (*number)[0] == '+' || (*number)[0] == '-';
-    const char* first = number->data() + (has_sign && (*number)[0] == '+' ? 1 : 0);
-    const char* last = number->data() + number->size();
-    const bool digits_only = number->size() > (has_sign ? 1u : 0u) &&
-                             std::all_of(number->begin() + (has_sign ? 1 : 0), number->end(), is_digit);
-    if (digits_only) {
-      std::int64_t result = 0;
-      if (std::from_chars(first, last, result).ec == std::errc()) return result;
-      throw Error("int too large to convert", ErrorKind::overflow);
-    }
-  }
-  throw Error("invalid literal for int() with base 10: " + cut(shown), ErrorKind::value);
+  std::string_view number = stripped(text);
+  if (number.starts_with('+') && !number.starts_with("+-")) number.remove_prefix(1);
+  std::int64_t result = 0;
+  const char* const last = number.data() + number.size();
+  const auto [end, problem] = std::from_chars(number.data(), last, result);
+  if (problem == std::errc::invalid_argument || end != last)
+    throw Error("invalid literal for int() with base 10: " + cut(shown), ErrorKind::value);
+  if (problem == std::errc::result_out_of_range) throw Error("int too large to convert", ErrorKind::overflow);
+  return result;
 }
 
 // What a decimal too far from 1 for a double stands for: infinity or zero. The text is a valid decimal, unsigned.
@@ -200,15 +102,15 @@ std::optional<double> parse_float(std::string text) {
   const bool negative = text[0] == '-';
   if (negative || text[0] == '+') text.erase(0, 1);
   if (text.empty() || text[0] == '+' || text[0] == '-') return std::nullopt;
-  std::string lower = text;
-  for (char& c : lower) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  std::string name = text;
+  std::transform(name.begin(), name.end(), name.begin(), lower);
   double result = 0.0;
-  if (lower == "inf" || lower == "infinity") {
+  if (name == "inf" || name == "infinity") {
     result = std::numeric_limits<double>::infinity();
-  } else if (lower == "nan") {
+  } else if (name == "nan") {
     result = std::numeric_limits<double>::quiet_NaN();
   } else {
-    if (!is_digit(text[0]) && text[0] != '.') return std::nullopt;
+    if ((text[0] < '0' || text[0] > '9') && text[0] != '.') return std::nullopt;
     const char* last = text.data() + text.size();
     const auto [end, problem] = std::from_chars(text.data(), last, result);
     if (problem == std::errc::invalid_argument || end != last) return std::nullopt;
@@ -218,11 +120,10 @@ std::optional<double> parse_float(std::string text) {
 }
 
 double float_of(std::string_view text, const std::string& shown) {
-  const auto number = without_underscores(plain_number(text));
-  const auto result = number ? parse_float(*number) : std::nullopt;
+  const std::string_view number = stripped(text);
+  const auto result = parse_float(std::string(number));
   // A blank text is not shown at all.
-  const bool blank = number && number->empty();
-  if (!result) throw Error("could not convert string to float: " + (blank ? "" : shown), ErrorKind::value);
+  if (!result) throw Error("could not convert string to float: " + (number.empty() ? "" : shown), ErrorKind::value);
   return *result;
 }
 
@@ -256,6 +157,7 @@ std::string list_repr(const List& list, std::vector<const void*>& outer) {
 
 std::int64_t Object::to_int() const { no_int(type_name()); }
 double Object::to_float() const { no_float(type_name()); }
+std::string Object::keyword() const { no_keyword(type_name()); }
 Value Object::item(std::int64_t) const { no_items("'" + type_name() + "' object is not subscriptable"); }
 std::vector<Value> Object::items() const { no_items("'" + type_name() + "' object is not iterable"); }
 void Object::call(const Value&) { throw Error("'" + type_name() + "' object is not callable", ErrorKind::type); }
@@ -275,13 +177,13 @@ std::string Value::type_name() const {
 }
 
 bool Value::truthy() const {
+  if (as_object()) return std::shared_ptr(*as_object())->truthy();
   if (as_bool()) return *as_bool();
   if (as_int()) return *as_int() != 0;
   if (as_float()) return *as_float() != 0.0;
   if (as_text()) return !as_text()->empty();
   if (as_bytes()) return !as_bytes()->data.empty();
-  if (as_list()) return !(*as_list())->empty();
-  return as_object() && std::shared_ptr(*as_object())->truthy();
+  return as_list() && !(*as_list())->empty();
 }
 
 bool Value::callable() const { return as_object() && (*as_object())->callable(); }
@@ -301,56 +203,59 @@ std::vector<Value> Value::items() const {
 }
 
 std::int64_t Value::to_int() const {
+  if (as_object()) return std::shared_ptr(*as_object())->to_int();
   if (as_bool()) return *as_bool() ? 1 : 0;
   if (as_int()) return *as_int();
   if (as_float()) return int_of(*as_float());
   if (as_text()) return int_of(*as_text(), repr());
-  if (as_bytes()) return int_of(as_bytes()->data, repr());
-  if (as_object()) return std::shared_ptr(*as_object())->to_int();
   no_int(type_name());
 }
 
 double Value::to_float() const {
+  if (as_object()) return std::shared_ptr(*as_object())->to_float();
   if (as_bool()) return *as_bool() ? 1.0 : 0.0;
   if (as_int()) return static_cast<double>(*as_int());
   if (as_float()) return *as_float();
   if (as_text()) return float_of(*as_text(), repr());
-  if (as_bytes()) return float_of(as_bytes()->data, repr());
-  if (as_object()) return std::shared_ptr(*as_object())->to_float();
   no_float(type_name());
 }
 
-std::string Value::text() const { return as_text() ? *as_text() : repr(); }
+std::string Value::keyword() const {
+  if (as_object()) return std::shared_ptr(*as_object())->keyword();
+  if (as_bytes()) return {};
+  if (!as_text()) no_keyword(type_name());
+  std::string word(stripped(*as_text()));
+  std::transform(word.begin(), word.end(), word.begin(), lower);
+  return word;
+}
+
+std::string Value::text() const {
+  if (as_object()) return std::shared_ptr(*as_object())->text();
+  return as_text() ? *as_text() : repr();
+}
 
 std::string Value::repr() const {
+  if (as_object()) return std::shared_ptr(*as_object())->repr();
   if (as_bool()) return *as_bool() ? "True" : "False";
   if (as_int()) return std::to_string(*as_int());
   if (as_float()) return float_repr(*as_float());
-  if (as_text()) return quoted(*as_text(), false);
-  if (as_bytes()) return quoted(as_bytes()->data, true);
-  if (as_object()) return std::shared_ptr(*as_object())->text();
+  if (as_text()) return quoted(*as_text());
+  if (as_bytes()) return quoted(as_bytes()->data, "b");
   if (!as_list()) return "None";
   std::vector<const void*> outer;
   return list_repr(*as_list(), outer);
 }
 
 bool operator==(const Value& a, const Value& b) {
+  if (a.as_text() && b.as_text()) return *a.as_text() == *b.as_text();
   if (a.as_list() && b.as_list()) return *a.as_list() == *b.as_list() || **a.as_list() == **b.as_list();
   return a.data_ == b.data_;
 }
 
 std::string_view stripped(std::string_view text) {
-  std::size_t first = text.size();
-  std::size_t last = first;
-  for (std::size_t at = 0; at < text.size();) {
-    const Character c = decode(text, at);
-    if (!is_space(c.code)) {
-      first = std::min(first, at);
-      last = at + c.size;
-    }
-    at += c.size;
-  }
-  return text.substr(first, last - first);
+  while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
+  while (!text.empty() && is_space(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 std::string float_repr(double d) {

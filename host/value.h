@@ -40,6 +40,12 @@ class Object {
   virtual std::int64_t to_int() const;
   virtual double to_float() const;
   virtual std::string text() const = 0;
+  virtual std::string repr() const { return text(); }
+  // object.strip().lower(), where that is a text; else empty.
+  virtual std::string keyword() const;
+  // What it holds where it is a text or bytes of the host's language; else null. Valid as long as the object lives.
+  virtual const std::string* as_text() const { return nullptr; }
+  virtual const Bytes* as_bytes() const { return nullptr; }
   virtual bool callable() const { return false; }
   // Calls the object with one positional argument; its result is discarded. Throws what the callee throws.
   virtual void call(const Value& argument);
@@ -77,8 +83,11 @@ class Value {
   const bool* as_bool() const { return std::get_if<bool>(&data_); }
   const std::int64_t* as_int() const { return std::get_if<std::int64_t>(&data_); }
   const double* as_float() const { return std::get_if<double>(&data_); }
-  const std::string* as_text() const { return std::get_if<std::string>(&data_); }
-  const Bytes* as_bytes() const { return std::get_if<Bytes>(&data_); }
+  // A text or bytes, an object's too.
+  const std::string* as_text() const {
+    return as_object() ? (*as_object())->as_text() : std::get_if<std::string>(&data_);
+  }
+  const Bytes* as_bytes() const { return as_object() ? (*as_object())->as_bytes() : std::get_if<Bytes>(&data_); }
   const List* as_list() const { return std::get_if<List>(&data_); }
   const std::shared_ptr<Object>* as_object() const { return std::get_if<std::shared_ptr<Object>>(&data_); }
 
@@ -95,24 +104,28 @@ class Value {
   // one text here.
   std::vector<Value> items() const;
 
-  // Integer part, towards zero; numeric text and bytes are parsed ("5", " -3 ", "1_000"). Throws Error: kind value
-  // for a text that is no integer and for NaN, overflow for infinity and beyond 64 bits, type for none and a list.
+  // An object converts as its host's language has it, whatever it throws; what follows is said of plain values.
+  // Integer part, towards zero; a decimal text is parsed ("5", " -3 "). Throws Error: kind value for a text that is not
+  // an integer and for NaN, overflow for infinity and beyond 64 bits, type for none, bytes and a list.
   std::int64_t to_int() const;
-  // Throws Error: kind value for text or bytes that are no number, type for none and a list.
+  // Throws Error: kind value for a text that is not a number, type for none, bytes and a list.
   double to_float() const;
+  // A text without the white space around it, in lower case; empty for bytes. Throws Error of kind attribute for what
+  // is neither.
+  std::string keyword() const;
   // The ordinary text form: "None", "True", "7", "7.0", "1e+16", the text itself, "[1, 'a']".
   std::string text() const;
   // As text(), but texts are quoted: what stands inside a list, and in a log of calls.
   std::string repr() const;
 
-  // Same kind and same content; lists element by element, objects by identity.
+  // Same kind and same content; lists element by element, objects that hold no text by identity.
   friend bool operator==(const Value& a, const Value& b);
 
  private:
   std::variant<std::monostate, bool, std::int64_t, double, std::string, Bytes, List, std::shared_ptr<Object>> data_;
 };
 
-// The text without the white space around it, in any script's sense of white space.
+// The text without the ASCII white space around it.
 std::string_view stripped(std::string_view text);
 
 // Shortest text that reads back to the same double, in the scripting language's form ("0.1", "7.0", "1e+16", "nan").

@@ -44,27 +44,23 @@ TEST(Value, NumbersBecomeIntegersTowardsZero) {
   EXPECT_EQ(Value(-9223372036854775808.0).to_int(), std::numeric_limits<std::int64_t>::min());
 }
 
-TEST(Value, TextAndBytesBecomeIntegersWhenTheyHoldNothingElse) {
+TEST(Value, TextBecomesAnIntegerWhenItHoldsNothingElse) {
   EXPECT_EQ(Value("5").to_int(), 5);
   EXPECT_EQ(Value(" -3 \n").to_int(), -3);
   EXPECT_EQ(Value("+5").to_int(), 5);
   EXPECT_EQ(Value("007").to_int(), 7);
-  EXPECT_EQ(Value("1_000").to_int(), 1000);
-  EXPECT_EQ(Value("\xE3\x80\x80\xD9\xA5\xC2\xA0").to_int(), 5);  // ideographic space, Arabic five, no-break space
-  EXPECT_EQ(Value("\xEF\xBC\x91\xEF\xBC\x92").to_int(), 12);     // full-width digits
-  EXPECT_EQ(Value(Bytes{"5"}).to_int(), 5);
   EXPECT_EQ(Value("-9223372036854775808").to_int(), std::numeric_limits<std::int64_t>::min());
 }
 
 TEST(Value, WhatHoldsNoIntegerSaysSo) {
-  for (const char* text : {"", "  ", "abc", "1.5", "0x10", "_1", "1_", "1__0", "- 3", "--5", "+-5", "+", "1 2"})
+  for (const char* text : {"", "  ", "abc", "1.5", "0x10", "1_0", "- 3", "--5", "+-5", "+", "1 2"})
     EXPECT_EQ(int_error(text), "value: invalid literal for int() with base 10: " + Value(text).repr());
-  EXPECT_EQ(int_error(Value(Bytes{"abc"})), "value: invalid literal for int() with base 10: b'abc'");
   EXPECT_EQ(int_error(std::string("5\0", 2)), "value: invalid literal for int() with base 10: '5\\x00'");
   EXPECT_EQ(int_error(std::string(300, 'x')),
             "value: invalid literal for int() with base 10: '" + std::string(199, 'x'));
-  const std::string none = "type: int() argument must be a string, a bytes-like object or a number, not ";
+  const std::string none = "type: int() argument must be a string or a number, not ";
   EXPECT_EQ(int_error({}), none + "'NoneType'");
+  EXPECT_EQ(int_error(Value(Bytes{"5"})), none + "'bytes'");
   EXPECT_EQ(int_error(Value::list({1})), none + "'list'");
   EXPECT_EQ(int_error(Value(std::make_shared<Ghost>())), none + "'object'");
 }
@@ -81,10 +77,6 @@ TEST(Value, TextBecomesAFloat) {
   EXPECT_EQ(Value("\t2 ").to_float(), 2.0);
   EXPECT_EQ(Value("-.5").to_float(), -0.5);
   EXPECT_EQ(Value("5.").to_float(), 5.0);
-  EXPECT_EQ(Value("1_0e1_0").to_float(), 1e11);
-  EXPECT_EQ(Value("1_0.5").to_float(), 10.5);
-  EXPECT_EQ(Value("\xD9\xA1.5").to_float(), 1.5);
-  EXPECT_EQ(Value(Bytes{"1.5"}).to_float(), 1.5);
   EXPECT_EQ(Value("-Infinity").to_float(), -std::numeric_limits<double>::infinity());
   EXPECT_EQ(Value("inf").to_float(), std::numeric_limits<double>::infinity());
   EXPECT_TRUE(std::isnan(Value("+NaN").to_float()));
@@ -105,12 +97,12 @@ TEST(Value, FloatsTooFarOutBecomeInfinityOrZero) {
 }
 
 TEST(Value, WhatHoldsNoFloatSaysSo) {
-  for (const char* text : {"abc", ".", "1e", "e5", "0x1p3", "1_e5", "_1.0", "1__0", "infinit", "+-1", "1,5", "1.5 2"})
+  for (const char* text : {"abc", ".", "1e", "e5", "0x1p3", "1_0", "infinit", "+-1", "1,5", "1.5 2"})
     EXPECT_EQ(float_error(text), "value: could not convert string to float: " + Value(text).repr());
   EXPECT_EQ(float_error(" "), "value: could not convert string to float: ");
-  EXPECT_EQ(float_error(Value(Bytes{"abc"})), "value: could not convert string to float: b'abc'");
   const std::string none = "type: float() argument must be a string or a number, not ";
   EXPECT_EQ(float_error({}), none + "'NoneType'");
+  EXPECT_EQ(float_error(Value(Bytes{"1.5"})), none + "'bytes'");
   EXPECT_EQ(float_error(Value::list({})), none + "'list'");
   EXPECT_EQ(float_error(Value(std::make_shared<Ghost>())), none + "'object'");
 }
@@ -148,16 +140,38 @@ TEST(Value, TextFormsQuoteOnlyInsideOthers) {
   EXPECT_EQ(Value("it's").text(), "it's");
   EXPECT_EQ(Value("it's").repr(), "\"it's\"");
   EXPECT_EQ(Value("it's \"so\"").repr(), "'it\\'s \"so\"'");
-  EXPECT_EQ(Value(Bytes{"a'\xFF\n"}).text(), "b\"a'\\xff\\n\"");
+  EXPECT_EQ(Value(Bytes{"a'\n"}).text(), "b\"a'\\n\"");
   EXPECT_EQ(Value::list({1, "a", Value::list({2.5, Value()})}).text(), "[1, 'a', [2.5, None]]");
   EXPECT_EQ(Value(std::make_shared<Ghost>()).text(), "<ghost>");
 }
 
-TEST(Value, WhatCannotBeShownIsEscaped) {
+TEST(Value, ControlCharactersAreEscapedAndAllElseStandsAsItIs) {
   EXPECT_EQ(Value(std::string("\n\t\r\\\0\x7F", 6)).repr(), "'\\n\\t\\r\\\\\\x00\\x7f'");
-  EXPECT_EQ(Value("\xC3\xA9\xC2\xA0\xC2\xAD\xE2\x80\x8B").repr(), "'\xC3\xA9\\xa0\\xad\\u200b'");
-  EXPECT_EQ(Value("\xF0\x9F\x98\x80\xF3\xA0\x80\x81").repr(), "'\xF0\x9F\x98\x80\\U000e0001'");
-  EXPECT_EQ(Value("a\xFF\xC3").repr(), "'a\\udcff\\udcc3'");  // no UTF-8
+  EXPECT_EQ(Value("\xC3\xA9\xF0\x9F\x98\x80").repr(), "'\xC3\xA9\xF0\x9F\x98\x80'");
+}
+
+TEST(Value, AKeywordIsATextInLowerCaseWithoutTheBlanksAroundIt) {
+  EXPECT_EQ(Value("  Ctrl_LMB\n").keyword(), "ctrl_lmb");
+  EXPECT_EQ(Value("").keyword(), "");
+  EXPECT_EQ(Value(Bytes{"clear"}).keyword(), "");  // bytes are never equal to a text
+  EXPECT_EQ(error_of([] { Value(7).keyword(); }), "attribute: 'int' object has no attribute 'strip'");
+  EXPECT_EQ(error_of([] { Value(std::make_shared<Ghost>()).keyword(); }),
+            "attribute: 'object' object has no attribute 'strip'");
+}
+
+// A text of a host's own: it is read as any text, and converted as its host has it.
+TEST(Value, AnObjectThatHoldsATextIsOne) {
+  struct Numeral : Object {
+    std::string text() const override { return word_; }
+    std::int64_t to_int() const override { return 7; }
+    const std::string* as_text() const override { return &word_; }
+    std::string word_ = "seven";
+  };
+  const Value numeral(std::make_shared<Numeral>());
+  ASSERT_TRUE(numeral.as_text());
+  EXPECT_EQ(*numeral.as_text(), "seven");
+  EXPECT_EQ(numeral, Value("seven"));
+  EXPECT_EQ(numeral.to_int(), 7);
 }
 
 TEST(Value, AListInsideItselfIsShownAsDots) {
@@ -265,9 +279,9 @@ TEST(Value, OnlyFunctionsCanBeCalled) {
   EXPECT_EQ(error_of([] { Ghost().call(1); }), "type: 'object' object is not callable");
 }
 
-TEST(Stripped, RemovesWhiteSpaceOfAnyScriptFromBothEnds) {
+TEST(Stripped, RemovesWhiteSpaceFromBothEnds) {
   EXPECT_EQ(stripped(" a b\t"), "a b");
-  EXPECT_EQ(stripped("\xE2\x80\x83x\xC2\x85\x1C"), "x");
+  EXPECT_EQ(stripped("\v\f\rx"), "x");
   EXPECT_EQ(stripped(" \n "), "");
   EXPECT_EQ(stripped(""), "");
 }

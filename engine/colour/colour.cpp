@@ -38,8 +38,8 @@ std::unique_ptr<double[]> smoothed_lengths(const Lanes& lanes, const std::vector
   const auto smooth_end = [&](std::size_t base, std::size_t first, std::size_t last) {
     std::array<double, kAround> lengths;
     lanes.lengths(&pos[base].x, std::min(n, kAround), lengths.data());
-    kernel::smooth(lengths.data(), base, n, SpacingWindow{}, first, last, smoothed.get() + first);
-    if (baseline) baseline->add(smoothed.get() + first, last - first);
+    kernel::smooth(lengths.data(), base, n, kernel::SpacingWindow{}, first, last, smoothed.get() + first);
+    if (baseline) kernel::add(*baseline, smoothed.get() + first, last - first);
   };
   if (n <= kAround) {
     smooth_end(0, 0, n);

@@ -1,9 +1,10 @@
 // Compiled once for each width of register; VANTORELIX_LANES names the result.
 //
-// All else is local to the unit, and no function of a header is called: the linker keeps one copy of such a function
-// for the whole program, and it could be the one that only some processors run.
+// All else is local to the unit, and so are the functions of the headers that are called here: the linker keeps one
+// copy of a shared function for the whole program, and it could be the one that only some processors run.
 #include <cmath>
 #include <cstddef>
+#include <type_traits>
 
 #include "engine/colour/lanes.h"
 #include "engine/sampling/spacing_kernel.h"
@@ -19,18 +20,21 @@ namespace {
 
 // Points worked on at a time while lengths are smoothed. A count that the compiler knows, and the processor is in the
 // next step while the one sum that has to run in order is still under way.
-constexpr std::size_t kStep = 32;
+using Step = std::integral_constant<std::size_t, kernel::kBaselineStep>;
+constexpr std::size_t kStep = Step::value;
 
-// Each loop twice: for a whole block, whose length the compiler then knows, and for any count below.
-template <auto block, auto below, std::size_t size, class... Rest>
-auto either(const double* in, std::size_t count, Rest... rest) {
-  return count == size ? block(in, count, rest...) : below(in, count, rest...);
+// Calls `body` with the count, as a constant where it is that of a whole block.
+template <class Block, class Body>
+void with_count(std::size_t count, Body body) {
+  if (count == Block::value)
+    body(Block{});
+  else
+    body(count);
 }
 
 // Squares first, in the order of memory: taken apart into x, y and z is one array, not two.
-template <std::size_t known>
-void step_lengths(const double* xyz, std::size_t count, double* out) {
-  if constexpr (known != 0) count = known;
+template <class Count>
+void step_lengths(const double* xyz, Count count, double* out) {
   alignas(64) double squares[3 * kStep];
   for (std::size_t i = 0; i < 3 * count; ++i) {
     const double d = xyz[i + 3] - xyz[i];
@@ -41,55 +45,29 @@ void step_lengths(const double* xyz, std::size_t count, double* out) {
 
 void lengths(const double* xyz, std::size_t count, double* out) {
   for (std::size_t i = 0; i < count; i += kStep)
-    either<step_lengths<kStep>, step_lengths<0>, kStep>(xyz + 3 * i, count - i < kStep ? count - i : kStep, out + i);
-}
-
-// The means of full windows from v[i] on, and their sum without holds.
-template <std::size_t known>
-void step_means(const double* v, std::size_t count, double* out, kernel::Baseline* baseline) {
-  if constexpr (known != 0) count = known;
-  // 0 first, as a sum starts: it makes 0 of a -0.
-  for (std::size_t i = 0; i < count; ++i)
-    out[i] = (0.0 + v[i] + v[i + 1] + v[i + 2] + v[i + 3] + v[i + 4] + v[i + 5] + v[i + 6]) / 7.0;
-  if (!baseline) return;
-  alignas(64) double summed[kStep];
-  std::size_t active = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    summed[i] = out[i] > kernel::kHold ? out[i] : 0.0;
-    active += out[i] > kernel::kHold ? 1 : 0;
-  }
-  double sum = baseline->sum;
-  for (std::size_t i = 0; i < count; ++i) sum += summed[i];
-  baseline->sum = sum;
-  baseline->count += active;
+    with_count<Step>(count - i < kStep ? count - i : kStep, [&](auto n) { step_lengths(xyz + 3 * i, n, out + i); });
 }
 
 void smoothed(const double* xyz, std::size_t count, double* out, kernel::Baseline* baseline) {
-  constexpr std::size_t kBlock = 4 * kStep, kAround = 6;
+  constexpr std::size_t kBlock = 4 * kStep, kAround = 2 * kernel::SpacingWindow::value;
   alignas(64) double v[kBlock + kAround];
   lengths(xyz, kAround, v);
   for (std::size_t first = 0; first < count; first += kBlock) {
     const std::size_t size = count - first < kBlock ? count - first : kBlock;
     lengths(xyz + 3 * (first + kAround), size, v + kAround);
     for (std::size_t i = 0; i < size; i += kStep)
-      either<step_means<kStep>, step_means<0>, kStep>(v + i, size - i < kStep ? size - i : kStep, out + first + i,
-                                                      baseline);
+      with_count<Step>(size - i < kStep ? size - i : kStep, [&](auto n) {
+        kernel::full_means(v + i, n, kernel::SpacingWindow{}, out + first + i);
+        if (baseline) kernel::add(*baseline, out + first + i, n);
+      });
     for (std::size_t i = 0; i < kAround; ++i) v[i] = v[size + i];
   }
 }
 
-template <std::size_t known>
+using Block = std::integral_constant<std::size_t, kLaneBlock>;
+
 void parameters(const double* lengths, std::size_t count, double scale, double* out) {
-  if constexpr (known != 0) count = known;
-  if (scale <= kernel::kHold) {
-    for (std::size_t i = 0; i < count; ++i) out[i] = 0.0;
-    return;
-  }
-  for (std::size_t i = 0; i < count; ++i) {
-    const double t = lengths[i] / scale;
-    const double low = t < 1.0 ? t : 1.0;  // the bound where t is no number
-    out[i] = low > 0.0 ? low : 0.0;
-  }
+  with_count<Block>(count, [&](auto n) { kernel::parameters(lengths, n, scale, out); });
 }
 
 // One piece of the ramp: from `colour` at t0, by `change` over `length`.
@@ -138,9 +116,8 @@ double value(double t, double u, double below) {
     return value<channel, k + 1>(t, u, t > kSegments.at[k].t0 ? segment<channel, k>(u) : below);
 }
 
-template <std::size_t known>
-void ramp(const double* t, std::size_t count, double* rgb) {
-  if constexpr (known != 0) count = known;
+template <class Count>
+void ramp_of(const double* t, Count count, double* rgb) {
   alignas(64) double middle[kLaneBlock];
   alignas(64) double u[kLaneBlock];
   for (std::size_t i = 0; i < count; ++i) {
@@ -154,13 +131,15 @@ void ramp(const double* t, std::size_t count, double* rgb) {
   }
 }
 
+void ramp(const double* t, std::size_t count, double* rgb) {
+  with_count<Block>(count, [&](auto n) { ramp_of(t, n, rgb); });
+}
+
 }  // namespace
 
 extern const Lanes VANTORELIX_LANES;
 #define VANTORELIX_TEXT_OF(x) #x
 #define VANTORELIX_TEXT(x) VANTORELIX_TEXT_OF(x)
-const Lanes VANTORELIX_LANES = {VANTORELIX_TEXT(VANTORELIX_LANES), lengths, smoothed,
-                                either<parameters<kLaneBlock>, parameters<0>, kLaneBlock>,
-                                either<ramp<kLaneBlock>, ramp<0>, kLaneBlock>};
+const Lanes VANTORELIX_LANES = {VANTORELIX_TEXT(VANTORELIX_LANES), lengths, smoothed, parameters, ramp};
 
 }  // namespace vantorelix::lanes

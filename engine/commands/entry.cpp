@@ -48,20 +48,10 @@ const std::vector<Group>& groups() {
   return kGroups;
 }
 
-// Without the white space around it, in lower case. All actions are ASCII, so that no other letter matters.
-std::string normal_form(const host::Value& action) {
-  if (!action.truthy() || action.as_bytes()) return {};  // bytes are no text, and equal to none
-  if (!action.as_text())
-    throw host::Error("'" + action.type_name() + "' object has no attribute 'strip'", host::ErrorKind::attribute);
-  std::string name(host::stripped(*action.as_text()));
-  for (char& c : name) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return name;
-}
-
 }  // namespace
 
 void pellark_entry(const host::Value& action) {
-  const std::string name = normal_form(action);
+  const std::string name = action.truthy() ? action.keyword() : "";
   for (const Group& group : groups())
     if (std::find(group.actions.begin(), group.actions.end(), name) != group.actions.end()) return group.command();
   _open_menu();

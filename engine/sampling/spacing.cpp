@@ -28,7 +28,7 @@ std::vector<double> _smooth(const std::vector<double>& values, std::int64_t wind
   std::vector<double> out(n);
   const auto smooth_over = [&](auto w) { kernel::smooth(values.data(), 0, n, w, 0, n, out.data()); };
   if (window == kSpacingWindow) {
-    smooth_over(SpacingWindow{});
+    smooth_over(kernel::SpacingWindow{});
   } else {
     // A window beyond the values is as good as one that just covers them.
     smooth_over(std::min(static_cast<std::uint64_t>(window), std::uint64_t{n}));
@@ -43,7 +43,8 @@ std::pair<std::vector<double>, host::Value> _t_from_spacing(const std::vector<do
   host::Value reference = ref;
   if (reference.is_none()) {
     kernel::Baseline baseline;
-    baseline.add(dists.data(), dists.size());
+    for (std::size_t i = 0; i < dists.size(); i += kernel::kBaselineStep)
+      kernel::add(baseline, dists.data() + i, std::min(dists.size() - i, kernel::kBaselineStep));
     reference = host::Value::list({baseline.mean()});
   }
   std::vector<double> t(dists.size());

@@ -3,17 +3,16 @@
 
 #include <cstdint>
 #include <optional>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
+#include "engine/sampling/spacing_kernel.h"
 #include "host/value.h"
 
 namespace vantorelix {
 
 // Neighbours on each side that the spacing colours average over.
-using SpacingWindow = std::integral_constant<std::int64_t, 3>;
-inline constexpr std::int64_t kSpacingWindow = SpacingWindow::value;
+inline constexpr std::int64_t kSpacingWindow = kernel::SpacingWindow::value;
 
 // Mean over up to 2 * window + 1 neighbours, fewer at the ends. A window of 0 or less copies.
 std::vector<double> _smooth(const std::vector<double>& values, std::int64_t window = kSpacingWindow);

@@ -1,21 +1,28 @@
 // The arithmetic of spacing over plain arrays, written once for the published functions and for the colouring.
 //
-// Sums run left to right and divisions are divisions: every road through here gives the same doubles.
+// Sums run left to right and divisions are divisions, so that every caller gets the same doubles. All functions are
+// static: each source that includes this has its own copies, compiled for the registers that this source is compiled
+// for. Shared ones would be merged by the linker, perhaps into one that not every processor runs.
+//
+// A `Count` is a std::size_t, or a constant of it (std::integral_constant) that lets the compiler unroll a loop.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 namespace vantorelix::kernel {
 
-// Segments shorter than this are holds, and scales smaller than this no scales.
+// Neighbours on each side that the spacing colours average over.
+using SpacingWindow = std::integral_constant<std::int64_t, 3>;
+
+// Segments shorter than this are holds, and a scale of no more than this scales nothing.
 inline constexpr double kHold = 1e-9;
 
-// out[i] = mean of values[i] ... values[i + 2 * window]: `count` means of full windows. `Window` is an integer, or a
-// constant that lets the compiler unroll it.
-template <class Window>
-void full_means(const double* values, std::size_t count, Window window, double* out) {
+// out[i] = mean of values[i] ... values[i + 2 * window]: `count` means of full windows.
+template <class Window, class Count>
+static void full_means(const double* values, Count count, Window window, double* out) {
   const std::size_t width = 2 * static_cast<std::size_t>(window) + 1;
   const double divisor = static_cast<double>(width);
   for (std::size_t i = 0; i < count; ++i) {
@@ -25,21 +32,18 @@ void full_means(const double* values, std::size_t count, Window window, double* 
   }
 }
 
-// Mean of values[lo] ... values[hi - 1].
-inline double mean(const double* values, std::size_t lo, std::size_t hi) {
-  double sum = 0.0;
-  for (std::size_t k = lo; k < hi; ++k) sum += values[k];
-  return sum / static_cast<double>(hi - lo);
-}
-
-// The smoothed values first ... last - 1 of an array of n, into out[0] ...: full windows inside, what there is of them
-// at the ends. `values` points at element `base` and reaches at least `window` elements around the ones wanted.
+// The smoothed values first ... last - 1 of an array of n, into out[0] ...: means of full windows inside, of what there
+// is of a window at the ends. `values` points at element `base` and reaches at least `window` elements around the ones
+// wanted.
 template <class Window>
-void smooth(const double* values, std::size_t base, std::size_t n, Window window, std::size_t first, std::size_t last,
-            double* out) {
+static void smooth(const double* values, std::size_t base, std::size_t n, Window window, std::size_t first,
+                   std::size_t last, double* out) {
   const std::size_t w = static_cast<std::size_t>(window);
   const auto short_mean = [&](std::size_t i) {
-    return mean(values, (i > w ? i - w : 0) - base, (n - i > w ? i + w + 1 : n) - base);
+    const std::size_t lo = i > w ? i - w : 0, hi = n - i > w ? i + w + 1 : n;
+    double sum = 0.0;
+    for (std::size_t k = lo; k < hi; ++k) sum += values[k - base];
+    return sum / static_cast<double>(hi - lo);
   };
   const std::size_t inner_end = std::clamp(n > w ? n - w : 0, first, last);
   const std::size_t inner = std::min(std::max(first, w), inner_end);
@@ -48,31 +52,44 @@ void smooth(const double* values, std::size_t base, std::size_t n, Window window
   for (std::size_t i = inner_end; i < last; ++i) out[i - first] = short_mean(i);
 }
 
-// Running mean of the lengths that are no holds.
+// The mean of the lengths that are not holds, so far.
 struct Baseline {
   double sum = 0.0;
   std::size_t count = 0;
 
-  void add(const double* lengths, std::size_t n) {
-    for (std::size_t i = 0; i < n; ++i) {
-      const bool active = lengths[i] > kHold;
-      sum += active ? lengths[i] : 0.0;  // adding 0 changes no bit of a sum that is not negative
-      count += active ? 1 : 0;
-    }
-  }
   double mean() const { return count == 0 ? 0.0 : sum / static_cast<double>(count); }
 };
 
-// As the scripting language's min and max, which keep the bound where the value is no number.
-inline double clamp_unit(double t) {
+// Lengths added to a baseline at a time: what is added is chosen by wide registers before the one sum that has to run
+// in order.
+inline constexpr std::size_t kBaselineStep = 32;
+
+// Up to kBaselineStep lengths.
+template <class Count>
+static void add(Baseline& baseline, const double* lengths, Count count) {
+  alignas(64) double added[kBaselineStep];
+  std::size_t active = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    added[i] = lengths[i] > kHold ? lengths[i] : 0.0;  // adding 0 changes no bit of a sum that is not negative
+    active += lengths[i] > kHold ? 1 : 0;
+  }
+  double sum = baseline.sum;
+  for (std::size_t i = 0; i < count; ++i) sum += added[i];
+  baseline.sum = sum;
+  baseline.count += active;
+}
+
+// As the scripting language's min and max, which keep the bound where the value is not a number.
+static inline double clamp_unit(double t) {
   const double low = t < 1.0 ? t : 1.0;
   return low > 0.0 ? low : 0.0;
 }
 
 // Lengths to ramp parameters; all 0 where there is no scale.
-inline void parameters(const double* lengths, std::size_t count, double scale, double* out) {
+template <class Count>
+static void parameters(const double* lengths, Count count, double scale, double* out) {
   if (scale <= kHold) {
-    std::fill_n(out, count, 0.0);
+    for (std::size_t i = 0; i < count; ++i) out[i] = 0.0;
   } else {
     for (std::size_t i = 0; i < count; ++i) out[i] = clamp_unit(lengths[i] / scale);
   }

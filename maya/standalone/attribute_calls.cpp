@@ -1,6 +1,7 @@
 // Attributes and connections.
 #include "maya/standalone/calls.h"
 #include "standalone/host/plugins.h"
+#include "standalone/host/viz_node.h"
 #include "standalone/scene/attributes/attribute_names.h"
 
 namespace vantorelix::standalone {

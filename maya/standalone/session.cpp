@@ -5,6 +5,7 @@
 
 #include "standalone/formats/reader.h"
 #include "standalone/host/plugins.h"
+#include "standalone/host/viz_node.h"
 
 namespace vantorelix::standalone {
 

@@ -1,4 +1,5 @@
 #include "standalone/host/object_model.h"
+#include "standalone/host/viz_node.h"
 
 #include <utility>
 

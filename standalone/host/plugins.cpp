@@ -1,52 +1,14 @@
 #include "standalone/host/plugins.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
-#include <utility>
 
 #include "host/error.h"
+#include "standalone/host/viz_node.h"
 
 namespace vantorelix::standalone {
 
 namespace fs = std::filesystem;
-using host::Value;
-
-namespace viz_node {
-
-namespace {
-
-constexpr std::array<std::string_view, 5> kVectorArrays = {"points", "colors", "keyPoints", "keyColors", "keyTimes"};
-
-const std::array<std::pair<std::string_view, Value>, 8>& plain_attributes() {
-  static const std::array<std::pair<std::string_view, Value>, 8> attributes = {{
-      {"startFrame", 0.0},
-      {"frameStep", 1.0},
-      {"lineWidth", 2.5},
-      {"pointSize", 6.0},
-      {"showLine", true},
-      {"showDots", true},
-      {"xrayMode", true},
-      {"colorMode", 0},
-  }};
-  return attributes;
-}
-
-}  // namespace
-
-bool is_vector_array(std::string_view attribute) {
-  return std::find(kVectorArrays.begin(), kVectorArrays.end(), attribute) != kVectorArrays.end();
-}
-
-const Value* default_of(std::string_view attribute) {
-  for (const auto& [name, value] : plain_attributes())
-    if (name == attribute) return &value;
-  return nullptr;
-}
-
-void define(Scene& scene) { scene.register_shape_type(kType, plain_attributes()); }
-
-}  // namespace viz_node
 
 namespace {
 

@@ -9,20 +9,6 @@
 
 namespace vantorelix::standalone {
 
-// Type "vantorelix": vector arrays points, colors, keyPoints, keyColors, keyTimes; doubles startFrame, frameStep,
-// lineWidth, pointSize; booleans showLine, showDots, xrayMode; integer colorMode.
-namespace viz_node {
-
-inline constexpr const char* kType = "vantorelix";
-
-bool is_vector_array(std::string_view attribute);
-// The type's own default for a plain attribute; null for anything else. Its kind is the attribute's type.
-const host::Value* default_of(std::string_view attribute);
-// Makes the type known to a scene, with its plain attributes.
-void define(Scene& scene);
-
-}  // namespace viz_node
-
 class Plugins {
  public:
   explicit Plugins(Scene& scene) : scene_(scene) {}

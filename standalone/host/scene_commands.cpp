@@ -5,6 +5,7 @@
 
 #include "host/error.h"
 #include "standalone/host/commands.h"
+#include "standalone/host/viz_node.h"
 
 namespace vantorelix::standalone {
 

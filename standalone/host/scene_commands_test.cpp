@@ -117,6 +117,7 @@ TEST_F(SceneCommands, make_the_viz_node_with_all_its_attributes) {
   for (const char* name : {"showLine", "showDots", "xrayMode"})
     EXPECT_TRUE(scene.attribute(shape, name).as_bool()) << name;
   EXPECT_TRUE(scene.attribute(shape, "colorMode").as_int());
+  EXPECT_EQ(scene.attribute(shape, "startFrame"), host::Value(1.0));
 }
 
 TEST_F(SceneCommands, rename_and_return_the_name_that_the_node_got) {

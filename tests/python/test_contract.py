@@ -311,6 +311,35 @@ class Commands(ContractTest):
         self.assertIs(self.engine._open_menu(), False)
         self.assertEqual(len(opened), 4)
 
+    def test_an_action_is_stripped_and_lowered_as_the_interpreter_does_it(self):
+        class Action(str):
+            pass
+
+        class Word(object):
+            def strip(self):
+                return self
+
+            def lower(self):
+                return "clear"
+
+        for action in ("\u00a0Clear\u3000", Action(" CLEAR"), Word()):
+            self.engine.pellark_entry(action)
+            self.expect(["cmds.objExists('vantorelixs_grp')"], message("All trails cleared."))
+        self.engine.pellark_entry(b"clear")  # bytes are never equal to a text: the menu, which is not there
+        self.expect()
+        with self.assertRaisesRegex(AttributeError, "'(int|float)' object has no attribute 'strip'"):
+            self.engine.pellark_entry(7)
+
+    def test_numbers_in_texts_are_read_as_the_interpreter_reads_them(self):
+        for given, stored in (("\u0665", 5), ("1_000", 1000), (b" 7 ", 7), ("\uff11\uff12", 12)):
+            self.engine._set_pref_samples(given)
+            self.assertEqual(self.engine._get_pref_samples(), stored, given)
+        for given, stored in (("1_0.5", 10.5), ("\u0661.5", 1.5), (b"2.5", 2.5)):
+            self.engine._set_pref_line_width(given)
+            self.assertEqual(self.engine._get_pref_line_width(), stored, given)
+        with self.assertRaisesRegex(ValueError, "invalid literal for int"):
+            self.engine._set_pref_samples("1__0")
+
     def test_gestures(self):
         self.engine.pellark_entry("shift_lmb")
         self.expect(["cmds.objExists('vantorelixs_grp')"], message("All trails cleared."))

@@ -44,11 +44,14 @@ class Node(PluginTest):
         self.assertEqual(len({each.shortName for each in made}), 13)
         self.assertEqual([each.hard for each in made], [[None, None]] * 13)
 
-    def test_the_host_has_the_same_attributes(self):
-        self.make_node()
-        node = self.maya.api.OpenMaya.MSelectionList().add("trailShape").getDependNode(0)
-        for name in self.attributes():
+    def test_the_host_has_the_same_attributes_with_the_same_defaults(self):
+        self.maya.cmds.createNode("vantorelix", name="untouchedShape")
+        node = self.maya.api.OpenMaya.MSelectionList().add("untouchedShape").getDependNode(0)
+        for name, made in self.attributes().items():
             self.assertTrue(self.maya.api.OpenMaya.MFnDependencyNode(node).hasAttribute(name), name)
+            if made.kind[0] == "numeric":
+                value = self.maya.cmds.getAttr("untouchedShape." + name)
+                self.assertEqual((value, type(value)), (made.default, type(made.default)), name)
 
 
 class Parts(PluginTest):

@@ -1,6 +1,8 @@
 #include "maya/extension/values/values.h"
 
 #include <memory>
+#include <string>
+#include <variant>
 
 #include "host/error.h"
 #include "maya/extension/values/holder.h"
@@ -14,9 +16,15 @@ using host::Value;
 // An object that the engine keeps and gives back.
 class PythonObject : public host::Object {
  public:
-  explicit PythonObject(PyObject* object) : object_(Ref::share(object)) {}
+  explicit PythonObject(PyObject* object) : object_(Ref::share(object)) {
+    if (PyUnicode_CheckExact(object)) content_ = text_of(object);
+    if (PyBytes_CheckExact(object))
+      content_ = host::Bytes{{PyBytes_AS_STRING(object), static_cast<std::size_t>(PyBytes_GET_SIZE(object))}};
+  }
 
   const Ref& object() const { return object_; }
+  const std::string* as_text() const override { return std::get_if<std::string>(&content_); }
+  const host::Bytes* as_bytes() const override { return std::get_if<host::Bytes>(&content_); }
 
   std::string type_name() const override { return Py_TYPE(object_.get())->tp_name; }
   Value item(std::int64_t i) const override {
@@ -36,6 +44,11 @@ class PythonObject : public host::Object {
   }
   double to_float() const override { return number_of(checked(PyNumber_Float(object_.get())).get()); }
   std::string text() const override { return text_of(checked(PyObject_Str(object_.get())).get()); }
+  std::string repr() const override { return text_of(checked(PyObject_Repr(object_.get())).get()); }
+  std::string keyword() const override {
+    const Ref word = method<"lower">(method<"strip">(object_.get()).get());
+    return PyUnicode_Check(word.get()) ? text_of(word.get()) : std::string();
+  }
   bool callable() const override { return PyCallable_Check(object_.get()) != 0; }
   void call(const Value& argument) override {
     const Ref converted = object_of(argument);
@@ -44,6 +57,7 @@ class PythonObject : public host::Object {
 
  private:
   Ref object_;
+  std::variant<std::monostate, std::string, host::Bytes> content_;  // of a str or bytes
 };
 
 Value wrapped(PyObject* object) { return Value(std::shared_ptr<host::Object>(std::make_shared<PythonObject>(object))); }
@@ -124,14 +138,11 @@ Value value_of(PyObject* object) {
   if (object == Py_None) return {};
   if (PyBool_Check(object)) return object == Py_True;
   if (PyFloat_CheckExact(object)) return PyFloat_AS_DOUBLE(object);
-  if (PyUnicode_CheckExact(object)) return text_of(object);
   if (PyLong_CheckExact(object)) {
     int overflow = 0;
     const long long integer = PyLong_AsLongLongAndOverflow(object, &overflow);
     return overflow ? wrapped(object) : Value(std::int64_t{integer});
   }
-  if (PyBytes_CheckExact(object))
-    return host::Bytes{{PyBytes_AS_STRING(object), static_cast<std::size_t>(PyBytes_GET_SIZE(object))}};
   return wrapped(object);
 }
 
@@ -183,11 +194,10 @@ Ref object_of(const Value& value) {
   if (const bool* const b = value.as_bool()) return object_of(*b);
   if (const std::int64_t* const i = value.as_int()) return object_of(*i);
   if (const double* const d = value.as_float()) return object_of(*d);
-  if (const std::string* const text = value.as_text()) return object_of(*text);
-  if (const host::Bytes* const bytes = value.as_bytes())
-    return checked(PyBytes_FromStringAndSize(bytes->data.data(), static_cast<Py_ssize_t>(bytes->data.size())));
   if (const host::List* const list = value.as_list()) return new_holder(*list);
-  if (const auto* const python = dynamic_cast<const PythonObject*>(value.as_object()->get())) return python->object();
+  if (const auto* const object = value.as_object())
+    if (const auto* const python = dynamic_cast<const PythonObject*>(object->get())) return python->object();
+  if (const std::string* const text = value.as_text()) return object_of(*text);
   throw host::Error("a value of another host", host::ErrorKind::type);
 }
 

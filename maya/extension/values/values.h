@@ -25,8 +25,8 @@ std::vector<double> numbers_of(PyObject* sequence);
 // Three numbers, or an object whose first three items are such.
 Vector vector_of(PyObject* object);
 std::vector<Vector> vectors_of(PyObject* sequence);
-// Anything. What is not exactly None, bool, int, float, str or bytes stays the object that it is, and comes back as
-// such; so does an int beyond 64 bits.
+// Anything. What is not exactly None, bool, float or an int of 64 bits stays the object that it is: it is converted by
+// the interpreter, and comes back as it came.
 host::Value value_of(PyObject* object);
 
 // --- to Python: new references -----------------------------------------------------------------------------------
