@@ -37,7 +37,7 @@ def fetched():
                                        {"TMPDIR": folder}, stdout=subprocess.PIPE, universal_newlines=True)
         path = run.stdout.strip()
         return path if run.returncode == 0 and _runs(path) else None
-    except (packages.Failure, node.Missing, OSError) as error:
+    except (packages.Failure, OSError) as error:
         print("browser: none can be fetched: %s" % error, file=sys.stderr)
         return None
 

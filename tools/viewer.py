@@ -90,7 +90,7 @@ def main(arguments):
     options.folder = os.path.abspath(options.folder)
     try:
         return options.run(options)
-    except (packages.Failure, node.Missing) as failure:
+    except packages.Failure as failure:
         print("viewer: %s" % failure, file=sys.stderr)
         return 1
 
