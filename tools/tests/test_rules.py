@@ -145,8 +145,9 @@ class Headers(Checkout):
         self.assertEqual(self.problems(headers), [])
 
     def test_a_header_without_a_guard_is_named(self):
-        self.write("host/a.h", "struct A {};\n")
-        self.assert_one(self.problems(headers), "host/a.h:1:", "#pragma once")
+        for text in ("struct A {};\n", "#include <string>\n#pragma once\n"):
+            self.write("host/a.h", text)
+            self.assert_one(self.problems(headers), "host/a.h:1:", "#pragma once")
 
 
 class ReservedNames(Checkout):
