@@ -35,7 +35,7 @@ def _page():
 PARTS = {
     "sources": sources.fetch,
     "page": _page,
-    "browser": browser.main,
+    "browser": browser.tell,
     "compiler": package.compiler,
     "stubs": lambda: maya_stubs.fetch(page.ROOT),
 }
