@@ -6,24 +6,7 @@ add_library(vantorelix_allocator INTERFACE)
 if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux" OR VANTORELIX_SANITIZE)
   return()
 endif()
-set(mimalloc_crate 0.1.44) # of the package; the library in it is 2.2.4
-set(mimalloc_inside libmimalloc-sys/c_src/mimalloc/v2)
-
-function(vantorelix_fetch_mimalloc work remedy result)
-  vantorelix_fetch_crates(${work} mimalloc ${remedy} libmimalloc-sys=${mimalloc_crate} cc=1.0.83 libc=0.2.150)
-  set(${result} ${work}/vendor/${mimalloc_inside} PARENT_SCOPE)
-endfunction()
-
-file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/mimalloc.sha256 lines)
-set(files "")
-foreach(line IN LISTS lines)
-  if(line MATCHES "^([0-9a-f]+)  (.+)$")
-    list(APPEND files ${CMAKE_MATCH_2} ${CMAKE_MATCH_1})
-  endif()
-endforeach()
-vantorelix_third_party(mimalloc mimalloc-2.2.4 "${mimalloc_inside} of the Rust package libmimalloc-sys ${mimalloc_crate}"
-                       ${files})
-set(mimalloc_folder ${VANTORELIX_THIRD_PARTY}/mimalloc-2.2.4)
+vantorelix_third_party(mimalloc mimalloc_folder)
 
 # What was freed stays with the program: a rebuild frees as much as it takes, and memory that is given back meanwhile comes
 # again in the midst of a slice, a page fault each time (docs/speed.md). The library has a variable of the environment for

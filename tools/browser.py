@@ -37,7 +37,7 @@ def fetched():
                                        {"TMPDIR": folder}, stdout=subprocess.PIPE, universal_newlines=True)
         path = run.stdout.strip()
         return path if run.returncode == 0 and _runs(path) else None
-    except (packages.Failure, node.Missing, OSError) as error:
+    except (packages.Failure, OSError) as error:
         print("browser: none can be fetched: %s" % error, file=sys.stderr)
         return None
 
@@ -52,14 +52,20 @@ def find():
     return None if named else fetched()
 
 
-def main():
+def tell():
+    """find(), which says on standard error what it means where there is none."""
     path = find()
+    if not path:
+        print("browser: THIS MACHINE HAS NO CHROMIUM THAT RUNS: the page is not tested in a browser. Install one, or name one in "
+              "VANTORELIX_CHROMIUM", file=sys.stderr)
+    return path
+
+
+def main():
+    path = tell()
     if path:
         print(path)
-        return 0
-    print("browser: THIS MACHINE HAS NO CHROMIUM THAT RUNS: the page is not tested in a browser. Install one, or name one in "
-          "VANTORELIX_CHROMIUM", file=sys.stderr)
-    return 1
+    return 0 if path else 1
 
 
 if __name__ == "__main__":

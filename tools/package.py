@@ -18,6 +18,7 @@ import zipfile
 import manual
 import pypi
 import pythons
+from clients import Failure
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 BUILD = os.path.join(ROOT, "build", "package")
@@ -60,7 +61,7 @@ def compiler():
         pypi.pip(TOOLS, "install", os.path.join(ROOT, "tools", "package.txt"))
         return subprocess.run([pypi.interpreter(TOOLS), "-c", question], check=True, stdout=subprocess.PIPE,
                               universal_newlines=True).stdout.strip()
-    except (OSError, subprocess.CalledProcessError) as error:
+    except (Failure, OSError, subprocess.CalledProcessError) as error:
         print("package: THE COMPILER CANNOT BE FETCHED, SO THERE IS NO PACKAGE: %s" % error, file=sys.stderr)
         return None
 

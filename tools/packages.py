@@ -6,7 +6,9 @@ import os
 import shutil
 import subprocess
 
+import clients
 import node
+from clients import Failure  # noqa: F401 (the users of this file raise and catch it)
 
 try:
     import fcntl
@@ -15,10 +17,6 @@ except ImportError:  # Windows
 
 # What npm installs from.
 FILES = ("package.json", "package-lock.json", ".npmrc")
-
-
-class Failure(Exception):
-    """Told to the user without a trace."""
 
 
 def digest(folder, names=None):
@@ -58,15 +56,15 @@ def locked(folder):
         yield
 
 
-def npm(what, *arguments, folder):
-    """Runs npm; where that fails, Failure says `what` and what npm said."""
-    run = node.find().npm(*arguments, folder=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-    if run.returncode != 0:
-        raise Failure("%s. npm said:\n%s" % (what, run.stdout.decode(errors="replace")))
+def npm(*arguments, folder, environment=None):
+    """Runs npm, all that it prints in stdout."""
+    return node.find().npm(*arguments, folder=folder, environment=environment, stdout=subprocess.PIPE,
+                           stderr=subprocess.STDOUT, encoding="utf-8", errors="replace")
 
 
-def install(source, folder, otherwise=""):
-    """What the lock file in the folder `source` names, in folder/node_modules. The packages' own scripts are not run."""
+def install(source, folder):
+    """What the lock file in the folder `source` names, in folder/node_modules; asks nothing of the network where it is there.
+    The packages' own scripts are not run. Raises Failure."""
     wanted = digest(source, FILES).encode()
     stamp = os.path.join(folder, "installed")
     if read(stamp) == wanted:
@@ -75,6 +73,7 @@ def install(source, folder, otherwise=""):
         os.remove(stamp)
     for name in FILES:
         shutil.copy(os.path.join(source, name), folder)
-    npm("npm could not install what %s names: see to the network%s" % (os.path.join(source, "package.json"), otherwise),
-        "ci", "--ignore-scripts", "--no-audit", "--no-fund", "--no-update-notifier", folder=folder)
+    clients.fetch("npm", "what %s names" % os.path.relpath(os.path.join(source, "package-lock.json")), lambda added: npm(
+        "ci", "--ignore-scripts", "--no-audit", "--no-fund", "--no-update-notifier", "--fetch-retry-mintimeout=1000",
+        "--fetch-retry-maxtimeout=5000", folder=folder, environment=added))
     write(stamp, wanted)

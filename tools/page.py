@@ -10,7 +10,6 @@ import os
 import shutil
 import sys
 
-import node
 import packages
 from packages import Failure, locked, read, write
 
@@ -19,7 +18,7 @@ VIEWER = os.path.join(ROOT, "viewer")
 # What whoever works on the page may have made there.
 GENERATED = {"node_modules", "dist"}
 PLACE = b"<!--trails-->"
-ELSEWHERE = ", or configure with -DVANTORELIX_PAGE=FILE where FILE is the page built elsewhere"
+ELSEWHERE = "or configure with -DVANTORELIX_PAGE=FILE where FILE is the page built elsewhere"
 # Compilers take literals of 64 KB at least, MSVC's pieces of 16 KB, in which each byte may take four characters.
 PIECE = 4000
 
@@ -29,16 +28,25 @@ def copy_viewer(target):
     shutil.copytree(VIEWER, target, ignore=lambda folder, names: GENERATED & set(names))
 
 
+def install(folder):
+    """What the page is built and tested with. The caller holds the lock."""
+    try:
+        packages.install(VIEWER, folder)
+    except Failure as failure:
+        raise Failure("%s\n%s" % (failure, ELSEWHERE)) from failure
+
+
 def build(folder):
     """The path of the page, built if need be. The caller holds the lock."""
     page, stamp, source = (os.path.join(folder, name) for name in ("index.html", "built", "source"))
     copy_viewer(source)
     wanted = packages.digest(source).encode()
     if read(stamp) != wanted or not os.path.exists(page):
-        packages.install(VIEWER, folder, ELSEWHERE)
+        install(folder)
         output = os.path.join(folder, "output")
-        packages.npm("the page could not be built: correct viewer/" + ELSEWHERE, "run", "build", "--", "--outDir", output,
-                     folder=source)
+        run = packages.npm("run", "build", "--", "--outDir", output, folder=source)
+        if run.returncode != 0:
+            raise Failure("the page could not be built: correct viewer/, %s. npm said:\n%s" % (ELSEWHERE, run.stdout))
         os.replace(os.path.join(output, "index.html"), page)
         write(stamp, wanted)
     return page
@@ -76,7 +84,7 @@ def main(arguments):
         with locked(folder):
             page = read(options.page or build(folder))
         write(options.source, cpp_source(page))
-    except (Failure, node.Missing) as failure:
+    except Failure as failure:
         print("page: %s" % failure, file=sys.stderr)
         return 1
     return 0

@@ -4,16 +4,26 @@ import os
 import subprocess
 import venv
 
+import clients
+from clients import Failure
+
 
 def interpreter(folder):
     """The interpreter of the environment in `folder`, which is made when it is not there."""
     python = os.path.join(folder, "bin", "python")
     if not os.path.exists(python):
-        venv.create(folder, with_pip=True)
+        try:
+            venv.create(folder, with_pip=True)
+        except (OSError, subprocess.CalledProcessError) as error:
+            raise Failure("Python can make no environment in %s (%s). Install its venv (Debian: apt-get install python3-venv)"
+                          % (folder, error)) from error
     return python
 
 
 def pip(folder, verb, requirements, *options):
-    """`pip VERB` with what the file `requirements` names, each package with its hash."""
-    subprocess.run([interpreter(folder), "-m", "pip", verb, "--quiet", "--disable-pip-version-check", "--require-hashes",
-                    "-r", requirements] + list(options), check=True)
+    """`pip VERB` with what the file `requirements` names, each package with its hash. What is installed
+    is not asked for again. Raises Failure."""
+    command = [interpreter(folder), "-m", "pip", verb, "--quiet", "--disable-pip-version-check", "--retries", "1",
+               "--require-hashes", "-r", requirements] + list(options)
+    clients.fetch("pip", "what %s names" % os.path.relpath(requirements), lambda added: subprocess.run(
+        command, env=dict(os.environ, **added), stdout=subprocess.PIPE, stderr=subprocess.STDOUT, universal_newlines=True))

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""The CPythons of this machine that the module can be built for: tools/pythons.py [--ends] [--only X.Y ...] [--require X.Y ...]
+"""The CPythons of this machine that the module can be built for: tools/pythons.py [--first PYTHON] [--ends] [--only X.Y ...] [--require X.Y ...]
 
-Prints one interpreter for each version from 3.7 on, oldest first, as a list for CMake; with --ends only the oldest and the
-newest, with --only those of the versions named that there are. Looked at are pyenv's versions and what PATH names python3 or python3.Y. An interpreter without Python.h is named on
+Prints one interpreter for each version from 3.7 on, oldest first, as a list for CMake; with --first PYTHON that one before
+all others, for its version; with --ends only the oldest and the newest, with --only those of the versions named that there
+are. Looked at are pyenv's versions and what PATH names python3 or python3.Y. An interpreter without Python.h is named on
 standard error and left out. Versions asked for with --require that are missing are named there too; exit code 1 then.
 """
 
@@ -50,6 +51,7 @@ def interpreters():
 
 def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("--first", metavar="PYTHON")
     parser.add_argument("--ends", action="store_true")
     parser.add_argument("--only", nargs="*", metavar="X.Y")
     parser.add_argument("--require", nargs="*", default=[], metavar="X.Y")
@@ -63,7 +65,8 @@ def main(arguments):
     versions = sorted(v for v in usable if options.only is None or "%d.%d" % v in options.only)
     if options.ends and len(versions) > 2:
         versions = [versions[0], versions[-1]]
-    print(";".join(usable[v] for v in versions))
+    first = ask(options.first)[0] if options.first else None
+    print(";".join(([options.first] if first else []) + [usable[v] for v in versions if v != first]))
     return 1 if missing else 0
 
 

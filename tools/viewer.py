@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Runs the tests of the page, or takes its pictures.
 
-    tools/viewer.py test --program FILE --engine-colors FILE --report FILE [--no-browser]
+    tools/viewer.py test --program FILE --engine-colors FILE --report FILE [--first] [--no-browser]
     tools/viewer.py pictures PAGES OUT [NAME...]
 
 The tests are told by environment variables what to test: VANTORELIX_PROGRAM, VANTORELIX_ENGINE_COLORS, VANTORELIX_PAGE (the
-page without trails) and VANTORELIX_CHROMIUM; docs and examples lie beside viewer/ as in the checkout. Without a browser they
+page without trails), VANTORELIX_CHROMIUM, and VANTORELIX_PAGE_TESTS ("first" by --first: of the tests in a browser one of
+each group); docs and examples lie beside viewer/ as in the checkout. Without a browser they
 fail, unless --no-browser leaves out those that need one. The pictures are those that viewer/pictures names, of the pages with
 trails in the folder PAGES; without a browser there are none.
 """
@@ -58,7 +59,9 @@ def test(options):
         return node.find().npm("test", "--", "--reporter=default", "--reporter=junit",
                                "--outputFile.junit=" + os.path.abspath(options.report),
                                *("--exclude=" + path for path in left_out),
-                               folder=copy, environment=dict(variables, VANTORELIX_CHROMIUM=chromium)).returncode
+                               folder=copy, environment=dict(
+                                   variables, VANTORELIX_CHROMIUM=chromium,
+                                   VANTORELIX_PAGE_TESTS="first" if options.first else "")).returncode
 
 
 def pictures(options):
@@ -79,6 +82,7 @@ def main(arguments):
     tests = verbs.add_parser("test")
     for name in ("program", "engine-colors", "report"):
         tests.add_argument("--" + name, required=True)
+    tests.add_argument("--first", action="store_true", help="of the tests in a browser one of each group")
     tests.add_argument("--no-browser", action="store_true", help="leave out what needs one")
     tests.set_defaults(run=test)
     shots = verbs.add_parser("pictures")
@@ -90,7 +94,7 @@ def main(arguments):
     options.folder = os.path.abspath(options.folder)
     try:
         return options.run(options)
-    except (packages.Failure, node.Missing) as failure:
+    except packages.Failure as failure:
         print("viewer: %s" % failure, file=sys.stderr)
         return 1
 

@@ -7,7 +7,8 @@ not know must stand in TRUSTED, with the reason; what stands there without need 
 
 import ast
 import re
-import subprocess
+
+from clients import Failure
 
 from . import files, maya_stubs
 
@@ -212,7 +213,7 @@ def problems(root, options=None):
         return ["maya:1: no name of Maya was found; mend the patterns"]
     try:
         stubs = maya_stubs.fetch(root)
-    except (OSError, subprocess.CalledProcessError) as error:
-        return ["tools/maya_stubs.txt:1: the descriptions cannot be fetched (%s); see to the network" % error]
+    except Failure as failure:
+        return ["tools/maya_stubs.txt:1: %s" % failure]
     print("%d names and keywords of Maya" % len(found), flush=True)
     return check(found, stubs, TRUSTED)

@@ -131,9 +131,23 @@ class Headers(Checkout):
         self.write("host/a.h", "#pragma once\nstruct A { std::string s; };\n")
         self.assert_one(self.problems(headers), "host/a.h:1:", "include what it uses")
 
+    def test_a_header_that_leans_on_another_is_named_although_a_source_includes_it(self):
+        self.write("host/a.h", "#pragma once\nstruct A { std::string s; };\n")
+        for path, text in (("host/a.cpp", '#include <string>\n#include "host/a.h"\n'),
+                           ("host/b.cpp", 'using Int = int;\n#include "host/a.h"\n'),
+                           ("host/a_test.cpp", '#include "host/a.h"\n'), ("tests/fuzz/a_fuzz.cpp", '#include "host/a.h"\n')):
+            self.write(path, text)
+            self.assert_one(self.problems(headers), "host/a.h:1:", "include what it uses")
+
+    def test_a_header_that_a_source_begins_with_is_left_to_the_build(self):
+        self.write("host/a.h", "#pragma once\nstruct A { std::string s; };\n")
+        self.write("host/a.cpp", '// What it is.\n\n#include "host/a.h"\n')
+        self.assertEqual(self.problems(headers), [])
+
     def test_a_header_without_a_guard_is_named(self):
-        self.write("host/a.h", "struct A {};\n")
-        self.assert_one(self.problems(headers), "host/a.h:1:", "#pragma once")
+        for text in ("struct A {};\n", "#include <string>\n#pragma once\n"):
+            self.write("host/a.h", text)
+            self.assert_one(self.problems(headers), "host/a.h:1:", "#pragma once")
 
 
 class ReservedNames(Checkout):

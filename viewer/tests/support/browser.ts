@@ -3,10 +3,13 @@
 
 import { pathToFileURL } from "node:url";
 import { chromium, type Browser, type BrowserContextOptions, type Page } from "playwright-core";
-import { afterAll, afterEach, beforeAll, expect } from "vitest";
+import { afterAll, afterEach, beforeAll, beforeEach, expect } from "vitest";
 import { BROWSER_ARGUMENTS } from "./browser_arguments";
 import { writePage } from "./page";
 import type { SceneInput } from "./trails";
+
+/** Of the tests that a `describe` holds, only the first is run: one of each kind, in a third of the time. */
+const FIRST_ONLY = process.env.VANTORELIX_PAGE_TESTS === "first";
 
 export interface OpenOptions extends BrowserContextOptions {
   /** What stands after the "#". */
@@ -47,6 +50,9 @@ export function useBrowser(): Opener {
     browser = await chromium.launch({ executablePath, args: BROWSER_ARGUMENTS });
   });
   afterAll(() => browser?.close());
+  beforeEach(({ task, skip }) => {
+    if (FIRST_ONLY && task.suite?.type === "suite" && task !== task.suite.tasks[0]) skip("not the first of its group");
+  });
   afterEach(async () => {
     for (const context of browser.contexts()) await context.close();
     expect(problems.splice(0)).toEqual([]);

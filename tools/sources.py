@@ -1,0 +1,143 @@
+#!/usr/bin/env python3
+"""The sources of C libraries that are compiled into the program: tools/sources.py [--into FOLDER] [--present] [NAME...]
+
+Prints the folder of each library named (default: all) below FOLDER (build/third_party), which is fetched when its files are
+not those of cmake/NAME.sha256; --present fetches nothing and ends with exit code 1 instead.
+
+Where they come from: no distribution packages ufbx or cgltf everywhere, and Debian's mimalloc is a shared library alone,
+which a program would need beside it. Their authors publish ufbx as a Rust package only (PyPI's package ufbx has an older
+ufbx.c without its header), and mimalloc's source is in one; so cargo fetches these two, in one call, and compiles nothing.
+cgltf lies in the source package of MaterialX on PyPI. Without a client the files can be put in place by hand.
+"""
+
+import argparse
+import collections
+import hashlib
+import os
+import shutil
+import subprocess
+import sys
+import tarfile
+import tempfile
+
+import clients
+import packages
+import pypi
+from clients import Failure
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+FOLDER = os.path.join(ROOT, "build", "third_party")
+# The folder of a library (of ufbx named by its package; the library in it is 0.23.1), and of its files in what the client
+# fetches.
+Source = collections.namedtuple("Source", "folder client inside")
+SOURCES = {
+    "ufbx": Source("ufbx-0.11.5", "cargo", "ufbx/ufbx"),
+    "mimalloc": Source("mimalloc-2.2.4", "cargo", "libmimalloc-sys/c_src/mimalloc/v2"),
+    "cgltf": Source("cgltf-1.13", "pip", "materialx-1.39.5/source/MaterialXRender/External/Cgltf"),
+}
+# Of the Rust packages; the last two are what libmimalloc-sys asks for.
+CRATES = {"ufbx": "0.11.5", "libmimalloc-sys": "0.1.44", "cc": "1.0.83", "libc": "0.2.150"}
+
+
+def hashes(name):
+    """{path: SHA-256} of the files of a library."""
+    with open(os.path.join(ROOT, "cmake", name + ".sha256"), encoding="utf-8") as file:
+        return {path: digest for digest, path in (line.split() for line in file)}
+
+
+def wrong(name, folder):
+    """What is wrong with the library's files in a folder; None when they are the ones wanted."""
+    for path, wanted in hashes(name).items():
+        data = packages.read(os.path.join(folder, path))
+        if not data:
+            return "%s is missing" % path
+        if hashlib.sha256(data).hexdigest() != wanted:
+            return "%s is not the file it should be (by its SHA-256)" % path
+    return None
+
+
+def _crates(work):
+    """Fetches CRATES; the folder they lie in."""
+    cargo = shutil.which("cargo") or shutil.which("cargo", path=os.path.expanduser("~/.cargo/bin"))
+    if not cargo:
+        raise Failure("the program cargo is not here. Install it (Debian: apt-get install cargo)")
+    manifest = ['[package]', 'name = "fetch"', 'version = "0.0.0"', 'edition = "2018"', '[lib]', 'path = "empty.rs"',
+                '[workspace]', '[dependencies]'] + ['%s = "=%s"' % crate for crate in CRATES.items()]
+    packages.write(os.path.join(work, "Cargo.toml"), "\n".join(manifest).encode())
+    packages.write(os.path.join(work, "empty.rs"), b"")
+    # Debian 12's cargo reads the small index, instead of cloning all of a large one, only when it is asked to.
+    settings = {"RUSTC_BOOTSTRAP": "1", "CARGO_UNSTABLE_SPARSE_REGISTRY": "true", "CARGO_NET_RETRY": "1"}
+    clients.fetch("cargo", "the Rust packages " + ", ".join(sorted(CRATES)), lambda added: subprocess.run(
+        [cargo, "vendor", "--quiet"], cwd=work, env=dict(os.environ, **settings, **added), stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT, universal_newlines=True))
+    return os.path.join(work, "vendor")
+
+
+def _source_package(work):
+    """Fetches the source package of tools/cgltf.txt; the folder it lies in."""
+    pypi.pip(os.path.join(work, "pip"), "download", os.path.join(ROOT, "tools", "cgltf.txt"), "--no-deps", "--no-binary",
+             "materialx", "--dest", work)
+    inside = SOURCES["cgltf"].inside
+    with tarfile.open(os.path.join(work, inside.split("/")[0] + ".tar.gz")) as archive:
+        for path in hashes("cgltf"):
+            target = os.path.join(work, inside, path)
+            os.makedirs(os.path.dirname(target), exist_ok=True)
+            packages.write(target, archive.extractfile(inside + "/" + path).read())
+    return work
+
+
+CLIENTS = {"cargo": _crates, "pip": _source_package}
+
+
+def _take(name, fetched, into):
+    """Moves a library's files to their place, once they are known to be the ones."""
+    source, target = os.path.join(fetched, SOURCES[name].inside), os.path.join(into, SOURCES[name].folder)
+    problem = wrong(name, source)
+    if problem:
+        raise Failure("of what was fetched for %s, %s" % (name, problem))
+    for path in hashes(name):
+        os.makedirs(os.path.dirname(os.path.join(target, path)), exist_ok=True)
+        packages.write(os.path.join(target, path), packages.read(os.path.join(source, path)))
+
+
+def missing(names=tuple(SOURCES), into=FOLDER):
+    return [name for name in names if wrong(name, os.path.join(into, SOURCES[name].folder))]
+
+
+def fetch(names=tuple(SOURCES), into=FOLDER):
+    """Sees to it that the libraries are there; raises Failure."""
+    with packages.locked(into):
+        lacking = missing(names, into)
+        for client in sorted({SOURCES[name].client for name in lacking}):
+            taken = [name for name in lacking if SOURCES[name].client == client]
+            try:
+                with tempfile.TemporaryDirectory(prefix="fetch-", dir=into) as work:
+                    fetched = CLIENTS[client](work)
+                    for name in taken:
+                        _take(name, fetched, into)
+            except Failure as failure:
+                places = ", ".join(os.path.join(into, SOURCES[name].folder) for name in taken)
+                raise Failure("the source of %s is missing: %s\nOr put the files that cmake/NAME.sha256 lists into %s by hand."
+                              % (" and ".join(taken), failure, places)) from failure
+
+
+def main(arguments):
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("names", nargs="*", metavar="NAME", help="any of " + ", ".join(SOURCES))
+    parser.add_argument("--into", default=FOLDER)
+    parser.add_argument("--present", action="store_true", help="only tell whether they are there")
+    options = parser.parse_args(arguments)
+    names = options.names or list(SOURCES)
+    if options.present:
+        return 1 if missing(names, options.into) else 0
+    try:
+        fetch(names, os.path.abspath(options.into))
+    except Failure as failure:
+        print("sources: %s" % failure, file=sys.stderr)
+        return 1
+    print("\n".join(os.path.join(os.path.abspath(options.into), SOURCES[name].folder) for name in names))
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
