@@ -44,7 +44,7 @@ const Value* default_of(std::string_view attribute) {
   return nullptr;
 }
 
-void define(Scene& scene) { scene.register_shape_type(kType, plain_attributes()); }
+void define(Scene& scene) { scene.nodes.register_shape_type(kType, plain_attributes()); }
 
 }  // namespace viz_node
 
