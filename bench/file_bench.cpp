@@ -19,9 +19,10 @@ namespace fs = std::filesystem;
 // Every object with keys of its own, over the scene's range.
 void file_trails(State& state, const fs::path& file) {
   Stage stage{standalone::read_scene(file), {}};
-  for (const auto node : stage.scene.nodes())
-    if (stage.scene.is_transform(node) && stage.scene.is_animated(node)) stage.objects.push_back(node);
-  const auto samples = static_cast<std::size_t>(stage.scene.playback_max() - stage.scene.playback_min()) + 1;
+  for (const auto node : stage.scene.nodes.all())
+    if (stage.scene.nodes.is_transform(node) && stage.scene.evaluation.is_animated(node)) stage.objects.push_back(node);
+  const auto samples =
+      static_cast<std::size_t>(stage.scene.settings.playback_max() - stage.scene.settings.playback_min()) + 1;
   const double units = static_cast<double>(samples * stage.objects.size());
   state.counters["frames"] = static_cast<double>(samples);
   trails(state, std::move(stage), samples, units);

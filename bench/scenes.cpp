@@ -24,11 +24,11 @@ double key_value(int object, int channel, int key) {
 }
 
 NodeId add_keyed(Scene& scene, int object, NodeId parent, int frames) {
-  const NodeId node = scene.create_node("transform", "object" + std::to_string(object), parent);
+  const NodeId node = scene.nodes.create("transform", "object" + std::to_string(object), parent);
   for (int channel = 0; channel < 6; ++channel)
     for (int key = 0; key < kKeys; ++key)
-      scene.set_key(node, kKeyed[static_cast<std::size_t>(channel)], 1.0 + (frames - 1.0) * key / (kKeys - 1),
-                    key_value(object, channel, key));
+      scene.curves.set_key(node, kKeyed[static_cast<std::size_t>(channel)], 1.0 + (frames - 1.0) * key / (kKeys - 1),
+                           key_value(object, channel, key));
   return node;
 }
 
@@ -53,14 +53,14 @@ void append_limb(std::string& text, int limb, int joints) {
 
 Stage separate_objects(int objects, int frames) {
   Stage stage;
-  stage.scene.set_playback_range(1, frames);
+  stage.scene.settings.set_playback_range(1, frames);
   for (int i = 0; i < objects; ++i) stage.objects.push_back(add_keyed(stage.scene, i, kWorld, frames));
   return stage;
 }
 
 Stage chain(int links, int frames) {
   Stage stage;
-  stage.scene.set_playback_range(1, frames);
+  stage.scene.settings.set_playback_range(1, frames);
   NodeId last = kWorld;
   for (int i = 0; i < links; ++i) last = add_keyed(stage.scene, i, last, frames);
   stage.objects = {last};
@@ -69,7 +69,7 @@ Stage chain(int links, int frames) {
 
 Stage binary_tree(int objects, int frames) {
   Stage stage;
-  stage.scene.set_playback_range(1, frames);
+  stage.scene.settings.set_playback_range(1, frames);
   for (int i = 0; i < objects; ++i) {
     const NodeId parent = i == 0 ? kWorld : stage.objects[static_cast<std::size_t>((i - 1) / 2)];
     stage.objects.push_back(add_keyed(stage.scene, i, parent, frames));

@@ -75,10 +75,10 @@ double Session::make_trails() {
 void Session::edit() {
   standalone::Scene& scene = host_.scene();
   for (const NodeId object : objects_) {
-    const auto curves = scene.driving_curves(object);
+    const auto curves = scene.curves.driving_curves(object);
     if (curves.empty()) continue;
-    const standalone::Key& key = scene.curve(curves.front()).keys().front();
-    scene.set_key(curves.front(), key.time, key.value + 0.01);
+    const standalone::Key& key = scene.curves.at(curves.front()).keys().front();
+    scene.curves.set_key(curves.front(), key.time, key.value + 0.01);
     return end_quiet_time();
   }
   throw std::runtime_error("no object has a curve to edit");
@@ -104,12 +104,12 @@ void Session::clear() {
 
 void Session::check(std::size_t samples) {
   const auto& scene = host_.scene();
-  const auto shapes = scene.nodes_of_type(NODE_TYPE);
+  const auto shapes = scene.nodes.of_type(NODE_TYPE);
   if (shapes.size() != objects_.size()) throw std::runtime_error("not every object has a trail");
   for (std::size_t i = 0; i < shapes.size(); ++i) {
-    const auto points = scene.vectors(shapes[i], "points");
+    const auto points = scene.attributes.vectors(shapes[i], "points");
     if (!points || points->size() != samples) throw std::runtime_error("a trail is not complete");
-    const auto there = scene.world_matrix(objects_[i], scene.playback_max()).translation();
+    const auto there = scene.evaluation.world_matrix(objects_[i], scene.settings.playback_max()).translation();
     const auto& last = points->back();
     if (std::abs(last.x - there.x) + std::abs(last.y - there.y) + std::abs(last.z - there.z) > 1e-9)
       throw std::runtime_error("a trail does not end where its object is");

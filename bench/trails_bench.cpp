@@ -31,8 +31,8 @@ BENCHMARK(tree)->UseManualTime();
 
 Stage clip() {
   Stage stage{standalone::read_bvh(bvh_text(60, 1000), "clip.bvh"), {}};
-  stage.objects = stage.scene.nodes_of_type("joint");
-  std::erase_if(stage.objects, [&](auto node) { return !stage.scene.has_keys(node); });
+  stage.objects = stage.scene.nodes.of_type("joint");
+  std::erase_if(stage.objects, [&](auto node) { return !stage.scene.curves.has_keys(node); });
   return stage;
 }
 

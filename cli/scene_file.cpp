@@ -37,7 +37,7 @@ standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, boo
   };
   standalone::Scene scene = standalone::read_scene(file, options);
   terminal.end_progress();
-  for (const auto& warning : scene.warnings()) terminal.warn(file.string() + ": " + warning_text(warning));
+  for (const auto& warning : scene.warnings.all()) terminal.warn(file.string() + ": " + warning_text(warning));
   return scene;
 }
 

@@ -13,11 +13,11 @@ namespace {
 
 std::vector<NodeId> matching(const Scene& scene, const std::string& pattern, const std::string& file) {
   std::vector<NodeId> found;
-  for (const NodeId node : scene.match(pattern)) {
-    if (scene.is_transform(node))
+  for (const NodeId node : scene.names.match(pattern)) {
+    if (scene.nodes.is_transform(node))
       found.push_back(node);
-    else if (scene.is_shape(node) && scene.parent(node) != standalone::kWorld)
-      found.push_back(scene.parent(node));
+    else if (scene.nodes.is_shape(node) && scene.nodes.parent(node) != standalone::kWorld)
+      found.push_back(scene.nodes.parent(node));
   }
   if (found.empty())
     throw Failure(file + ": no object matches '" + pattern + "'; see 'vantorelix info " + file +
@@ -27,15 +27,15 @@ std::vector<NodeId> matching(const Scene& scene, const std::string& pattern, con
 
 std::vector<NodeId> transforms(const Scene& scene, bool all) {
   std::vector<NodeId> found;
-  for (const NodeId node : scene.nodes())
-    if (scene.is_transform(node) && (all || scene.is_animated(node))) found.push_back(node);
+  for (const NodeId node : scene.nodes.all())
+    if (scene.nodes.is_transform(node) && (all || scene.evaluation.is_animated(node))) found.push_back(node);
   return found;
 }
 
 // What to say of a scene in which nothing moves: it may be still, or moved by what is not evaluated.
 std::string nothing_animated(const Scene& scene, const std::string& file) {
   for (const NodeId node : transforms(scene, true))
-    if (!scene.not_followed(node).empty())
+    if (!scene.evaluation.not_followed(node).empty())
       return file + ": nothing that can be followed is animated; 'vantorelix info " + file +
              "' says what drives its objects: bake that before saving, or take --all";
   return file + ": nothing is animated; name objects with --select, or take every one with --all";

@@ -21,7 +21,7 @@ struct Corners {
 };
 
 std::optional<Corners> found_by_reader(const Scene& scene, NodeId node) {
-  const Vectors bounds = scene.vectors(node, standalone::kBounds);
+  const Vectors bounds = scene.attributes.vectors(node, standalone::kBounds);
   if (!bounds || bounds->size() != 2) return std::nullopt;
   return Corners{bounds->front(), bounds->back()};
 }
@@ -29,8 +29,8 @@ std::optional<Corners> found_by_reader(const Scene& scene, NodeId node) {
 // Of the first surface that a transform has.
 std::optional<Corners> corners_of(const Scene& scene, NodeId transform) {
   if (const auto own = found_by_reader(scene, transform)) return own;
-  for (const NodeId shape : scene.shapes(transform))
-    if (is_surface(scene.type(shape)))
+  for (const NodeId shape : scene.nodes.shapes(transform))
+    if (is_surface(scene.nodes.type(shape)))
       return found_by_reader(scene, shape).value_or(Corners{standalone::kUnitCube[0], standalone::kUnitCube[1]});
   return std::nullopt;
 }
@@ -63,11 +63,11 @@ void keep_largest(std::vector<StaticBox>& boxes) {
 
 std::vector<StaticBox> static_boxes(const Scene& scene, double frame) {
   std::vector<StaticBox> boxes;
-  for (const NodeId node : scene.nodes()) {
-    if (!scene.is_transform(node) || scene.is_animated(node)) continue;
+  for (const NodeId node : scene.nodes.all()) {
+    if (!scene.nodes.is_transform(node) || scene.evaluation.is_animated(node)) continue;
     const auto corners = corners_of(scene, node);
     if (!corners) continue;
-    StaticBox box{scene.long_name(node), scene.world_matrix(node, frame), corners->low, corners->high};
+    StaticBox box{scene.names.long_name(node), scene.evaluation.world_matrix(node, frame), corners->low, corners->high};
     if (std::isfinite(size_of(box)) && is_finite(box.world.translation())) boxes.push_back(std::move(box));
   }
   keep_largest(boxes);

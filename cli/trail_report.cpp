@@ -16,7 +16,7 @@ using standalone::Scene;
 namespace {
 
 Vectors array(const Scene& scene, NodeId shape, const char* attribute) {
-  Vectors values = scene.vectors(shape, attribute);
+  Vectors values = scene.attributes.vectors(shape, attribute);
   return values ? values : std::make_shared<const std::vector<Vector>>();
 }
 
@@ -27,29 +27,29 @@ void warn_of_gaps(TrailView& trail) {
 }
 
 TrailView read_trail(const Scene& scene, const Trail& trail) {
-  const NodeId shape = scene.shapes(trail.viz).at(0);
+  const NodeId shape = scene.nodes.shapes(trail.viz).at(0);
   TrailView data;
-  data.viz = scene.short_name(trail.viz);
-  data.source = scene.long_name(trail.source);
+  data.viz = scene.names.short_name(trail.viz);
+  data.source = scene.names.long_name(trail.source);
   data.name = standalone::name_in_file(scene, trail.source);
-  if (scene.has_attribute(trail.source, standalone::kNumberInFile)) {
-    data.node = scene.attribute(trail.source, standalone::kNumberInFile).to_int();
+  if (scene.attributes.has(trail.source, standalone::kNumberInFile)) {
+    data.node = scene.attributes.value(trail.source, standalone::kNumberInFile).to_int();
   }
   data.samples_per_frame = _samples_per_frame(trail.samples_per_frame);
-  data.color_mode = scene.attribute(shape, "colorMode").to_int();
-  data.start_frame = scene.attribute(shape, "startFrame").to_float();
-  data.frame_step = scene.attribute(shape, "frameStep").to_float();
-  data.line_width = scene.attribute(shape, "lineWidth").to_float();
-  data.point_size = scene.attribute(shape, "pointSize").to_float();
-  data.show_line = scene.attribute(shape, "showLine").truthy();
-  data.show_dots = scene.attribute(shape, "showDots").truthy();
-  data.ghost = scene.attribute(shape, "xrayMode").truthy();
+  data.color_mode = scene.attributes.value(shape, "colorMode").to_int();
+  data.start_frame = scene.attributes.value(shape, "startFrame").to_float();
+  data.frame_step = scene.attributes.value(shape, "frameStep").to_float();
+  data.line_width = scene.attributes.value(shape, "lineWidth").to_float();
+  data.point_size = scene.attributes.value(shape, "pointSize").to_float();
+  data.show_line = scene.attributes.value(shape, "showLine").truthy();
+  data.show_dots = scene.attributes.value(shape, "showDots").truthy();
+  data.ghost = scene.attributes.value(shape, "xrayMode").truthy();
   data.points = array(scene, shape, "points");
   data.colors = array(scene, shape, "colors");
   data.key_points = array(scene, shape, "keyPoints");
   data.key_colors = array(scene, shape, "keyColors");
   for (const Vector& time : *array(scene, shape, "keyTimes")) data.key_times.push_back(time.x);
-  data.warnings = scene.not_followed(trail.source);
+  data.warnings = scene.evaluation.not_followed(trail.source);
   warn_of_gaps(data);
   return data;
 }
@@ -59,10 +59,14 @@ TrailView read_trail(const Scene& scene, const Trail& trail) {
 std::string unit_text(const TrailReport& report) { return report.unit == kUnknownUnit ? "units" : report.unit; }
 
 TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, const std::string& file) {
-  TrailReport report{
-      file, scene.frames_per_second(), scene.playback_min(), scene.playback_max(), scene.linear_unit(), scene.up_axis(),
-      {}};
-  report.current = scene.current_time();
+  TrailReport report{file,
+                     scene.settings.frames_per_second(),
+                     scene.settings.playback_min(),
+                     scene.settings.playback_max(),
+                     scene.settings.linear_unit(),
+                     scene.settings.up_axis(),
+                     {}};
+  report.current = scene.settings.current_time();
   report.trails.reserve(trails.size());
   for (const Trail& trail : trails) report.trails.push_back(read_trail(scene, trail));
   return report;

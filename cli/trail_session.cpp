@@ -27,7 +27,7 @@ std::vector<std::vector<NodeId>> turns(const standalone::Scene& scene, const std
   std::vector<std::vector<NodeId>> result;
   std::unordered_map<std::string, std::size_t> seen;
   for (const NodeId object : objects) {
-    const std::size_t turn = seen[std::string(scene.short_name(object))]++;
+    const std::size_t turn = seen[std::string(scene.names.short_name(object))]++;
     if (turn == result.size()) result.emplace_back();
     result[turn].push_back(object);
   }
@@ -56,10 +56,11 @@ TrailSession::TrailSession(standalone::Scene scene, const std::optional<std::fil
 void TrailSession::check_size(std::size_t objects, const TrailSettings& settings) {
   const double per_frame = settings.samples_per_frame.is_none() ? static_cast<double>(_get_pref_samples())
                                                                 : settings.samples_per_frame.to_float();
-  const double frames = scene().playback_max() - scene().playback_min();
+  const double frames = scene().settings.playback_max() - scene().settings.playback_min();
   const double samples = std::floor(frames * std::max(1.0, per_frame)) + 1.0;
   if (!(samples >= 2.0))
-    throw Failure("the range " + number(scene().playback_min()) + " to " + number(scene().playback_max()) +
+    throw Failure("the range " + number(scene().settings.playback_min()) + " to " +
+                  number(scene().settings.playback_max()) +
                   " holds no two samples; give a longer one with --range FIRST:LAST");
   if (samples * static_cast<double>(objects) > kMostSamples)
     throw Failure(counted(objects, "trail") + " of " + number(samples) +
@@ -81,7 +82,7 @@ std::vector<Trail> TrailSession::create(const std::vector<NodeId>& objects, cons
   std::vector<Trail> result;
   for (const NodeId object : objects) {
     const auto found = by_source.find(object);
-    if (found == by_source.end()) throw Failure(scene().long_name(object) + ": the engine made no trail of it");
+    if (found == by_source.end()) throw Failure(scene().names.long_name(object) + ": the engine made no trail of it");
     result.push_back(found->second);
   }
   return result;
@@ -111,17 +112,17 @@ void TrailSession::run_idle_loop() {
 // stays, and the next trail of that name leaves them alone.
 void TrailSession::detach(const std::vector<Trail>& trails) {
   for (const Trail& trail : trails) {
-    const std::string name = scene().unique_name(trail.viz);
+    const std::string name = scene().names.unique_name(trail.viz);
     _REGISTRY.erase(name);
-    scene().rename(trail.viz, std::string(scene().short_name(trail.viz)) + "_1");
+    scene().nodes.rename(trail.viz, std::string(scene().names.short_name(trail.viz)) + "_1");
   }
 }
 
 std::vector<Trail> TrailSession::registered_trails() {
   std::vector<Trail> trails;
   for (const auto& [viz, settings] : _REGISTRY)
-    trails.push_back(
-        {scene().require(viz), scene().require(*settings->at("source").as_text()), settings->at("samples_per_frame")});
+    trails.push_back({scene().names.require(viz), scene().names.require(*settings->at("source").as_text()),
+                      settings->at("samples_per_frame")});
   return trails;
 }
 

@@ -130,15 +130,15 @@ TEST(WritersTest, OurReaderReadsBackTheCurvesThatWeWrite) {
   for (const int degree : {1, 3}) {
     OutputFile out(folder / "c.ma");
     standalone::Scene scene;
-    scene.set_frames_per_second(25.0);
+    scene.settings.set_frames_per_second(25.0);
     write_maya_ascii(out, {{"crv", "crvShape", degree, &points}}, scene);
     out.commit();
     const standalone::Scene back = standalone::read_scene(folder / "c.ma");
-    const standalone::NodeId shape = back.require("crvShape");
+    const standalone::NodeId shape = back.names.require("crvShape");
     EXPECT_EQ(back.curve_degree(shape), degree);
     EXPECT_EQ(back.curve_points(shape), points);
-    EXPECT_EQ(back.frames_per_second(), 25.0);
-    EXPECT_TRUE(back.warnings().empty());
+    EXPECT_EQ(back.settings.frames_per_second(), 25.0);
+    EXPECT_TRUE(back.warnings.all().empty());
   }
 }
 

@@ -65,10 +65,10 @@ standalone::ReadOptions SceneOptions::read_options() const {
 
 void SceneOptions::apply_range(standalone::Scene& scene, std::size_t trails) const {
   if (const auto frames = parse_range(range)) {
-    scene.set_playback_range(frames->first, frames->last);
+    scene.settings.set_playback_range(frames->first, frames->last);
     return;
   }
-  const double frames = scene.playback_max() - scene.playback_min();
+  const double frames = scene.settings.playback_max() - scene.settings.playback_min();
   if (!(frames > kMostFramesUnasked)) return;
   constexpr double kBytes = 100.0;  // of a sample while its trail is made
   throw Failure(file + ": its range of " + readable(frames, 8) + " frames is longer than a million; " +

@@ -32,10 +32,11 @@ struct CurvesOptions {
 
 std::vector<CurveView> new_curves(const Scene& scene, const std::unordered_set<NodeId>& known) {
   std::vector<CurveView> curves;
-  for (const NodeId shape : scene.nodes_of_type("nurbsCurve"))
+  for (const NodeId shape : scene.nodes.of_type("nurbsCurve"))
     if (known.count(shape) == 0)
-      curves.push_back({std::string(scene.short_name(scene.parent(shape))), std::string(scene.short_name(shape)),
-                        scene.curve_degree(shape), &scene.curve_points(shape)});
+      curves.push_back({std::string(scene.names.short_name(scene.nodes.parent(shape))),
+                        std::string(scene.names.short_name(shape)), scene.attributes.curve_degree(shape),
+                        &scene.attributes.curve_points(shape)});
   return curves;
 }
 

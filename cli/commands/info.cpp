@@ -51,15 +51,15 @@ struct SceneInfo {
 };
 
 ObjectInfo describe(const Scene& scene, NodeId node) {
-  ObjectInfo object{scene.long_name(node),
-                    scene.type(node),
-                    scene.is_animated(node),
-                    scene.has_keys(node),
-                    scene.key_count(node),
+  ObjectInfo object{scene.names.long_name(node),
+                    scene.nodes.type(node),
+                    scene.evaluation.is_animated(node),
+                    scene.curves.has_keys(node),
+                    scene.curves.key_count(node),
                     0.0,
                     0.0,
-                    scene.not_followed(node)};
-  const auto times = scene.key_times(node);
+                    scene.evaluation.not_followed(node)};
+  const auto times = scene.curves.key_times(node);
   if (!times.empty()) {
     const auto [first, last] = std::minmax_element(times.begin(), times.end());
     object.first_key = *first;
@@ -71,24 +71,24 @@ ObjectInfo describe(const Scene& scene, NodeId node) {
 SceneInfo describe(const Scene& scene, const std::string& file) {
   SceneInfo info{file,
                  format_name(file),
-                 scene.linear_unit(),
-                 scene.up_axis(),
-                 scene.frames_per_second(),
-                 scene.playback_min(),
-                 scene.playback_max(),
-                 scene.takes(),
-                 scene.take(),
+                 scene.settings.linear_unit(),
+                 scene.settings.up_axis(),
+                 scene.settings.frames_per_second(),
+                 scene.settings.playback_min(),
+                 scene.settings.playback_max(),
+                 scene.settings.takes(),
+                 scene.settings.take(),
                  {},
                  0,
                  0,
                  {},
-                 scene.warnings()};
-  for (const NodeId node : scene.nodes()) {
+                 scene.warnings.all()};
+  for (const NodeId node : scene.nodes.all()) {
     ++info.nodes;
-    ++info.node_types[scene.type(node)];
-    if (scene.is_curve(node)) info.keys += scene.curve(node).keys().size();
-    if (const auto* track = scene.track(node)) info.keys += track->key_times().size();
-    if (scene.is_transform(node)) info.objects.push_back(describe(scene, node));
+    ++info.node_types[scene.nodes.type(node)];
+    if (scene.curves.is_curve(node)) info.keys += scene.curves.at(node).keys().size();
+    if (const auto* track = scene.curves.track(node)) info.keys += track->key_times().size();
+    if (scene.nodes.is_transform(node)) info.objects.push_back(describe(scene, node));
   }
   return info;
 }

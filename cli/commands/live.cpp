@@ -40,8 +40,8 @@ struct LiveOptions {
 void check_distinct(const Scene& scene, const std::vector<NodeId>& objects) {
   std::unordered_set<std::string> names;
   for (const NodeId object : objects)
-    if (!names.insert(std::string(scene.short_name(object))).second)
-      throw Failure("several objects are named '" + std::string(scene.short_name(object)) +
+    if (!names.insert(std::string(scene.names.short_name(object))).second)
+      throw Failure("several objects are named '" + std::string(scene.names.short_name(object)) +
                     "', and one trail a name stays live; choose among them with --select");
 }
 

@@ -10,7 +10,7 @@
 #include "cli/failure.h"
 #include "cli/output/text.h"
 #include "host/error.h"
-#include "standalone/scene/attributes/attribute_names.h"
+#include "standalone/scene/attributes/channel_names.h"
 
 namespace vantorelix::cli {
 
@@ -62,15 +62,14 @@ void Entry::target(const char* name, LiveEvent& event) const {
   const std::size_t dot = path.rfind('.');
   if (dot == std::string::npos) fail("'" + path + "' names no attribute; write OBJECT.ATTRIBUTE, as ball.translateY");
   try {
-    event.node = scene_.require(path.substr(0, dot));
+    event.node = scene_.names.require(path.substr(0, dot));
   } catch (const host::Error& error) {
     fail(std::string(error.what()) + "; 'vantorelix info SCENE --all' lists the objects");
   }
-  static const standalone::AttributeNames names;
-  const auto id = names.find(standalone::NameSet::joint, path.substr(dot + 1));
-  if (id == standalone::AttributeNames::kNone || !standalone::is_channel(id) || !scene_.is_transform(event.node))
+  const auto channels = standalone::channels_named(path.substr(dot + 1));
+  if (!channels || channels->count > 1 || !scene_.nodes.is_transform(event.node))
     fail("'" + path + "' cannot be keyed; use translateX and the like of a transform or joint");
-  event.channel = static_cast<Channel>(id);
+  event.channel = channels->first;
 }
 
 Host::FileActivity Entry::activity(const char* name) const {
@@ -129,23 +128,23 @@ const standalone::Key* key_at(const standalone::AnimCurve& curve, double frame) 
 
 // The curve of the channel and its key at the frame, which must be there.
 std::pair<NodeId, standalone::Key> existing_key(const LiveEvent& event, const Scene& scene) {
-  const NodeId curve = scene.driving_curve(event.node, event.channel);
-  const standalone::Key* key = curve == standalone::kNoNode ? nullptr : key_at(scene.curve(curve), event.frame);
+  const NodeId curve = scene.curves.driving_curve(event.node, event.channel);
+  const standalone::Key* key = curve == standalone::kNoNode ? nullptr : key_at(scene.curves.at(curve), event.frame);
   if (key == nullptr)
-    throw Failure(event.where + ": " + scene.unique_name(event.node) + " has no such key at frame " +
+    throw Failure(event.where + ": " + scene.names.unique_name(event.node) + " has no such key at frame " +
                   number(event.frame) + "; 'vantorelix info' tells the frames of the keys");
   return {curve, *key};
 }
 
 void set_key(const LiveEvent& event, Scene& scene) {
-  const NodeId curve = scene.driving_curve(event.node, event.channel);
+  const NodeId curve = scene.curves.driving_curve(event.node, event.channel);
   const bool angle = curve == standalone::kNoNode ? standalone::is_angle(event.channel)
-                                                  : scene.curve(curve).kind() == standalone::CurveKind::angular;
+                                                  : scene.curves.at(curve).kind() == standalone::CurveKind::angular;
   const double value = angle ? event.value * std::numbers::pi / 180.0 : event.value;
   if (curve == standalone::kNoNode)
-    scene.set_key(event.node, event.channel, event.frame, value);
+    scene.curves.set_key(event.node, event.channel, event.frame, value);
   else
-    scene.set_key(curve, event.frame, value);
+    scene.curves.set_key(curve, event.frame, value);
 }
 
 }  // namespace
@@ -191,12 +190,12 @@ void apply(const LiveEvent& event, Host& host) {
       if (event.to == event.frame) break;
       // The new key first: the last key of a curve takes the curve with it.
       key.time = event.to;
-      scene.set_key(curve, key);
-      scene.remove_key(curve, event.frame);
+      scene.curves.set_key(curve, key);
+      scene.curves.remove_key(curve, event.frame);
       break;
     }
     case LiveEvent::Kind::remove_key:
-      scene.remove_key(existing_key(event, scene).first, event.frame);
+      scene.curves.remove_key(existing_key(event, scene).first, event.frame);
       break;
     case LiveEvent::Kind::playing:
       host.set_playing(event.playing);

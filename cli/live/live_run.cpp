@@ -66,7 +66,9 @@ void check(TrailSession& session, const std::vector<Trail>& trails, LiveReport& 
   for (std::size_t t = 0; t < trails.size(); ++t) {
     check_interrupt();
     const TrailView& trail = held.trails[t];
-    const auto truth = [&](double frame) { return scene.world_matrix(trails[t].source, frame).translation(); };
+    const auto truth = [&](double frame) {
+      return scene.evaluation.world_matrix(trails[t].source, frame).translation();
+    };
     for (std::size_t i = 0; i < trail.points->size(); ++i)
       compare((*trail.points)[i], truth(trail.start_frame + static_cast<double>(i) * trail.frame_step), report);
     for (std::size_t k = 0; k < trail.key_times.size(); ++k)

@@ -2,7 +2,7 @@
 #include "maya/standalone/calls.h"
 #include "standalone/host/plugins.h"
 #include "standalone/host/viz_node.h"
-#include "standalone/scene/attributes/attribute_names.h"
+#include "standalone/scene/attributes/channel_names.h"
 
 namespace vantorelix::standalone {
 
@@ -16,8 +16,9 @@ Value attribute_at(Session& session, const Arguments& a) {
   const NodeId node = a.node(0);
   const auto one = [&](const std::string& name) {
     const Channel channel = channel_named(scene, node, name);
-    if (channel == Channel::count || scene.driving_curve(node, channel) == kNoNode) return scene.attribute(node, name);
-    const double inside = scene.channel_at(node, channel, a.number(2));
+    if (channel == Channel::count || scene.curves.driving_curve(node, channel) == kNoNode)
+      return scene.attributes.value(node, name);
+    const double inside = scene.evaluation.channel_at(node, channel, a.number(2));
     return Value(is_angle(channel) ? inside * kDegrees : inside);
   };
   const std::vector<std::string> parts = channel_parts(scene, node, a.text(1));
@@ -26,7 +27,7 @@ Value attribute_at(Session& session, const Arguments& a) {
 }
 
 Value connect(Session& session, const Arguments& a) {
-  session.scene().connect(a.node(0), a.text(1), a.node(2), a.text(3));
+  session.scene().connections.connect(a.node(0), a.text(1), a.node(2), a.text(3));
   return {};
 }
 
@@ -35,18 +36,18 @@ Value connect(Session& session, const Arguments& a) {
 const Calls& attribute_calls() {
   static const Calls calls = {
       {"has_attribute",
-       [](Session& s, const Arguments& a) { return Value(s.scene().has_attribute(a.node(0), a.text(1))); }},
+       [](Session& s, const Arguments& a) { return Value(s.scene().attributes.has(a.node(0), a.text(1))); }},
       {"attribute_at", attribute_at},
       // The command: a whole path, checked and converted.
       {"set_attr",
        [](Session& s, const Arguments& a) { return s.host().cmds().setAttr(a.text(0), a.value(1)), Value(); }},
       {"add_attribute",
        [](Session& s, const Arguments& a) {
-         return s.scene().add_attribute(a.node(0), a.text(1), a.value(2)), Value();
+         return s.scene().attributes.add(a.node(0), a.text(1), a.value(2)), Value();
        }},
       {"lock_attribute",
        [](Session& s, const Arguments& a) {
-         return s.scene().lock_attribute(a.node(0), a.text(1), a.flag(2)), Value();
+         return s.scene().attributes.lock(a.node(0), a.text(1), a.flag(2)), Value();
        }},
       {"is_channel",
        [](Session& s, const Arguments& a) {
@@ -56,10 +57,10 @@ const Calls& attribute_calls() {
        [](Session& s, const Arguments& a) { return list_of(channel_parts(s.scene(), a.node(0), a.text(1))); }},
       {"connect", connect},
       {"disconnect",
-       [](Session& s, const Arguments& a) { return s.scene().disconnect(a.node(0), a.text(1)), Value(); }},
+       [](Session& s, const Arguments& a) { return s.scene().connections.disconnect(a.node(0), a.text(1)), Value(); }},
       {"has_vectors",
        [](Session& s, const Arguments& a) {
-         return Value(s.scene().type(a.node(0)) == viz_node::kType && viz_node::is_vector_array(a.text(1)));
+         return Value(s.scene().nodes.type(a.node(0)) == viz_node::kType && viz_node::is_vector_array(a.text(1)));
        }},
   };
   return calls;

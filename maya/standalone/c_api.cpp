@@ -93,12 +93,13 @@ int vlx_end(VlxSession* session, int succeeded) {
   return guarded([&] { session->session.undo_queue().end(succeeded != 0); });
 }
 
-int vlx_exists(VlxSession* session, std::uint32_t node) { return session->session.scene().exists(node) ? 1 : 0; }
+int vlx_exists(VlxSession* session, std::uint32_t node) { return session->session.scene().nodes.exists(node) ? 1 : 0; }
 
 int vlx_matrix(VlxSession* session, std::uint32_t node, double frame, int world, double* matrix) {
   return guarded([&] {
     const sa::Scene& scene = session->session.scene();
-    const vantorelix::Affine affine = world ? scene.world_matrix(node, frame) : scene.local_matrix(node, frame);
+    const vantorelix::Affine affine =
+        world ? scene.evaluation.world_matrix(node, frame) : scene.evaluation.local_matrix(node, frame);
     for (std::size_t row = 0; row < 4; ++row) {
       std::copy(affine.m[row].begin(), affine.m[row].end(), matrix + 4 * row);
       matrix[4 * row + 3] = row == 3 ? 1.0 : 0.0;
@@ -109,7 +110,7 @@ int vlx_matrix(VlxSession* session, std::uint32_t node, double frame, int world,
 int vlx_vectors(VlxSession* session, std::uint32_t node, const char* attribute, const double** xyz,
                 std::size_t* count) {
   return guarded([&] {
-    session->vectors = session->session.scene().vectors(node, attribute);
+    session->vectors = session->session.scene().attributes.vectors(node, attribute);
     const bool there = session->vectors && !session->vectors->empty();
     *xyz = there ? &session->vectors->front().x : nullptr;
     *count = there ? session->vectors->size() : 0;
@@ -121,7 +122,7 @@ int vlx_set_vectors(VlxSession* session, std::uint32_t node, const char* attribu
   return guarded([&] {
     auto values = std::make_shared<std::vector<vantorelix::Vector>>(count);
     for (std::size_t i = 0; i < count; ++i) (*values)[i] = {xyz[3 * i], xyz[3 * i + 1], xyz[3 * i + 2]};
-    session->session.scene().set_vectors(node, attribute, std::move(values));
+    session->session.scene().attributes.set_vectors(node, attribute, std::move(values));
   });
 }
 

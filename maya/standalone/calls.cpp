@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 #include "host/error.h"
-#include "standalone/scene/attributes/attribute_names.h"
+#include "standalone/scene/attributes/channel_names.h"
 
 namespace vantorelix::standalone {
 
@@ -68,29 +69,23 @@ Value node_or_none(NodeId node) { return node == kNoNode ? Value() : Value(stati
 
 namespace {
 
-const AttributeNames& names() {
-  static const AttributeNames known;
-  return known;
-}
-
-// AttributeNames::kNone for what is no transform's.
-AttributeId attribute_named(const Scene& scene, NodeId node, const std::string& attribute) {
-  if (!scene.is_transform(node)) return AttributeNames::kNone;
-  return names().find(scene.type(node) == "joint" ? NameSet::joint : NameSet::transform, attribute);
+std::optional<NamedChannels> channels_of(const Scene& scene, NodeId node, const std::string& attribute) {
+  if (!scene.nodes.is_transform(node)) return std::nullopt;
+  return channels_named(attribute, scene.nodes.type(node) == "joint");
 }
 
 }  // namespace
 
 Channel channel_named(const Scene& scene, NodeId node, const std::string& attribute) {
-  const AttributeId id = attribute_named(scene, node, attribute);
-  return id != AttributeNames::kNone && is_channel(id) ? static_cast<Channel>(id) : Channel::count;
+  const auto channels = channels_of(scene, node, attribute);
+  return channels && channels->count == 1 ? channels->first : Channel::count;
 }
 
 std::vector<std::string> channel_parts(const Scene& scene, NodeId node, const std::string& attribute) {
-  const AttributeId id = attribute_named(scene, node, attribute);
-  if (id == AttributeNames::kNone || !is_compound(id)) return {};
+  const auto channels = channels_of(scene, node, attribute);
+  if (!channels || channels->count == 1) return {};
   std::vector<std::string> parts;
-  for (AttributeId k = 0; k < part_count(id); ++k) parts.push_back(names().text(part(id, k)));
+  for (std::size_t k = 0; k < channels->count; ++k) parts.push_back(name_of(component(channels->first, k)));
   return parts;
 }
 

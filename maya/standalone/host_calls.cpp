@@ -10,7 +10,7 @@ namespace {
 // The scene file's warnings, each with its count.
 Value warnings(Session& session, const Arguments&) {
   std::vector<std::string> texts;
-  for (const Warning& warning : session.scene().warnings())
+  for (const Warning& warning : session.scene().warnings.all())
     texts.push_back(warning.count == 1 ? warning.kind
                                        : warning.kind + " (" + std::to_string(warning.count) + " times)");
   return list_of(texts);

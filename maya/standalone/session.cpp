@@ -31,7 +31,7 @@ void Session::make_new() { replace(Scene(), Host::FileActivity::creating); }
 
 void Session::replace(Scene next, Host::FileActivity activity) {
   const Activity busy(host_, activity);
-  for (const NodeId node : scene().nodes()) tell(Event::node_removed, node);
+  for (const NodeId node : scene().nodes.all()) tell(Event::node_removed, node);
   host_.select({});
   undo_queue_.clear();
   if (telling_ == 0) replaced_.clear();
@@ -41,16 +41,16 @@ void Session::replace(Scene next, Host::FileActivity activity) {
 }
 
 void Session::begin() {
-  scene().set_listener({[this](NodeId curve) { tell(Event::curve_edited, curve); },
-                        [this](NodeId curve) { tell(Event::keyframe_edited, curve); },
-                        [this](NodeId node, const std::string&) { tell(Event::node_removed, node); }});
+  scene().changes.set_listener({[this](NodeId curve) { tell(Event::curve_edited, curve); },
+                                [this](NodeId curve) { tell(Event::keyframe_edited, curve); },
+                                [this](NodeId node, const std::string&) { tell(Event::node_removed, node); }});
   if (host_.loaded_plugins().empty()) return;
   viz_node::define(scene());
 }
 
 void Session::tell(Event event, NodeId node) {
-  if (!listener_ || !scene().exists(node)) return;
-  const std::string type = scene().type(node);  // a copy: the listener may delete the node
+  if (!listener_ || !scene().nodes.exists(node)) return;
+  const std::string type = scene().nodes.type(node);  // a copy: the listener may delete the node
   ++telling_;
   undo_queue_.begin_aside();
   listener_(static_cast<std::int32_t>(event), node, type.c_str());

@@ -9,7 +9,7 @@
 namespace vantorelix::standalone {
 
 BoundsDraft::BoundsDraft(const Scene& scene, NodeId node) {
-  const Vectors bounds = scene.vectors(node, kBounds);
+  const Vectors bounds = scene.attributes.vectors(node, kBounds);
   if (!bounds) return;
   for (const Vector& corner : *bounds) add(corner);
 }
@@ -25,7 +25,8 @@ void BoundsDraft::add(const Vector& p) {
 void BoundsDraft::assign_to(Scene& scene, NodeId node) const {
   const Vector& low = empty_ ? kUnitCube[0] : low_;
   const Vector& high = empty_ ? kUnitCube[1] : high_;
-  scene.set_vectors(node, kBounds, std::make_shared<const std::vector<Vector>>(std::vector<Vector>{low, high}));
+  scene.attributes.set_vectors(node, kBounds,
+                               std::make_shared<const std::vector<Vector>>(std::vector<Vector>{low, high}));
 }
 
 }  // namespace vantorelix::standalone

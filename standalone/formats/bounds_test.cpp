@@ -21,7 +21,7 @@ ReadOptions with_bounds() {
 
 // Two corners; none where the node has none.
 std::vector<Vector> bounds_of(const Scene& scene, const std::string& node) {
-  const Vectors bounds = scene.vectors(scene.require(node), kBounds);
+  const Vectors bounds = scene.attributes.vectors(scene.names.require(node), kBounds);
   return bounds ? *bounds : std::vector<Vector>();
 }
 

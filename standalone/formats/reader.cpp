@@ -39,12 +39,12 @@ Scene read_maya_ascii(std::string_view text, const std::string& name, const Read
 }
 
 void keep_name_in_file(Scene& scene, NodeId node, const std::string& name) {
-  if (scene.short_name(node) != name) scene.add_attribute(node, kNameInFile, host::Value(name));
+  if (scene.names.short_name(node) != name) scene.attributes.add(node, kNameInFile, host::Value(name));
 }
 
 std::string name_in_file(const Scene& scene, NodeId node) {
-  if (!scene.has_attribute(node, kNameInFile)) return std::string(scene.short_name(node));
-  return scene.attribute(node, kNameInFile).text();
+  if (!scene.attributes.has(node, kNameInFile)) return std::string(scene.names.short_name(node));
+  return scene.attributes.value(node, kNameInFile).text();
 }
 
 }  // namespace vantorelix::standalone

@@ -39,7 +39,7 @@ struct ReadOptions {
 };
 
 // Reads a scene by its extension (".bvh", ".ma", ".fbx", ".gltf", ".glb", in any case). Throws FormatError; an unknown
-// extension names the ones that are read. What the file holds that cannot be followed ends in Scene::warnings().
+// extension names the ones that are read. What the file holds that cannot be followed ends in Scene::warnings.
 Scene read_scene(const std::filesystem::path& file, const ReadOptions& options = {});
 
 // Where the scene's name of a node differs from the one in the file (illegal characters, clashes, an end site), the

@@ -105,8 +105,8 @@ double extent(const std::vector<Row>& rows) {
 
 // Nodes by the names that the tables use: paths in .ma files, the file's own names in clips.
 NodeId node_named(const Scene& scene, const std::string& name) {
-  if (const NodeId found = scene.find(name); found != kNoNode) return found;
-  for (const NodeId node : scene.nodes()) {
+  if (const NodeId found = scene.names.find(name); found != kNoNode) return found;
+  for (const NodeId node : scene.nodes.all()) {
     if (name_in_file(scene, node) == name) return node;
   }
   return kNoNode;
@@ -127,10 +127,10 @@ void compare(const Scene& scene, const std::string& file, const std::string& tab
     if (!ids.contains(row.node)) {
       ids[row.node] = find(scene, row.node);
       ASSERT_NE(ids[row.node], kNoNode) << row.node;
-      evaluators[row.node] = std::make_unique<Evaluator>(scene, ids[row.node]);
-      EXPECT_TRUE(scene.not_followed(ids[row.node]).empty()) << row.node;
+      evaluators[row.node] = std::make_unique<Evaluator>(scene.evaluation, ids[row.node]);
+      EXPECT_TRUE(scene.evaluation.not_followed(ids[row.node]).empty()) << row.node;
     }
-    const Vector plain = scene.world_matrix(ids[row.node], row.frame).translation();
+    const Vector plain = scene.evaluation.world_matrix(ids[row.node], row.frame).translation();
     EXPECT_EQ(evaluators[row.node]->translation(row.frame), plain) << row.node << " at " << row.frame;
     const double difference = largest(plain, row.at);
     if (!(difference <= worst)) {
@@ -245,15 +245,15 @@ TEST(Reference, EveryPositionOfTheMayaScenesAgrees) {
 TEST(Reference, AWrittenOffsetParentMatrixCountsThoughTheTableLeavesItOut) {
   SKIP_WITHOUT_DATA();
   const Scene scene = read_scene(data_folder() / "ma/offset_parent_matrix_rig.ma");
-  const NodeId node = scene.require(kOffsetNode);
+  const NodeId node = scene.names.require(kOffsetNode);
   std::size_t count = 0;
   for (const Row& row : read_rows(data_folder() / "ma/ref/offset_parent_matrix_rig.pos.csv", "")) {
     if (row.node != kOffsetNode) continue;
     ++count;
-    const Affine parent = scene.world_matrix(scene.parent(node), row.frame);
+    const Affine parent = scene.evaluation.world_matrix(scene.nodes.parent(node), row.frame);
     EXPECT_LE(largest(parent.translation(), row.at), 1e-6) << row.frame;
     const Vector raised = transform_point({0.0, 1.5, 0.0}, parent);
-    EXPECT_LE(largest(scene.world_matrix(node, row.frame).translation(), raised), 1e-12) << row.frame;
+    EXPECT_LE(largest(scene.evaluation.world_matrix(node, row.frame).translation(), raised), 1e-12) << row.frame;
   }
   EXPECT_EQ(count, 9u);
 }
@@ -270,8 +270,9 @@ TEST(Reference, EveryPositionThatMayaItselfWroteAgrees) {
 // --- glTF: a table a file, all clips in it, nodes by their numbers -----------------------------------------------
 
 NodeId node_numbered(const Scene& scene, const std::string& number) {
-  for (const NodeId node : scene.nodes()) {
-    if (scene.has_attribute(node, kNumberInFile) && scene.attribute(node, kNumberInFile).text() == number) return node;
+  for (const NodeId node : scene.nodes.all()) {
+    if (scene.attributes.has(node, kNumberInFile) && scene.attributes.value(node, kNumberInFile).text() == number)
+      return node;
   }
   return kNoNode;
 }
@@ -293,8 +294,9 @@ std::map<std::size_t, std::vector<Row>> read_clip_rows(const fs::path& file) {
 double extent_of_all(const Scene& scene, const std::map<std::size_t, std::vector<Row>>& clips) {
   std::vector<Row> all;
   for (const auto& [clip, rows] : clips) all.insert(all.end(), rows.begin(), rows.end());
-  for (const NodeId node : scene.nodes()) {
-    if (scene.is_transform(node)) all.push_back({0.0, "", scene.world_matrix(node, 0.0).translation()});
+  for (const NodeId node : scene.nodes.all()) {
+    if (scene.nodes.is_transform(node))
+      all.push_back({0.0, "", scene.evaluation.world_matrix(node, 0.0).translation()});
   }
   return extent(all);
 }
@@ -307,7 +309,7 @@ TEST(Reference, EveryPositionOfTheGltfClipsAgrees) {
     const std::string file = std::string("gltf/") + name;
     const std::string table = "gltf/ref/" + fs::path(name).stem().string() + ".pos.csv";
     const std::map<std::size_t, std::vector<Row>> clips = read_clip_rows(data_folder() / table);
-    const std::vector<Take> takes = read_scene(data_folder() / file).takes();
+    const std::vector<Take> takes = read_scene(data_folder() / file).settings.takes();
     const double whole = extent_of_all(read_scene(data_folder() / file), clips);
     for (const auto& [clip, rows] : clips) {
       ASSERT_LT(clip, takes.size()) << file;
@@ -346,9 +348,9 @@ auto warns(const std::string& part, std::size_t count) {
 }
 
 std::size_t count_animated(const Scene& scene) {
-  const std::vector<NodeId> nodes = scene.nodes();
+  const std::vector<NodeId> nodes = scene.nodes.all();
   return static_cast<std::size_t>(std::count_if(nodes.begin(), nodes.end(), [&scene](NodeId node) {
-    return scene.is_transform(node) && scene.is_animated(node);
+    return scene.nodes.is_transform(node) && scene.evaluation.is_animated(node);
   }));
 }
 
@@ -356,59 +358,60 @@ TEST(Reference, ASceneWithoutAnimationIsJustThat) {
   SKIP_WITHOUT_DATA();
   const Scene scene = read_scene(data_folder() / "ma/SimpleCube1.ma");
   EXPECT_EQ(count_animated(scene), 0u);
-  EXPECT_TRUE(scene.warnings().empty());
+  EXPECT_TRUE(scene.warnings.all().empty());
 }
 
 TEST(Reference, ASceneThatAnExpressionDrivesNamesIt) {
   SKIP_WITHOUT_DATA();
   const Scene scene = read_scene(data_folder() / "ma/skel.ma");
-  EXPECT_EQ(scene.frames_per_second(), 25.0);
-  EXPECT_EQ(scene.playback_min(), 0.0);
-  EXPECT_EQ(scene.playback_max(), 3900.0);
-  EXPECT_EQ(scene.nodes_of_type("joint").size(), 67u);
+  EXPECT_EQ(scene.settings.frames_per_second(), 25.0);
+  EXPECT_EQ(scene.settings.playback_min(), 0.0);
+  EXPECT_EQ(scene.settings.playback_max(), 3900.0);
+  EXPECT_EQ(scene.nodes.of_type("joint").size(), 67u);
   EXPECT_EQ(count_animated(scene), 0u);
-  EXPECT_THAT(scene.warnings(), warns("'expression' is not evaluated", 19));
-  EXPECT_FALSE(scene.not_followed(scene.require("FBX_NeckRoll")).empty());
+  EXPECT_THAT(scene.warnings.all(), warns("'expression' is not evaluated", 19));
+  EXPECT_FALSE(scene.evaluation.not_followed(scene.names.require("FBX_NeckRoll")).empty());
 }
 
 TEST(Reference, AnFbxSceneOfConstraintsStandsStillAndNamesThem) {
   SKIP_WITHOUT_DATA();
   const Scene scene = read_scene(data_folder() / "fbx/maya_constraint_zoo_7500_ascii.fbx");
   EXPECT_EQ(count_animated(scene), 0u);
-  EXPECT_EQ(scene.playback_min(), 1.0);
-  EXPECT_EQ(scene.playback_max(), 120.0);
+  EXPECT_EQ(scene.settings.playback_min(), 1.0);
+  EXPECT_EQ(scene.settings.playback_max(), 120.0);
   std::size_t constraints = 0, marked = 0;
-  for (const Warning& warning : scene.warnings())
+  for (const Warning& warning : scene.warnings.all())
     constraints += warning.kind.starts_with("the constraint ") * warning.count;
   EXPECT_EQ(constraints, 7u);
-  for (const NodeId node : scene.nodes()) marked += scene.is_transform(node) && !scene.not_followed(node).empty();
+  for (const NodeId node : scene.nodes.all())
+    marked += scene.nodes.is_transform(node) && !scene.evaluation.not_followed(node).empty();
   EXPECT_GE(marked, 7u);
 }
 
 TEST(Reference, AnFbxMeshOfAPointCacheIsNamed) {
   SKIP_WITHOUT_DATA();
-  EXPECT_THAT(read_scene(data_folder() / "fbx/maya_axes_anim_7700_ascii.fbx").warnings(),
+  EXPECT_THAT(read_scene(data_folder() / "fbx/maya_axes_anim_7700_ascii.fbx").warnings.all(),
               warns("a point cache moves", 2));
 }
 
 TEST(Reference, AnFbxTakeKeepsTheKeysBeyondIt) {
   SKIP_WITHOUT_DATA();
   const Scene scene = read_scene(data_folder() / "fbx/pab_jog.fbx");
-  EXPECT_EQ(scene.playback_max(), 24.0);
-  const std::vector<double> times = scene.key_times(scene.require("Camera02"));
+  EXPECT_EQ(scene.settings.playback_max(), 24.0);
+  const std::vector<double> times = scene.curves.key_times(scene.names.require("Camera02"));
   EXPECT_EQ(*std::max_element(times.begin(), times.end()), 100.0);
 }
 
 TEST(Reference, ASceneOfAMissingReferenceNamesIt) {
   SKIP_WITHOUT_DATA();
   const Scene scene = read_scene(data_folder() / "ma/rhino_anim_001.ma");
-  EXPECT_THAT(scene.warnings(), warns("the reference 'rhino_rig_029RN' to '", 1));
-  EXPECT_THAT(scene.warnings(), warns("missing reference 'rhino_rig_029RN' alone", 110));
+  EXPECT_THAT(scene.warnings.all(), warns("the reference 'rhino_rig_029RN' to '", 1));
+  EXPECT_THAT(scene.warnings.all(), warns("missing reference 'rhino_rig_029RN' alone", 110));
   std::size_t curves = 0, keys = 0;
-  for (const NodeId node : scene.nodes()) {
-    if (!scene.is_curve(node)) continue;
+  for (const NodeId node : scene.nodes.all()) {
+    if (!scene.curves.is_curve(node)) continue;
     ++curves;
-    keys += scene.curve(node).keys().size();
+    keys += scene.curves.at(node).keys().size();
   }
   EXPECT_EQ(curves, 113u);
   EXPECT_EQ(keys, 10262u);
@@ -417,22 +420,22 @@ TEST(Reference, ASceneOfAMissingReferenceNamesIt) {
 TEST(Reference, ASceneOfClipsAndACharacterSetNamesThem) {
   SKIP_WITHOUT_DATA();
   const Scene scene = read_scene(data_folder() / "ma/ComplexAnim1.ma");
-  EXPECT_THAT(scene.warnings(), Contains(Field(&Warning::kind, HasSubstr("'character' is not evaluated"))));
-  EXPECT_EQ(scene.playback_min(), 1.0);
-  EXPECT_EQ(scene.playback_max(), 40.0);
+  EXPECT_THAT(scene.warnings.all(), Contains(Field(&Warning::kind, HasSubstr("'character' is not evaluated"))));
+  EXPECT_EQ(scene.settings.playback_min(), 1.0);
+  EXPECT_EQ(scene.settings.playback_max(), 40.0);
   std::size_t marked = 0;
-  for (const NodeId node : scene.nodes_of_type("joint")) marked += !scene.not_followed(node).empty();
+  for (const NodeId node : scene.nodes.of_type("joint")) marked += !scene.evaluation.not_followed(node).empty();
   EXPECT_GT(marked, 0u);
 }
 
 TEST(Reference, TheNodesThatAPluginDrivesAreCounted) {
   SKIP_WITHOUT_DATA();
   const Scene scene = read_scene(data_folder() / "ma/ripple.ma");
-  EXPECT_THAT(scene.warnings(), warns("'exprespy' is not evaluated", 400));
+  EXPECT_THAT(scene.warnings.all(), warns("'exprespy' is not evaluated", 400));
   std::size_t marked = 0;
-  for (const NodeId node : scene.nodes_of_type("transform")) marked += !scene.not_followed(node).empty();
+  for (const NodeId node : scene.nodes.of_type("transform")) marked += !scene.evaluation.not_followed(node).empty();
   EXPECT_EQ(marked, 400u);
-  EXPECT_TRUE(scene.not_followed(scene.require("locator1")).empty());
+  EXPECT_TRUE(scene.evaluation.not_followed(scene.names.require("locator1")).empty());
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ using host::ErrorKind;
 NodeId node_named(const Scene& scene, std::string_view name, std::string_view shown) {
   NodeId node = kNoNode;
   try {
-    node = scene.find(name);
+    node = scene.names.find(name);
   } catch (const Error&) {
     throw Error("More than one object matches name: " + std::string(shown), ErrorKind::value);
   }
@@ -33,9 +33,9 @@ HostState::HostState(Scene given_scene, HostOptions given_options)
       plugins(scene) {
   for (const std::string& panel : options.model_panels) panels[panel] = {{"motionTrails", false}};
   if (options.plugin_loaded) plugins.load_built_in();
-  scene.set_listener({[this](NodeId) { messages.send(Message::curve_edited); },
-                      [this](NodeId) { messages.send(Message::keyframe_edited); },
-                      [this](NodeId, const std::string& type) { messages.send(Message::node_removed, type); }});
+  scene.changes.set_listener({[this](NodeId) { messages.send(Message::curve_edited); },
+                              [this](NodeId) { messages.send(Message::keyframe_edited); },
+                              [this](NodeId, const std::string& type) { messages.send(Message::node_removed, type); }});
 }
 
 void HostState::warn(const std::string& text) const {
@@ -46,7 +46,7 @@ void HostState::warn(const std::string& text) const {
 std::vector<NodeId> HostState::selected() const {
   std::vector<NodeId> present;
   for (const NodeId node : selection)
-    if (scene.exists(node)) present.push_back(node);
+    if (scene.nodes.exists(node)) present.push_back(node);
   return present;
 }
 

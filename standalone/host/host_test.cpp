@@ -200,10 +200,10 @@ TEST(Host, reports_a_message_callback_that_fails_and_finishes_the_edit) {
   Said said;
   Host host{Scene(), said.options()};
   host.oma().addAnimKeyframeEditedCallback({"fails", [] { throw Error("no luck"); }});
-  const NodeId ball = host.scene().create_node("transform", "ball");
-  host.scene().set_key(ball, Channel::translateX, 1.0, 5.0);
+  const NodeId ball = host.scene().nodes.create("transform", "ball");
+  host.scene().curves.set_key(ball, Channel::translateX, 1.0, 5.0);
   EXPECT_THAT(said.warned, ElementsAre("callback fails failed: no luck"));
-  EXPECT_EQ(host.scene().key_count(ball), 1u);
+  EXPECT_EQ(host.scene().curves.key_count(ball), 1u);
 }
 
 // --- the plug-in ------------------------------------------------------------------------------------------------

@@ -43,7 +43,7 @@ class BasePlug : public host::Plug {
 // A scene has one time unit, the frame, so the token that comes back with each time says nothing new.
 class WorldMatrixElement : public BasePlug {
  public:
-  WorldMatrixElement(const Scene& scene, NodeId node) : evaluator_(scene, node) {}
+  WorldMatrixElement(const Scene& scene, NodeId node) : evaluator_(scene.evaluation, node) {}
   Vector translation_at(double t, const host::TimeUnit&) override { return evaluator_.translation(t); }
 
  private:
@@ -55,7 +55,7 @@ class WorldMatrixPlug : public BasePlug {
  public:
   WorldMatrixPlug(const Scene& scene, NodeId node) : scene_(scene), node_(node) {}
   std::shared_ptr<host::Plug> elementByLogicalIndex(unsigned index) override {
-    if (!scene_.exists(node_)) throw no_object();
+    if (!scene_.nodes.exists(node_)) throw no_object();
     if (index != 0) throw wrong_kind();
     return std::make_shared<WorldMatrixElement>(scene_, node_);
   }
@@ -72,8 +72,8 @@ class VectorArrayPlug : public BasePlug {
   void set_vector_array(const std::shared_ptr<host::VectorArray>& array) override {
     const auto* const ours = dynamic_cast<const Array*>(array.get());
     if (!ours) throw wrong_kind();
-    if (!scene_.exists(node_)) throw no_object();
-    scene_.set_vectors(node_, attribute_, ours->share());
+    if (!scene_.nodes.exists(node_)) throw no_object();
+    scene_.attributes.set_vectors(node_, attribute_, ours->share());
   }
 
  private:
@@ -84,7 +84,7 @@ class VectorArrayPlug : public BasePlug {
 
 // As a selection list does: of several objects with the name, the first.
 NodeId first_named(const Scene& scene, const std::string& name) {
-  const auto nodes = scene.match(name);
+  const auto nodes = scene.names.match(name);
   if (nodes.empty()) throw no_object();
   return nodes.front();
 }
@@ -92,7 +92,7 @@ NodeId first_named(const Scene& scene, const std::string& name) {
 NodeId look_up(const Scene& scene, const std::string& name) {
   NodeId node = kNoNode;
   try {
-    node = scene.find(name);
+    node = scene.names.find(name);
   } catch (const Error&) {
     return first_named(scene, name);
   }
@@ -105,11 +105,11 @@ NodeId look_up(const Scene& scene, const std::string& name) {
 std::shared_ptr<host::Plug> Objects::findPlug(const std::string& node, const std::string& attribute) {
   Scene& scene = state_.scene;
   const NodeId id = look_up(scene, node);
-  if (attribute == "worldMatrix" && (scene.is_transform(id) || scene.is_shape(id)))
+  if (attribute == "worldMatrix" && (scene.nodes.is_transform(id) || scene.nodes.is_shape(id)))
     return std::make_shared<WorldMatrixPlug>(scene, id);
-  if (scene.type(id) == viz_node::kType && viz_node::is_vector_array(attribute))
+  if (scene.nodes.type(id) == viz_node::kType && viz_node::is_vector_array(attribute))
     return std::make_shared<VectorArrayPlug>(scene, id, attribute);
-  if (scene.has_attribute(id, attribute)) return std::make_shared<BasePlug>();
+  if (scene.attributes.has(id, attribute)) return std::make_shared<BasePlug>();
   throw Error("(kInvalidParameter): Cannot find item of required type");
 }
 
@@ -139,7 +139,7 @@ void Objects::removeCallback(const host::Value& identifier) { state_.messages.un
 
 bool Animation::isPlaying() { return state_.playing; }
 
-double Animation::currentTime() { return state_.scene.current_time(); }
+double Animation::currentTime() { return state_.scene.settings.current_time(); }
 
 host::Value Animation::addAnimCurveEditedCallback(const host::Callback& function) {
   return state_.messages.subscribe(Message::curve_edited, function);

@@ -72,14 +72,14 @@ bool is_of_type(const std::string& type, const std::string& wanted) {
 
 std::vector<std::string> Commands::ls_selection() {
   std::vector<std::string> names;
-  for (const NodeId node : state_.selected()) names.push_back(scene_.long_name(node));
+  for (const NodeId node : state_.selected()) names.push_back(scene_.names.long_name(node));
   return names;
 }
 
 std::vector<std::string> Commands::ls_type(const std::string& type) {
   std::vector<std::string> names;
-  for (const NodeId node : scene_.nodes())
-    if (is_of_type(scene_.type(node), type)) names.push_back(scene_.unique_name(node));
+  for (const NodeId node : scene_.nodes.all())
+    if (is_of_type(scene_.nodes.type(node), type)) names.push_back(scene_.names.unique_name(node));
   return names;
 }
 
@@ -87,23 +87,23 @@ bool Commands::objExists(const std::string& name) {
   const std::size_t dot = name.find('.');
   try {
     const std::string_view whole = name;
-    const NodeId node = scene_.find(whole.substr(0, dot));
-    return node != kNoNode && (dot == std::string::npos || scene_.has_attribute(node, whole.substr(dot + 1)));
+    const NodeId node = scene_.names.find(whole.substr(0, dot));
+    return node != kNoNode && (dot == std::string::npos || scene_.attributes.has(node, whole.substr(dot + 1)));
   } catch (const Error&) {
     return true;  // more than one
   }
 }
 
 std::vector<std::string> Commands::listRelatives_parent(const std::string& node) {
-  const NodeId parent = scene_.parent(node_named(scene_, node));
+  const NodeId parent = scene_.nodes.parent(node_named(scene_, node));
   if (parent == kWorld) return {};
-  return {scene_.long_name(parent)};
+  return {scene_.names.long_name(parent)};
 }
 
 std::vector<std::string> Commands::listRelatives_shapes(const std::string& node) {
   std::vector<std::string> names;
-  for (const NodeId child : scene_.children(node_named(scene_, node)))
-    if (scene_.is_shape(child)) names.push_back(scene_.long_name(child));
+  for (const NodeId child : scene_.nodes.children(node_named(scene_, node)))
+    if (scene_.nodes.is_shape(child)) names.push_back(scene_.names.long_name(child));
   return names;
 }
 
@@ -116,32 +116,32 @@ void Commands::select_clear() { state_.selection.clear(); }
 // --- making, naming, moving, deleting -------------------------------------------------------------------------
 
 std::string Commands::createNode(const std::string& type, const std::string& name) {
-  if (!scene_.is_registered_type(type)) throw Error("Unknown object type: " + type);
-  const NodeId node = scene_.create_node(type, scene_.name_for_new(name));
+  if (!scene_.nodes.is_registered_type(type)) throw Error("Unknown object type: " + type);
+  const NodeId node = scene_.nodes.create(type, scene_.namespaces.name_for_new(name));
   state_.selection = {node};
-  return scene_.unique_name(node);
+  return scene_.names.unique_name(node);
 }
 
 std::string Commands::rename(const std::string& node, const std::string& name) {
-  const Scene::NewName wanted = scene_.name_for_renamed(name);
+  const NewName wanted = scene_.namespaces.name_for_renamed(name);
   if (wanted.dropped) state_.warn("Removing invalid characters from name");
-  return scene_.rename(node_named(scene_, node), wanted.text);
+  return scene_.nodes.rename(node_named(scene_, node), wanted.text);
 }
 
 void Commands::parent(const std::string& node, const std::string& parent) {
   const NodeId child = node_named(scene_, node);
-  scene_.set_parent(child, node_named(scene_, parent));
+  scene_.nodes.set_parent(child, node_named(scene_, parent));
 }
 
 void Commands::group_empty(const std::string& name) {
-  state_.selection = {scene_.create_node("transform", scene_.name_for_new(name.empty() ? "group1" : name))};
+  state_.selection = {scene_.nodes.create("transform", scene_.namespaces.name_for_new(name.empty() ? "group1" : name))};
 }
 
-void Commands::delete_(const std::string& node) { scene_.delete_node(node_named(scene_, node)); }
+void Commands::delete_(const std::string& node) { scene_.nodes.remove(node_named(scene_, node)); }
 
 std::string Commands::next_curve_shape_name() {
   std::string name;
-  do name = scene_.name_for_new("curveShape" + std::to_string(++curve_shapes_named_));
+  do name = scene_.namespaces.name_for_new("curveShape" + std::to_string(++curve_shapes_named_));
   while (objExists(name));
   return name;
 }
@@ -153,11 +153,12 @@ std::string Commands::curve(const Value& degree, const std::vector<Vector>& poin
   if (d < 1) throw Error("curve: The degree must be at least 1.");
   if (static_cast<std::int64_t>(points.size()) <= d)
     throw Error("curve: A curve of degree " + std::to_string(d) + " needs at least degree+1 points.");
-  const NodeId transform = scene_.create_node("transform", scene_.name_for_new(name.empty() ? "curve1" : name));
-  const NodeId shape = scene_.create_node("nurbsCurve", next_curve_shape_name(), transform);
-  scene_.set_curve_points(shape, static_cast<int>(d), points);
+  const NodeId transform =
+      scene_.nodes.create("transform", scene_.namespaces.name_for_new(name.empty() ? "curve1" : name));
+  const NodeId shape = scene_.nodes.create("nurbsCurve", next_curve_shape_name(), transform);
+  scene_.attributes.set_curve_points(shape, static_cast<int>(d), points);
   state_.selection = {transform};
-  return scene_.unique_name(transform);
+  return scene_.names.unique_name(transform);
 }
 
 // --- attributes and animation ---------------------------------------------------------------------------------
@@ -165,9 +166,9 @@ std::string Commands::curve(const Value& degree, const std::vector<Vector>& poin
 std::array<double, 16> Commands::getAttr_matrix(const std::string& attribute, double time) {
   const auto [node, name] = attribute_named(scene_, attribute);
   const bool world = name == "worldMatrix[0]" || name == "wm[0]";
-  if (!(world || name == "matrix" || name == "m") || !(scene_.is_transform(node) || scene_.is_shape(node)))
+  if (!(world || name == "matrix" || name == "m") || !(scene_.nodes.is_transform(node) || scene_.nodes.is_shape(node)))
     throw no_match(attribute);
-  const Affine matrix = world ? scene_.world_matrix(node, time) : scene_.local_matrix(node, time);
+  const Affine matrix = world ? scene_.evaluation.world_matrix(node, time) : scene_.evaluation.local_matrix(node, time);
   std::array<double, 16> flat{};
   for (std::size_t row = 0; row < 4; ++row)
     for (std::size_t column = 0; column < 3; ++column) flat[row * 4 + column] = matrix.m[row][column];
@@ -179,22 +180,22 @@ void Commands::setAttr(const std::string& attribute, const Value& value) {
   const auto [node, name] = attribute_named(scene_, attribute);
   for (const auto& [display, like] : display_attributes()) {
     if (display != name) continue;
-    if (!scene_.has_attribute(node, name)) scene_.add_attribute(node, name, like);
-    return scene_.set_attribute(node, name, converted(value, like));
+    if (!scene_.attributes.has(node, name)) scene_.attributes.add(node, name, like);
+    return scene_.attributes.set(node, name, converted(value, like));
   }
   // A number becomes of the kind that the attribute has.
-  if (!is_number(value) && scene_.type(node) == viz_node::kType && viz_node::default_of(name)) number(value);
-  if (!scene_.set_attribute_if_there(node, name, value)) throw no_match(attribute);
+  if (!is_number(value) && scene_.nodes.type(node) == viz_node::kType && viz_node::default_of(name)) number(value);
+  if (!scene_.attributes.set_if_there(node, name, value)) throw no_match(attribute);
 }
 
 std::vector<double> Commands::keyframe_times(const std::string& node) {
-  return scene_.key_times(node_named(scene_, node));
+  return scene_.curves.key_times(node_named(scene_, node));
 }
 
-double Commands::playbackOptions_min() { return scene_.playback_min(); }
+double Commands::playbackOptions_min() { return scene_.settings.playback_min(); }
 
-double Commands::playbackOptions_max() { return scene_.playback_max(); }
+double Commands::playbackOptions_max() { return scene_.settings.playback_max(); }
 
-double Commands::currentTime() { return scene_.current_time(); }
+double Commands::currentTime() { return scene_.settings.current_time(); }
 
 }  // namespace vantorelix::standalone

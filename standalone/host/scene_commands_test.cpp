@@ -21,10 +21,10 @@ class SceneCommands : public testing::Test {
  protected:
   SceneCommands() {
     Scene& scene = host.scene();
-    left = scene.create_node("transform", "left");
-    right = scene.create_node("transform", "right");
-    left_wrist = scene.create_node("joint", "wrist", left);
-    right_wrist = scene.create_node("joint", "wrist", right);
+    left = scene.nodes.create("transform", "left");
+    right = scene.nodes.create("transform", "right");
+    left_wrist = scene.nodes.create("joint", "wrist", left);
+    right_wrist = scene.nodes.create("joint", "wrist", right);
   }
   host::CommandLayer& cmds() { return host.cmds(); }
 
@@ -109,15 +109,15 @@ TEST_F(SceneCommands, make_a_node_select_it_and_return_its_unique_name) {
 TEST_F(SceneCommands, make_the_viz_node_with_all_its_attributes) {
   cmds().createNode("vantorelix", "vlx_ball_vizShape");
   const Scene& scene = host.scene();
-  const NodeId shape = scene.find("vlx_ball_vizShape");
+  const NodeId shape = scene.names.find("vlx_ball_vizShape");
   ASSERT_NE(shape, kNoNode);
-  EXPECT_EQ(scene.long_name(shape), "|vantorelix1|vlx_ball_vizShape");
+  EXPECT_EQ(scene.names.long_name(shape), "|vantorelix1|vlx_ball_vizShape");
   for (const char* name : {"startFrame", "frameStep", "lineWidth", "pointSize"})
-    EXPECT_TRUE(scene.attribute(shape, name).as_float()) << name;
+    EXPECT_TRUE(scene.attributes.value(shape, name).as_float()) << name;
   for (const char* name : {"showLine", "showDots", "xrayMode"})
-    EXPECT_TRUE(scene.attribute(shape, name).as_bool()) << name;
-  EXPECT_TRUE(scene.attribute(shape, "colorMode").as_int());
-  EXPECT_EQ(scene.attribute(shape, "startFrame"), host::Value(1.0));
+    EXPECT_TRUE(scene.attributes.value(shape, name).as_bool()) << name;
+  EXPECT_TRUE(scene.attributes.value(shape, "colorMode").as_int());
+  EXPECT_EQ(scene.attributes.value(shape, "startFrame"), host::Value(1.0));
 }
 
 TEST_F(SceneCommands, rename_and_return_the_name_that_the_node_got) {
@@ -148,8 +148,8 @@ TEST_F(SceneCommands, make_curves_with_a_shape_each_and_select_the_last) {
   EXPECT_THAT(cmds().listRelatives_shapes("path"), ElementsAre("|path|curveShape1"));
   EXPECT_THAT(cmds().listRelatives_shapes("path1"), ElementsAre("|path1|curveShape2"));
   EXPECT_THAT(cmds().ls_selection(), ElementsAre("|path1"));
-  EXPECT_EQ(host.scene().curve_points(host.scene().find("curveShape1")), points);
-  EXPECT_EQ(host.scene().curve_degree(host.scene().find("curveShape2")), 1);
+  EXPECT_EQ(host.scene().attributes.curve_points(host.scene().names.find("curveShape1")), points);
+  EXPECT_EQ(host.scene().attributes.curve_degree(host.scene().names.find("curveShape2")), 1);
 }
 
 TEST_F(SceneCommands, refuse_a_curve_of_too_few_points_or_no_degree) {
@@ -164,9 +164,9 @@ TEST_F(SceneCommands, refuse_a_curve_of_too_few_points_or_no_degree) {
 
 TEST_F(SceneCommands, read_world_and_local_matrices_at_a_time) {
   Scene& scene = host.scene();
-  scene.set_channel(left, Channel::translateX, 10.0);
-  scene.set_key(left_wrist, Channel::translateY, 1.0, 0.0);
-  scene.set_key(left_wrist, Channel::translateY, 5.0, 8.0);
+  scene.attributes.set_channel(left, Channel::translateX, 10.0);
+  scene.curves.set_key(left_wrist, Channel::translateY, 1.0, 0.0);
+  scene.curves.set_key(left_wrist, Channel::translateY, 5.0, 8.0);
   EXPECT_THAT(cmds().getAttr_matrix("left|wrist.worldMatrix[0]", 5.0),
               ElementsAre(1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 10, 8, 0, 1));
   EXPECT_THAT(cmds().getAttr_matrix("left|wrist.matrix", 5.0),
@@ -182,10 +182,10 @@ TEST_F(SceneCommands, read_world_and_local_matrices_at_a_time) {
 
 TEST_F(SceneCommands, convert_values_to_the_types_of_the_viz_node) {
   const std::string shape = cmds().createNode("vantorelix", "vShape");
-  const NodeId node = host.scene().find(shape);
+  const NodeId node = host.scene().names.find(shape);
   const auto after = [&](const char* attribute, const Value& value) {
     cmds().setAttr(shape + "." + attribute, value);
-    return host.scene().attribute(node, attribute);
+    return host.scene().attributes.value(node, attribute);
   };
   EXPECT_EQ(after("lineWidth", 3), Value(3.0));
   EXPECT_EQ(after("lineWidth", true), Value(1.0));
@@ -197,41 +197,41 @@ TEST_F(SceneCommands, convert_values_to_the_types_of_the_viz_node) {
             "runtime: setAttr: Error reading data element number 1: wide");
   EXPECT_EQ(error_of([&] { after("lineWidth", {}); }), "runtime: setAttr: No values given.");
   EXPECT_EQ(error_of([&] { after("unheardOf", 1); }), "value: No object matches name: vShape.unheardOf");
-  EXPECT_EQ(host.scene().attribute(node, "lineWidth"), Value(1.0));
+  EXPECT_EQ(host.scene().attributes.value(node, "lineWidth"), Value(1.0));
 }
 
 TEST_F(SceneCommands, refuse_to_set_a_locked_attribute) {
   const std::string shape = cmds().createNode("vantorelix", "vShape");
-  host.scene().lock_attribute(host.scene().find(shape), "xrayMode", true);
+  host.scene().attributes.lock(host.scene().names.find(shape), "xrayMode", true);
   EXPECT_THAT(error_of([&] { cmds().setAttr(shape + ".xrayMode", false); }),
               testing::HasSubstr("is locked or connected and cannot be modified."));
   cmds().setAttr(shape + ".colorMode", 1);
-  EXPECT_EQ(host.scene().attribute(host.scene().find(shape), "colorMode"), Value(1));
+  EXPECT_EQ(host.scene().attributes.value(host.scene().names.find(shape), "colorMode"), Value(1));
 }
 
 TEST_F(SceneCommands, set_channels_and_display_attributes_of_a_transform) {
   cmds().setAttr("left.translateX", 4);
-  EXPECT_EQ(host.scene().channel(left, Channel::translateX), 4.0);
+  EXPECT_EQ(host.scene().attributes.channel(left, Channel::translateX), 4.0);
   cmds().setAttr("left.overrideEnabled", 1);
   cmds().setAttr("left.overrideDisplayType", 2);
-  EXPECT_EQ(host.scene().attribute(left, "overrideEnabled"), Value(true));
-  EXPECT_EQ(host.scene().attribute(left, "overrideDisplayType"), Value(2));
+  EXPECT_EQ(host.scene().attributes.value(left, "overrideEnabled"), Value(true));
+  EXPECT_EQ(host.scene().attributes.value(left, "overrideDisplayType"), Value(2));
   EXPECT_EQ(error_of([&] { cmds().setAttr("left.unheardOf", 1); }), "value: No object matches name: left.unheardOf");
 }
 
 TEST_F(SceneCommands, give_key_times_curve_by_curve) {
   Scene& scene = host.scene();
-  scene.set_key(left, Channel::translateY, 3.0, 0.0);
-  scene.set_key(left, Channel::translateY, 7.0, 0.0);
-  scene.set_key(left, Channel::translateX, 3.0, 0.0);
+  scene.curves.set_key(left, Channel::translateY, 3.0, 0.0);
+  scene.curves.set_key(left, Channel::translateY, 7.0, 0.0);
+  scene.curves.set_key(left, Channel::translateX, 3.0, 0.0);
   EXPECT_THAT(cmds().keyframe_times("left"), ElementsAre(3.0, 7.0, 3.0));
   EXPECT_THAT(cmds().keyframe_times("right"), IsEmpty());
   EXPECT_EQ(error_of([&] { cmds().keyframe_times("nobody"); }), "value: No object matches name: nobody");
 }
 
 TEST_F(SceneCommands, give_the_playback_range_and_the_current_time) {
-  host.scene().set_playback_range(5.0, 12.5);
-  host.scene().set_current_time(7.0);
+  host.scene().settings.set_playback_range(5.0, 12.5);
+  host.scene().settings.set_current_time(7.0);
   EXPECT_EQ(cmds().playbackOptions_min(), 5.0);
   EXPECT_EQ(cmds().playbackOptions_max(), 12.5);
   EXPECT_EQ(cmds().currentTime(), 7.0);

@@ -20,14 +20,14 @@ void UndoQueue::begin(std::string name) {
 void UndoQueue::begin_aside() { begin(nullptr); }
 
 void UndoQueue::begin(Entry* entry) {
-  running_.push_back({entry, host_.scene().record(entry ? &entry->changes : nullptr)});
+  running_.push_back({entry, host_.scene().changes.record(entry ? &entry->changes : nullptr)});
 }
 
 void UndoQueue::end(bool succeeded) {
   if (running_.empty()) return;
   const Frame frame = running_.back();
   running_.pop_back();
-  host_.scene().record(frame.outer);
+  host_.scene().changes.record(frame.outer);
   if (frame.entry) {
     Entry& entry = *frame.entry;
     entry.selected_after = host_.selection();
@@ -86,7 +86,7 @@ void UndoQueue::clear() {
   pending_.clear();
   chunk_ = Entry{};
   for (Frame& frame : running_) frame = {nullptr, nullptr};
-  host_.scene().record(nullptr);
+  host_.scene().changes.record(nullptr);
 }
 
 void UndoQueue::require_idle(const char* what) const {
@@ -101,9 +101,9 @@ void UndoQueue::move_last(std::deque<Entry>& from, std::deque<Entry>& to, bool u
   const std::size_t clears = clears_;
   begin_aside();  // what listeners do has entries of its own
   if (undoing) {
-    host_.scene().undo(entry.changes);
+    host_.scene().changes.undo(entry.changes);
   } else {
-    host_.scene().redo(entry.changes);
+    host_.scene().changes.redo(entry.changes);
   }
   if (clears == clears_) {  // else a listener has opened another scene
     if (entry.selected_before != entry.selected_after)

@@ -18,7 +18,7 @@ struct UndoQueueTest : testing::Test {
   Host host{Scene()};
   UndoQueue queue{host};
   Scene& s = host.scene();
-  NodeId ball = s.create_node("transform", "ball");
+  NodeId ball = s.nodes.create("transform", "ball");
 
   template <class Work>
   void command(const char* name, Work work, bool succeeded = true) {
@@ -27,7 +27,7 @@ struct UndoQueueTest : testing::Test {
     queue.end(succeeded);
   }
   void move(double x) {
-    command("move", [&] { s.set_channel(ball, Channel::translateX, x); });
+    command("move", [&] { s.attributes.set_channel(ball, Channel::translateX, x); });
   }
   double x() const { return host_scene().channel(ball, Channel::translateX); }
   const Scene& host_scene() const { return s; }
@@ -60,11 +60,11 @@ TEST_F(UndoQueueTest, ANewCommandDropsWhatCouldBeDoneAgain) {
 TEST_F(UndoQueueTest, WhatIsDoneOutsideOfCommandsHasNoEntryAndDropsNothing) {
   move(1);
   queue.undo();
-  s.set_channel(ball, Channel::translateY, 5);
+  s.attributes.set_channel(ball, Channel::translateY, 5);
   EXPECT_EQ(queue.undo_count(), 0u);
   queue.redo();
   EXPECT_EQ(x(), 1);
-  EXPECT_EQ(s.channel(ball, Channel::translateY), 5);
+  EXPECT_EQ(s.attributes.channel(ball, Channel::translateY), 5);
 }
 
 TEST_F(UndoQueueTest, AFailedCommandHasAnEntryOnlyIfItChangedSomething) {
@@ -72,17 +72,17 @@ TEST_F(UndoQueueTest, AFailedCommandHasAnEntryOnlyIfItChangedSomething) {
       "nothing", [] {}, false);
   EXPECT_EQ(queue.undo_count(), 0u);
   command(
-      "half", [&] { s.set_channel(ball, Channel::translateX, 3); }, false);
+      "half", [&] { s.attributes.set_channel(ball, Channel::translateX, 3); }, false);
   EXPECT_EQ(queue.undo_name(), "half");
   queue.undo();
   EXPECT_EQ(x(), 0);
 }
 
 TEST_F(UndoQueueTest, TheSelectionComesBack) {
-  const NodeId box = s.create_node("transform", "box");
+  const NodeId box = s.nodes.create("transform", "box");
   host.select({ball});
   command("select", [&] { host.select({box, ball}); });
-  command("delete", [&] { s.delete_node(box); });
+  command("delete", [&] { s.nodes.remove(box); });
   EXPECT_THAT(host.selection(), ElementsAre(ball));
   queue.undo();
   EXPECT_THAT(host.selection(), ElementsAre(box, ball));
@@ -141,13 +141,13 @@ TEST_F(UndoQueueTest, WhileOffNothingIsWrittenDownOrDropped) {
   move(2);
   queue.undo();
   queue.set_on(false);
-  command("unseen", [&] { s.set_channel(ball, Channel::translateY, 7); });
+  command("unseen", [&] { s.attributes.set_channel(ball, Channel::translateY, 7); });
   EXPECT_THROW(queue.undo(), host::Error);
   queue.set_on(true);
   EXPECT_EQ(queue.undo_count(), 1u);
   queue.redo();
   EXPECT_EQ(x(), 2);
-  EXPECT_EQ(s.channel(ball, Channel::translateY), 7);
+  EXPECT_EQ(s.attributes.channel(ball, Channel::translateY), 7);
 }
 
 TEST_F(UndoQueueTest, TheOldestEntriesGo) {
@@ -166,21 +166,21 @@ TEST_F(UndoQueueTest, TheOldestEntriesGo) {
 }
 
 struct WithListener : UndoQueueTest {
-  NodeId curve = s.set_key(ball, Channel::translateY, 1, 1);
+  NodeId curve = s.curves.set_key(ball, Channel::translateY, 1, 1);
 
   // What a listener to edited curves does, as a session has it called.
   template <class Work>
   void listen(Work work) {
-    s.set_listener({[this, work](NodeId) {
-                      queue.begin_aside();
-                      work();
-                      queue.end(true);
-                    },
-                    {},
-                    {}});
+    s.changes.set_listener({[this, work](NodeId) {
+                              queue.begin_aside();
+                              work();
+                              queue.end(true);
+                            },
+                            {},
+                            {}});
   }
   void key(double value) {
-    command("key", [&] { s.set_key(curve, 1, value); });
+    command("key", [&] { s.curves.set_key(curve, 1, value); });
   }
 };
 
@@ -190,16 +190,16 @@ TEST_F(WithListener, ItsCommandsHaveEntriesOfTheirOwn) {
   EXPECT_THAT(queue.names(), ElementsAre("key", "move"));
   queue.undo();
   EXPECT_EQ(x(), 0);
-  EXPECT_EQ(s.curve(curve).keys()[0].value, 2);
+  EXPECT_EQ(s.curves.at(curve).keys()[0].value, 2);
 }
 
 TEST_F(WithListener, WhatItDoesWithoutACommandIsNotThatOfTheCommandAround) {
-  listen([this] { s.set_channel(ball, Channel::translateX, 9); });
+  listen([this] { s.attributes.set_channel(ball, Channel::translateX, 9); });
   key(2);
-  s.set_listener({});
+  s.changes.set_listener({});
   queue.undo();
   EXPECT_EQ(x(), 9);
-  EXPECT_EQ(s.curve(curve).keys()[0].value, 1);
+  EXPECT_EQ(s.curves.at(curve).keys()[0].value, 1);
 }
 
 TEST_F(WithListener, WhatIsDoneAgainIsDroppedWhenACommandRunsInsideAnUndo) {
@@ -221,7 +221,7 @@ TEST_F(WithListener, ForgettingInsideACommandForgetsThatCommand) {
   key(2);
   move(1);
   EXPECT_THAT(queue.names(), ElementsAre("move"));
-  s.set_channel(ball, Channel::translateX, 3);
+  s.attributes.set_channel(ball, Channel::translateX, 3);
   listen([this] { queue.clear(); });
   key(4);
   queue.end(true);  // of nothing
@@ -230,7 +230,7 @@ TEST_F(WithListener, ForgettingInsideACommandForgetsThatCommand) {
 
 TEST_F(UndoQueueTest, ItKnowsWhichNodesItCanBringBack) {
   EXPECT_FALSE(queue.keeps(ball));
-  command("delete", [&] { s.delete_node(ball); });
+  command("delete", [&] { s.nodes.remove(ball); });
   EXPECT_TRUE(queue.keeps(ball));
   queue.undo();
   EXPECT_FALSE(queue.keeps(ball));

@@ -14,6 +14,6 @@ const host::Value* default_of(std::string_view attribute) {
   return nullptr;
 }
 
-void define(Scene& scene) { scene.register_shape_type(kType, plain_attributes()); }
+void define(Scene& scene) { scene.nodes.register_shape_type(kType, plain_attributes()); }
 
 }  // namespace vantorelix::standalone::viz_node

@@ -104,17 +104,17 @@ class StandaloneContractHost : public ContractHost {
   explicit StandaloneContractHost(const Placement* unloaded = nullptr) : host_(standalone::Scene(), options(unloaded)) {
     using standalone::Channel;
     standalone::Scene& scene = host_.scene();
-    const auto rig = scene.create_node("transform", "rig");
-    ball_ = scene.create_node("transform", "ball", rig);
-    scene.create_node("transform", "cube");
+    const auto rig = scene.nodes.create("transform", "rig");
+    ball_ = scene.nodes.create("transform", "ball", rig);
+    scene.nodes.create("transform", "cube");
     const auto key = [](double time, double value) {
       return standalone::Key{time, value, standalone::Tangent::linear, standalone::Tangent::linear};
     };
-    const auto curve = scene.set_key(ball_, Channel::translateX, 1.0, 0.0);
-    scene.assign_curve(curve, {key(1.0, 0.0), key(5.0, 8.0)}, false, standalone::Infinity::constant,
-                       standalone::Infinity::constant);
-    scene.set_playback_range(1.0, 5.0);
-    scene.set_current_time(1.0);
+    const auto curve = scene.curves.set_key(ball_, Channel::translateX, 1.0, 0.0);
+    scene.curves.assign(curve, {key(1.0, 0.0), key(5.0, 8.0)}, false, standalone::Infinity::constant,
+                        standalone::Infinity::constant);
+    scene.settings.set_playback_range(1.0, 5.0);
+    scene.settings.set_current_time(1.0);
     host_.set_panel_flag("modelPanel1", "motionTrails", true);
   }
 
@@ -123,13 +123,13 @@ class StandaloneContractHost : public ContractHost {
   double& advance_per_reading() override { return advance_per_reading_; }
   void select(const std::vector<std::string>& names) override {
     std::vector<standalone::NodeId> nodes;
-    for (const std::string& name : names) nodes.push_back(host_.scene().require(name));
+    for (const std::string& name : names) nodes.push_back(host_.scene().names.require(name));
     host_.select(nodes);
   }
   void edit_ball() override {
-    host_.scene().set_key(host_.scene().driving_curve(ball_, standalone::Channel::translateX), 5.0, 8.0);
+    host_.scene().curves.set_key(host_.scene().curves.driving_curve(ball_, standalone::Channel::translateX), 5.0, 8.0);
   }
-  void delete_ball() override { host_.scene().delete_node(ball_); }
+  void delete_ball() override { host_.scene().nodes.remove(ball_); }
   bool run_idle_once() override { return host_.run_idle_once(); }
   void set_playing(bool playing) override { host_.set_playing(playing); }
   void set_reading(bool reading) override {
@@ -140,10 +140,10 @@ class StandaloneContractHost : public ContractHost {
     host_.add_module("Vantorelix", {{"show_trail_mini_menu", std::move(show)}});
   }
   Vectors vectors(const std::string& shape, const std::string& attribute) override {
-    return host_.scene().vectors(host_.scene().require(shape), attribute);
+    return host_.scene().attributes.vectors(host_.scene().names.require(shape), attribute);
   }
   host::Value attribute(const std::string& shape, const std::string& attribute) override {
-    return host_.scene().attribute(host_.scene().require(shape), attribute);
+    return host_.scene().attributes.value(host_.scene().names.require(shape), attribute);
   }
   std::size_t callback_count() override { return host_.callback_count(); }
   std::vector<std::string> warnings() override { return warnings_; }

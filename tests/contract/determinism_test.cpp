@@ -49,11 +49,11 @@ class Hash {
 // The engine must add nothing to what the scene's own, plain evaluation says.
 void expect_positions_of_the_scene(Session& session, const std::string& viz, const Settings& settings) {
   const standalone::Scene& scene = session.scene();
-  const standalone::NodeId source = scene.require(*settings.at("source").as_text());
+  const standalone::NodeId source = scene.names.require(*settings.at("source").as_text());
   const Vectors points = session.vectors(viz, "points");
   for (std::size_t i = 0; i < points->size(); i += 7) {
-    const double frame = scene.playback_min() + static_cast<double>(i) * 0.25;
-    ASSERT_EQ((*points)[i], scene.world_matrix(source, frame).translation()) << viz << " at frame " << frame;
+    const double frame = scene.settings.playback_min() + static_cast<double>(i) * 0.25;
+    ASSERT_EQ((*points)[i], scene.evaluation.world_matrix(source, frame).translation()) << viz << " at frame " << frame;
   }
 }
 
@@ -61,8 +61,9 @@ void expect_positions_of_the_scene(Session& session, const std::string& viz, con
 std::uint64_t hash_of(const std::string& example) {
   Session session(standalone::read_scene(std::string(VANTORELIX_SOURCE_DIR) + "/examples/" + example), 0.0);
   std::vector<standalone::NodeId> animated;
-  for (const standalone::NodeId node : session.scene().nodes())
-    if (session.scene().is_transform(node) && session.scene().is_animated(node)) animated.push_back(node);
+  for (const standalone::NodeId node : session.scene().nodes.all())
+    if (session.scene().nodes.is_transform(node) && session.scene().evaluation.is_animated(node))
+      animated.push_back(node);
   session.host().select(animated);
   session.recorder().set_recording(false);
   create_trail(4);

@@ -33,17 +33,17 @@ constexpr double kLast = 8.0;
 // An arm that turns, a hand on it that slides, and a ball of its own.
 Scene scene_of_three() {
   Scene scene;
-  scene.set_playback_range(kFirst, kLast);
-  const NodeId arm = scene.create_node("transform", "arm");
-  const NodeId hand = scene.create_node("transform", "hand", arm);
-  const NodeId ball = scene.create_node("transform", "ball");
-  scene.set_key(arm, Channel::rotateZ, 1.0, 0.0);
-  scene.set_key(arm, Channel::rotateZ, 8.0, 1.5);
-  scene.set_channel(arm, Channel::translateY, 2.0);
-  scene.set_key(hand, Channel::translateX, 1.0, 3.0);
-  scene.set_key(hand, Channel::translateX, 4.0, 5.0);
-  scene.set_key(ball, Channel::translateZ, 2.0, -1.0);
-  scene.set_key(ball, Channel::translateZ, 6.5, 4.0);
+  scene.settings.set_playback_range(kFirst, kLast);
+  const NodeId arm = scene.nodes.create("transform", "arm");
+  const NodeId hand = scene.nodes.create("transform", "hand", arm);
+  const NodeId ball = scene.nodes.create("transform", "ball");
+  scene.curves.set_key(arm, Channel::rotateZ, 1.0, 0.0);
+  scene.curves.set_key(arm, Channel::rotateZ, 8.0, 1.5);
+  scene.attributes.set_channel(arm, Channel::translateY, 2.0);
+  scene.curves.set_key(hand, Channel::translateX, 1.0, 3.0);
+  scene.curves.set_key(hand, Channel::translateX, 4.0, 5.0);
+  scene.curves.set_key(ball, Channel::translateZ, 2.0, -1.0);
+  scene.curves.set_key(ball, Channel::translateZ, 6.5, 4.0);
   return scene;
 }
 
@@ -84,7 +84,7 @@ void expect_consistent_queue() {
 
 void expect_consistent_registry(Session& session) {
   for (const auto& [viz, settings] : _REGISTRY) {
-    EXPECT_NE(session.scene().find(viz), standalone::kNoNode) << viz;
+    EXPECT_NE(session.scene().names.find(viz), standalone::kNoNode) << viz;
     EXPECT_EQ(settings->size(), 3u);
     EXPECT_TRUE(settings->at("source").as_text());
     EXPECT_TRUE(settings->at("samples_per_frame").as_int());
@@ -118,15 +118,15 @@ bool is_stuck(Session& session) { return _PENDING && session.host().idle_count()
 void expect_exact(Session& session, const std::string& viz, Settings& settings) {
   SCOPED_TRACE(viz);
   const Scene& scene = session.scene();
-  const NodeId source = scene.require(*settings.at("source").as_text());
+  const NodeId source = scene.names.require(*settings.at("source").as_text());
   const auto density = static_cast<double>(*settings.at("samples_per_frame").as_int());
   std::vector<Vector> positions;
   for (int i = 0; i <= static_cast<int>((kLast - kFirst) * density); ++i)
-    positions.push_back(scene.world_matrix(source, kFirst + i / density).translation());
-  std::vector<double> keys = scene.key_times(source);
+    positions.push_back(scene.evaluation.world_matrix(source, kFirst + i / density).translation());
+  std::vector<double> keys = scene.curves.key_times(source);
   std::vector<Vector> key_positions, key_times;
   for (const double t : keys) {
-    key_positions.push_back(scene.world_matrix(source, t).translation());
+    key_positions.push_back(scene.evaluation.world_matrix(source, t).translation());
     key_times.push_back({t, 0.0, 0.0});
   }
   EXPECT_EQ(*session.vectors(viz, "points"), positions);
@@ -140,14 +140,14 @@ void expect_exact(Session& session, const std::string& viz, Settings& settings) 
 
 void select_all(Session& session) {
   Scene& scene = session.scene();
-  session.host().select({scene.require("arm"), scene.require("hand"), scene.require("ball")});
+  session.host().select({scene.names.require("arm"), scene.names.require("hand"), scene.names.require("ball")});
 }
 
 // Keys stay in order of time, one curve an object, so that key times need no sorting to compare.
 void edit(Session& session, double value) {
   Scene& scene = session.scene();
-  const NodeId hand = scene.require("hand");
-  scene.set_key(scene.driving_curve(hand, Channel::translateX), 4.0, value);
+  const NodeId hand = scene.names.require("hand");
+  scene.curves.set_key(scene.curves.driving_curve(hand, Channel::translateX), 4.0, value);
 }
 
 enum class Kind { command, edit, idle };

@@ -38,10 +38,10 @@ TEST(HostDocument, shows_code_that_runs) {
   // clang-format off
   // begin: first trail
   standalone::Scene scene;
-  const standalone::NodeId ball = scene.create_node("transform", "ball");
-  scene.set_key(ball, standalone::Channel::translateX, 1.0, 0.0);
-  scene.set_key(ball, standalone::Channel::translateX, 25.0, 12.0);
-  scene.set_playback_range(1.0, 25.0);
+  const standalone::NodeId ball = scene.nodes.create("transform", "ball");
+  scene.curves.set_key(ball, standalone::Channel::translateX, 1.0, 0.0);
+  scene.curves.set_key(ball, standalone::Channel::translateX, 25.0, 12.0);
+  scene.settings.set_playback_range(1.0, 25.0);
 
   standalone::Host host(std::move(scene));
   _initialise({&host.cmds(), &host.om(), &host.oma(), &host.interpreter()});
@@ -50,8 +50,8 @@ TEST(HostDocument, shows_code_that_runs) {
   create_trail();   // what fits into 0.15 s is exact at once ...
   host.run_idle();  // ... the rest follows in slices, whenever the host is idle
 
-  const standalone::NodeId shape = host.scene().find("vlx_ball_vizShape");
-  const Vectors points = host.scene().vectors(shape, "points");  // 25 positions, one a frame
+  const standalone::NodeId shape = host.scene().names.find("vlx_ball_vizShape");
+  const Vectors points = host.scene().attributes.vectors(shape, "points");  // 25 positions, one a frame
   // end: first trail
   // clang-format on
   ASSERT_TRUE(points);

@@ -38,8 +38,8 @@ class Session {
   void wait(double seconds) { now_ += seconds; }
 
   Vectors vectors(const std::string& viz, const std::string& attribute) {
-    const auto shapes = scene().shapes(scene().require(viz));
-    return scene().vectors(shapes.at(0), attribute);
+    const auto shapes = scene().nodes.shapes(scene().names.require(viz));
+    return scene().attributes.vectors(shapes.at(0), attribute);
   }
 
  private:

@@ -18,23 +18,23 @@ inline ReadOptions with_bounds() {
 // spends its time in the reader. Traps where the two roads disagree.
 inline void use(const Scene& scene) {
   int left = 8;
-  for (const NodeId node : scene.nodes()) {
-    if (!scene.is_transform(node)) continue;
+  for (const NodeId node : scene.nodes.all()) {
+    if (!scene.nodes.is_transform(node)) continue;
     if (left-- == 0) break;
-    Evaluator evaluator(scene, node);
-    for (const double frame : {scene.playback_min(), 0.0, 0.5, 7.25, scene.playback_max()}) {
+    Evaluator evaluator(scene.evaluation, node);
+    for (const double frame : {scene.settings.playback_min(), 0.0, 0.5, 7.25, scene.settings.playback_max()}) {
       const Vector a = evaluator.translation(frame);
-      const Vector b = scene.world_matrix(node, frame).translation();
+      const Vector b = scene.evaluation.world_matrix(node, frame).translation();
       const auto same = [](double x, double y) { return x == y || (x != x && y != y); };
       if (!same(a.x, b.x) || !same(a.y, b.y) || !same(a.z, b.z)) __builtin_trap();
     }
     name_in_file(scene, node);
-    scene.long_name(node);
-    scene.key_times(node);
-    scene.is_animated(node);
-    scene.not_followed(node);
+    scene.names.long_name(node);
+    scene.curves.key_times(node);
+    scene.evaluation.is_animated(node);
+    scene.evaluation.not_followed(node);
   }
-  scene.warnings();
+  scene.warnings.all();
 }
 
 }  // namespace vantorelix::standalone

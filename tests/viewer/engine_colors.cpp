@@ -28,7 +28,7 @@ json triples(const std::vector<Colour>& colors) {
 std::vector<Colour> colors_of(const json& wanted, standalone::Scene& scene) {
   const host::Value n(wanted.at("n").get<std::int64_t>());
   const double start = wanted.at("start"), step = wanted.at("step");
-  scene.set_current_time(wanted.at("current"));
+  scene.settings.set_current_time(wanted.at("current"));
   switch (wanted.at("mode").get<int>()) {
     case 0:
       return compute_standard_colors(n);

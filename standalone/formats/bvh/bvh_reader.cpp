@@ -77,7 +77,7 @@ class BvhReader {
 
   Scene read() {
     try {
-      scene_.set_linear_unit("unknown");
+      scene_.settings.set_linear_unit("unknown");
       read_hierarchy();
       read_motion();
       return std::move(scene_);
@@ -197,7 +197,7 @@ class BvhReader {
     if (++joints_ > kMaxJoints) in_.fail("more than 4000000 joints; is this a BVH file?");
     if (open_.size() == kMaxDepth) in_.fail("more than 2000 joints inside each other; is this a BVH file?");
     if (word() != "{") in_.fail("the joint " + shown(in_file) + " has no '{'; add it or export again");
-    const NodeId node = scene_.create_node(type, wanted, open_.empty() ? kWorld : open_.back().node);
+    const NodeId node = scene_.nodes.create(type, wanted, open_.empty() ? kWorld : open_.back().node);
     keep_name_in_file(scene_, node, in_file);
     open_.push_back({node, false, in_file});
   }
@@ -205,7 +205,7 @@ class BvhReader {
   void read_offset() {
     for (std::size_t axis = 0; axis < 3; ++axis) {
       const double value = number("an offset");
-      scene_.set_channel(open_.back().node, component(Channel::translateX, axis), value);
+      scene_.attributes.set_channel(open_.back().node, component(Channel::translateX, axis), value);
     }
   }
 
@@ -226,7 +226,7 @@ class BvhReader {
         rotations.push_back(static_cast<int>(channel) - static_cast<int>(Channel::rotateX));
       }
     }
-    if (!rotations.empty()) scene_.set_channel(joint.node, Channel::rotateOrder, rotate_order(rotations));
+    if (!rotations.empty()) scene_.attributes.set_channel(joint.node, Channel::rotateOrder, rotate_order(rotations));
   }
 
   Channel read_channel(std::size_t begin) {
@@ -251,16 +251,16 @@ class BvhReader {
     if (frame_time < 1e-9 || frame_time > 1e9) {
       in_.fail("the frame time is no length of time; give the seconds between two rows, as in 'Frame Time: 0.0333333'");
     }
-    scene_.set_frames_per_second(1.0 / frame_time);
+    scene_.settings.set_frames_per_second(1.0 / frame_time);
     if (columns_.empty()) {
-      if (frames > 0) scene_.warn("no joint has channels: the clip does not move");
-      scene_.set_playback_range(0.0, 0.0);
+      if (frames > 0) scene_.warnings.add("no joint has channels: the clip does not move");
+      scene_.settings.set_playback_range(0.0, 0.0);
       return;
     }
     reserve(frames);
     for (double row = 0; row < frames; ++row) read_row(row, frames);
     skip_further_rows();
-    scene_.set_playback_range(0.0, std::max(0.0, frames - 1.0));
+    scene_.settings.set_playback_range(0.0, std::max(0.0, frames - 1.0));
     make_curves(frames > 0);
   }
 
@@ -314,7 +314,7 @@ class BvhReader {
 
   void skip_further_rows() {
     for (skip_space(); !in_.at_end(); skip_space()) {
-      scene_.warn("motion row beyond those that 'Frames:' announces is not read");
+      scene_.warnings.add("motion row beyond those that 'Frames:' announces is not read");
       while (!in_.at_end() && !is_line_end(in_.peek())) in_.skip();
     }
   }
@@ -325,10 +325,10 @@ class BvhReader {
     if (!any) return;
     for (Column& column : columns_) {
       const char* const attribute = kAttributes[static_cast<std::size_t>(column.channel)];
-      const NodeId curve = scene_.create_curve(column.is_rotation() ? CurveKind::angular : CurveKind::linear,
-                                               std::string(scene_.short_name(column.joint)) + "_" + attribute);
-      scene_.assign_curve(curve, std::move(column.keys), false, Infinity::constant, Infinity::constant);
-      scene_.connect(curve, "output", column.joint, attribute);
+      const NodeId curve = scene_.curves.create(column.is_rotation() ? CurveKind::angular : CurveKind::linear,
+                                                std::string(scene_.names.short_name(column.joint)) + "_" + attribute);
+      scene_.curves.assign(curve, std::move(column.keys), false, Infinity::constant, Infinity::constant);
+      scene_.connections.connect(curve, "output", column.joint, attribute);
     }
   }
 

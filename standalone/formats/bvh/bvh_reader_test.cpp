@@ -53,8 +53,8 @@ std::string one_joint(const std::string& channels, const std::string& row) {
 }
 
 void expect_at(const Scene& scene, const std::string& name, double frame, double x, double y, double z) {
-  const NodeId node = scene.require(name);
-  const Vector p = scene.world_matrix(node, frame).translation();
+  const NodeId node = scene.names.require(name);
+  const Vector p = scene.evaluation.world_matrix(node, frame).translation();
   EXPECT_NEAR(p.x, x, 1e-12) << name;
   EXPECT_NEAR(p.y, y, 1e-12) << name;
   EXPECT_NEAR(p.z, z, 1e-12) << name;
@@ -62,9 +62,9 @@ void expect_at(const Scene& scene, const std::string& name, double frame, double
 
 TEST(Bvh, RowKIsFrameKAtTheRateOfTheFrameTime) {
   const Scene scene = read(kTwoJoints);
-  EXPECT_EQ(scene.frames_per_second(), 1.0 / 0.04);
-  EXPECT_EQ(scene.playback_min(), 0.0);
-  EXPECT_EQ(scene.playback_max(), 2.0);
+  EXPECT_EQ(scene.settings.frames_per_second(), 1.0 / 0.04);
+  EXPECT_EQ(scene.settings.playback_min(), 0.0);
+  EXPECT_EQ(scene.settings.playback_max(), 2.0);
   expect_at(scene, "Hips", 0, 0, 100, 0);
   expect_at(scene, "Knee", 0, 0, 90, 0);
   expect_at(scene, "Knee", 1, 20, 100, 0);
@@ -75,11 +75,11 @@ TEST(Bvh, BetweenTheRowsChannelsGoStraight) { expect_at(read(kTwoJoints), "Hips"
 
 TEST(Bvh, EveryJointWithChannelsHasAKeyOnEachRow) {
   const Scene scene = read(kTwoJoints);
-  EXPECT_EQ(scene.key_count(scene.require("Hips")), 18u);
-  EXPECT_EQ(scene.key_count(scene.require("Knee")), 9u);
-  EXPECT_TRUE(scene.has_keys(scene.require("Knee")));
-  EXPECT_FALSE(scene.has_keys(scene.require("Knee_End")));
-  std::vector<double> times = scene.key_times(scene.require("Knee"));
+  EXPECT_EQ(scene.curves.key_count(scene.names.require("Hips")), 18u);
+  EXPECT_EQ(scene.curves.key_count(scene.names.require("Knee")), 9u);
+  EXPECT_TRUE(scene.curves.has_keys(scene.names.require("Knee")));
+  EXPECT_FALSE(scene.curves.has_keys(scene.names.require("Knee_End")));
+  std::vector<double> times = scene.curves.key_times(scene.names.require("Knee"));
   times.resize(3);
   EXPECT_THAT(times, ElementsAre(0.0, 1.0, 2.0));
 }
@@ -112,15 +112,15 @@ TEST(Bvh, AJointWithoutChannelsStandsStill) {
   const Scene scene = read("HIERARCHY" + replaced(replaced(replaced(text.substr(9), "0 0 0  0 0 0\n", "0 0 0\n"),
                                                            "90 0 0  0 0 0\n", "90 0 0\n"),
                                                   "0 0 0  90 0 0\n", "0 0 0\n"));
-  EXPECT_FALSE(scene.has_keys(scene.require("Knee")));
+  EXPECT_FALSE(scene.curves.has_keys(scene.names.require("Knee")));
   expect_at(scene, "Knee", 1, 20, 100, 0);
 }
 
 TEST(Bvh, AClipWithoutAnyChannelsIsASceneThatStandsStill) {
   const Scene scene = read("HIERARCHY ROOT A { OFFSET 1 2 3 CHANNELS 0 } MOTION Frames: 999999999 Frame Time: 1");
   expect_at(scene, "A", 0, 1, 2, 3);
-  EXPECT_EQ(scene.playback_max(), 0.0);
-  EXPECT_EQ(scene.warnings().size(), 1u);
+  EXPECT_EQ(scene.settings.playback_max(), 0.0);
+  EXPECT_EQ(scene.warnings.all().size(), 1u);
 }
 
 TEST(Bvh, LinesMayEndInAnyWay) {
@@ -148,7 +148,7 @@ TEST(Bvh, KeywordsAreReadInAnyCaseAndAnyPlaceOnTheLine) {
       "hierarchy root A { offset 0 0 0 channels 3 XPOSITION yposition zPosition END SITE { Offset 1 0 0 } }\n"
       "motion frames : 1 frame  time : 0.5\n1 2 3");
   expect_at(scene, "A_End", 0, 2, 2, 3);
-  EXPECT_EQ(scene.frames_per_second(), 2.0);
+  EXPECT_EQ(scene.settings.frames_per_second(), 2.0);
 }
 
 TEST(Bvh, SeveralRootsStandSideBySide) {
@@ -157,37 +157,37 @@ TEST(Bvh, SeveralRootsStandSideBySide) {
       "1\n3 4\n");
   expect_at(scene, "A", 0, 3, 0, 0);
   expect_at(scene, "B", 0, 4, 0, 0);
-  EXPECT_EQ(scene.parent(scene.require("B")), kWorld);
+  EXPECT_EQ(scene.nodes.parent(scene.names.require("B")), kWorld);
 }
 
 TEST(Bvh, ANameKeepsWhatTheFileSaysWhereTheSceneCannot) {
   const Scene scene = read(
       "HIERARCHY\nROOT  my hip:left \n{\nCHANNELS 1 Xposition\nJOINT a\n{\n}\nJOINT a\n{\n}\n}\nMOTION\nFrames: "
       "0\nFrame Time: 1\n");
-  const NodeId root = scene.children(kWorld).at(0);
+  const NodeId root = scene.nodes.children(kWorld).at(0);
   EXPECT_EQ(name_in_file(scene, root), "my hip:left");
-  const std::vector<NodeId> joints = scene.children(root);
+  const std::vector<NodeId> joints = scene.nodes.children(root);
   ASSERT_EQ(joints.size(), 2u);
-  EXPECT_NE(scene.short_name(joints[0]), scene.short_name(joints[1]));
+  EXPECT_NE(scene.names.short_name(joints[0]), scene.names.short_name(joints[1]));
   EXPECT_EQ(name_in_file(scene, joints[0]), "a");
   EXPECT_EQ(name_in_file(scene, joints[1]), "a");
 }
 
 TEST(Bvh, AnEndSiteIsNamedAfterItsJoint) {
   const Scene scene = read(kTwoJoints);
-  EXPECT_EQ(name_in_file(scene, scene.require("Knee_End")), "End Site of Knee");
-  EXPECT_EQ(name_in_file(scene, scene.require("Knee")), "Knee");
+  EXPECT_EQ(name_in_file(scene, scene.names.require("Knee_End")), "End Site of Knee");
+  EXPECT_EQ(name_in_file(scene, scene.names.require("Knee")), "Knee");
 }
 
 TEST(Bvh, AllBytesAreGoodInNames) {
   const std::string name("H\xFC\x83n\0x", 6);
   const Scene scene = read(replaced(kTwoJoints, "ROOT Hips", "ROOT " + name));
-  EXPECT_EQ(name_in_file(scene, scene.children(kWorld).at(0)), name);
+  EXPECT_EQ(name_in_file(scene, scene.nodes.children(kWorld).at(0)), name);
 }
 
 TEST(Bvh, TheUnitIsUnknownAndYIsUp) {
-  EXPECT_EQ(read(kTwoJoints).linear_unit(), "unknown");
-  EXPECT_EQ(read(kTwoJoints).up_axis(), 'y');
+  EXPECT_EQ(read(kTwoJoints).settings.linear_unit(), "unknown");
+  EXPECT_EQ(read(kTwoJoints).settings.up_axis(), 'y');
 }
 
 TEST(Bvh, MissingRowsAreAnErrorThatCountsThem) {
@@ -201,9 +201,9 @@ TEST(Bvh, AnAbsurdNumberOfFramesReservesNothing) {
 
 TEST(Bvh, RowsBeyondTheAnnouncedAreLeftOutWithAWarning) {
   const Scene scene = read(std::string(kTwoJoints) + "1 2 3\n\nrubbish\n");
-  ASSERT_EQ(scene.warnings().size(), 1u);
-  EXPECT_EQ(scene.warnings()[0].count, 2u);
-  EXPECT_EQ(scene.playback_max(), 2.0);
+  ASSERT_EQ(scene.warnings.all().size(), 1u);
+  EXPECT_EQ(scene.warnings.all()[0].count, 2u);
+  EXPECT_EQ(scene.settings.playback_max(), 2.0);
 }
 
 TEST(Bvh, ARowOfTheWrongLengthIsAnError) {
@@ -291,9 +291,10 @@ TEST(Bvh, NothingChangesAcrossTheEdgesOfTheWindow) {
 
 TEST(Bvh, BothRoadsOfEvaluationGiveTheSameDoubles) {
   const Scene scene = read(kTwoJoints);
-  Evaluator evaluator(scene, scene.require("Knee_End"));
+  Evaluator evaluator(scene.evaluation, scene.names.require("Knee_End"));
   for (double frame = -1.0; frame <= 3.0; frame += 0.125) {
-    EXPECT_EQ(evaluator.translation(frame), scene.world_matrix(scene.require("Knee_End"), frame).translation());
+    EXPECT_EQ(evaluator.translation(frame),
+              scene.evaluation.world_matrix(scene.names.require("Knee_End"), frame).translation());
   }
 }
 

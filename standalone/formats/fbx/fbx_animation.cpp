@@ -37,7 +37,7 @@ void FbxReader::collect_animation() {
         const auto index = static_cast<std::size_t>(property - kFbxNodeProperties.begin());
         values_[{node->typed_id, index}].push_back({layer, driven.anim_value});
       } else if (name == kFbxPostRotation || name == "RotationOrder") {
-        scene_.warn("an animated " + std::string(name) + " is not followed; it keeps its static value");
+        scene_.warnings.add("an animated " + std::string(name) + " is not followed; it keeps its static value");
       }
     }
   }
@@ -79,16 +79,16 @@ void FbxReader::connect_curves(const ufbx_node& node, std::size_t index, const u
   const NodeId id = id_of(node);
   const double unit = fbx_unit(property);
   const std::array<double, 3> still = numbers_of(value.default_value);
-  const std::string stem = std::string(scene_.short_name(id)) + "_" + property.whole;
+  const std::string stem = std::string(scene_.names.short_name(id)) + "_" + property.whole;
   for (std::size_t k = 0; k < still.size(); ++k) {
     const ufbx_anim_curve* const curve = value.curves[k];
-    scene_.set_channel(id, component(property.first, k), still[k] * unit);
+    scene_.attributes.set_channel(id, component(property.first, k), still[k] * unit);
     if (curve == nullptr || curve->keyframes.count == 0) continue;
     FbxCurve made = convert_curve(*curve, clock_, unit);
     note_keys(made.keys.front().time, made.keys.back().time);
-    const NodeId driver = scene_.create_curve(property.kind, stem + kAxes[k]);
-    scene_.assign_curve(driver, std::move(made.keys), made.weighted, made.pre, made.post);
-    scene_.connect(driver, "output", id, std::string(property.whole) + kAxes[k]);
+    const NodeId driver = scene_.curves.create(property.kind, stem + kAxes[k]);
+    scene_.curves.assign(driver, std::move(made.keys), made.weighted, made.pre, made.post);
+    scene_.connections.connect(driver, "output", id, std::string(property.whole) + kAxes[k]);
   }
 }
 
@@ -106,12 +106,12 @@ void FbxReader::connect_track(std::vector<const ufbx_node*> nodes, std::size_t i
     }
   }
   std::array<double, 3> still{};
-  for (std::size_t k = 0; k < still.size(); ++k) still[k] = scene_.channel(id, component(property.first, k));
+  for (std::size_t k = 0; k < still.size(); ++k) still[k] = scene_.attributes.channel(id, component(property.first, k));
   const auto track =
       make_fbx_track(document_, {anim_, std::move(nodes), property.name, fbx_unit(property), still}, curves);
   if (!track->key_times().empty()) note_keys(track->key_times().front(), track->key_times().back());
-  const std::string name = std::string(scene_.short_name(id)) + "_" + property.whole;
-  scene_.connect(scene_.create_track(track, name), "output", id, property.whole);
+  const std::string name = std::string(scene_.names.short_name(id)) + "_" + property.whole;
+  scene_.connections.connect(scene_.curves.create_track(track, name), "output", id, property.whole);
 }
 
 void FbxReader::note_keys(double first, double last) {
@@ -134,9 +134,9 @@ void FbxReader::inherit_scales() {
     };
     if (std::any_of(chain.begin() + 1, chain.end(), has_scale)) connect_track(std::move(chain), kFbxScaling);
     if (node->parent == nullptr || node->parent->is_root) continue;
-    const bool above = scene_.channel(id_of(*node->parent), Channel::scaleX) != 1.0;
+    const bool above = scene_.attributes.channel(id_of(*node->parent), Channel::scaleX) != 1.0;
     if (above || has_scale(node->parent) || scale_chain(*node->parent).size() > 1) {
-      scene_.connect(id_of(*node->parent), "scale", id, "inverseScale");
+      scene_.connections.connect(id_of(*node->parent), "scale", id, "inverseScale");
     }
   }
 }

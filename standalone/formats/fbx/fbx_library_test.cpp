@@ -20,7 +20,7 @@ double difference_at(const Scene& scene, const ufbx_scene& file, double frame) {
   double worst = 0.0;
   for (const ufbx_node* node : at->nodes) {
     if (node->is_root) continue;
-    const Affine ours = scene.world_matrix(scene.require(node->name.data), frame);
+    const Affine ours = scene.evaluation.world_matrix(scene.names.require(node->name.data), frame);
     for (std::size_t row = 0; row < 4; ++row) {
       const ufbx_vec3& v = node->node_to_world.cols[row];
       worst = std::max(

@@ -79,12 +79,12 @@ void FbxReader::create_nodes() {
     if (node->is_root) continue;
     const std::string name(node->name.data, node->name.length);
     const NodeId parent = node->parent == nullptr ? kWorld : id_of(*node->parent);
-    const NodeId id = scene_.create_node(is_joint(*node) ? "joint" : "transform", name, parent);
+    const NodeId id = scene_.nodes.create(is_joint(*node) ? "joint" : "transform", name, parent);
     keep_name_in_file(scene_, id, name);
     ids_[node->typed_id] = id;
     place(*node, id);
     if (node->mesh != nullptr) find_bounds(*node, id);
-    if (converts_ && parent == kWorld) scene_.set_offset_parent_matrix(id, conversion_);
+    if (converts_ && parent == kWorld) scene_.attributes.set_offset_parent_matrix(id, conversion_);
   }
 }
 
@@ -94,19 +94,20 @@ void FbxReader::place(const ufbx_node& node, NodeId id) {
     if (i == kFbxPreRotation && !node.use_rotation_space) continue;
     std::array<double, 3> values = read_triple(node, property.name, property.rest);
     for (double& value : values) value *= fbx_unit(property);
-    scene_.set_channels(id, property.first, values);
+    scene_.attributes.set_channels(id, property.first, values);
   }
-  scene_.set_channel(id, Channel::rotateOrder, rotate_order(node));
+  scene_.attributes.set_channel(id, Channel::rotateOrder, rotate_order(node));
   if (node.use_rotation_space) {
     std::array<double, 3> angles = read_triple(node, kFbxPostRotation, 0.0);
     for (double& angle : angles) angle *= kRadians;
-    scene_.set_channels(id, Channel::rotateAxisX, inverse_angles(angles));
+    scene_.attributes.set_channels(id, Channel::rotateAxisX, inverse_angles(angles));
     if (node.rotation_order == UFBX_ROTATION_ORDER_SPHERIC) {
-      scene_.warn("a rotation order that is none of the six is taken as xyz");
+      scene_.warnings.add("a rotation order that is none of the six is taken as xyz");
     }
   }
   const bool inherits = node.inherit_mode == UFBX_INHERIT_MODE_NORMAL;
-  if (scene_.type(id) == "joint") scene_.set_channel(id, Channel::segmentScaleCompensate, inherits ? 0.0 : 1.0);
+  if (scene_.nodes.type(id) == "joint")
+    scene_.attributes.set_channel(id, Channel::segmentScaleCompensate, inherits ? 0.0 : 1.0);
 }
 
 // Of the mesh as its file has it, without skins and the like. None where geometry is not read.

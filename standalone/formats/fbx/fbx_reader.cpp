@@ -61,7 +61,7 @@ FbxReader::FbxReader(FbxDocument document, std::string name, const ReadOptions& 
 
 Scene FbxReader::read() {
   try {
-    scene_.set_frames_per_second(clock_.frames_per_second());
+    scene_.settings.set_frames_per_second(clock_.frames_per_second());
     read_units();
     read_axes();
     choose_take();
@@ -70,9 +70,9 @@ Scene FbxReader::read() {
     animate();
     inherit_scales();
     note_unfollowed();
-    const bool has_range = scene_.playback_min() < scene_.playback_max();
+    const bool has_range = scene_.settings.playback_min() < scene_.settings.playback_max();
     // A take that does not say what it plays plays what it has.
-    if (!has_range && first_key_ < last_key_) scene_.set_playback_range(first_key_, last_key_);
+    if (!has_range && first_key_ < last_key_) scene_.settings.set_playback_range(first_key_, last_key_);
     return std::move(scene_);
   } catch (const host::Error& error) {
     throw FormatError(name_, 0, std::string("the scene refuses this file: ") + error.what() + "; export it again");
@@ -82,15 +82,15 @@ Scene FbxReader::read() {
 void FbxReader::read_units() {
   double centimetres = document_->settings.unit_meters * 100.0;
   if (!(centimetres > 0.0 && centimetres < 1e12)) {
-    scene_.warn("the file's unit is no length and taken as centimetres");
+    scene_.warnings.add("the file's unit is no length and taken as centimetres");
     centimetres = 1.0;
   }
-  scene_.set_linear_unit(unit_name(centimetres));
+  scene_.settings.set_linear_unit(unit_name(centimetres));
   if (options_.linear_unit.empty()) return;
   const auto unit = linear_unit_named(options_.linear_unit);
   if (!unit)
     throw FormatError(name_, 0, shown(options_.linear_unit) + " is no unit; give mm, cm, m, km, in, ft, yd or mi");
-  scene_.set_linear_unit(unit->name);
+  scene_.settings.set_linear_unit(unit->name);
   const double scale = centimetres / unit->centimetres;
   converts_ = std::abs(scale - 1.0) > 1e-12;
   if (converts_) conversion_ = turned(kYUp, kYUp, scale);
@@ -100,12 +100,13 @@ void FbxReader::read_axes() {
   ufbx_coordinate_axes axes = document_->settings.axes;
   if (!ufbx_coordinate_axes_valid(axes)) axes = kYUp;
   const bool y_up = axes.up == UFBX_COORDINATE_AXIS_POSITIVE_Y, z_up = axes.up == UFBX_COORDINATE_AXIS_POSITIVE_Z;
-  scene_.set_up_axis(z_up ? 'z' : 'y');
+  scene_.settings.set_up_axis(z_up ? 'z' : 'y');
   if (options_.up_axis == 0) {
-    if (!y_up && !z_up) scene_.warn("neither y nor z points up in this file; choose an up axis to have it turned");
+    if (!y_up && !z_up)
+      scene_.warnings.add("neither y nor z points up in this file; choose an up axis to have it turned");
     return;
   }
-  scene_.set_up_axis(options_.up_axis);
+  scene_.settings.set_up_axis(options_.up_axis);
   if (options_.up_axis == 'y' ? y_up : z_up) return;
   const double scale = conversion_[0];
   conversion_ = turned(axes, options_.up_axis == 'y' ? kYUp : kZUp, scale);
@@ -117,13 +118,13 @@ void FbxReader::choose_take() {
   for (const ufbx_anim_stack* stack : document_->anim_stacks)
     takes.push_back({text_of(stack->name), clock_.frame(stack->time_begin), clock_.frame(stack->time_end)});
   const std::size_t chosen = take_named(options_.take, takes, "take", name_);
-  scene_.set_playback_range(0.0, 0.0);
+  scene_.settings.set_playback_range(0.0, 0.0);
   if (!takes.empty()) {
     anim_ = document_->anim_stacks[chosen]->anim;
     const Take& take = takes[chosen];
-    if (take.first <= take.last) scene_.set_playback_range(take.first, take.last);
+    if (take.first <= take.last) scene_.settings.set_playback_range(take.first, take.last);
   }
-  scene_.set_takes(std::move(takes), chosen);
+  scene_.settings.set_takes(std::move(takes), chosen);
 }
 
 void FbxReader::note_unfollowed() {
@@ -131,11 +132,12 @@ void FbxReader::note_unfollowed() {
   note_connections();
   note_limits();
   for (std::size_t i = 0; i < document_->cache_deformers.count; ++i) {
-    scene_.warn("a point cache moves the points of a mesh, not its node, and is not read: the trail is the node's");
+    scene_.warnings.add(
+        "a point cache moves the points of a mesh, not its node, and is not read: the trail is the node's");
   }
   for (const ufbx_warning& warning : document_->metadata.warnings) {
     if (warning.type == UFBX_WARNING_TRUNCATED_ARRAY || warning.type == UFBX_WARNING_DUPLICATE_OBJECT_ID) {
-      scene_.warn("the file is damaged: " + text_of(warning.description) + "; export it again");
+      scene_.warnings.add("the file is damaged: " + text_of(warning.description) + "; export it again");
     }
   }
 }
@@ -143,8 +145,8 @@ void FbxReader::note_unfollowed() {
 void FbxReader::note_constraints() {
   for (const ufbx_constraint* constraint : document_->constraints) {
     if (!constraint->active || constraint->weight == 0.0) continue;
-    scene_.warn("the constraint " + shown(text_of(constraint->type_name)) +
-                " is not evaluated: what it drives keeps the value in the file; bake it before exporting");
+    scene_.warnings.add("the constraint " + shown(text_of(constraint->type_name)) +
+                        " is not evaluated: what it drives keeps the value in the file; bake it before exporting");
     for (const ufbx_node* node : {constraint->node, constraint->ik_end_node}) {
       if (node != nullptr && !node->is_root) hold_as_unfollowed(*node, "constraint", text_of(constraint->name));
     }
@@ -158,7 +160,7 @@ void FbxReader::note_connections() {
     for (const FbxNodeProperty& property : kFbxNodeProperties) {
       const ufbx_prop* const found = ufbx_find_prop(&node->props, property.name);
       if (found == nullptr || !connected(*found)) continue;
-      scene_.warn("a property that another one drives keeps the value in the file; bake it before exporting");
+      scene_.warnings.add("a property that another one drives keeps the value in the file; bake it before exporting");
       hold_as_unfollowed(*node, "connection", property.name);
     }
   }
@@ -174,7 +176,7 @@ void FbxReader::note_limits() {
       beyond = beyond || leaves_limits(*node, property, limits);
     }
     if (!beyond) continue;
-    scene_.warn("limits are not applied to the values that leave them; bake them before exporting");
+    scene_.warnings.add("limits are not applied to the values that leave them; bake them before exporting");
     hold_as_unfollowed(*node, "limit", "limits");
   }
 }
@@ -203,7 +205,7 @@ bool FbxReader::leaves_limits(const ufbx_node& node, std::size_t property, const
 // Makes a node count as driven by something that is not followed: its rotate axis, which nothing else drives, keeps its
 // value.
 void FbxReader::hold_as_unfollowed(const ufbx_node& node, const char* what, const std::string& name) {
-  scene_.connect(scene_.create_node(what, name), "unfollowed", id_of(node), "rotateAxis");
+  scene_.connections.connect(scene_.nodes.create(what, name), "unfollowed", id_of(node), "rotateAxis");
 }
 
 Scene read_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options) {

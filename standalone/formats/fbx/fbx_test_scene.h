@@ -198,7 +198,7 @@ inline std::string fbx_error(const std::string& bytes, const ReadOptions& option
 }
 
 inline Vector place(const Scene& scene, const std::string& name, double frame = 0.0) {
-  return scene.world_matrix(scene.require(name), frame).translation();
+  return scene.evaluation.world_matrix(scene.names.require(name), frame).translation();
 }
 
 inline void expect_at(const Scene& scene, const std::string& name, double frame, double x, double y, double z) {

@@ -51,20 +51,20 @@ double last_frame(double frame) { return std::ceil(frame - std::max(1e-4, std::a
 class ClipReader {
  public:
   ClipReader(GltfDocument& document, const std::vector<NodeId>& nodes, Scene& scene)
-      : document_(document), nodes_(nodes), scene_(scene), fps_(scene.frames_per_second()) {}
+      : document_(document), nodes_(nodes), scene_(scene), fps_(scene.settings.frames_per_second()) {}
 
   void read(const std::string& wanted) {
     const cgltf_data& data = document_.data();
     if (data.animations_count == 0) {
       if (!wanted.empty()) document_.fail("there is no clip " + shown(wanted) + ": the file has none");
-      scene_.set_playback_range(0.0, 0.0);
+      scene_.settings.set_playback_range(0.0, 0.0);
       return;
     }
     std::vector<Take> takes;
     for (std::size_t i = 0; i < data.animations_count; ++i) takes.push_back(take_of(data.animations[i], i));
     const std::size_t chosen = take_named(wanted, takes, "clip", document_.name());
-    scene_.set_playback_range(takes[chosen].first, takes[chosen].last);
-    scene_.set_takes(std::move(takes), chosen);
+    scene_.settings.set_playback_range(takes[chosen].first, takes[chosen].last);
+    scene_.settings.set_takes(std::move(takes), chosen);
     for (std::size_t i = 0; i < data.animations[chosen].channels_count; ++i) {
       drive(data.animations[chosen].channels[i], i);
     }
@@ -84,7 +84,7 @@ class ClipReader {
   bool is_followed(const cgltf_animation_channel& channel, bool told) {
     if (channel.target_path == cgltf_animation_path_type_weights) return false;  // moves no origin
     if (attribute_of(channel.target_path).empty() || channel.target_node == nullptr) {
-      if (told) scene_.warn("an animation channel without a node, or of an unknown path, is not followed");
+      if (told) scene_.warnings.add("an animation channel without a node, or of an unknown path, is not followed");
       return false;
     }
     return node_of(channel) != kNoNode;
@@ -149,7 +149,7 @@ class ClipReader {
         document_.fail(document_.label(accessor) + " holds key times that go back; export the file again");
       }
       if (!times.frames.empty() && frame == times.frames.back()) {
-        scene_.warn("of two keys at the same time only the later counts");
+        scene_.warnings.add("of two keys at the same time only the later counts");
         times.kept.back() = i;
       } else {
         times.frames.push_back(frame);
@@ -181,13 +181,13 @@ class ClipReader {
     if (!is_followed(channel, true)) return;
     const NodeId node = node_of(channel);
     if (!driven_.insert({node, static_cast<int>(channel.target_path)}).second) {
-      scene_.warn("a second animation channel of the same node and path is not followed");
+      scene_.warnings.add("a second animation channel of the same node and path is not followed");
       return;
     }
     const Times& times = times_of(*channel.sampler->input);
     const GltfNumbers values = values_of(channel, times);
     if (channel.target_node->has_matrix) {
-      scene_.warn(
+      scene_.warnings.add(
           "an animation channel moves a node that is given as a matrix, which takes the place of its part of it");
     }
     const bool rotation = channel.target_path == cgltf_animation_path_type_rotation;
@@ -221,10 +221,10 @@ class ClipReader {
     }
     const bool translation = channel.target_path == cgltf_animation_path_type_translation;
     const std::string attribute = std::string(attribute_of(channel.target_path)) + "XYZ"[axis];
-    const NodeId curve = scene_.create_curve(translation ? CurveKind::linear : CurveKind::unitless,
-                                             std::string(scene_.short_name(node)) + "_" + attribute);
-    scene_.assign_curve(curve, std::move(keys), false, Infinity::constant, Infinity::constant);
-    scene_.connect(curve, "output", node, attribute);
+    const NodeId curve = scene_.curves.create(translation ? CurveKind::linear : CurveKind::unitless,
+                                              std::string(scene_.names.short_name(node)) + "_" + attribute);
+    scene_.curves.assign(curve, std::move(keys), false, Infinity::constant, Infinity::constant);
+    scene_.connections.connect(curve, "output", node, attribute);
   }
 
   void drive_rotation(NodeId node, GltfInterpolation interpolation, const Times& times, const GltfNumbers& values,
@@ -246,9 +246,10 @@ class ClipReader {
       read(3 * i, keys.tangents[key].in);
       read(3 * i + 2, keys.tangents[key].out);
     }
-    const NodeId track = scene_.create_track(std::make_shared<GltfRotation>(std::move(keys), interpolation, fps_),
-                                             std::string(scene_.short_name(node)) + "_rotate");
-    scene_.connect(track, "output", node, "rotate");
+    const NodeId track =
+        scene_.curves.create_track(std::make_shared<GltfRotation>(std::move(keys), interpolation, fps_),
+                                   std::string(scene_.names.short_name(node)) + "_rotate");
+    scene_.connections.connect(track, "output", node, "rotate");
   }
 
   GltfDocument& document_;

@@ -44,7 +44,8 @@ class GltfFolder : public testing::Test {
     try {
       write("inner/scene.gltf", moving(R"({"uri": ")" + uri + R"(", "byteLength": )" + length + "}").text());
       const Scene scene = read_scene(folder_ / "inner/scene.gltf");
-      return scene.world_matrix(scene.require("ball"), 24).translation() == Vector{1, 2, 3} ? "read" : "wrong";
+      return scene.evaluation.world_matrix(scene.names.require("ball"), 24).translation() == Vector{1, 2, 3} ? "read"
+                                                                                                             : "wrong";
     } catch (const FormatError& error) {
       return error.what();
     }
@@ -171,8 +172,8 @@ TEST(GltfDamage, KeysThatManyChannelsShareAreCounted) {
 void must_end(const std::string& bytes) {
   try {
     const Scene scene = read_gltf(bytes, "damaged");
-    for (const NodeId node : scene.nodes()) {
-      if (scene.is_transform(node)) scene.world_matrix(node, 7.25);
+    for (const NodeId node : scene.nodes.all()) {
+      if (scene.nodes.is_transform(node)) scene.evaluation.world_matrix(node, 7.25);
     }
   } catch (const FormatError&) {
     // The one way to refuse a file.

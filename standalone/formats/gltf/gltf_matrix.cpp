@@ -76,16 +76,16 @@ void place_by_matrix(Scene& scene, NodeId node, const std::array<double, 16>& ma
   for (std::size_t i = 0; i < 3; ++i) rows[i] = {matrix[4 * i], matrix[4 * i + 1], matrix[4 * i + 2]};
   const Parts parts = take_apart(rows);
   if (!make_up(parts, rows)) {
-    scene.set_offset_parent_matrix(node, matrix);
+    scene.attributes.set_offset_parent_matrix(node, matrix);
     return;
   }
-  scene.set_channels(node, Channel::translateX, {matrix[12], matrix[13], matrix[14]});
-  scene.set_channels(node, Channel::rotateX, angles_of(parts.rotation, 0));
-  scene.set_channels(node, Channel::scaleX, parts.scale);
+  scene.attributes.set_channels(node, Channel::translateX, {matrix[12], matrix[13], matrix[14]});
+  scene.attributes.set_channels(node, Channel::rotateX, angles_of(parts.rotation, 0));
+  scene.attributes.set_channels(node, Channel::scaleX, parts.scale);
   // What is left of axes at right angles is rounding.
   const bool slanted =
       std::any_of(parts.shear.begin(), parts.shear.end(), [](double s) { return std::abs(s) > 1e-15; });
-  if (slanted) scene.set_channels(node, Channel::shearXY, parts.shear);
+  if (slanted) scene.attributes.set_channels(node, Channel::shearXY, parts.shear);
 }
 
 }  // namespace vantorelix::standalone

@@ -43,8 +43,8 @@ class GltfReader {
 
   Scene read() {
     try {
-      scene_.set_linear_unit("m");
-      scene_.set_frames_per_second(options_.frames_per_second);
+      scene_.settings.set_linear_unit("m");
+      scene_.settings.set_frames_per_second(options_.frames_per_second);
       check_extensions();
       check_hierarchy();
       find_joints();
@@ -63,7 +63,7 @@ class GltfReader {
     for (std::size_t i = 0; i < data_.extensions_required_count; ++i) {
       const std::string extension = gltf_text(data_.extensions_required[i]);
       if (!is_harmless(extension))
-        scene_.warn("the extension " + shown(extension) + ", which the file requires, is not read");
+        scene_.warnings.add("the extension " + shown(extension) + ", which the file requires, is not read");
     }
   }
 
@@ -117,7 +117,7 @@ class GltfReader {
       for (std::size_t i = node->children_count; i-- > 0;) open.push_back({node->children[i], depth + 1});
     }
     for (const NodeId node : nodes_) {
-      if (node == kNoNode) scene_.warn("a node outside of the file's default scene is left out");
+      if (node == kNoNode) scene_.warnings.add("a node outside of the file's default scene is left out");
     }
   }
 
@@ -127,12 +127,12 @@ class GltfReader {
     const std::string in_file = gltf_text(source.name);
     const std::string wanted = in_file.empty() ? "node" + std::to_string(number) : in_file;
     const NodeId parent = source.parent == nullptr ? kWorld : nodes_[number_of(source.parent)];
-    const NodeId node = scene_.create_node(joints_[number] ? "joint" : "transform", wanted, parent);
+    const NodeId node = scene_.nodes.create(joints_[number] ? "joint" : "transform", wanted, parent);
     nodes_[number] = node;
     keep_name_in_file(scene_, node, wanted);
-    scene_.add_attribute(node, kNumberInFile, host::Value(static_cast<std::int64_t>(number)));
+    scene_.attributes.add(node, kNumberInFile, host::Value(static_cast<std::int64_t>(number)));
     // A joint's scale goes on to its children here.
-    if (joints_[number]) scene_.set_channel(node, Channel::segmentScaleCompensate, 0.0);
+    if (joints_[number]) scene_.attributes.set_channel(node, Channel::segmentScaleCompensate, 0.0);
     if (source.has_matrix) {
       place_by_matrix(scene_, node, matrix_of(source));
     } else {
@@ -172,8 +172,9 @@ class GltfReader {
 
   void place(const cgltf_node& source, NodeId node) {
     for (std::size_t i = 0; i < 3; ++i) {
-      scene_.set_channel(node, component(Channel::translateX, i), static_cast<double>(source.translation[i]));
-      scene_.set_channel(node, component(Channel::scaleX, i), static_cast<double>(source.scale[i]));
+      scene_.attributes.set_channel(node, component(Channel::translateX, i),
+                                    static_cast<double>(source.translation[i]));
+      scene_.attributes.set_channel(node, component(Channel::scaleX, i), static_cast<double>(source.scale[i]));
     }
     Quaternion q;
     std::copy(source.rotation, source.rotation + 4, q.begin());
@@ -181,7 +182,7 @@ class GltfReader {
       document_.fail("the rotation of node " + std::to_string(number_of(&source)) +
                      " has no length, or is not finite; correct it or export again");
     }
-    scene_.set_channels(node, Channel::rotateX, angles_of(basis_of(q), 0));
+    scene_.attributes.set_channels(node, Channel::rotateX, angles_of(basis_of(q), 0));
   }
 
   GltfDocument document_;

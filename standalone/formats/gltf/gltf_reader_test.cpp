@@ -30,10 +30,10 @@ TEST(Gltf, ASceneIsInMetresWithYUpAtTheRateAskedFor) {
   ReadOptions options;
   options.frames_per_second = 30.0;
   const Scene scene = clean_gltf(GltfFile().node(kBall).text(), options);
-  EXPECT_EQ(scene.linear_unit(), "m");
-  EXPECT_EQ(scene.up_axis(), 'y');
-  EXPECT_EQ(scene.frames_per_second(), 30.0);
-  EXPECT_EQ(clean_gltf(GltfFile().node(kBall).text()).frames_per_second(), 24.0);
+  EXPECT_EQ(scene.settings.linear_unit(), "m");
+  EXPECT_EQ(scene.settings.up_axis(), 'y');
+  EXPECT_EQ(scene.settings.frames_per_second(), 30.0);
+  EXPECT_EQ(clean_gltf(GltfFile().node(kBall).text()).settings.frames_per_second(), 24.0);
 }
 
 TEST(Gltf, ARateThatIsNoneIsRefused) {
@@ -58,20 +58,20 @@ TEST(Gltf, JointsOfSkinsAreJoints) {
                                      .node(kTip)
                                      .add(R"("skins": [{"joints": [0, 1]}])")
                                      .text());
-  EXPECT_EQ(scene.type(scene.require("ball")), "joint");
+  EXPECT_EQ(scene.nodes.type(scene.names.require("ball")), "joint");
   expect_place(scene, "tip", 0.0, {2.0, 0.0, 0.0});  // scale goes on to the children
 }
 
 TEST(Gltf, NodesKnowTheirNumberAndTheirNameInTheFile) {
   const Scene scene =
       clean_gltf(GltfFile().node("").node(R"("name": "Bone.001")").node(R"("name": "caf\u00e9 \ud83d\ude00")").text());
-  const NodeId first = scene.require("node0");
+  const NodeId first = scene.names.require("node0");
   EXPECT_EQ(name_in_file(scene, first), "node0");
-  EXPECT_EQ(scene.attribute(first, kNumberInFile).to_int(), 0);
-  EXPECT_EQ(name_in_file(scene, scene.require("Bone_001")), "Bone.001");
-  EXPECT_EQ(scene.attribute(scene.require("Bone_001"), kNumberInFile).to_int(), 1);
+  EXPECT_EQ(scene.attributes.value(first, kNumberInFile).to_int(), 0);
+  EXPECT_EQ(name_in_file(scene, scene.names.require("Bone_001")), "Bone.001");
+  EXPECT_EQ(scene.attributes.value(scene.names.require("Bone_001"), kNumberInFile).to_int(), 1);
   bool found = false;
-  for (const NodeId node : scene.nodes()) found |= name_in_file(scene, node) == "caf\xC3\xA9 \xF0\x9F\x98\x80";
+  for (const NodeId node : scene.nodes.all()) found |= name_in_file(scene, node) == "caf\xC3\xA9 \xF0\x9F\x98\x80";
   EXPECT_TRUE(found);
 }
 
@@ -83,15 +83,15 @@ TEST(Gltf, OnlyTheDefaultSceneIsReadAndTheRestCounted) {
                                .add(R"("scenes": [{"nodes": [0]}, {"nodes": [1, 1]}])")
                                .text();
   const Scene first = read_gltf(text, "scene.gltf");
-  EXPECT_EQ(first.find("b"), kNoNode);
-  EXPECT_THAT(first.warnings(), ElementsAre(testing::AllOf(
-                                    Field(&Warning::kind, "a node outside of the file's default scene is left out"),
-                                    Field(&Warning::count, 2u))));
+  EXPECT_EQ(first.names.find("b"), kNoNode);
+  EXPECT_THAT(first.warnings.all(), ElementsAre(testing::AllOf(
+                                        Field(&Warning::kind, "a node outside of the file's default scene is left out"),
+                                        Field(&Warning::count, 2u))));
   std::string second = text;
   second.insert(1, R"("scene": 1, )");
   const Scene scene = read_gltf(second, "scene.gltf");
-  EXPECT_NE(scene.find("|b|c"), kNoNode);
-  EXPECT_EQ(scene.find("ball"), kNoNode);
+  EXPECT_NE(scene.names.find("|b|c"), kNoNode);
+  EXPECT_EQ(scene.names.find("ball"), kNoNode);
 }
 
 // --- matrices ------------------------------------------------------------------------------------------------------
@@ -100,7 +100,7 @@ void expect_matrix(const std::array<double, 16>& m) {
   std::string text;
   for (const double v : m) text += (text.empty() ? "" : ", ") + std::to_string(v);
   const Scene scene = clean_gltf(GltfFile().node(kBall + R"(, "matrix": [)" + text + "]").text());
-  const Affine local = scene.world_matrix(scene.require("ball"), 0.0);
+  const Affine local = scene.evaluation.world_matrix(scene.names.require("ball"), 0.0);
   for (std::size_t i = 0; i < 4; ++i)
     for (std::size_t j = 0; j < 3; ++j)
       EXPECT_NEAR(local.m[i][j], static_cast<double>(std::stof(std::to_string(m[4 * i + j]))), 1e-14) << i << j;
@@ -110,11 +110,11 @@ TEST(GltfMatrix, OfScaleAndRotationIsTakenApartExactly) {
   expect_matrix({0, 2, 0, 0, -3, 0, 0, 0, 0, 0, 4, 0, 5, 6, 7, 1});
   const Scene scene =
       clean_gltf(GltfFile().node(kBall + R"(, "matrix": [0, 2, 0, 0, -3, 0, 0, 0, 0, 0, 4, 0, 5, 6, 7, 1])").text());
-  const NodeId ball = scene.require("ball");
-  EXPECT_NEAR(scene.channel(ball, Channel::rotateZ), std::numbers::pi / 2, 1e-15);
-  EXPECT_EQ(scene.channel(ball, Channel::scaleY), 3.0);
-  EXPECT_EQ(scene.channel(ball, Channel::shearXY), 0.0);
-  EXPECT_EQ(scene.channel(ball, Channel::translateX), 5.0);
+  const NodeId ball = scene.names.require("ball");
+  EXPECT_NEAR(scene.attributes.channel(ball, Channel::rotateZ), std::numbers::pi / 2, 1e-15);
+  EXPECT_EQ(scene.attributes.channel(ball, Channel::scaleY), 3.0);
+  EXPECT_EQ(scene.attributes.channel(ball, Channel::shearXY), 0.0);
+  EXPECT_EQ(scene.attributes.channel(ball, Channel::translateX), 5.0);
 }
 
 TEST(GltfMatrix, OfSlantedAxesIsReproduced) {
@@ -179,7 +179,7 @@ TEST(GltfClip, SplinesHaveTheTangentsOfTheFile) {
   const Scene scene = clean_gltf(file.text());
   // Halfway: half of each value, an eighth of the time times each tangent.
   expect_place(scene, "ball", 24, {2.0 + 2.0 * 3.0 / 8, -2.0 * 1.0 / 8, 1.0});
-  EXPECT_NEAR(scene.channel_at(scene.require("ball"), Channel::scaleX, 24), 1.5 + 2.0 / 8, 1e-12);
+  EXPECT_NEAR(scene.evaluation.channel_at(scene.names.require("ball"), Channel::scaleX, 24), 1.5 + 2.0 / 8, 1e-12);
   expect_place(scene, "ball", 100, {4, 0, 2});
 }
 
@@ -202,13 +202,13 @@ TEST(GltfClip, TranslationsAndScalesAreCurvesWithTheKeysOfTheFile) {
   file.channel(0, "translation", times, file.triples({0, 0, 0, 1, 2, 3, 4, 5, 6}));
   file.channel(1, "rotation", times, file.quadruples({0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 1, 0}));
   const Scene scene = clean_gltf(file.text());
-  const NodeId curve = scene.driving_curve(scene.require("ball"), Channel::translateY);
+  const NodeId curve = scene.curves.driving_curve(scene.names.require("ball"), Channel::translateY);
   ASSERT_NE(curve, kNoNode);
-  ASSERT_EQ(scene.curve(curve).keys().size(), 3u);
-  EXPECT_EQ(scene.curve(curve).keys()[1].time, 24.0);
-  EXPECT_EQ(scene.curve(curve).keys()[1].value, 2.0);
-  EXPECT_THAT(scene.key_times(scene.require("tip")), ElementsAre(12.0, 24.0, 30.0));
-  EXPECT_TRUE(scene.is_animated(scene.require("tip")));
+  ASSERT_EQ(scene.curves.at(curve).keys().size(), 3u);
+  EXPECT_EQ(scene.curves.at(curve).keys()[1].time, 24.0);
+  EXPECT_EQ(scene.curves.at(curve).keys()[1].value, 2.0);
+  EXPECT_THAT(scene.curves.key_times(scene.names.require("tip")), ElementsAre(12.0, 24.0, 30.0));
+  EXPECT_TRUE(scene.evaluation.is_animated(scene.names.require("tip")));
 }
 
 TEST(GltfClip, ARotationThatStaysTheSameAnimatesNothing) {
@@ -216,8 +216,8 @@ TEST(GltfClip, ARotationThatStaysTheSameAnimatesNothing) {
   const std::size_t times = file.scalars({0, 1});
   file.channel(0, "rotation", times, file.quadruples({0, 0, 1, 1, 0, 0, 1, 1}));
   const Scene scene = clean_gltf(file.text());
-  EXPECT_FALSE(scene.is_animated(scene.require("ball")));
-  EXPECT_TRUE(scene.has_keys(scene.require("ball")));
+  EXPECT_FALSE(scene.evaluation.is_animated(scene.names.require("ball")));
+  EXPECT_TRUE(scene.curves.has_keys(scene.names.require("ball")));
 }
 
 TEST(GltfClip, OfTwoKeysAtOneTimeTheLaterCounts) {
@@ -225,7 +225,7 @@ TEST(GltfClip, OfTwoKeysAtOneTimeTheLaterCounts) {
   file.channel(0, "translation", file.scalars({0, 1, 1}), file.triples({0, 0, 0, 1, 1, 1, 2, 2, 2}));
   const Scene scene = read_gltf(file.text(), "scene.gltf");
   expect_place(scene, "ball", 12, {1, 1, 1});
-  EXPECT_THAT(scene.warnings(), Contains(Field(&Warning::kind, HasSubstr("only the later counts"))));
+  EXPECT_THAT(scene.warnings.all(), Contains(Field(&Warning::kind, HasSubstr("only the later counts"))));
 }
 
 // --- clips ---------------------------------------------------------------------------------------------------------
@@ -240,26 +240,26 @@ GltfFile two_clips() {
 
 TEST(GltfClip, TheFirstIsReadUnlessAnotherIsNamed) {
   const Scene scene = clean_gltf(two_clips().text());
-  ASSERT_EQ(scene.takes().size(), 3u);
-  EXPECT_EQ(scene.take(), 0u);
-  EXPECT_EQ(scene.takes()[0].name, "Walk");
-  EXPECT_EQ(scene.takes()[1].name, "clip1");
-  EXPECT_EQ(scene.takes()[2].name, "Walk_2");
+  ASSERT_EQ(scene.settings.takes().size(), 3u);
+  EXPECT_EQ(scene.settings.take(), 0u);
+  EXPECT_EQ(scene.settings.takes()[0].name, "Walk");
+  EXPECT_EQ(scene.settings.takes()[1].name, "clip1");
+  EXPECT_EQ(scene.settings.takes()[2].name, "Walk_2");
   expect_place(scene, "ball", 50, {1, 0, 0});
   ReadOptions options;
   options.take = "clip1";
   const Scene other = clean_gltf(two_clips().text(), options);
-  EXPECT_EQ(other.take(), 1u);
+  EXPECT_EQ(other.settings.take(), 1u);
   expect_place(other, "ball", 60, {0, 1, 0});
 }
 
 TEST(GltfClip, TheRangeIsItsKeysInWholeFrames) {
   const Scene scene = clean_gltf(two_clips().text());
-  EXPECT_EQ(scene.playback_min(), 6.0);
-  EXPECT_EQ(scene.playback_max(), 25.0);  // 1.01 seconds are 24.24 frames
+  EXPECT_EQ(scene.settings.playback_min(), 6.0);
+  EXPECT_EQ(scene.settings.playback_max(), 25.0);  // 1.01 seconds are 24.24 frames
   // Not 51, though a float just above two seconds and two frames says so.
-  EXPECT_EQ(scene.takes()[1].last, 50.0);
-  EXPECT_EQ(scene.takes()[2].last, 0.0);
+  EXPECT_EQ(scene.settings.takes()[1].last, 50.0);
+  EXPECT_EQ(scene.settings.takes()[2].last, 0.0);
 }
 
 TEST(GltfClip, AnUnknownNameListsTheOnesThereAre) {
@@ -272,9 +272,9 @@ TEST(GltfClip, AnUnknownNameListsTheOnesThereAre) {
 
 TEST(GltfClip, ASceneWithoutOneStandsStill) {
   const Scene scene = clean_gltf(ball_and_tip().text());
-  EXPECT_THAT(scene.takes(), IsEmpty());
-  EXPECT_EQ(scene.playback_max(), 0.0);
-  EXPECT_FALSE(scene.is_animated(scene.require("tip")));
+  EXPECT_THAT(scene.settings.takes(), IsEmpty());
+  EXPECT_EQ(scene.settings.playback_max(), 0.0);
+  EXPECT_FALSE(scene.evaluation.is_animated(scene.names.require("tip")));
 }
 
 TEST(GltfClip, WhatItCannotDriveIsSaid) {
@@ -288,7 +288,7 @@ TEST(GltfClip, WhatItCannotDriveIsSaid) {
   const Scene scene = read_gltf(file.text(), "scene.gltf");
   expect_place(scene, "ball", 24, {1, 0, 0});
   std::vector<std::string> kinds;
-  for (const Warning& warning : scene.warnings()) kinds.push_back(warning.kind);
+  for (const Warning& warning : scene.warnings.all()) kinds.push_back(warning.kind);
   EXPECT_THAT(kinds, testing::UnorderedElementsAre(
                          "the extension 'ACME_physics', which the file requires, is not read",
                          "a second animation channel of the same node and path is not followed",
@@ -301,7 +301,7 @@ TEST(GltfClip, AMatrixGivesWayToTheChannelsOfItsNode) {
   file.channel(0, "translation", file.scalars({0, 1}), file.triples({0, 0, 0, 1, 0, 0}));
   const Scene scene = read_gltf(file.text(), "scene.gltf");
   expect_place(scene, "ball", 24, {1, 0, 0});
-  EXPECT_THAT(scene.warnings(), Contains(Field(&Warning::kind, HasSubstr("given as a matrix"))));
+  EXPECT_THAT(scene.warnings.all(), Contains(Field(&Warning::kind, HasSubstr("given as a matrix"))));
 }
 
 }  // namespace

@@ -148,13 +148,13 @@ inline std::string gltf_error(const std::string& bytes, const ReadOptions& optio
 // A scene that must hold nothing to warn of.
 inline Scene clean_gltf(const std::string& bytes, const ReadOptions& options = {}) {
   Scene scene = read_gltf(bytes, "scene.gltf", {}, options);
-  for (const Warning& warning : scene.warnings()) ADD_FAILURE() << warning.kind;
+  for (const Warning& warning : scene.warnings.all()) ADD_FAILURE() << warning.kind;
   return scene;
 }
 
 inline void expect_place(const Scene& scene, const std::string& name, double frame, const Vector& wanted,
                          double tolerance = 1e-12) {
-  const Vector p = scene.world_matrix(scene.require(name), frame).translation();
+  const Vector p = scene.evaluation.world_matrix(scene.names.require(name), frame).translation();
   EXPECT_NEAR(p.x, wanted.x, tolerance) << name << " at " << frame;
   EXPECT_NEAR(p.y, wanted.y, tolerance) << name << " at " << frame;
   EXPECT_NEAR(p.z, wanted.z, tolerance) << name << " at " << frame;

@@ -178,7 +178,7 @@ void CurveDraft::assign_to(Scene& scene, NodeId curve) const {
   for (const Entry& e : entries_) {
     if (e.present) keys.push_back(e.key);
   }
-  scene.assign_curve(curve, std::move(keys), weighted_, pre_, post_);
+  scene.curves.assign(curve, std::move(keys), weighted_, pre_, post_);
 }
 
 }  // namespace vantorelix::standalone

@@ -43,7 +43,7 @@ void MayaReader::read_disconnect() {
   std::string_view name, attribute;
   split(destination, name, attribute);
   const NodeId node = find(name);
-  if (node != kNoNode && !attribute.empty()) scene_.disconnect(node, declared(node, attribute));
+  if (node != kNoNode && !attribute.empty()) scene_.connections.disconnect(node, declared(node, attribute));
 }
 
 void MayaReader::connect(std::string_view source, std::string_view destination) {
@@ -57,8 +57,8 @@ void MayaReader::connect(std::string_view source, std::string_view destination) 
   NodeId driver = find(from_name);
   if (is_mere_link(from)) {
     // An IK chain has no connection to the joints that it turns, only this link from the first of them.
-    const bool chain = scene_.type(target) == "ikHandle" && (to == "hsj" || to == "startJoint");
-    if (chain && driver != kNoNode && scene_.is_transform(driver)) {
+    const bool chain = scene_.nodes.type(target) == "ikHandle" && (to == "hsj" || to == "startJoint");
+    if (chain && driver != kNoNode && scene_.nodes.is_transform(driver)) {
       hold_as_unfollowed(target, driver);
       note_driver(target, driver);
     }
@@ -67,24 +67,24 @@ void MayaReader::connect(std::string_view source, std::string_view destination) 
   if (driver == kNoNode) {
     if (!can_move(target, to)) return;
     note("a connection comes from a node that is not in the file; import the reference it comes from");
-    driver = scene_.create_node("unknown", from_name);
+    driver = scene_.nodes.create("unknown", from_name);
   }
-  if (bounds_ && scene_.type(target) == "mesh") add_primitive(driver, target);
-  scene_.connect(driver, declared(driver, from), target, declared(target, to));
-  if (scene_.type(target) == "reference" && scene_.is_curve(driver)) {
-    note("an animation curve moves something in the missing reference '" + std::string(scene_.short_name(target)) +
-         "' alone; import the reference into the scene");
+  if (bounds_ && scene_.nodes.type(target) == "mesh") add_primitive(driver, target);
+  scene_.connections.connect(driver, declared(driver, from), target, declared(target, to));
+  if (scene_.nodes.type(target) == "reference" && scene_.curves.is_curve(driver)) {
+    note("an animation curve moves something in the missing reference '" +
+         std::string(scene_.names.short_name(target)) + "' alone; import the reference into the scene");
   } else if (can_move(target, to)) {
     note_driver(driver, target);
   }
 }
 
 void MayaReader::add_primitive(NodeId maker, NodeId mesh) {
-  const std::string& type = scene_.type(maker);
+  const std::string& type = scene_.nodes.type(maker);
   if (!is_primitive(type)) return;
   const auto half = [&](const char* brief, const char* full) {
     for (const char* name : {brief, full})
-      if (scene_.has_attribute(maker, name)) return scene_.attribute(maker, name).to_float() / 2.0;
+      if (scene_.attributes.has(maker, name)) return scene_.attributes.value(maker, name).to_float() / 2.0;
     return 0.5;
   };
   // A plane lies on the ground, and its height is its depth.
@@ -99,21 +99,21 @@ void MayaReader::add_primitive(NodeId maker, NodeId mesh) {
 // Whether the attribute bears on a position, be it through the nodes that are followed.
 bool MayaReader::can_move(NodeId destination, std::string_view attribute) const {
   const std::string_view name = last_name(attribute);
-  if (scene_.is_transform(destination)) {
-    return channel_attribute(name) != nullptr || name == "opm" || name == "offsetParentMatrix";
+  if (scene_.nodes.is_transform(destination)) {
+    return channels_named(name) || name == "opm" || name == "offsetParentMatrix";
   }
-  if (scene_.is_curve(destination)) return name == "i" || name == "input";
-  const std::string& type = scene_.type(destination);
+  if (scene_.curves.is_curve(destination)) return name == "i" || name == "input";
+  const std::string& type = scene_.nodes.type(destination);
   return type == "unitConversion" || type == "pairBlend";
 }
 
 void MayaReader::note_driver(NodeId source, NodeId destination) {
-  const std::string& type = scene_.type(source);
+  const std::string& type = scene_.nodes.type(source);
   const bool constraint = type.ends_with("Constraint");
   const bool followed =
-      scene_.is_curve(source) || type == "unitConversion" || type == "pairBlend" ||
-      (scene_.is_transform(source) && scene_.is_registered_type(type) && !constraint && type != "ikHandle");
-  if (followed && !scene_.is_curve(destination)) return;
+      scene_.curves.is_curve(source) || type == "unitConversion" || type == "pairBlend" ||
+      (scene_.nodes.is_transform(source) && scene_.nodes.is_registered_type(type) && !constraint && type != "ikHandle");
+  if (followed && !scene_.curves.is_curve(destination)) return;
   // A curve over anything but time is no curve over time.
   if (!driven_[type].insert(destination).second) return;
   const std::string what = constraint ? "the constraint " : is_driven_key(type) ? "the driven key " : "the node type ";
@@ -123,7 +123,7 @@ void MayaReader::note_driver(NodeId source, NodeId destination) {
 // Makes a node count as driven by something that is not followed, without touching the attributes that may be keyed:
 // its rotate axis keeps its value.
 void MayaReader::hold_as_unfollowed(NodeId driver, NodeId node) {
-  scene_.connect(driver, "unfollowed", node, "rotateAxis");
+  scene_.connections.connect(driver, "unfollowed", node, "rotateAxis");
 }
 
 }  // namespace vantorelix::standalone

@@ -116,9 +116,9 @@ TEST(MayaAscii, BadKeysAreAnErrorOnTheirLine) {
 }
 
 TEST(MayaAscii, UnknownTangentsAndInfinitiesAreWarnedOf) {
-  EXPECT_THAT(read(curve("setAttr \".tan\" 99;setAttr \".ktv[0]\" 1 2;")).warnings(), warns("unknown kind", 1));
-  EXPECT_THAT(read(curve("setAttr \".pre\" 2;setAttr \".ktv[0]\" 1 2;")).warnings(), warns("unknown kind", 1));
-  EXPECT_THAT(read(curve("setAttr \".roti\" 3;setAttr \".ktv[0]\" 1 2;", "animCurveTA")).warnings(),
+  EXPECT_THAT(read(curve("setAttr \".tan\" 99;setAttr \".ktv[0]\" 1 2;")).warnings.all(), warns("unknown kind", 1));
+  EXPECT_THAT(read(curve("setAttr \".pre\" 2;setAttr \".ktv[0]\" 1 2;")).warnings.all(), warns("unknown kind", 1));
+  EXPECT_THAT(read(curve("setAttr \".roti\" 3;setAttr \".ktv[0]\" 1 2;", "animCurveTA")).warnings.all(),
               warns("quaternions", 1));
 }
 
@@ -130,14 +130,14 @@ TEST(MayaAscii, ACurveMovesWhatItIsConnectedTo) {
                                 "connectAttr \":time1.o\" \"c.i\";connectAttr \"c.o\" \":ball.tx\";"}) {
     const Scene scene = clean(kBall + statement);
     expect_at(scene, "ball", 5, 5, 0, 0);
-    EXPECT_TRUE(scene.not_followed(scene.require("ball")).empty());
-    EXPECT_THAT(scene.key_times(scene.require("ball")), ElementsAre(0.0, 10.0));
+    EXPECT_TRUE(scene.evaluation.not_followed(scene.names.require("ball")).empty());
+    EXPECT_THAT(scene.curves.key_times(scene.names.require("ball")), ElementsAre(0.0, 10.0));
   }
 }
 
 TEST(MayaAscii, ADisconnectedCurveMovesNothing) {
   const Scene scene = clean(kBall + "connectAttr \"c.o\" \"ball.tx\";disconnectAttr \"c.o\" \"ball.tx\";");
-  EXPECT_FALSE(scene.has_keys(scene.require("ball")));
+  EXPECT_FALSE(scene.curves.has_keys(scene.names.require("ball")));
 }
 
 TEST(MayaAscii, UnitConversionsAndPairBlendsAreFollowed) {
@@ -170,27 +170,28 @@ TEST(MayaAscii, WhatCannotBeFollowedIsNamedOnceAKindAndMarkedOnTheObject) {
       "connectAttr \"pc.ctx\" \"a.tx\";connectAttr \"pc.cty\" \"a.ty\";connectAttr \"e.out[0]\" \"a.rx\";connectAttr "
       "\"e.out[1]\" \"b.rx\";"
       "connectAttr \"dk.o\" \"b.rz\";connectAttr \"al.o\" \"b.t\";");
-  EXPECT_THAT(scene.warnings(), warns("the constraint 'parentConstraint' is not evaluated", 1));
-  EXPECT_THAT(scene.warnings(), warns("'expression' is not evaluated", 2));
-  EXPECT_THAT(scene.warnings(), warns("the driven key 'animCurveUA' is not evaluated", 1));
-  EXPECT_THAT(scene.warnings(), warns("'animLayerThing' is not evaluated", 1));
-  for (const char* name : {"a", "b", "child"}) EXPECT_FALSE(scene.not_followed(scene.require(name)).empty()) << name;
-  EXPECT_TRUE(scene.not_followed(scene.require("free")).empty());
+  EXPECT_THAT(scene.warnings.all(), warns("the constraint 'parentConstraint' is not evaluated", 1));
+  EXPECT_THAT(scene.warnings.all(), warns("'expression' is not evaluated", 2));
+  EXPECT_THAT(scene.warnings.all(), warns("the driven key 'animCurveUA' is not evaluated", 1));
+  EXPECT_THAT(scene.warnings.all(), warns("'animLayerThing' is not evaluated", 1));
+  for (const char* name : {"a", "b", "child"})
+    EXPECT_FALSE(scene.evaluation.not_followed(scene.names.require(name)).empty()) << name;
+  EXPECT_TRUE(scene.evaluation.not_followed(scene.names.require("free")).empty());
 }
 
 TEST(MayaAscii, ACurveOverSomethingElseThanTimeIsMarked) {
   const Scene scene =
       read(kBall + "createNode timeWarp -n \"w\";connectAttr \"w.o\" \"c.i\";connectAttr \"c.o\" \"ball.tx\";");
-  EXPECT_THAT(scene.warnings(), warns("'timeWarp' is not evaluated", 1));
-  EXPECT_FALSE(scene.not_followed(scene.require("ball")).empty());
+  EXPECT_THAT(scene.warnings.all(), warns("'timeWarp' is not evaluated", 1));
+  EXPECT_FALSE(scene.evaluation.not_followed(scene.names.require("ball")).empty());
 }
 
 TEST(MayaAscii, JointsUnderAnIkHandleAreMarked) {
   const Scene scene = read(
       "createNode joint -n \"hip\";createNode joint -n \"knee\" -p \"hip\";createNode ikHandle -n \"ik\";connectAttr "
       "\"hip.msg\" \"ik.hsj\";");
-  EXPECT_THAT(scene.warnings(), warns("'ikHandle' is not evaluated", 1));
-  EXPECT_FALSE(scene.not_followed(scene.require("knee")).empty());
+  EXPECT_THAT(scene.warnings.all(), warns("'ikHandle' is not evaluated", 1));
+  EXPECT_FALSE(scene.evaluation.not_followed(scene.names.require("knee")).empty());
 }
 
 TEST(MayaAscii, MissingReferencesAreNamedWithWhatTheyWouldMove) {
@@ -202,10 +203,10 @@ TEST(MayaAscii, MissingReferencesAreNamedWithWhatTheyWouldMove) {
       kBall +
       "createNode animCurveTL -n \"d\";connectAttr \"c.o\" \"rigRN.phl[1]\";connectAttr \"d.o\" \"rigRN.phl[2]\";"
       "connectAttr \"rigRN.phl[3]\" \"ball.ty\";connectAttr \"rig:b.tz\" \"ball.tz\";");
-  EXPECT_THAT(scene.warnings(), warns("the reference 'rigRN' to 'scenes/rig.ma' is not opened", 1));
-  EXPECT_THAT(scene.warnings(), warns("missing reference 'rigRN' alone", 2));
-  EXPECT_THAT(scene.warnings(), warns("node that is not in the file", 1));
-  EXPECT_EQ(scene.not_followed(scene.require("ball")).size(), 2u);
+  EXPECT_THAT(scene.warnings.all(), warns("the reference 'rigRN' to 'scenes/rig.ma' is not opened", 1));
+  EXPECT_THAT(scene.warnings.all(), warns("missing reference 'rigRN' alone", 2));
+  EXPECT_THAT(scene.warnings.all(), warns("node that is not in the file", 1));
+  EXPECT_EQ(scene.evaluation.not_followed(scene.names.require("ball")).size(), 2u);
 }
 
 TEST(MayaAscii, AnOffsetParentMatrixMayBeConnected) {

@@ -104,7 +104,7 @@ void MayaReader::read_current_unit() {
     if (flag == "-l" || flag == "-linear") {
       const auto unit = linear_unit_named(argument());
       if (!unit) in_.fail(shown(argument_.text) + " is no linear unit; mm, cm, m, km, in, ft, yd and mi are");
-      scene_.set_linear_unit(unit->name);
+      scene_.settings.set_linear_unit(unit->name);
       centimetres_ = unit->centimetres;
     } else if (flag == "-a" || flag == "-angle") {
       const auto unit = angular_unit_named(argument());
@@ -113,7 +113,7 @@ void MayaReader::read_current_unit() {
     } else if (flag == "-t" || flag == "-time") {
       const auto rate = frame_rate_named(argument());
       if (!rate) in_.fail(shown(argument_.text) + " is no time unit; film, pal, ntsc, 120fps, sec and the like are");
-      scene_.set_frames_per_second(*rate);
+      scene_.settings.set_frames_per_second(*rate);
     }
   }
 }
@@ -164,25 +164,25 @@ void MayaReader::read_create_node() {
   current_name_ = name;
   current_ = shared && parent.empty() && !name.empty() ? find(name) : kNoNode;
   if (current_ == kNoNode) current_ = create(type, name, parent);
-  fresh_curve_ = scene_.is_curve(current_) ? current_ : kNoNode;
+  fresh_curve_ = scene_.curves.is_curve(current_) ? current_ : kNoNode;
 }
 
 NodeId MayaReader::create(const std::string& type, const std::string& name, const std::string& parent) {
   for (const auto& [curve_type, kind] : kCurveTypes) {
-    if (type == curve_type) return scene_.create_curve(kind, name);
+    if (type == curve_type) return scene_.curves.create(kind, name);
   }
   bool missing = false;
   const NodeId above = parent.empty() ? kWorld : parent_named(parent, missing);
   const std::size_t depth = above < depth_.size() ? depth_[above] + 1u : 1u;
   if (depth > kMaxDepth) in_.fail("more than 2000 nodes inside each other; is this a Maya ASCII file?");
-  const NodeId node = scene_.create_node(type, name, above);
-  if (!scene_.is_registered_type(type) && scene_.is_transform(node)) {
+  const NodeId node = scene_.nodes.create(type, name, above);
+  if (!scene_.nodes.is_registered_type(type) && scene_.nodes.is_transform(node)) {
     note("the node type " + shown(type) + " is not known and placed like a plain transform");
   }
   if (depth_.size() <= node) depth_.resize(node + std::size_t{1}, 0);
   depth_[node] = static_cast<std::uint16_t>(depth);
-  if (missing && scene_.is_transform(node)) {
-    if (placeholder_ == kNoNode) placeholder_ = scene_.create_node("reference", "missingParent");
+  if (missing && scene_.nodes.is_transform(node)) {
+    if (placeholder_ == kNoNode) placeholder_ = scene_.nodes.create("reference", "missingParent");
     hold_as_unfollowed(placeholder_, node);
   }
   if (!name.empty()) keep_name_in_file(scene_, node, name);
@@ -191,7 +191,7 @@ NodeId MayaReader::create(const std::string& type, const std::string& name, cons
 
 NodeId MayaReader::parent_named(const std::string& name, bool& missing) {
   const NodeId node = find(name);
-  if (node != kNoNode && scene_.is_transform(node)) return node;
+  if (node != kNoNode && scene_.nodes.is_transform(node)) return node;
   missing = true;
   note("a node's parent is not in the file, and the node stands at the top; import the reference it comes from");
   return kWorld;
@@ -226,7 +226,7 @@ void MayaReader::read_add_attribute() {
       "bool", "byte", "short", "long", "enum", "double", "float", "time", "doubleLinear", "doubleAngle"};
   const bool number = std::find(kNumbers.begin(), kNumbers.end(), type) != kNumbers.end();
   if (current_ == kNoNode || full.empty() || !number || !std::isfinite(value)) return;
-  scene_.add_attribute(current_, full, host::Value(value));
+  scene_.attributes.add(current_, full, host::Value(value));
   if (!brief.empty() && brief != full) declared_[std::to_string(current_) + "." + brief] = full;
 }
 
@@ -254,7 +254,7 @@ void MayaReader::read_parent() {
   for (const std::string& name : names) {
     const NodeId node = find(name);
     if (missing || node == kNoNode) continue;
-    scene_.set_parent(node, above);
+    scene_.nodes.set_parent(node, above);
     if (node < depth_.size()) depth_[node] = static_cast<std::uint16_t>(depth);
   }
 }
@@ -271,14 +271,14 @@ void MayaReader::read_lock_node() {
       node = find(word_.text);
     }
   }
-  if (node != kNoNode) scene_.lock_node(node, locked);
+  if (node != kNoNode) scene_.nodes.lock(node, locked);
 }
 
 // "playbackOptions -min 1 -max 120 -ast 1 -aet 200 ", wherever it stands in the script.
 void MayaReader::read_playback(std::string_view script) {
   const std::size_t start = script.find("playbackOptions");
   if (start == std::string_view::npos) return;
-  double first = scene_.playback_min(), last = scene_.playback_max();
+  double first = scene_.settings.playback_min(), last = scene_.settings.playback_max();
   const std::string_view text = script.substr(start, script.find(';', start) - start);
   const auto value_of = [text](std::string_view flag, double& value) {
     const std::size_t place = text.find(flag);
@@ -291,7 +291,7 @@ void MayaReader::read_playback(std::string_view script) {
   const bool has_first = value_of(" -min ", first) || value_of(" -minTime ", first);
   const bool has_last = value_of(" -max ", last) || value_of(" -maxTime ", last);
   if (!has_first || !has_last || first > last) return;
-  scene_.set_playback_range(first, last);
+  scene_.settings.set_playback_range(first, last);
   has_range_ = true;
 }
 
@@ -300,7 +300,7 @@ void MayaReader::finish() {
   for (const auto& [curve, draft] : drafts_) assign(curve, draft);
   drafts_.clear();
   // A scene that does not say what it plays plays what it has.
-  if (!has_range_ && first_key_ <= last_key_) scene_.set_playback_range(first_key_, last_key_);
+  if (!has_range_ && first_key_ <= last_key_) scene_.settings.set_playback_range(first_key_, last_key_);
   name_all("character", "the character set", "the character sets");
   name_all("animClip", "the clip", "the clips");
 }
@@ -308,11 +308,11 @@ void MayaReader::finish() {
 // What of this type there is and is not played, by name.
 void MayaReader::name_all(const std::string& type, const std::string& one, const std::string& several) {
   constexpr std::size_t kNamed = 8;
-  const auto nodes = scene_.nodes_of_type(type);
+  const auto nodes = scene_.nodes.of_type(type);
   if (nodes.empty()) return;
   std::string names;
   for (std::size_t i = 0; i < std::min(nodes.size(), kNamed); ++i)
-    names += (i == 0 ? " '" : ", '") + std::string(scene_.short_name(nodes[i])) + "'";
+    names += (i == 0 ? " '" : ", '") + std::string(scene_.names.short_name(nodes[i])) + "'";
   if (nodes.size() > kNamed) names += " and " + std::to_string(nodes.size() - kNamed) + " more";
   note((nodes.size() == 1 ? one : several) + names +
        (nodes.size() == 1 ? " is not played; bake it before saving" : " are not played; bake them before saving"));
@@ -322,7 +322,7 @@ NodeId MayaReader::find(std::string_view name) {
   if (name.starts_with(":")) name.remove_prefix(1);
   if (name.empty()) return kNoNode;
   try {
-    return scene_.find(name);
+    return scene_.names.find(name);
   } catch (const host::Error&) {
     note("a name that several nodes bear is used without its path; what it stands for is not known");
     return kNoNode;
@@ -344,9 +344,9 @@ std::string_view MayaReader::declared(NodeId node, std::string_view attribute) c
 void MayaReader::note(const std::string& kind) {
   if (notes_.contains(kind) || notes_.size() < kMaxNotes) {
     notes_.insert(kind);
-    scene_.warn(kind);
+    scene_.warnings.add(kind);
   } else {
-    scene_.warn("something of yet another kind was not read; is the file damaged?");
+    scene_.warnings.add("something of yet another kind was not read; is the file damaged?");
   }
 }
 

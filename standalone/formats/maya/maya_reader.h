@@ -11,18 +11,10 @@
 #include "standalone/formats/maya/curve_draft.h"
 #include "standalone/formats/maya/mel_scanner.h"
 #include "standalone/formats/text_input.h"
+#include "standalone/scene/attributes/channel_names.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::standalone {
-
-// A channel, or three in a row, that an attribute name stands for.
-struct ChannelName {
-  Channel first;
-  int count;
-  bool angle;
-};
-// Long or short; null for a name that is no channel.
-const ChannelName* channel_attribute(std::string_view name);
 
 // What makes the surface of a mesh from a few numbers, which tell its bounds.
 inline bool is_primitive(std::string_view type) { return type == "polyCube" || type == "polyPlane"; }
@@ -54,7 +46,7 @@ class MayaReader {
   // --- maya_set_attr.cpp
   void read_set_attr();
   void set_values(NodeId node, std::string_view attribute, const std::string& type);
-  void set_channels(NodeId node, const ChannelName& name);
+  void set_channels(NodeId node, const NamedChannels& channels);
   void set_offset_parent_matrix(NodeId node);
   void set_curve_shape(NodeId node);
   void set_script();

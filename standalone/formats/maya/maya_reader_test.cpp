@@ -23,14 +23,14 @@ TEST(MayaAscii, CommentsAndLineEndsMayStandAnywhere) {
       "transform\n\t-n\r\n\"a\" ;;\n"
       "setAttr \".t\" -type \"double3\" 1 /* two */ 2\n\t3;// the end");
   expect_at(scene, "a", 1, 1, 2, 3);
-  EXPECT_EQ(scene.find("no"), kNoNode);
+  EXPECT_EQ(scene.names.find("no"), kNoNode);
 }
 
 TEST(MayaAscii, StringsKeepWhatLooksLikeSyntax) {
   const Scene scene =
       clean("fileInfo \"a\" \"; createNode transform -n \\\"no\\\"; // \\\\\";\ncreateNode transform -n \"a\";");
-  EXPECT_EQ(scene.find("no"), kNoNode);
-  EXPECT_NE(scene.find("a"), kNoNode);
+  EXPECT_EQ(scene.names.find("no"), kNoNode);
+  EXPECT_NE(scene.names.find("a"), kNoNode);
 }
 
 TEST(MayaAscii, ACutOffFileIsAnErrorThatNamesWhereTheStatementBegan) {
@@ -56,29 +56,29 @@ TEST(MayaAscii, WordsAndStringsAreBounded) {
 
 TEST(MayaAscii, StatementsOfUnknownKindsAreCounted) {
   const Scene scene = read("createNode transform; foo -x 1; foo; bar \"a\";");
-  EXPECT_THAT(scene.warnings(), warns("'foo' is not read", 2));
-  EXPECT_THAT(scene.warnings(), warns("'bar' is not read", 1));
+  EXPECT_THAT(scene.warnings.all(), warns("'foo' is not read", 2));
+  EXPECT_THAT(scene.warnings.all(), warns("'bar' is not read", 1));
 }
 
 TEST(MayaAscii, KindsOfWarningsAreBounded) {
   std::string text = "createNode transform;";
   for (int i = 0; i < 1000; ++i) text += "foo" + std::to_string(i) + ";";
   const Scene scene = read(text);
-  EXPECT_LE(scene.warnings().size(), 201u);
-  EXPECT_THAT(scene.warnings(), warns("yet another kind", 800));
+  EXPECT_LE(scene.warnings.all().size(), 201u);
+  EXPECT_THAT(scene.warnings.all(), warns("yet another kind", 800));
 }
 
 // --- units ------------------------------------------------------------------------------------------------------
 
 TEST(MayaAscii, WithoutUnitsAFileIsInCentimetresDegreesAndFilmFrames) {
   const Scene scene = clean("createNode transform;");
-  EXPECT_EQ(scene.frames_per_second(), 24.0);
-  EXPECT_EQ(scene.linear_unit(), "cm");
+  EXPECT_EQ(scene.settings.frames_per_second(), 24.0);
+  EXPECT_EQ(scene.settings.linear_unit(), "cm");
 }
 
 TEST(MayaAscii, TimeUnitsAreRates) {
   const auto rate = [](const std::string& unit) {
-    return clean("currentUnit -l cm -a deg -t " + unit + ";").frames_per_second();
+    return clean("currentUnit -l cm -a deg -t " + unit + ";").settings.frames_per_second();
   };
   EXPECT_EQ(rate("game"), 15.0);
   EXPECT_EQ(rate("film"), 24.0);
@@ -95,7 +95,7 @@ TEST(MayaAscii, TimeUnitsAreRates) {
   EXPECT_EQ(rate("sec"), 1.0);
   EXPECT_EQ(rate("min"), 1.0 / 60.0);
   EXPECT_EQ(rate("hour"), 1.0 / 3600.0);
-  EXPECT_EQ(clean("currentUnit -time pal;").frames_per_second(), 25.0);
+  EXPECT_EQ(clean("currentUnit -time pal;").settings.frames_per_second(), 25.0);
 }
 
 TEST(MayaAscii, UnknownUnitsAreAnError) {
@@ -110,7 +110,7 @@ TEST(MayaAscii, LengthsComeOutInTheUnitOfTheFile) {
   const Scene scene = clean(
       "currentUnit -linear meter -a degree -t film;createNode transform -n \"a\";setAttr \".t\" 1 2 3;"
       "setAttr \".opm\" -type \"matrix\" 1 0 0 0 0 1 0 0 0 0 1 0 100 0 0 1;");
-  EXPECT_EQ(scene.linear_unit(), "m");
+  EXPECT_EQ(scene.settings.linear_unit(), "m");
   expect_at(scene, "a", 1, 2, 2, 3);  // matrices are in centimetres always
 }
 
@@ -118,7 +118,7 @@ TEST(MayaAscii, AnglesAreReadInTheUnitOfTheFile) {
   const std::string node = "createNode transform -n \"a\";setAttr \".rz\" ";
   EXPECT_DOUBLE_EQ(clean(node + "90;").channel(1, Channel::rotateZ), 90.0 * kDegree);
   const Scene scene = clean("currentUnit -angle radian;" + node + "1.5;");
-  EXPECT_EQ(scene.channel(scene.require("a"), Channel::rotateZ), 1.5);
+  EXPECT_EQ(scene.attributes.channel(scene.names.require("a"), Channel::rotateZ), 1.5);
 }
 
 // --- nodes ------------------------------------------------------------------------------------------------------
@@ -134,7 +134,7 @@ TEST(MayaAscii, NodesGoUnderTheirParentsWhateverNamesTheyShare) {
 
 TEST(MayaAscii, NamespacesAreGoodNames) {
   const Scene scene = clean("createNode transform -n \"rig:hand:ctl\";setAttr \":rig:hand:ctl.tx\" 4;");
-  EXPECT_EQ(scene.short_name(scene.require("rig:hand:ctl")), "rig:hand:ctl");
+  EXPECT_EQ(scene.names.short_name(scene.names.require("rig:hand:ctl")), "rig:hand:ctl");
   expect_at(scene, "rig:hand:ctl", 1, 4, 0, 0);
 }
 
@@ -142,13 +142,13 @@ TEST(MayaAscii, ASharedNodeIsMadeOnce) {
   const Scene scene = clean(
       "createNode transform -s -n \"persp\";createNode camera -s -n \"perspShape\" -p \"persp\";"
       "createNode transform -s -n \"persp\";setAttr \".tx\" 5;");
-  EXPECT_EQ(scene.nodes_of_type("transform").size(), 1u);
+  EXPECT_EQ(scene.nodes.of_type("transform").size(), 1u);
   expect_at(scene, "persp", 1, 5, 0, 0);
 }
 
 TEST(MayaAscii, BytesOfOtherCodePagesStayInNames) {
   const Scene scene = read("createNode transform -n \"H\xFCgel\x83n\";");
-  EXPECT_EQ(name_in_file(scene, scene.children(kWorld).at(0)), "H\xFCgel\x83n");
+  EXPECT_EQ(name_in_file(scene, scene.nodes.children(kWorld).at(0)), "H\xFCgel\x83n");
 }
 
 TEST(MayaAscii, SelectSaysWhichNodeIsMeant) {
@@ -157,7 +157,7 @@ TEST(MayaAscii, SelectSaysWhichNodeIsMeant) {
       "select -ne :time1;setAttr \".o\" 7;setAttr \".tx\" 9;select -ne :defaultRenderGlobals;setAttr \".tx\" 9;");
   expect_at(scene, "a", 1, 1, 0, 0);
   expect_at(scene, "b", 1, 0, 0, 0);
-  EXPECT_EQ(scene.current_time(), 7.0);
+  EXPECT_EQ(scene.settings.current_time(), 7.0);
 }
 
 TEST(MayaAscii, ParentMovesANodeAndKeepsItsLocalValues) {
@@ -166,32 +166,32 @@ TEST(MayaAscii, ParentMovesANodeAndKeepsItsLocalValues) {
       "createNode transform -n \"c\" -p \"a\";createNode transform -n \"d\" -p \"a\";"
       "parent -s -nc -r \"b\" \"c\" \"|a\";parent -w \"|a|d\";");
   expect_at(scene, "|a|b", 1, 1, 1, 0);
-  EXPECT_NE(scene.find("|d"), kNoNode);
+  EXPECT_NE(scene.names.find("|d"), kNoNode);
 }
 
 TEST(MayaAscii, AFurtherInstanceIsWarnedOf) {
   const Scene scene =
       read("createNode transform -n \"a\";createNode transform -n \"b\";parent -s -nc -r -add \"a\" \"b\";");
-  EXPECT_THAT(scene.warnings(), warns("instance", 1));
-  EXPECT_EQ(scene.parent(scene.require("a")), kWorld);
+  EXPECT_THAT(scene.warnings.all(), warns("instance", 1));
+  EXPECT_EQ(scene.nodes.parent(scene.names.require("a")), kWorld);
 }
 
 TEST(MayaAscii, ALockedNodeCannotBeDeleted) {
   Scene scene = clean(
       "createNode transform -n \"a\";lockNode -l 1 ;createNode transform -n \"b\";lockNode -l on \"b\";lockNode -l off "
       "\"b\";");
-  EXPECT_ANY_THROW(scene.delete_node(scene.require("a")));
-  EXPECT_NO_THROW(scene.delete_node(scene.require("b")));
+  EXPECT_ANY_THROW(scene.nodes.remove(scene.names.require("a")));
+  EXPECT_NO_THROW(scene.nodes.remove(scene.names.require("b")));
 }
 
 TEST(MayaAscii, ANodeWhoseParentIsMissingIsMarked) {
   const Scene scene = read(
       "createNode transform -n \"a\" -p \"rig:top\";createNode transform -n \"b\" -p \"a\";createNode transform -n "
       "\"c\";");
-  EXPECT_THAT(scene.warnings(), warns("parent is not in the file", 1));
-  EXPECT_FALSE(scene.not_followed(scene.require("a")).empty());
-  EXPECT_FALSE(scene.not_followed(scene.require("b")).empty());
-  EXPECT_TRUE(scene.not_followed(scene.require("c")).empty());
+  EXPECT_THAT(scene.warnings.all(), warns("parent is not in the file", 1));
+  EXPECT_FALSE(scene.evaluation.not_followed(scene.names.require("a")).empty());
+  EXPECT_FALSE(scene.evaluation.not_followed(scene.names.require("b")).empty());
+  EXPECT_TRUE(scene.evaluation.not_followed(scene.names.require("c")).empty());
 }
 
 TEST(MayaAscii, NodesOfPluginTypesKeepTheHierarchyWhole) {
@@ -200,8 +200,8 @@ TEST(MayaAscii, NodesOfPluginTypesKeepTheHierarchyWhole) {
       "\"top\";setAttr \".tx\" 2;"
       "createNode fancyGeo -n \"bShape\" -p \"b\";createNode transform -n \"c\" -p \"b\";");
   expect_at(scene, "|top|b|c", 1, 2, 0, 0);
-  EXPECT_TRUE(scene.is_shape(scene.require("bShape")));
-  EXPECT_THAT(scene.warnings(), warns("'fancyTransform' is not known", 1));
+  EXPECT_TRUE(scene.nodes.is_shape(scene.names.require("bShape")));
+  EXPECT_THAT(scene.warnings.all(), warns("'fancyTransform' is not known", 1));
 }
 
 TEST(MayaAscii, NodesInsideEachOtherAreBounded) {
@@ -230,25 +230,25 @@ TEST(MayaAscii, EveryChannelHasItsLongAndItsShortName) {
       "12;"
       "setAttr \".jo\" 13 14 15;setAttr \".rp\" 16 17 18;setAttr \".rpt\" 19 20 21;setAttr \".sp\" 22 23 24;"
       "setAttr \".spt\" 25 26 27;setAttr \".is\" 28 29 30;setAttr \".ro\" 3;setAttr \".ssc\" no;setAttr \".it\" off;");
-  const NodeId a = scene.require("a");
-  EXPECT_DOUBLE_EQ(scene.channel(a, Channel::rotateY), 2 * kDegree);
-  EXPECT_EQ(scene.channel(a, Channel::scaleZ), 6.0);
-  EXPECT_EQ(scene.channel(a, Channel::shearXY), 7.0);
-  EXPECT_EQ(scene.channel(a, Channel::shearYZ), 9.0);
-  EXPECT_DOUBLE_EQ(scene.channel(a, Channel::rotateAxisX), 10 * kDegree);
-  EXPECT_DOUBLE_EQ(scene.channel(a, Channel::jointOrientZ), 15 * kDegree);
-  EXPECT_EQ(scene.channel(a, Channel::rotatePivotX), 16.0);
-  EXPECT_EQ(scene.channel(a, Channel::rotatePivotTranslateY), 20.0);
-  EXPECT_EQ(scene.channel(a, Channel::scalePivotZ), 24.0);
-  EXPECT_EQ(scene.channel(a, Channel::scalePivotTranslateX), 25.0);
-  EXPECT_EQ(scene.channel(a, Channel::inverseScaleY), 29.0);
-  EXPECT_EQ(scene.channel(a, Channel::rotateOrder), 3.0);
-  EXPECT_EQ(scene.channel(a, Channel::segmentScaleCompensate), 0.0);
-  EXPECT_EQ(scene.channel(a, Channel::inheritsTransform), 0.0);
+  const NodeId a = scene.names.require("a");
+  EXPECT_DOUBLE_EQ(scene.attributes.channel(a, Channel::rotateY), 2 * kDegree);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::scaleZ), 6.0);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::shearXY), 7.0);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::shearYZ), 9.0);
+  EXPECT_DOUBLE_EQ(scene.attributes.channel(a, Channel::rotateAxisX), 10 * kDegree);
+  EXPECT_DOUBLE_EQ(scene.attributes.channel(a, Channel::jointOrientZ), 15 * kDegree);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::rotatePivotX), 16.0);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::rotatePivotTranslateY), 20.0);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::scalePivotZ), 24.0);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::scalePivotTranslateX), 25.0);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::inverseScaleY), 29.0);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::rotateOrder), 3.0);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::segmentScaleCompensate), 0.0);
+  EXPECT_EQ(scene.attributes.channel(a, Channel::inheritsTransform), 0.0);
   const Scene full = clean(
       "createNode joint -n \"a\";setAttr \".shearXZ\" 8;setAttr \".rotateAxisY\" 11;setAttr \".jointOrientX\" 13;"
       "setAttr \".rotatePivotTranslateZ\" 21;setAttr \".segmentScaleCompensate\" 0;setAttr \".rotateOrder\" 5;");
-  const NodeId b = full.require("a");
+  const NodeId b = full.names.require("a");
   EXPECT_EQ(full.channel(b, Channel::shearXZ), 8.0);
   EXPECT_DOUBLE_EQ(full.channel(b, Channel::rotateAxisY), 11 * kDegree);
   EXPECT_DOUBLE_EQ(full.channel(b, Channel::jointOrientX), 13 * kDegree);
@@ -261,11 +261,11 @@ TEST(MayaAscii, LockedAttributesAreLockedAndHaveTheirValue) {
   Scene scene = clean(
       "createNode transform -n \"a\";setAttr -l on \".tx\" 4;setAttr -l on -k off \".ty\";setAttr -lock true \".sx\" "
       "2;setAttr -l off \".sx\";");
-  const NodeId a = scene.require("a");
+  const NodeId a = scene.names.require("a");
   expect_at(scene, "a", 1, 4, 0, 0);
-  EXPECT_ANY_THROW(scene.set_attribute(a, "translateX", host::Value(1.0)));
-  EXPECT_ANY_THROW(scene.set_attribute(a, "translateY", host::Value(1.0)));
-  EXPECT_NO_THROW(scene.set_attribute(a, "scaleX", host::Value(1.0)));
+  EXPECT_ANY_THROW(scene.attributes.set(a, "translateX", host::Value(1.0)));
+  EXPECT_ANY_THROW(scene.attributes.set(a, "translateY", host::Value(1.0)));
+  EXPECT_NO_THROW(scene.attributes.set(a, "scaleX", host::Value(1.0)));
 }
 
 TEST(MayaAscii, BadValuesAreAnErrorOrLeftOutWithAWarning) {
@@ -273,9 +273,9 @@ TEST(MayaAscii, BadValuesAreAnErrorOrLeftOutWithAWarning) {
   EXPECT_THAT(error_of("createNode transform;\nsetAttr \".tx\" one;"),
               HasSubstr("scene.ma:2: 'one' stands where a number"));
   EXPECT_THAT(error_of("createNode transform;\nsetAttr \".opm\" 1 2;"), HasSubstr("a matrix has 16 values"));
-  EXPECT_THAT(read("createNode transform;setAttr \".tx\" nan;").warnings(), warns("not finite", 1));
-  EXPECT_THAT(read("createNode transform;setAttr \".ro\" 6;").warnings(), warns("rotate order", 1));
-  EXPECT_THAT(read("createNode transform;setAttr \".ro\" -1;").warnings(), warns("rotate order", 1));
+  EXPECT_THAT(read("createNode transform;setAttr \".tx\" nan;").warnings.all(), warns("not finite", 1));
+  EXPECT_THAT(read("createNode transform;setAttr \".ro\" 6;").warnings.all(), warns("rotate order", 1));
+  EXPECT_THAT(read("createNode transform;setAttr \".ro\" -1;").warnings.all(), warns("rotate order", 1));
 }
 
 TEST(MayaAscii, AttributesThatMoveNothingArePassedOver) {
@@ -295,9 +295,9 @@ TEST(MayaAscii, AnAttributeOfTheFilesOwnIsReadUnderBothItsNames) {
       "addAttr -ci true -sn \"n\" -ln \"notes\" -dt \"string\";addAttr -ln \"plain\" -at \"long\";"
       "createNode transform -n \"b\";addAttr -sn \"bl\" -ln \"blend\" -dv 0.25 -at \"double\";setAttr -k on \".bl\" "
       "0.75;");
-  EXPECT_EQ(scene.attribute(scene.require("a"), "blend").to_float(), 0.25);
-  EXPECT_EQ(scene.attribute(scene.require("a"), "plain").to_float(), 0.0);
-  EXPECT_EQ(scene.attribute(scene.require("b"), "blend").to_float(), 0.75);
+  EXPECT_EQ(scene.attributes.value(scene.names.require("a"), "blend").to_float(), 0.25);
+  EXPECT_EQ(scene.attributes.value(scene.names.require("a"), "plain").to_float(), 0.0);
+  EXPECT_EQ(scene.attributes.value(scene.names.require("b"), "blend").to_float(), 0.75);
 }
 
 // --- range and shapes -------------------------------------------------------------------------------------------
@@ -309,26 +309,26 @@ TEST(MayaAscii, ThePlaybackRangeIsThatOfTheConfigurationNode) {
       "createNode script -n \"sceneConfigurationScriptNode\";"
       "setAttr \".b\" -type \"string\" \"playbackOptions -min -3.5 -max 120 -ast 1 -aet 200 \";setAttr \".st\" 6;" +
       kBall);
-  EXPECT_EQ(scene.playback_min(), -3.5);
-  EXPECT_EQ(scene.playback_max(), 120.0);
+  EXPECT_EQ(scene.settings.playback_min(), -3.5);
+  EXPECT_EQ(scene.settings.playback_max(), 120.0);
 }
 
 TEST(MayaAscii, AScriptMayBeWrittenInPieces) {
   const Scene scene = clean(
       "createNode script -n \"sceneConfigurationScriptNode\";setAttr \".b\" -type \"string\" (\n\"// "
       "hello\\nplaybackOptions -m\"\n\t+ \"in 2 -max 3\");");
-  EXPECT_EQ(scene.playback_min(), 2.0);
-  EXPECT_EQ(scene.playback_max(), 3.0);
+  EXPECT_EQ(scene.settings.playback_min(), 2.0);
+  EXPECT_EQ(scene.settings.playback_max(), 3.0);
 }
 
 TEST(MayaAscii, WithoutAConfigurationNodeTheKeysAreTheRange) {
-  EXPECT_EQ(clean(kBall).playback_min(), 0.0);
-  EXPECT_EQ(clean(kBall).playback_max(), 10.0);
+  EXPECT_EQ(clean(kBall).settings.playback_min(), 0.0);
+  EXPECT_EQ(clean(kBall).settings.playback_max(), 10.0);
   const Scene broken = clean(
       "createNode script -n \"sceneConfigurationScriptNode\";setAttr \".b\" -type \"string\" \"playbackOptions -min 9 "
       "-max 3\";" +
       kBall);
-  EXPECT_EQ(broken.playback_max(), 10.0);
+  EXPECT_EQ(broken.settings.playback_max(), 10.0);
 }
 
 TEST(MayaAscii, ACurveShapeHasItsPoints) {
@@ -336,10 +336,10 @@ TEST(MayaAscii, ACurveShapeHasItsPoints) {
       "createNode transform -n \"curve1\";createNode nurbsCurve -n \"curveShape1\" -p \"curve1\";setAttr -k off \".v\";"
       "setAttr \".cc\" -type \"nurbsCurve\" \n\t3 2 0 no 3\n\t7 0 0 0 1 2 2 2\n\t5\n\t1 2 3\n\t4 5 6\n\t7 8 9\n\t10 11 "
       "12\n\t13 14 15.5\n\t;");
-  const NodeId shape = scene.require("curveShape1");
-  EXPECT_EQ(scene.curve_degree(shape), 3);
-  ASSERT_EQ(scene.curve_points(shape).size(), 5u);
-  EXPECT_EQ(scene.curve_points(shape)[4], (Vector{13, 14, 15.5}));
+  const NodeId shape = scene.names.require("curveShape1");
+  EXPECT_EQ(scene.attributes.curve_degree(shape), 3);
+  ASSERT_EQ(scene.attributes.curve_points(shape).size(), 5u);
+  EXPECT_EQ(scene.attributes.curve_points(shape)[4], (Vector{13, 14, 15.5}));
   EXPECT_THAT(error_of("createNode transform -n \"a\";createNode nurbsCurve -n \"s\" -p \"a\";setAttr \".cc\" -type "
                        "\"nurbsCurve\" 1 1 0 no 3 2 0 1 99999999999 1 2 3;"),
               HasSubstr("fewer points than it announces"));
@@ -368,18 +368,18 @@ TEST(MayaAscii, GoingToAndFroBetweenLongCurvesTakesNoLongerThanReadingThem) {
   // Quadratic, this would be 800 million keys.
   const Scene scene = clean(text);
   EXPECT_EQ(only_curve(scene).keys()[19999].value, 2.0);
-  EXPECT_EQ(scene.curve(scene.require("d")).keys()[19999].in, Tangent::flat);
+  EXPECT_EQ(scene.curves.at(scene.names.require("d")).keys()[19999].in, Tangent::flat);
 }
 
 TEST(MayaAscii, NamesCharacterSetsAndClipsThatItDoesNotPlay) {
   const Scene one = read("createNode character -n \"hero\";createNode animClip -n \"wave\";");
   EXPECT_THAT(
-      one.warnings(),
+      one.warnings.all(),
       UnorderedElementsAre(Field(&Warning::kind, "the character set 'hero' is not played; bake it before saving"),
                            Field(&Warning::kind, "the clip 'wave' is not played; bake it before saving")));
   std::string clips;
   for (int i = 0; i < 10; ++i) clips += "createNode animClip -n \"c" + std::to_string(i) + "\";";
-  EXPECT_THAT(read(clips).warnings(),
+  EXPECT_THAT(read(clips).warnings.all(),
               ElementsAre(Field(&Warning::kind,
                                 "the clips 'c0', 'c1', 'c2', 'c3', 'c4', 'c5', 'c6', 'c7' and 2 more are "
                                 "not played; bake them before saving")));
@@ -396,7 +396,7 @@ TEST(MayaAscii, ReadsTheHeadersOfManyVersions) {
                               "fileInfo \"UUID\" \"8F3A\";\ncreateNode transform -n \"ball\";\n"
                               "\trename -uid \"0E29FC62-4828-4A3E-A79A-B4A3D560A8FE\";\n\tsetAttr \".t\" -type "
                               "\"double3\" 1 2 3 ;\n// End of a.ma\n");
-    EXPECT_EQ(scene.frames_per_second(), 25.0);
+    EXPECT_EQ(scene.settings.frames_per_second(), 25.0);
     expect_at(scene, "ball", 1.0, 1.0, 2.0, 3.0);
   }
 }
@@ -414,8 +414,8 @@ TEST(ReadScene, NamesWhatItReadsWhenTheExtensionIsAnother) {
 TEST(ReadScene, ReadsTheExamplesByTheirExtension) {
   for (const char* name : {"bounce.ma", "arm.ma", "prop.ma", "walk.bvh"}) {
     const Scene scene = read_scene(std::filesystem::path(VANTORELIX_SOURCE_DIR) / "examples" / name);
-    EXPECT_THAT(scene.warnings(), IsEmpty()) << name;
-    EXPECT_GT(scene.playback_max(), scene.playback_min()) << name;
+    EXPECT_THAT(scene.warnings.all(), IsEmpty()) << name;
+    EXPECT_GT(scene.settings.playback_max(), scene.settings.playback_min()) << name;
   }
 }
 

@@ -12,49 +12,6 @@
 #include "standalone/formats/maya/maya_reader.h"
 
 namespace vantorelix::standalone {
-namespace {
-
-using ChannelNames = std::unordered_map<std::string, ChannelName>;
-
-void add_compound(ChannelNames& names, const std::string& full, const std::string& brief, Channel first, bool angle) {
-  const bool shear = first == Channel::shearXY;
-  const std::array<const char*, 3> ends =
-      shear ? std::array<const char*, 3>{"XY", "XZ", "YZ"} : std::array<const char*, 3>{"X", "Y", "Z"};
-  const std::array<const char*, 3> brief_ends =
-      shear ? std::array<const char*, 3>{"xy", "xz", "yz"} : std::array<const char*, 3>{"x", "y", "z"};
-  names[full] = names[brief] = {first, 3, angle};
-  for (std::size_t k = 0; k < 3; ++k) {
-    names[full + ends[k]] = names[brief + brief_ends[k]] = {component(first, k), 1, angle};
-  }
-}
-
-ChannelNames make_channel_names() {
-  ChannelNames names;
-  add_compound(names, "translate", "t", Channel::translateX, false);
-  add_compound(names, "rotate", "r", Channel::rotateX, true);
-  add_compound(names, "scale", "s", Channel::scaleX, false);
-  add_compound(names, "shear", "sh", Channel::shearXY, false);
-  add_compound(names, "rotateAxis", "ra", Channel::rotateAxisX, true);
-  add_compound(names, "jointOrient", "jo", Channel::jointOrientX, true);
-  add_compound(names, "rotatePivot", "rp", Channel::rotatePivotX, false);
-  add_compound(names, "rotatePivotTranslate", "rpt", Channel::rotatePivotTranslateX, false);
-  add_compound(names, "scalePivot", "sp", Channel::scalePivotX, false);
-  add_compound(names, "scalePivotTranslate", "spt", Channel::scalePivotTranslateX, false);
-  add_compound(names, "inverseScale", "is", Channel::inverseScaleX, false);
-  names["rotateOrder"] = names["ro"] = {Channel::rotateOrder, 1, false};
-  names["inheritsTransform"] = names["it"] = {Channel::inheritsTransform, 1, false};
-  names["segmentScaleCompensate"] = names["ssc"] = {Channel::segmentScaleCompensate, 1, false};
-  return names;
-}
-
-}  // namespace
-
-const ChannelName* channel_attribute(std::string_view name) {
-  static const ChannelNames names = make_channel_names();
-  const auto found = names.find(std::string(name));
-  return found == names.end() ? nullptr : &found->second;
-}
-
 void MayaReader::read_set_attr() {
   std::string plug, type;
   std::optional<bool> lock;
@@ -85,31 +42,31 @@ void MayaReader::read_set_attr() {
   if (!name.empty()) current_name_ = name;
   if (node == kNoNode) {
     const bool time = current_name_ == ":time1" && (attribute == "o" || attribute == "outTime");
-    if (time && read_numbers(1)) scene_.set_current_time(numbers_[0]);
+    if (time && read_numbers(1)) scene_.settings.set_current_time(numbers_[0]);
     return;
   }
   set_values(node, attribute, type);
-  if (lock && scene_.is_transform(node) && scene_.has_attribute(node, attribute)) {
-    scene_.lock_attribute(node, attribute, *lock);
+  if (lock && scene_.nodes.is_transform(node) && scene_.attributes.has(node, attribute)) {
+    scene_.attributes.lock(node, attribute, *lock);
   }
 }
 
 void MayaReader::set_values(NodeId node, std::string_view attribute, const std::string& type) {
-  if (scene_.is_curve(node)) {
+  if (scene_.curves.is_curve(node)) {
     const AttributePath path(attribute);
     draft(node).read(path, words_);
     return;
   }
-  const std::string& node_type = scene_.type(node);
-  if (scene_.is_transform(node)) {
+  const std::string& node_type = scene_.nodes.type(node);
+  if (scene_.nodes.is_transform(node)) {
     const std::size_t dot = attribute.rfind('.');
     const std::string_view last = dot == std::string_view::npos ? attribute : attribute.substr(dot + 1);
-    if (const ChannelName* const channels = channel_attribute(last)) return set_channels(node, *channels);
+    if (const auto channels = channels_named(last)) return set_channels(node, *channels);
     if (attribute == "opm" || attribute == "offsetParentMatrix") return set_offset_parent_matrix(node);
   } else if (node_type == "nurbsCurve" && type == "nurbsCurve") {
     return set_curve_shape(node);
   } else if (node_type == "script" && (attribute == "b" || attribute == "before")) {
-    if (scene_.short_name(node) == "sceneConfigurationScriptNode") set_script();
+    if (scene_.names.short_name(node) == "sceneConfigurationScriptNode") set_script();
     return;
   }
   if (bounds_ && node_type == "mesh" && (attribute.starts_with("vt[") || attribute.starts_with("vrts[")))
@@ -121,16 +78,17 @@ void MayaReader::set_values(NodeId node, std::string_view attribute, const std::
   }
 }
 
-void MayaReader::set_channels(NodeId node, const ChannelName& name) {
-  if (!read_numbers(static_cast<std::size_t>(name.count))) return;
-  if (numbers_.size() < static_cast<std::size_t>(name.count)) {
+void MayaReader::set_channels(NodeId node, const NamedChannels& channels) {
+  if (!read_numbers(channels.count)) return;
+  if (numbers_.size() < channels.count) {
     in_.fail(words_.line(), "fewer values than the attribute has parts; correct the statement or export again");
   }
-  if (name.first == Channel::rotateOrder && !(numbers_[0] >= 0.0 && numbers_[0] <= 5.0)) {
+  if (channels.first == Channel::rotateOrder && !(numbers_[0] >= 0.0 && numbers_[0] <= 5.0)) {
     return note("a rotate order that is none of the six is not taken");
   }
+  const double unit = is_angle(channels.first) ? radians_ : 1.0;
   for (std::size_t k = 0; k < numbers_.size(); ++k) {
-    scene_.set_channel(node, component(name.first, k), name.angle ? numbers_[k] * radians_ : numbers_[k]);
+    scene_.attributes.set_channel(node, component(channels.first, k), numbers_[k] * unit);
   }
 }
 
@@ -144,7 +102,7 @@ void MayaReader::set_offset_parent_matrix(NodeId node) {
   std::array<double, 16> matrix{};
   std::copy(numbers_.begin(), numbers_.end(), matrix.begin());
   for (std::size_t k = 12; k < 15; ++k) matrix[k] /= centimetres_;
-  scene_.set_offset_parent_matrix(node, matrix);
+  scene_.attributes.set_offset_parent_matrix(node, matrix);
 }
 
 // degree, spans, form, rational, dimension; knots and their count; points and theirs.
@@ -172,7 +130,7 @@ void MayaReader::set_curve_shape(NodeId node) {
   if (!whole || !(degree >= 1.0 && degree <= 7.0)) {
     in_.fail(words_.line(), "the curve has fewer points than it announces; the file is damaged, export it again");
   }
-  scene_.set_curve_points(node, static_cast<int>(degree), std::move(points));
+  scene_.attributes.set_curve_points(node, static_cast<int>(degree), std::move(points));
 }
 
 void MayaReader::set_script() {
@@ -194,9 +152,9 @@ void MayaReader::set_number(NodeId node, const std::string& attribute) {
   double value = 0.0;
   if (!words_.next_number(value)) return;
   const bool angle =
-      scene_.type(node) == "pairBlend" && (attribute.starts_with("ir") || attribute.starts_with("inRot"));
+      scene_.nodes.type(node) == "pairBlend" && (attribute.starts_with("ir") || attribute.starts_with("inRot"));
   if (angle) value *= radians_ / (std::numbers::pi / 180.0);
-  if (std::isfinite(value)) scene_.add_attribute(node, attribute, host::Value(value));
+  if (std::isfinite(value)) scene_.attributes.add(node, attribute, host::Value(value));
 }
 
 // Up to `limit` numbers; false, and a note, where one is not finite, and false where there is none.
@@ -212,7 +170,7 @@ bool MayaReader::read_numbers(std::size_t limit) {
 CurveDraft& MayaReader::draft(NodeId curve) {
   const auto found = drafts_.find(curve);
   if (found != drafts_.end()) return found->second;
-  const AnimCurve& start = scene_.curve(curve);
+  const AnimCurve& start = scene_.curves.at(curve);
   CurveUnits units;
   if (start.kind() == CurveKind::angular) units.value = radians_;
   if (start.kind() == CurveKind::linear) units.tangent = 1.0 / centimetres_;
@@ -224,7 +182,7 @@ void MayaReader::assign(NodeId curve, const CurveDraft& draft) {
   draft.assign_to(scene_, curve);
   if (draft.unknown_type()) note("a tangent or infinity of an unknown kind is taken as auto or constant");
   if (draft.quaternion()) note("a curve that turns by quaternions is evaluated as Euler angles");
-  const std::vector<Key>& keys = scene_.curve(curve).keys();
+  const std::vector<Key>& keys = scene_.curves.at(curve).keys();
   if (keys.empty()) return;
   const bool first = first_key_ > last_key_;
   first_key_ = first ? keys.front().time : std::min(first_key_, keys.front().time);

@@ -27,12 +27,12 @@ inline std::string error_of(const std::string& text) {
 // A scene that must hold nothing to warn of.
 inline Scene clean(const std::string& text) {
   Scene scene = read(text);
-  for (const Warning& warning : scene.warnings()) ADD_FAILURE() << warning.kind;
+  for (const Warning& warning : scene.warnings.all()) ADD_FAILURE() << warning.kind;
   return scene;
 }
 
 inline Vector place(const Scene& scene, const std::string& name, double frame = 1.0) {
-  return scene.world_matrix(scene.require(name), frame).translation();
+  return scene.evaluation.world_matrix(scene.names.require(name), frame).translation();
 }
 
 inline void expect_at(const Scene& scene, const std::string& name, double frame, double x, double y, double z) {
@@ -52,7 +52,7 @@ inline std::string curve(const std::string& values, const std::string& type = "a
   return "createNode " + type + " -n \"c\";" + values;
 }
 
-inline const AnimCurve& only_curve(const Scene& scene) { return scene.curve(scene.require("c")); }
+inline const AnimCurve& only_curve(const Scene& scene) { return scene.curves.at(scene.names.require("c")); }
 
 // A transform that nothing drives yet, and a straight curve for it: frame f, value f.
 inline const std::string kBall =

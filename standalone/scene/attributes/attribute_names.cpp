@@ -171,6 +171,16 @@ bool is_angle(Channel c) {
          whole == compound_of(id_of(Channel::jointOrientX));
 }
 
+std::optional<NamedChannels> channels_named(std::string_view name, bool joint) {
+  static const AttributeNames kNames;
+  const AttributeId id = kNames.find(joint ? NameSet::joint : NameSet::transform, name);
+  if (id != AttributeNames::kNone && is_channel(id)) return NamedChannels{static_cast<Channel>(id), 1};
+  if (id != AttributeNames::kNone && is_compound(id)) return NamedChannels{static_cast<Channel>(first_part(id)), 3};
+  return std::nullopt;
+}
+
+const std::string& name_of(Channel c) { return known().texts[id_of(c)]; }
+
 AttributeId AttributeNames::find(NameSet set, std::string_view name) const {
   name = plain(name);
   const bool compound = name.find('.') != std::string_view::npos;

@@ -1,4 +1,4 @@
-// Attribute names, long and short, as numbers.
+// Attribute names, long and short, as numbers. For the files of standalone/scene only.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "standalone/scene/attributes/channel_names.h"
 #include "standalone/scene/names/hash_index.h"
-#include "standalone/scene/scene.h"
+#include "standalone/scene/transforms/channel.h"
 
 namespace vantorelix::standalone {
 
@@ -65,8 +66,6 @@ constexpr AttributeId part_count(AttributeId id) { return is_compound(id) || is_
 constexpr AttributeId part(AttributeId compound, AttributeId k) {
   return is_compound(compound) ? first_part(compound) + k : compound + 1 + k;
 }
-// Shown in degrees and kept in radians.
-bool is_angle(Channel c);
 
 // What short names mean depends on the kind of node.
 enum class NameSet : std::uint8_t { transform, joint, shape, curve, unit_conversion, pair_blend, other };

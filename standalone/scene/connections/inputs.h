@@ -1,4 +1,5 @@
 // What drives a node: its incoming connections, in the order in which they were made.
+// For the files of standalone/scene only.
 #pragma once
 
 #include <cstddef>
@@ -6,6 +7,7 @@
 #include <vector>
 
 #include "standalone/scene/attributes/attribute_names.h"
+#include "standalone/scene/names/node_id.h"
 
 namespace vantorelix::standalone {
 

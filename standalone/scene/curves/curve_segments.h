@@ -1,4 +1,4 @@
-// The pieces that a curve is evaluated from, one between each two keys.
+// The pieces that a curve is evaluated from, one between each two keys. For the files of this folder only.
 #pragma once
 
 #include <limits>

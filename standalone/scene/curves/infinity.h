@@ -1,4 +1,4 @@
-// Where a frame beyond the keys lies within them, for curves that repeat.
+// Where a frame beyond the keys lies within them, for curves that repeat. For the files of this folder only.
 #pragma once
 
 #include "standalone/scene/curves/curve_key.h"

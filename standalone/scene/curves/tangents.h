@@ -1,4 +1,4 @@
-// How steeply a curve leaves and enters its keys.
+// How steeply a curve leaves and enters its keys. For the files of this folder only.
 #pragma once
 
 #include "standalone/scene/curves/curve_key.h"

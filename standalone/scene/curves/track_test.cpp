@@ -28,52 +28,53 @@ class Ramp : public Track {
 class TrackTest : public testing::Test {
  protected:
   Scene scene_;
-  NodeId ball_ = scene_.create_node("transform", "ball");
-  NodeId track_ = scene_.create_track(std::make_shared<Ramp>(), "ball_track");
+  NodeId ball_ = scene_.nodes.create("transform", "ball");
+  NodeId track_ = scene_.curves.create_track(std::make_shared<Ramp>(), "ball_track");
 };
 
 TEST_F(TrackTest, DrivesTheThreeChannelsOfACompound) {
-  scene_.connect(track_, "output", ball_, "translate");
-  EXPECT_EQ(scene_.world_matrix(ball_, 2.5).translation(), (Vector{2.5, 5.0, 7.5}));
-  EXPECT_EQ(scene_.channel_at(ball_, Channel::translateY, 3.0), 6.0);
-  EXPECT_THAT(scene_.not_followed(ball_), IsEmpty());
+  scene_.connections.connect(track_, "output", ball_, "translate");
+  EXPECT_EQ(scene_.evaluation.world_matrix(ball_, 2.5).translation(), (Vector{2.5, 5.0, 7.5}));
+  EXPECT_EQ(scene_.evaluation.channel_at(ball_, Channel::translateY, 3.0), 6.0);
+  EXPECT_THAT(scene_.evaluation.not_followed(ball_), IsEmpty());
 }
 
 TEST_F(TrackTest, GivesTheSameDoublesToBothWaysOfEvaluation) {
-  const NodeId child = scene_.create_node("transform", "child", ball_);
-  scene_.set_channel(child, Channel::translateX, 1.0);
-  scene_.connect(track_, "output", ball_, "rotate");
-  Evaluator evaluator(scene_, child);
+  const NodeId child = scene_.nodes.create("transform", "child", ball_);
+  scene_.attributes.set_channel(child, Channel::translateX, 1.0);
+  scene_.connections.connect(track_, "output", ball_, "rotate");
+  Evaluator evaluator(scene_.evaluation, child);
   for (const double frame : {-3.0, 0.0, 0.1, 2.0, 50.0})
-    EXPECT_EQ(evaluator.translation(frame), scene_.world_matrix(child, frame).translation());
+    EXPECT_EQ(evaluator.translation(frame), scene_.evaluation.world_matrix(child, frame).translation());
 }
 
 TEST_F(TrackTest, CountsAsKeysAndAnimationOfWhatItDrives) {
-  EXPECT_FALSE(scene_.has_keys(ball_));
-  EXPECT_FALSE(scene_.is_animated(ball_));
-  scene_.connect(track_, "output", ball_, "rotate");
-  EXPECT_TRUE(scene_.has_keys(ball_));
-  EXPECT_TRUE(scene_.is_animated(ball_));
-  EXPECT_THAT(scene_.key_times(ball_), ElementsAre(2.0, 7.0));
-  EXPECT_EQ(scene_.key_count(ball_), 2u);
+  EXPECT_FALSE(scene_.curves.has_keys(ball_));
+  EXPECT_FALSE(scene_.evaluation.is_animated(ball_));
+  scene_.connections.connect(track_, "output", ball_, "rotate");
+  EXPECT_TRUE(scene_.curves.has_keys(ball_));
+  EXPECT_TRUE(scene_.evaluation.is_animated(ball_));
+  EXPECT_THAT(scene_.curves.key_times(ball_), ElementsAre(2.0, 7.0));
+  EXPECT_EQ(scene_.curves.key_count(ball_), 2u);
 }
 
 TEST_F(TrackTest, ThatDoesNotMoveAnimatesNothing) {
-  scene_.connect(scene_.create_track(std::make_shared<Ramp>(false), "still"), "output", ball_, "translate");
-  EXPECT_FALSE(scene_.is_animated(ball_));
-  EXPECT_TRUE(scene_.has_keys(ball_));
+  scene_.connections.connect(scene_.curves.create_track(std::make_shared<Ramp>(false), "still"), "output", ball_,
+                             "translate");
+  EXPECT_FALSE(scene_.evaluation.is_animated(ball_));
+  EXPECT_TRUE(scene_.curves.has_keys(ball_));
 }
 
 TEST_F(TrackTest, GoesWithTheLastThingThatItDrives) {
-  scene_.connect(track_, "output", ball_, "translate");
-  scene_.delete_node(ball_);
-  EXPECT_FALSE(scene_.exists(track_));
+  scene_.connections.connect(track_, "output", ball_, "translate");
+  scene_.nodes.remove(ball_);
+  EXPECT_FALSE(scene_.nodes.exists(track_));
 }
 
 TEST_F(TrackTest, CannotDriveASingleChannel) {
-  scene_.connect(track_, "output", ball_, "translateX");
-  EXPECT_EQ(scene_.world_matrix(ball_, 4.0).translation(), (Vector{0.0, 0.0, 0.0}));
-  EXPECT_EQ(scene_.not_followed(ball_).size(), 1u);
+  scene_.connections.connect(track_, "output", ball_, "translateX");
+  EXPECT_EQ(scene_.evaluation.world_matrix(ball_, 4.0).translation(), (Vector{0.0, 0.0, 0.0}));
+  EXPECT_EQ(scene_.evaluation.not_followed(ball_).size(), 1u);
 }
 
 }  // namespace

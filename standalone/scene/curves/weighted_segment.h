@@ -1,4 +1,5 @@
 // The stretch between two keys of a weighted curve: a Bezier whose time is as free as its value.
+// For the files of this folder only.
 #pragma once
 
 namespace vantorelix::standalone {

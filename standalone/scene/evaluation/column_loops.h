@@ -1,5 +1,6 @@
 // Rotations and matrix products of many times at once, over columns: a column for each of the twelve numbers. The loops
 // are compiled once for each width of register, and every width gives the same doubles: nothing is fused.
+// For the files of this folder only.
 #pragma once
 
 #include <cstddef>

@@ -4,7 +4,6 @@
 #include <optional>
 #include <utility>
 
-#include "standalone/scene/graph/scene_data.h"
 #include "standalone/scene/transforms/rotation_blend.h"
 
 namespace vantorelix::standalone {
@@ -28,7 +27,7 @@ double default_of(const Node& node, AttributeId attribute) {
   return unit ? 1.0 : 0.0;
 }
 
-double static_value(const Scene::Data& scene, const Node& node, AttributeId attribute) {
+double static_value(const Graph& scene, const Node& node, AttributeId attribute) {
   if (is_channel(attribute) && node.channels) return (*node.channels)[attribute];
   const host::Value* value = scene.stored(node, attribute);
   return value ? number_of(*value) : default_of(node, attribute);
@@ -36,7 +35,7 @@ double static_value(const Scene::Data& scene, const Node& node, AttributeId attr
 
 class Compiler {
  public:
-  Compiler(const Scene::Data& scene, Expression& expression) : scene_(scene), expression_(expression) {}
+  Compiler(const Graph& scene, Expression& expression) : scene_(scene), expression_(expression) {}
 
   using Result = std::optional<std::uint16_t>;
 
@@ -182,7 +181,7 @@ class Compiler {
     return std::nullopt;
   }
 
-  const Scene::Data& scene_;
+  const Graph& scene_;
   Expression& expression_;
   std::vector<std::pair<NodeId, AttributeId>> path_;
   std::vector<std::pair<std::pair<NodeId, AttributeId>, std::uint16_t>> done_;
@@ -190,7 +189,7 @@ class Compiler {
 
 }  // namespace
 
-std::string compile_driver(const Scene::Data& scene, NodeId node, AttributeId attribute, Expression& expression) {
+std::string compile_driver(const Graph& scene, NodeId node, AttributeId attribute, Expression& expression) {
   expression.operations.clear();
   Compiler compiler(scene, expression);
   const auto result = compiler.plug(scene.at(node), attribute);
@@ -200,7 +199,7 @@ std::string compile_driver(const Scene::Data& scene, NodeId node, AttributeId at
   return {};
 }
 
-void refresh_values(const Scene::Data& scene, Expression& expression) {
+void refresh_values(const Graph& scene, Expression& expression) {
   for (Operation& o : expression.operations)
     if (o.kind == Kind::value) o.number = static_value(scene, scene.at(o.node), o.attribute);
 }

@@ -1,4 +1,5 @@
 // A driven channel whose driver is more than one animation curve, as a list of operations.
+// For the files of this folder only.
 #pragma once
 
 #include <array>
@@ -9,7 +10,7 @@
 
 #include "standalone/scene/attributes/attribute_names.h"
 #include "standalone/scene/curves/anim_curve.h"
-#include "standalone/scene/scene.h"
+#include "standalone/scene/graph/graph.h"
 
 namespace vantorelix::standalone {
 
@@ -42,9 +43,9 @@ struct Expression {
 
 // Follows what drives an attribute. On success `expression` computes it and the text is empty; else the text says
 // what stands in the way: "a pairBlend ...". Chains longer than kMostOperations and cycles are refused.
-std::string compile_driver(const Scene::Data& scene, NodeId node, AttributeId attribute, Expression& expression);
+std::string compile_driver(const Graph& scene, NodeId node, AttributeId attribute, Expression& expression);
 
 // Reads static values again.
-void refresh_values(const Scene::Data& scene, Expression& expression);
+void refresh_values(const Graph& scene, Expression& expression);
 
 }  // namespace vantorelix::standalone

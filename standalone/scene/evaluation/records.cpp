@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "standalone/scene/graph/scene_data.h"
-
 namespace vantorelix::standalone {
 namespace {
 
@@ -15,9 +13,11 @@ constexpr std::uint64_t kLinear = triple(Channel::rotateX) | triple(Channel::sca
 constexpr std::uint64_t kPivots = triple(Channel::rotatePivotX) | triple(Channel::rotatePivotTranslateX) |
                                   triple(Channel::scalePivotX) | triple(Channel::scalePivotTranslateX);
 
-bool is_current(const Evaluation& e, const Node& node) { return node.record && node.record->values == e.values; }
+bool is_current(const Graph& scene, const Node& node) {
+  return node.record && node.record->values == scene.counts.values;
+}
 
-void add_driver(const Scene::Data& scene, Record& r, Channel channel) {
+void add_driver(const Graph& scene, Record& r, Channel channel) {
   Expression expression;
   if (!compile_driver(scene, r.node, id_of(channel), expression).empty()) {
     r.drivers_unfollowed = true;
@@ -35,7 +35,7 @@ void add_driver(const Scene::Data& scene, Record& r, Channel channel) {
 }
 
 // The structure: what drives the node itself.
-void compile(Scene::Data& scene, const Node& node, Record& r) {
+void compile(const Graph& scene, const Node& node, Record& r) {
   r.driven.clear();
   r.expressions.clear();
   r.driven_mask = 0;
@@ -57,12 +57,12 @@ void compile(Scene::Data& scene, const Node& node, Record& r) {
     if (const Node* n = scene.find(child); n && n->channels) ++r.dependents;
   for (const Output& out : node.outputs)
     if (out.attribute == attribute::offsetParentMatrix && scene.connection_stands(node, out)) ++r.dependents;
-  r.structure = scene.evaluation.structure;
+  r.structure = scene.counts.structure;
 }
 
 // Static channels, and whatever of the local matrix does not change with time, worked out the way the plain path does
 // it at every frame.
-void refresh_local(const Scene::Data& scene, const Node& node, Record& r) {
+void refresh_local(const Graph& scene, const Node& node, Record& r) {
   r.channels = *node.channels;
   for (Expression& e : r.expressions) refresh_values(scene, e);
   r.factors = factors_of(r.channels, r.driven_mask, r.joint);
@@ -75,20 +75,20 @@ void refresh_local(const Scene::Data& scene, const Node& node, Record& r) {
   set_translation(r.local, placed(r.channels, r.factors, r.shift));
 }
 
-Record& local_record(Scene::Data& scene, Node& node) {
+Record& local_record(const Graph& scene, const Node& node) {
   if (!node.record) {
-    node.record = std::make_unique<Record>();
+    node.record = std::make_shared<Record>();
     node.record->node = node.id;
   }
   Record& r = *node.record;
-  if (r.structure != scene.evaluation.structure) compile(scene, node, r);
-  if (r.local_values != scene.evaluation.values) refresh_local(scene, node, r);
-  r.local_values = scene.evaluation.values;
+  if (r.structure != scene.counts.structure) compile(scene, node, r);
+  if (r.local_values != scene.counts.values) refresh_local(scene, node, r);
+  r.local_values = scene.counts.values;
   return r;
 }
 
 // What the world matrix takes besides the local one, their records being current.
-void refresh_world(Scene::Data& scene, const Node& node, Record& r, const OffsetDriver& offset) {
+void refresh_world(const Graph& scene, const Node& node, Record& r, const OffsetDriver& offset) {
   const bool may_inherit =
       (r.driven_mask & bit(Channel::inheritsTransform)) != 0 || r.channels[index(Channel::inheritsTransform)] != 0.0;
   const Node* parent = may_inherit && node.parent != kWorld ? scene.find(node.parent) : nullptr;
@@ -102,7 +102,7 @@ void refresh_world(Scene::Data& scene, const Node& node, Record& r, const Offset
       r.offset_source && (offset.local ? !r.offset_source->driven.empty() : r.offset_source->moves);
   r.moves = !r.driven.empty() || (r.parent && r.parent->moves) || offset_moves;
   r.stamp = 0;
-  r.values = scene.evaluation.values;
+  r.values = scene.counts.values;
   if (r.moves) return;
   if (r.offset_source) r.offset = r.offset_is_local ? r.offset_source->local : r.offset_source->world;
   r.world = r.has_offset ? r.local * r.offset : r.local;
@@ -111,7 +111,7 @@ void refresh_world(Scene::Data& scene, const Node& node, Record& r, const Offset
 }
 
 // The upward closure of a node: the parents and the sources of offsets, whether or not they are followed.
-bool reaches(const Scene::Data& scene, const Node& from, NodeId wanted) {
+bool reaches(const Graph& scene, const Node& from, NodeId wanted) {
   std::vector<const Node*> open = {&from};
   std::unordered_set<NodeId> seen;
   while (!open.empty()) {
@@ -129,7 +129,7 @@ bool reaches(const Scene::Data& scene, const Node& from, NodeId wanted) {
 
 }  // namespace
 
-OffsetDriver offset_driver(const Scene::Data& scene, const Node& node) {
+OffsetDriver offset_driver(const Graph& scene, const Node& node) {
   OffsetDriver driver;
   const Input* input = node.inputs.find(attribute::offsetParentMatrix);
   if (input == nullptr) return driver;
@@ -144,19 +144,19 @@ OffsetDriver offset_driver(const Scene::Data& scene, const Node& node) {
   return driver;
 }
 
-Record& record_of(Scene::Data& scene, NodeId id) {
-  Node& target = scene.transform(id);
-  if (is_current(scene.evaluation, target)) return *target.record;
-  std::vector<Node*> stack = {&target};
+Record& record_of(const Graph& scene, NodeId id) {
+  const Node& target = scene.transform(id);
+  if (is_current(scene, target)) return *target.record;
+  std::vector<const Node*> stack = {&target};
   const auto needed = [&](NodeId other) {
-    Node* node = scene.find(other);
-    if (other == kWorld || node == nullptr || is_current(scene.evaluation, *node)) return false;
+    const Node* node = scene.find(other);
+    if (other == kWorld || node == nullptr || is_current(scene, *node)) return false;
     stack.push_back(node);
     return true;
   };
   while (!stack.empty()) {
-    Node& node = *stack.back();
-    if (!is_current(scene.evaluation, node)) {
+    const Node& node = *stack.back();
+    if (!is_current(scene, node)) {
       if (needed(node.parent)) continue;
       const OffsetDriver offset = offset_driver(scene, node);
       if (offset.followed && !offset.local && needed(offset.source)) continue;

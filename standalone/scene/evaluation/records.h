@@ -1,4 +1,5 @@
 // Nodes compiled for evaluation, and the world matrices remembered between samples.
+// For the files of standalone/scene only.
 #pragma once
 
 #include <cstddef>
@@ -12,8 +13,6 @@
 #include "standalone/scene/transforms/local_matrix.h"
 
 namespace vantorelix::standalone {
-
-struct Node;
 
 struct DrivenChannel {
   const AnimCurve* curve;  // null: see expression
@@ -65,11 +64,11 @@ struct Record {
   CachedMatrices cached;
 };
 
-// What a scene's evaluation keeps. Revisions start at 1 so that 0 is never current.
+// What a scene's evaluation keeps.
 struct Evaluation {
-  std::uint64_t structure = 1;  // nodes, connections, parents
-  std::uint64_t values = 1;     // static values
-  std::uint64_t motion = 1;     // either, or a curve
+  explicit Evaluation(const Graph& of) : graph(of) {}
+
+  const Graph& graph;
 
   std::uint64_t stamp = 1;  // one for each pair of time and motion
   std::uint64_t stamp_motion = 0;
@@ -79,17 +78,12 @@ struct Evaluation {
   const Record* asked = nullptr;  // whose place the sample is wanted for
   // A bit for each time of the slot's chunk that will be asked for next, once found.
   std::optional<std::uint64_t> expected;
-  NodeId keys_read = kNoNode;  // the node whose key times were read last
   std::vector<Record*> stack;
 
   // The plain walks, one for each pair of time and motion.
   std::uint64_t walk = 1;
   std::uint64_t walk_motion = 0;
   double walk_frame = 0.0;
-
-  void structure_changed() { ++structure, ++values, ++motion; }
-  void values_changed() { ++values, ++motion; }
-  void curves_changed() { ++motion; }
 };
 
 // What drives a node's offset parent matrix.
@@ -100,10 +94,10 @@ struct OffsetDriver {
   bool cycle = false;  // the source's world matrix hangs on the node's
   NodeId source = kNoNode;
 };
-OffsetDriver offset_driver(const Scene::Data& scene, const Node& node);
+OffsetDriver offset_driver(const Graph& scene, const Node& node);
 
 // The record of a transform, compiled and refreshed together with everything it depends on.
-Record& record_of(Scene::Data& scene, NodeId node);
+Record& record_of(const Graph& scene, NodeId node);
 // The channels at a frame: the plain way.
 Channels channels_at(const Record& record, double frame);
 // The translation row of the world matrix: the fast way.

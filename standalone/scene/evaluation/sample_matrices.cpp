@@ -7,7 +7,6 @@
 #include <span>
 
 #include "standalone/scene/evaluation/records.h"
-#include "standalone/scene/graph/scene_data.h"
 
 namespace vantorelix::standalone {
 namespace {
@@ -178,7 +177,7 @@ std::uint64_t next_keys(Evaluation& e, const Record& asked) {
 // The times of the sample's chunk that will be asked for next. Whoever has read when a node has its keys asks where it
 // is then; others ask at the times at which everybody does.
 std::uint64_t expected_times(Evaluation& e) {
-  if (!e.expected) e.expected = e.keys_read == e.asked->node ? next_keys(e, *e.asked) : e.cache.usual(e.slot);
+  if (!e.expected) e.expected = e.graph.keys_read == e.asked->node ? next_keys(e, *e.asked) : e.cache.usual(e.slot);
   return *e.expected;
 }
 
@@ -266,9 +265,9 @@ void know_for(Evaluation& e, const Record& asked, Record& target) {
 }
 
 void begin_sample(Evaluation& e, double frame) {
-  if (e.stamp_motion == e.motion && e.frame == frame) return;
-  if (e.stamp_motion != e.motion) e.cache.clear();
-  e.stamp_motion = e.motion;
+  if (e.stamp_motion == e.graph.counts.motion && e.frame == frame) return;
+  if (e.stamp_motion != e.graph.counts.motion) e.cache.clear();
+  e.stamp_motion = e.graph.counts.motion;
   e.frame = frame;
   ++e.stamp;
   e.slot = e.cache.slot(frame);

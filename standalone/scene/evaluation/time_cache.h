@@ -1,4 +1,4 @@
-// World matrices remembered by node and time, within a fixed amount of memory.
+// World matrices remembered by node and time, within a fixed amount of memory. For the files of this folder only.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-// One change of a scene, as the part of it that was replaced. For the files of standalone/scene only.
+// One change of a scene, as the part of it that was replaced. For the files of this folder only.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "standalone/scene/graph/change_log.h"
-#include "standalone/scene/graph/scene_data.h"
+#include "standalone/scene/graph/graph.h"
 
 namespace vantorelix::standalone {
 
@@ -35,7 +35,7 @@ struct Place {
   NodeId parent;
   NodeId before;  // as in Presence
 
-  static Place now(const Scene::Data& scene, const Node& node);
+  static Place now(const Graph& scene, const Node& node);
 };
 
 // What an attribute of the node holds, each attribute for itself: others may be set meanwhile without being recorded.
@@ -118,7 +118,7 @@ struct NamespacePresence {
   std::string name;
   bool there;
 
-  static NamespacePresence now(const Scene::Data& scene, std::string_view name) {
+  static NamespacePresence now(const Graph& scene, std::string_view name) {
     return {std::string(name), scene.namespaces.contains(name)};
   }
 };
@@ -126,7 +126,7 @@ struct NamespacePresence {
 struct AllSettings {
   Settings settings;
 
-  static AllSettings now(const Scene::Data& scene) { return {scene.settings}; }
+  static AllSettings now(const Graph& scene) { return {scene.settings}; }
 };
 
 struct Change {

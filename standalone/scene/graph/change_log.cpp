@@ -26,7 +26,7 @@ bool is_same(const Key& a, const Key& b) {
 // --- changing sides. What was changed meanwhile without being written down may leave a piece without its place: then
 // it stays where it is, or goes to the nearest place that there is.
 
-void swap_sides(Scene::Data& scene, Presence& p) {
+void swap_sides(Graph& scene, Presence& p) {
   if (p.kept) {
     const Node* const parent = scene.find(p.kept->parent);
     const bool hangs = scene.is_dag(*p.kept) && p.kept->parent != kWorld;
@@ -42,7 +42,7 @@ void swap_sides(Scene::Data& scene, Presence& p) {
   p.kept = take_out(scene, p.node);
 }
 
-void swap_sides(Scene::Data& scene, Place& p) {
+void swap_sides(Graph& scene, Place& p) {
   Node* const node = scene.find(p.node);
   if (!node) return;
   Place now = Place::now(scene, *node);
@@ -60,14 +60,14 @@ void swap_sides(Scene::Data& scene, Place& p) {
   p = std::move(now);
 }
 
-void put(Scene::Data&, Node& node, const ChannelValue& c) { (*node.channels)[index(c.channel)] = c.value; }
+void put(Graph&, Node& node, const ChannelValue& c) { (*node.channels)[index(c.channel)] = c.value; }
 
-void put(Scene::Data& scene, Node& node, const StoredValue& v) {
+void put(Graph& scene, Node& node, const StoredValue& v) {
   if (v.value) return scene.store(node, v.attribute, *v.value);
   std::erase_if(scene.extras(node).values, [&v](const auto& value) { return value.first == v.attribute; });
 }
 
-void put(Scene::Data& scene, Node& node, const VectorArray& v) {
+void put(Graph& scene, Node& node, const VectorArray& v) {
   auto& all = scene.extras(node).vectors;
   const auto at = std::find_if(all.begin(), all.end(), [&v](const auto& each) { return each.first == v.attribute; });
   if (at == all.end() && v.values) all.emplace_back(v.attribute, *v.values);
@@ -79,16 +79,14 @@ void put(Scene::Data& scene, Node& node, const VectorArray& v) {
   }
 }
 
-void put(Scene::Data& scene, Node& node, OffsetMatrix& m) {
-  scene.extras(node).offset_parent_matrix = std::move(m.matrix);
-}
+void put(Graph& scene, Node& node, OffsetMatrix& m) { scene.extras(node).offset_parent_matrix = std::move(m.matrix); }
 
-void put(Scene::Data& scene, Node& node, Geometry& g) {
+void put(Graph& scene, Node& node, Geometry& g) {
   scene.extras(node).curve_degree = g.degree;
   scene.extras(node).curve_points = std::move(g.points);
 }
 
-void put(Scene::Data& scene, Node& node, const AttributeLock& l) {
+void put(Graph& scene, Node& node, const AttributeLock& l) {
   auto& all = scene.extras(node).locked;
   const auto at = std::lower_bound(all.begin(), all.end(), l.attribute);
   const bool there = at != all.end() && *at == l.attribute;
@@ -96,9 +94,9 @@ void put(Scene::Data& scene, Node& node, const AttributeLock& l) {
   if (!l.locked && there) all.erase(at);
 }
 
-void put(Scene::Data&, Node& node, const NodeLock& l) { node.locked = l.locked; }
+void put(Graph&, Node& node, const NodeLock& l) { node.locked = l.locked; }
 
-void put(Scene::Data& scene, Node& node, const Wire& w) {
+void put(Graph& scene, Node& node, const Wire& w) {
   if (const Input* input = node.inputs.find(w.input.attribute)) {
     Node* const source = scene.find(input->source);
     node.inputs.remove(w.input.attribute);
@@ -113,7 +111,7 @@ void put(Scene::Data& scene, Node& node, const Wire& w) {
 
 // `of`: what `now` wants beside the node.
 template <class Piece, class... Of>
-void exchange(Scene::Data& scene, Piece& piece, const Of&... of) {
+void exchange(Graph& scene, Piece& piece, const Of&... of) {
   Node* const node = scene.find(piece.node);
   if (!node) return;
   Piece now = Piece::now(*node, of...);
@@ -121,16 +119,16 @@ void exchange(Scene::Data& scene, Piece& piece, const Of&... of) {
   piece = std::move(now);
 }
 
-void swap_sides(Scene::Data& scene, ChannelValue& c) { exchange(scene, c, c.channel); }
-void swap_sides(Scene::Data& scene, StoredValue& v) { exchange(scene, v, v.attribute); }
-void swap_sides(Scene::Data& scene, VectorArray& v) { exchange(scene, v, v.attribute); }
-void swap_sides(Scene::Data& scene, OffsetMatrix& m) { exchange(scene, m); }
-void swap_sides(Scene::Data& scene, Geometry& g) { exchange(scene, g); }
-void swap_sides(Scene::Data& scene, AttributeLock& l) { exchange(scene, l, l.attribute); }
-void swap_sides(Scene::Data& scene, NodeLock& l) { exchange(scene, l); }
-void swap_sides(Scene::Data& scene, Wire& w) { exchange(scene, w, w.input.attribute); }
+void swap_sides(Graph& scene, ChannelValue& c) { exchange(scene, c, c.channel); }
+void swap_sides(Graph& scene, StoredValue& v) { exchange(scene, v, v.attribute); }
+void swap_sides(Graph& scene, VectorArray& v) { exchange(scene, v, v.attribute); }
+void swap_sides(Graph& scene, OffsetMatrix& m) { exchange(scene, m); }
+void swap_sides(Graph& scene, Geometry& g) { exchange(scene, g); }
+void swap_sides(Graph& scene, AttributeLock& l) { exchange(scene, l, l.attribute); }
+void swap_sides(Graph& scene, NodeLock& l) { exchange(scene, l); }
+void swap_sides(Graph& scene, Wire& w) { exchange(scene, w, w.input.attribute); }
 
-void swap_sides(Scene::Data& scene, Keys& k) {
+void swap_sides(Graph& scene, Keys& k) {
   Node* const node = scene.find(k.node);
   if (!node) return;
   AnimCurve& curve = *node->curve;
@@ -148,7 +146,7 @@ void swap_sides(Scene::Data& scene, Keys& k) {
   k.keys = std::move(replaced);
 }
 
-void swap_sides(Scene::Data& scene, NamespacePresence& n) {
+void swap_sides(Graph& scene, NamespacePresence& n) {
   const bool there = scene.namespaces.contains(n.name);
   if (n.there) {
     scene.namespaces.insert(n.name);
@@ -158,7 +156,7 @@ void swap_sides(Scene::Data& scene, NamespacePresence& n) {
   n.there = there;
 }
 
-void swap_sides(Scene::Data& scene, AllSettings& all) {
+void swap_sides(Graph& scene, AllSettings& all) {
   std::swap(scene.settings, all.settings);
   if (scene.settings.frames_per_second == all.settings.frames_per_second) return;
   for (const auto& node : scene.nodes)
@@ -167,7 +165,7 @@ void swap_sides(Scene::Data& scene, AllSettings& all) {
 
 // --- who is told. No listener runs while the scene is neither as before nor as after.
 
-void tell_of_removal(Scene::Data& scene, const std::vector<Change>& changes) {
+void tell_of_removal(Graph& scene, const std::vector<Change>& changes) {
   for (const Change& change : changes) {
     const auto* const presence = std::get_if<Presence>(&change.piece);
     if (!presence || presence->kept || !scene.listener.node_removed) continue;
@@ -179,7 +177,7 @@ void tell_of_removal(Scene::Data& scene, const std::vector<Change>& changes) {
 }
 
 // Curves with other keys, and those that are back.
-std::vector<NodeId> edited_curves(const Scene::Data& scene, const std::vector<Change>& changes) {
+std::vector<NodeId> edited_curves(const Graph& scene, const std::vector<Change>& changes) {
   std::vector<NodeId> curves;
   for (const Change& change : changes) {
     NodeId id = kNoNode;
@@ -206,7 +204,7 @@ class Unrecorded {
 };
 
 template <class Iterator>
-void change_sides(Scene::Data& scene, std::vector<Change>& changes, Iterator from, Iterator to) {
+void change_sides(Graph& scene, std::vector<Change>& changes, Iterator from, Iterator to) {
   const Unrecorded unrecorded(scene.recorder);
   tell_of_removal(scene, changes);
   for (; from != to; ++from) std::visit([&scene](auto& piece) { swap_sides(scene, piece); }, from->piece);
@@ -239,7 +237,7 @@ void ChangeLog::append(ChangeLog&& later) {
 
 // --- writing down
 
-Place Place::now(const Scene::Data& scene, const Node& node) {
+Place Place::now(const Graph& scene, const Node& node) {
   return {node.id, scene.text(node), node.parent, sibling_after(scene, node)};
 }
 
@@ -286,7 +284,7 @@ Keys Keys::now(const Node& node) {
 
 void Recorder::write(Change change) const { log->changes_.push_back(std::move(change)); }
 
-void Recorder::write_going(Scene::Data& scene, Node& node) const {
+void Recorder::write_going(Graph& scene, Node& node) const {
   for (const Output& out : scene.outputs_of(node)) {
     if (!scene.connection_stands(node, out)) continue;  // was in the list twice
     Node& destination = *scene.find(out.destination);
@@ -317,10 +315,17 @@ void Recorder::keys(const Node& node, Keys before) const {
 
 // --- the scene's own
 
-ChangeLog* Scene::record(ChangeLog* log) { return std::exchange(data_->recorder.log, log); }
+std::uint64_t SceneChanges::revision() const { return graph().revision; }
+void SceneChanges::set_listener(SceneListener listener) { graph().listener = std::move(listener); }
 
-void Scene::undo(ChangeLog& log) { change_sides(*data_, log.changes_, log.changes_.rbegin(), log.changes_.rend()); }
+ChangeLog* SceneChanges::record(ChangeLog* log) { return std::exchange(graph().recorder.log, log); }
 
-void Scene::redo(ChangeLog& log) { change_sides(*data_, log.changes_, log.changes_.begin(), log.changes_.end()); }
+void SceneChanges::undo(ChangeLog& log) {
+  change_sides(graph(), log.changes_, log.changes_.rbegin(), log.changes_.rend());
+}
+
+void SceneChanges::redo(ChangeLog& log) {
+  change_sides(graph(), log.changes_, log.changes_.begin(), log.changes_.end());
+}
 
 }  // namespace vantorelix::standalone

@@ -33,12 +33,12 @@ class Edits {
 
  private:
   NodeId any() {
-    const std::vector<NodeId> nodes = s_.nodes();
-    return nodes.empty() ? s_.create_node("transform", "") : nodes[below(nodes.size())];
+    const std::vector<NodeId> nodes = s_.nodes.all();
+    return nodes.empty() ? s_.nodes.create("transform", "") : nodes[below(nodes.size())];
   }
   NodeId curve() {
-    const std::vector<NodeId> curves = s_.nodes_of_type("animCurveTU");
-    return curves.empty() ? s_.create_curve(CurveKind::unitless, "c") : curves[below(curves.size())];
+    const std::vector<NodeId> curves = s_.nodes.of_type("animCurveTU");
+    return curves.empty() ? s_.curves.create(CurveKind::unitless, "c") : curves[below(curves.size())];
   }
   const char* channel() {
     static constexpr const char* kNames[] = {"tx", "ty", "rz", "sx", "translate", "rotate"};
@@ -60,38 +60,39 @@ class Edits {
       case 0:
       case 1:
       case 2:
-        s_.create_node(type(), below(2) ? name() : "", below(3) ? any() : kWorld);
+        s_.nodes.create(type(), below(2) ? name() : "", below(3) ? any() : kWorld);
         return;
       case 3:
-        return s_.delete_node(any());
+        return s_.nodes.remove(any());
       case 4:
-        s_.rename(any(), name());
+        s_.nodes.rename(any(), name());
         return;
       case 5:
-        return s_.set_parent(any(), below(4) ? any() : kWorld);
+        return s_.nodes.set_parent(any(), below(4) ? any() : kWorld);
       case 6:
-        return s_.lock_node(any(), below(8) == 0);
+        return s_.nodes.lock(any(), below(8) == 0);
       case 7:
-        return s_.set_attribute(any(), channel(), Value(number()));
+        return s_.attributes.set(any(), channel(), Value(number()));
       case 8:
-        return s_.add_attribute(any(), below(2) ? "extra" : "weight", Value(number()));
+        return s_.attributes.add(any(), below(2) ? "extra" : "weight", Value(number()));
       case 9:
-        return s_.lock_attribute(any(), channel(), below(6) == 0);
+        return s_.attributes.lock(any(), channel(), below(6) == 0);
       case 10:
-        return s_.set_vectors(any(), "points", std::make_shared<const std::vector<Vector>>(below(4), Vector{number()}));
+        return s_.attributes.set_vectors(any(), "points",
+                                         std::make_shared<const std::vector<Vector>>(below(4), Vector{number()}));
       case 11:
-        return s_.connect(curve(), "output", any(), channel());
+        return s_.connections.connect(curve(), "output", any(), channel());
       case 12:
-        return s_.connect(any(), "worldMatrix[0]", any(), "offsetParentMatrix");
+        return s_.connections.connect(any(), "worldMatrix[0]", any(), "offsetParentMatrix");
       case 13:
-        return s_.disconnect(any(), channel());
+        return s_.connections.disconnect(any(), channel());
       case 14:
-        s_.set_key(any(), static_cast<Channel>(below(9)), number(), number());
+        s_.curves.set_key(any(), static_cast<Channel>(below(9)), number(), number());
         return;
       case 15:
-        return s_.set_key(curve(), number(), number());
+        return s_.curves.set_key(curve(), number(), number());
       case 16:
-        s_.remove_key(curve(), number());
+        s_.curves.remove_key(curve(), number());
         return;
       default:
         return rare();
@@ -101,24 +102,24 @@ class Edits {
   void rare() {
     switch (below(9)) {
       case 0:
-        return s_.set_infinity(curve(), Infinity::cycle, Infinity::linear);
+        return s_.curves.set_infinity(curve(), Infinity::cycle, Infinity::linear);
       case 1:
-        return s_.assign_curve(curve(), {{1, number()}, {8, number()}}, below(2) != 0, Infinity::constant,
-                               Infinity::oscillate);
+        return s_.curves.assign(curve(), {{1, number()}, {8, number()}}, below(2) != 0, Infinity::constant,
+                                Infinity::oscillate);
       case 2:
-        return s_.set_frames_per_second(static_cast<double>(24 + below(3)));
+        return s_.settings.set_frames_per_second(static_cast<double>(24 + below(3)));
       case 3:
-        return s_.set_playback_range(number(), number());
+        return s_.settings.set_playback_range(number(), number());
       case 4:
-        return s_.set_curve_points(any(), 1, {{number(), 0, 0}, {1, 2, 3}});
+        return s_.attributes.set_curve_points(any(), 1, {{number(), 0, 0}, {1, 2, 3}});
       case 5:
-        return s_.add_namespace("n:other");
+        return s_.namespaces.add("n:other");
       case 6:
-        return s_.remove_namespace(below(2) ? "n:other" : "n:in");
+        return s_.namespaces.remove(below(2) ? "n:other" : "n:in");
       case 7:
-        return s_.set_current_namespace(below(2) ? "n" : "");
+        return s_.namespaces.set_current(below(2) ? "n" : "");
       default:
-        return s_.connect(any(), "o", any(), "input");
+        return s_.connections.connect(any(), "o", any(), "input");
     }
   }
 
@@ -138,23 +139,23 @@ TEST_P(AnyEdits, AreUndoneAndDoneAgainInAnyOrder) {
   for (int round = 0; round < 150; ++round) {
     const std::size_t move = edits.below(3);
     if (move == 0 && done > 0) {
-      s.undo(steps[--done]);
+      s.changes.undo(steps[--done]);
     } else if (move == 1 && done < steps.size()) {
-      s.redo(steps[done++]);
+      s.changes.redo(steps[done++]);
     } else {
       steps.resize(done);
       states.resize(done + 1);
       ChangeLog log;
-      s.record(&log);
+      s.changes.record(&log);
       for (std::size_t n = 1 + edits.below(6); n > 0; --n) edits.edit();
-      s.record(nullptr);
+      s.changes.record(nullptr);
       steps.push_back(std::move(log));
       states.push_back(description(s));
       ++done;
     }
     ASSERT_EQ(description(s), states[done]) << "round " << round;
   }
-  while (done > 0) s.undo(steps[--done]);
+  while (done > 0) s.changes.undo(steps[--done]);
   EXPECT_EQ(description(s), states[0]);
 }
 
@@ -167,17 +168,17 @@ TEST_P(AnyEdits, BetweenWhichTheSceneWasChangedUnrecordedLeaveItWhole) {
   for (int round = 0; round < 150; ++round) {
     const std::size_t move = edits.below(4);
     if (move == 0 && done > 0) {
-      s.undo(steps[--done]);
+      s.changes.undo(steps[--done]);
     } else if (move == 1 && done < steps.size()) {
-      s.redo(steps[done++]);
+      s.changes.redo(steps[done++]);
     } else if (move == 2) {
       edits.edit();
     } else {
       steps.resize(done);
       ChangeLog log;
-      s.record(&log);
+      s.changes.record(&log);
       for (std::size_t n = 1 + edits.below(6); n > 0; --n) edits.edit();
-      s.record(nullptr);
+      s.changes.record(nullptr);
       steps.push_back(std::move(log));
       ++done;
     }

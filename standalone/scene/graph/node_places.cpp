@@ -6,18 +6,29 @@
 namespace vantorelix::standalone {
 namespace {
 
-void number_from(const Scene::Data& scene, const std::vector<NodeId>& siblings, std::size_t first) {
+void number_from(Graph& scene, const std::vector<NodeId>& siblings, std::size_t first) {
   for (std::size_t i = first; i < siblings.size(); ++i)
     if (siblings[i] != kNoNode) scene.nodes[siblings[i]]->place_in_parent = static_cast<std::uint32_t>(i);
 }
 
+// The list of a type's nodes keeps what is gone until that is more than half of it.
+void leave_type(const Graph& scene, const Node& gone) {
+  NodeType& type = *gone.type;
+  if (type.nodes.back() == gone.id) {
+    type.nodes.pop_back();
+  } else if (2 * ++type.gone > type.nodes.size()) {
+    std::erase_if(type.nodes, [&](NodeId id) { return scene.find(id) == nullptr; });
+    type.gone = 0;
+  }
+}
+
 }  // namespace
 
-NodeId scope_of(const Scene::Data& scene, const Node& node) {
+NodeId scope_of(const Graph& scene, const Node& node) {
   return scene.is_dag(node) ? node.parent : NameTable::kGlobalScope;
 }
 
-void attach(Scene::Data& scene, Node& node, NodeId before) {
+void attach(Graph& scene, Node& node, NodeId before) {
   Node& parent = *scene.nodes[node.parent];
   std::vector<NodeId>& siblings = parent.children;
   const Node* const next = before == kNoNode ? nullptr : scene.find(before);
@@ -33,7 +44,7 @@ void attach(Scene::Data& scene, Node& node, NodeId before) {
   number_from(scene, siblings, place);
 }
 
-void detach(Scene::Data& scene, const Node& node) {
+void detach(Graph& scene, const Node& node) {
   Node& parent = *scene.nodes[node.parent];
   std::vector<NodeId>& siblings = parent.children;
   siblings[node.place_in_parent] = kNoNode;
@@ -42,7 +53,7 @@ void detach(Scene::Data& scene, const Node& node) {
   if (2 * parent.child_gaps > siblings.size()) scene.compact_children(parent);
 }
 
-NodeId sibling_after(const Scene::Data& scene, const Node& node) {
+NodeId sibling_after(const Graph& scene, const Node& node) {
   if (!scene.is_dag(node)) return kNoNode;
   const std::vector<NodeId>& siblings = scene.nodes[node.parent]->children;
   const auto after = siblings.begin() + static_cast<std::ptrdiff_t>(node.place_in_parent) + 1;
@@ -50,16 +61,15 @@ NodeId sibling_after(const Scene::Data& scene, const Node& node) {
   return next == siblings.end() ? kNoNode : *next;
 }
 
-std::unique_ptr<Node> take_out(Scene::Data& scene, NodeId id) {
+std::unique_ptr<Node> take_out(Graph& scene, NodeId id) {
   Node& node = *scene.find(id);
   for (const Output& out : scene.outputs_of(node)) scene.find(out.destination)->inputs.remove(out.attribute);
   node.outputs.clear();
   node.live_outputs = 0;
   if (scene.is_dag(node)) detach(scene, node);
   scene.names.remove(scope_of(scene, node), node.name, id);
-  std::vector<NodeId>& of_type = node.type->nodes;
-  if (!of_type.empty() && of_type.back() == id) of_type.pop_back();
   std::unique_ptr<Node> out = std::move(scene.nodes[id]);
+  leave_type(scene, *out);
   // Only now: what its sources see of it must not stand any more.
   for (const Input& input : out->inputs.all())
     if (Node* source = input.source == kNoNode ? nullptr : scene.find(input.source)) scene.remove_output(*source);
@@ -68,14 +78,18 @@ std::unique_ptr<Node> take_out(Scene::Data& scene, NodeId id) {
   return out;
 }
 
-void put_in(Scene::Data& scene, std::unique_ptr<Node> back, const std::string& name, NodeId before) {
+void put_in(Graph& scene, std::unique_ptr<Node> back, const std::string& name, NodeId before) {
   Node& node = *back;
   scene.nodes[node.id] = std::move(back);
   const NodeId scope = scope_of(scene, node);
   node.name = scene.names.add(scope, scene.names.free_name(scope, name), node.id);
   std::vector<NodeId>& of_type = node.type->nodes;
   const auto place = std::lower_bound(of_type.begin(), of_type.end(), node.id);
-  if (place == of_type.end() || *place != node.id) of_type.insert(place, node.id);
+  if (place == of_type.end() || *place != node.id) {
+    of_type.insert(place, node.id);
+  } else {
+    --node.type->gone;
+  }
   if (scene.is_dag(node)) attach(scene, node, before);
   for (const Input& input : std::vector<Input>(node.inputs.all())) {
     if (input.source == kNoNode) continue;
@@ -92,7 +106,7 @@ void put_in(Scene::Data& scene, std::unique_ptr<Node> back, const std::string& n
   ++scene.revision;
 }
 
-std::vector<NodeId> with_descendants(const Scene::Data& scene, NodeId root) {
+std::vector<NodeId> with_descendants(const Graph& scene, NodeId root) {
   std::vector<NodeId> all = {root};
   for (std::size_t next = 0; next < all.size(); ++next)
     for (const NodeId child : scene.find(all[next])->children)
@@ -100,7 +114,7 @@ std::vector<NodeId> with_descendants(const Scene::Data& scene, NodeId root) {
   return all;
 }
 
-bool is_below(const Scene::Data& scene, NodeId node, NodeId ancestor) {
+bool is_below(const Graph& scene, NodeId node, NodeId ancestor) {
   for (NodeId n = node; n != kWorld; n = scene.find(n)->parent)
     if (n == ancestor) return true;
   return false;

@@ -1,4 +1,4 @@
-// Numbers found by what they stand for.
+// Numbers found by what they stand for. For the files of standalone/scene only.
 #pragma once
 
 #include <cstddef>

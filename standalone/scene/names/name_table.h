@@ -1,4 +1,4 @@
-// Node names: what is taken where, and who has which name. All by hash.
+// Node names: what is taken where, and who has which name. All by hash. For the files of standalone/scene only.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "standalone/scene/names/hash_index.h"
-#include "standalone/scene/scene.h"
+#include "standalone/scene/names/node_id.h"
 
 namespace vantorelix::standalone {
 

@@ -6,6 +6,7 @@
 // scale pivot, scale, shear, scale pivot translate; rotate pivot, rotate axis, rotate, joint orient, inverse scale of
 // a joint whose segments compensate, rotate pivot translate; translate. An inverse scale of zero gives infinities,
 // and from there NaN: nothing is clamped.
+// For the files of standalone/scene only.
 #pragma once
 
 #include <array>
@@ -14,7 +15,7 @@
 
 #include "base/matrix.h"
 #include "base/vector.h"
-#include "standalone/scene/scene.h"
+#include "standalone/scene/transforms/channel.h"
 #include "standalone/scene/transforms/rotation.h"
 
 namespace vantorelix::standalone {

@@ -1,4 +1,4 @@
-// The rotation between two others, by quaternions.
+// The rotation between two others, by quaternions. For the files of standalone/scene only.
 #pragma once
 
 #include "standalone/scene/transforms/quaternion.h"

@@ -1,10 +1,10 @@
-// Connections, and what they say about who drives whom.
+// Which curves and tracks drive a node.
 #include <algorithm>
 #include <array>
 #include <unordered_set>
 
-#include "standalone/scene/graph/change.h"
-#include "standalone/scene/graph/scene_data.h"
+#include "standalone/scene/graph/curve_nodes.h"
+#include "standalone/scene/graph/graph.h"
 
 namespace vantorelix::standalone {
 namespace {
@@ -28,7 +28,7 @@ bool concerns(const Node& converter, AttributeId input, AttributeId output) {
 // Looks for the curves behind inputs, each curve and each output of a converter once.
 class CurveSearch {
  public:
-  explicit CurveSearch(const Scene::Data& scene) : scene_(scene) {}
+  explicit CurveSearch(const Graph& scene) : scene_(scene) {}
 
   // Calls found(curve), nearest first, until it says true.
   template <class Found>
@@ -61,7 +61,7 @@ class CurveSearch {
     return many_.insert(output).second;
   }
 
-  const Scene::Data& scene_;
+  const Graph& scene_;
   std::vector<Input> open_;
   std::array<std::uint64_t, 16> few_;  // the first outputs met
   std::size_t few_count_ = 0;
@@ -69,7 +69,7 @@ class CurveSearch {
 };
 
 // The curves behind the node's inputs, each once, in the order of the inputs.
-std::vector<const Node*> curves_behind(const Scene::Data& scene, const Node& node) {
+std::vector<const Node*> curves_behind(const Graph& scene, const Node& node) {
   std::vector<const Node*> curves;
   const std::vector<Input>& inputs = node.inputs.all();
   curves.reserve(inputs.size());
@@ -82,7 +82,7 @@ std::vector<const Node*> curves_behind(const Scene::Data& scene, const Node& nod
   return curves;
 }
 
-std::vector<const Track*> tracks_of(const Scene::Data& scene, NodeId id) {
+std::vector<const Track*> tracks_of(const Graph& scene, NodeId id) {
   std::vector<const Track*> tracks;
   for (const Input& input : scene.at(id).inputs.all()) {
     const Node* source = input.source == kNoNode ? nullptr : scene.find(input.source);
@@ -93,40 +93,8 @@ std::vector<const Track*> tracks_of(const Scene::Data& scene, NodeId id) {
 
 }  // namespace
 
-void Scene::connect(NodeId source, std::string_view source_attribute, NodeId destination,
-                    std::string_view destination_attribute) {
-  Data& d = *data_;
-  Node& from = d.at(source);
-  Node& to = d.at(destination);
-  const AttributeId in = d.attributes.intern(to.type->names, destination_attribute);
-  const AttributeId out = d.attributes.intern(from.type->names, source_attribute);
-  d.recorder.note<Wire>(to, in);
-  if (const Input* before = to.inputs.find(in)) {
-    const NodeId old = before->source;
-    to.inputs.remove(in);
-    if (Node* node = d.find(old)) d.remove_output(*node);
-  }
-  to.inputs.set({in, source, out});
-  from.outputs.push_back({destination, in});
-  ++from.live_outputs;
-  d.structure_changed();
-}
-
-void Scene::disconnect(NodeId destination, std::string_view attribute) {
-  Data& d = *data_;
-  Node& to = d.at(destination);
-  const AttributeId in = d.attributes.find(to.type->names, attribute);
-  const Input* input = in == AttributeNames::kNone ? nullptr : to.inputs.find(in);
-  if (input == nullptr) return;
-  const NodeId source = input->source;
-  d.recorder.note<Wire>(to, in);
-  to.inputs.remove(in);
-  if (Node* node = d.find(source)) d.remove_output(*node);
-  d.structure_changed();
-}
-
-NodeId Scene::driving_curve(NodeId id, Channel c) const {
-  const Data& d = *data_;
+NodeId SceneCurves::driving_curve(NodeId id, Channel c) const {
+  const Graph& d = graph();
   const Node& node = d.at(id);
   const AttributeId attribute = id_of(c);
   const Input* input = d.driver(node, attribute);
@@ -143,37 +111,37 @@ NodeId Scene::driving_curve(NodeId id, Channel c) const {
   return curve;
 }
 
-bool Scene::has_keys(NodeId id) const {
-  const Data& d = *data_;
+bool SceneCurves::has_keys(NodeId id) const {
+  const Graph& d = graph();
   CurveSearch search(d);
   for (const Input& input : d.at(id).inputs.all())
     if (search.behind(input, [](const Node&) { return true; })) return true;
   return !tracks_of(d, id).empty();
 }
 
-std::vector<NodeId> Scene::driving_curves(NodeId id) const {
+std::vector<NodeId> SceneCurves::driving_curves(NodeId id) const {
   std::vector<NodeId> curves;
-  for (const Node* curve : curves_behind(*data_, data_->at(id))) curves.push_back(curve->id);
+  for (const Node* curve : curves_behind(graph(), graph().at(id))) curves.push_back(curve->id);
   return curves;
 }
 
-std::vector<double> Scene::key_times(NodeId id) const {
+std::vector<double> SceneCurves::key_times(NodeId id) const {
   std::vector<double> times;
-  const std::vector<const Node*> curves = curves_behind(*data_, data_->at(id));
+  const std::vector<const Node*> curves = curves_behind(graph(), graph().at(id));
   std::size_t count = 0;
   for (const Node* driving : curves) count += driving->curve->keys().size();
   times.reserve(count);
   for (const Node* driving : curves) driving->curve->append_key_times(times);
-  for (const Track* track : tracks_of(*data_, id))
+  for (const Track* track : tracks_of(graph(), id))
     times.insert(times.end(), track->key_times().begin(), track->key_times().end());
-  data_->evaluation.keys_read = id;
+  graph().keys_read = id;
   return times;
 }
 
-std::size_t Scene::key_count(NodeId id) const {
+std::size_t SceneCurves::key_count(NodeId id) const {
   std::size_t count = 0;
-  for (const Node* driving : curves_behind(*data_, data_->at(id))) count += driving->curve->keys().size();
-  for (const Track* track : tracks_of(*data_, id)) count += track->key_times().size();
+  for (const Node* driving : curves_behind(graph(), graph().at(id))) count += driving->curve->keys().size();
+  for (const Track* track : tracks_of(graph(), id)) count += track->key_times().size();
   return count;
 }
 

@@ -1,11 +1,12 @@
-// Attribute values, locks and array data.
+#include "standalone/scene/graph/node_attributes.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <optional>
 
 #include "standalone/scene/graph/change.h"
-#include "standalone/scene/graph/scene_data.h"
+#include "standalone/scene/graph/graph.h"
 
 namespace vantorelix::standalone {
 namespace {
@@ -26,7 +27,7 @@ struct Found {
   const host::Value* stored = nullptr;            // null where none is
 };
 
-Found known(const Scene::Data& scene, const Node& node, std::string_view name) {
+Found known(const Graph& scene, const Node& node, std::string_view name) {
   const AttributeId attribute = scene.attributes.find(node.type->names, name);
   if (attribute == AttributeNames::kNone || is_channel(attribute)) return {attribute};
   const host::Value* const stored = scene.stored(node, attribute);
@@ -34,7 +35,7 @@ Found known(const Scene::Data& scene, const Node& node, std::string_view name) {
   return {there ? attribute : AttributeNames::kNone, stored};
 }
 
-AttributeId required(const Scene::Data& scene, const Node& node, std::string_view name) {
+AttributeId required(const Graph& scene, const Node& node, std::string_view name) {
   const AttributeId attribute = known(scene, node, name).attribute;
   if (attribute == AttributeNames::kNone) throw missing_error(scene.plug_name(node, name));
   return attribute;
@@ -55,14 +56,14 @@ bool any_of(AttributeId attribute, Test test) {
   return false;
 }
 
-void require_free(const Scene::Data& scene, const Node& node, AttributeId attribute) {
+void require_free(const Graph& scene, const Node& node, AttributeId attribute) {
   if (node.inputs.empty() && (!node.extras || node.extras->locked.empty())) return;
   const bool taken =
       any_of(attribute, [&](AttributeId id) { return is_locked(node, id) || node.inputs.find(id) != nullptr; });
   if (taken) throw locked_error(scene.plug_name(node, attribute));
 }
 
-double finite_number(const Scene::Data& scene, const Node& node, AttributeId attribute, const host::Value& value) {
+double finite_number(const Graph& scene, const Node& node, AttributeId attribute, const host::Value& value) {
   double number = 0.0;
   if (const bool* b = value.as_bool()) {
     number = *b ? 1.0 : 0.0;
@@ -102,14 +103,14 @@ bool may_move(const Node& node) {
          node.type->names == NameSet::unit_conversion;
 }
 
-void set_plain(Scene::Data& scene, Node& node, AttributeId attribute, host::Value value) {
+void set_plain(Graph& scene, Node& node, AttributeId attribute, host::Value value) {
   scene.recorder.note<StoredValue>(node, attribute);
   scene.store(node, attribute, std::move(value));
   if (may_move(node)) scene.structure_changed();  // a pair blend's modes decide what is followed
 }
 
 // A flag stays a flag, a whole number a whole number, whatever the script passed.
-host::Value like(const Scene::Data& scene, const Node& node, AttributeId attribute, const host::Value& before,
+host::Value like(const Graph& scene, const Node& node, AttributeId attribute, const host::Value& before,
                  const host::Value& value) {
   if (before.as_bool()) return host::Value(finite_number(scene, node, attribute, value) != 0.0);
   if (before.as_int()) return host::Value(host::Value(finite_number(scene, node, attribute, value)).to_int());
@@ -119,43 +120,43 @@ host::Value like(const Scene::Data& scene, const Node& node, AttributeId attribu
 
 }  // namespace
 
-double Scene::channel(NodeId node, Channel c) const { return (*data_->transform(node).channels)[index(c)]; }
+double SceneAttributes::channel(NodeId node, Channel c) const { return (*graph().transform(node).channels)[index(c)]; }
 
-void Scene::set_channel(NodeId id, Channel c, double value) {
-  Node& node = data_->transform(id);
+void SceneAttributes::set_channel(NodeId id, Channel c, double value) {
+  Node& node = graph().transform(id);
   if (!std::isfinite(value))
-    throw host::Error("The attribute '" + data_->plug_name(node, id_of(c)) + "' takes finite numbers only.",
+    throw host::Error("The attribute '" + graph().plug_name(node, id_of(c)) + "' takes finite numbers only.",
                       host::ErrorKind::value);
   double& place = (*node.channels)[index(c)];
   if (place == value) return;
-  data_->recorder.note<ChannelValue>(node, c);
+  graph().recorder.note<ChannelValue>(node, c);
   place = value;
-  data_->values_changed();
+  graph().values_changed();
 }
 
-void Scene::set_channels(NodeId id, Channel first, const std::array<double, 3>& values) {
+void SceneAttributes::set_channels(NodeId id, Channel first, const std::array<double, 3>& values) {
   for (std::size_t k = 0; k < values.size(); ++k) set_channel(id, component(first, k), values[k]);
 }
 
-void Scene::set_offset_parent_matrix(NodeId id, const std::array<double, 16>& matrix) {
-  Node& node = data_->transform(id);
+void SceneAttributes::set_offset_parent_matrix(NodeId id, const std::array<double, 16>& matrix) {
+  Node& node = graph().transform(id);
   Affine affine;
   for (std::size_t i = 0; i < 4; ++i)
     for (std::size_t j = 0; j < 3; ++j) affine.m[i][j] = matrix[4 * i + j];
   for (const double d : matrix)
     if (!std::isfinite(d))
       throw host::Error("The offset parent matrix takes finite numbers only.", host::ErrorKind::value);
-  data_->recorder.note<OffsetMatrix>(node);
-  data_->extras(node).offset_parent_matrix = std::make_unique<Affine>(affine);
-  data_->values_changed();
+  graph().recorder.note<OffsetMatrix>(node);
+  graph().extras(node).offset_parent_matrix = std::make_unique<Affine>(affine);
+  graph().values_changed();
 }
 
-void Scene::set_attribute(NodeId id, std::string_view name, const host::Value& value) {
-  if (!set_attribute_if_there(id, name, value)) throw missing_error(data_->plug_name(data_->at(id), name));
+void SceneAttributes::set(NodeId id, std::string_view name, const host::Value& value) {
+  if (!set_if_there(id, name, value)) throw missing_error(graph().plug_name(graph().at(id), name));
 }
 
-bool Scene::set_attribute_if_there(NodeId id, std::string_view name, const host::Value& value) {
-  Data& d = *data_;
+bool SceneAttributes::set_if_there(NodeId id, std::string_view name, const host::Value& value) {
+  Graph& d = graph();
   Node& node = d.at(id);
   const auto [attribute, before] = known(d, node, name);
   if (attribute == AttributeNames::kNone) return false;
@@ -193,8 +194,8 @@ bool Scene::set_attribute_if_there(NodeId id, std::string_view name, const host:
   return true;
 }
 
-host::Value Scene::attribute(NodeId id, std::string_view name) const {
-  const Data& d = *data_;
+host::Value SceneAttributes::value(NodeId id, std::string_view name) const {
+  const Graph& d = graph();
   const Node& node = d.at(id);
   const AttributeId attribute = required(d, node, name);
   const auto one = [&](AttributeId each) {
@@ -204,27 +205,27 @@ host::Value Scene::attribute(NodeId id, std::string_view name) const {
     if (each == attribute::conversionFactor || each == attribute::weight) return host::Value(1.0);
     return host::Value(0.0);
   };
-  if (attribute == attribute::matrix) return as_list(local_matrix(id, d.settings.current_time));
-  if (attribute == attribute::worldMatrix) return as_list(world_matrix(id, d.settings.current_time));
+  if (attribute == attribute::matrix) return as_list(local_matrix_(id, d.settings.current_time));
+  if (attribute == attribute::worldMatrix) return as_list(world_matrix_(id, d.settings.current_time));
   if (attribute == attribute::offsetParentMatrix) return as_list(d.offset_parent_matrix(node));
   if (part_count(attribute) == 0) return vectors_at(node, attribute) ? host::Value() : one(attribute);
   return host::Value::list({one(part(attribute, 0)), one(part(attribute, 1)), one(part(attribute, 2))});
 }
 
-bool Scene::has_attribute(NodeId id, std::string_view name) const {
-  return known(*data_, data_->at(id), name).attribute != AttributeNames::kNone;
+bool SceneAttributes::has(NodeId id, std::string_view name) const {
+  return known(graph(), graph().at(id), name).attribute != AttributeNames::kNone;
 }
 
-void Scene::add_attribute(NodeId id, std::string_view name, const host::Value& value) {
-  Data& d = *data_;
+void SceneAttributes::add(NodeId id, std::string_view name, const host::Value& value) {
+  Graph& d = graph();
   Node& node = d.at(id);
   const AttributeId attribute = d.attributes.intern(node.type->names, name);
-  if (is_channel(attribute) || part_count(attribute) > 0) return set_attribute(id, name, value);
+  if (is_channel(attribute) || part_count(attribute) > 0) return set(id, name, value);
   set_plain(d, node, attribute, value);
 }
 
-void Scene::lock_attribute(NodeId id, std::string_view name, bool locked) {
-  Data& d = *data_;
+void SceneAttributes::lock(NodeId id, std::string_view name, bool locked) {
+  Graph& d = graph();
   Node& node = d.at(id);
   const AttributeId attribute = required(d, node, name);
   d.recorder.note<AttributeLock>(node, attribute);
@@ -235,8 +236,8 @@ void Scene::lock_attribute(NodeId id, std::string_view name, bool locked) {
   if (!locked && there) all.erase(at);
 }
 
-void Scene::set_vectors(NodeId id, std::string_view name, Vectors values) {
-  Data& d = *data_;
+void SceneAttributes::set_vectors(NodeId id, std::string_view name, Vectors values) {
+  Graph& d = graph();
   Node& node = d.at(id);
   const AttributeId attribute = d.attributes.intern(node.type->names, name);
   d.recorder.note<VectorArray>(node, attribute);
@@ -250,28 +251,28 @@ void Scene::set_vectors(NodeId id, std::string_view name, Vectors values) {
   }
 }
 
-Vectors Scene::vectors(NodeId id, std::string_view name) const {
-  const Node& node = data_->at(id);
-  const Vectors* found = vectors_at(node, data_->attributes.find(node.type->names, name));
+Vectors SceneAttributes::vectors(NodeId id, std::string_view name) const {
+  const Node& node = graph().at(id);
+  const Vectors* found = vectors_at(node, graph().attributes.find(node.type->names, name));
   return found ? *found : nullptr;
 }
 
-void Scene::set_curve_points(NodeId shape, int degree, std::vector<Vector> points) {
-  Node& node = data_->at(shape);
-  data_->recorder.note<Geometry>(node);
-  Extras& extras = data_->extras(node);
+void SceneAttributes::set_curve_points(NodeId shape, int degree, std::vector<Vector> points) {
+  Node& node = graph().at(shape);
+  graph().recorder.note<Geometry>(node);
+  Extras& extras = graph().extras(node);
   extras.curve_degree = degree;
   extras.curve_points = std::move(points);
 }
 
-int Scene::curve_degree(NodeId shape) const {
-  const Node& node = data_->at(shape);
+int SceneAttributes::curve_degree(NodeId shape) const {
+  const Node& node = graph().at(shape);
   return node.extras ? node.extras->curve_degree : 0;
 }
 
-const std::vector<Vector>& Scene::curve_points(NodeId shape) const {
+const std::vector<Vector>& SceneAttributes::curve_points(NodeId shape) const {
   static const std::vector<Vector> kNothing;
-  const Node& node = data_->at(shape);
+  const Node& node = graph().at(shape);
   return node.extras ? node.extras->curve_points : kNothing;
 }
 

@@ -1,18 +1,20 @@
-// Making, moving, renaming and deleting nodes.
+#include "standalone/scene/graph/nodes.h"
+
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <utility>
 
+#include "standalone/scene/attributes/node_types.h"
 #include "standalone/scene/graph/change.h"
+#include "standalone/scene/graph/graph.h"
 #include "standalone/scene/graph/node_places.h"
-#include "standalone/scene/graph/node_types.h"
-#include "standalone/scene/graph/scene_data.h"
 
 namespace vantorelix::standalone {
 namespace {
 
 // Enters a node whose name is free.
-Node& enter(Scene::Data& scene, NodeType& type, std::string_view name, NodeId parent) {
+Node& enter(Graph& scene, NodeType& type, std::string_view name, NodeId parent) {
   auto fresh = std::make_unique<Node>();
   Node& node = *fresh;
   node.id = static_cast<NodeId>(scene.nodes.size());
@@ -31,13 +33,13 @@ Node& enter(Scene::Data& scene, NodeType& type, std::string_view name, NodeId pa
   return node;
 }
 
-Node& make(Scene::Data& scene, NodeType& type, std::string_view name, NodeId parent) {
+Node& make(Graph& scene, NodeType& type, std::string_view name, NodeId parent) {
   const NodeId scope = type.category <= Category::shape ? parent : NameTable::kGlobalScope;
   return enter(scene, type, scene.names.free_name(scope, legal_name(name)), parent);
 }
 
 // "polySurface1" and "polySurfaceShape1" get the same number where they can.
-std::string default_name(Scene::Data& scene, const NodeType& type) {
+std::string default_name(Graph& scene, const NodeType& type) {
   const std::string first = scene.in_current_namespace(std::string(default_stem(type.name)) + "1");
   return scene.names.free_name(NameTable::kGlobalScope, first, true);
 }
@@ -47,13 +49,13 @@ std::string shape_name_for(std::string_view transform) {
   return std::string(transform.substr(0, end)) + "Shape" + std::string(transform.substr(end));
 }
 
-Node& make_with_default_name(Scene::Data& scene, NodeType& type, NodeId parent) {
+Node& make_with_default_name(Graph& scene, NodeType& type, NodeId parent) {
   const std::string name = default_name(scene, type);
   if (type.category != Category::shape) return make(scene, type, name, parent);
   return make(scene, type, shape_name_for(parent == kWorld ? name : scene.text(scene.at(parent))), parent);
 }
 
-void rename_to(Scene::Data& scene, Node& node, const std::string& wanted) {
+void rename_to(Graph& scene, Node& node, const std::string& wanted) {
   const NodeId scope = scope_of(scene, node);
   const std::string before = scene.text(node);
   scene.recorder.note<Place>(scene, node);
@@ -69,7 +71,7 @@ void rename_to(Scene::Data& scene, Node& node, const std::string& wanted) {
 }
 
 // A transform takes its only shape along when that one bears its name: "ballShape", or "ballShape1" under "ball1".
-void rename_shape_along(Scene::Data& scene, const Node& transform, const std::string& before) {
+void rename_shape_along(Graph& scene, const Node& transform, const std::string& before) {
   Node* only = nullptr;
   for (const NodeId child : transform.children) {
     Node* node = scene.find(child);
@@ -84,7 +86,7 @@ void rename_shape_along(Scene::Data& scene, const Node& transform, const std::st
 }
 
 // What drove only this node, and is there to drive.
-void find_orphans(const Scene::Data& scene, const Node& node, std::vector<NodeId>& orphans) {
+void find_orphans(const Graph& scene, const Node& node, std::vector<NodeId>& orphans) {
   for (const Input& input : node.inputs.all()) {
     const Node* source = input.source == kNoNode ? nullptr : scene.find(input.source);
     if (!source) continue;
@@ -98,7 +100,7 @@ void find_orphans(const Scene::Data& scene, const Node& node, std::vector<NodeId
 // node's remembered matrices void.
 bool is_felt(const Node& node) { return node.record != nullptr || node.live_outputs > 0; }
 
-void remove(Scene::Data& scene, NodeId id, std::vector<NodeId>& orphans) {
+void remove_one(Graph& scene, NodeId id, std::vector<NodeId>& orphans) {
   if (!scene.find(id)) return;
   // A listener may delete more, this very node included; that one is not told twice.
   if (scene.listener.node_removed && !std::exchange(scene.find(id)->removal_told, true)) {
@@ -115,7 +117,7 @@ void remove(Scene::Data& scene, NodeId id, std::vector<NodeId>& orphans) {
 }
 
 // A type that nobody knows hangs in the DAG when it is given a parent: as a shape when it is called one.
-NodeType& type_under(Scene::Data& scene, std::string_view type, std::string_view name, NodeId parent) {
+NodeType& type_under(Graph& scene, std::string_view type, std::string_view name, NodeId parent) {
   NodeType& known = scene.type(type);
   if (known.category != Category::other || parent == kWorld) return known;
   const bool shape = type.ends_with("Shape") || name.find("Shape") != std::string_view::npos;
@@ -124,13 +126,13 @@ NodeType& type_under(Scene::Data& scene, std::string_view type, std::string_view
 
 }  // namespace
 
-Scene::Data::Data() {
+Graph::Graph() {
   nodes.push_back(std::make_unique<Node>());
   nodes[kWorld]->id = kWorld;
   nodes[kWorld]->type = &types.emplace_back(NodeType{"world", Category::other, NameSet::other});
 }
 
-NodeType& Scene::Data::type(std::string_view name) {
+NodeType& Graph::type(std::string_view name) {
   const auto found = types_by_name.find(name);
   if (found != types_by_name.end()) return *found->second;
   const Category category = category_of(name);
@@ -140,19 +142,19 @@ NodeType& Scene::Data::type(std::string_view name) {
   return fresh;
 }
 
-NodeType& Scene::Data::variant(NodeType& type, Category category) {
+NodeType& Graph::variant(NodeType& type, Category category) {
   NodeType* t = &type;
   for (;; t = t->next) {
     if (t->category == category) return *t;
     if (t->next == &type) break;
   }
   NodeType& fresh =
-      types.emplace_back(NodeType{type.name, category, name_set_of(type.name, category), {}, type.values, &type});
+      types.emplace_back(NodeType{type.name, category, name_set_of(type.name, category), {}, 0, type.values, &type});
   return *(t->next = &fresh);
 }
 
-NodeId Scene::create_node(std::string_view type_name, std::string_view name, NodeId parent) {
-  Data& d = *data_;
+NodeId SceneNodes::create(std::string_view type_name, std::string_view name, NodeId parent) {
+  Graph& d = graph();
   if (type_name.empty()) throw host::Error("A node needs a type.", host::ErrorKind::value);
   if (parent != kWorld && !d.at(parent).channels)
     throw host::Error("'" + d.unique_name(d.at(parent)) + "' cannot have children.");
@@ -166,43 +168,43 @@ NodeId Scene::create_node(std::string_view type_name, std::string_view name, Nod
   return (name.empty() ? make_with_default_name(d, type, parent) : make(d, type, name, parent)).id;
 }
 
-void Scene::register_shape_type(std::string_view name,
-                                std::span<const std::pair<std::string_view, host::Value>> attributes) {
+void SceneNodes::register_shape_type(std::string_view name,
+                                     std::span<const std::pair<std::string_view, host::Value>> attributes) {
   // Nodes that were there before stay what they are: they hang in no DAG.
-  NodeType* type = &data_->type(name);
+  NodeType* type = &graph().type(name);
   if (type->category == Category::other)
-    type = data_->types_by_name[type->name] = &data_->variant(*type, Category::shape);
+    type = graph().types_by_name[type->name] = &graph().variant(*type, Category::shape);
   Values values;
   for (const auto& [attribute, value] : attributes)
-    values.emplace_back(data_->attributes.intern(type->names, attribute), value);
+    values.emplace_back(graph().attributes.intern(type->names, attribute), value);
   std::sort(values.begin(), values.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   const NodeType* const first = type;
   do type->values = values;
   while ((type = type->next) != first);
 }
 
-bool Scene::is_registered_type(std::string_view name) const {
-  const auto found = data_->types_by_name.find(name);
-  return (found == data_->types_by_name.end() ? category_of(name) : found->second->category) != Category::other;
+bool SceneNodes::is_registered_type(std::string_view name) const {
+  const auto found = graph().types_by_name.find(name);
+  return (found == graph().types_by_name.end() ? category_of(name) : found->second->category) != Category::other;
 }
 
-void Scene::delete_node(NodeId id) {
-  Data& d = *data_;
+void SceneNodes::remove(NodeId id) {
+  Graph& d = graph();
   d.at(id);
   const std::vector<NodeId> doomed = with_descendants(d, id);
   for (const NodeId n : doomed)
     if (d.find(n)->locked)
       throw host::Error("Node '" + d.unique_name(*d.find(n)) + "' is locked and cannot be deleted.");
   std::vector<NodeId> orphans;
-  for (auto n = doomed.rbegin(); n != doomed.rend(); ++n) remove(d, *n, orphans);
+  for (auto n = doomed.rbegin(); n != doomed.rend(); ++n) remove_one(d, *n, orphans);
   for (std::size_t i = 0; i < orphans.size(); ++i) {
     const NodeId orphan = orphans[i];
-    if (d.find(orphan)) remove(d, orphan, orphans);
+    if (d.find(orphan)) remove_one(d, orphan, orphans);
   }
 }
 
-std::string Scene::rename(NodeId id, std::string_view name) {
-  Data& d = *data_;
+std::string SceneNodes::rename(NodeId id, std::string_view name) {
+  Graph& d = graph();
   Node& node = d.at(id);
   if (node.locked) throw host::Error("Node '" + d.unique_name(node) + "' is locked and cannot be renamed.");
   name = without_root(name);
@@ -217,8 +219,8 @@ std::string Scene::rename(NodeId id, std::string_view name) {
   return d.unique_name(node);
 }
 
-void Scene::set_parent(NodeId id, NodeId parent) {
-  Data& d = *data_;
+void SceneNodes::set_parent(NodeId id, NodeId parent) {
+  Graph& d = graph();
   Node& node = d.at(id);
   if (!d.is_dag(node)) throw host::Error("'" + d.unique_name(node) + "' cannot have a parent.");
   if (node.locked) throw host::Error("Node '" + d.unique_name(node) + "' is locked and cannot be reparented.");
@@ -240,46 +242,49 @@ void Scene::set_parent(NodeId id, NodeId parent) {
   if (std::any_of(moved.begin(), moved.end(), [&](NodeId n) { return is_felt(*d.find(n)); })) d.structure_changed();
 }
 
-void Scene::lock_node(NodeId id, bool locked) {
-  Node& node = data_->at(id);
-  data_->recorder.note<NodeLock>(node);
+void SceneNodes::lock(NodeId id, bool locked) {
+  Node& node = graph().at(id);
+  graph().recorder.note<NodeLock>(node);
   node.locked = locked;
 }
 
-bool Scene::exists(NodeId node) const { return node != kWorld && data_->find(node) != nullptr; }
-const std::string& Scene::type(NodeId node) const { return data_->at(node).type->name; }
-bool Scene::is_transform(NodeId node) const { return data_->at(node).channels != nullptr; }
-bool Scene::is_shape(NodeId node) const { return data_->at(node).type->category == Category::shape; }
-NodeId Scene::parent(NodeId node) const { return data_->at(node).parent; }
+bool SceneNodes::exists(NodeId node) const { return node != kWorld && graph().find(node) != nullptr; }
+const std::string& SceneNodes::type(NodeId node) const { return graph().at(node).type->name; }
+bool SceneNodes::is_transform(NodeId node) const { return graph().at(node).channels != nullptr; }
+bool SceneNodes::is_shape(NodeId node) const { return graph().at(node).type->category == Category::shape; }
+NodeId SceneNodes::parent(NodeId node) const { return graph().at(node).parent; }
 
-const std::vector<NodeId>& Scene::children(NodeId node) const {
-  Node& parent = node == kWorld ? *data_->nodes[kWorld] : data_->at(node);
-  data_->compact_children(parent);
-  return parent.children;
+std::vector<NodeId> SceneNodes::children(NodeId node) const {
+  const Node& parent = node == kWorld ? *graph().nodes[kWorld] : graph().at(node);
+  std::vector<NodeId> found;
+  found.reserve(parent.children.size() - parent.child_gaps);
+  std::copy_if(parent.children.begin(), parent.children.end(), std::back_inserter(found),
+               [](NodeId child) { return child != kNoNode; });
+  return found;
 }
 
-std::vector<NodeId> Scene::shapes(NodeId transform) const {
+std::vector<NodeId> SceneNodes::shapes(NodeId transform) const {
   std::vector<NodeId> found;
   for (const NodeId child : children(transform))
     if (is_shape(child)) found.push_back(child);
   return found;
 }
 
-std::vector<NodeId> Scene::nodes() const {
+std::vector<NodeId> SceneNodes::all() const {
   std::vector<NodeId> all;
-  for (NodeId id = kWorld + 1; id < data_->nodes.size(); ++id)
-    if (data_->nodes[id]) all.push_back(id);
+  for (NodeId id = kWorld + 1; id < graph().nodes.size(); ++id)
+    if (graph().nodes[id]) all.push_back(id);
   return all;
 }
 
-std::vector<NodeId> Scene::nodes_of_type(std::string_view name) const {
+std::vector<NodeId> SceneNodes::of_type(std::string_view name) const {
   std::vector<NodeId> found;
-  const auto at = data_->types_by_name.find(name);
-  if (at == data_->types_by_name.end()) return found;
-  NodeType* type = at->second;
+  const auto at = graph().types_by_name.find(name);
+  if (at == graph().types_by_name.end()) return found;
+  const NodeType* type = at->second;
   do {
-    std::erase_if(type->nodes, [&](NodeId id) { return data_->find(id) == nullptr; });
-    found.insert(found.end(), type->nodes.begin(), type->nodes.end());
+    std::copy_if(type->nodes.begin(), type->nodes.end(), std::back_inserter(found),
+                 [&](NodeId id) { return graph().find(id) != nullptr; });
     type = type->next;
   } while (type != at->second);
   std::sort(found.begin(), found.end());

@@ -1,4 +1,5 @@
-// Namespaces.
+#include "standalone/scene/graph/namespaces.h"
+
 #include <algorithm>
 
 #include "standalone/scene/graph/change.h"
@@ -20,12 +21,12 @@ host::Error no_namespace(std::string_view name) {
 
 }  // namespace
 
-std::string Scene::Data::in_current_namespace(std::string_view name) const {
+std::string Graph::in_current_namespace(std::string_view name) const {
   const std::string& current = settings.current_namespace;
   return current.empty() ? std::string(name) : current + ":" + std::string(name);
 }
 
-void Scene::Data::make_namespace_of(std::string_view name) {
+void Graph::make_namespace_of(std::string_view name) {
   if (name.find(':') == std::string_view::npos) return;  // as of most names, and looking forward is faster
   for (name = namespace_of(name); !name.empty() && !namespaces.contains(name); name = namespace_of(name)) {
     recorder.note<NamespacePresence>(*this, name);
@@ -33,54 +34,55 @@ void Scene::Data::make_namespace_of(std::string_view name) {
   }
 }
 
-bool Scene::has_namespace(std::string_view name) const { return name.empty() || data_->namespaces.contains(name); }
+bool SceneNamespaces::has(std::string_view name) const { return name.empty() || graph().namespaces.contains(name); }
 
-void Scene::add_namespace(std::string_view name) { data_->make_namespace_of(legal_name(name) + ":"); }
+void SceneNamespaces::add(std::string_view name) { graph().make_namespace_of(legal_name(name) + ":"); }
 
-void Scene::remove_namespace(std::string_view name) {
-  Data& d = *data_;
+void SceneNamespaces::remove(std::string_view name) {
+  Graph& d = graph();
   const auto found = d.namespaces.find(name);
   const std::string shown = "'" + std::string(name) + "'";
   if (found == d.namespaces.end()) throw no_namespace(name);
   if (name == d.settings.current_namespace)
     throw host::Error("The namespace " + shown + " is current and cannot be removed.");
   const auto is_in_it = [&](std::string_view other) { return namespace_of(other) == name; };
-  if (std::any_of(d.namespaces.begin(), d.namespaces.end(), is_in_it) || !nodes_in_namespace(name).empty())
+  if (std::any_of(d.namespaces.begin(), d.namespaces.end(), is_in_it) || !nodes_in(name).empty())
     throw host::Error("The namespace " + shown + " is not empty and cannot be removed.");
   d.recorder.note<NamespacePresence>(d, name);
   d.namespaces.erase(found);
 }
 
-const std::string& Scene::current_namespace() const { return data_->settings.current_namespace; }
+const std::string& SceneNamespaces::current() const { return graph().settings.current_namespace; }
 
-void Scene::set_current_namespace(std::string_view name) {
-  if (!has_namespace(name)) throw no_namespace(name);
-  data_->change_settings().current_namespace = name;
+void SceneNamespaces::set_current(std::string_view name) {
+  if (!has(name)) throw no_namespace(name);
+  graph().change_settings().current_namespace = name;
 }
 
-std::vector<std::string> Scene::namespaces() const {
-  std::vector<std::string> names(data_->namespaces.begin(), data_->namespaces.end());
+std::vector<std::string> SceneNamespaces::all() const {
+  std::vector<std::string> names(graph().namespaces.begin(), graph().namespaces.end());
   std::sort(names.begin(), names.end());
   return names;
 }
 
-std::vector<NodeId> Scene::nodes_in_namespace(std::string_view name) const {
-  std::vector<NodeId> found = nodes();
-  std::erase_if(found, [&](NodeId id) { return namespace_of(short_name(id)) != name; });
+std::vector<NodeId> SceneNamespaces::nodes_in(std::string_view name) const {
+  std::vector<NodeId> found;
+  for (const auto& node : graph().nodes)
+    if (node && node->id != kWorld && namespace_of(graph().text(*node)) == name) found.push_back(node->id);
   return found;
 }
 
-std::string Scene::name_for_new(std::string_view name) const {
+std::string SceneNamespaces::name_for_new(std::string_view name) const {
   if (name.empty() || name.find(':') != std::string_view::npos) return std::string(without_root(name));
-  return data_->in_current_namespace(name);
+  return graph().in_current_namespace(name);
 }
 
-Scene::NewName Scene::name_for_renamed(std::string_view name, bool relative_counts) const {
+NewName SceneNamespaces::name_for_renamed(std::string_view name, bool relative_counts) const {
   if (without_namespace(name).empty()) throw host::Error("New name has no legal characters.");
   if (name.starts_with(':')) return {std::string(without_root(name))};
-  const std::string relative = data_->in_current_namespace(name);
-  if (relative_counts && has_namespace(namespace_of(relative))) return {relative};
-  return {data_->in_current_namespace(without_namespace(name)), relative_counts};
+  const std::string relative = graph().in_current_namespace(name);
+  if (relative_counts && has(namespace_of(relative))) return {relative};
+  return {graph().in_current_namespace(without_namespace(name)), relative_counts};
 }
 
 }  // namespace vantorelix::standalone

@@ -1,13 +1,14 @@
-// World matrices the plain way, and what stands in their way.
+#include "standalone/scene/evaluation/scene_evaluation.h"
+
 #include <unordered_set>
 
-#include "standalone/scene/graph/scene_data.h"
+#include "standalone/scene/evaluation/records.h"
 
 namespace vantorelix::standalone {
 namespace {
 
 // The transform whose matrix a node shows: its own, or a shape's parent's.
-NodeId transform_of(const Scene::Data& scene, NodeId id) {
+NodeId transform_of(const Graph& scene, NodeId id) {
   const Node& node = scene.at(id);
   return node.type->category == Category::shape ? node.parent : id;
 }
@@ -19,10 +20,10 @@ Affine local_at(const Record& record, double frame) {
 // Worked out from the top, each matrix once for each time, until something moves.
 class Walk {
  public:
-  Walk(Scene::Data& scene, double frame) : scene_(scene), evaluation_(scene.evaluation), frame_(frame) {
-    if (evaluation_.walk_motion == evaluation_.motion && evaluation_.walk_frame == frame) return;
+  Walk(Evaluation& evaluation, double frame) : scene_(evaluation.graph), evaluation_(evaluation), frame_(frame) {
+    if (evaluation_.walk_motion == scene_.counts.motion && evaluation_.walk_frame == frame) return;
     ++evaluation_.walk;
-    evaluation_.walk_motion = evaluation_.motion;
+    evaluation_.walk_motion = scene_.counts.motion;
     evaluation_.walk_frame = frame;
   }
 
@@ -64,13 +65,13 @@ class Walk {
     return inherits ? m * r.parent->walked : m;
   }
 
-  Scene::Data& scene_;
+  const Graph& scene_;
   Evaluation& evaluation_;
   double frame_;
 };
 
 // Every transform whose local matrix goes into a node's world matrix, the node first.
-std::vector<const Record*> everything_behind(Scene::Data& scene, NodeId id) {
+std::vector<const Record*> everything_behind(const Graph& scene, NodeId id) {
   std::vector<const Record*> all = {&record_of(scene, id)};
   std::unordered_set<const Record*> seen = {all[0]};
   for (std::size_t i = 0; i < all.size(); ++i) {
@@ -94,7 +95,7 @@ bool varies(const Record& r) {
   return false;
 }
 
-void list_unfollowed(const Scene::Data& scene, const Record& r, std::vector<std::string>& texts) {
+void list_unfollowed(const Graph& scene, const Record& r, std::vector<std::string>& texts) {
   const Node& node = scene.at(r.node);
   for (const Input& input : node.inputs.all()) {
     if (input.source == kNoNode || !(is_channel(input.attribute) || is_compound(input.attribute))) continue;
@@ -119,38 +120,38 @@ void list_unfollowed(const Scene::Data& scene, const Record& r, std::vector<std:
 
 }  // namespace
 
-Affine Scene::world_matrix(NodeId node, double frame) const {
-  return Walk(*data_, frame).world(transform_of(*data_, node));
+Affine SceneEvaluation::world_matrix(NodeId node, double frame) const {
+  return Walk(*evaluation_, frame).world(transform_of(evaluation_->graph, node));
 }
 
-Affine Scene::local_matrix(NodeId node, double frame) const {
-  if (data_->at(node).type->category == Category::shape) return Affine{};
-  return local_at(record_of(*data_, node), frame);
+Affine SceneEvaluation::local_matrix(NodeId node, double frame) const {
+  if (evaluation_->graph.at(node).type->category == Category::shape) return Affine{};
+  return local_at(record_of(evaluation_->graph, node), frame);
 }
 
-double Scene::channel_at(NodeId node, Channel c, double frame) const {
-  data_->transform(node);
-  return channels_at(record_of(*data_, node), frame)[index(c)];
+double SceneEvaluation::channel_at(NodeId node, Channel c, double frame) const {
+  evaluation_->graph.transform(node);
+  return channels_at(record_of(evaluation_->graph, node), frame)[index(c)];
 }
 
-bool Scene::is_animated(NodeId node) const {
-  const NodeId transform = transform_of(*data_, node);
-  if (!data_->at(transform).channels) return false;
-  for (const Record* r : everything_behind(*data_, transform)) {
+bool SceneEvaluation::is_animated(NodeId node) const {
+  const NodeId transform = transform_of(evaluation_->graph, node);
+  if (!evaluation_->graph.at(transform).channels) return false;
+  for (const Record* r : everything_behind(evaluation_->graph, transform)) {
     if (varies(*r)) return true;
     if (r->offset_source && r->offset_is_local && varies(*r->offset_source)) return true;
   }
   return false;
 }
 
-std::vector<std::string> Scene::not_followed(NodeId node) const {
+std::vector<std::string> SceneEvaluation::not_followed(NodeId node) const {
   std::vector<std::string> texts;
-  const NodeId transform = transform_of(*data_, node);
-  if (!data_->at(transform).channels) return texts;
-  for (const Record* r : everything_behind(*data_, transform)) {
-    if (r->unfollowed) list_unfollowed(*data_, *r, texts);
+  const NodeId transform = transform_of(evaluation_->graph, node);
+  if (!evaluation_->graph.at(transform).channels) return texts;
+  for (const Record* r : everything_behind(evaluation_->graph, transform)) {
+    if (r->unfollowed) list_unfollowed(evaluation_->graph, *r, texts);
     if (r->offset_source && r->offset_is_local && r->offset_source->drivers_unfollowed)
-      list_unfollowed(*data_, *r->offset_source, texts);
+      list_unfollowed(evaluation_->graph, *r->offset_source, texts);
   }
   return texts;
 }

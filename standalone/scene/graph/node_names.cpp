@@ -1,7 +1,8 @@
-// Names and paths.
+#include "standalone/scene/graph/node_names.h"
+
 #include <algorithm>
 
-#include "standalone/scene/graph/scene_data.h"
+#include "standalone/scene/graph/graph.h"
 
 namespace vantorelix::standalone {
 namespace {
@@ -29,7 +30,7 @@ std::string_view last_part(std::string_view path) { return path.substr(path.rfin
 
 // Whether the node's path ends with one that the pattern matches, part by part; is it where the pattern starts with a
 // bar.
-bool path_matches(const Scene::Data& scene, const Node& node, std::string_view pattern) {
+bool path_matches(const Graph& scene, const Node& node, std::string_view pattern) {
   const Node* at = &node;
   while (true) {
     const std::string_view part = last_part(pattern);
@@ -42,7 +43,7 @@ bool path_matches(const Scene::Data& scene, const Node& node, std::string_view p
 }
 
 // The same for one path, at one comparison a part.
-bool path_ends_with(const Scene::Data& scene, const Node& node, std::string_view path) {
+bool path_ends_with(const Graph& scene, const Node& node, std::string_view path) {
   for (const Node* at = &node;; at = scene.find(at->parent)) {
     const std::string& text = scene.text(*at);
     if (!path.ends_with(text)) return false;
@@ -55,7 +56,7 @@ bool path_ends_with(const Scene::Data& scene, const Node& node, std::string_view
 }
 
 // From the world down, one look-up a part: for names that many nodes have.
-NodeId walk_down(const Scene::Data& scene, std::string_view path) {
+NodeId walk_down(const Graph& scene, std::string_view path) {
   NodeId at = kWorld;
   while (at != kNoNode && !path.empty()) {
     path.remove_prefix(1);
@@ -69,7 +70,7 @@ NodeId walk_down(const Scene::Data& scene, std::string_view path) {
 
 }  // namespace
 
-std::string Scene::Data::unique_name(const Node& n) const {
+std::string Graph::unique_name(const Node& n) const {
   std::string path = text(n);
   if (!is_dag(n) || names.nodes(n.name).size() < 2) return path;
   // Those that look the same so far, each at its ancestor of the level reached.
@@ -90,16 +91,16 @@ std::string Scene::Data::unique_name(const Node& n) const {
   return rivals.empty() ? path : "|" + path;
 }
 
-std::string_view Scene::short_name(NodeId node) const { return data_->text(data_->at(node)); }
+std::string_view SceneNames::short_name(NodeId node) const { return graph().text(graph().at(node)); }
 
-std::string Scene::long_name(NodeId id) const {
-  const Node* node = &data_->at(id);
-  if (!data_->is_dag(*node)) return data_->text(*node);
+std::string SceneNames::long_name(NodeId id) const {
+  const Node* node = &graph().at(id);
+  if (!graph().is_dag(*node)) return graph().text(*node);
   std::size_t length = 0;
-  for (const Node* at = node; at->id != kWorld; at = data_->find(at->parent)) length += 1 + data_->text(*at).size();
+  for (const Node* at = node; at->id != kWorld; at = graph().find(at->parent)) length += 1 + graph().text(*at).size();
   std::string name(length, '|');
-  for (; node->id != kWorld; node = data_->find(node->parent)) {
-    const std::string& part = data_->text(*node);
+  for (; node->id != kWorld; node = graph().find(node->parent)) {
+    const std::string& part = graph().text(*node);
     length -= part.size();
     part.copy(name.data() + length, part.size());
     --length;
@@ -107,12 +108,12 @@ std::string Scene::long_name(NodeId id) const {
   return name;
 }
 
-std::string Scene::unique_name(NodeId node) const { return data_->unique_name(data_->at(node)); }
+std::string SceneNames::unique_name(NodeId node) const { return graph().unique_name(graph().at(node)); }
 
-NodeId Scene::find(std::string_view name) const {
-  Data& d = *data_;
+NodeId SceneNames::find(std::string_view name) const {
+  const Graph& d = graph();
   name = without_root(name);
-  if (d.last_found.revision == d.revision && d.last_found.name == name) return d.last_found.node;
+  if (last_found_.revision == d.revision && last_found_.name == name) return last_found_.node;
   const NameTable::Entry last = d.names.find(last_part(name));
   if (last == NameTable::kNone) return kNoNode;
   const std::span<const NodeId> candidates = d.names.nodes(last);
@@ -124,21 +125,21 @@ NodeId Scene::find(std::string_view name) const {
     found = candidate;
   }
   if (found != kNoNode) {
-    d.last_found.name = name;
-    d.last_found.node = found;
-    d.last_found.revision = d.revision;
+    last_found_.name = name;
+    last_found_.node = found;
+    last_found_.revision = d.revision;
   }
   return found;
 }
 
-NodeId Scene::require(std::string_view name) const {
+NodeId SceneNames::require(std::string_view name) const {
   const NodeId node = find(name);
   if (node == kNoNode) throw missing_error(name);
   return node;
 }
 
-std::vector<NodeId> Scene::match(std::string_view pattern) const {
-  const Data& d = *data_;
+std::vector<NodeId> SceneNames::match(std::string_view pattern) const {
+  const Graph& d = graph();
   pattern = without_root(pattern);
   std::vector<NodeId> found;
   const auto consider = [&](NodeId id) {

@@ -13,24 +13,21 @@
 #include <utility>
 #include <vector>
 
+#include "base/matrix.h"
+#include "base/vector.h"
 #include "host/error.h"
+#include "host/value.h"
 #include "standalone/scene/attributes/attribute_names.h"
+#include "standalone/scene/attributes/node_types.h"
 #include "standalone/scene/connections/inputs.h"
-#include "standalone/scene/evaluation/records.h"
+#include "standalone/scene/curves/anim_curve.h"
+#include "standalone/scene/curves/track.h"
 #include "standalone/scene/graph/change_log.h"
+#include "standalone/scene/graph/settings.h"
 #include "standalone/scene/names/name_table.h"
-#include "standalone/scene/scene.h"
 #include "standalone/scene/transforms/local_matrix.h"
 
 namespace vantorelix::standalone {
-
-enum class Category : std::uint8_t {
-  transform,   // has channels, can have children
-  constraint,  // the same, but what comes out of it cannot be followed
-  shape,       // hangs under a transform
-  curve,       // an animation curve over time
-  other        // outside the DAG
-};
 
 using Values = std::vector<std::pair<AttributeId, host::Value>>;  // ascending by attribute
 
@@ -38,7 +35,8 @@ struct NodeType {
   std::string name;
   Category category;
   NameSet names;
-  std::vector<NodeId> nodes = {};  // ascending; may hold nodes that are gone
+  std::vector<NodeId> nodes = {};  // ascending; some of them may be gone,
+  std::size_t gone = 0;            // this many
   Values values = {};              // what every node of the type has until it is given its own
   NodeType* next =
       nullptr;  // of the same name in another category, in a ring: some types are only known from their use
@@ -53,6 +51,8 @@ struct Extras {
   int curve_degree = 0;
   std::vector<Vector> curve_points;
 };
+
+struct Record;  // of the evaluation
 
 struct Node {
   NodeId id = kNoNode;
@@ -71,24 +71,13 @@ struct Node {
   Inputs inputs;
   std::vector<Output> outputs;  // may hold connections that are gone
   std::size_t live_outputs = 0;
-  std::unique_ptr<Record> record;  // compiled, when somebody asked
+  mutable std::shared_ptr<Record> record;  // compiled, when somebody asked: changes no answer
 };
 
 // To look up a text in a table of strings without making a string of it.
 struct TextHash {
   using is_transparent = void;
   std::size_t operator()(std::string_view text) const { return hash_of(text); }
-};
-
-// What belongs to no node.
-struct Settings {
-  double frames_per_second = 24.0;
-  std::string linear_unit = "cm";
-  char up_axis = 'y';
-  double playback_min = 1.0, playback_max = 24.0, current_time = 1.0;
-  std::vector<Take> takes;
-  std::size_t take = 0;
-  std::string current_namespace;
 };
 
 struct Change;
@@ -105,7 +94,7 @@ struct Recorder {
     if (log) write({Piece::now(of...)});
   }
   // Before a node is taken out, and with what was taken out.
-  void goes(Scene::Data& scene, Node& node) const {
+  void goes(Graph& scene, Node& node) const {
     if (log) write_going(scene, node);
   }
   void went(std::unique_ptr<Node> node) const {
@@ -116,12 +105,20 @@ struct Recorder {
 
  private:
   void write(Change change) const;
-  void write_going(Scene::Data& scene, Node& node) const;
+  void write_going(Graph& scene, Node& node) const;
   void keep(std::unique_ptr<Node> node) const;
 };
 
-struct Scene::Data {
-  Data();
+// How often what evaluation looks at has changed: whoever keeps something that follows from it keeps the count, too.
+// They start at 1, so that 0 is never current.
+struct ChangeCounts {
+  std::uint64_t structure = 1;  // nodes, connections, parents
+  std::uint64_t values = 1;     // those, and static values
+  std::uint64_t motion = 1;     // those, and curves
+};
+
+struct Graph {
+  Graph();
 
   Settings settings;
   Recorder recorder;
@@ -135,29 +132,27 @@ struct Scene::Data {
 
   std::unordered_set<std::string, TextHash, std::equal_to<>> namespaces;  // each with those above it; without the root
 
-  // What Scene::find found last: scripts speak of the same node again and again.
-  struct {
-    std::string name;
-    NodeId node = kNoNode;
-    std::uint64_t revision = 0;  // of the scene then
-  } last_found;
-
   // --- messages and warnings
   SceneListener listener;
   std::vector<Warning> warnings;
   std::unordered_map<std::string, std::size_t> warning_places;
 
   // --- what changed
-  std::uint64_t revision = 1;  // anything that revision() promises
-  Evaluation evaluation;
+  std::uint64_t revision = 1;  // anything that SceneChanges::revision promises
+  ChangeCounts counts;
+  mutable NodeId keys_read = kNoNode;  // the node whose key times were read last
 
-  Node* find(NodeId id) const { return id < nodes.size() ? nodes[id].get() : nullptr; }
+  const Node* find(NodeId id) const { return id < nodes.size() ? nodes[id].get() : nullptr; }
+  Node* find(NodeId id) { return id < nodes.size() ? nodes[id].get() : nullptr; }
   // Throws host::Error for a node that does not exist.
-  Node& at(NodeId id) const;
+  const Node& at(NodeId id) const;
+  Node& at(NodeId id) { return changing(std::as_const(*this).at(id)); }
   // As at, for a node with channels.
-  Node& transform(NodeId id) const;
-  Node& curve(NodeId id) const;
-  bool is_dag(const Node& n) const { return n.type->category <= Category::shape; }
+  const Node& transform(NodeId id) const;
+  Node& transform(NodeId id) { return changing(std::as_const(*this).transform(id)); }
+  const Node& curve(NodeId id) const;
+  Node& curve(NodeId id) { return changing(std::as_const(*this).curve(id)); }
+  static bool is_dag(const Node& n) { return n.type->category <= Category::shape; }
   NodeType& type(std::string_view name);
   // The same type in another category.
   NodeType& variant(NodeType& type, Category category);
@@ -169,15 +164,15 @@ struct Scene::Data {
   void make_namespace_of(std::string_view name);
   std::string plug_name(const Node& n, AttributeId attribute) const;
   std::string plug_name(const Node& n, std::string_view attribute) const;
-  Extras& extras(Node& n) const;
   Affine offset_parent_matrix(const Node& n) const;
+  static Extras& extras(Node& n);
+  static void store(Node& n, AttributeId attribute, host::Value value);
   // Closes the gaps in a node's list of children.
-  void compact_children(Node& n) const;
+  void compact_children(Node& n);
   // The input that drives the attribute: its own, or its compound's.
   const Input* driver(const Node& n, AttributeId attribute) const;
   // The static value of an attribute that is no channel; null where neither node nor type has one.
   const host::Value* stored(const Node& n, AttributeId attribute) const;
-  void store(Node& n, AttributeId attribute, host::Value value) const;
   // Whether an output is still connected.
   bool connection_stands(const Node& source, const Output& output) const;
   // To be called when a connection from the node was undone.
@@ -189,11 +184,14 @@ struct Scene::Data {
   Settings& change_settings();
 
   // --- edits; each bumps what it has to
-  void structure_changed() { ++revision, evaluation.structure_changed(); }
-  void values_changed() { ++revision, evaluation.values_changed(); }
-  void curves_changed() { ++revision, evaluation.curves_changed(); }
+  void structure_changed() { ++counts.structure, values_changed(); }
+  void values_changed() { ++counts.values, curves_changed(); }
+  void curves_changed() { ++counts.motion, ++revision; }
 
   void tell_curve_edited(NodeId curve, bool keys);
+
+ private:
+  static Node& changing(const Node& n) { return const_cast<Node&>(n); }  // where the graph may be changed
 };
 
 // The error for a plug that is locked or driven; `plug` is "node.attribute".

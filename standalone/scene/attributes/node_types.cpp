@@ -1,4 +1,4 @@
-#include "standalone/scene/graph/node_types.h"
+#include "standalone/scene/attributes/node_types.h"
 
 #include <algorithm>
 #include <array>

@@ -36,7 +36,7 @@ class Formula {
                moved(Channel::scalePivotX, 1) * moved(Channel::scalePivotTranslateX, 1) *
                moved(Channel::rotatePivotX, -1) * turned(Channel::rotateAxisX, 0) *
                turned(Channel::rotateX, static_cast<int>(at(Channel::rotateOrder)));
-    if (scene_.type(node_) == "joint") {
+    if (scene_.nodes.type(node_) == "joint") {
       m = m * turned(Channel::jointOrientX, 0);
       if (at(Channel::segmentScaleCompensate) != 0) m = m * scaled(Channel::inverseScaleX, true);
     }
@@ -45,7 +45,9 @@ class Formula {
   }
 
  private:
-  double at(Channel c, int k = 0) const { return scene_.channel(node_, static_cast<Channel>(static_cast<int>(c) + k)); }
+  double at(Channel c, int k = 0) const {
+    return scene_.attributes.channel(node_, static_cast<Channel>(static_cast<int>(c) + k));
+  }
   Matrix moved(Channel c, double sign) const {
     Matrix m = identity();
     for (int k = 0; k < 3; ++k) m[3][static_cast<std::size_t>(k)] = sign * at(c, k);
@@ -106,7 +108,8 @@ double some_value(Dice& dice, Channel c) {
 
 void set_some(Scene& s, Dice& dice, NodeId node, double share) {
   for (int c = 0; c < static_cast<int>(Channel::count); ++c)
-    if (dice.chance(share)) s.set_channel(node, static_cast<Channel>(c), some_value(dice, static_cast<Channel>(c)));
+    if (dice.chance(share))
+      s.attributes.set_channel(node, static_cast<Channel>(c), some_value(dice, static_cast<Channel>(c)));
 }
 
 TEST(WorldMatrix, IsTheProductOfTheFormula) {
@@ -116,19 +119,19 @@ TEST(WorldMatrix, IsTheProductOfTheFormula) {
     NodeId node = kWorld;
     Matrix wanted = identity();
     for (int depth = 0; depth < 4; ++depth) {
-      node = s.create_node(dice.chance(0.5) ? "joint" : "transform", "n", node);
+      node = s.nodes.create(dice.chance(0.5) ? "joint" : "transform", "n", node);
       set_some(s, dice, node, seed % 4 == 0 ? 1.0 : 0.3);
       std::array<double, 16> offset = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
       if (dice.chance(0.3))
         for (std::size_t i = 0; i < 4; ++i)
           for (std::size_t j = 0; j < 3; ++j) offset[4 * i + j] = dice.between(-1, 1);
-      s.set_offset_parent_matrix(node, offset);
+      s.attributes.set_offset_parent_matrix(node, offset);
       Matrix opm;
       for (std::size_t i = 0; i < 16; ++i) opm[i / 4][i % 4] = offset[i];
-      const bool inherits = s.channel(node, Channel::inheritsTransform) != 0;
+      const bool inherits = s.attributes.channel(node, Channel::inheritsTransform) != 0;
       wanted = Formula(s, node).local() * opm * (inherits ? wanted : identity());
     }
-    const Affine got = s.world_matrix(node, 1);
+    const Affine got = s.evaluation.world_matrix(node, 1);
     double size = 1;
     for (const auto& row : wanted)
       for (const double v : row) size = std::max(size, std::abs(v));
@@ -143,7 +146,7 @@ class RandomScene {
   explicit RandomScene(unsigned seed) : dice(seed) {
     for (std::size_t i = 0; i < 24; ++i) {
       const NodeId parent = nodes.empty() || dice.chance(0.1) ? kWorld : nodes[dice.below(nodes.size())];
-      nodes.push_back(scene.create_node(dice.chance(0.4) ? "joint" : "transform", "n", parent));
+      nodes.push_back(scene.nodes.create(dice.chance(0.4) ? "joint" : "transform", "n", parent));
       set_some(scene, dice, nodes.back(), dice.chance(0.3) ? 0.3 : 0.05);
       if (dice.chance(0.15)) set_offset(nodes.back());
     }
@@ -161,18 +164,18 @@ class RandomScene {
         return set_offset(node);
       case 3: {
         try {
-          scene.set_parent(node, nodes[dice.below(nodes.size())]);
+          scene.nodes.set_parent(node, nodes[dice.below(nodes.size())]);
         } catch (const std::exception&) {  // under itself
         }
         return;
       }
       case 4: {
-        const NodeId curve = scene.driving_curve(node, Channel::rotateY);
-        if (curve != kNoNode) scene.set_key(curve, dice.between(0, 20), dice.between(-2, 2));
+        const NodeId curve = scene.curves.driving_curve(node, Channel::rotateY);
+        if (curve != kNoNode) scene.curves.set_key(curve, dice.between(0, 20), dice.between(-2, 2));
         return;
       }
       default:
-        scene.disconnect(node, "rotateX");
+        scene.connections.disconnect(node, "rotateX");
     }
   }
 
@@ -182,20 +185,20 @@ class RandomScene {
 
  private:
   NodeId curve(double from, double to) {
-    const NodeId c = scene.create_curve(CurveKind::unitless, "c");
+    const NodeId c = scene.curves.create(CurveKind::unitless, "c");
     const double late = dice.chance(0.3) ? dice.between(0, 1) : 0.0;  // off the frames
-    for (int k = 0; k < 4; ++k) scene.set_key(c, 6.0 * k + late, dice.between(from, to));
+    for (int k = 0; k < 4; ++k) scene.curves.set_key(c, 6.0 * k + late, dice.between(from, to));
     return c;
   }
   void set_offset(NodeId node) {
     if (dice.chance(0.5)) {
       const NodeId other = nodes[dice.below(nodes.size())];
-      scene.connect(other, dice.chance(0.6) ? "worldMatrix[0]" : "matrix", node, "offsetParentMatrix");
+      scene.connections.connect(other, dice.chance(0.6) ? "worldMatrix[0]" : "matrix", node, "offsetParentMatrix");
     } else {
       std::array<double, 16> m = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
       m[12] = dice.between(-2, 2);
       m[1] = dice.between(-1, 1);
-      scene.set_offset_parent_matrix(node, m);
+      scene.attributes.set_offset_parent_matrix(node, m);
     }
   }
   void drive(NodeId node) {
@@ -203,23 +206,23 @@ class RandomScene {
                                          "rax", "ray", "jox", "rpx", "rpty", "spz", "sptx", "isx", "ro", "it",   "ssc"};
     const double share = dice.chance(0.3) ? 0.3 : 0.08;
     for (const char* const name : kNames) {
-      if (!dice.chance(share) || !scene.has_attribute(node, name)) continue;
+      if (!dice.chance(share) || !scene.attributes.has(node, name)) continue;
       const bool flag = std::string_view(name) == "it" || std::string_view(name) == "ssc";
-      scene.connect(curve(flag ? -1 : 0.3, flag ? 1 : 2), "o", node, name);
+      scene.connections.connect(curve(flag ? -1 : 0.3, flag ? 1 : 2), "o", node, name);
     }
     if (dice.chance(0.2)) blend(node);
-    if (dice.chance(0.2)) scene.connect(nodes[dice.below(nodes.size())], "scale", node, "inverseScale");
-    if (dice.chance(0.1)) scene.connect(nodes[dice.below(nodes.size())], "translate", node, "translate");
-    if (dice.chance(0.1)) scene.connect(scene.create_node("expression", "e"), "out", node, "ty");
+    if (dice.chance(0.2)) scene.connections.connect(nodes[dice.below(nodes.size())], "scale", node, "inverseScale");
+    if (dice.chance(0.1)) scene.connections.connect(nodes[dice.below(nodes.size())], "translate", node, "translate");
+    if (dice.chance(0.1)) scene.connections.connect(scene.nodes.create("expression", "e"), "out", node, "ty");
   }
   void blend(NodeId node) {
-    const NodeId b = scene.create_node("pairBlend", "b");
-    scene.connect(curve(-1, 1), "o", b, "irx1");
-    scene.connect(curve(-1, 1), "o", b, "irz2");
-    scene.connect(curve(0, 1), "o", b, "w");
-    scene.add_attribute(b, "ri", dice.chance(0.5) ? 1 : 0);
-    scene.connect(node, "rotateOrder", b, "ro");
-    scene.connect(b, "outRotate", node, "rotate");
+    const NodeId b = scene.nodes.create("pairBlend", "b");
+    scene.connections.connect(curve(-1, 1), "o", b, "irx1");
+    scene.connections.connect(curve(-1, 1), "o", b, "irz2");
+    scene.connections.connect(curve(0, 1), "o", b, "w");
+    scene.attributes.add(b, "ri", dice.chance(0.5) ? 1 : 0);
+    scene.connections.connect(node, "rotateOrder", b, "ro");
+    scene.connections.connect(b, "outRotate", node, "rotate");
   }
 };
 
@@ -235,20 +238,20 @@ TEST(Evaluator, GivesTheBitsOfTheAttributeQueryThroughAllEdits) {
   for (unsigned seed = 0; seed < 60; ++seed) {
     RandomScene r(seed);
     std::vector<std::unique_ptr<Evaluator>> evaluators;
-    for (const NodeId node : r.nodes) evaluators.push_back(std::make_unique<Evaluator>(r.scene, node));
+    for (const NodeId node : r.nodes) evaluators.push_back(std::make_unique<Evaluator>(r.scene.evaluation, node));
     for (int round = 0; round < 6; ++round) {
       for (std::size_t i = 0; i < r.nodes.size(); ++i) {
         const std::size_t which = r.dice.chance(0.2) ? r.dice.below(r.nodes.size()) : i;
         const auto is_right = [&](double frame) {
           const Vector fast = evaluators[which]->translation(frame);
-          const Vector plain = r.scene.world_matrix(r.nodes[which], frame).translation();
+          const Vector plain = r.scene.evaluation.world_matrix(r.nodes[which], frame).translation();
           return same_bits(fast.x, plain.x) && same_bits(fast.y, plain.y) && same_bits(fast.z, plain.z);
         };
         for (const double frame : {0.0, 18.0, 9.0, 4.0, 4.5, 13.25, -3.0, 100.0})
           ASSERT_TRUE(is_right(frame)) << "seed " << seed << " round " << round << " node " << which << ' ' << frame;
-        for (const double key : sorted(r.scene.key_times(r.nodes[which])))
+        for (const double key : sorted(r.scene.curves.key_times(r.nodes[which])))
           ASSERT_TRUE(is_right(key)) << "seed " << seed << " round " << round << " node " << which << " key " << key;
-        moving += r.scene.is_animated(r.nodes[which]) ? 1 : 0;
+        moving += r.scene.evaluation.is_animated(r.nodes[which]) ? 1 : 0;
       }
       r.edit();
     }
@@ -260,17 +263,17 @@ TEST(Evaluator, HugeAnglesAndInheritanceThatComesAndGoesAreAsTheAttributeQuerySa
   Scene s;
   std::vector<NodeId> nodes = {kWorld};
   for (const std::size_t parent : {0u, 1u, 1u, 3u, 4u}) {  // a chain, and a sibling of its second
-    nodes.push_back(s.create_node("transform", "n", nodes[parent]));
-    s.set_channel(nodes.back(), Channel::translateX, 1);
-    s.set_key(nodes.back(), Channel::rotateY, 0, 0);
-    s.set_key(nodes.back(), Channel::rotateY, 300, nodes.size() == 5 ? 1e6 : 10);
+    nodes.push_back(s.nodes.create("transform", "n", nodes[parent]));
+    s.attributes.set_channel(nodes.back(), Channel::translateX, 1);
+    s.curves.set_key(nodes.back(), Channel::rotateY, 0, 0);
+    s.curves.set_key(nodes.back(), Channel::rotateY, 300, nodes.size() == 5 ? 1e6 : 10);
   }
   for (const auto& [frame, value] : {std::pair(0, 0), {100, 0}, {101, 1}, {300, 1}})
-    s.set_key(nodes[3], Channel::inheritsTransform, frame, value);
+    s.curves.set_key(nodes[3], Channel::inheritsTransform, frame, value);
   for (std::size_t i = 1; i < nodes.size(); ++i) {
-    Evaluator e(s, nodes[i]);
+    Evaluator e(s.evaluation, nodes[i]);
     for (int frame = 0; frame < 300; ++frame) {
-      const Vector fast = e.translation(frame), plain = s.world_matrix(nodes[i], frame).translation();
+      const Vector fast = e.translation(frame), plain = s.evaluation.world_matrix(nodes[i], frame).translation();
       ASSERT_TRUE(same_bits(fast.x, plain.x) && same_bits(fast.z, plain.z)) << i << " at " << frame;
     }
   }
@@ -278,58 +281,59 @@ TEST(Evaluator, HugeAnglesAndInheritanceThatComesAndGoesAreAsTheAttributeQuerySa
 
 TEST(Evaluator, NoticesEditsOfEveryKind) {
   Scene s;
-  const NodeId a = s.create_node("transform", "a"), b = s.create_node("transform", "b", a);
-  Evaluator e(s, b);
+  const NodeId a = s.nodes.create("transform", "a"), b = s.nodes.create("transform", "b", a);
+  Evaluator e(s.evaluation, b);
   const auto x = [&] { return e.translation(5).x; };
   EXPECT_EQ(x(), 0);
-  s.set_channel(b, Channel::translateX, 1);
+  s.attributes.set_channel(b, Channel::translateX, 1);
   EXPECT_EQ(x(), 1);
-  s.set_channel(a, Channel::scaleX, 3);
+  s.attributes.set_channel(a, Channel::scaleX, 3);
   EXPECT_EQ(x(), 3);
-  const NodeId curve = s.set_key(a, Channel::translateX, 5, 10);
+  const NodeId curve = s.curves.set_key(a, Channel::translateX, 5, 10);
   EXPECT_EQ(x(), 13);
-  s.set_key(curve, 5, 20);
+  s.curves.set_key(curve, 5, 20);
   EXPECT_EQ(x(), 23);
-  s.set_parent(b, kWorld);
+  s.nodes.set_parent(b, kWorld);
   EXPECT_EQ(x(), 1);
-  s.set_parent(b, a);
-  s.delete_node(curve);
+  s.nodes.set_parent(b, a);
+  s.nodes.remove(curve);
   EXPECT_EQ(x(), 3);
-  s.delete_node(a);
+  s.nodes.remove(a);
   EXPECT_THROW(x(), std::exception);
 }
 
 TEST(Evaluator, AShapeIsWhereItsTransformIs) {
   Scene s;
-  const NodeId a = s.create_node("transform", "a"), shape = s.create_node("camera", "c", a);
-  s.set_key(a, Channel::translateX, 1, 4);
-  s.set_key(a, Channel::translateX, 9, 5);
-  EXPECT_EQ(Evaluator(s, shape).translation(1).x, 4);
-  EXPECT_EQ(s.world_matrix(shape, 1), s.world_matrix(a, 1));
-  EXPECT_TRUE(s.is_animated(shape));
+  const NodeId a = s.nodes.create("transform", "a"), shape = s.nodes.create("camera", "c", a);
+  s.curves.set_key(a, Channel::translateX, 1, 4);
+  s.curves.set_key(a, Channel::translateX, 9, 5);
+  EXPECT_EQ(Evaluator(s.evaluation, shape).translation(1).x, 4);
+  EXPECT_EQ(s.evaluation.world_matrix(shape, 1), s.evaluation.world_matrix(a, 1));
+  EXPECT_TRUE(s.evaluation.is_animated(shape));
 }
 
 TEST(Evaluator, ChainsLongerThanTheStackAreFollowed) {
   Scene s;
   NodeId node = kWorld;
-  for (int i = 0; i < 100000; ++i) node = s.create_node("transform", "n", node);
-  s.set_key(s.children(kWorld)[0], Channel::translateX, 1, 2);
-  s.set_key(s.children(kWorld)[0], Channel::translateX, 3, 4);
-  EXPECT_EQ(Evaluator(s, node).translation(3).x, 4);
-  EXPECT_EQ(s.world_matrix(node, 3).translation().x, 4);
-  EXPECT_TRUE(s.is_animated(node));
-  s.delete_node(s.children(kWorld)[0]);
-  EXPECT_TRUE(s.nodes().empty());
+  for (int i = 0; i < 100000; ++i) node = s.nodes.create("transform", "n", node);
+  s.curves.set_key(s.nodes.children(kWorld)[0], Channel::translateX, 1, 2);
+  s.curves.set_key(s.nodes.children(kWorld)[0], Channel::translateX, 3, 4);
+  EXPECT_EQ(Evaluator(s.evaluation, node).translation(3).x, 4);
+  EXPECT_EQ(s.evaluation.world_matrix(node, 3).translation().x, 4);
+  EXPECT_TRUE(s.evaluation.is_animated(node));
+  s.nodes.remove(s.nodes.children(kWorld)[0]);
+  EXPECT_TRUE(s.nodes.all().empty());
 }
 
 TEST(Evaluator, AVanishingScaleHarmsNoMoreThanTheNumbers) {
   Scene s;
-  const NodeId a = s.create_node("joint", "a"), b = s.create_node("joint", "b", a), c = s.create_node("joint", "c", b);
-  s.set_key(a, Channel::scaleX, 1, 1);
-  s.set_key(a, Channel::scaleX, 10, 0);
-  s.connect(a, "scale", b, "inverseScale");
-  s.set_channel(c, Channel::translateX, 1);
-  Evaluator e(s, c);
+  const NodeId a = s.nodes.create("joint", "a"), b = s.nodes.create("joint", "b", a),
+               c = s.nodes.create("joint", "c", b);
+  s.curves.set_key(a, Channel::scaleX, 1, 1);
+  s.curves.set_key(a, Channel::scaleX, 10, 0);
+  s.connections.connect(a, "scale", b, "inverseScale");
+  s.attributes.set_channel(c, Channel::translateX, 1);
+  Evaluator e(s.evaluation, c);
   EXPECT_EQ(e.translation(1).x, 1);
   EXPECT_TRUE(std::isnan(e.translation(10).x));  // 1 / 0 * 0
   EXPECT_EQ(e.translation(1).x, 1);
@@ -337,18 +341,18 @@ TEST(Evaluator, AVanishingScaleHarmsNoMoreThanTheNumbers) {
 
 TEST(Evaluator, MoreTimesThanAreRememberedAreStillRight) {
   Scene s;
-  const NodeId group = s.create_node("transform", "g");
-  const NodeId a = s.create_node("transform", "a", group), b = s.create_node("transform", "b", group);
-  s.set_key(group, Channel::rotateZ, 0, 0);
-  s.set_key(group, Channel::rotateZ, 1000, 3);
-  s.set_channel(a, Channel::translateX, 1);
-  s.set_channel(b, Channel::translateX, 1);
-  Evaluator first(s, a), second(s, b);
+  const NodeId group = s.nodes.create("transform", "g");
+  const NodeId a = s.nodes.create("transform", "a", group), b = s.nodes.create("transform", "b", group);
+  s.curves.set_key(group, Channel::rotateZ, 0, 0);
+  s.curves.set_key(group, Channel::rotateZ, 1000, 3);
+  s.attributes.set_channel(a, Channel::translateX, 1);
+  s.attributes.set_channel(b, Channel::translateX, 1);
+  Evaluator first(s.evaluation, a), second(s.evaluation, b);
   for (int i = 0; i < 300000; ++i) {
     const double frame = i * 0.003;
     ASSERT_EQ(first.translation(frame).x, second.translation(frame).x);
     if (i % 1000 != 0) continue;
-    ASSERT_EQ(first.translation(frame).x, s.world_matrix(a, frame).translation().x);
+    ASSERT_EQ(first.translation(frame).x, s.evaluation.world_matrix(a, frame).translation().x);
   }
 }
 

@@ -1,0 +1,36 @@
+// Where nodes are at any time.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/matrix.h"
+#include "standalone/scene/names/node_id.h"
+#include "standalone/scene/transforms/channel.h"
+
+namespace vantorelix::standalone {
+
+struct Evaluation;  // records.h
+
+class SceneEvaluation {
+ public:
+  explicit SceneEvaluation(Evaluation& evaluation) : evaluation_(&evaluation) {}
+
+  // The attribute query: walks the parents and composes. Exact and plain. A shape shows its transform's matrix. Where
+  // an inverse scale is zero the result holds infinities or NaN.
+  Affine world_matrix(NodeId node, double frame) const;
+  Affine local_matrix(NodeId node, double frame) const;
+  // What a transform's channel is at a frame, driven or not. Radians on angles.
+  double channel_at(NodeId node, Channel c, double frame) const;
+  // True when the node or a parent is driven by a curve or track that varies.
+  bool is_animated(NodeId node) const;
+  // Why the node's world position is not what its scene would give: one text per driver on it or on its parents that
+  // cannot be followed. Empty when all is well.
+  std::vector<std::string> not_followed(NodeId node) const;
+
+ private:
+  friend class Evaluator;
+  Evaluation* evaluation_;  // keeps what was worked out before: questions fill it, and it changes no answer
+};
+
+}  // namespace vantorelix::standalone

@@ -1,0 +1,25 @@
+// Connections between attributes.
+#pragma once
+
+#include <string_view>
+
+#include "standalone/scene/graph/scene_part.h"
+#include "standalone/scene/names/node_id.h"
+
+namespace vantorelix::standalone {
+
+class SceneConnections : public ScenePart {
+ public:
+  using ScenePart::ScenePart;
+
+  // "output" of an animation curve, unitConversion or pairBlend, any channel or parent of channels ("translate"), a
+  // number that a transform or shape was given with add_attribute, "worldMatrix[0]" and "matrix" into
+  // "offsetParentMatrix", and anything else, which is kept and reported as not followed. Replaces what drove the
+  // destination. Cycles, and chains of more than 256 connections, are kept but not followed. Converters and curves that
+  // are left driving nothing when what they drove is deleted go with it.
+  void connect(NodeId source, std::string_view source_attribute, NodeId destination,
+               std::string_view destination_attribute);
+  void disconnect(NodeId destination, std::string_view destination_attribute);
+};
+
+}  // namespace vantorelix::standalone
