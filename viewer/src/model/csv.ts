@@ -1,6 +1,6 @@
 // Trails as a table, a line a sample.
 
-import { isFinitePoint, sampleFrame, triple, type Motion } from "../model/motion";
+import { isFinitePoint, sampleFrame, triple, type Motion } from "./motion";
 
 const field = (text: string) => (/[",\r\n]/.test(text) ? `"${text.replace(/"/g, '""')}"` : text);
 
