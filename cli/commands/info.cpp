@@ -3,11 +3,13 @@
 #include <map>
 #include <memory>
 
+#include "base/number_text.h"
+#include "base/utf8.h"
 #include "cli/commands/commands.h"
+#include "cli/commands/scene_file.h"
 #include "cli/output/columns.h"
 #include "cli/output/output_file.h"
 #include "cli/output/text.h"
-#include "cli/scene_file.h"
 
 namespace vantorelix::cli {
 

@@ -3,13 +3,15 @@
 #include <memory>
 #include <unordered_set>
 
+#include "base/number_text.h"
+#include "cli/args/edit_script.h"
 #include "cli/commands/commands.h"
-#include "cli/failure.h"
-#include "cli/live/live_run.h"
+#include "cli/commands/scene_file.h"
 #include "cli/output/columns.h"
 #include "cli/output/output_file.h"
 #include "cli/output/text.h"
-#include "cli/scene_file.h"
+#include "cli/terminal/failure.h"
+#include "session/live_run.h"
 
 namespace vantorelix::cli {
 
@@ -47,14 +49,14 @@ void check_distinct(const Scene& scene, const std::vector<NodeId>& objects) {
 
 std::string milliseconds(double seconds) { return fixed(seconds * 1e3, 3) + " ms"; }
 
-std::string verdict(const LiveReport& report) {
+std::string verdict(const session::LiveReport& report) {
   const std::string checked = std::to_string(report.samples) + " positions compared with the scene";
   return report.wrong == 0 ? "yes, " + checked + " are equal"
                            : "NO, of " + checked + " " + std::to_string(report.wrong) + " differ, by up to " +
                                  readable(report.largest_difference);
 }
 
-void print_report(const LiveReport& r) {
+void print_report(const session::LiveReport& r) {
   std::printf(
       "%s",
       columns({{"trails", std::to_string(r.trails)},
@@ -68,7 +70,7 @@ void print_report(const LiveReport& r) {
           .c_str());
 }
 
-void write_report(OutputFile& out, const LiveReport& r, const std::string& scene) {
+void write_report(OutputFile& out, const session::LiveReport& r, const std::string& scene) {
   const auto count = [&](const char* name, std::uint64_t n) {
     out << ",\n  \"" << name << "\": " << static_cast<std::int64_t>(n);
   };
@@ -103,12 +105,13 @@ void run(const LiveOptions& options, Terminal& terminal) {
   options.scene.apply_range(loaded, objects.size());
   check_distinct(loaded, objects);
   const auto events = read_edits(options.edits, loaded);
-  TrailSession session(std::move(loaded), std::nullopt, terminal);
-  TrailSettings settings;
+  session::Session session(std::move(loaded), session_options(terminal));
+  session::TrailSettings settings;
   if (options.samples_per_frame) settings.samples_per_frame = *options.samples_per_frame;
   session.check_size(objects.size(), settings);
   const auto trails = session.create(objects, settings);
-  const LiveReport report = run_live(session, trails, events);
+  terminal.end_progress();
+  const session::LiveReport report = session::run_live(session, trails, events);
   if (options.report.empty() || !OutputFile::means_stdout(options.report)) print_report(report);
   if (!options.report.empty()) {
     OutputFile out(options.report);

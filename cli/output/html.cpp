@@ -30,7 +30,7 @@ std::string script_text(const std::string& text) {
 
 class Header {
  public:
-  Header(OutputFile& out, const TrailReport& report, const DataLayout& layout)
+  Header(OutputFile& out, const session::TrailReport& report, const DataLayout& layout)
       : out_(out), report_(report), layout_(layout) {}
 
   void write() {
@@ -49,7 +49,7 @@ class Header {
     }
     out_ << ']';
     field("statics");
-    write_list(out_, report_.statics, [this](const StaticBox& box) { write_static(box); });
+    write_list(out_, report_.statics, [this](const session::StaticBox& box) { write_static(box); });
     out_ << '}';
   }
 
@@ -66,7 +66,7 @@ class Header {
     field("bytes") << whole(layout_.bytes);
   }
 
-  void write_trail(const TrailView& trail, const TrailLayout& layout) {
+  void write_trail(const session::TrailView& trail, const TrailLayout& layout) {
     out_ << "{\"viz\": " << script_text(trail.viz);
     field("source") << script_text(trail.source);
     field("name") << script_text(trail.name);
@@ -88,7 +88,7 @@ class Header {
     out_ << '}';
   }
 
-  void write_static(const StaticBox& box) {
+  void write_static(const session::StaticBox& box) {
     out_ << "\n{\"name\": " << script_text(box.name);
     std::array<double, 16> matrix{};
     for (std::size_t row = 0; row < 4; ++row)
@@ -101,11 +101,11 @@ class Header {
   }
 
   OutputFile& out_;
-  const TrailReport& report_;
+  const session::TrailReport& report_;
   const DataLayout& layout_;
 };
 
-void write_blocks(OutputFile& out, const TrailReport& report) {
+void write_blocks(OutputFile& out, const session::TrailReport& report) {
   const DataLayout layout = lay_out(report);
   out << "<script type=\"application/json\" id=\"trails-header\">";
   Header(out, report, layout).write();
@@ -118,7 +118,7 @@ void write_blocks(OutputFile& out, const TrailReport& report) {
 
 }  // namespace
 
-void write_html(OutputFile& out, const TrailReport& report) {
+void write_html(OutputFile& out, const session::TrailReport& report) {
   for (const std::string_view piece : page()) {
     if (piece == kPagePlace)
       write_blocks(out, report);

@@ -19,10 +19,10 @@
 #pragma once
 
 #include "cli/output/output_file.h"
-#include "cli/trail_report.h"
+#include "session/report.h"
 
 namespace vantorelix::cli {
 
-void write_html(OutputFile& out, const TrailReport& report);
+void write_html(OutputFile& out, const session::TrailReport& report);
 
 }  // namespace vantorelix::cli

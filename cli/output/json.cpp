@@ -13,7 +13,7 @@ void write_triples(OutputFile& out, const std::vector<Vector>& triples) {
   write_list(out, triples, [&](const Vector& v) { write_triple(out, v); });
 }
 
-void write_trail(OutputFile& out, const TrailView& trail) {
+void write_trail(OutputFile& out, const session::TrailView& trail) {
   const auto field = [&](const char* name) -> OutputFile& { return out << ",\n      \"" << name << "\": "; };
   out << "    {\n      \"viz\": " << json_text(trail.viz);
   field("source") << json_text(trail.source);
@@ -34,7 +34,7 @@ void write_trail(OutputFile& out, const TrailView& trail) {
 
 }  // namespace
 
-void write_json(OutputFile& out, const TrailReport& report) {
+void write_json(OutputFile& out, const session::TrailReport& report) {
   out << "{\n  \"scene\": " << json_text(report.scene) << ",\n  \"fps\": ";
   write_number(out, report.fps);
   out << ",\n  \"range\": ";
@@ -42,7 +42,7 @@ void write_json(OutputFile& out, const TrailReport& report) {
   out << ",\n  \"unit\": " << json_text(report.unit) << ",\n  \"up_axis\": \"" << report.up_axis
       << "\",\n  \"trails\": [";
   const char* separator = "\n";
-  for (const TrailView& trail : report.trails) {
+  for (const session::TrailView& trail : report.trails) {
     out << separator;
     write_trail(out, trail);
     separator = ",\n";

@@ -4,10 +4,11 @@
 #include <filesystem>
 #include <utility>
 
-#include "cli/failure.h"
+#include "base/number_text.h"
 #include "cli/output/curve_writers.h"
 #include "cli/output/text.h"
-#include "cli/trail_report.h"
+#include "cli/terminal/failure.h"
+#include "session/report.h"
 
 namespace vantorelix::cli {
 
@@ -30,7 +31,7 @@ std::string time_unit(double fps) {
 
 void write_header(OutputFile& out, const standalone::Scene& scene) {
   // A scene that does not tell its unit becomes one in the format's own.
-  const std::string length = scene.linear_unit() == kUnknownUnit ? "cm" : scene.linear_unit();
+  const std::string length = scene.linear_unit() == session::kUnknownUnit ? "cm" : scene.linear_unit();
   out << "//Maya ASCII 2018 scene\n//Codeset: UTF-8\nrequires maya \"2018\";\ncurrentUnit -l " << length
       << " -a degree";
   const std::string unit = time_unit(scene.frames_per_second());
@@ -56,7 +57,7 @@ void write_curve(OutputFile& out, const CurveView& curve) {
 }
 
 void write_playback(OutputFile& out, const standalone::Scene& scene) {
-  const std::string first = number(scene.playback_min()), last = number(scene.playback_max());
+  const std::string first = number_text(scene.playback_min()), last = number_text(scene.playback_max());
   out << "createNode script -n \"sceneConfigurationScriptNode\";\n\tsetAttr \".b\" -type \"string\" \"playbackOptions "
          "-min "
       << first << " -max " << last << " -ast " << first << " -aet " << last << " \";\n\tsetAttr \".st\" 6;\n";

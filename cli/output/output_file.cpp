@@ -1,12 +1,13 @@
 #include "cli/output/output_file.h"
+#include "base/number_text.h"
 
 #include <cstdio>
 #include <random>
 #include <system_error>
 
-#include "cli/failure.h"
-#include "cli/interrupt.h"
 #include "cli/output/text.h"
+#include "cli/terminal/failure.h"
+#include "cli/terminal/interrupt.h"
 
 namespace vantorelix::cli {
 

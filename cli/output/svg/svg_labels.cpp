@@ -1,4 +1,5 @@
 #include "cli/output/svg/svg_labels.h"
+#include "base/number_text.h"
 
 #include <algorithm>
 #include <array>
@@ -37,7 +38,7 @@ struct Candidate {
 
 // `ends_only`: of a trail with many keys.
 void add_candidates(const DrawnTrail& drawn, bool ends_only, std::vector<Candidate>& candidates) {
-  const TrailView& trail = drawn.trail();
+  const session::TrailView& trail = drawn.trail();
   const std::size_t n = std::min(trail.key_times.size(), trail.key_points->size());
   const bool many = n > kManyKeys && trail.key_times[n - 1] - trail.key_times[0] < 2.0 * static_cast<double>(n - 1);
   const double step = many ? 2.0 * nice_step(std::max((trail.key_times[n - 1] - trail.key_times[0]) / 12.0, 1e-9)) : 0;
@@ -158,7 +159,7 @@ void label_trails(OutputFile& out, const std::vector<DrawnTrail>& trails, Occupa
   std::unordered_map<std::string, int> uses;
   for (const DrawnTrail& drawn : trails) ++uses[drawn.trail().name];
   for (const DrawnTrail& drawn : trails) {
-    const TrailView& trail = drawn.trail();
+    const session::TrailView& trail = drawn.trail();
     const auto last =
         std::find_if(trail.points->rbegin(), trail.points->rend(), [](const Vector& p) { return is_finite(p); });
     if (last == trail.points->rend()) continue;

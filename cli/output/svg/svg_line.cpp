@@ -13,11 +13,11 @@ enum Mode { kStandard = 0, kSpacing = 1, kFlow = 2, kBeats = 3 };
 
 // Steps of a colour channel. Speeds change from sample to sample: coarser than the eye can tell apart in a thin line,
 // so that neighbours share a path.
-int color_levels(const TrailView& trail) { return trail.color_mode == kSpacing ? 51 : 255; }
+int color_levels(const session::TrailView& trail) { return trail.color_mode == kSpacing ? 51 : 255; }
 
 }  // namespace
 
-Vectors mode_colors(const TrailView& trail) {
+Vectors mode_colors(const session::TrailView& trail) {
   const host::Value n(static_cast<std::int64_t>(trail.points->size()));
   const auto shared = [](std::vector<Vector> colors) {
     return std::make_shared<const std::vector<Vector>>(std::move(colors));
@@ -34,7 +34,7 @@ Vectors mode_colors(const TrailView& trail) {
   }
 }
 
-DrawnTrail::DrawnTrail(const TrailView& trail, Vectors colors, Project project)
+DrawnTrail::DrawnTrail(const session::TrailView& trail, Vectors colors, Project project)
     : trail_(trail), colors_(std::move(colors)), project_(std::move(project)) {}
 
 template <class Visit>

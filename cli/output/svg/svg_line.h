@@ -6,7 +6,7 @@
 
 #include "cli/output/output_file.h"
 #include "cli/output/svg/svg_camera.h"
-#include "cli/trail_report.h"
+#include "session/report.h"
 
 namespace vantorelix::cli {
 
@@ -23,9 +23,9 @@ class DrawnTrail {
   using Project = std::function<Point2(const Vector&)>;  // from the scene's axes to pixels
 
   // `colors`: one a sample, by the trail's colour mode.
-  DrawnTrail(const TrailView& trail, Vectors colors, Project project);
+  DrawnTrail(const session::TrailView& trail, Vectors colors, Project project);
 
-  const TrailView& trail() const { return trail_; }
+  const session::TrailView& trail() const { return trail_; }
   Point2 place(const Vector& p) const { return project_(p); }
 
   // How long the line is in the picture, in pixels.
@@ -49,12 +49,12 @@ class DrawnTrail {
   void for_each_kept(const Thinning& thinning, const Project& project, const Visit& visit) const;
   Vector segment_color(std::size_t from, std::size_t to) const;
 
-  const TrailView& trail_;
+  const session::TrailView& trail_;
   Vectors colors_;
   Project project_;
 };
 
 // The colours that a trail's mode shows: the node's own for spacing, the engine's generators for the rest.
-Vectors mode_colors(const TrailView& trail);
+Vectors mode_colors(const session::TrailView& trail);
 
 }  // namespace vantorelix::cli

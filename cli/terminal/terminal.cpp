@@ -1,4 +1,4 @@
-#include "cli/terminal.h"
+#include "cli/terminal/terminal.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,8 +1,8 @@
-#include "cli/selection.h"
+#include "cli/args/selection.h"
 
 #include <unordered_set>
 
-#include "cli/failure.h"
+#include "cli/terminal/failure.h"
 
 namespace vantorelix::cli {
 

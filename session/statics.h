@@ -4,10 +4,10 @@
 #include <cstddef>
 #include <vector>
 
-#include "cli/trail_report.h"
+#include "session/report.h"
 #include "standalone/scene/scene.h"
 
-namespace vantorelix::cli {
+namespace vantorelix::session {
 
 inline constexpr std::size_t kMostStatics = 2000;
 
@@ -16,4 +16,4 @@ inline constexpr std::size_t kMostStatics = 2000;
 // unit. Of more than kMostStatics the largest.
 std::vector<StaticBox> static_boxes(const standalone::Scene& scene, double frame);
 
-}  // namespace vantorelix::cli
+}  // namespace vantorelix::session

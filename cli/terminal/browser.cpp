@@ -1,4 +1,4 @@
-#include "cli/browser.h"
+#include "cli/terminal/browser.h"
 
 #include <array>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "cli/statics.h"
+#include "session/statics.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 
 #include "standalone/formats/reader.h"
 
-namespace vantorelix::cli {
+namespace vantorelix::session {
 namespace {
 
 using standalone::Channel;
@@ -73,4 +73,4 @@ TEST(Statics, AreTheLargestOfTooManyInTheScenesOrder) {
 }
 
 }  // namespace
-}  // namespace vantorelix::cli
+}  // namespace vantorelix::session

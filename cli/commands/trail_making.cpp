@@ -1,13 +1,14 @@
-#include "cli/trail_making.h"
+#include "cli/commands/trail_making.h"
+#include "base/number_text.h"
 
 #include <filesystem>
 #include <unordered_map>
 #include <vector>
 
-#include "cli/failure.h"
+#include "cli/commands/scene_file.h"
 #include "cli/output/text.h"
-#include "cli/scene_file.h"
-#include "cli/statics.h"
+#include "cli/terminal/failure.h"
+#include "session/statics.h"
 
 namespace vantorelix::cli {
 
@@ -15,10 +16,10 @@ namespace {
 
 const std::vector<std::string> kColorModes = {"standard", "spacing", "flow", "beats", "0", "1", "2", "3"};
 
-void warn_of_inexact(const TrailReport& report, Terminal& terminal) {
+void warn_of_inexact(const session::TrailReport& report, Terminal& terminal) {
   std::unordered_map<std::string, std::size_t> counts;
   std::vector<std::string> order;
-  for (const TrailView& trail : report.trails)
+  for (const session::TrailView& trail : report.trails)
     for (const std::string& text : trail.warnings)
       if (counts[text]++ == 0) order.push_back(text);
   for (const std::string& text : order)
@@ -33,8 +34,8 @@ std::optional<std::filesystem::path> preferences_file(const std::string& name) {
 
 }  // namespace
 
-TrailSettings TrailOptions::settings() const {
-  TrailSettings result;
+session::TrailSettings TrailOptions::settings() const {
+  session::TrailSettings result;
   if (samples_per_frame) result.samples_per_frame = *samples_per_frame;
   if (line_width) result.line_width = *line_width;
   if (point_size) result.point_size = *point_size;
@@ -63,17 +64,19 @@ void add_trail_options(CLI::App& command, TrailOptions& options) {
 }
 
 void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
-                 const std::function<void(const TrailReport&)>& use) {
+                 const std::function<void(const session::TrailReport&)>& use) {
   standalone::Scene scene = load_scene(options.scene, terminal, statics);
   const auto objects = choose(scene, options.scene.selection, options.scene.file);
   options.scene.apply_range(scene, objects.size());
-  const auto preferences = preferences_file(options.preferences);
-  TrailSession session(std::move(scene), preferences, terminal);
-  const TrailSettings settings = options.settings();
+  session::Options session_options = cli::session_options(terminal);
+  session_options.preferences = preferences_file(options.preferences);
+  session::Session session(std::move(scene), std::move(session_options));
+  const session::TrailSettings settings = options.settings();
   session.check_size(objects.size(), settings);
   const auto trails = session.create(objects, settings);
-  TrailReport report = read_trails(session.scene(), trails, options.scene.file);
-  if (statics) report.statics = static_boxes(session.scene(), report.current);
+  terminal.end_progress();
+  session::TrailReport report = session::read_trails(session.scene(), trails, options.scene.file);
+  if (statics) report.statics = session::static_boxes(session.scene(), report.current);
   warn_of_inexact(report, terminal);
   use(report);
 }

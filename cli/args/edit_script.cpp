@@ -1,23 +1,20 @@
-#include "cli/live/edit_script.h"
+#include "cli/args/edit_script.h"
 
 #include <algorithm>
-#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
-#include <numbers>
 
-#include "cli/failure.h"
-#include "cli/output/text.h"
+#include "cli/terminal/failure.h"
 #include "host/error.h"
 #include "standalone/scene/attributes/attribute_names.h"
 
 namespace vantorelix::cli {
 
 using nlohmann::json;
+using session::LiveEvent;
 using standalone::Channel;
 using standalone::Host;
-using standalone::NodeId;
 using standalone::Scene;
 
 namespace {
@@ -121,33 +118,6 @@ void add_events(const Entry& entry, LiveEvent event, std::vector<LiveEvent>& eve
   events.push_back(event);
 }
 
-const standalone::Key* key_at(const standalone::AnimCurve& curve, double frame) {
-  for (const standalone::Key& key : curve.keys())
-    if (key.time == frame) return &key;
-  return nullptr;
-}
-
-// The curve of the channel and its key at the frame, which must be there.
-std::pair<NodeId, standalone::Key> existing_key(const LiveEvent& event, const Scene& scene) {
-  const NodeId curve = scene.driving_curve(event.node, event.channel);
-  const standalone::Key* key = curve == standalone::kNoNode ? nullptr : key_at(scene.curve(curve), event.frame);
-  if (key == nullptr)
-    throw Failure(event.where + ": " + scene.unique_name(event.node) + " has no such key at frame " +
-                  number(event.frame) + "; 'vantorelix info' tells the frames of the keys");
-  return {curve, *key};
-}
-
-void set_key(const LiveEvent& event, Scene& scene) {
-  const NodeId curve = scene.driving_curve(event.node, event.channel);
-  const bool angle = curve == standalone::kNoNode ? standalone::is_angle(event.channel)
-                                                  : scene.curve(curve).kind() == standalone::CurveKind::angular;
-  const double value = angle ? event.value * std::numbers::pi / 180.0 : event.value;
-  if (curve == standalone::kNoNode)
-    scene.set_key(event.node, event.channel, event.frame, value);
-  else
-    scene.set_key(curve, event.frame, value);
-}
-
 }  // namespace
 
 std::vector<LiveEvent> parse_edits(const std::string& text, const std::string& name, const Scene& scene) {
@@ -178,33 +148,6 @@ std::vector<LiveEvent> read_edits(const std::filesystem::path& file, const Scene
   if (!stream) throw Failure(file.string() + ": cannot be read; check the path after --edits");
   const std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
   return parse_edits(text, file.string(), scene);
-}
-
-void apply(const LiveEvent& event, Host& host) {
-  Scene& scene = host.scene();
-  switch (event.kind) {
-    case LiveEvent::Kind::set_key:
-      set_key(event, scene);
-      break;
-    case LiveEvent::Kind::move_key: {
-      auto [curve, key] = existing_key(event, scene);
-      if (event.to == event.frame) break;
-      // The new key first: the last key of a curve takes the curve with it.
-      key.time = event.to;
-      scene.set_key(curve, key);
-      scene.remove_key(curve, event.frame);
-      break;
-    }
-    case LiveEvent::Kind::remove_key:
-      scene.remove_key(existing_key(event, scene).first, event.frame);
-      break;
-    case LiveEvent::Kind::playing:
-      host.set_playing(event.playing);
-      break;
-    case LiveEvent::Kind::file:
-      host.set_file_activity(event.file);
-      break;
-  }
 }
 
 }  // namespace vantorelix::cli

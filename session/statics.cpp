@@ -1,4 +1,4 @@
-#include "cli/statics.h"
+#include "session/statics.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,7 +7,7 @@
 
 #include "standalone/formats/reader.h"
 
-namespace vantorelix::cli {
+namespace vantorelix::session {
 
 using standalone::NodeId;
 using standalone::Scene;
@@ -74,4 +74,4 @@ std::vector<StaticBox> static_boxes(const Scene& scene, double frame) {
   return boxes;
 }
 
-}  // namespace vantorelix::cli
+}  // namespace vantorelix::session

@@ -1,17 +1,14 @@
-#include "cli/live/live_run.h"
+#include "session/live_run.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <limits>
 #include <thread>
-#include <tuple>
 
-#include "cli/interrupt.h"
-#include "cli/trail_report.h"
-#include "engine/state/state.h"
+#include "session/report.h"
 
-namespace vantorelix::cli {
+namespace vantorelix::session {
 
 namespace {
 
@@ -19,19 +16,13 @@ using Clock = std::chrono::steady_clock;
 
 double seconds_since(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
 
-// Where the engine's queue stands; a call that leaves it there did no work.
-auto queue_state() {
-  const auto it = _WORK && _WORK->k < _WORK->items.size() ? _WORK->items.at(_WORK->k) : nullptr;
-  return std::make_tuple(_PENDING, _WORK ? _WORK->gen : -1, _WORK ? _WORK->k : 0, it ? it->i : 0, it ? it->ki : 0);
-}
-
 // One idle call. False when it did no work.
-bool run_step(standalone::Host& host, LiveReport& report) {
-  const auto before = queue_state();
+bool run_step(Session& session, LiveReport& report) {
+  const QueueState before = session.queue_state();
   const auto start = Clock::now();
-  host.run_idle_once();
+  session.run_idle_once();
   const double seconds = seconds_since(start);
-  if (queue_state() == before) {
+  if (session.queue_state() == before) {
     ++report.waits;
     return false;
   }
@@ -60,11 +51,11 @@ void compare(const Vector& have, const Vector& want, LiveReport& report) {
   report.largest_difference = std::max(report.largest_difference, d);
 }
 
-void check(TrailSession& session, const std::vector<Trail>& trails, LiveReport& report) {
+void check(const Session& session, const std::vector<Trail>& trails, LiveReport& report) {
   const standalone::Scene& scene = session.scene();
   const TrailReport held = read_trails(scene, trails, {});
   for (std::size_t t = 0; t < trails.size(); ++t) {
-    check_interrupt();
+    session.check_cancelled();
     const TrailView& trail = held.trails[t];
     const auto truth = [&](double frame) { return scene.world_matrix(trails[t].source, frame).translation(); };
     for (std::size_t i = 0; i < trail.points->size(); ++i)
@@ -76,25 +67,24 @@ void check(TrailSession& session, const std::vector<Trail>& trails, LiveReport& 
 
 }  // namespace
 
-LiveReport run_live(TrailSession& session, const std::vector<Trail>& trails, const std::vector<LiveEvent>& events) {
+LiveReport run_live(Session& session, const std::vector<Trail>& trails, const std::vector<LiveEvent>& events) {
   LiveReport report;
   report.trails = trails.size();
-  standalone::Host& host = session.host();
   const auto start = Clock::now();
   std::size_t next = 0;
   double exact = 0.0;
-  while (next < events.size() || host.idle_count() != 0) {
-    check_interrupt();
+  while (next < events.size() || session.idle_count() != 0) {
+    session.check_cancelled();
     for (; next < events.size() && events[next].at <= seconds_since(start); ++next) {
       const double begun = seconds_since(start);
-      apply(events[next], host);
+      session.edit([&](standalone::Host& host) { apply(events[next], host); });
       if (!events[next].is_edit()) continue;
       ++report.edits;
       report.last_edit = seconds_since(start);
       report.longest_edit = std::max(report.longest_edit, report.last_edit - begun);
     }
     const double until_next = next < events.size() ? events[next].at - seconds_since(start) : 1.0;
-    if (host.idle_count() != 0 && run_step(host, report))
+    if (session.idle_count() != 0 && run_step(session, report))
       exact = seconds_since(start);
     else
       rest(until_next);
@@ -104,4 +94,4 @@ LiveReport run_live(TrailSession& session, const std::vector<Trail>& trails, con
   return report;
 }
 
-}  // namespace vantorelix::cli
+}  // namespace vantorelix::session

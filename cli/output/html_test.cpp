@@ -23,13 +23,13 @@ using support::trail_of;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kHuge = 0.75 * std::numeric_limits<double>::max();
 
-TrailReport report_of(std::vector<TrailView> trails) {
-  TrailReport report{"a.ma", 24.0, 0.0, 10.0, "cm", 'y', std::move(trails)};
+session::TrailReport report_of(std::vector<session::TrailView> trails) {
+  session::TrailReport report{"a.ma", 24.0, 0.0, 10.0, "cm", 'y', std::move(trails)};
   report.current = 3.0;
   return report;
 }
 
-void add_keys(TrailView& trail, std::vector<double> times, std::vector<Vector> points) {
+void add_keys(session::TrailView& trail, std::vector<double> times, std::vector<Vector> points) {
   trail.key_times = std::move(times);
   trail.key_points = trail.key_colors = shared(std::move(points));
 }
@@ -54,7 +54,7 @@ std::string decoded(const std::string& text) {
 // A page that was written, taken apart.
 class Written {
  public:
-  explicit Written(const TrailReport& report) {
+  explicit Written(const session::TrailReport& report) {
     const support::TemporaryFolder folder;
     OutputFile out(folder / "a.html");
     write_html(out, report);
@@ -150,7 +150,7 @@ TEST(Html, ASampleThatIsNotFiniteIsMarkedInAllCoordinatesAndDoesNotStretchTheBox
 }
 
 TEST(Html, KeysThatLieOnSamplesAreNotStoredTwice) {
-  TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}, {3, 0, 0}});
+  session::TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}, {3, 0, 0}});
   trail.start_frame = 10.0;
   trail.frame_step = 0.5;
   add_keys(trail, {10.0, 11.0}, {{0, 0, 0}, {3, 0, 0}});
@@ -163,7 +163,7 @@ TEST(Html, KeysThatLieOnSamplesAreNotStoredTwice) {
 }
 
 TEST(Html, KeysBesideSamplesAreStoredWithTheirPositions) {
-  TrailView between = trail_of({{0, 0, 0}, {1, 0, 0}}), elsewhere = between, outside = between, on = between;
+  session::TrailView between = trail_of({{0, 0, 0}, {1, 0, 0}}), elsewhere = between, outside = between, on = between;
   add_keys(between, {0.5}, {{0.5, 0, 0}});
   add_keys(elsewhere, {0.0, 1.0}, {{0, 0, 0}, {1, 1e-300, 0}});
   add_keys(outside, {-1.0}, {{-7, 2, 0}});
@@ -179,7 +179,7 @@ TEST(Html, KeysBesideSamplesAreStoredWithTheirPositions) {
 }
 
 TEST(Html, KeyTimesAreDoublesWhereOneFloatWouldLoseSomething) {
-  TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}});
+  session::TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}});
   for (const double time : {1.5, 0.1, 1e300}) {
     add_keys(trail, {0.0, time}, {{0, 0, 0}, {1, 0, 0}});
     const Written page(report_of({trail}));
@@ -189,7 +189,7 @@ TEST(Html, KeyTimesAreDoublesWhereOneFloatWouldLoseSomething) {
 }
 
 TEST(Html, ColorsAreBytesClampedToWhatAScreenShows) {
-  TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}});
+  session::TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}});
   trail.colors = shared({{0, 1, 0.5}, {-1, 2, kNan}});
   const Written page(report_of({trail}));
   const std::vector<std::uint64_t> wanted = {0, 255, 128, 0, 255, 0, 0, 0, 0};
@@ -197,7 +197,7 @@ TEST(Html, ColorsAreBytesClampedToWhatAScreenShows) {
 }
 
 TEST(Html, SectionsBeginAtMultiplesOfEightAndFillTheData) {
-  TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}});
+  session::TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}});
   add_keys(trail, {0.5}, {{0.5, 0, 0}});
   const Written page(report_of({trail}));
   EXPECT_EQ(page.header["sections"],
@@ -207,13 +207,13 @@ TEST(Html, SectionsBeginAtMultiplesOfEightAndFillTheData) {
 }
 
 TEST(Html, TheHeaderSaysWhatTheSceneAndItsNodesHold) {
-  TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}});
+  session::TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}});
   trail.color_mode = 3;
   trail.line_width = 0.1;
   trail.ghost = true;
   trail.show_dots = false;
   trail.warnings = {"why"};
-  TrailReport report = report_of({trail});
+  session::TrailReport report = report_of({trail});
   report.last = std::numeric_limits<double>::infinity();
   report.statics = {{"|floor", {}, {-1, 0, -2}, {1, 0.1, kNan}}};
   report.statics[0].world.m[3] = {7, 8, 9};
@@ -239,10 +239,10 @@ TEST(Html, TheHeaderSaysWhatTheSceneAndItsNodesHold) {
 
 TEST(Html, NoNameEndsTheBlockThatItStandsIn) {
   const std::string hostile = "</script><script>alert(1)</script><!--trails-->&amp;\xE2\x80\xA8\xE2\x80\xA9\"\\";
-  TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}});
+  session::TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}});
   trail.source = trail.name = trail.viz = hostile;
   trail.warnings = {hostile};
-  TrailReport report = report_of({trail});
+  session::TrailReport report = report_of({trail});
   report.scene = report.unit = hostile;
   report.statics = {{hostile, {}, {}, {}}};
   const Written page(report);
@@ -256,18 +256,18 @@ TEST(Html, NoNameEndsTheBlockThatItStandsIn) {
 }
 
 TEST(Html, BytesOfANameThatAreNoUtf8AreReplaced) {
-  TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}});
+  session::TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}});
   trail.name = "caf\xE9";
   EXPECT_EQ(Written(report_of({trail})).header["trails"][0]["name"].get<std::string>(), "caf\xEF\xBF\xBD");
 }
 
 TEST(Html, ASampleTakesThirtyBytesAtMostWithAKeyAtEveryFrame) {
   constexpr std::size_t kTrails = 50, kSamples = 1000;
-  TrailView trail = trail_of(spiral(kSamples, 10.0, 100.0));
+  session::TrailView trail = trail_of(spiral(kSamples, 10.0, 100.0));
   std::vector<double> times;
   for (std::size_t i = 0; i < kSamples; ++i) times.push_back(static_cast<double>(i));
   add_keys(trail, times, *trail.points);
-  const Written page(report_of(std::vector<TrailView>(kTrails, trail)));
+  const Written page(report_of(std::vector<session::TrailView>(kTrails, trail)));
   const std::size_t without = Written(report_of({})).text.size();
   EXPECT_LE(static_cast<double>(page.text.size() - without) / (kTrails * kSamples), 30.0);
 }

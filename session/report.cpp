@@ -1,14 +1,13 @@
-#include "cli/trail_report.h"
+#include "session/report.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
 
-#include "engine/trails/trail_data.h"
 #include "standalone/formats/reader.h"
 
-namespace vantorelix::cli {
+namespace vantorelix::session {
 
 using standalone::NodeId;
 using standalone::Scene;
@@ -35,7 +34,7 @@ TrailView read_trail(const Scene& scene, const Trail& trail) {
   if (scene.has_attribute(trail.source, standalone::kNumberInFile)) {
     data.node = scene.attribute(trail.source, standalone::kNumberInFile).to_int();
   }
-  data.samples_per_frame = _samples_per_frame(trail.samples_per_frame);
+  data.samples_per_frame = trail.samples_per_frame;
   data.color_mode = scene.attribute(shape, "colorMode").to_int();
   data.start_frame = scene.attribute(shape, "startFrame").to_float();
   data.frame_step = scene.attribute(shape, "frameStep").to_float();
@@ -91,4 +90,4 @@ TrailMeasure measure(const TrailView& trail, double fps) {
   return result;
 }
 
-}  // namespace vantorelix::cli
+}  // namespace vantorelix::session

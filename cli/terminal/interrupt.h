@@ -5,7 +5,9 @@ namespace vantorelix::cli {
 
 // From now on the first SIGINT or SIGTERM is only noted; a second one ends the program at once.
 void catch_interrupts();
-// Throws host::Interrupt once a signal was noted.
+// Whether one was noted.
+bool interrupted();
+// Throws host::Interrupt once one was.
 void check_interrupt();
 // 128 plus the signal's number, as shells have it.
 int interrupt_exit_code();

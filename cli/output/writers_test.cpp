@@ -3,18 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
 
-#include "cli/args/options.h"
-#include "cli/failure.h"
 #include "cli/output/curve_writers.h"
-#include "cli/output/svg/svg.h"
-#include "cli/output/svg/svg_path.h"
-#include "cli/output/text.h"
 #include "cli/output/writers.h"
 #include "standalone/formats/reader.h"
 #include "tests/support/temporary_folder.h"
@@ -23,31 +17,16 @@
 namespace vantorelix::cli {
 namespace {
 
-TrailReport report_of(std::vector<Vector> points) {
-  TrailView trail = support::trail_of(std::move(points));
-  trail.source = "|a,\"b\"";
-  trail.name = "caf\xE9";
-  TrailReport report{"a.ma", 24.0, 0.0, static_cast<double>(trail.points->size() - 1), "cm", 'y', {}};
-  report.trails.push_back(trail);
-  return report;
-}
-
 std::size_t file_count(const support::TemporaryFolder& folder) {
   return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder / ""), {}));
 }
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
-TEST(WritersTest, NumbersReadBackToTheSameDouble) {
-  for (const double value : {0.1, 1.0 / 3.0, 5e-324, 1.7976931348623157e308, 12345678.9, 1e16})
-    EXPECT_EQ(std::strtod(number(value).c_str(), nullptr), value);
-  EXPECT_EQ(number(-0.0), "-0.0");
-}
-
 TEST(WritersTest, JsonHoldsNullForWhatIsNotFiniteAndReplacesBytesThatAreNoUtf8) {
   const support::TemporaryFolder folder;
   OutputFile out(folder / "a.json");
-  write_json(out, report_of({{0, kNan, 0.1}, {1, 2, std::numeric_limits<double>::infinity()}}));
+  write_json(out, support::report_of({{0, kNan, 0.1}, {1, 2, std::numeric_limits<double>::infinity()}}));
   out.commit();
   const auto document = nlohmann::json::parse(folder.read("a.json"));
   const auto& trail = document["trails"][0];
@@ -60,7 +39,7 @@ TEST(WritersTest, JsonHoldsNullForWhatIsNotFiniteAndReplacesBytesThatAreNoUtf8) 
 
 TEST(WritersTest, JsonHoldsTheNumberOfANodeWhereItsFileHasNumbers) {
   const support::TemporaryFolder folder;
-  TrailReport report = report_of({{0, 0, 0}, {1, 2, 3}});
+  session::TrailReport report = support::report_of({{0, 0, 0}, {1, 2, 3}});
   report.trails.push_back(report.trails[0]);
   report.trails[1].node = 17;
   OutputFile out(folder / "a.json");
@@ -74,7 +53,7 @@ TEST(WritersTest, JsonHoldsTheNumberOfANodeWhereItsFileHasNumbers) {
 TEST(WritersTest, CsvQuotesNamesAndLeavesOutWhatIsNotFinite) {
   const support::TemporaryFolder folder;
   OutputFile out(folder / "a.csv");
-  write_csv(out, report_of({{0, kNan, 0.5}, {1, 2, 3}}));
+  write_csv(out, support::report_of({{0, kNan, 0.5}, {1, 2, 3}}));
   out.commit();
   EXPECT_EQ(folder.read("a.csv"),
             "source,sample,frame,x,y,z,r,g,b\n\"|a,\"\"b\"\"\",0,0,0,,0.5,0,1,0\n\"|a,\"\"b\"\"\",1,1,1,2,3,0,1,0\n");
@@ -93,35 +72,6 @@ TEST(WritersTest, AFileAppearsOnlyWhenItIsCommitted) {
   out.commit();
   EXPECT_EQ(folder.read("a.csv"), "whole");
   EXPECT_EQ(file_count(folder), 1u);
-}
-
-TEST(WritersTest, APictureOfAMillionSamplesStaysSmall) {
-  const support::TemporaryFolder folder;
-  std::vector<Vector> points;
-  for (int i = 0; i < 1'000'000; ++i)
-    points.push_back({std::sin(i * 0.7) * i, std::cos(i * 1.3) * i, std::sin(i * 0.11) * i});
-  OutputFile out(folder / "a.svg");
-  write_svg(out, report_of(std::move(points)), {});
-  out.commit();
-  EXPECT_LT(std::filesystem::file_size(folder / "a.svg"), 3'000'000u);
-  EXPECT_THAT(folder.read("a.svg"), testing::HasSubstr("lines thinned"));
-}
-
-TEST(WritersTest, APictureOfNothingFiniteIsStillAPicture) {
-  const support::TemporaryFolder folder;
-  OutputFile out(folder / "a.svg");
-  write_svg(out, report_of({{kNan, 0, 0}, {kNan, 0, 0}}), {});
-  out.commit();
-  EXPECT_THAT(folder.read("a.svg"),
-              testing::AllOf(testing::HasSubstr("</svg>"), testing::Not(testing::HasSubstr("nan"))));
-}
-
-TEST(WritersTest, PathDataMovesBetweenRoundedPlacesSoThatRoundingDoesNotAddUp) {
-  PathData path;
-  path.move({0.0, 0.0});
-  for (int i = 1; i <= 10; ++i) path.line({i * 0.04, 0.0});
-  // 0.4 in all; each step alone would round to nothing.
-  EXPECT_EQ(path.text(), "M0 0l0 0 .1 0 0 0 .1 0 0 0 0 0 .1 0 0 0 .1 0 0 0");
 }
 
 TEST(WritersTest, OurReaderReadsBackTheCurvesThatWeWrite) {
@@ -146,15 +96,6 @@ TEST(WritersTest, KnotsAreOpenAndUniform) {
   EXPECT_EQ(open_uniform_knots(4, 3), (std::vector<double>{0, 0, 0, 1, 1, 1}));
   EXPECT_EQ(open_uniform_knots(6, 3), (std::vector<double>{0, 0, 0, 1, 2, 3, 3, 3}));
   EXPECT_EQ(open_uniform_knots(3, 1), (std::vector<double>{0, 1, 2}));
-}
-
-TEST(WritersTest, ARangeIsTwoNumbersInOrder) {
-  const auto range = parse_range("-1.5:+20");
-  ASSERT_TRUE(range);
-  EXPECT_EQ(range->first, -1.5);
-  EXPECT_EQ(range->last, 20.0);
-  for (const char* wrong : {"", ":", "1:", ":2", "2:1", "1:1", "1:2:3", "a:b", "nan:1", "0:inf", "1 :2"})
-    EXPECT_FALSE(parse_range(wrong)) << wrong;
 }
 
 }  // namespace

@@ -1,13 +1,11 @@
-// Timed edits, read from a JSON file.
+// Timed edits of a scene, and what else happens in its host.
 #pragma once
 
-#include <filesystem>
 #include <string>
-#include <vector>
 
 #include "standalone/host/host.h"
 
-namespace vantorelix::cli {
+namespace vantorelix::session {
 
 // One thing that happens at a time: seconds from the start.
 struct LiveEvent {
@@ -27,12 +25,7 @@ struct LiveEvent {
   bool is_edit() const { return kind != Kind::playing && kind != Kind::file; }
 };
 
-// In the order in which they happen; episodes are two events, begin and end. Throws Failure for a file that is no
-// such script, or names what the scene has not.
-std::vector<LiveEvent> read_edits(const std::filesystem::path& file, const standalone::Scene& scene);
-std::vector<LiveEvent> parse_edits(const std::string& text, const std::string& name, const standalone::Scene& scene);
-
 // Does it. Throws Failure when there is no key to move or remove.
 void apply(const LiveEvent& event, standalone::Host& host);
 
-}  // namespace vantorelix::cli
+}  // namespace vantorelix::session

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "cli/live/edit_script.h"
-#include "cli/trail_session.h"
+#include "session/edits.h"
+#include "session/session.h"
 
-namespace vantorelix::cli {
+namespace vantorelix::session {
 
 // Seconds. A step is an idle call in which the engine worked; a wait is one in which it only asked to be called
 // again.
@@ -28,6 +28,6 @@ struct LiveReport {
 
 // Applies the events when they are due and runs the idle loop in between, until no event and no work is left.
 // Compares each trail with the scene afterwards.
-LiveReport run_live(TrailSession& session, const std::vector<Trail>& trails, const std::vector<LiveEvent>& events);
+LiveReport run_live(Session& session, const std::vector<Trail>& trails, const std::vector<LiveEvent>& events);
 
-}  // namespace vantorelix::cli
+}  // namespace vantorelix::session

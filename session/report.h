@@ -8,10 +8,10 @@
 
 #include "base/matrix.h"
 #include "base/vector.h"
-#include "cli/trail_session.h"
+#include "session/session.h"
 #include "standalone/scene/scene.h"
 
-namespace vantorelix::cli {
+namespace vantorelix::session {
 
 // One trail as its viz node shows it. The arrays share the node's storage.
 struct TrailView {
@@ -70,4 +70,4 @@ struct TrailMeasure {
 };
 TrailMeasure measure(const TrailView& trail, double fps);
 
-}  // namespace vantorelix::cli
+}  // namespace vantorelix::session

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "cli/args/options.h"
-#include "cli/terminal.h"
-#include "cli/trail_report.h"
-#include "cli/trail_session.h"
+#include "cli/terminal/terminal.h"
+#include "session/report.h"
+#include "session/session.h"
 
 namespace vantorelix::cli {
 
@@ -21,14 +21,14 @@ struct TrailOptions {
   std::optional<bool> ghost;
   std::string preferences;
 
-  TrailSettings settings() const;
+  session::TrailSettings settings() const;
 };
 // The scene and everything above.
 void add_trail_options(CLI::App& command, TrailOptions& options);
 
-// Makes the trails and hands them to `use` while the engine is there for its colours. With `statics` the report has
+// Makes the trails and hands them to `use`. With `statics` the report has
 // what stands around them too. Warns of trails that may not be exact.
 void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
-                 const std::function<void(const TrailReport&)>& use);
+                 const std::function<void(const session::TrailReport&)>& use);
 
 }  // namespace vantorelix::cli

@@ -1,9 +1,9 @@
-#include "cli/scene_file.h"
+#include "cli/commands/scene_file.h"
 
 #include <system_error>
 
-#include "cli/failure.h"
-#include "cli/interrupt.h"
+#include "cli/terminal/failure.h"
+#include "cli/terminal/interrupt.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::cli {
@@ -39,6 +39,15 @@ standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, boo
   terminal.end_progress();
   for (const auto& warning : scene.warnings()) terminal.warn(file.string() + ": " + warning_text(warning));
   return scene;
+}
+
+session::Options session_options(Terminal& terminal) {
+  session::Options options;
+  options.cancelled = interrupted;
+  options.progress = [&terminal](std::size_t number, std::size_t count) {
+    terminal.progress("sampling, trail " + std::to_string(number) + " of " + std::to_string(count));
+  };
+  return options;
 }
 
 }  // namespace vantorelix::cli

@@ -1,4 +1,4 @@
-#include "cli/interrupt.h"
+#include "cli/terminal/interrupt.h"
 
 #include <csignal>
 
@@ -23,8 +23,10 @@ void catch_interrupts() {
     if (std::signal(number, note_signal) == SIG_IGN) std::signal(number, SIG_IGN);
 }
 
+bool interrupted() { return noted_signal != 0; }
+
 void check_interrupt() {
-  if (noted_signal != 0) throw host::Interrupt();
+  if (interrupted()) throw host::Interrupt();
 }
 
 int interrupt_exit_code() { return 128 + noted_signal; }
