@@ -5,6 +5,7 @@
 #include "cli/commands/commands.h"
 #include "cli/commands/scene_file.h"
 #include "cli/output/curve_writers.h"
+#include "cli/output/output_file.h"
 #include "cli/output/text.h"
 #include "cli/terminal/failure.h"
 #include "session/session.h"

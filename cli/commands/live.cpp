@@ -1,15 +1,14 @@
-#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <unordered_set>
 
+#include "base/json_writer.h"
 #include "base/number_text.h"
 #include "cli/args/edit_script.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/scene_file.h"
 #include "cli/output/columns.h"
 #include "cli/output/output_file.h"
-#include "cli/output/text.h"
 #include "cli/terminal/failure.h"
 #include "session/live_run.h"
 
@@ -70,29 +69,25 @@ void print_report(const session::LiveReport& r) {
           .c_str());
 }
 
-void write_report(OutputFile& out, const session::LiveReport& r, const std::string& scene) {
-  const auto count = [&](const char* name, std::uint64_t n) {
-    out << ",\n  \"" << name << "\": " << static_cast<std::int64_t>(n);
-  };
-  const auto milli = [&](const char* name, double seconds) { out << ",\n  \"" << name << "\": " << seconds * 1e3; };
-  out << "{\n  \"scene\": " << json_text(scene);
-  count("trails", r.trails);
-  count("edits", r.edits);
-  count("steps", r.steps);
-  count("waits", r.waits);
-  milli("longest_edit_ms", r.longest_edit);
-  milli("longest_step_ms", r.longest_step);
-  milli("total_steps_ms", r.total_steps);
-  milli("last_edit_to_exact_ms", r.last_to_exact);
-  out << ",\n  \"exact\": " << (r.wrong == 0 ? "true" : "false");
-  count("positions_compared", r.samples);
-  count("positions_wrong", r.wrong);
-  out << ",\n  \"largest_difference\": ";
-  if (std::isfinite(r.largest_difference))
-    out << r.largest_difference;
-  else
-    out << "null";
-  out << "\n}\n";
+void write_report(TextSink& out, const session::LiveReport& r, const std::string& scene) {
+  JsonWriter json(out);
+  const auto milli = [&](const char* name, double seconds) { json.field(name, seconds * 1e3); };
+  json.object(JsonLayout::lines(2), [&] {
+    json.field("scene", scene);
+    json.field("trails", r.trails);
+    json.field("edits", r.edits);
+    json.field("steps", r.steps);
+    json.field("waits", r.waits);
+    milli("longest_edit_ms", r.longest_edit);
+    milli("longest_step_ms", r.longest_step);
+    milli("total_steps_ms", r.total_steps);
+    milli("last_edit_to_exact_ms", r.last_to_exact);
+    json.field("exact", r.wrong == 0);
+    json.field("positions_compared", r.samples);
+    json.field("positions_wrong", r.wrong);
+    json.field("largest_difference", r.largest_difference);
+  });
+  out << '\n';
 }
 
 void run(const LiveOptions& options, Terminal& terminal) {

@@ -6,7 +6,7 @@
 
 namespace vantorelix::cli {
 
-void write_csv(OutputFile& out, const session::TrailReport& report) {
+void write_csv(TextSink& out, const session::TrailReport& report) {
   out << "source,sample,frame,x,y,z,r,g,b\n";
   for (const session::TrailView& trail : report.trails) {
     const std::string source = csv_text(trail.source);

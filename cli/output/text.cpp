@@ -4,24 +4,6 @@
 
 namespace vantorelix::cli {
 
-std::string json_text(std::string_view text) {
-  static constexpr char kHex[] = "0123456789abcdef";
-  std::string out = "\"";
-  for (const char c : valid_utf8(text)) {
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += c;
-    } else if (static_cast<unsigned char>(c) < 0x20) {
-      out += "\\u00";
-      out += kHex[static_cast<unsigned char>(c) >> 4];
-      out += kHex[static_cast<unsigned char>(c) & 15];
-    } else {
-      out += c;
-    }
-  }
-  return out + '"';
-}
-
 std::string csv_text(std::string_view text) {
   const std::string valid = valid_utf8(text);
   const bool outer_blank = !valid.empty() && (valid.front() == ' ' || valid.back() == ' ');

@@ -7,8 +7,6 @@
 
 namespace vantorelix::cli {
 
-// Quoted and escaped, of valid UTF-8 whatever came in.
-std::string json_text(std::string_view text);
 // Quoted where a comma, quote, line end or outer blank makes it necessary.
 std::string csv_text(std::string_view text);
 // For element content and attribute values; characters that no XML document may hold become U+FFFD.

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/output/curve_writers.h"
+#include "cli/output/output_file.h"
 #include "cli/output/writers.h"
 #include "standalone/formats/reader.h"
 #include "tests/support/temporary_folder.h"

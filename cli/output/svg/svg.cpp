@@ -129,7 +129,7 @@ std::vector<std::string> notes(const Sheet& sheet, const session::TrailReport& r
   return result;
 }
 
-void draw_depth_cues(OutputFile& out, const Sheet& sheet, const session::TrailReport& report,
+void draw_depth_cues(TextSink& out, const Sheet& sheet, const session::TrailReport& report,
                      const std::vector<KeyMark>& keys) {
   if (!sheet.camera.is_perspective() || sheet.trails.size() > kMostShadows) return;
   const auto on_ground = [&](const Vector& p) {
@@ -145,7 +145,7 @@ void draw_depth_cues(OutputFile& out, const Sheet& sheet, const session::TrailRe
   if (!drops.empty()) out << "<path class=\"drop\" d=\"" << drops.text() << "\"/>\n";
 }
 
-void draw_trails(OutputFile& out, const Sheet& sheet) {
+void draw_trails(TextSink& out, const Sheet& sheet) {
   for (const DrawnTrail& trail : sheet.trails) {
     out << "<g><title>" << xml_text(trail.trail().source) << "</title>\n";
     if (trail.trail().show_line && trail.trail().line_width > 0.0) {
@@ -157,7 +157,7 @@ void draw_trails(OutputFile& out, const Sheet& sheet) {
   }
 }
 
-void begin(OutputFile& out, double height, const std::string& theme, const std::string& scene) {
+void begin(TextSink& out, double height, const std::string& theme, const std::string& scene) {
   const std::string size = pixel(kWidth) + " " + pixel(height);
   out << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " << size << "\" width=\"" << pixel(kWidth)
       << "\" height=\"" << pixel(height) << "\">\n<title>Motion trails of " << xml_text(scene) << "</title>\n<style>"
@@ -167,7 +167,7 @@ void begin(OutputFile& out, double height, const std::string& theme, const std::
 
 }  // namespace
 
-void write_svg(OutputFile& out, const session::TrailReport& report, const SvgOptions& options) {
+void write_svg(TextSink& out, const session::TrailReport& report, const SvgOptions& options) {
   const Bounds bounds = bounds_of(report);
   Sheet sheet{bounds, Camera(options.view, report, bounds), ground_under(bounds), {}, {}, {}};
   place(sheet, report);

@@ -88,7 +88,7 @@ bool Occupancy::is_free(const Box2& box) const {
   return std::none_of(taken_.begin(), taken_.end(), [&](const Box2& other) { return other.overlaps(box); });
 }
 
-bool draw_label(OutputFile& out, Occupancy& occupancy, const Point2& at, const std::string& text, const char* classes,
+bool draw_label(TextSink& out, Occupancy& occupancy, const Point2& at, const std::string& text, const char* classes,
                 double size) {
   const double w = 0.62 * size * static_cast<double>(width(text)) + 2.0, h = size + 1.0, gap = 7.0;
   const std::array<Point2, 8> offsets = {{{gap, -gap - h},
@@ -133,7 +133,7 @@ std::vector<KeyMark> choose_keys(const std::vector<DrawnTrail>& trails, Occupanc
   return marks;
 }
 
-void draw_keys(OutputFile& out, const std::vector<KeyMark>& marks) {
+void draw_keys(TextSink& out, const std::vector<KeyMark>& marks) {
   if (marks.empty()) return;
   PathData path;
   const std::string color = marks.front().color;
@@ -148,14 +148,14 @@ void draw_keys(OutputFile& out, const std::vector<KeyMark>& marks) {
   out << "<path class=\"diamond\" style=\"fill:" << color << "\" d=\"" << path.text() << "\"/>\n";
 }
 
-std::size_t label_keys(OutputFile& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t most) {
+std::size_t label_keys(TextSink& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t most) {
   std::size_t done = 0;
   for (const KeyMark& mark : marks)
     if (done < most && draw_label(out, occupancy, mark.at, readable(mark.time, 7), "soft key", 10.5)) ++done;
   return marks.size() - done;
 }
 
-void label_trails(OutputFile& out, const std::vector<DrawnTrail>& trails, Occupancy& occupancy) {
+void label_trails(TextSink& out, const std::vector<DrawnTrail>& trails, Occupancy& occupancy) {
   std::unordered_map<std::string, int> uses;
   for (const DrawnTrail& drawn : trails) ++uses[drawn.trail().name];
   for (const DrawnTrail& drawn : trails) {

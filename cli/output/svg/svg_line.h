@@ -4,7 +4,7 @@
 #include <functional>
 #include <vector>
 
-#include "cli/output/output_file.h"
+#include "base/text_sink.h"
 #include "cli/output/svg/svg_camera.h"
 #include "session/report.h"
 
@@ -36,12 +36,12 @@ class DrawnTrail {
   // Calls visit(from, to) for each stretch of the line, in pixels.
   void for_each_stretch(const Thinning& thinning, const std::function<void(const Point2&, const Point2&)>& visit) const;
 
-  void draw_casing(OutputFile& out, const Thinning& thinning) const;
-  void draw_line(OutputFile& out, const Thinning& thinning) const;
+  void draw_casing(TextSink& out, const Thinning& thinning) const;
+  void draw_line(TextSink& out, const Thinning& thinning) const;
   // Every `stride`-th sample.
-  void draw_dots(OutputFile& out, std::size_t stride) const;
+  void draw_dots(TextSink& out, std::size_t stride) const;
   // The line as `project` has it, in the style of `kind`.
-  void draw_outline(OutputFile& out, const Thinning& thinning, const char* kind, const Project& project) const;
+  void draw_outline(TextSink& out, const Thinning& thinning, const char* kind, const Project& project) const;
 
  private:
   // Calls visit(index of the last kept sample, index of this one, place, whether the line goes on from the last).

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <limits>
 
+#include "cli/output/output_file.h"
 #include "cli/output/svg/svg_path.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/trail_views.h"
