@@ -1,7 +1,5 @@
 #include "base/utf8.h"
 
-#include <cstddef>
-
 namespace vantorelix {
 
 namespace {
@@ -31,30 +29,37 @@ Lead lead_of(unsigned char byte) {
   return {0, kContinuation};
 }
 
-bool within(char c, Range range) {
-  const auto byte = static_cast<unsigned char>(c);
-  return byte >= range.low && byte <= range.high;
+std::string replaced(std::string_view bytes, bool each_byte) {
+  std::string text;
+  text.reserve(bytes.size());
+  while (!bytes.empty()) {
+    const Utf8Piece piece = utf8_piece(bytes);
+    if (piece.valid) text += bytes.substr(0, piece.size);
+    for (std::size_t n = piece.valid ? 0 : each_byte ? piece.size : 1; n > 0; --n) text += kReplacementCharacter;
+    bytes.remove_prefix(piece.size);
+  }
+  return text;
 }
 
 }  // namespace
 
-std::string utf8_text(const std::string& bytes) {
-  std::string text;
-  std::size_t i = 0;
-  while (i < bytes.size()) {
-    const auto first = static_cast<unsigned char>(bytes[i]);
-    const Lead lead = lead_of(first);
-    std::size_t length = 1;
-    Range expected = lead.second;
-    while (length <= lead.following && i + length < bytes.size() && within(bytes[i + length], expected)) {
-      ++length;
-      expected = kContinuation;
-    }
-    const bool whole = first < 0x80 || (lead.following > 0 && length == lead.following + 1);
-    text += whole ? bytes.substr(i, length) : "\xEF\xBF\xBD";
-    i += length;
+Utf8Piece utf8_piece(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char first = byte(0);
+  if (first < 0x80) return {true, first, 1};
+  const Lead lead = lead_of(first);
+  Utf8Piece piece{false, first & (0x3Fu >> lead.following), 1};
+  Range expected = lead.second;
+  for (; piece.size <= lead.following && piece.size < text.size(); ++piece.size, expected = kContinuation) {
+    const unsigned char next = byte(piece.size);
+    if (next < expected.low || next > expected.high) return piece;
+    piece.code = piece.code << 6 | (next & 0x3Fu);
   }
-  return text;
+  piece.valid = lead.following != 0 && piece.size == lead.following + 1;
+  return piece;
 }
+
+std::string utf8_text(std::string_view bytes) { return replaced(bytes, false); }
+std::string valid_utf8(std::string_view bytes) { return replaced(bytes, true); }
 
 }  // namespace vantorelix

@@ -8,11 +8,12 @@
 
 #include "cli/args/options.h"
 #include "cli/commands/commands.h"
-#include "cli/failure.h"
-#include "cli/interrupt.h"
-#include "cli/terminal.h"
+#include "cli/terminal/failure.h"
+#include "cli/terminal/interrupt.h"
+#include "cli/terminal/terminal.h"
 #include "engine/state/constants.h"
 #include "host/error.h"
+#include "session/failure.h"
 
 namespace vantorelix::cli {
 
@@ -47,6 +48,22 @@ std::string what_is_wrong(const CLI::ParseError& error, const CLI::App& program,
          std::string("; use one of ") + names;
 }
 
+// What helps against what a session cannot do, by the options of the program.
+std::string remedy(session::Failure::Kind kind) {
+  using Kind = session::Failure::Kind;
+  switch (kind) {
+    case Kind::range_too_short:
+      return "; give a longer one with --range FIRST:LAST";
+    case Kind::too_many_samples:
+      return "; shorten the range with --range, or choose fewer objects with --select";
+    case Kind::no_such_key:
+      return "; 'vantorelix info' tells the frames of the keys";
+    case Kind::no_trail:
+      break;
+  }
+  return "";
+}
+
 int run_command(const Run& command, Terminal& terminal) {
   try {
     command(terminal);
@@ -55,6 +72,8 @@ int run_command(const Run& command, Terminal& terminal) {
   } catch (const UsageError& error) {
     terminal.error(error.what());
     return kUsage;
+  } catch (const session::Failure& failure) {
+    terminal.error(failure.what() + remedy(failure.kind));
   } catch (const host::Interrupt&) {
     terminal.error("interrupted; nothing was written");
     return interrupt_exit_code();

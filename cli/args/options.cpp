@@ -1,4 +1,5 @@
 #include "cli/args/options.h"
+#include "base/number_text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -7,9 +8,9 @@
 #include <set>
 #include <system_error>
 
-#include "cli/failure.h"
 #include "cli/output/output_file.h"
 #include "cli/output/text.h"
+#include "cli/terminal/failure.h"
 
 namespace vantorelix::cli {
 

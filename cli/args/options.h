@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/selection.h"
-#include "cli/terminal.h"
+#include "cli/args/selection.h"
+#include "cli/terminal/terminal.h"
 #include "standalone/formats/reader.h"
 #include "standalone/scene/scene.h"
 

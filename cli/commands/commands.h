@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "cli/args/options.h"
-#include "cli/terminal.h"
+#include "cli/terminal/terminal.h"
 
 namespace vantorelix::cli {
 

@@ -1,13 +1,14 @@
 #include <memory>
 #include <unordered_set>
 
+#include "base/number_text.h"
 #include "cli/commands/commands.h"
-#include "cli/failure.h"
+#include "cli/commands/scene_file.h"
 #include "cli/output/curve_writers.h"
+#include "cli/output/output_file.h"
 #include "cli/output/text.h"
-#include "cli/scene_file.h"
-#include "cli/trail_session.h"
-#include "engine/commands/nurbs.h"
+#include "cli/terminal/failure.h"
+#include "session/session.h"
 
 namespace vantorelix::cli {
 
@@ -65,11 +66,12 @@ void run_curves(const CurvesOptions& options, Terminal& terminal) {
   const auto old = loaded.nodes_of_type("nurbsCurve");
   const std::unordered_set<NodeId> known(old.begin(), old.end());
 
-  TrailSession session(std::move(loaded), std::nullopt, terminal);
-  TrailSettings settings;
+  session::Session session(std::move(loaded), session_options(terminal));
+  session::TrailSettings settings;
   if (options.samples_per_frame) settings.samples_per_frame = *options.samples_per_frame;
   session.check_size(objects.size(), settings);
-  session.create(objects, settings, [&] { convert_to_nurbs(*options.degree); });
+  session.create(objects, settings, [&] { session.convert_to_nurbs(*options.degree); });
+  terminal.end_progress();
 
   const auto curves = new_curves(session.scene(), known);
   if (curves.empty())

@@ -1,13 +1,16 @@
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <map>
 #include <memory>
 
+#include "base/json_writer.h"
+#include "base/number_text.h"
+#include "base/utf8.h"
 #include "cli/commands/commands.h"
+#include "cli/commands/scene_file.h"
 #include "cli/output/columns.h"
 #include "cli/output/output_file.h"
-#include "cli/output/text.h"
-#include "cli/scene_file.h"
 
 namespace vantorelix::cli {
 
@@ -146,60 +149,66 @@ void print_text(const SceneInfo& info, bool all) {
                 counted(info.objects.size() - shown.size(), "still object").c_str());
 }
 
-std::string json_list(const std::vector<std::string>& texts) {
-  std::string list;
-  for (const std::string& text : texts) list += (list.empty() ? "" : ", ") + json_text(text);
-  return "[" + list + "]";
+void print_takes(JsonWriter& json, const SceneInfo& info) {
+  json.key("takes");
+  json.list({}, [&] {
+    for (std::size_t i = 0; i < info.takes.size(); ++i)
+      json.object({}, [&] {
+        const standalone::Take& take = info.takes[i];
+        json.field("name", take.name);
+        json.field("range", std::array{take.first, take.last});
+        json.field("chosen", i == info.take);
+      });
+  });
 }
 
-void print_takes(OutputFile& out, const SceneInfo& info) {
-  out << "  \"takes\": [";
-  const char* separator = "";
-  for (std::size_t i = 0; i < info.takes.size(); ++i) {
-    const standalone::Take& take = info.takes[i];
-    out << separator << "{\"name\": " << json_text(take.name) << ", \"range\": [" << take.first << ", " << take.last
-        << "], \"chosen\": " << (i == info.take ? "true" : "false") << "}";
-    separator = ", ";
+void print_object(JsonWriter& json, const ObjectInfo& object) {
+  json.field("path", object.path);
+  json.field("type", object.type);
+  json.field("animated", object.animated);
+  json.field("own_keys", object.own_keys);
+  json.field("keys", object.keys);
+  if (object.keys != 0) {
+    json.field("first_key", object.first_key);
+    json.field("last_key", object.last_key);
   }
-  out << "],\n";
+  json.field("not_followed", object.not_followed);
 }
 
-void print_object(OutputFile& out, const ObjectInfo& object) {
-  const auto boolean = [](bool b) { return b ? "true" : "false"; };
-  out << "    {\"path\": " << json_text(object.path) << ", \"type\": " << json_text(object.type)
-      << ", \"animated\": " << boolean(object.animated) << ", \"own_keys\": " << boolean(object.own_keys)
-      << ", \"keys\": " << static_cast<std::int64_t>(object.keys);
-  if (object.keys != 0) out << ", \"first_key\": " << object.first_key << ", \"last_key\": " << object.last_key;
-  out << ", \"not_followed\": " << json_list(object.not_followed) << "}";
+void print_contents(JsonWriter& json, const SceneInfo& info) {
+  json.field("keys", info.keys);
+  json.key("nodes");
+  json.object({}, [&] {
+    for (const auto& [type, count] : info.node_types) json.field(type, count);
+  });
+  json.key("objects");
+  json.list(JsonLayout::lines(4), [&] {
+    for (const ObjectInfo& object : info.objects) json.object({}, [&] { print_object(json, object); });
+  });
+  json.key("warnings");
+  json.list({}, [&] {
+    for (const auto& warning : info.warnings)
+      json.object({}, [&] {
+        json.field("text", warning.kind);
+        json.field("count", warning.count);
+      });
+  });
 }
 
 void print_json(const SceneInfo& info) {
   OutputFile out("-.json");
-  out << "{\n  \"scene\": " << json_text(info.file) << ",\n  \"format\": " << json_text(info.format)
-      << ",\n  \"fps\": " << info.fps << ",\n  \"range\": [" << info.first << ", " << info.last
-      << "],\n  \"unit\": " << json_text(info.unit) << ",\n  \"up_axis\": \"" << info.up_axis << "\",\n";
-  print_takes(out, info);
-  out << "  \"keys\": " << static_cast<std::int64_t>(info.keys) << ",\n  \"nodes\": {";
-  const char* separator = "";
-  for (const auto& [type, count] : info.node_types) {
-    out << separator << json_text(type) << ": " << static_cast<std::int64_t>(count);
-    separator = ", ";
-  }
-  out << "},\n  \"objects\": [";
-  separator = "\n";
-  for (const ObjectInfo& object : info.objects) {
-    out << separator;
-    print_object(out, object);
-    separator = ",\n";
-  }
-  out << "\n  ],\n  \"warnings\": [";
-  separator = "";
-  for (const auto& warning : info.warnings) {
-    out << separator << "{\"text\": " << json_text(warning.kind)
-        << ", \"count\": " << static_cast<std::int64_t>(warning.count) << "}";
-    separator = ", ";
-  }
-  out << "]\n}\n";
+  JsonWriter json(out);
+  json.object(JsonLayout::lines(2), [&] {
+    json.field("scene", info.file);
+    json.field("format", info.format);
+    json.field("fps", info.fps);
+    json.field("range", std::array{info.first, info.last});
+    json.field("unit", info.unit);
+    json.field("up_axis", std::string(1, info.up_axis));
+    print_takes(json, info);
+    print_contents(json, info);
+  });
+  out << '\n';
   out.commit();
 }
 

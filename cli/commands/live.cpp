@@ -1,15 +1,16 @@
-#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <unordered_set>
 
+#include "base/json_writer.h"
+#include "base/number_text.h"
+#include "cli/args/edit_script.h"
 #include "cli/commands/commands.h"
-#include "cli/failure.h"
-#include "cli/live/live_run.h"
+#include "cli/commands/scene_file.h"
 #include "cli/output/columns.h"
 #include "cli/output/output_file.h"
-#include "cli/output/text.h"
-#include "cli/scene_file.h"
+#include "cli/terminal/failure.h"
+#include "session/live_run.h"
 
 namespace vantorelix::cli {
 
@@ -47,14 +48,14 @@ void check_distinct(const Scene& scene, const std::vector<NodeId>& objects) {
 
 std::string milliseconds(double seconds) { return fixed(seconds * 1e3, 3) + " ms"; }
 
-std::string verdict(const LiveReport& report) {
+std::string verdict(const session::LiveReport& report) {
   const std::string checked = std::to_string(report.samples) + " positions compared with the scene";
   return report.wrong == 0 ? "yes, " + checked + " are equal"
                            : "NO, of " + checked + " " + std::to_string(report.wrong) + " differ, by up to " +
                                  readable(report.largest_difference);
 }
 
-void print_report(const LiveReport& r) {
+void print_report(const session::LiveReport& r) {
   std::printf(
       "%s",
       columns({{"trails", std::to_string(r.trails)},
@@ -68,29 +69,25 @@ void print_report(const LiveReport& r) {
           .c_str());
 }
 
-void write_report(OutputFile& out, const LiveReport& r, const std::string& scene) {
-  const auto count = [&](const char* name, std::uint64_t n) {
-    out << ",\n  \"" << name << "\": " << static_cast<std::int64_t>(n);
-  };
-  const auto milli = [&](const char* name, double seconds) { out << ",\n  \"" << name << "\": " << seconds * 1e3; };
-  out << "{\n  \"scene\": " << json_text(scene);
-  count("trails", r.trails);
-  count("edits", r.edits);
-  count("steps", r.steps);
-  count("waits", r.waits);
-  milli("longest_edit_ms", r.longest_edit);
-  milli("longest_step_ms", r.longest_step);
-  milli("total_steps_ms", r.total_steps);
-  milli("last_edit_to_exact_ms", r.last_to_exact);
-  out << ",\n  \"exact\": " << (r.wrong == 0 ? "true" : "false");
-  count("positions_compared", r.samples);
-  count("positions_wrong", r.wrong);
-  out << ",\n  \"largest_difference\": ";
-  if (std::isfinite(r.largest_difference))
-    out << r.largest_difference;
-  else
-    out << "null";
-  out << "\n}\n";
+void write_report(TextSink& out, const session::LiveReport& r, const std::string& scene) {
+  JsonWriter json(out);
+  const auto milli = [&](const char* name, double seconds) { json.field(name, seconds * 1e3); };
+  json.object(JsonLayout::lines(2), [&] {
+    json.field("scene", scene);
+    json.field("trails", r.trails);
+    json.field("edits", r.edits);
+    json.field("steps", r.steps);
+    json.field("waits", r.waits);
+    milli("longest_edit_ms", r.longest_edit);
+    milli("longest_step_ms", r.longest_step);
+    milli("total_steps_ms", r.total_steps);
+    milli("last_edit_to_exact_ms", r.last_to_exact);
+    json.field("exact", r.wrong == 0);
+    json.field("positions_compared", r.samples);
+    json.field("positions_wrong", r.wrong);
+    json.field("largest_difference", r.largest_difference);
+  });
+  out << '\n';
 }
 
 void run(const LiveOptions& options, Terminal& terminal) {
@@ -103,12 +100,13 @@ void run(const LiveOptions& options, Terminal& terminal) {
   options.scene.apply_range(loaded, objects.size());
   check_distinct(loaded, objects);
   const auto events = read_edits(options.edits, loaded);
-  TrailSession session(std::move(loaded), std::nullopt, terminal);
-  TrailSettings settings;
+  session::Session session(std::move(loaded), session_options(terminal));
+  session::TrailSettings settings;
   if (options.samples_per_frame) settings.samples_per_frame = *options.samples_per_frame;
   session.check_size(objects.size(), settings);
   const auto trails = session.create(objects, settings);
-  const LiveReport report = run_live(session, trails, events);
+  terminal.end_progress();
+  const session::LiveReport report = session::run_live(session, trails, events);
   if (options.report.empty() || !OutputFile::means_stdout(options.report)) print_report(report);
   if (!options.report.empty()) {
     OutputFile out(options.report);

@@ -2,13 +2,14 @@
 #include <cstdio>
 #include <memory>
 
+#include "base/number_text.h"
 #include "cli/commands/commands.h"
+#include "cli/commands/trail_making.h"
 #include "cli/output/html.h"
 #include "cli/output/output_file.h"
 #include "cli/output/svg/svg.h"
 #include "cli/output/text.h"
 #include "cli/output/writers.h"
-#include "cli/trail_making.h"
 
 namespace vantorelix::cli {
 
@@ -31,7 +32,7 @@ struct TrailsOptions {
   std::string view = "persp", theme = "auto";
 };
 
-void write(OutputFile& out, const TrailReport& report, const SvgOptions& svg) {
+void write(OutputFile& out, const session::TrailReport& report, const SvgOptions& svg) {
   const std::string extension = extension_of(out.path().string());
   if (extension == ".json")
     write_json(out, report);
@@ -44,7 +45,7 @@ void write(OutputFile& out, const TrailReport& report, const SvgOptions& svg) {
 }
 
 // All files are written before the first takes its place: a failure leaves none.
-void write_all(const std::vector<std::string>& outputs, const TrailReport& report, const SvgOptions& svg,
+void write_all(const std::vector<std::string>& outputs, const session::TrailReport& report, const SvgOptions& svg,
                Terminal& terminal) {
   std::vector<std::unique_ptr<OutputFile>> files;
   for (const std::string& output : outputs) {
@@ -58,7 +59,7 @@ void write_all(const std::vector<std::string>& outputs, const TrailReport& repor
                     readable(static_cast<double>(file->written()) / 1024.0, 3) + " KB");
 }
 
-void print_table(const TrailReport& report, const Terminal& terminal) {
+void print_table(const session::TrailReport& report, const Terminal& terminal) {
   const std::string table = trail_table(report);
   const std::size_t heading = table.find('\n');
   std::printf("%s%s", terminal.bold(table.substr(0, heading)).c_str(), table.c_str() + heading);
@@ -71,7 +72,7 @@ void run_trails(const TrailsOptions& options, Terminal& terminal) {
   check_outputs(outputs, {".json", ".csv", ".svg", ".html"}, options.trails.scene.file);
   for (const std::string& output : outputs) check_destination(output);
   const bool statics = std::any_of(outputs.begin(), outputs.end(), is_page);
-  with_trails(options.trails, statics, terminal, [&](const TrailReport& report) {
+  with_trails(options.trails, statics, terminal, [&](const session::TrailReport& report) {
     if (outputs.empty())
       print_table(report, terminal);
     else

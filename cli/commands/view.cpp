@@ -3,13 +3,14 @@
 #include <random>
 #include <system_error>
 
-#include "cli/browser.h"
+#include "base/number_text.h"
 #include "cli/commands/commands.h"
-#include "cli/failure.h"
+#include "cli/commands/trail_making.h"
 #include "cli/output/html.h"
 #include "cli/output/output_file.h"
 #include "cli/output/text.h"
-#include "cli/trail_making.h"
+#include "cli/terminal/browser.h"
+#include "cli/terminal/failure.h"
 
 namespace vantorelix::cli {
 
@@ -53,7 +54,7 @@ void run_view(const ViewOptions& options, Terminal& terminal) {
       throw UsageError("--out " + options.output + ": a browser cannot open standard output; add --no-open");
   }
   fs::path page;
-  with_trails(options.trails, true, terminal, [&](const TrailReport& report) {
+  with_trails(options.trails, true, terminal, [&](const session::TrailReport& report) {
     OutputFile out(options.output.empty() ? temporary_page(report.scene) : fs::path(options.output));
     write_html(out, report);
     out.commit();

@@ -12,7 +12,7 @@ constexpr std::size_t kBlock = 3 * 4096;
 
 }  // namespace
 
-Base64::Base64(OutputFile& out) : out_(out) { block_.reserve(kBlock); }
+Base64::Base64(TextSink& out) : out_(out) { block_.reserve(kBlock); }
 
 void Base64::byte(std::uint8_t value) {
   block_ += static_cast<char>(value);

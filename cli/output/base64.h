@@ -5,14 +5,14 @@
 #include <string>
 #include <string_view>
 
-#include "cli/output/output_file.h"
+#include "base/text_sink.h"
 
 namespace vantorelix::cli {
 
 // Writes base64 without line breaks, a few kilobytes at a time. Nothing is complete before finish(), called once.
 class Base64 {
  public:
-  explicit Base64(OutputFile& out);
+  explicit Base64(TextSink& out);
 
   void byte(std::uint8_t value);
   // Least significant byte first.
@@ -27,7 +27,7 @@ class Base64 {
  private:
   void encode();
 
-  OutputFile& out_;
+  TextSink& out_;
   std::string block_;
   std::uint64_t bytes_ = 0;
 };

@@ -6,9 +6,9 @@
 
 namespace vantorelix::cli {
 
-void write_csv(OutputFile& out, const TrailReport& report) {
+void write_csv(TextSink& out, const session::TrailReport& report) {
   out << "source,sample,frame,x,y,z,r,g,b\n";
-  for (const TrailView& trail : report.trails) {
+  for (const session::TrailView& trail : report.trails) {
     const std::string source = csv_text(trail.source);
     for (std::size_t i = 0; i < trail.points->size(); ++i) {
       const Vector& p = (*trail.points)[i];

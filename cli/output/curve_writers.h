@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "base/text_sink.h"
 #include "base/vector.h"
-#include "cli/output/output_file.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::cli {
@@ -22,9 +22,9 @@ struct CurveView {
 std::vector<double> open_uniform_knots(std::size_t points, int degree);
 
 // A scene of its own with a transform and a nurbsCurve for each curve. Units, rate and range are those of `scene`.
-void write_maya_ascii(OutputFile& out, const std::vector<CurveView>& curves, const standalone::Scene& scene);
+void write_maya_ascii(TextSink& out, const std::vector<CurveView>& curves, const standalone::Scene& scene);
 
 // "curve,cv,x,y,z", a line a control vertex.
-void write_curve_csv(OutputFile& out, const std::vector<CurveView>& curves);
+void write_curve_csv(TextSink& out, const std::vector<CurveView>& curves);
 
 }  // namespace vantorelix::cli

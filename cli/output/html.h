@@ -18,11 +18,11 @@
 //   statics          [{name, matrix (16 numbers, row vectors), low, high}]
 #pragma once
 
-#include "cli/output/output_file.h"
-#include "cli/trail_report.h"
+#include "base/text_sink.h"
+#include "session/report.h"
 
 namespace vantorelix::cli {
 
-void write_html(OutputFile& out, const TrailReport& report);
+void write_html(TextSink& out, const session::TrailReport& report);
 
 }  // namespace vantorelix::cli

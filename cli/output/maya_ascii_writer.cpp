@@ -4,10 +4,11 @@
 #include <filesystem>
 #include <utility>
 
-#include "cli/failure.h"
+#include "base/number_text.h"
 #include "cli/output/curve_writers.h"
 #include "cli/output/text.h"
-#include "cli/trail_report.h"
+#include "cli/terminal/failure.h"
+#include "session/report.h"
 
 namespace vantorelix::cli {
 
@@ -28,9 +29,10 @@ std::string time_unit(double fps) {
   return {};
 }
 
-void write_header(OutputFile& out, const standalone::Scene& scene) {
+void write_header(TextSink& out, const standalone::Scene& scene) {
   // A scene that does not tell its unit becomes one in the format's own.
-  const std::string length = scene.settings.linear_unit() == kUnknownUnit ? "cm" : scene.settings.linear_unit();
+  const std::string length =
+      scene.settings.linear_unit() == session::kUnknownUnit ? "cm" : scene.settings.linear_unit();
   out << "//Maya ASCII 2018 scene\n//Codeset: UTF-8\nrequires maya \"2018\";\ncurrentUnit -l " << length
       << " -a degree";
   const std::string unit = time_unit(scene.settings.frames_per_second());
@@ -38,7 +40,7 @@ void write_header(OutputFile& out, const standalone::Scene& scene) {
   out << ";\nfileInfo \"application\" \"vantorelix\";\n";
 }
 
-void write_curve(OutputFile& out, const CurveView& curve) {
+void write_curve(TextSink& out, const CurveView& curve) {
   const auto& points = *curve.points;
   const auto knots = open_uniform_knots(points.size(), curve.degree);
   out << "createNode transform -n \"" << curve.name << "\";\ncreateNode nurbsCurve -n \"" << curve.shape << "\" -p \""
@@ -55,8 +57,9 @@ void write_curve(OutputFile& out, const CurveView& curve) {
   out << "\t\t;\n";
 }
 
-void write_playback(OutputFile& out, const standalone::Scene& scene) {
-  const std::string first = number(scene.settings.playback_min()), last = number(scene.settings.playback_max());
+void write_playback(TextSink& out, const standalone::Scene& scene) {
+  const std::string first = number_text(scene.settings.playback_min()),
+                    last = number_text(scene.settings.playback_max());
   out << "createNode script -n \"sceneConfigurationScriptNode\";\n\tsetAttr \".b\" -type \"string\" \"playbackOptions "
          "-min "
       << first << " -max " << last << " -ast " << first << " -aet " << last << " \";\n\tsetAttr \".st\" 6;\n";
@@ -72,14 +75,14 @@ std::vector<double> open_uniform_knots(std::size_t points, int degree) {
   return knots;
 }
 
-void write_maya_ascii(OutputFile& out, const std::vector<CurveView>& curves, const standalone::Scene& scene) {
+void write_maya_ascii(TextSink& out, const std::vector<CurveView>& curves, const standalone::Scene& scene) {
   write_header(out, scene);
   for (const CurveView& curve : curves) write_curve(out, curve);
   write_playback(out, scene);
   out << "// End of scene\n";
 }
 
-void write_curve_csv(OutputFile& out, const std::vector<CurveView>& curves) {
+void write_curve_csv(TextSink& out, const std::vector<CurveView>& curves) {
   out << "curve,cv,x,y,z\n";
   for (const CurveView& curve : curves) {
     const std::string name = csv_text(curve.name);

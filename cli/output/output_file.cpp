@@ -4,17 +4,14 @@
 #include <random>
 #include <system_error>
 
-#include "cli/failure.h"
-#include "cli/interrupt.h"
-#include "cli/output/text.h"
+#include "cli/terminal/failure.h"
+#include "cli/terminal/interrupt.h"
 
 namespace vantorelix::cli {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::size_t kBuffer = 1 << 16;
 
 fs::path resolved(const fs::path& path) {
   std::error_code ignored;
@@ -35,7 +32,6 @@ fs::path beside(const fs::path& target) {
 bool OutputFile::means_stdout(const fs::path& path) { return path.parent_path().empty() && path.stem() == "-"; }
 
 OutputFile::OutputFile(const fs::path& path) : path_(path) {
-  buffer_.reserve(kBuffer + 64);
   if (means_stdout(path)) {
     stdout_ = true;
     return;
@@ -59,29 +55,15 @@ OutputFile::~OutputFile() {
   fs::remove(temporary_, ignored);
 }
 
-OutputFile& OutputFile::operator<<(std::string_view text) {
-  buffer_ += text;
-  if (buffer_.size() >= kBuffer) flush();
-  return *this;
-}
-
-OutputFile& OutputFile::operator<<(double value) {
-  append_number(buffer_, value);
-  if (buffer_.size() >= kBuffer) flush();
-  return *this;
-}
-
-OutputFile& OutputFile::operator<<(std::int64_t value) { return *this << std::string_view(std::to_string(value)); }
-
 void OutputFile::flush() {
   check_interrupt();
   if (stdout_) {
-    if (std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) != buffer_.size()) fail("cannot be written");
-  } else if (!stream_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()))) {
+    if (std::fwrite(gathered_.data(), 1, gathered_.size(), stdout) != gathered_.size()) fail("cannot be written");
+  } else if (!stream_.write(gathered_.data(), static_cast<std::streamsize>(gathered_.size()))) {
     fail("could not be written to its end");
   }
-  written_ += buffer_.size();
-  buffer_.clear();
+  written_ += gathered_.size();
+  gathered_.clear();
 }
 
 void OutputFile::commit() {

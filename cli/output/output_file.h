@@ -4,27 +4,20 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <string_view>
+
+#include "base/text_sink.h"
 
 namespace vantorelix::cli {
 
 // Written to a temporary file beside its place and renamed by commit(); without commit() the destructor removes
 // what was written. "-" with an extension ("-.json") is standard output; a pipe or device is written straight.
 // Every failure is a Failure that names the file. Notices interrupts while writing.
-class OutputFile {
+class OutputFile : public TextSink {
  public:
   explicit OutputFile(const std::filesystem::path& path);
-  ~OutputFile();
-  OutputFile(const OutputFile&) = delete;
-  OutputFile& operator=(const OutputFile&) = delete;
+  ~OutputFile() override;
 
-  OutputFile& operator<<(std::string_view text);
-  OutputFile& operator<<(char c) { return *this << std::string_view(&c, 1); }
-  // A finite number as it reads back to the same double.
-  OutputFile& operator<<(double value);
-  OutputFile& operator<<(std::int64_t value);
-
-  std::uint64_t written() const { return written_ + buffer_.size(); }
+  std::uint64_t written() const { return written_ + gathered_.size(); }
   bool is_stdout() const { return stdout_; }
   const std::filesystem::path& path() const { return path_; }
   void commit();
@@ -33,14 +26,13 @@ class OutputFile {
   static bool means_stdout(const std::filesystem::path& path);
 
  private:
-  void flush();
+  void flush() override;
   [[noreturn]] void fail(const std::string& what) const;
 
   std::filesystem::path path_;       // as it was given
   std::filesystem::path target_;     // where the links of path_ lead
   std::filesystem::path temporary_;  // empty when written straight
   std::ofstream stream_;
-  std::string buffer_;
   std::uint64_t written_ = 0;
   bool stdout_ = false;
 };

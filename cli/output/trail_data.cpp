@@ -26,7 +26,7 @@ struct Range {
   }
 };
 
-PositionScale scale_of(const TrailView& trail) {
+PositionScale scale_of(const session::TrailView& trail) {
   std::array<Range, 3> box;
   for (const Vectors& points : {trail.points, trail.key_points})
     for (const Vector& p : *points)
@@ -50,7 +50,7 @@ std::uint32_t steps(double value, double low, double step) {
 // Bit for bit, which zeros of either sign are not.
 bool same(double a, double b) { return a == b && std::signbit(a) == std::signbit(b); }
 
-bool is_on_sample(const TrailView& trail, double time, const Vector& key) {
+bool is_on_sample(const session::TrailView& trail, double time, const Vector& key) {
   const double index = std::round((time - trail.start_frame) / trail.frame_step);
   if (!(index >= 0.0 && index < static_cast<double>(trail.points->size()))) return false;
   if (trail.start_frame + index * trail.frame_step != time) return false;
@@ -58,7 +58,7 @@ bool is_on_sample(const TrailView& trail, double time, const Vector& key) {
   return same(key.x, sample.x) && same(key.y, sample.y) && same(key.z, sample.z);
 }
 
-TrailLayout lay_out(const TrailView& trail) {
+TrailLayout lay_out(const session::TrailView& trail) {
   TrailLayout layout{scale_of(trail), std::min(trail.key_times.size(), trail.key_points->size()), true};
   for (std::size_t i = 0; layout.keys_on_samples && i < layout.keys; ++i)
     layout.keys_on_samples = is_on_sample(trail, trail.key_times[i], (*trail.key_points)[i]);
@@ -86,10 +86,10 @@ void write_color(Base64& out, const Vector& color) {
 
 }  // namespace
 
-DataLayout lay_out(const TrailReport& report) {
+DataLayout lay_out(const session::TrailReport& report) {
   DataLayout layout;
   std::uint64_t samples = 0, keys = 0, stored_keys = 0;
-  for (const TrailView& trail : report.trails) {
+  for (const session::TrailView& trail : report.trails) {
     const TrailLayout& one = layout.trails.emplace_back(lay_out(trail));
     samples += trail.points->size();
     keys += one.keys;
@@ -104,23 +104,23 @@ DataLayout lay_out(const TrailReport& report) {
   return layout;
 }
 
-void write_data(Base64& out, const TrailReport& report, const DataLayout& layout) {
+void write_data(Base64& out, const session::TrailReport& report, const DataLayout& layout) {
   const auto for_each = [&](const auto& write) {
     for (std::size_t i = 0; i < report.trails.size(); ++i) write(report.trails[i], layout.trails[i]);
     out.pad(kAlignment);
   };
-  for_each([&](const TrailView& trail, const TrailLayout& one) {
+  for_each([&](const session::TrailView& trail, const TrailLayout& one) {
     for (const Vector& p : *trail.points) write_position(out, one.scale, p);
   });
-  for_each([&](const TrailView& trail, const TrailLayout& one) {
+  for_each([&](const session::TrailView& trail, const TrailLayout& one) {
     for (std::size_t i = 0; !one.keys_on_samples && i < one.keys; ++i)
       write_position(out, one.scale, (*trail.key_points)[i]);
   });
-  for_each([&](const TrailView& trail, const TrailLayout& one) {
+  for_each([&](const session::TrailView& trail, const TrailLayout& one) {
     for (std::size_t i = 0; i < one.keys; ++i)
       layout.double_times ? out.real(trail.key_times[i]) : out.real(static_cast<float>(trail.key_times[i]));
   });
-  for_each([&](const TrailView& trail, const TrailLayout&) {
+  for_each([&](const session::TrailView& trail, const TrailLayout&) {
     for (std::size_t i = 0; i < trail.points->size(); ++i)
       write_color(out, i < trail.colors->size() ? (*trail.colors)[i] : Vector{});
   });

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "cli/output/base64.h"
-#include "cli/trail_report.h"
+#include "session/report.h"
 
 namespace vantorelix::cli {
 
@@ -40,8 +40,8 @@ struct DataLayout {
   bool double_times = false;
 };
 
-DataLayout lay_out(const TrailReport& report);
+DataLayout lay_out(const session::TrailReport& report);
 // Writes the sections of `layout`, which is that of the report.
-void write_data(Base64& out, const TrailReport& report, const DataLayout& layout);
+void write_data(Base64& out, const session::TrailReport& report, const DataLayout& layout);
 
 }  // namespace vantorelix::cli

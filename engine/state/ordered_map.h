@@ -30,6 +30,11 @@ class OrderedMap {
   OrderedMap() = default;
   OrderedMap(const OrderedMap&) = delete;
   OrderedMap& operator=(const OrderedMap&) = delete;
+  OrderedMap(OrderedMap&& other) noexcept { swap(other); }
+  OrderedMap& operator=(OrderedMap&& other) noexcept {
+    swap(other);
+    return *this;
+  }
 
   bool empty() const { return items_.empty(); }
   std::size_t size() const { return items_.size(); }

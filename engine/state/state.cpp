@@ -7,20 +7,7 @@
 
 namespace vantorelix {
 
-host::CommandLayer* cmds = nullptr;
-host::ObjectModel* om = nullptr;
-host::AnimationModel* oma = nullptr;
-host::Interpreter* interpreter = nullptr;
-
-std::string PLUGIN_FILE;
-Registry _REGISTRY;
-std::optional<CallbackIds> _CB_ID;
-bool _REBUILDING = false;
-std::int64_t _GEN = 0;
-bool _PENDING = false;
-std::shared_ptr<WorkRecord> _WORK;
-double _LAST_EDIT = 0.0;
-host::Value _MSG_HANDLER;
+ModuleState module_state;
 
 namespace {
 
@@ -33,29 +20,35 @@ std::string plugin_beside(const std::string& module_file) {
 
 }  // namespace
 
-WorkItems::Content* WorkItems::discarded_ = nullptr;
+struct WorkItemStore {
+  std::size_t size = 0;
+  std::shared_ptr<const Registry::Snapshot> trails;  // of which items are made
+  std::vector<std::shared_ptr<WorkItem>> items;      // the first ones, made so far
+  WorkItemStore* next = nullptr;                     // discarded before this one
+};
 
-WorkItems::WorkItems(std::shared_ptr<const Registry::Snapshot> trails) : content_(std::make_unique<Content>()) {
-  content_->size = trails->size();
-  content_->items.reserve(content_->size);  // and not filled: nothing is written before an item is made
-  content_->trails = std::move(trails);
+WorkItems::WorkItems(std::shared_ptr<const Registry::Snapshot> trails) : store_(new WorkItemStore) {
+  store_->size = trails->size();
+  store_->items.reserve(store_->size);  // and not filled: nothing is written before an item is made
+  store_->trails = std::move(trails);
 }
 
-WorkItems::WorkItems(std::vector<std::shared_ptr<WorkItem>> items) : content_(std::make_unique<Content>()) {
-  content_->size = items.size();
-  content_->items = std::move(items);
+WorkItems::WorkItems(std::vector<std::shared_ptr<WorkItem>> items) : store_(new WorkItemStore) {
+  store_->size = items.size();
+  store_->items = std::move(items);
 }
 
 WorkItems::~WorkItems() {
-  if (!content_) return;
-  content_->next.reset(discarded_);
-  discarded_ = content_.release();
+  if (!store_) return;
+  store_->next = std::exchange(module_state.discarded, store_);
 }
 
+std::size_t WorkItems::size() const { return store_ ? store_->size : 0; }
+
 std::shared_ptr<WorkItem> WorkItems::at(std::size_t n) const {
-  auto& items = content_->items;
+  auto& items = store_->items;
   while (items.size() <= n) {
-    const auto& [viz, settings] = (*content_->trails)[items.size()];
+    const auto& [viz, settings] = (*store_->trails)[items.size()];
     auto made = std::make_shared<WorkItem>();
     made->viz = viz;
     made->settings = settings;
@@ -76,46 +69,46 @@ T taken_from(std::vector<T>& values) {
 }  // namespace
 
 void free_discarded_items(std::size_t count) {
-  using Content = WorkItems::Content;
   // Each piece is out of its place before it goes: what goes may run the host's code, and that may come here again.
-  for (; count > 0 && WorkItems::discarded_; --count) {
-    Content& last = *WorkItems::discarded_;
+  for (; count > 0 && module_state.discarded; --count) {
+    WorkItemStore& last = *module_state.discarded;
     if (!last.items.empty()) {
       taken_from(last.items);
     } else if (last.trails.use_count() == 1 && !last.trails->empty()) {
       taken_from(const_cast<Registry::Snapshot&>(*last.trails));  // nobody else sees it any more
     } else {
-      const std::unique_ptr<Content> empty(std::exchange(WorkItems::discarded_, last.next.release()));
+      const std::unique_ptr<WorkItemStore> empty(std::exchange(module_state.discarded, last.next));
     }
   }
 }
 
 namespace {
 
-void start_anew(const Handles& handles) {
-  // What was remembered goes last, when everything is new: letting go of it may run the host's code.
-  Registry registry;
-  _REGISTRY.swap(registry);
-  const auto callback_ids = std::exchange(_CB_ID, std::nullopt);
-  const auto work = std::exchange(_WORK, nullptr);
-  const auto message_handler = std::exchange(_MSG_HANDLER, host::Value());
-
-  cmds = handles.cmds;
-  om = handles.om;
-  oma = handles.oma;
-  interpreter = handles.interpreter;
-  _REBUILDING = false;
-  _GEN = 0;
-  _PENDING = false;
-  _LAST_EDIT = 0.0;
-  PLUGIN_FILE = plugin_beside(interpreter->module_file());
+// What was remembered goes last, when everything is new: letting go of it may run the host's code. What that discards
+// goes too: neither a reload nor an end is a slice, and the host may be going.
+void start_anew(ModuleState state) {
+  state.discarded = std::exchange(module_state.discarded, nullptr);
+  std::swap(module_state, state);
 }
+
+constexpr auto kAll = std::numeric_limits<std::size_t>::max();
 
 }  // namespace
 
 void _initialise(const Handles& handles) {
-  start_anew(handles);
-  free_discarded_items(std::numeric_limits<std::size_t>::max());  // a reload is no slice, and the host may be going
+  ModuleState state;
+  state.cmds = handles.cmds;
+  state.om = handles.om;
+  state.oma = handles.oma;
+  state.interpreter = handles.interpreter;
+  state.PLUGIN_FILE = plugin_beside(handles.interpreter->module_file());
+  start_anew(std::move(state));
+  free_discarded_items(kAll);
+}
+
+void _forget() {
+  start_anew({});
+  free_discarded_items(kAll);
 }
 
 // clang-format off

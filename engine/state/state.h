@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -44,6 +45,8 @@ struct WorkItem {
   std::size_t ki = 0;  // next key time to evaluate
 };
 
+struct WorkItemStore;
+
 // One item for each trail of a snapshot, in its order, all of them for as long as the list lives. A list of any length
 // is ready at once and gone at once: an item is made when it, or one after it, is first asked for; and what a list
 // leaves behind is put aside, for free_discarded_items.
@@ -53,27 +56,19 @@ class WorkItems {
   explicit WorkItems(std::shared_ptr<const Registry::Snapshot> trails);
   // These items.
   explicit WorkItems(std::vector<std::shared_ptr<WorkItem>> items);
-  WorkItems(WorkItems&&) noexcept = default;
+  WorkItems(WorkItems&& other) noexcept : store_(std::exchange(other.store_, nullptr)) {}
   WorkItems& operator=(WorkItems&& other) noexcept {
-    content_.swap(other.content_);
+    std::swap(store_, other.store_);
     return *this;
   }
   ~WorkItems();
 
-  std::size_t size() const { return content_ ? content_->size : 0; }
+  std::size_t size() const;
   // n < size()
   std::shared_ptr<WorkItem> at(std::size_t n) const;
 
  private:
-  friend void free_discarded_items(std::size_t);
-  struct Content {
-    std::size_t size = 0;
-    std::shared_ptr<const Registry::Snapshot> trails;  // of which items are made
-    std::vector<std::shared_ptr<WorkItem>> items;      // the first ones, made so far
-    std::unique_ptr<Content> next;                     // discarded before this one
-  };
-  std::unique_ptr<Content> content_;
-  static Content* discarded_;  // owned; lives on when the process ends, as what is in it may need a host that has gone
+  WorkItemStore* store_ = nullptr;  // owned
 };
 
 // Frees up to `count` of the items that discarded lists have left behind. Called where the engine has time anyway, so
@@ -97,22 +92,45 @@ void put(T& place, T value) {
   std::swap(place, value);
 }
 
-// --- the handles: bound by _initialise, owned by the host, valid until the next _initialise ---------------------
-extern host::CommandLayer* cmds;
-extern host::ObjectModel* om;
-extern host::AnimationModel* oma;
-extern host::Interpreter* interpreter;
+// The handles and the state, each member under its published name. What is added here goes with every OwnState.
+struct ModuleState {
+  // --- the handles: bound by _initialise, owned by the host, valid until the next _initialise --------------------
+  host::CommandLayer* cmds = nullptr;
+  host::ObjectModel* om = nullptr;
+  host::AnimationModel* oma = nullptr;
+  host::Interpreter* interpreter = nullptr;
 
-// --- the state -------------------------------------------------------------------------------------------------
-extern std::string PLUGIN_FILE;  // the node plug-in beside the engine's own file; read-only after initialisation
-extern Registry _REGISTRY;       // mutated in place
-extern std::optional<CallbackIds> _CB_ID;
-extern bool _REBUILDING;
-extern std::int64_t _GEN;
-extern bool _PENDING;
-extern std::shared_ptr<WorkRecord> _WORK;
-extern double _LAST_EDIT;         // wall-clock seconds
-extern host::Value _MSG_HANDLER;  // none, or a callable that takes the message
+  // --- the state -------------------------------------------------------------------------------------------------
+  std::string PLUGIN_FILE;  // the node plug-in beside the engine's own file; read-only after initialisation
+  Registry _REGISTRY;       // mutated in place
+  std::optional<CallbackIds> _CB_ID;
+  bool _REBUILDING = false;
+  std::int64_t _GEN = 0;
+  bool _PENDING = false;
+  // What discarded lists of items have left behind. Owned; lives on when the process ends, as what is in it may need a
+  // host that has gone.
+  WorkItemStore* discarded = nullptr;
+  std::shared_ptr<WorkRecord> _WORK;
+  double _LAST_EDIT = 0.0;   // wall-clock seconds
+  host::Value _MSG_HANDLER;  // none, or a callable that takes the message
+};
+
+// The one that is in force: the names below are its parts, and the engine knows no other.
+extern ModuleState module_state;
+
+inline constexpr host::CommandLayer*& cmds = module_state.cmds;
+inline constexpr host::ObjectModel*& om = module_state.om;
+inline constexpr host::AnimationModel*& oma = module_state.oma;
+inline constexpr host::Interpreter*& interpreter = module_state.interpreter;
+inline constexpr std::string& PLUGIN_FILE = module_state.PLUGIN_FILE;
+inline constexpr Registry& _REGISTRY = module_state._REGISTRY;
+inline constexpr std::optional<CallbackIds>& _CB_ID = module_state._CB_ID;
+inline constexpr bool& _REBUILDING = module_state._REBUILDING;
+inline constexpr std::int64_t& _GEN = module_state._GEN;
+inline constexpr bool& _PENDING = module_state._PENDING;
+inline constexpr std::shared_ptr<WorkRecord>& _WORK = module_state._WORK;
+inline constexpr double& _LAST_EDIT = module_state._LAST_EDIT;
+inline constexpr host::Value& _MSG_HANDLER = module_state._MSG_HANDLER;
 
 struct Handles {
   host::CommandLayer* cmds;
@@ -124,6 +142,9 @@ struct Handles {
 // Starts the module: binds the handles and gives every variable its initial value, in the order above. Calling it
 // again is a reload: everything starts anew, and trails already in the scene have no registry entries.
 void _initialise(const Handles& handles);
+
+// Lets go of everything: no handle is bound, every variable has its initial value, and nothing discarded is left.
+void _forget();
 
 // Every published module-level name in definition order; none begins with two underscores.
 extern const std::vector<std::string> __all__;

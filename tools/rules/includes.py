@@ -1,11 +1,12 @@
 """Includes go one way, between the top folders and between all others, and a room's inner headers stay inside.
 
 Three laws, each of which names the line that breaks it: a top folder includes from those below it (OURS); no two folders
-include each other, straight or by way of others; and a header that says "For the files of FOLDER only." in a comment line
+include each other, straight or by way of others, and no two of the page's import from each other either; and a header that says "For the files of FOLDER only." in a comment line
 ("this folder" is its own) is included from there alone.
 """
 
 import collections
+import posixpath
 import re
 
 from . import files
@@ -42,6 +43,8 @@ FOREIGN = [
 _INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
 _TEST = re.compile(r"_test\.cpp$|_test_\w+\.h$")
 _INSIDE = re.compile(r"^// (?:.*\. )?For the files of (this folder|[\w/]+) only\.", re.MULTILINE)
+_IMPORT = re.compile(r"""\b(?:from|import)\s*\(?\s*["'](\.[^"']*)["']""")
+_PAGE = "viewer/src"
 _STANDARD = re.compile(r"^[a-z_0-9]+$")
 
 
@@ -119,28 +122,47 @@ def _way(arrows, start, goal):
     return None
 
 
-def _circles(arrows, places):
-    """A complaint for each arrow between folders that closes a circle, at the first include that makes it."""
-    found = []
-    for (source, target), place in sorted(places.items(), key=lambda item: item[1]):
-        way = _way(arrows, target, source)
-        if way:
-            found.append("%s: %s/ and %s/ are in a circle, %s; move what both need to a folder below both"
-                         % (place, source, target, " -> ".join([source] + way)))
-    return found
+class _Arrows:
+    """Which folders lead to which, and where each arrow was seen first."""
+
+    def __init__(self):
+        self.targets = collections.defaultdict(set)
+        self.places = {}
+
+    def add(self, source, target, place):
+        if source != target:
+            self.targets[source].add(target)
+            self.places.setdefault((source, target), place)
+
+    def circles(self):
+        """A complaint for each arrow that closes a circle, at the first include or import that makes it."""
+        found = []
+        for (source, target), place in sorted(self.places.items(), key=lambda item: item[1]):
+            way = _way(self.targets, target, source)
+            if way:
+                found.append("%s: %s/ and %s/ are in a circle, %s; move what both need to a folder below both"
+                             % (place, source, target, " -> ".join([source] + way)))
+        return found
+
+
+def _circles_of_the_page(root):
+    arrows = _Arrows()
+    for path in files.walk(root, [".ts"], [_PAGE]):
+        text = files.read(root, path)
+        for found in _IMPORT.finditer(text):
+            target = posixpath.normpath(posixpath.join(_folder(path), found.group(1)))
+            arrows.add(_folder(path), _folder(target), "%s:%d" % (path, text.count("\n", 0, found.start(1)) + 1))
+    return arrows.circles()
 
 
 def problems(root, options=None):
-    found, owners = [], _owners(root)
-    arrows = collections.defaultdict(set)
-    places = {}
+    found, owners, arrows = [], _owners(root), _Arrows()
     for path in files.walk(root, files.CPP, OURS):
         for line, quote, header in includes(files.read(root, path)):
             place = "%s:%d" % (path, line)
             wrong = _wrong(path, quote, header, owners)
             if wrong:
                 found.append("%s: %s" % (place, wrong))
-            elif quote == '"' and not _TEST.search(path) and _folder(path) != _folder(header):
-                arrows[_folder(path)].add(_folder(header))
-                places.setdefault((_folder(path), _folder(header)), place)
-    return found + _circles(arrows, places)
+            elif quote == '"' and not _TEST.search(path):
+                arrows.add(_folder(path), _folder(header), place)
+    return found + arrows.circles() + _circles_of_the_page(root)

@@ -85,6 +85,19 @@ class Includes(Checkout):
         self.assertIn("engine/state/a.h:2: engine/state/ and engine/colour/ are in a circle, engine/state -> engine/colour"
                       " -> engine/sampling -> engine/state", problems[2])
 
+    def test_two_folders_of_the_page_that_import_each_other_are_named(self):
+        self.write("viewer/src/model/a.ts", 'import {\n  b,\n} from "../source/b";\nimport { c } from "./c";\nimport "three";\n')
+        self.write("viewer/src/main.ts", 'import { a } from "./model/a";\n')
+        self.write("viewer/src/source/b.ts", "export const b = 1;\n")
+        self.assertEqual(self.problems(includes), [])
+        self.write("viewer/src/source/b.ts", '\nimport type { D } from "../view/d";\n')
+        self.write("viewer/src/view/d.ts", 'export * from "../model/a";\n')
+        problems = self.problems(includes)
+        self.assertEqual(len(problems), 3, problems)
+        self.assertTrue(problems[1].startswith("viewer/src/source/b.ts:2: "), problems[1])
+        self.assertIn("viewer/src/source -> viewer/src/view -> viewer/src/model -> viewer/src/source", problems[1])
+        self.assertTrue(problems[0].startswith("viewer/src/model/a.ts:3: "), problems[0])
+
     def test_a_test_may_look_at_what_stands_above_it(self):
         self.write("engine/colour/a.h", '#include "engine/sampling/a.h"\n')
         self.write("engine/sampling/a_test.cpp", '#include "engine/colour/a.h"\n')

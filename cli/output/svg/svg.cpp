@@ -1,4 +1,5 @@
 #include "cli/output/svg/svg.h"
+#include "base/number_text.h"
 
 #include <algorithm>
 #include <array>
@@ -38,14 +39,14 @@ struct Sheet {
   std::size_t stride = 1;
 };
 
-void include_motion(Box2& box, const TrailReport& report, const Camera& camera) {
-  for (const TrailView& trail : report.trails)
+void include_motion(Box2& box, const session::TrailReport& report, const Camera& camera) {
+  for (const session::TrailView& trail : report.trails)
     for (const Vector& p : *trail.points)
       if (is_finite(p)) box.include(camera.project(y_up(p, report.up_axis)));
 }
 
 // Fits the motion, and the ground under it, into the width; the height follows within limits.
-void place(Sheet& sheet, const TrailReport& report) {
+void place(Sheet& sheet, const session::TrailReport& report) {
   Box2 seen;
   include_motion(seen, report, sheet.camera);
   if (!(seen.left <= seen.right)) seen.include(sheet.camera.project(sheet.bounds.centre()));
@@ -64,8 +65,8 @@ void place(Sheet& sheet, const TrailReport& report) {
                            sheet.plot.top + height / 2 - scale * (seen.top + seen.bottom) / 2};
 }
 
-void add_trails(Sheet& sheet, const TrailReport& report) {
-  for (const TrailView& trail : report.trails)
+void add_trails(Sheet& sheet, const session::TrailReport& report) {
+  for (const session::TrailView& trail : report.trails)
     sheet.trails.emplace_back(trail, mode_colors(trail), [&sheet, up = report.up_axis](const Vector& p) {
       return sheet.placement.apply(sheet.camera.project(y_up(p, up)));
     });
@@ -106,16 +107,16 @@ void thin_dots(Sheet& sheet) {
   sheet.stride = nice_stride(std::max(crowd, many));
 }
 
-std::vector<std::string> notes(const Sheet& sheet, const TrailReport& report, double ruled_step) {
+std::vector<std::string> notes(const Sheet& sheet, const session::TrailReport& report, double ruled_step) {
   std::vector<std::string> result;
   const std::string up(1, report.up_axis);
   if (ruled_step > 0.0)
-    result.push_back("lines every " + readable(ruled_step, 6) + " " + unit_text(report));
+    result.push_back("lines every " + readable(ruled_step, 6) + " " + session::unit_text(report));
   else
-    result.push_back("ground squares of " + readable(sheet.ground.step, 6) + " " + unit_text(report) + ", at " + up +
-                     " = " + readable(sheet.ground.height, 6));
+    result.push_back("ground squares of " + readable(sheet.ground.step, 6) + " " + session::unit_text(report) +
+                     ", at " + up + " = " + readable(sheet.ground.height, 6));
   const bool dots =
-      std::any_of(report.trails.begin(), report.trails.end(), [](const TrailView& t) { return t.show_dots; });
+      std::any_of(report.trails.begin(), report.trails.end(), [](const session::TrailView& t) { return t.show_dots; });
   if (dots && sheet.stride > 1) result.push_back("a dot every " + std::to_string(sheet.stride) + " samples");
   if (sheet.thinning.tolerance > Thinning{}.tolerance)
     result.push_back("lines thinned to points " + fixed(sheet.thinning.tolerance, 1) +
@@ -123,12 +124,13 @@ std::vector<std::string> notes(const Sheet& sheet, const TrailReport& report, do
   if (sheet.thinning.every > 1)
     result.push_back("lines through every " + std::to_string(sheet.thinning.every) + "th sample only");
   const auto marked = std::count_if(report.trails.begin(), report.trails.end(),
-                                    [](const TrailView& trail) { return !trail.warnings.empty(); });
+                                    [](const session::TrailView& trail) { return !trail.warnings.empty(); });
   if (marked != 0) result.push_back("\u26a0 may differ from the scene's own motion, see the warnings");
   return result;
 }
 
-void draw_depth_cues(OutputFile& out, const Sheet& sheet, const TrailReport& report, const std::vector<KeyMark>& keys) {
+void draw_depth_cues(TextSink& out, const Sheet& sheet, const session::TrailReport& report,
+                     const std::vector<KeyMark>& keys) {
   if (!sheet.camera.is_perspective() || sheet.trails.size() > kMostShadows) return;
   const auto on_ground = [&](const Vector& p) {
     const Vector up = y_up(p, report.up_axis);
@@ -143,7 +145,7 @@ void draw_depth_cues(OutputFile& out, const Sheet& sheet, const TrailReport& rep
   if (!drops.empty()) out << "<path class=\"drop\" d=\"" << drops.text() << "\"/>\n";
 }
 
-void draw_trails(OutputFile& out, const Sheet& sheet) {
+void draw_trails(TextSink& out, const Sheet& sheet) {
   for (const DrawnTrail& trail : sheet.trails) {
     out << "<g><title>" << xml_text(trail.trail().source) << "</title>\n";
     if (trail.trail().show_line && trail.trail().line_width > 0.0) {
@@ -155,7 +157,7 @@ void draw_trails(OutputFile& out, const Sheet& sheet) {
   }
 }
 
-void begin(OutputFile& out, double height, const std::string& theme, const std::string& scene) {
+void begin(TextSink& out, double height, const std::string& theme, const std::string& scene) {
   const std::string size = pixel(kWidth) + " " + pixel(height);
   out << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " << size << "\" width=\"" << pixel(kWidth)
       << "\" height=\"" << pixel(height) << "\">\n<title>Motion trails of " << xml_text(scene) << "</title>\n<style>"
@@ -165,7 +167,7 @@ void begin(OutputFile& out, double height, const std::string& theme, const std::
 
 }  // namespace
 
-void write_svg(OutputFile& out, const TrailReport& report, const SvgOptions& options) {
+void write_svg(TextSink& out, const session::TrailReport& report, const SvgOptions& options) {
   const Bounds bounds = bounds_of(report);
   Sheet sheet{bounds, Camera(options.view, report, bounds), ground_under(bounds), {}, {}, {}};
   place(sheet, report);

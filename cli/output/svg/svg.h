@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "cli/output/output_file.h"
-#include "cli/trail_report.h"
+#include "base/text_sink.h"
+#include "session/report.h"
 
 namespace vantorelix::cli {
 
@@ -15,6 +15,6 @@ struct SvgOptions {
 
 // Colours are those of the trail's colour mode, modes 0, 2 and 3 made by the engine's generators for the initialised
 // host. Huge trails are thinned to what can be seen.
-void write_svg(OutputFile& out, const TrailReport& report, const SvgOptions& options);
+void write_svg(TextSink& out, const session::TrailReport& report, const SvgOptions& options);
 
 }  // namespace vantorelix::cli

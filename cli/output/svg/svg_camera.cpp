@@ -13,14 +13,14 @@ Vector minus(const Vector& a, const Vector& b) { return {a.x - b.x, a.y - b.y, a
 
 // Calls `visit` with every finite sample, y up.
 template <class Visit>
-void for_each_point(const TrailReport& report, const Visit& visit) {
-  for (const TrailView& trail : report.trails)
+void for_each_point(const session::TrailReport& report, const Visit& visit) {
+  for (const session::TrailView& trail : report.trails)
     for (const Vector& p : *trail.points)
       if (is_finite(p)) visit(y_up(p, report.up_axis));
 }
 
 // The angle in the ground plane along which the motion is longest; nothing clear gives `otherwise`.
-double main_direction(const TrailReport& report, const Vector& centre, double otherwise) {
+double main_direction(const session::TrailReport& report, const Vector& centre, double otherwise) {
   double xx = 0.0, zz = 0.0, xz = 0.0;
   for_each_point(report, [&](const Vector& p) {
     const double x = p.x - centre.x, z = p.z - centre.z;
@@ -34,9 +34,9 @@ double main_direction(const TrailReport& report, const Vector& centre, double ot
 }
 
 // Sum over the trails of the way from the first sample to the last.
-Vector net_motion(const TrailReport& report) {
+Vector net_motion(const session::TrailReport& report) {
   Vector sum;
-  for (const TrailView& trail : report.trails) {
+  for (const session::TrailView& trail : report.trails) {
     if (trail.points->empty()) continue;
     const Vector way = minus(y_up(trail.points->back(), report.up_axis), y_up(trail.points->front(), report.up_axis));
     if (is_finite(way)) sum = {sum.x + way.x, sum.y + way.y, sum.z + way.z};
@@ -65,7 +65,7 @@ Vector Bounds::centre() const {
 
 Vector y_up(const Vector& v, char up_axis) { return up_axis == 'z' ? Vector{v.x, v.z, -v.y} : v; }
 
-Bounds bounds_of(const TrailReport& report) {
+Bounds bounds_of(const session::TrailReport& report) {
   constexpr double kFar = std::numeric_limits<double>::infinity();
   Bounds b{{kFar, kFar, kFar}, {-kFar, -kFar, -kFar}};
   for_each_point(report, [&](const Vector& p) {
@@ -80,7 +80,8 @@ Bounds bounds_of(const TrailReport& report) {
   return b;
 }
 
-Camera::Camera(const std::string& view, const TrailReport& report, const Bounds& bounds) : centre_(bounds.centre()) {
+Camera::Camera(const std::string& view, const session::TrailReport& report, const Bounds& bounds)
+    : centre_(bounds.centre()) {
   constexpr double kDegree = std::numbers::pi / 180.0;
   if (view != "persp") {
     look(view == "side" ? 90.0 * kDegree : 0.0, view == "top" ? 90.0 * kDegree : 0.0);

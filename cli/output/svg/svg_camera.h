@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/vector.h"
-#include "cli/trail_report.h"
+#include "session/report.h"
 
 namespace vantorelix::cli {
 
@@ -37,13 +37,13 @@ struct Bounds {
 
 // Turned so that y is up.
 Vector y_up(const Vector& v, char up_axis);
-Bounds bounds_of(const TrailReport& report);
+Bounds bounds_of(const session::TrailReport& report);
 
 // Looks at the bounds. The perspective looks down a little, from where the main direction of the motion runs across
 // the picture, from left to right. Front looks along -z, side along -x, top along -y.
 class Camera {
  public:
-  Camera(const std::string& view, const TrailReport& report, const Bounds& bounds);
+  Camera(const std::string& view, const session::TrailReport& report, const Bounds& bounds);
   // On the picture's plane, y downwards, in no particular unit. Takes points with y up.
   Point2 project(const Vector& p) const;
   bool is_perspective() const { return distance_ > 0.0; }

@@ -1,4 +1,5 @@
 #include "cli/output/svg/svg_grid.h"
+#include "base/number_text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,7 +11,7 @@ namespace vantorelix::cli {
 
 namespace {
 
-void draw_line(OutputFile& out, const char* kind, const Point2& a, const Point2& b) {
+void draw_line(TextSink& out, const char* kind, const Point2& a, const Point2& b) {
   out << "<line class=\"" << kind << "\" x1=\"" << pixel(a.x) << "\" y1=\"" << pixel(a.y) << "\" x2=\"" << pixel(b.x)
       << "\" y2=\"" << pixel(b.y) << "\"/>\n";
 }
@@ -38,7 +39,7 @@ std::string tick_text(double value, const PictureAxis& axis, char up_axis) {
 
 // Letters where the axes leave the ground, on the side where they grow.
 template <class Place>
-void name_axes(OutputFile& out, const Ground& g, const Place& place, char up_axis) {
+void name_axes(TextSink& out, const Ground& g, const Place& place, char up_axis) {
   const auto name = [&](const Point2& end, const Point2& inner, char letter) {
     const double length = std::max(std::hypot(end.x - inner.x, end.y - inner.y), 1e-9);
     out << "<text class=\"soft\" x=\"" << pixel(end.x + (end.x - inner.x) / length * 12.0) << "\" y=\""
@@ -77,7 +78,7 @@ Ground ground_under(const Bounds& bounds) {
   return ground;
 }
 
-void draw_ground(OutputFile& out, const Ground& g, const Camera& camera, const Placement& placement, char up_axis) {
+void draw_ground(TextSink& out, const Ground& g, const Camera& camera, const Placement& placement, char up_axis) {
   const auto place = [&](double x, double z) { return placement.apply(camera.project({x, g.height, z})); };
   const auto kind = [&](double v) { return std::abs(v) < 1e-6 * g.step ? "axis" : "grid"; };
   const auto lines = [&](double low, double high, const auto& draw) {
@@ -91,7 +92,7 @@ void draw_ground(OutputFile& out, const Ground& g, const Camera& camera, const P
   out << "</g>\n";
 }
 
-double draw_ruled_paper(OutputFile& out, const Box2& area, const Camera& camera, const Placement& placement,
+double draw_ruled_paper(TextSink& out, const Box2& area, const Camera& camera, const Placement& placement,
                         const Bounds& bounds, char up_axis) {
   const double step = nice_step(100.0 / placement.scale);
   const Vector centre = bounds.centre();

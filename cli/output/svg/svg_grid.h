@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-#include "cli/output/output_file.h"
+#include "base/text_sink.h"
 #include "cli/output/svg/svg_camera.h"
 
 namespace vantorelix::cli {
@@ -18,10 +18,10 @@ struct Ground {
   std::array<Vector, 4> corners() const;
 };
 Ground ground_under(const Bounds& bounds);
-void draw_ground(OutputFile& out, const Ground& ground, const Camera& camera, const Placement& placement, char up_axis);
+void draw_ground(TextSink& out, const Ground& ground, const Camera& camera, const Placement& placement, char up_axis);
 
 // Lines and numbers across the area; returns the step between them.
-double draw_ruled_paper(OutputFile& out, const Box2& area, const Camera& camera, const Placement& placement,
+double draw_ruled_paper(TextSink& out, const Box2& area, const Camera& camera, const Placement& placement,
                         const Bounds& bounds, char up_axis);
 
 }  // namespace vantorelix::cli

@@ -1,4 +1,5 @@
 #include "cli/output/svg/svg_labels.h"
+#include "base/number_text.h"
 
 #include <algorithm>
 #include <array>
@@ -37,7 +38,7 @@ struct Candidate {
 
 // `ends_only`: of a trail with many keys.
 void add_candidates(const DrawnTrail& drawn, bool ends_only, std::vector<Candidate>& candidates) {
-  const TrailView& trail = drawn.trail();
+  const session::TrailView& trail = drawn.trail();
   const std::size_t n = std::min(trail.key_times.size(), trail.key_points->size());
   const bool many = n > kManyKeys && trail.key_times[n - 1] - trail.key_times[0] < 2.0 * static_cast<double>(n - 1);
   const double step = many ? 2.0 * nice_step(std::max((trail.key_times[n - 1] - trail.key_times[0]) / 12.0, 1e-9)) : 0;
@@ -87,7 +88,7 @@ bool Occupancy::is_free(const Box2& box) const {
   return std::none_of(taken_.begin(), taken_.end(), [&](const Box2& other) { return other.overlaps(box); });
 }
 
-bool draw_label(OutputFile& out, Occupancy& occupancy, const Point2& at, const std::string& text, const char* classes,
+bool draw_label(TextSink& out, Occupancy& occupancy, const Point2& at, const std::string& text, const char* classes,
                 double size) {
   const double w = 0.62 * size * static_cast<double>(width(text)) + 2.0, h = size + 1.0, gap = 7.0;
   const std::array<Point2, 8> offsets = {{{gap, -gap - h},
@@ -132,7 +133,7 @@ std::vector<KeyMark> choose_keys(const std::vector<DrawnTrail>& trails, Occupanc
   return marks;
 }
 
-void draw_keys(OutputFile& out, const std::vector<KeyMark>& marks) {
+void draw_keys(TextSink& out, const std::vector<KeyMark>& marks) {
   if (marks.empty()) return;
   PathData path;
   const std::string color = marks.front().color;
@@ -147,18 +148,18 @@ void draw_keys(OutputFile& out, const std::vector<KeyMark>& marks) {
   out << "<path class=\"diamond\" style=\"fill:" << color << "\" d=\"" << path.text() << "\"/>\n";
 }
 
-std::size_t label_keys(OutputFile& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t most) {
+std::size_t label_keys(TextSink& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t most) {
   std::size_t done = 0;
   for (const KeyMark& mark : marks)
     if (done < most && draw_label(out, occupancy, mark.at, readable(mark.time, 7), "soft key", 10.5)) ++done;
   return marks.size() - done;
 }
 
-void label_trails(OutputFile& out, const std::vector<DrawnTrail>& trails, Occupancy& occupancy) {
+void label_trails(TextSink& out, const std::vector<DrawnTrail>& trails, Occupancy& occupancy) {
   std::unordered_map<std::string, int> uses;
   for (const DrawnTrail& drawn : trails) ++uses[drawn.trail().name];
   for (const DrawnTrail& drawn : trails) {
-    const TrailView& trail = drawn.trail();
+    const session::TrailView& trail = drawn.trail();
     const auto last =
         std::find_if(trail.points->rbegin(), trail.points->rend(), [](const Vector& p) { return is_finite(p); });
     if (last == trail.points->rend()) continue;

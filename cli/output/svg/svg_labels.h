@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/output/output_file.h"
+#include "base/text_sink.h"
 #include "cli/output/svg/svg_camera.h"
 #include "cli/output/svg/svg_line.h"
 
@@ -31,7 +31,7 @@ class Occupancy {
 
 // Finds a free place for a text beside a point, off the lines if there is one, and draws it there; false when there
 // is none.
-bool draw_label(OutputFile& out, Occupancy& occupancy, const Point2& at, const std::string& text, const char* classes,
+bool draw_label(TextSink& out, Occupancy& occupancy, const Point2& at, const std::string& text, const char* classes,
                 double size);
 
 // A key in the picture.
@@ -45,11 +45,11 @@ struct KeyMark {
 // The keys of all trails that have room to be marked, the telling ones first: first and last of a trail, then round
 // frame numbers. A trail with so many keys that they would hide it keeps the round ones only.
 std::vector<KeyMark> choose_keys(const std::vector<DrawnTrail>& trails, Occupancy& occupancy);
-void draw_keys(OutputFile& out, const std::vector<KeyMark>& marks);
+void draw_keys(TextSink& out, const std::vector<KeyMark>& marks);
 // Frame numbers, as far as they find room. Returns how many did not.
-std::size_t label_keys(OutputFile& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t most);
+std::size_t label_keys(TextSink& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t most);
 
 // The name of each trail at its end, as far as there is room.
-void label_trails(OutputFile& out, const std::vector<DrawnTrail>& trails, Occupancy& occupancy);
+void label_trails(TextSink& out, const std::vector<DrawnTrail>& trails, Occupancy& occupancy);
 
 }  // namespace vantorelix::cli

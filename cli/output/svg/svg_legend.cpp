@@ -1,4 +1,5 @@
 #include "cli/output/svg/svg_legend.h"
+#include "base/number_text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,19 +18,19 @@ constexpr std::size_t kMostRows = 8;
 constexpr double kRow = 18.0;
 constexpr double kHead = 24.0;
 
-void draw_text(OutputFile& out, double x, double y, const char* classes, const std::string& text,
+void draw_text(TextSink& out, double x, double y, const char* classes, const std::string& text,
                const char* anchor = "start") {
   out << "<text class=\"" << classes << "\" x=\"" << pixel(x) << "\" y=\"" << pixel(y) << "\" text-anchor=\"" << anchor
       << "\">" << xml_text(text) << "</text>\n";
 }
 
-void draw_swatch(OutputFile& out, double x, double y, const Vector& color) {
+void draw_swatch(TextSink& out, double x, double y, const Vector& color) {
   out << "<path class=\"case\" stroke-width=\"6.6\" d=\"M" << pixel(x) << ' ' << pixel(y) << "h26\"/><path stroke=\""
       << hex_color(color) << "\" stroke-width=\"5\" d=\"M" << pixel(x) << ' ' << pixel(y) << "h26\"/>\n";
 }
 
 // The engine's ramp, with what a trail's usual speed and 2.5 times it look like.
-void draw_ramp(OutputFile& out, double x, double y) {
+void draw_ramp(TextSink& out, double x, double y) {
   constexpr double kWidth = 240.0;
   out << "<defs><linearGradient id=\"ramp\">";
   for (const RampStop& stop : _RAMP_STOPS)
@@ -43,7 +44,7 @@ void draw_ramp(OutputFile& out, double x, double y) {
 }
 
 // Heading and samples of the mode that the trails are shown in; returns the y below.
-double draw_meaning(OutputFile& out, const TrailReport& report, double x, double y) {
+double draw_meaning(TextSink& out, const session::TrailReport& report, double x, double y) {
   const std::int64_t mode = report.trails.empty() ? 0 : report.trails.front().color_mode;
   const auto head = [&](const char* text) { draw_text(out, x, y, "ink", text); };
   const auto sample = [&](int row, const Vector& color, const std::string& text) {
@@ -76,37 +77,37 @@ double draw_meaning(OutputFile& out, const TrailReport& report, double x, double
   return y + kHead + kRow;
 }
 
-double draw_marker_key(OutputFile& out, double x, double y) {
+double draw_marker_key(TextSink& out, double x, double y) {
   out << "<path class=\"diamond\" d=\"M" << pixel(x + 16.0) << ' ' << pixel(y - 8.5)
       << "l4.5 4.5-4.5 4.5-4.5-4.5z\"/>\n";
   draw_text(out, x + 40.0, y, "soft", "key, with its frame");
   return y + kRow;
 }
 
-bool has_keys(const TrailReport& report) {
+bool has_keys(const session::TrailReport& report) {
   return std::any_of(report.trails.begin(), report.trails.end(),
-                     [](const TrailView& trail) { return !trail.key_times.empty(); });
+                     [](const session::TrailView& trail) { return !trail.key_times.empty(); });
 }
 
 // The path where it fits, else the name alone.
-std::string row_name(const TrailView& trail) {
+std::string row_name(const session::TrailView& trail) {
   const std::string path = width(trail.source) <= 36 ? trail.source : "\u2026|" + trail.name;
   return trail.warnings.empty() ? path : path + " \u26a0";
 }
 
 // Name, keys, length, speeds of the first few trails.
-void draw_measures(OutputFile& out, const TrailReport& report, double right, double y) {
+void draw_measures(TextSink& out, const session::TrailReport& report, double right, double y) {
   const double keys = right - 340.0, length = right - 225.0, mean = right - 110.0, fastest = right;
   const double name = right - 620.0;
   draw_text(out, name, y, "ink", counted(report.trails.size(), "trail"));
   draw_text(out, keys, y, "soft small", "keys", "end");
-  draw_text(out, length, y, "soft small", "length, " + unit_text(report), "end");
-  draw_text(out, mean, y, "soft small", "mean " + unit_text(report) + "/s", "end");
-  draw_text(out, fastest, y, "soft small", "fastest " + unit_text(report) + "/s", "end");
+  draw_text(out, length, y, "soft small", "length, " + session::unit_text(report), "end");
+  draw_text(out, mean, y, "soft small", "mean " + session::unit_text(report) + "/s", "end");
+  draw_text(out, fastest, y, "soft small", "fastest " + session::unit_text(report) + "/s", "end");
   const std::size_t rows = report.trails.size() <= kMostRows ? report.trails.size() : kMostRows - 1;
   for (std::size_t i = 0; i < rows; ++i) {
-    const TrailView& trail = report.trails[i];
-    const TrailMeasure m = measure(trail, report.fps);
+    const session::TrailView& trail = report.trails[i];
+    const session::TrailMeasure m = session::measure(trail, report.fps);
     const double at = y + kHead + kRow * static_cast<double>(i);
     draw_text(out, name, at, trail.warnings.empty() ? "soft" : "warn", row_name(trail));
     draw_text(out, keys, at, "soft", std::to_string(trail.key_times.size()), "end");
@@ -121,7 +122,7 @@ void draw_measures(OutputFile& out, const TrailReport& report, double right, dou
 
 }  // namespace
 
-void draw_title(OutputFile& out, const TrailReport& report, double left, double top) {
+void draw_title(TextSink& out, const session::TrailReport& report, double left, double top) {
   const std::string file = std::filesystem::path(report.scene).filename().string();
   draw_text(out, left, top + 22.0, "ink title", file);
   const double seconds = (report.last - report.first) / report.fps;
@@ -131,13 +132,14 @@ void draw_title(OutputFile& out, const TrailReport& report, double left, double 
                 readable(seconds, 4) + " s");
 }
 
-double legend_height(const TrailReport& report, const std::vector<std::string>& notes) {
+double legend_height(const session::TrailReport& report, const std::vector<std::string>& notes) {
   const double measures = kHead + kRow * static_cast<double>(std::min(report.trails.size(), kMostRows));
   const double meaning = 90.0 + kRow * static_cast<double>(notes.size());
   return std::max(measures, meaning) + 34.0;
 }
 
-void draw_legend(OutputFile& out, const TrailReport& report, const std::vector<std::string>& notes, const Box2& area) {
+void draw_legend(TextSink& out, const session::TrailReport& report, const std::vector<std::string>& notes,
+                 const Box2& area) {
   out << "<line class=\"frame\" x1=\"" << pixel(area.left) << "\" y1=\"" << pixel(area.top) << "\" x2=\""
       << pixel(area.right) << "\" y2=\"" << pixel(area.top) << "\"/>\n";
   const double top = area.top + 28.0;

@@ -4,17 +4,18 @@
 #include <string>
 #include <vector>
 
-#include "cli/output/output_file.h"
+#include "base/text_sink.h"
 #include "cli/output/svg/svg_camera.h"
-#include "cli/trail_report.h"
+#include "session/report.h"
 
 namespace vantorelix::cli {
 
-void draw_title(OutputFile& out, const TrailReport& report, double left, double top);
+void draw_title(TextSink& out, const session::TrailReport& report, double left, double top);
 
 // Height that the legend needs.
-double legend_height(const TrailReport& report, const std::vector<std::string>& notes);
+double legend_height(const session::TrailReport& report, const std::vector<std::string>& notes);
 // `notes` are remarks on how the picture was made.
-void draw_legend(OutputFile& out, const TrailReport& report, const std::vector<std::string>& notes, const Box2& area);
+void draw_legend(TextSink& out, const session::TrailReport& report, const std::vector<std::string>& notes,
+                 const Box2& area);
 
 }  // namespace vantorelix::cli

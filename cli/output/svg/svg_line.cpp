@@ -13,11 +13,11 @@ enum Mode { kStandard = 0, kSpacing = 1, kFlow = 2, kBeats = 3 };
 
 // Steps of a colour channel. Speeds change from sample to sample: coarser than the eye can tell apart in a thin line,
 // so that neighbours share a path.
-int color_levels(const TrailView& trail) { return trail.color_mode == kSpacing ? 51 : 255; }
+int color_levels(const session::TrailView& trail) { return trail.color_mode == kSpacing ? 51 : 255; }
 
 }  // namespace
 
-Vectors mode_colors(const TrailView& trail) {
+Vectors mode_colors(const session::TrailView& trail) {
   const host::Value n(static_cast<std::int64_t>(trail.points->size()));
   const auto shared = [](std::vector<Vector> colors) {
     return std::make_shared<const std::vector<Vector>>(std::move(colors));
@@ -34,7 +34,7 @@ Vectors mode_colors(const TrailView& trail) {
   }
 }
 
-DrawnTrail::DrawnTrail(const TrailView& trail, Vectors colors, Project project)
+DrawnTrail::DrawnTrail(const session::TrailView& trail, Vectors colors, Project project)
     : trail_(trail), colors_(std::move(colors)), project_(std::move(project)) {}
 
 template <class Visit>
@@ -82,15 +82,14 @@ std::size_t DrawnTrail::kept(const Thinning& thinning) const {
   return n;
 }
 
-void DrawnTrail::draw_outline(OutputFile& out, const Thinning& thinning, const char* kind,
-                              const Project& project) const {
+void DrawnTrail::draw_outline(TextSink& out, const Thinning& thinning, const char* kind, const Project& project) const {
   PathData path;
   for_each_kept(thinning, project,
                 [&](std::size_t, std::size_t, const Point2& p, bool on) { on ? path.line(p) : path.move(p); });
   if (!path.empty()) out << "<path class=\"" << kind << "\" d=\"" << path.text() << "\"/>\n";
 }
 
-void DrawnTrail::draw_casing(OutputFile& out, const Thinning& thinning) const {
+void DrawnTrail::draw_casing(TextSink& out, const Thinning& thinning) const {
   out << "<g stroke-width=\"" << pixel(trail_.line_width + 1.6) << "\">";
   draw_outline(out, thinning, "case", project_);
   out << "</g>\n";
@@ -106,7 +105,7 @@ Vector DrawnTrail::segment_color(std::size_t from, std::size_t to) const {
   return {(a.x + b.x) / 2.0, (a.y + b.y) / 2.0, (a.z + b.z) / 2.0};
 }
 
-void DrawnTrail::draw_line(OutputFile& out, const Thinning& thinning) const {
+void DrawnTrail::draw_line(TextSink& out, const Thinning& thinning) const {
   PathData path;
   std::string color;
   Point2 last;
@@ -134,7 +133,7 @@ void DrawnTrail::draw_line(OutputFile& out, const Thinning& thinning) const {
   out << "</g>\n";
 }
 
-void DrawnTrail::draw_dots(OutputFile& out, std::size_t stride) const {
+void DrawnTrail::draw_dots(TextSink& out, std::size_t stride) const {
   PathData halo, path;
   std::string color, dots;
   const auto finish = [&] {

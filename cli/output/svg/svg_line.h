@@ -4,9 +4,9 @@
 #include <functional>
 #include <vector>
 
-#include "cli/output/output_file.h"
+#include "base/text_sink.h"
 #include "cli/output/svg/svg_camera.h"
-#include "cli/trail_report.h"
+#include "session/report.h"
 
 namespace vantorelix::cli {
 
@@ -23,9 +23,9 @@ class DrawnTrail {
   using Project = std::function<Point2(const Vector&)>;  // from the scene's axes to pixels
 
   // `colors`: one a sample, by the trail's colour mode.
-  DrawnTrail(const TrailView& trail, Vectors colors, Project project);
+  DrawnTrail(const session::TrailView& trail, Vectors colors, Project project);
 
-  const TrailView& trail() const { return trail_; }
+  const session::TrailView& trail() const { return trail_; }
   Point2 place(const Vector& p) const { return project_(p); }
 
   // How long the line is in the picture, in pixels.
@@ -36,12 +36,12 @@ class DrawnTrail {
   // Calls visit(from, to) for each stretch of the line, in pixels.
   void for_each_stretch(const Thinning& thinning, const std::function<void(const Point2&, const Point2&)>& visit) const;
 
-  void draw_casing(OutputFile& out, const Thinning& thinning) const;
-  void draw_line(OutputFile& out, const Thinning& thinning) const;
+  void draw_casing(TextSink& out, const Thinning& thinning) const;
+  void draw_line(TextSink& out, const Thinning& thinning) const;
   // Every `stride`-th sample.
-  void draw_dots(OutputFile& out, std::size_t stride) const;
+  void draw_dots(TextSink& out, std::size_t stride) const;
   // The line as `project` has it, in the style of `kind`.
-  void draw_outline(OutputFile& out, const Thinning& thinning, const char* kind, const Project& project) const;
+  void draw_outline(TextSink& out, const Thinning& thinning, const char* kind, const Project& project) const;
 
  private:
   // Calls visit(index of the last kept sample, index of this one, place, whether the line goes on from the last).
@@ -49,12 +49,12 @@ class DrawnTrail {
   void for_each_kept(const Thinning& thinning, const Project& project, const Visit& visit) const;
   Vector segment_color(std::size_t from, std::size_t to) const;
 
-  const TrailView& trail_;
+  const session::TrailView& trail_;
   Vectors colors_;
   Project project_;
 };
 
 // The colours that a trail's mode shows: the node's own for spacing, the engine's generators for the rest.
-Vectors mode_colors(const TrailView& trail);
+Vectors mode_colors(const session::TrailView& trail);
 
 }  // namespace vantorelix::cli

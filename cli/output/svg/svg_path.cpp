@@ -1,4 +1,5 @@
 #include "cli/output/svg/svg_path.h"
+#include "base/number_text.h"
 
 #include <algorithm>
 #include <array>

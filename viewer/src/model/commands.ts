@@ -1,7 +1,7 @@
 // Everything that a key or a button does, in one table: the keyboard, the toolbar and the help read it.
 
 import { COLOR_MODES, type ColorMode } from "../source/trail";
-import { selectionCsv } from "../export/csv";
+import { selectionCsv } from "./csv";
 import type { App } from "./app";
 import { countUpTo } from "./colors";
 import { baseName } from "./format";

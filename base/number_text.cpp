@@ -1,0 +1,55 @@
+#include "base/number_text.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <string_view>
+
+namespace vantorelix {
+
+void append_number(std::string& out, double value) {
+  std::array<char, 32> buffer;
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+  const std::string_view text(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+  // Readers that take a number without a point for an integer would lose this sign.
+  out += text == "-0" ? std::string_view("-0.0") : text;
+}
+
+std::string number_text(double value) {
+  std::string out;
+  append_number(out, value);
+  return out;
+}
+
+std::string fixed(double value, int digits) {
+  std::array<char, 352> buffer;
+  const auto end =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, digits).ptr;
+  std::string text(buffer.data(), end);
+  if (text.find('.') != std::string::npos) {
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') text.pop_back();
+  }
+  return text == "-0" ? "0" : text;
+}
+
+std::string readable(double value, int digits) {
+  if (!std::isfinite(value)) return std::isnan(value) ? "nan" : (value > 0 ? "inf" : "-inf");
+  const double size = std::abs(value);
+  if (size != 0.0 && (size >= 1e9 || size < 1e-4)) {
+    std::array<char, 40> buffer;
+    const auto end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::scientific, digits - 1)
+            .ptr;
+    return {buffer.data(), end};
+  }
+  const int whole = size < 1.0 ? (size == 0.0 ? 1 : static_cast<int>(std::floor(std::log10(size))) + 1)
+                               : static_cast<int>(std::log10(size)) + 1;
+  return fixed(value, whole >= digits ? 0 : digits - whole);
+}
+
+std::string counted(std::size_t n, const std::string& noun) {
+  return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
+}
+
+}  // namespace vantorelix

@@ -1,0 +1,53 @@
+#include "cli/commands/scene_file.h"
+
+#include <system_error>
+
+#include "cli/terminal/failure.h"
+#include "cli/terminal/interrupt.h"
+#include "standalone/formats/reader.h"
+
+namespace vantorelix::cli {
+
+namespace fs = std::filesystem;
+
+std::string format_name(const fs::path& file) {
+  const std::string extension = extension_of(file.string());
+  if (extension == ".ma") return "Maya ASCII";
+  if (extension == ".bvh") return "BVH";
+  if (extension == ".fbx") return "FBX";
+  if (extension == ".gltf" || extension == ".glb") return "glTF";
+  return extension.empty() ? "unknown" : extension.substr(1);
+}
+
+std::string warning_text(const standalone::Warning& warning) {
+  return warning.count == 1 ? warning.kind : warning.kind + " (" + std::to_string(warning.count) + " times)";
+}
+
+standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, bool bounds) {
+  const fs::path file = wanted.file;
+  standalone::ReadOptions options = wanted.read_options();
+  options.bounds = bounds;
+  std::error_code ignored;
+  if (!fs::exists(file, ignored)) throw Failure(file.string() + ": no such file; check the path");
+  if (fs::is_directory(file, ignored)) throw Failure(file.string() + ": is a folder; name a scene file in it");
+  options.progress = [&](std::uint64_t done, std::uint64_t total) {
+    check_interrupt();
+    terminal.progress("reading " + file.filename().string() +
+                      (total == 0 ? "" : " " + std::to_string(done * 100 / total) + " %"));
+  };
+  standalone::Scene scene = standalone::read_scene(file, options);
+  terminal.end_progress();
+  for (const auto& warning : scene.warnings.all()) terminal.warn(file.string() + ": " + warning_text(warning));
+  return scene;
+}
+
+session::Options session_options(Terminal& terminal) {
+  session::Options options;
+  options.cancelled = interrupted;
+  options.progress = [&terminal](std::size_t number, std::size_t count) {
+    terminal.progress("sampling, trail " + std::to_string(number) + " of " + std::to_string(count));
+  };
+  return options;
+}
+
+}  // namespace vantorelix::cli

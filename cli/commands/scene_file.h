@@ -1,0 +1,27 @@
+// Opening the scene that a command works on.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "cli/args/options.h"
+#include "cli/terminal/terminal.h"
+#include "session/session.h"
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::cli {
+
+// Reads the scene, with progress, and passes its warnings on; with `bounds` also how large its surfaces are. Throws
+// Failure, UsageError or standalone::FormatError.
+standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, bool bounds = false);
+
+// A session's progress on the terminal; an interrupt cancels it.
+session::Options session_options(Terminal& terminal);
+
+// "Maya ASCII", "BVH", "FBX", "glTF".
+std::string format_name(const std::filesystem::path& file);
+
+// "constraint ... (3 times)"
+std::string warning_text(const standalone::Warning& warning);
+
+}  // namespace vantorelix::cli

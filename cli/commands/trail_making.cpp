@@ -1,0 +1,84 @@
+#include "cli/commands/trail_making.h"
+#include "base/number_text.h"
+
+#include <filesystem>
+#include <unordered_map>
+#include <vector>
+
+#include "cli/commands/scene_file.h"
+#include "cli/output/text.h"
+#include "cli/terminal/failure.h"
+#include "session/statics.h"
+
+namespace vantorelix::cli {
+
+namespace {
+
+const std::vector<std::string> kColorModes = {"standard", "spacing", "flow", "beats", "0", "1", "2", "3"};
+
+void warn_of_inexact(const session::TrailReport& report, Terminal& terminal) {
+  std::unordered_map<std::string, std::size_t> counts;
+  std::vector<std::string> order;
+  for (const session::TrailView& trail : report.trails)
+    for (const std::string& text : trail.warnings)
+      if (counts[text]++ == 0) order.push_back(text);
+  for (const std::string& text : order)
+    terminal.warn(counted(counts[text], "trail") + " may differ from the scene's own motion: " + text);
+}
+
+std::optional<std::filesystem::path> preferences_file(const std::string& name) {
+  if (name.empty()) return std::nullopt;
+  if (!std::filesystem::exists(name)) throw Failure(name + ": no such file; check the path after --preferences");
+  return name;
+}
+
+}  // namespace
+
+session::TrailSettings TrailOptions::settings() const {
+  session::TrailSettings result;
+  if (samples_per_frame) result.samples_per_frame = *samples_per_frame;
+  if (line_width) result.line_width = *line_width;
+  if (point_size) result.point_size = *point_size;
+  if (no_line) result.show_line = false;
+  if (no_dots) result.show_dots = false;
+  if (ghost) result.ghost = *ghost;
+  for (std::size_t i = 0; i < kColorModes.size(); ++i)
+    if (color_mode == kColorModes[i]) result.color_mode = static_cast<std::int64_t>(i % 4);
+  return result;
+}
+
+void add_trail_options(CLI::App& command, TrailOptions& options) {
+  add_scene_argument(command, options.scene);
+  add_selection_options(command, options.scene);
+  add_whole(command, "--samples-per-frame", options.samples_per_frame, 1, 1'000'000'000, "Samples a frame, at least 1");
+  add_choice(command, "--color-mode", options.color_mode, kColorModes,
+             "What colours mean: one colour; speed; past and future of the current time; alternating between keys");
+  command.add_option("--line-width", options.line_width, "Width of the line in pixels")->type_name("W");
+  command.add_option("--point-size", options.point_size, "Width of the dots in pixels")->type_name("S");
+  command.add_flag("--no-line", options.no_line, "Leave the line out");
+  command.add_flag("--no-dots", options.no_dots, "Leave the dots out");
+  command.add_flag("--ghost,!--no-ghost", options.ghost, "Mark the trails to be drawn through geometry, or not");
+  command
+      .add_option("--preferences", options.preferences, "JSON file of preferences, for settings that no option gives")
+      ->type_name("FILE");
+}
+
+void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
+                 const std::function<void(const session::TrailReport&)>& use) {
+  standalone::Scene scene = load_scene(options.scene, terminal, statics);
+  const auto objects = choose(scene, options.scene.selection, options.scene.file);
+  options.scene.apply_range(scene, objects.size());
+  session::Options session_options = cli::session_options(terminal);
+  session_options.preferences = preferences_file(options.preferences);
+  session::Session session(std::move(scene), std::move(session_options));
+  const session::TrailSettings settings = options.settings();
+  session.check_size(objects.size(), settings);
+  const auto trails = session.create(objects, settings);
+  terminal.end_progress();
+  session::TrailReport report = session::read_trails(session.scene(), trails, options.scene.file);
+  if (statics) report.statics = session::static_boxes(session.scene(), report.current);
+  warn_of_inexact(report, terminal);
+  use(report);
+}
+
+}  // namespace vantorelix::cli

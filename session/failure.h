@@ -1,0 +1,23 @@
+// What a session cannot do.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace vantorelix::session {
+
+// The text says what is wrong. What to do about it depends on what its reader can do, so whoever shows it adds that.
+struct Failure : std::runtime_error {
+  enum class Kind {
+    range_too_short,   // holds no two samples
+    too_many_samples,  // more than memory holds
+    no_trail,          // the engine made none, or warned
+    no_such_key,
+  };
+
+  Failure(Kind what_kind, const std::string& text) : std::runtime_error(text), kind(what_kind) {}
+
+  Kind kind;
+};
+
+}  // namespace vantorelix::session

@@ -1,0 +1,97 @@
+#include "session/report.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+
+#include "standalone/formats/reader.h"
+
+namespace vantorelix::session {
+
+using standalone::NodeId;
+using standalone::Scene;
+
+namespace {
+
+Vectors array(const Scene& scene, NodeId shape, const char* attribute) {
+  Vectors values = scene.attributes.vectors(shape, attribute);
+  return values ? values : std::make_shared<const std::vector<Vector>>();
+}
+
+void warn_of_gaps(TrailView& trail) {
+  const auto bad =
+      std::count_if(trail.points->begin(), trail.points->end(), [](const Vector& p) { return !is_finite(p); });
+  if (bad != 0) trail.warnings.push_back(std::to_string(bad) + " samples are no finite numbers");
+}
+
+TrailView read_trail(const Scene& scene, const Trail& trail) {
+  const NodeId shape = scene.nodes.shapes(trail.viz).at(0);
+  TrailView data;
+  data.viz = scene.names.short_name(trail.viz);
+  data.source = scene.names.long_name(trail.source);
+  data.name = standalone::name_in_file(scene, trail.source);
+  if (scene.attributes.has(trail.source, standalone::kNumberInFile)) {
+    data.node = scene.attributes.value(trail.source, standalone::kNumberInFile).to_int();
+  }
+  data.samples_per_frame = trail.samples_per_frame;
+  data.color_mode = scene.attributes.value(shape, "colorMode").to_int();
+  data.start_frame = scene.attributes.value(shape, "startFrame").to_float();
+  data.frame_step = scene.attributes.value(shape, "frameStep").to_float();
+  data.line_width = scene.attributes.value(shape, "lineWidth").to_float();
+  data.point_size = scene.attributes.value(shape, "pointSize").to_float();
+  data.show_line = scene.attributes.value(shape, "showLine").truthy();
+  data.show_dots = scene.attributes.value(shape, "showDots").truthy();
+  data.ghost = scene.attributes.value(shape, "xrayMode").truthy();
+  data.points = array(scene, shape, "points");
+  data.colors = array(scene, shape, "colors");
+  data.key_points = array(scene, shape, "keyPoints");
+  data.key_colors = array(scene, shape, "keyColors");
+  for (const Vector& time : *array(scene, shape, "keyTimes")) data.key_times.push_back(time.x);
+  data.warnings = scene.evaluation.not_followed(trail.source);
+  warn_of_gaps(data);
+  return data;
+}
+
+}  // namespace
+
+std::string unit_text(const TrailReport& report) { return report.unit == kUnknownUnit ? "units" : report.unit; }
+
+TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, const std::string& file) {
+  TrailReport report{file,
+                     scene.settings.frames_per_second(),
+                     scene.settings.playback_min(),
+                     scene.settings.playback_max(),
+                     scene.settings.linear_unit(),
+                     scene.settings.up_axis(),
+                     {}};
+  report.current = scene.settings.current_time();
+  report.trails.reserve(trails.size());
+  for (const Trail& trail : trails) report.trails.push_back(read_trail(scene, trail));
+  return report;
+}
+
+TrailMeasure measure(const TrailView& trail, double fps) {
+  TrailMeasure result;
+  const auto& points = *trail.points;
+  double shortest = std::numeric_limits<double>::infinity();
+  double longest = 0.0;
+  std::size_t segments = 0;
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const Vector &a = points[i - 1], &b = points[i];
+    const double segment = std::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
+    if (!std::isfinite(segment)) continue;
+    ++segments;
+    result.length += segment;
+    shortest = std::min(shortest, segment);
+    longest = std::max(longest, segment);
+  }
+  if (segments == 0) return result;
+  const double per_second = fps / trail.frame_step;
+  result.slowest = shortest * per_second;
+  result.fastest = longest * per_second;
+  result.mean = result.length / static_cast<double>(segments) * per_second;
+  return result;
+}
+
+}  // namespace vantorelix::session

@@ -1,0 +1,73 @@
+// What the viz nodes of a scene hold, gathered for the writers.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/matrix.h"
+#include "base/vector.h"
+#include "session/session.h"
+#include "standalone/scene/scene.h"
+
+namespace vantorelix::session {
+
+// One trail as its viz node shows it. The arrays share the node's storage.
+struct TrailView {
+  std::string viz;                   // short name of the viz transform
+  std::string source;                // long path of the object
+  std::string name;                  // the object's own name in its file, whatever its bytes
+  std::optional<std::int64_t> node;  // its number in a file that numbers its nodes
+  std::int64_t samples_per_frame = 1;
+  std::int64_t color_mode = 0;
+  double start_frame = 0.0;
+  double frame_step = 1.0;
+  double line_width = 0.0;
+  double point_size = 0.0;
+  bool show_line = true;
+  bool show_dots = true;
+  bool ghost = false;  // drawn through geometry
+  Vectors points, colors, key_points, key_colors;
+  std::vector<double> key_times;
+  std::vector<std::string> warnings;
+};
+
+// A node that does not move and has geometry, as the box around it.
+struct StaticBox {
+  std::string name;  // long path
+  Affine world;
+  Vector low, high;  // corners in the node's own space
+};
+
+// What a scene says whose format knows no unit.
+inline constexpr const char* kUnknownUnit = "unknown";
+
+struct TrailReport {
+  std::string scene;  // the file as it was named
+  double fps = 0.0;
+  double first = 0.0;  // playback range, frames
+  double last = 0.0;
+  std::string unit;
+  char up_axis = 'y';
+  std::vector<TrailView> trails;
+  double current = 0.0;                 // the scene's current frame
+  std::vector<StaticBox> statics = {};  // only where they were asked for
+};
+
+// The unit as texts name it: "units" where it is unknown.
+std::string unit_text(const TrailReport& report);
+
+TrailReport read_trails(const standalone::Scene& scene, const std::vector<Trail>& trails, const std::string& file);
+
+// Length and speed of a trail. Lengths in the scene's unit, speeds in units a second, over the samples; those
+// that are not finite are left out.
+struct TrailMeasure {
+  double length = 0.0;
+  double slowest = 0.0;
+  double mean = 0.0;
+  double fastest = 0.0;
+};
+TrailMeasure measure(const TrailView& trail, double fps);
+
+}  // namespace vantorelix::session

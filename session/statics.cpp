@@ -1,0 +1,77 @@
+#include "session/statics.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <optional>
+
+#include "standalone/formats/reader.h"
+
+namespace vantorelix::session {
+
+using standalone::NodeId;
+using standalone::Scene;
+
+namespace {
+
+bool is_surface(const std::string& type) { return type == "mesh" || type == "nurbsSurface" || type == "subdiv"; }
+
+struct Corners {
+  Vector low, high;
+};
+
+std::optional<Corners> found_by_reader(const Scene& scene, NodeId node) {
+  const Vectors bounds = scene.attributes.vectors(node, standalone::kBounds);
+  if (!bounds || bounds->size() != 2) return std::nullopt;
+  return Corners{bounds->front(), bounds->back()};
+}
+
+// Of the first surface that a transform has.
+std::optional<Corners> corners_of(const Scene& scene, NodeId transform) {
+  if (const auto own = found_by_reader(scene, transform)) return own;
+  for (const NodeId shape : scene.nodes.shapes(transform))
+    if (is_surface(scene.nodes.type(shape)))
+      return found_by_reader(scene, shape).value_or(Corners{standalone::kUnitCube[0], standalone::kUnitCube[1]});
+  return std::nullopt;
+}
+
+// The sum of what the three sides of the box are long in the world.
+double size_of(const StaticBox& box) {
+  const auto& m = box.world.m;
+  const auto side = [&m](std::size_t row, double length) {
+    return std::hypot(m[row][0], m[row][1], m[row][2]) * length;
+  };
+  return side(0, box.high.x - box.low.x) + side(1, box.high.y - box.low.y) + side(2, box.high.z - box.low.z);
+}
+
+void keep_largest(std::vector<StaticBox>& boxes) {
+  if (boxes.size() <= kMostStatics) return;
+  std::vector<double> sizes;
+  sizes.reserve(boxes.size());
+  for (const StaticBox& box : boxes) sizes.push_back(size_of(box));
+  std::nth_element(sizes.begin(), sizes.begin() + kMostStatics - 1, sizes.end(), std::greater<>());
+  const double least = sizes[kMostStatics - 1];
+  auto even = std::count(sizes.begin(), sizes.begin() + kMostStatics, least);  // of the least size, this many stay
+  const auto goes = [&](const StaticBox& box) {
+    const double size = size_of(box);
+    return size == least ? even-- <= 0 : size < least;
+  };
+  boxes.erase(std::remove_if(boxes.begin(), boxes.end(), goes), boxes.end());
+}
+
+}  // namespace
+
+std::vector<StaticBox> static_boxes(const Scene& scene, double frame) {
+  std::vector<StaticBox> boxes;
+  for (const NodeId node : scene.nodes.all()) {
+    if (!scene.nodes.is_transform(node) || scene.evaluation.is_animated(node)) continue;
+    const auto corners = corners_of(scene, node);
+    if (!corners) continue;
+    StaticBox box{scene.names.long_name(node), scene.evaluation.world_matrix(node, frame), corners->low, corners->high};
+    if (std::isfinite(size_of(box)) && is_finite(box.world.translation())) boxes.push_back(std::move(box));
+  }
+  keep_largest(boxes);
+  return boxes;
+}
+
+}  // namespace vantorelix::session
