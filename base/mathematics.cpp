@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cfloat>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -13,6 +14,8 @@
 
 namespace vantorelix::base {
 namespace {
+
+static_assert(FLT_EVAL_METHOD == 0, "each operation has to round to a double: compile for SSE2 or newer");
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -120,6 +123,12 @@ inline Wide sum(double a, double b) {
   return {high, b - (high - a)};
 }
 
+// a + b, exactly. Knuth ("The Art of Computer Programming", volume 2, 4.2.2).
+inline Wide any_sum(double a, double b) {
+  const double high = a + b, of_b = high - a;
+  return {high, (a - (high - of_b)) + (b - of_b)};
+}
+
 // The first 26 digits of x. The others are at most 27.
 inline double head(double x) {
   return std::bit_cast<double>(std::bit_cast<std::uint64_t>(x) & ~std::uint64_t{0x7ffffff});
@@ -129,6 +138,19 @@ inline double head(double x) {
 inline Wide square(double x) {
   const double h = head(x), l = x - h, high = x * x;
   return {high, ((h * h - high) + 2.0 * h * l) + l * l};
+}
+
+// a * b, with the same exception.
+inline Wide product(double a, double b) {
+  const double a_head = head(a), a_tail = a - a_head, b_head = head(b), b_tail = b - b_head, high = a * b;
+  return {high, ((a_head * b_head - high) + a_head * b_tail + a_tail * b_head) + a_tail * b_tail};
+}
+
+// a / b, a high part of 26 digits and 53 more.
+inline Wide quotient(const Wide& a, const Wide& b) {
+  const double inverse = 1.0 / b.high;
+  const double high = head(a.high * inverse), h = head(b.high), l = b.high - h;
+  return {high, (((a.high - high * h) - high * l) + (a.low - high * b.low)) * inverse};
 }
 
 // --- arc tangent and its like ----------------------------------------------------------------------------------------
@@ -154,7 +176,7 @@ inline double from_eighth(int eighth, double sign, double high, double low) {
 //
 // In the eighth of a turn next to an axis the tangent is smaller / larger; in the one beyond, counted from the
 // diagonal, (smaller - larger) / (smaller + larger). So the polynomial reaches to pi/8 only. The division leaves no
-// rest, so only the last sum rounds what matters: within 0.6 ulp.
+// rest, so only the last sum rounds what matters: within 0.75 ulp.
 inline double angle_of(double y, double x) {
   const double width = std::abs(x);
   const bool steep = y > width;
@@ -162,14 +184,11 @@ inline double angle_of(double y, double x) {
   const bool diagonal = a > b * tables::kTangentOfEighth;
   const double with = diagonal ? 1.0 : 0.0;
   const double above = a - with * b, below = b + with * a;
-  const double above_low = a - (above + with * b), below_low = with * a - (below - b);
-  const double inverse = 1.0 / below;
-  const double t = head(above * inverse), h = head(below), l = below - h;
-  const double t_low = (((above - t * h) - t * l) + (above_low - t * below_low)) * inverse;
-  const double rest = t_low + arc_tangent_rest(t + t_low);
+  const Wide t = quotient({above, a - (above + with * b)}, {below, with * a - (below - b)});
+  const double rest = t.low + arc_tangent_rest(t.high + t.low);
   const int eighth = diagonal ? 1 : (steep ? 2 : 0);
   const bool mirrored = x < 0.0;
-  return from_eighth(mirrored ? 4 - eighth : eighth, steep != mirrored ? -1.0 : 1.0, t, rest);
+  return from_eighth(mirrored ? 4 - eighth : eighth, steep != mirrored ? -1.0 : 1.0, t.high, rest);
 }
 
 constexpr double kSmall = 0x1p-500, kLarge = 0x1p500;
@@ -200,7 +219,7 @@ inline double arc_sine_rest(double q) {
   return q * (low + q4 * (middle + q4 * (high + q4 * k[12])));
 }
 
-// acos(x) for 1/2 < x <= 1, by the formula of half the angle: twice asin(sqrt((1 - x) / 2)).
+// acos(x) for 1/2 < x <= 1, by the formula of half the angle: twice asin(sqrt((1 - x) / 2)). Not a number for more.
 inline Wide small_arc_cosine(double x) {
   const double q = 0.5 * (1.0 - x);
   const double root = std::sqrt(q), h = head(root);
@@ -210,13 +229,8 @@ inline Wide small_arc_cosine(double x) {
 
 // --- lengths ---------------------------------------------------------------------------------------------------------
 
-// a + b, exactly. Knuth ("The Art of Computer Programming", volume 2, 4.2.2).
-inline Wide any_sum(double a, double b) {
-  const double high = a + b, of_b = high - a;
-  return {high, (a - (high - of_b)) + (b - of_b)};
-}
-
-// The sum of squares is rounded once and the root once: within 0.86 ulp.
+// The sum of squares is rounded once and the root once: within 0.86 ulp, 0.91 of
+// subnormal numbers, which are rounded once more.
 inline double length_of(double x, double y) {
   const Wide a = square(x), b = square(y), s = any_sum(a.high, b.high);
   return std::sqrt(s.high + (s.low + (a.low + b.low)));
@@ -234,6 +248,35 @@ double scaled_length(double x, double y, double z, double largest) {
   if (std::isnan(x + y + z) || largest == 0.0) return x + y + z;
   const int scale = std::ilogb(largest);
   return std::ldexp(length_of(std::ldexp(x, -scale), std::ldexp(y, -scale), std::ldexp(z, -scale)), scale);
+}
+
+// --- powers ----------------------------------------------------------------------------------------------------------
+
+// Of a positive finite number, from sides of s = (m - 1) / (m + 1) where m lies between the roots of 1/2 and 2.
+Wide logarithm(double x) {
+  int exponent;
+  double m = std::frexp(x, &exponent);
+  if (m < 0.7071067811865476) {
+    m *= 2.0;
+    --exponent;
+  }
+  const double below = m + 1.0, n = exponent;
+  const Wide s = quotient({m - 1.0, 0.0}, {below, m - (below - 1.0)});
+  const double value = s.high + s.low, q = value * value;
+  double p = 0.0;
+  for (std::size_t i = tables::kLogarithm.size(); i-- > 0;) p = p * q + tables::kLogarithm[i];
+  const Wide high = any_sum(n * tables::kLog2[0], 2.0 * s.high);
+  return {high.high, high.low + (n * tables::kLog2[1] + (2.0 * s.low + value * q * p))};
+}
+
+// e to a power that leads to no infinity.
+double exponential(const Wide& x) {
+  const double n = std::floor(x.high * tables::kPerLog2 + 0.5);
+  const Wide r = any_sum(x.high - n * tables::kLog2[0], x.low - n * tables::kLog2[1]);
+  double p = 0.0;
+  for (std::size_t i = tables::kExponential.size(); i-- > 0;) p = p * r.high + tables::kExponential[i];
+  const Wide most = sum(1.0, r.high);
+  return std::ldexp(most.high + (most.low + (most.high * r.low + r.high * r.high * p)), static_cast<int>(n));
 }
 
 }  // namespace
@@ -258,7 +301,6 @@ double atan2(double y, double x) {
 double asin(double sine) {
   const double height = std::abs(sine);
   if (height <= 0.5) return sine + sine * arc_sine_rest(sine * sine);
-  if (!(height <= 1.0)) return kNan;
   const Wide rest = small_arc_cosine(height);
   return std::copysign(from_eighth(2, -1.0, rest.high, rest.low), sine);
 }
@@ -266,7 +308,6 @@ double asin(double sine) {
 double acos(double cosine) {
   const double width = std::abs(cosine);
   if (width <= 0.5) return from_eighth(2, -1.0, cosine, cosine * arc_sine_rest(cosine * cosine));
-  if (!(width <= 1.0)) return kNan;
   const Wide angle = small_arc_cosine(width);
   return cosine > 0.0 ? angle.high + angle.low : from_eighth(4, -1.0, angle.high, angle.low);
 }
@@ -279,6 +320,14 @@ double hypot(double x, double y) {
 double hypot(double x, double y, double z) {
   const double largest = std::max({std::abs(x), std::abs(y), std::abs(z)});
   return squares_fit(largest) ? length_of(x, y, z) : scaled_length(x, y, z, largest);
+}
+
+double pow(double base, double exponent) {
+  if (exponent == 0.0) return 1.0;
+  if (!(base >= 0.0 && exponent > 0.0 && exponent <= 1.0)) return kNan;
+  if (base == 0.0 || base == kInfinity || exponent == 1.0) return std::abs(base);
+  const Wide log = logarithm(base), power = product(log.high, exponent);
+  return exponential({power.high, power.low + log.low * exponent});
 }
 
 }  // namespace vantorelix::base

@@ -29,4 +29,7 @@ double acos(double cosine);
 double hypot(double x, double y);
 double hypot(double x, double y, double z);
 
+// For a base that is not negative and an exponent in [0, 1]; not a number for others.
+double pow(double base, double exponent);
+
 }  // namespace vantorelix::base

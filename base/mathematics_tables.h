@@ -50,6 +50,32 @@ inline constexpr std::array<double, 13> kArcSine = {
     0.01740087944269402,  -0.014851887071247204, 0.028757851367421566,
 };
 
+// The logarithm of 2: the first part times a whole number of up to eleven binary digits is exact. One over it.
+inline constexpr std::array<double, 2> kLog2 = {0.6931471805601177, -1.7239444525614835e-13};
+inline constexpr double kPerLog2 = 1.4426950408889634;
+
+// With q = s * s and |s| <= 0.1716: log((1 + s) / (1 - s)) = 2 * s + s * q * P(q).
+inline constexpr std::array<double, 8> kLogarithm = {
+    0.6666666666666666,  0.4000000000000088,  0.28571428570802404, 0.22222222391987728,
+    0.18181795610879042, 0.15386241293734357, 0.13268730539100895, 0.1308707158006738,
+};
+
+// With |r| <= 0.35: exp(r) = 1 + r + r * r * P(r).
+inline constexpr std::array<double, 12> kExponential = {
+    0.5,
+    0.16666666666666666,
+    0.04166666666666668,
+    0.008333333333333333,
+    0.001388888888887828,
+    0.0001984126984126277,
+    2.4801587338540415e-05,
+    2.755731924861721e-06,
+    2.7557261055508104e-07,
+    2.5052069612234677e-08,
+    2.0918952345998524e-09,
+    1.6087170907940627e-10,
+};
+
 // 0 to 4 eighths of a turn: a multiple of 2^-48, and the rest.
 inline constexpr std::array<std::array<double, 2>, 5> kEighths = {{
     {0.0, 0.0},

@@ -46,9 +46,9 @@ TEST(Mathematics, ComesWithinAUnitOfTheLastPlaceOfValuesToAHundredDigits) {
 
 // A million values of each, of arguments of every kind.
 TEST(Mathematics, GivesTheSameBitsFromEveryCompilerAndProcessor) {
-  constexpr std::array<std::uint64_t, 7> kHashes = {0xf0055ba53ac03341, 0xda8cfed981213029, 0x58b7b2c63600ad7d,
+  constexpr std::array<std::uint64_t, 8> kHashes = {0xf0055ba53ac03341, 0xda8cfed981213029, 0x58b7b2c63600ad7d,
                                                     0x0a47446e53f0c94c, 0xb39fe3412bac3ed4, 0x4339cd88920ef762,
-                                                    0x5bcd5bcb3afa7978};
+                                                    0x5bcd5bcb3afa7978, 0xe67eaa4a2e2b63e7};
   for (std::size_t i = 0; i < kHashes.size(); ++i)
     EXPECT_EQ(support::hash_of(support::kMathematics[i], 1000000), kHashes[i]) << support::kMathematics[i].name;
 }
@@ -228,6 +228,26 @@ TEST(Length, DoesNotAskForTheSignsOfItsSides) {
     expect_same(base::hypot(y, x), base::hypot(x, y));
     expect_same(base::hypot(x, -y, -z), base::hypot(x, y, z));
   }
+}
+
+TEST(Power, IsExactAtItsEnds) {
+  for (const double base : {0.0, kSmallest, 1e-310, 0.7, 1.0, kLargest, kInfinity}) {
+    expect_same(base::pow(base, 1.0), base);
+    expect_same(base::pow(base, 0.0), 1.0);
+  }
+  expect_same(base::pow(-0.0, 0.5), 0.0);
+  expect_same(base::pow(0.0, 0.5), 0.0);
+  expect_same(base::pow(1.0, 0.3), 1.0);
+  expect_same(base::pow(kInfinity, 0.5), kInfinity);
+}
+
+TEST(Power, OfAHalfIsTheSquareRoot) {
+  for (const double base : {4.0, 0.25, 9.0, 0x1p-1074, 0x1p1000}) expect_same(base::pow(base, 0.5), std::sqrt(base));
+}
+
+TEST(Power, IsNotANumberForOtherBasesAndExponents) {
+  for (const double base : {-1.0, -kInfinity, kNan}) EXPECT_TRUE(std::isnan(base::pow(base, 0.5)));
+  for (const double exponent : {-0.5, next(1.0), kInfinity, kNan}) EXPECT_TRUE(std::isnan(base::pow(2.0, exponent)));
 }
 
 }  // namespace

@@ -143,6 +143,14 @@ inline constexpr Reference kReferences[] = {
      {0x1.0000000000000p+0, 0x1.12e0be826d695p-29, 0x1.9c511dc3a41dfp-29},
      0x1.0000000000000p+0,
      0x1.df9d874f5adf7p-58},
+    {"pow", {0x1.0000000000000p+1, 0x1.0000000000000p-1, 0x0.0p+0}, 0x1.6a09e667f3bcdp+0, -0x1.bdd3413b26456p-54},
+    {"pow", {0x1.d99999999999ap+1, 0x1.0000000000000p-2, 0x0.0p+0}, 0x1.630cfbe9d387bp+0, 0x1.10f421ed8cb42p-54},
+    {"pow", {0x0.012688b70e62bp-1022, 0x1.ff7ced916872bp-1, 0x0.0p+0}, 0x0.02595c804186fp-1022, 0x0.0p+0},
+    {"pow", {0x1.fffffffffffffp+1023, 0x1.fffffffffffffp-1, 0x0.0p+0}, 0x1.ffffffffffd39p+1023, 0x1.bd0105c7077a3p+968},
+    {"pow", {0x1.fffffffffffffp-1, 0x1.3333333333333p-2, 0x0.0p+0}, 0x1.0000000000000p+0, -0x1.3333333333333p-55},
+    {"pow", {0x1.6a09e667f3bccp-1, 0x1.ccccccccccccdp-1, 0x0.0p+0}, 0x1.76ce51f6a0bb7p-1, 0x1.7f13f58e2317dp-55},
+    {"pow", {0x1.4000000000000p+2, 0x1.56e1fc2f8f359p-997, 0x0.0p+0}, 0x1.0000000000000p+0, 0x1.13ec9bc9df32fp-996},
+    {"pow", {0x0.0000000000001p-1022, 0x1.0000000000000p-1, 0x0.0p+0}, 0x1.0000000000000p-537, 0x0.0p+0},
 };
 
 }  // namespace vantorelix::base

@@ -5,10 +5,11 @@ them the arguments that are hardest to reduce. Worked out in whole numbers of 1,
     python3 tools/mathematics_references.py | clang-format-14 --assume-filename=base/x.h > base/mathematics_test_references.h
 """
 
+import math
 import sys
 from fractions import Fraction
 
-from mathematics_tables import BITS, ONE, PI, arc_tangent, cosine, fraction, sine, square_root
+from mathematics_tables import BITS, ONE, PI, arc_tangent, cosine, exponential, fraction, logarithm, sine, square_root
 
 LARGEST, SMALLEST = sys.float_info.max, 5e-324
 
@@ -65,6 +66,14 @@ def length(*sides):
     return fraction(square_root(fixed(sum((Fraction(s) / scale) ** 2 for s in sides)))) * scale
 
 
+def power(base, exponent):
+    two = logarithm(2 * ONE)
+    mantissa, places = math.frexp(base)
+    log = fraction(logarithm(fixed(mantissa)) + places * two) * Fraction(exponent)
+    whole = int(log / fraction(two))
+    return fraction(exponential(int(log * ONE) - whole * two)) * Fraction(2) ** whole
+
+
 def references():
     angles = [SMALLEST, 1e-310, 2.0 ** -28, 1e-5, 0.5, 1.0, 2.0, 3.141592653589793, -10.0, 355.0, 99999.9, 100000.1,
               1e22, 2.0 ** 1000, LARGEST] + nearest_to_quarter_turns(12)
@@ -83,6 +92,9 @@ def references():
         yield "hypot of two", sides, length(*sides)
     for sides in ((2.0, 3.0, 6.0), (1.0, 1.0, 1.0), (1e300, -1e300, 1e300), (1e-310, 2e-310, 2e-310), (1.0, 2e-9, 3e-9)):
         yield "hypot of three", sides, length(*sides)
+    for base, exponent in ((2.0, 0.5), (3.7, 0.25), (1e-310, 0.999), (LARGEST, 1 - 2.0 ** -53), (1 - 2.0 ** -53, 0.3),
+                           (0.70710678118654746, 0.9), (5.0, 1e-300), (SMALLEST, 0.5)):
+        yield "pow", (base, exponent), power(base, exponent)
 
 
 def row(name, arguments, value):

@@ -49,6 +49,25 @@ def arc_tangent(x):
     return total
 
 
+def logarithm(x):
+    """Of x between 1/2 and 2, by the series of the inverse of the hyperbolic tangent."""
+    s = ((x - ONE) << BITS) // (x + ONE)
+    total, power, k = 0, s, 1
+    while abs(power) > 1:
+        total += power // k
+        power, k = (power * s >> BITS) * s >> BITS, k + 2
+    return 2 * total
+
+
+def exponential(x):
+    """By its series, for |x| up to a few units."""
+    total, term, k = 0, ONE, 1
+    while abs(term) > 1:
+        total += term
+        term, k = (term * x >> BITS) // k, k + 1
+    return total
+
+
 def square_root(x):
     low, high = 0, max(x, ONE) + 1
     while high - low > 1:
@@ -70,10 +89,11 @@ def parts(x, *grids):
     return [float(part) + 0.0 for part in found + [left if abs(left) > Fraction(1, 2 ** 1000) else 0]]
 
 
-def polynomial(function, most, count):
+def polynomial(function, least, most, count):
     """The coefficients, lowest first, of the polynomial through `function` at the `count` Chebyshev points of
-    [0, most], which comes within a few per cent of the best one."""
-    points = [most * (ONE + cosine(PI * (2 * i + 1) // (2 * count))) // (2 * ONE) for i in range(count)]
+    [least, most], which comes within a few per cent of the best one."""
+    turns = [PI * (2 * i + 1) // (2 * count) for i in range(count)]
+    points = [(least + most) // 2 + (most - least) * cosine(turn) // (2 * ONE) for turn in turns]
     xs = [Fraction(p, ONE).limit_denominator(10 ** 40) for p in points]
     ys = [fraction(function(int(x * ONE))) for x in xs]
     for step in range(1, count):  # divided differences
@@ -103,14 +123,25 @@ def arc_sine_rest(q):
     return ((arc * ONE // x - ONE) << BITS) // q
 
 
+def logarithm_rest(q):
+    """(log((1 + s) / (1 - s)) / s - 2) / q with q = s * s."""
+    s = square_root(q)
+    return ((logarithm(((ONE + s) << BITS) // (ONE - s)) * ONE // s - 2 * ONE) << BITS) // q
+
+
+def exponential_rest(r):
+    """(exp(r) - 1 - r) / (r * r)"""
+    return ((exponential(r) - ONE - r) << BITS) // (r * r >> BITS)
+
+
 def arc_tangent_rest(q):
     """(atan(t) / t - 1) / q with q = t * t."""
     t = square_root(q)
     return ((arc_tangent(t) * ONE // t - ONE) << BITS) // q
 
 
-def polynomial_text(function, most, count):
-    return numbers(polynomial(function, most * ONE // 1, count))
+def polynomial_text(function, most, count, least=0):
+    return numbers(polynomial(function, least * ONE // 1, most * ONE // 1, count))
 
 
 def numbers(values):
@@ -156,6 +187,16 @@ inline constexpr std::array<double, 12> kArcTangent = ARC_TANGENT_REST;
 // With q = x * x and |x| <= 1/2: asin(x) = x + x * q * P(q).
 inline constexpr std::array<double, 13> kArcSine = ARC_SINE_REST;
 
+// The logarithm of 2: the first part times a whole number of up to eleven binary digits is exact. One over it.
+inline constexpr std::array<double, 2> kLog2 = LOG_TWO;
+inline constexpr double kPerLog2 = PER_LOG;
+
+// With q = s * s and |s| <= 0.1716: log((1 + s) / (1 - s)) = 2 * s + s * q * P(q).
+inline constexpr std::array<double, 8> kLogarithm = LOG_REST;
+
+// With |r| <= 0.35: exp(r) = 1 + r + r * r * P(r).
+inline constexpr std::array<double, 12> kExponential = EXP_REST;
+
 // 0 to 4 eighths of a turn: a multiple of 2^-48, and the rest.
 inline constexpr std::array<std::array<double, 2>, 5> kEighths = EIGHTHS;
 
@@ -183,6 +224,10 @@ def text():
         "CORNER": repr(float(corner)),
         "ARC_TANGENT_REST": polynomial_text(arc_tangent_rest, corner ** 2, 12),
         "ARC_SINE_REST": polynomial_text(arc_sine_rest, Fraction(1, 4), 13),
+        "LOG_TWO": numbers(parts(logarithm(2 * ONE), 41)),
+        "PER_LOG": repr(float(1 / fraction(logarithm(2 * ONE)))),
+        "LOG_REST": polynomial_text(logarithm_rest, Fraction(1716, 10000) ** 2, 8),
+        "EXP_REST": polynomial_text(exponential_rest, Fraction(35, 100), 12, least=-Fraction(35, 100)),
         "EIGHTHS": pairs([PI * k // 4 for k in range(5)], 48),
         "WHOLE": numbers(parts(2 * PI, 23, 49)),
         "PLACES": hexadecimal(places),

@@ -88,13 +88,25 @@ inline Arguments vector(Draw& draw) {
   }
 }
 
+inline Arguments power(Draw& draw) {
+  const double exponent = draw.whole(0, 3) == 0 ? std::abs(draw.sized(-60, -1)) : draw.unit();
+  switch (draw.whole(0, 2)) {
+    case 0:
+      return {5.0 * draw.unit(), exponent};
+    case 1:
+      return {std::abs(draw.finite()), exponent};
+    default:
+      return {1.0 + draw.sized(-52, -2), exponent};
+  }
+}
+
 struct MathematicsFunction {
   const char* name;
   Arguments (*arguments)(Draw&);
   double (*value)(const Arguments&);
 };
 
-inline constexpr std::array<MathematicsFunction, 7> kMathematics = {{
+inline constexpr std::array<MathematicsFunction, 8> kMathematics = {{
     {"sin", angle, [](const Arguments& a) { return base::sin(a[0]); }},
     {"cos", angle, [](const Arguments& a) { return base::cos(a[0]); }},
     {"asin", side, [](const Arguments& a) { return base::asin(a[0]); }},
@@ -102,6 +114,7 @@ inline constexpr std::array<MathematicsFunction, 7> kMathematics = {{
     {"atan2", vector, [](const Arguments& a) { return base::atan2(a[0], a[1]); }},
     {"hypot of two", vector, [](const Arguments& a) { return base::hypot(a[0], a[1]); }},
     {"hypot of three", vector, [](const Arguments& a) { return base::hypot(a[0], a[1], a[2]); }},
+    {"pow", power, [](const Arguments& a) { return base::pow(a[0], a[1]); }},
 }};
 
 // Of the bits of `count` values.

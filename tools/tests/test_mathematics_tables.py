@@ -32,8 +32,10 @@ class MathematicsTables(unittest.TestCase):
         for x in (0.01, 0.3, -0.4):
             fixed = mathematics_references.fixed(x)
             for series, function in ((mathematics_tables.sine, math.sin), (mathematics_tables.cosine, math.cos),
-                                     (mathematics_tables.arc_tangent, math.atan)):
+                                     (mathematics_tables.arc_tangent, math.atan),
+                                     (mathematics_tables.exponential, math.exp)):
                 self.assertAlmostEqual(series(fixed) / one, function(x), places=14)
+            self.assertAlmostEqual(mathematics_tables.logarithm(one + fixed) / one, math.log(1 + x), places=14)
 
 
 if __name__ == "__main__":
