@@ -57,15 +57,15 @@ inline void set_sin_cos_from(Out& out, std::size_t axis, std::uint64_t node, dou
   const double q = r * r;
   // sin(r) = high - low. Subtracted rather than added, which keeps the sign of minus zero.
   const double low = ((high - r) - left) - r * q * (tables::kSine[0] + q * (tables::kSine[1] + q * tables::kSine[2]));
-  const double s = high - low;
   const double c =
       q * (-0.5 + q * (tables::kCosine[0] + q * (tables::kCosine[1] + q * tables::kCosine[2])));  // less one
   // The products are exact, and what a sum loses is the product less what the sum gained.
   const double sin_step = n.cos * high, cos_step = n.sin * high;
   const double sin_high = n.sin + sin_step, cos_high = n.cos - cos_step;
   const double sin_lost = sin_step - (sin_high - n.sin), cos_lost = (n.cos - cos_high) - cos_step;
-  out.sin[axis] = sin_high - (((n.cos * low - n.cos_rest * s) - ((n.sin + n.sin_rest) * c + n.sin_rest)) - sin_lost);
-  out.cos[axis] = cos_high + (((n.sin * low - n.sin_rest * s) + ((n.cos + n.cos_rest) * c + n.cos_rest)) + cos_lost);
+  const double sin = n.sin + n.sin_rest, cos = n.cos + n.cos_rest;
+  out.sin[axis] = sin_high - (((cos * low - n.cos_rest * high) - (sin * c + n.sin_rest)) - sin_lost);
+  out.cos[axis] = cos_high + (((sin * low - n.sin_rest * high) + (cos * c + n.cos_rest)) + cos_lost);
 }
 
 // For |angle| <= kSineReach, in radians.
