@@ -31,10 +31,10 @@ using Fraction = std::array<std::uint32_t, 6>;
 
 // The digits after the point of a radian in turns, times 2^shift.
 Fraction turns_per_radian(int shift) {
-  const auto first = static_cast<std::size_t>(shift + 64);
+  const int first = shift + 64;
   Fraction digits;
   for (std::size_t i = 0; i < digits.size(); ++i) {
-    const std::size_t limb = first / 32 + i;
+    const std::size_t limb = static_cast<std::size_t>(first / 32) + i;
     const std::uint64_t both = std::uint64_t{tables::kTurnsPerRadian[limb]} << 32 | tables::kTurnsPerRadian[limb + 1];
     digits[i] = static_cast<std::uint32_t>(both >> (32 - first % 32));
   }
