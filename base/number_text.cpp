@@ -1,11 +1,27 @@
 #include "base/number_text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <string_view>
 
 namespace vantorelix {
+namespace {
+
+// What the first digit counts. A logarithm's last place differs between systems, next to powers of ten the result with
+// it.
+int power_of_ten(double size) {
+  std::array<char, 40> buffer;
+  const char* const end =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), size, std::chars_format::scientific).ptr;
+  const char* const sign = std::find(static_cast<const char*>(buffer.data()), end, 'e') + 1;
+  int power = 0;
+  std::from_chars(sign + 1, end, power);
+  return *sign == '-' ? -power : power;
+}
+
+}  // namespace
 
 void append_number(std::string& out, double value) {
   std::array<char, 32> buffer;
@@ -43,8 +59,7 @@ std::string readable(double value, int digits) {
             .ptr;
     return {buffer.data(), end};
   }
-  const int whole = size < 1.0 ? (size == 0.0 ? 1 : static_cast<int>(std::floor(std::log10(size))) + 1)
-                               : static_cast<int>(std::log10(size)) + 1;
+  const int whole = size == 0.0 ? 1 : power_of_ten(size) + 1;
   return fixed(value, whole >= digits ? 0 : digits - whole);
 }
 

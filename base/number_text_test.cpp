@@ -24,6 +24,10 @@ TEST(NumberText, PeopleGetAboutAsManyDigitsAsTheyAskFor) {
   EXPECT_EQ(readable(0.0123456), "0.01235");
   EXPECT_EQ(readable(12.3), "12.3");
   EXPECT_EQ(readable(12345.6), "12346");
+  EXPECT_EQ(readable(1000.0), "1000");
+  EXPECT_EQ(readable(999.9996, 6), "1000");
+  EXPECT_EQ(readable(0.001), "0.001");
+  EXPECT_EQ(readable(-0.00999996, 4), "-0.01");
   EXPECT_EQ(readable(1.234e9, 2), "1.2e+09");
   EXPECT_EQ(readable(INFINITY), "inf");
 }

@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 
+#include "base/mathematics.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::session {
@@ -79,7 +80,7 @@ TrailMeasure measure(const TrailView& trail, double fps) {
   std::size_t segments = 0;
   for (std::size_t i = 1; i < points.size(); ++i) {
     const Vector &a = points[i - 1], &b = points[i];
-    const double segment = std::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
+    const double segment = base::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
     if (!std::isfinite(segment)) continue;
     ++segments;
     result.length += segment;

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 
+#include "base/mathematics.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::session {
@@ -39,7 +40,7 @@ std::optional<Corners> corners_of(const Scene& scene, NodeId transform) {
 double size_of(const StaticBox& box) {
   const auto& m = box.world.m;
   const auto side = [&m](std::size_t row, double length) {
-    return std::hypot(m[row][0], m[row][1], m[row][2]) * length;
+    return base::hypot(m[row][0], m[row][1], m[row][2]) * length;
   };
   return side(0, box.high.x - box.low.x) + side(1, box.high.y - box.low.y) + side(2, box.high.z - box.low.z);
 }

@@ -5,7 +5,7 @@ import argparse
 import os
 import sys
 
-from rules import formatting, headers, includes, maya_names, python_syntax, reserved_names, sizes, tidy, words
+from rules import formatting, headers, includes, mathematics, maya_names, python_syntax, reserved_names, sizes, tidy, words
 
 RULES = {
     "includes": includes,
@@ -14,6 +14,7 @@ RULES = {
     "formatting": formatting,
     "tidy": tidy,
     "words": words,
+    "mathematics": mathematics,
     "sizes": sizes,
     "python_syntax": python_syntax,
     "maya_names": maya_names,

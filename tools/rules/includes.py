@@ -22,7 +22,7 @@ OURS = {
     "maya/extension": {"maya/extension", "engine", "host", "base"},
     "maya/standalone": {"maya/standalone", "standalone", "host", "base"},
     "cli": {"cli", "session", "standalone", "engine", "host", "base"},
-    "bench": {"bench", "cli", "session", "standalone", "engine", "host", "base"},
+    "bench": {"bench", "tests", "cli", "session", "standalone", "engine", "host", "base"},
     "tests": {"tests", "cli", "session", "standalone", "engine", "host", "base"},
 }
 
@@ -33,6 +33,7 @@ FOREIGN = [
     (re.compile(r"CLI/"), {"cli"}, False),
     (re.compile(r"benchmark/"), {"bench"}, False),
     (re.compile(r"(gtest|gmock)/"), {"tests"}, False),
+    (re.compile(r"mpfr\.h$"), {"tests"}, True),
     (re.compile(r"(pybind11/|Python\.h$)"), {"maya/extension", "bench"}, False),
     (re.compile(r"(x86)?intrin\.h$"), {"base"}, False),
     (re.compile(r"cpuid\.h$"), {"base"}, True),

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "base/mathematics.h"
+
 namespace vantorelix::cli {
 
 namespace {
@@ -28,9 +30,9 @@ double main_direction(const session::TrailReport& report, const Vector& centre, 
     zz += z * z;
     xz += x * z;
   });
-  const double spread = std::hypot((xx - zz) / 2.0, xz);
+  const double spread = base::hypot((xx - zz) / 2.0, xz);
   if (!(spread > 0.15 * (xx + zz))) return otherwise;
-  return 0.5 * std::atan2(2.0 * xz, xx - zz);
+  return 0.5 * base::atan2(2.0 * xz, xx - zz);
 }
 
 // Sum over the trails of the way from the first sample to the last.
@@ -100,7 +102,8 @@ Camera::Camera(const std::string& view, const session::TrailReport& report, cons
 }
 
 void Camera::look(double azimuth, double elevation) {
-  const double ca = std::cos(azimuth), sa = std::sin(azimuth), ce = std::cos(elevation), se = std::sin(elevation);
+  const auto [sa, ca] = base::sin_cos(azimuth);
+  const auto [se, ce] = base::sin_cos(elevation);
   right_ = {ca, 0.0, -sa};
   forward_ = {-sa * ce, -se, -ca * ce};
   up_ = {-sa * se, ce, -ca * se};

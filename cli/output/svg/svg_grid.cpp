@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/mathematics.h"
 #include "cli/output/svg/svg_path.h"
 #include "cli/output/text.h"
 
@@ -41,7 +42,7 @@ std::string tick_text(double value, const PictureAxis& axis, char up_axis) {
 template <class Place>
 void name_axes(TextSink& out, const Ground& g, const Place& place, char up_axis) {
   const auto name = [&](const Point2& end, const Point2& inner, char letter) {
-    const double length = std::max(std::hypot(end.x - inner.x, end.y - inner.y), 1e-9);
+    const double length = std::max(base::hypot(end.x - inner.x, end.y - inner.y), 1e-9);
     out << "<text class=\"soft\" x=\"" << pixel(end.x + (end.x - inner.x) / length * 12.0) << "\" y=\""
         << pixel(end.y + (end.y - inner.y) / length * 12.0 + 4.0) << "\" text-anchor=\"middle\">" << letter
         << "</text>\n";

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "base/mathematics.h"
 #include "cli/output/svg/svg_path.h"
 #include "cli/output/text.h"
 
@@ -68,7 +69,7 @@ std::size_t Occupancy::cell(double x, double y) const {
 }
 
 void Occupancy::note_line(const Point2& from, const Point2& to) {
-  const double steps = std::min(std::ceil(std::hypot(to.x - from.x, to.y - from.y) / kCell), 1e3);
+  const double steps = std::min(std::ceil(base::hypot(to.x - from.x, to.y - from.y) / kCell), 1e3);
   for (double k = 0.0; k <= steps; k += 1.0) {
     const double u = steps > 0.0 ? k / steps : 0.0;
     lines_[cell(from.x + u * (to.x - from.x), from.y + u * (to.y - from.y))] = true;

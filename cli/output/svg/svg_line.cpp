@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "base/mathematics.h"
 #include "cli/output/svg/svg_path.h"
 #include "engine/colour/colour.h"
 
@@ -72,7 +73,7 @@ void DrawnTrail::for_each_stretch(const Thinning& thinning,
 
 double DrawnTrail::screen_length() const {
   double length = 0.0;
-  for_each_stretch({0.0, 1}, [&](const Point2& a, const Point2& b) { length += std::hypot(b.x - a.x, b.y - a.y); });
+  for_each_stretch({0.0, 1}, [&](const Point2& a, const Point2& b) { length += base::hypot(b.x - a.x, b.y - a.y); });
   return length;
 }
 

@@ -2,9 +2,9 @@
 #include <ufbx.h>
 
 #include <algorithm>
-#include <cmath>
 #include <numbers>
 
+#include "base/mathematics.h"
 #include "standalone/formats/bounds_draft.h"
 #include "standalone/formats/fbx/fbx_properties.h"
 #include "standalone/formats/fbx/fbx_reader.h"
@@ -50,8 +50,8 @@ std::array<double, 3> inverse_angles(const std::array<double, 3>& angles) {
   const auto back = [&there](std::size_t row, std::size_t column) { return there[column][row]; };
   // Where this is a right angle the others still come out right: only right angles lead there, and the cosine of one is
   // tiny but not zero.
-  const double y = std::asin(std::clamp(-back(0, 2), -1.0, 1.0));
-  return {std::atan2(back(1, 2), back(2, 2)), y, std::atan2(back(0, 1), back(0, 0))};
+  const double y = base::asin(std::clamp(-back(0, 2), -1.0, 1.0));
+  return {base::atan2(back(1, 2), back(2, 2)), y, base::atan2(back(0, 1), back(0, 0))};
 }
 
 }  // namespace

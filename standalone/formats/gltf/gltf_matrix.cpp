@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/mathematics.h"
 #include "standalone/scene/transforms/quaternion.h"
 
 namespace vantorelix::standalone {
@@ -24,7 +25,7 @@ struct Parts {
 
 // The length of a row, which is divided by it.
 double take_length(Row& row) {
-  const double length = std::hypot(row[0], row[1], row[2]);
+  const double length = base::hypot(row[0], row[1], row[2]);
   for (double& v : row) v /= length;
   return length;
 }

@@ -31,7 +31,7 @@ bool within_reach(const double* angles, std::size_t count) {
   for (std::size_t c = 0; c < 3; ++c)
     for (std::size_t i = 0; i < count; ++i) {
       const double angle = angles[c * kColumn + i];
-      beyond += angle <= kSinCosReach && angle >= -kSinCosReach ? 0 : 1;
+      beyond += angle <= base::kSineReach && angle >= -base::kSineReach ? 0 : 1;
     }
   return beyond == 0;
 }
@@ -40,7 +40,7 @@ template <std::size_t I, std::size_t J, std::size_t K>
 void turn(const double* __restrict angles, std::size_t count, double* __restrict rows) {
   for (std::size_t i = 0; i < count; ++i) {
     Turns t;
-    for (std::size_t c = 0; c < 3; ++c) set_sin_cos(t, c, angles[c * kColumn + i]);
+    for (std::size_t c = 0; c < 3; ++c) base::set_sin_cos(t, c, angles[c * kColumn + i]);
     Rows b;
     set_rotation_in_order<I, J, K>(b, t);
     for (std::size_t j = 0; j < 9; ++j) rows[j * kColumn + i] = b.at[j / 3][j % 3];

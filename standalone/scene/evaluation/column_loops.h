@@ -16,7 +16,7 @@ inline constexpr std::size_t kColumn = 64;
 struct ColumnLoops {
   const char* name;
   // The upper rows, nine columns, of the rotations by `angles`: three columns, x, y, z in radians. `order` as
-  // Channel::rotateOrder counts. False, and nothing written, when an angle lies beyond kSinCosReach.
+  // Channel::rotateOrder counts. False, and nothing written, when an angle lies beyond base::kSineReach.
   bool (*rotations)(const double* angles, std::size_t count, int order, double* rows);
   // First a, then b, as operator* of Affine: twelve columns each.
   void (*products)(const double* a, const double* b, std::size_t count, double* out);

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "base/mathematics.h"
+
 namespace vantorelix::standalone {
 namespace {
 
@@ -44,15 +46,15 @@ Basis basis_of(const Quaternion& q) {
 Angles angles_of(const Basis& b, double order) {
   const auto [i, j, k] = axes_of(order);
   const double sign = j == (i + 1) % 3 ? 1.0 : -1.0;
-  const double c = std::hypot(b[i][i], b[i][j]);
+  const double c = base::hypot(b[i][i], b[i][j]);
   // Near the lock the last turn is mostly noise. The first is read off the matrix without the last, whatever that
   // came to, so that the two together are right.
-  const double last = c > 1e-15 ? std::atan2(b[i][j], b[i][i]) : 0.0;
-  const double sine = std::sin(last), cosine = std::cos(last);
+  const double last = c > 1e-15 ? base::atan2(b[i][j], b[i][i]) : 0.0;
+  const auto [sine, cosine] = base::sin_cos(last);
   Angles angles;
   angles[k] = sign * last;
-  angles[j] = sign * std::atan2(-b[i][k], c);
-  angles[i] = sign * std::atan2(sine * b[k][i] - cosine * b[k][j], cosine * b[j][j] - sine * b[j][i]);
+  angles[j] = sign * base::atan2(-b[i][k], c);
+  angles[i] = sign * base::atan2(sine * b[k][i] - cosine * b[k][j], cosine * b[j][j] - sine * b[j][i]);
   return angles;
 }
 
@@ -78,11 +80,12 @@ Quaternion slerp(const Quaternion& a, const Quaternion& b, double weight) {
     sum[i] = a[i] + sign * b[i];
   }
   // Not the arc cosine of the dot product, which knows small angles to half of the digits only.
-  const double angle = 2.0 * std::atan2(std::sqrt(dot(difference, difference)), std::sqrt(dot(sum, sum)));
+  const double angle = 2.0 * base::atan2(std::sqrt(dot(difference, difference)), std::sqrt(dot(sum, sum)));
   // Nearly the same rotation: the straight way, since the sine below would vanish.
   const bool near = !(angle > 1e-6);
-  const double keep = near ? 1.0 - weight : std::sin((1.0 - weight) * angle) / std::sin(angle);
-  const double take = sign * (near ? weight : std::sin(weight * angle) / std::sin(angle));
+  const double sine = base::sin(angle);
+  const double keep = near ? 1.0 - weight : base::sin((1.0 - weight) * angle) / sine;
+  const double take = sign * (near ? weight : base::sin(weight * angle) / sine);
   Quaternion q;
   for (std::size_t i = 0; i < 4; ++i) q[i] = keep * a[i] + take * b[i];
   normalise(q);

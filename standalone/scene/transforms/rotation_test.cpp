@@ -26,23 +26,23 @@ double worst_error(double x) {
                    ulps(t.cos[2], std::cos(0.5L * wide))});
 }
 
-TEST(SinCos, StaysWithinTwoUnitsOfTheLastPlaceNearZero) {
+TEST(SinCos, StaysWithinAUnitOfTheLastPlaceNearZero) {
   std::mt19937_64 random(1);
   std::uniform_real_distribution<double> angle(-10.0, 10.0);
   double worst = 0.0;
   for (int i = 0; i < 200000; ++i) worst = std::max(worst, worst_error(angle(random)));
-  EXPECT_LT(worst, 2.0);
+  EXPECT_LT(worst, 1.0);
 }
 
-TEST(SinCos, StaysWithinTwoUnitsOfTheLastPlaceForAnglesOfEverySize) {
+TEST(SinCos, StaysWithinAUnitOfTheLastPlaceForAnglesOfEverySize) {
   std::mt19937_64 random(2);
   std::uniform_real_distribution<double> exponent(-300.0, 15.0);
   double worst = 0.0;
   for (int i = 0; i < 200000; ++i) worst = std::max(worst, worst_error(std::pow(10.0, exponent(random))));
-  EXPECT_LT(worst, 2.0);
+  EXPECT_LT(worst, 1.0);
 }
 
-TEST(SinCos, StaysWithinTwoUnitsOfTheLastPlaceAroundQuarterTurns) {
+TEST(SinCos, StaysWithinAUnitOfTheLastPlaceAroundQuarterTurns) {
   double worst = 0.0;
   for (int k = -60000; k <= 60000; k += 7) {
     double x = k * 1.57079632679489661923;
@@ -51,7 +51,7 @@ TEST(SinCos, StaysWithinTwoUnitsOfTheLastPlaceAroundQuarterTurns) {
       x = std::nextafter(x, 1e9);
     }
   }
-  EXPECT_LT(worst, 2.0);
+  EXPECT_LT(worst, 1.0);
 }
 
 TEST(SinCos, GivesExactValuesAtZero) {
