@@ -5,6 +5,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 
 #include "base/vector.h"
@@ -34,6 +35,11 @@ class Plug {
   // MTime(t, unit); MDGContext(time); asMObject(context); MFnMatrixData(data).matrix(); getElement(3, 0..2).
   // The hot path: called once a sample.
   virtual Vector translation_at(double t, const TimeUnit& unit) = 0;
+  // A hint, and no call of the object model: the times for which translation_at will be called next, in this order. It
+  // takes the place of the hint before it. A host may work several of them out at once when the first is asked for;
+  // it evaluates nothing for the hint alone, and gives the same results to whoever asks for other times, or for none.
+  // The times are the caller's, and only there during the call.
+  virtual void expect(std::span<const double> /*times*/, const TimeUnit& /*unit*/) {}
   // MFnVectorArrayData().create(array); setMObject(data). Replaces the plug's whole array. The plug may keep the
   // array's storage: nobody appends to it afterwards.
   virtual void set_vector_array(const std::shared_ptr<VectorArray>& array) = 0;

@@ -74,15 +74,45 @@ void read_playback_range(Request& request) {
   request.deadline = interpreter->time() + _CREATE_BUDGET;
 }
 
-// Samples in coverage-first order until the deadline, but never fewer than two where the range has two.
+// Times in coverage-first order, some of them at a time.
+class CoverageOrder {
+ public:
+  explicit CoverageOrder(const SampleTimes& times) : times_(times), order_(times.count) {}
+
+  // Goes on to the next ones, `count` at most, and tells the sampler. False at the end.
+  bool advance(std::size_t count, Sampler& sampler) {
+    indices_.clear();
+    coming_.clear();
+    while (indices_.size() < count) {
+      const auto index = order_.next();
+      if (!index) break;
+      indices_.push_back(*index);
+      coming_.push_back(times_[static_cast<std::size_t>(*index)]);
+    }
+    if (!coming_.empty()) sampler.expect(coming_);
+    return !coming_.empty();
+  }
+  const std::vector<std::int64_t>& indices() const { return indices_; }
+
+ private:
+  const SampleTimes& times_;
+  _bisect_indices order_;
+  std::vector<std::int64_t> indices_;
+  std::vector<double> coming_;
+};
+
+// Samples in coverage-first order until the deadline, but never fewer than two where the range has two. So the first
+// hint names no more than these two: more would be worked out for nothing where the deadline is over already.
 SampleMap sample_within_budget(Sampler& sampler, const Request& request) {
+  constexpr std::size_t kFewest = 2;
   SampleMap sampled(request.times.count);
-  _bisect_indices order(request.times.count);
-  bool first = true;
-  while (const auto index = order.next()) {
-    sampled.set(*index, sampler(request.times[static_cast<std::size_t>(*index)]));
-    if (!first && interpreter->time() >= request.deadline) break;
-    first = false;
+  CoverageOrder order(request.times);
+  for (std::size_t count = kFewest; order.advance(count, sampler);
+       count = sampled.size() == kFewest ? kExpectedAtOnce - kFewest : kExpectedAtOnce) {
+    for (const std::int64_t index : order.indices()) {
+      sampled.set(index, sampler(request.times[static_cast<std::size_t>(index)]));
+      if (sampled.size() >= kFewest && interpreter->time() >= request.deadline) return sampled;
+    }
   }
   return sampled;
 }

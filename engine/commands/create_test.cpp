@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "engine/rebuild/triggers.h"
+#include "engine/sampling/position_sampling.h"
 #include "host/error.h"
 #include "tests/support/engine_test.h"
 #include "tests/support/trail_scene.h"
@@ -235,6 +236,29 @@ TEST_F(CreateTest, LaterObjectsOfASpentBudgetGetTwoSamplesEach) {
   // The tenth evaluation passes the deadline of 0.15; the first two are the check of the ball's sampler.
   EXPECT_EQ(fake.evaluations, (2u + 8u) + 3u * (2u + 2u));
   EXPECT_EQ(message(), host::Value("Building trail for 4 object(s)..."));
+}
+
+TEST_F(CreateTest, TheFirstHintNamesTheTwoSamplesThatAreTakenInAnyCase) {
+  spend_budget_at_once();
+  fake.range_last = 1000.0;
+  create_trail();
+  ASSERT_EQ(fake.hints.size(), 1u);
+  EXPECT_EQ(fake.hints[0].times, (std::vector<double>{1.0, 1000.0}));
+}
+
+TEST_F(CreateTest, HintsNameEverySampleAndEveryKeyInTheOrderInWhichTheyAreTaken) {
+  fake.range_last = 200.0;
+  create_trail();
+  std::vector<std::string> told;
+  for (const auto& hint : fake.hints) {
+    EXPECT_EQ(hint.evaluations, told.size() + 2) << "two check the sampler";
+    EXPECT_LE(hint.times.size(), kExpectedAtOnce);
+    for (const double t : hint.times) told.push_back("plug.translation_at(" + host::Value(t).repr() + ")");
+  }
+  Lines asked = recorder.log();
+  std::erase_if(asked, [](const std::string& line) { return line.rfind("plug.translation_at(", 0) != 0; });
+  EXPECT_EQ(told.size(), 202u);
+  EXPECT_EQ(told, Lines(asked.begin() + 1, asked.end()));
 }
 
 TEST_F(CreateTest, AnObjectWithFewerThanTwoSamplesIsSkippedSilently) {

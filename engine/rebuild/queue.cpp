@@ -54,8 +54,9 @@ void plan(WorkItem& it, const WorkRecord& work, const std::string& obj) {
 template <class Times>
 bool sample_until(double deadline, const Times& times, std::size_t& next, std::vector<Position>& out,
                   Sampler& sampler) {
+  OrderedSampler ordered(sampler, times);
   while (next < times.size()) {
-    out.push_back(sampler(times[next]));
+    out.push_back(ordered.at(next));
     ++next;
     if (interpreter->time() >= deadline) break;
   }

@@ -95,6 +95,19 @@ TEST_F(QueueTest, StepsThatStopAmongSamplesAndKeysResumeWithTheseCalls) {
                       support::push_lines("ball", 3, 2), support::frame_attr_lines("ball", "1.0", "1.0"), kRefresh}));
 }
 
+TEST_F(QueueTest, EachStepHintsAtWhatIsLeftOfTheSamplesAndThenOfTheKeys) {
+  fake.advance_per_evaluation = 0.003;  // as above
+  const auto hints = [this] {
+    _rebuild_step();
+    std::vector<std::vector<double>> times;
+    for (const auto& hint : std::exchange(fake.hints, {})) times.push_back(hint.times);
+    return times;
+  };
+  EXPECT_THAT(hints(), ElementsAre(std::vector{1.0, 2.0, 3.0}));
+  EXPECT_THAT(hints(), ElementsAre(std::vector{2.0, 3.0}, std::vector{1.0, 3.0}));
+  EXPECT_THAT(hints(), ElementsAre(std::vector{3.0}));
+}
+
 TEST_F(QueueTest, ADroppedTrailMakesTheseCallsAndNoWarning) {
   support::add_trail(fake, "cube");
   fake.remove("|ball");

@@ -23,6 +23,7 @@ class FastSampler : public Sampler {
  public:
   FastSampler(std::shared_ptr<host::Plug> plug, host::TimeUnit uiu) : plug_(std::move(plug)), uiu_(std::move(uiu)) {}
   Position operator()(double t) override { return plug_->translation_at(t, uiu_); }
+  void expect(std::span<const double> times) override { plug_->expect(times, uiu_); }
 
  private:
   std::shared_ptr<host::Plug> plug_;
@@ -101,7 +102,9 @@ std::vector<Position> _sample_positions(const std::string& obj, double start, do
   const std::int64_t n = _sample_count(start, end, step);
   std::vector<Position> positions;
   reserve(positions, reservation(n));
-  for (std::int64_t i = 0; i < n; ++i) positions.push_back((*sampler)(start + static_cast<double>(i) * step));
+  const SampleTimes times{start, step, n};
+  OrderedSampler ordered(*sampler, times);
+  for (std::size_t i = 0; i < times.size(); ++i) positions.push_back(ordered.at(i));
   return positions;
 }
 
@@ -118,7 +121,8 @@ std::vector<Position> _sample_at_times(const std::string& obj, const std::vector
   sampler = sampler_or_best(obj, std::move(sampler));
   std::vector<Position> positions;
   positions.reserve(times.size());
-  for (const double t : times) positions.push_back((*sampler)(t));
+  OrderedSampler ordered(*sampler, times);
+  for (std::size_t i = 0; i < times.size(); ++i) positions.push_back(ordered.at(i));
   return positions;
 }
 

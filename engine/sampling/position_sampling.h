@@ -1,7 +1,11 @@
 // From an animated object to its world positions and key times. Times are frames of the host's UI time unit.
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -14,8 +18,40 @@ class Sampler {
  public:
   virtual ~Sampler() = default;
   virtual Position operator()(double t) = 0;
+  // The times that it will be called with next, as host::Plug::expect. May be left out, and may be wrong.
+  virtual void expect(std::span<const double> /*times*/) {}
 };
 using SamplerPtr = std::shared_ptr<Sampler>;
+
+// How many times a sampler is told of at once: enough to gain from working them out together, and few enough that
+// what is worked out before a deadline, and then not asked for, is soon made up for.
+inline constexpr std::size_t kExpectedAtOnce = 64;
+
+// Samples at `times`, an array or SampleTimes, in their order from any of them on, and tells the sampler which come.
+template <class Times>
+class OrderedSampler {
+ public:
+  OrderedSampler(Sampler& sampler, const Times& times) : sampler_(sampler), times_(times) {}
+
+  // i < times.size()
+  Position at(std::size_t i) {
+    if (i >= told_) tell(i);
+    return sampler_(times_[i]);
+  }
+
+ private:
+  void tell(std::size_t first) {
+    std::array<double, kExpectedAtOnce> coming;
+    const std::size_t count = std::min(coming.size(), times_.size() - first);
+    for (std::size_t i = 0; i < count; ++i) coming[i] = times_[first + i];
+    told_ = first + count;
+    sampler_.expect({coming.data(), count});
+  }
+
+  Sampler& sampler_;
+  const Times& times_;
+  std::size_t told_ = 0;  // times before this one need no further hint
+};
 
 // The exact, slow query: the translation row of the world matrix, through the command layer.
 Position _world_pos_at(const std::string& obj, double t);

@@ -179,6 +179,31 @@ TEST_F(Sampling, TimesAreSampledInTheOrderGivenWithTheirDuplicates) {
   EXPECT_THAT(times_of(_sample_at_times("|ball", {3.0, 1.0, 3.0})), ElementsAre(3.0, 1.0, 3.0));
 }
 
+TEST_F(Sampling, TheFastSamplerIsToldWhichTimesComeSomeAtATimeAndBeforeItIsAsked) {
+  const SamplerPtr sampler = _make_fast_sampler("|ball");
+  fake.hints.clear();
+  fake.evaluations = 0;
+  _sample_positions("|ball", 1.0, 150.0, 1.0, sampler);
+  ASSERT_EQ(fake.hints.size(), 3u);
+  double expected = 1.0;
+  for (const auto& hint : fake.hints) {
+    EXPECT_EQ(hint.evaluations, static_cast<std::size_t>(expected) - 1);
+    EXPECT_LE(hint.times.size(), kExpectedAtOnce);
+    for (const double t : hint.times) EXPECT_EQ(t, expected++);
+  }
+  EXPECT_EQ(expected, 151.0);
+  _sample_at_times("|ball", {3.0, 1.0, 3.0}, sampler);
+  EXPECT_THAT(fake.hints.back().times, ElementsAre(3.0, 1.0, 3.0));
+  EXPECT_EQ(fake.hints.back().evaluations, 150u);
+}
+
+TEST_F(Sampling, AHintIsNeverEmptyAndTheSlowQueryTakesNone) {
+  _sample_positions("|ball", 10.0, 5.0, 1.0);
+  _sample_at_times("|ball", {});
+  _sample_positions("|ball", 1.0, 5.0, 1.0, _make_slow_sampler("|ball"));
+  EXPECT_TRUE(fake.hints.empty());
+}
+
 TEST_F(Sampling, FailuresOfTheHostReachTheCaller) {
   EXPECT_THROW(_world_pos_at("|nobody", 1.0), host::Error);
   EXPECT_THROW(_sample_positions("|nobody", 1.0, 2.0, 1.0), host::Error);

@@ -45,6 +45,7 @@ class WorldMatrixElement : public BasePlug {
  public:
   WorldMatrixElement(const Scene& scene, NodeId node) : evaluator_(scene.evaluation, node) {}
   Vector translation_at(double t, const host::TimeUnit&) override { return evaluator_.translation(t); }
+  void expect(std::span<const double> times, const host::TimeUnit&) override { evaluator_.expect(times); }
 
  private:
   Evaluator evaluator_;

@@ -1,6 +1,6 @@
 #include "standalone/scene/scene.h"
 
-#include "standalone/scene/evaluation/records.h"
+#include "standalone/scene/evaluation/evaluation.h"
 
 namespace vantorelix::standalone {
 

@@ -74,6 +74,10 @@ class FakeHost::FakePlug : public host::Plug {
     const Vector& offset = fake_.context_offset;
     return {exact.x + offset.x, exact.y + offset.y, exact.z + offset.z};
   }
+  void expect(std::span<const double> times, const host::TimeUnit& unit) override {
+    if (!(unit == fake_.ui_unit)) throw host::Error("not the unit that was handed out");
+    fake_.hints.push_back({{times.begin(), times.end()}, fake_.evaluations});
+  }
   void set_vector_array(const std::shared_ptr<host::VectorArray>& array) override {
     fake_.refuse(path_, attribute_);
     fake_.node(path_).arrays[attribute_] = dynamic_cast<const FakeArray&>(*array).values();

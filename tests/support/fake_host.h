@@ -69,6 +69,12 @@ class FakeHost : public host::CommandLayer,
   // Called before each evaluation of either road; may throw.
   std::function<void()> on_evaluation;
   std::size_t evaluations = 0;
+  // The hints that came, each with the number of evaluations before it.
+  struct Hint {
+    std::vector<double> times;
+    std::size_t evaluations;
+  };
+  std::vector<Hint> hints;
   // Attributes that cannot be written or found: "xrayMode", or with a node's name before it, "ballShape.xrayMode".
   std::set<std::string> refused;
   std::set<std::string> node_types = {"transform", "vantorelix"};  // what createNode can make

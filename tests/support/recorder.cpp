@@ -201,6 +201,8 @@ class RecordedPlug : public host::Plug {
     tape_.call("plug.translation_at", t);
     return inner_->translation_at(t, unit);
   }
+  // No call of the host's: passed on, and not recorded.
+  void expect(std::span<const double> times, const host::TimeUnit& unit) override { inner_->expect(times, unit); }
   void set_vector_array(const std::shared_ptr<host::VectorArray>& array) override {
     const auto& recorded = dynamic_cast<const RecordedArray&>(*array);
     tape_.call("plug.setMObject", recorded.size());

@@ -119,7 +119,7 @@ void AnimCurve::set_frames_per_second(double frames_per_second) {
 }
 
 void AnimCurve::keys_changed() {
-  prepared_ = false;
+  prepared_ = keys_prepared_ = false;
   segment_count_ = 0;
   even_count_ = 0.0;
 }
@@ -133,8 +133,8 @@ void AnimCurve::rebuild() const {
   pre_slope_ = 0.0;
   constant_ = true;
   steady_ = false;
-  find_even_spacing();
-  prepared_ = true;
+  find_even_spacing(segment_count_, [this](std::size_t i) { return segments_[i].start; });
+  prepared_ = keys_prepared_ = true;
   if (keys_.empty()) return;
 
   segments_per_frame_ = static_cast<double>(segment_count_ - 1) / (keys_.back().time - keys_.front().time);
@@ -157,48 +157,59 @@ void AnimCurve::rebuild() const {
   if (repeats(post_)) after.set_not_cubic();
 }
 
-void AnimCurve::find_even_spacing() const {
+// What is worth making before the polynomials: who asks at keys that are evenly spaced never needs those.
+void AnimCurve::prepare_keys() const {
+  if (keys_prepared_) return;
+  keys_prepared_ = true;
+  find_even_spacing(keys_.size(), [this](std::size_t i) { return keys_[i].time; });
+  if (even_count_ == 0.0) return;
+  values_.resize(keys_.size());
+  std::transform(keys_.begin(), keys_.end(), values_.begin(), [](const Key& key) { return key.value; });
+}
+
+template <class Start>
+void AnimCurve::find_even_spacing(std::size_t count, Start start) const {
   even_count_ = 0.0;
-  if (segment_count_ < 2) return;
-  const auto between = static_cast<double>(segment_count_ - 1);
-  even_first_ = segments_[0].start;
-  even_length_ = (segments_[segment_count_ - 1].start - even_first_) / between;
+  if (count < 2) return;
+  const auto between = static_cast<double>(count - 1);
+  even_first_ = start(0);
+  even_length_ = (start(count - 1) - even_first_) / between;
   even_per_frame_ = 1.0 / even_length_;
-  for (std::size_t i = 0; i < segment_count_; ++i)
-    if (segments_[i].start != even_start(static_cast<std::ptrdiff_t>(i))) return;
+  for (std::size_t i = 0; i < count; ++i)
+    if (start(i) != even_start(static_cast<std::ptrdiff_t>(i))) return;
   even_count_ = between + 1.0;
 }
 
+bool AnimCurve::is_constant() const {
+  const auto differs = [this](const Key& key) { return key.value != keys_[0].value; };
+  if (!prepared_ && std::any_of(keys_.begin(), keys_.end(), differs)) return false;
+  prepare();
+  return constant_;
+}
+
 void AnimCurve::evaluate(std::span<const double> frames, double* values, std::size_t& hint, KeyPlaces& places) const {
+  prepare_keys();
+  if (find_places(frames, places) && places.on_keys) {
+    for (std::size_t i = 0; i < frames.size(); ++i) values[i] = values_[static_cast<std::size_t>(places.at[i])];
+    return;
+  }
   prepare();
   if (steady_) {
     std::fill_n(values, frames.size(), values_[0]);
     return;
   }
-  if (evaluate_even(frames, values, places) || rise_at_once(frames, values, hint)) return;
+  if (rise_evenly(frames, values, places) || rise_at_once(frames, values, hint)) return;
   for (std::size_t i = 0; i < frames.size(); ++i) values[i] = evaluate(frames[i], hint);
 }
 
-// False, with anything in `values`, where segments are not evenly spaced, or some is asked for that is no cubic.
-bool AnimCurve::evaluate_even(std::span<const double> frames, double* values, KeyPlaces& places) const {
-  if (!(even_count_ > 0.0) || even_count_ > 1e9 || frames.size() > places.at.size()) return false;
-  if (places.first != even_first_ || places.length != even_length_ || places.count != even_count_)
-    find_places(frames, places);
-  if (places.on_keys) {
-    for (std::size_t i = 0; i < frames.size(); ++i) values[i] = values_[static_cast<std::size_t>(places.at[i])];
-    return true;
-  }
-  if (places.before && pre_ != Infinity::constant) return false;
-  std::ptrdiff_t unknown = 0;
-  for (std::size_t i = 0; i < frames.size(); ++i) {
-    const auto at = static_cast<std::size_t>(places.at[i]);
-    values[i] = values_[at] + segments_[at].rise_after(places.since[i]);
-    unknown += values[i] == values[i] ? 0 : 1;
-  }
-  return unknown == 0;
+bool AnimCurve::has(const KeyPlaces& places) const {
+  return places.first == even_first_ && places.length == even_length_ && places.count == even_count_;
 }
 
-void AnimCurve::find_places(std::span<const double> frames, KeyPlaces& places) const {
+// False where the curve is not evenly spaced.
+bool AnimCurve::find_places(std::span<const double> frames, KeyPlaces& places) const {
+  if (!(even_count_ > 0.0) || even_count_ > 1e9 || frames.size() > places.at.size()) return false;
+  if (has(places)) return true;
   places.first = even_first_;
   places.length = even_length_;
   places.count = even_count_;
@@ -217,6 +228,19 @@ void AnimCurve::find_places(std::span<const double> frames, KeyPlaces& places) c
     places.on_keys &= frame == even_start(at);
     places.before |= before;
   }
+  return true;
+}
+
+// False, with anything in `values`, where segments are not evenly spaced, or some is asked for that is no cubic.
+bool AnimCurve::rise_evenly(std::span<const double> frames, double* values, const KeyPlaces& places) const {
+  if (even_count_ == 0.0 || !has(places) || (places.before && pre_ != Infinity::constant)) return false;
+  std::ptrdiff_t unknown = 0;
+  for (std::size_t i = 0; i < frames.size(); ++i) {
+    const auto at = static_cast<std::size_t>(places.at[i]);
+    values[i] = values_[at] + segments_[at].rise_after(places.since[i]);
+    unknown += values[i] == values[i] ? 0 : 1;
+  }
+  return unknown == 0;
 }
 
 // Where the frames are all on one cubic. False, and nothing done, where they are not.
@@ -234,6 +258,10 @@ bool AnimCurve::rise_at_once(std::span<const double> frames, double* values, std
 
 double AnimCurve::evaluate_elsewhere(double frame, std::size_t& hint) const {
   if (keys_.empty()) return 0.0;
+  if (!keys_prepared_) {
+    prepare_keys();
+    return evaluate(frame, hint);  // may need no more
+  }
   prepare();
   const Key& first = keys_.front();
   const Key& last = keys_.back();

@@ -21,10 +21,11 @@ struct KeyPlaces {
   std::array<double, 64> since;                   // and frames since then
 };
 
-// Keys are kept ascending in time, one per time. Evaluation is a look-up and a cubic: the first one after a change
-// computes the whole curve's polynomials (about 10 ns a key), so that a curve that nobody asks costs its keys alone. A
-// key costs 56 bytes, and 40 more once it was evaluated; readers that reserve the number of keys before filling the
-// vector they hand to assign waste nothing. One thread at a time.
+// Keys are kept ascending in time, one per time. Evaluation is a look-up and a cubic. A curve that nobody asks costs
+// its keys alone, 56 bytes each; one that is asked at evenly spaced keys of its own, as a recorded motion is, 8 bytes
+// more; elsewhere, the first question after a change computes the whole curve's polynomials (about 10 ns and 32 bytes a
+// key). Readers that reserve the number of keys before filling the vector they hand to assign waste nothing. One thread
+// at a time.
 class AnimCurve {
  public:
   explicit AnimCurve(CurveKind kind = CurveKind::linear, double frames_per_second = 24.0);
@@ -84,10 +85,7 @@ class AnimCurve {
     return evaluate(frame, hint);
   }
   // True when every frame gives the same value.
-  bool is_constant() const {
-    prepare();
-    return constant_;
-  }
+  bool is_constant() const;
 
  private:
   double even_start(std::ptrdiff_t i) const { return even_first_ + static_cast<double>(i) * even_length_; }
@@ -96,23 +94,29 @@ class AnimCurve {
     if (!prepared_) rebuild();
   }
   void rebuild() const;
-  void find_even_spacing() const;
-  bool evaluate_even(std::span<const double> frames, double* values, KeyPlaces& places) const;
-  void find_places(std::span<const double> frames, KeyPlaces& places) const;
+  void prepare_keys() const;
+  template <class Start>
+  void find_even_spacing(std::size_t count, Start start) const;
+  bool has(const KeyPlaces& places) const;
+  bool find_places(std::span<const double> frames, KeyPlaces& places) const;
+  bool rise_evenly(std::span<const double> frames, double* values, const KeyPlaces& places) const;
   bool rise_at_once(std::span<const double> frames, double* values, std::size_t& hint) const;
   double evaluate_elsewhere(double frame, std::size_t& hint) const;
   double evaluate_repeated(double frame, Infinity infinity, std::size_t& hint) const;
   double evaluate_inside(double frame, std::size_t& hint) const;
   std::size_t locate(double frame, std::size_t hint) const;
 
-  // What evaluation looks at, made by prepare(). Until then it finds no segments, which is what sends it there.
+  // What evaluation looks at, made by prepare(). Until then it finds no segments, which is what sends it there; but
+  // prepare_keys() may have made `values_` and the even spacing of the keys alone, which are all that their own times
+  // need.
 
   // One for each key and, last, one that starts at infinity, so that segment i ends where i + 1 starts. The last
   // key's holds the constant or linear continuation. Not counted: the one at infinity.
   mutable std::vector<CurveSegment> segments_;
   mutable std::vector<double> values_;  // beside segments_, what they rise from
   mutable std::size_t segment_count_ = 0;
-  // How many segments there are when all start where even_start() says, to the last bit; else 0.
+  // How many segments (keys, until they are made) there are when all start where even_start() says, to the last bit;
+  // else 0.
   mutable double even_count_ = 0.0;
   mutable double even_first_ = 0.0, even_length_ = 0.0, even_per_frame_ = 0.0;
   mutable double segments_per_frame_ = 0.0;                 // on average: the first guess of a search
@@ -128,6 +132,7 @@ class AnimCurve {
   Infinity post_ = Infinity::constant;
   double frames_per_second_;
   std::vector<Key> keys_;
+  mutable bool keys_prepared_ = false;
 };
 
 }  // namespace vantorelix::standalone

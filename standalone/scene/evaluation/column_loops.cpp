@@ -53,15 +53,16 @@ bool rotations(const double* angles, std::size_t count, int order, double* rows)
   return true;
 }
 
-void products(const double* __restrict a, const double* __restrict b, std::size_t count, double* __restrict out) {
+void products(const double* __restrict a, const double* __restrict b, std::size_t b_stride, std::size_t count,
+              double* __restrict out, std::size_t out_stride) {
   for (std::size_t j = 0; j < 12; ++j) {
     const double* const x = a + (j - j % 3) * kColumn;
-    const double* const y = b + j % 3 * kColumn;
-    double* const made = out + j * kColumn;
+    const double* const y = b + j % 3 * b_stride;
+    double* const made = out + j * out_stride;
     for (std::size_t i = 0; i < count; ++i)
-      made[i] = x[i] * y[i] + x[kColumn + i] * y[3 * kColumn + i] + x[2 * kColumn + i] * y[6 * kColumn + i];
+      made[i] = x[i] * y[i] + x[kColumn + i] * y[3 * b_stride + i] + x[2 * kColumn + i] * y[6 * b_stride + i];
     if (j < 9) continue;
-    for (std::size_t i = 0; i < count; ++i) made[i] += y[9 * kColumn + i];
+    for (std::size_t i = 0; i < count; ++i) made[i] += y[9 * b_stride + i];
   }
 }
 

@@ -18,8 +18,9 @@ struct ColumnLoops {
   // The upper rows, nine columns, of the rotations by `angles`: three columns, x, y, z in radians. `order` as
   // Channel::rotateOrder counts. False, and nothing written, when an angle lies beyond base::kSineReach.
   bool (*rotations)(const double* angles, std::size_t count, int order, double* rows);
-  // First a, then b, as operator* of Affine: twelve columns each.
-  void (*products)(const double* a, const double* b, std::size_t count, double* out);
+  // First a, then b, as operator* of Affine: twelve columns each. Those of b and out are as far apart as is said.
+  void (*products)(const double* a, const double* b, std::size_t b_stride, std::size_t count, double* out,
+                   std::size_t out_stride);
 };
 
 namespace lanes {

@@ -2,13 +2,16 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <random>
 #include <string>
+#include <vector>
 
+#include "base/matrix.h"
 #include "standalone/scene/evaluation/time_cache.h"
 #include "standalone/scene/transforms/rotation.h"
 
@@ -33,6 +36,11 @@ class ColumnsOf : public testing::TestWithParam<std::size_t> {
   std::mt19937_64 random{7};
   AffineColumns a, b, made;
 
+  static Affine matrix(const AffineColumns& columns, std::size_t i) {
+    Affine m;
+    for (std::size_t j = 0; j < 12; ++j) m.m[j / 3][j % 3] = columns.at[j][i];
+    return m;
+  }
   void forget() {
     for (auto& column : made.at)
       for (double& value : column) value = 99.0;
@@ -83,9 +91,23 @@ TEST_P(ColumnsOf, ProductsAreThoseMadeOneByOne) {
       fill(a.at[0], 12, most, random);
       fill(b.at[0], 12, most, random);
       forget();
-      loops.products(a.at[0], b.at[0], count, made.at[0]);
-      expect(12, count, [&](std::size_t i) { return AffineView(a, i).matrix() * AffineView(b, i); });
+      loops.products(a.at[0], b.at[0], kColumn, count, made.at[0], kColumn);
+      expect(12, count, [&](std::size_t i) { return matrix(a, i) * matrix(b, i); });
     }
+  }
+}
+
+TEST_P(ColumnsOf, ProductsAreTheSameWhereColumnsAreCloserTogether) {
+  for (const std::size_t count : kCounts) {
+    fill(a.at[0], 12, 10.0, random);
+    fill(b.at[0], 12, 10.0, random);
+    std::vector<double> close(12 * count), product(12 * count + 1, 99.0);
+    for (std::size_t j = 0; j < 12; ++j) std::copy_n(b.at[j], count, &close[j * count]);
+    loops.products(a.at[0], close.data(), count, count, product.data(), count);
+    forget();
+    for (std::size_t j = 0; j < 12; ++j) std::copy_n(&product[j * count], count, made.at[j]);
+    expect(12, count, [&](std::size_t i) { return matrix(a, i) * matrix(b, i); });
+    EXPECT_EQ(product.back(), 99.0);
   }
 }
 

@@ -1,19 +1,21 @@
 #include "standalone/scene/evaluation/evaluator.h"
 
-#include "standalone/scene/evaluation/records.h"
+#include "standalone/scene/evaluation/evaluation.h"
 
 namespace vantorelix::standalone {
 
+void Evaluator::expect(std::span<const double> frames) { scene_.evaluation_->positions.expect(frames); }
+
 Vector Evaluator::translation(double frame) {
-  const Graph& scene = scene_.evaluation_->graph;
-  if (motion_ != scene.counts.motion) {
-    const Node& node = scene.at(node_);
+  Evaluation& evaluation = *scene_.evaluation_;
+  if (motion_ != evaluation.graph.counts.motion) {
+    const Node& node = evaluation.graph.at(node_);
     const bool shape = node.type->category == Category::shape;
-    record_ = &record_of(scene, shape ? node.parent : node_);
+    record_ = &evaluation.records.of(shape ? node.parent : node_);
     record_->asked = true;
-    motion_ = scene.counts.motion;
+    motion_ = evaluation.graph.counts.motion;
   }
-  return translation_of(*scene_.evaluation_, *record_, frame);
+  return evaluation.positions.at(*record_, frame);
 }
 
 }  // namespace vantorelix::standalone

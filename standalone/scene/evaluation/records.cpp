@@ -13,10 +13,6 @@ constexpr std::uint64_t kLinear = triple(Channel::rotateX) | triple(Channel::sca
 constexpr std::uint64_t kPivots = triple(Channel::rotatePivotX) | triple(Channel::rotatePivotTranslateX) |
                                   triple(Channel::scalePivotX) | triple(Channel::scalePivotTranslateX);
 
-bool is_current(const Graph& scene, const Node& node) {
-  return node.record && node.record->values == scene.counts.values;
-}
-
 void add_driver(const Graph& scene, Record& r, Channel channel) {
   Expression expression;
   if (!compile_driver(scene, r.node, id_of(channel), expression).empty()) {
@@ -75,41 +71,6 @@ void refresh_local(const Graph& scene, const Node& node, Record& r) {
   set_translation(r.local, placed(r.channels, r.factors, r.shift));
 }
 
-Record& local_record(const Graph& scene, const Node& node) {
-  if (!node.record) {
-    node.record = std::make_shared<Record>();
-    node.record->node = node.id;
-  }
-  Record& r = *node.record;
-  if (r.structure != scene.counts.structure) compile(scene, node, r);
-  if (r.local_values != scene.counts.values) refresh_local(scene, node, r);
-  r.local_values = scene.counts.values;
-  return r;
-}
-
-// What the world matrix takes besides the local one, their records being current.
-void refresh_world(const Graph& scene, const Node& node, Record& r, const OffsetDriver& offset) {
-  const bool may_inherit =
-      (r.driven_mask & bit(Channel::inheritsTransform)) != 0 || r.channels[index(Channel::inheritsTransform)] != 0.0;
-  const Node* parent = may_inherit && node.parent != kWorld ? scene.find(node.parent) : nullptr;
-  r.parent = parent ? parent->record.get() : nullptr;
-  r.offset_source = offset.followed ? &local_record(scene, scene.at(offset.source)) : nullptr;
-  r.offset_is_local = offset.local;
-  r.unfollowed = r.drivers_unfollowed || (offset.connected && !offset.followed);
-  r.offset = scene.offset_parent_matrix(node);
-  r.has_offset = r.offset_source != nullptr || !(r.offset == Affine{});
-  const bool offset_moves =
-      r.offset_source && (offset.local ? !r.offset_source->driven.empty() : r.offset_source->moves);
-  r.moves = !r.driven.empty() || (r.parent && r.parent->moves) || offset_moves;
-  r.stamp = 0;
-  r.values = scene.counts.values;
-  if (r.moves) return;
-  if (r.offset_source) r.offset = r.offset_is_local ? r.offset_source->local : r.offset_source->world;
-  r.world = r.has_offset ? r.local * r.offset : r.local;
-  if (r.parent) r.world = r.world * r.parent->world;
-  r.current = AffineView(r.world);
-}
-
 // The upward closure of a node: the parents and the sources of offsets, whether or not they are followed.
 bool reaches(const Graph& scene, const Node& from, NodeId wanted) {
   std::vector<const Node*> open = {&from};
@@ -144,27 +105,71 @@ OffsetDriver offset_driver(const Graph& scene, const Node& node) {
   return driver;
 }
 
-Record& record_of(const Graph& scene, NodeId id) {
-  const Node& target = scene.transform(id);
-  if (is_current(scene, target)) return *target.record;
+bool Records::is_current(const Node& node) const {
+  return node.id < of_node_.size() && of_node_[node.id] && of_node_[node.id]->values == scene_.counts.values;
+}
+
+Record& Records::local(const Node& node) {
+  if (of_node_.size() <= node.id) of_node_.resize(node.id + 1);
+  std::unique_ptr<Record>& place = of_node_[node.id];
+  if (!place) {
+    place = std::make_unique<Record>();
+    place->node = node.id;
+  }
+  node.compiled = true;
+  Record& r = *place;
+  if (r.structure != scene_.counts.structure) compile(scene_, node, r);
+  if (r.local_values != scene_.counts.values) refresh_local(scene_, node, r);
+  r.local_values = scene_.counts.values;
+  return r;
+}
+
+// What the world matrix takes besides the local one, their records being current.
+void Records::refresh_world(const Node& node, Record& r, const OffsetDriver& offset) {
+  const bool may_inherit =
+      (r.driven_mask & bit(Channel::inheritsTransform)) != 0 || r.channels[index(Channel::inheritsTransform)] != 0.0;
+  const Node* parent = may_inherit && node.parent != kWorld ? scene_.find(node.parent) : nullptr;
+  r.parent = parent ? of_node_[parent->id].get() : nullptr;
+  r.offset_source = offset.followed ? &local(scene_.at(offset.source)) : nullptr;
+  r.offset_is_local = offset.local;
+  r.unfollowed = r.drivers_unfollowed || (offset.connected && !offset.followed);
+  r.offset = scene_.offset_parent_matrix(node);
+  r.has_offset = r.offset_source != nullptr || !(r.offset == Affine{});
+  const bool offset_moves =
+      r.offset_source && (offset.local ? !r.offset_source->driven.empty() : r.offset_source->moves);
+  r.moves = !r.driven.empty() || (r.parent && r.parent->moves) || offset_moves;
+  r.behind = 1;
+  if (r.parent) r.behind += r.parent->behind;
+  if (r.offset_source && !r.offset_is_local) r.behind += r.offset_source->behind;
+  r.behind = r.moves ? std::min(r.behind, Record::kMaxBehind) : 0;
+  r.values = scene_.counts.values;
+  if (r.moves) return;
+  if (r.offset_source) r.offset = r.offset_is_local ? r.offset_source->local : r.offset_source->world;
+  r.world = r.has_offset ? r.local * r.offset : r.local;
+  if (r.parent) r.world = r.world * r.parent->world;
+}
+
+Record& Records::of(NodeId id) {
+  const Node& target = scene_.transform(id);
+  if (is_current(target)) return *of_node_[id];
   std::vector<const Node*> stack = {&target};
   const auto needed = [&](NodeId other) {
-    const Node* node = scene.find(other);
-    if (other == kWorld || node == nullptr || is_current(scene, *node)) return false;
+    const Node* node = scene_.find(other);
+    if (other == kWorld || node == nullptr || is_current(*node)) return false;
     stack.push_back(node);
     return true;
   };
   while (!stack.empty()) {
     const Node& node = *stack.back();
-    if (!is_current(scene, node)) {
+    if (!is_current(node)) {
       if (needed(node.parent)) continue;
-      const OffsetDriver offset = offset_driver(scene, node);
+      const OffsetDriver offset = offset_driver(scene_, node);
       if (offset.followed && !offset.local && needed(offset.source)) continue;
-      refresh_world(scene, node, local_record(scene, node), offset);
+      refresh_world(node, local(node), offset);
     }
     stack.pop_back();
   }
-  return *target.record;
+  return *of_node_[id];
 }
 
 Channels channels_at(const Record& record, double frame) {

@@ -1,11 +1,10 @@
-// Nodes compiled for evaluation, and the world matrices remembered between samples.
+// Transforms compiled for evaluation.
 // For the files of standalone/scene only.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "standalone/scene/evaluation/expression.h"
@@ -13,6 +12,8 @@
 #include "standalone/scene/transforms/local_matrix.h"
 
 namespace vantorelix::standalone {
+
+struct Node;
 
 struct DrivenChannel {
   const AnimCurve* curve;  // null: see expression
@@ -25,7 +26,7 @@ struct DrivenChannel {
 // ones there are what they were at the last sample.
 struct Record {
   NodeId node = kNoNode;
-  std::uint64_t structure = 0;     // of the scene when it was compiled
+  std::uint64_t structure = 0;     // the scene's count when it was compiled
   std::uint64_t local_values = 0;  // ... when its static channels were read
   std::uint64_t values = 0;        // ... when what it hangs on was, too
 
@@ -52,38 +53,20 @@ struct Record {
   Channels channels = kRestChannels;
   Rotations rotations;
   Vector shift;
-  Affine offset;  // static, or of the last sample
+  Affine offset;  // where it stands still
   Affine local;
-  Affine world;
+  Affine world;              // where it stands still
+  std::uint32_t behind = 0;  // how many matrices move for the sake of this one, itself counted; kMaxBehind at most
+  static constexpr std::uint32_t kMaxBehind = 1 << 20;
 
-  Affine walked;  // the world matrix of the plain walk `walk`
-  std::uint64_t walk = 0;
-
-  AffineView current;  // the world matrix at the sample `stamp`
+  // For Positions: the world matrices at the times that its `stamp` stands for.
+  Columns current;
   std::uint64_t stamp = 0;
   CachedMatrices cached;
-};
 
-// What a scene's evaluation keeps.
-struct Evaluation {
-  explicit Evaluation(const Graph& of) : graph(of) {}
-
-  const Graph& graph;
-
-  std::uint64_t stamp = 1;  // one for each pair of time and motion
-  std::uint64_t stamp_motion = 0;
-  double frame = 0.0;
-  TimeCache::Slot slot = TimeCache::kNone;
-  TimeCache cache;
-  const Record* asked = nullptr;  // whose place the sample is wanted for
-  // A bit for each time of the slot's chunk that will be asked for next, once found.
-  std::optional<std::uint64_t> expected;
-  std::vector<Record*> stack;
-
-  // The plain walks, one for each pair of time and motion.
-  std::uint64_t walk = 1;
-  std::uint64_t walk_motion = 0;
-  double walk_frame = 0.0;
+  // For PlainMatrices: the world matrix of the walk `walk`.
+  Affine walked;
+  std::uint64_t walk = 0;
 };
 
 // What drives a node's offset parent matrix.
@@ -96,11 +79,24 @@ struct OffsetDriver {
 };
 OffsetDriver offset_driver(const Graph& scene, const Node& node);
 
-// The record of a transform, compiled and refreshed together with everything it depends on.
-Record& record_of(const Graph& scene, NodeId node);
+// The records of a scene's transforms, made when somebody asks. A record stays where it is.
+class Records {
+ public:
+  explicit Records(const Graph& scene) : scene_(scene) {}
+
+  // Compiled and refreshed together with everything it depends on. Throws host::Error where there is no such transform.
+  Record& of(NodeId node);
+
+ private:
+  bool is_current(const Node& node) const;
+  Record& local(const Node& node);
+  void refresh_world(const Node& node, Record& r, const OffsetDriver& offset);
+
+  const Graph& scene_;
+  std::vector<std::unique_ptr<Record>> of_node_;
+};
+
 // The channels at a frame: the plain way.
 Channels channels_at(const Record& record, double frame);
-// The translation row of the world matrix: the fast way.
-Vector translation_of(Evaluation& evaluation, Record& record, double frame);
 
 }  // namespace vantorelix::standalone

@@ -2,7 +2,7 @@
 
 #include <unordered_set>
 
-#include "standalone/scene/evaluation/records.h"
+#include "standalone/scene/evaluation/evaluation.h"
 
 namespace vantorelix::standalone {
 namespace {
@@ -13,66 +13,9 @@ NodeId transform_of(const Graph& scene, NodeId id) {
   return node.type->category == Category::shape ? node.parent : id;
 }
 
-Affine local_at(const Record& record, double frame) {
-  return local_matrix_of(channels_at(record, frame), record.factors);
-}
-
-// Worked out from the top, each matrix once for each time, until something moves.
-class Walk {
- public:
-  Walk(Evaluation& evaluation, double frame) : scene_(evaluation.graph), evaluation_(evaluation), frame_(frame) {
-    if (evaluation_.walk_motion == scene_.counts.motion && evaluation_.walk_frame == frame) return;
-    ++evaluation_.walk;
-    evaluation_.walk_motion = scene_.counts.motion;
-    evaluation_.walk_frame = frame;
-  }
-
-  const Affine& world(NodeId id) {
-    Record& target = record_of(scene_, id);
-    std::vector<Record*>& open = evaluation_.stack;
-    open.assign(1, &target);
-    while (!open.empty()) {
-      Record& r = *open.back();
-      if (is_done(r)) {
-        open.pop_back();
-      } else if (r.parent && !is_done(*r.parent)) {
-        open.push_back(r.parent);
-      } else if (r.offset_source && !r.offset_is_local && !is_done(*r.offset_source)) {
-        open.push_back(r.offset_source);
-      } else {
-        r.walked = composed(r);
-        r.walk = evaluation_.walk;
-        open.pop_back();
-      }
-    }
-    return target.walked;
-  }
-
- private:
-  bool is_done(const Record& r) const { return r.walk == evaluation_.walk; }
-
-  Affine composed(const Record& r) const {
-    const Channels channels = channels_at(r, frame_);
-    Affine m = local_matrix_of(channels, r.factors);
-    if (r.offset_source && r.offset_is_local) {
-      m = m * local_at(*r.offset_source, frame_);
-    } else if (r.offset_source) {
-      m = m * r.offset_source->walked;
-    } else if (r.has_offset) {
-      m = m * scene_.offset_parent_matrix(scene_.at(r.node));
-    }
-    const bool inherits = r.parent && channels[index(Channel::inheritsTransform)] != 0.0;
-    return inherits ? m * r.parent->walked : m;
-  }
-
-  const Graph& scene_;
-  Evaluation& evaluation_;
-  double frame_;
-};
-
 // Every transform whose local matrix goes into a node's world matrix, the node first.
-std::vector<const Record*> everything_behind(const Graph& scene, NodeId id) {
-  std::vector<const Record*> all = {&record_of(scene, id)};
+std::vector<const Record*> everything_behind(const Record& first) {
+  std::vector<const Record*> all = {&first};
   std::unordered_set<const Record*> seen = {all[0]};
   for (std::size_t i = 0; i < all.size(); ++i) {
     const Record* r = all[i];
@@ -121,23 +64,22 @@ void list_unfollowed(const Graph& scene, const Record& r, std::vector<std::strin
 }  // namespace
 
 Affine SceneEvaluation::world_matrix(NodeId node, double frame) const {
-  return Walk(*evaluation_, frame).world(transform_of(evaluation_->graph, node));
+  return evaluation_->plain.world(transform_of(evaluation_->graph, node), frame);
 }
 
 Affine SceneEvaluation::local_matrix(NodeId node, double frame) const {
   if (evaluation_->graph.at(node).type->category == Category::shape) return Affine{};
-  return local_at(record_of(evaluation_->graph, node), frame);
+  return evaluation_->plain.local(node, frame);
 }
 
 double SceneEvaluation::channel_at(NodeId node, Channel c, double frame) const {
-  evaluation_->graph.transform(node);
-  return channels_at(record_of(evaluation_->graph, node), frame)[index(c)];
+  return channels_at(evaluation_->records.of(node), frame)[index(c)];
 }
 
 bool SceneEvaluation::is_animated(NodeId node) const {
   const NodeId transform = transform_of(evaluation_->graph, node);
   if (!evaluation_->graph.at(transform).channels) return false;
-  for (const Record* r : everything_behind(evaluation_->graph, transform)) {
+  for (const Record* r : everything_behind(evaluation_->records.of(transform))) {
     if (varies(*r)) return true;
     if (r->offset_source && r->offset_is_local && varies(*r->offset_source)) return true;
   }
@@ -148,7 +90,7 @@ std::vector<std::string> SceneEvaluation::not_followed(NodeId node) const {
   std::vector<std::string> texts;
   const NodeId transform = transform_of(evaluation_->graph, node);
   if (!evaluation_->graph.at(transform).channels) return texts;
-  for (const Record* r : everything_behind(evaluation_->graph, transform)) {
+  for (const Record* r : everything_behind(evaluation_->records.of(transform))) {
     if (r->unfollowed) list_unfollowed(evaluation_->graph, *r, texts);
     if (r->offset_source && r->offset_is_local && r->offset_source->drivers_unfollowed)
       list_unfollowed(evaluation_->graph, *r->offset_source, texts);

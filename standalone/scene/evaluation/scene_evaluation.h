@@ -10,7 +10,7 @@
 
 namespace vantorelix::standalone {
 
-struct Evaluation;  // records.h
+struct Evaluation;  // evaluation.h
 
 class SceneEvaluation {
  public:

@@ -1,6 +1,7 @@
 #include "standalone/scene/evaluation/time_cache.h"
 
-#include <algorithm>
+#include <bit>
+#include <cstring>
 
 namespace vantorelix::standalone {
 namespace {
@@ -12,77 +13,69 @@ std::size_t hash_of(std::uint64_t bits) { return static_cast<std::size_t>(bits ^
 
 void TimeCache::clear() {
   ++epoch_;
-  used_ = missing_ = found_ = 0;
-  std::fill(asked_.begin(), asked_.end(), 0);
+  used_ = 0;
+  times_.clear();
+  slots_ = {};
+  lists_.clear();
+  lists_by_hash_ = {};
+  full_ = false;
 }
 
-TimeCache::Slot TimeCache::number(double time) {
-  const std::uint64_t bits = bits_of(time);
-  const Slot known = slots_.find(hash_of(bits), [&](Slot other) { return bits_of(times_[other]) == bits; });
+Times& TimeCache::numbered(std::span<const double> frames) {
+  const std::size_t hash = hash_of(std::bit_cast<std::uint64_t>(frames.front()) +
+                                   3 * std::bit_cast<std::uint64_t>(frames.back()) + frames.size());
+  const auto same = [&](std::uint32_t list) {
+    return lists_[list].size == frames.size() &&
+           std::memcmp(lists_[list].frame.data(), frames.data(), frames.size_bytes()) == 0;
+  };
+  const std::uint32_t known = lists_by_hash_.find(hash, same);
+  if (known != HashIndex::kNone) return lists_[known];
+  full_ |= lists_.size() + 1 >= kMaxLists;
+  lists_by_hash_.insert(hash, static_cast<std::uint32_t>(lists_.size()));
+  Times& list = lists_.emplace_back();
+  list.size = frames.size();
+  list.numbered = list.in_a_row = true;
+  for (std::size_t i = 0; i < list.size; ++i) {
+    list.frame[i] = frames[i];
+    list.slot[i] = number(frames[i]);
+    list.numbered &= list.slot[i] != kNoSlot;
+    list.in_a_row &= list.slot[i] == list.slot[0] + i;
+  }
+  list.in_a_row &= list.slot[0] / kColumn == list.slot[list.size - 1] / kColumn;
+  return list;
+}
+
+Slot TimeCache::number(double time) {
+  const auto bits = std::bit_cast<std::uint64_t>(time);
+  const Slot known = slots_.find(hash_of(bits), [&](Slot other) { return times_[other] == bits; });
   if (known != HashIndex::kNone) return known;
-  if (times_.size() == kMostTimes) return kNone;
+  if (times_.size() == kMaxTimes) {
+    full_ = true;
+    return kNoSlot;
+  }
   const auto fresh = static_cast<Slot>(times_.size());
   slots_.insert(hash_of(bits), fresh);
-  times_.push_back(time);
-  following_.push_back({});
-  asked_.push_back(0);
+  times_.push_back(bits);
   return fresh;
 }
 
-TimeCache::Slot TimeCache::look_up(double time) {
-  const Slot slot = number(time);
-  if (slot == kNone) {
-    note_missing();
-    return kNone;
-  }
-  if (last_ < following_.size()) following_[last_] = {slot, following_[last_][0]};
-  return last_ = slot;
-}
-
-std::uint64_t TimeCache::usual(Slot slot) const {
-  constexpr std::uint32_t kAbout = 8;  // a frame on keys is asked for several times a node
-  const std::size_t first = slot - slot % MatrixChunk::kSlots;
-  const std::size_t count = std::min<std::size_t>(MatrixChunk::kSlots, asked_.size() - first);
-  const std::uint32_t least = asked_[slot] / kAbout;
-  std::uint64_t bits = 0;
-  for (std::size_t i = 0; i < count; ++i) bits |= std::uint64_t{asked_[first + i] > least} << i;
-  return bits | std::uint64_t{1} << slot % MatrixChunk::kSlots;
-}
-
-MatrixChunk* TimeCache::chunk_for(CachedMatrices& node, Slot slot) {
+MatrixChunk* TimeCache::find_or_make(CachedMatrices& node, Slot slot) {
   if (node.epoch != epoch_) {
     node.epoch = epoch_;
     node.chunks.clear();
   }
-  const std::size_t chunk = slot / MatrixChunk::kSlots;
+  const std::size_t chunk = slot / kColumn;
   if (node.chunks.size() <= chunk) node.chunks.resize(chunk + 1);
   MatrixChunk*& place = node.chunks[chunk];
-  if (place == nullptr) {
-    if (used_ == kMostChunks) {
-      note_missing();
-      return nullptr;
-    }
-    if (used_ == chunks_.size()) chunks_.push_back(std::make_unique<MatrixChunk>());
-    place = chunks_[used_++].get();
-    place->valid = 0;
+  if (place != nullptr) return place;
+  if (used_ == kMaxChunks) {
+    full_ = true;
+    return nullptr;
   }
+  if (used_ == chunks_.size()) chunks_.push_back(std::make_unique_for_overwrite<MatrixChunk>());
+  place = chunks_[used_++].get();
+  place->valid = 0;
   return place;
-}
-
-void TimeCache::note_missing() {
-  constexpr std::size_t kPatience = 1 << 16;
-  if (++missing_ == 1) found_ = 0;
-  useless_ = missing_ >= kPatience && missing_ >= 4 * found_;
-}
-
-void TimeCache::start_anew() {
-  clear();
-  times_.clear();
-  following_.clear();
-  asked_.clear();
-  slots_ = {};
-  last_ = kNone;
-  useless_ = false;
 }
 
 }  // namespace vantorelix::standalone

@@ -2,76 +2,100 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace vantorelix::standalone {
 namespace {
 
-TEST(TimeCache, NumbersEachTimeOnceInWhateverOrderItIsAsked) {
-  TimeCache cache;
-  std::vector<TimeCache::Slot> slots;
-  for (int i = 0; i < 1000; ++i) slots.push_back(cache.slot(i * 0.1));
-  for (int i = 999; i >= 0; --i) EXPECT_EQ(cache.slot(i * 0.1), slots[static_cast<std::size_t>(i)]);
-  for (int i = 0; i < 1000; ++i)
-    EXPECT_EQ(cache.slot((i * 7 % 1000) * 0.1), slots[static_cast<std::size_t>(i * 7 % 1000)]);
+std::vector<double> frames(int first, int count, int step = 1) {
+  std::vector<double> all;
+  for (int i = 0; i < count; ++i) all.push_back(0.1 * (first + i * step));
+  return all;
 }
 
-TEST(TimeCache, NumbersATimeBeforeItIsAskedFor) {
+Slot number(TimeCache& cache, double time) { return cache.numbered({&time, 1}).slot[0]; }
+
+TEST(TimeCache, NumbersEachTimeOnceInWhateverOrderItComes) {
   TimeCache cache;
-  const TimeCache::Slot first = cache.slot(1.0), expected = cache.number(2.5);
-  EXPECT_EQ(cache.number(1.0), first);
-  EXPECT_EQ(expected, first + 1);
-  EXPECT_EQ(cache.usual(first), std::uint64_t{1} << first) << "nobody asked for the other";
-  EXPECT_EQ(cache.slot(2.5), expected);
+  for (int first = 0; first < 640; first += 64) {
+    const Times& times = cache.numbered(frames(first, 64));
+    ASSERT_TRUE(times.numbered && times.in_a_row) << first;
+    EXPECT_EQ(times.slot[0], static_cast<Slot>(first));
+    EXPECT_EQ(times.places(), ~std::uint64_t{0});
+  }
+  const Times& backwards = cache.numbered(frames(600, 40, -7));
+  EXPECT_TRUE(backwards.numbered);
+  EXPECT_FALSE(backwards.in_a_row);
+  for (std::size_t i = 0; i < 40; ++i) EXPECT_EQ(backwards.slot[i], 600 - 7 * i);
+}
+
+TEST(TimeCache, KnowsTheSameTimesAgain) {
+  TimeCache cache;
+  const Times& first = cache.numbered(frames(0, 50));
+  const Times& second = cache.numbered(frames(50, 50));
+  EXPECT_FALSE(second.in_a_row) << "in two chunks";
+  EXPECT_EQ(&cache.numbered(frames(0, 50)), &first);
+  EXPECT_EQ(&cache.numbered(frames(50, 50)), &second);
+  EXPECT_NE(&cache.numbered(frames(0, 49)), &first);
+  const Times& part = cache.numbered(frames(10, 5));
+  EXPECT_TRUE(part.in_a_row);
+  EXPECT_EQ(part.places(), std::uint64_t{31} << 10);
+  EXPECT_NE(number(cache, 0.0), number(cache, -0.0));
 }
 
 TEST(TimeCache, FindsWhatWasPlacedUntilItIsCleared) {
   TimeCache cache;
   CachedMatrices node, other;
-  const TimeCache::Slot slot = cache.slot(3.5);
-  EXPECT_FALSE(cache.find(node, slot));
-  Affine placed;
-  for (std::size_t j = 0; j < 12; ++j) placed.m[j / 3][j % 3] = 7.0 + static_cast<double>(j);
-  cache.chunk_for(node, slot)->set(slot, placed);
-  ASSERT_TRUE(cache.find(node, slot));
-  EXPECT_EQ(cache.find(node, slot).matrix(), placed);
-  EXPECT_FALSE(cache.find(other, slot));
-  EXPECT_FALSE(cache.find(node, cache.slot(4.5)));
+  number(cache, 1.0);
+  const Slot slot = number(cache, 3.5);
+  EXPECT_EQ(cache.find(node, slot), nullptr);
+  MatrixChunk* const chunk = cache.find_or_make(node, slot);
+  EXPECT_EQ(chunk->valid, 0u);
+  chunk->valid = 2;
+  EXPECT_EQ(cache.find(node, slot), chunk);
+  EXPECT_EQ(cache.find_or_make(node, slot), chunk);
+  EXPECT_EQ(cache.find(other, slot), nullptr);
+  EXPECT_EQ(cache.find(node, slot + kColumn), nullptr);
   cache.clear();
-  EXPECT_FALSE(cache.find(node, slot));
+  EXPECT_EQ(cache.find(node, slot), nullptr);
+  number(cache, 3.5);
+  EXPECT_EQ(cache.find_or_make(node, 0)->valid, 0u);
 }
 
-TEST(TimeCache, UsualAreTheTimesOfAChunkThatManyNodesAreAskedFor) {
-  TimeCache cache;
-  const auto bit = [](TimeCache::Slot slot) { return std::uint64_t{1} << slot % MatrixChunk::kSlots; };
-  for (int frame = 0; frame < 100; ++frame) cache.slot(frame);
-  const TimeCache::Slot first = cache.slot(0), last = cache.slot(63), next_chunk = cache.slot(64);
-  EXPECT_EQ(cache.usual(first), ~std::uint64_t{0});
-  EXPECT_EQ(cache.usual(next_chunk), (std::uint64_t{1} << 36) - 1);
-  for (int node = 0; node < 20; ++node)
-    for (int frame = 0; frame < 63; ++frame) cache.slot(frame);
-  EXPECT_EQ(cache.usual(first), ~bit(last)) << "one node's own";
-  EXPECT_EQ(cache.usual(last), ~std::uint64_t{0});
-  cache.clear();
-  EXPECT_EQ(cache.usual(cache.slot(5)), bit(cache.slot(5)));
-}
-
-TEST(TimeCache, KeepsWithinItsMemory) {
+TEST(TimeCache, KeepsWithinItsMemoryAndTellsWhenItIsFull) {
   TimeCache cache;
   std::vector<CachedMatrices> nodes(5000);
+  const Slot slot = number(cache, 1.0);
   std::size_t placed = 0;
-  for (auto& node : nodes) placed += cache.chunk_for(node, cache.slot(1.0)) != nullptr ? 1 : 0;
-  EXPECT_EQ(placed, TimeCache::kMostChunks);
+  for (auto& node : nodes) {
+    EXPECT_EQ(cache.is_full(), placed < static_cast<std::size_t>(&node - nodes.data()));
+    placed += cache.find_or_make(node, slot) != nullptr ? 1 : 0;
+  }
+  EXPECT_EQ(placed, TimeCache::kMaxChunks);
+  cache.clear();
+  EXPECT_FALSE(cache.is_full());
+  EXPECT_NE(cache.find_or_make(nodes.back(), slot), nullptr);
 }
 
-TEST(TimeCache, RunsOutOfNumbersAndStartsAnewWhenItIsOfNoUse) {
+TEST(TimeCache, RunsOutOfNumbersAndTells) {
   TimeCache cache;
-  std::size_t without = 0, with_after = 0;
-  for (int i = 0; i < 400000; ++i) {
-    const bool none = cache.slot(i) == TimeCache::kNone;
-    without += none ? 1 : 0;
-    with_after += !none && without > 0 ? 1 : 0;
+  for (int first = 0; first < static_cast<int>(TimeCache::kMaxTimes); first += 64)
+    ASSERT_TRUE(cache.numbered(frames(first, 64)).numbered);
+  EXPECT_FALSE(cache.is_full());
+  EXPECT_FALSE(cache.numbered(std::vector{0.1, -1.0, 0.2}).numbered);
+  EXPECT_TRUE(cache.is_full());
+  EXPECT_EQ(number(cache, 0.1 * 7), 7u);
+  cache.clear();
+  EXPECT_FALSE(cache.is_full());
+  EXPECT_EQ(number(cache, -1.0), 0u);
+}
+
+TEST(TimeCache, IsFullOfListsOfTimesToo) {
+  TimeCache cache;
+  for (int i = 0; !cache.is_full(); ++i) {
+    ASSERT_LT(i, static_cast<int>(TimeCache::kMaxLists));
+    number(cache, i);
   }
-  EXPECT_GT(without, 0u);
-  EXPECT_GT(with_after, 0u);
 }
 
 }  // namespace

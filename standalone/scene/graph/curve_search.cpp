@@ -134,7 +134,6 @@ std::vector<double> SceneCurves::key_times(NodeId id) const {
   for (const Node* driving : curves) driving->curve->append_key_times(times);
   for (const Track* track : tracks_of(graph(), id))
     times.insert(times.end(), track->key_times().begin(), track->key_times().end());
-  graph().keys_read = id;
   return times;
 }
 

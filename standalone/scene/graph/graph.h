@@ -52,8 +52,6 @@ struct Extras {
   std::vector<Vector> curve_points;
 };
 
-struct Record;  // of the evaluation
-
 struct Node {
   NodeId id = kNoNode;
   NodeId parent = kWorld;
@@ -71,7 +69,7 @@ struct Node {
   Inputs inputs;
   std::vector<Output> outputs;  // may hold connections that are gone
   std::size_t live_outputs = 0;
-  mutable std::shared_ptr<Record> record;  // compiled, when somebody asked: changes no answer
+  mutable bool compiled = false;  // somebody has worked something out from the node, and must hear when it changes
 };
 
 // To look up a text in a table of strings without making a string of it.
@@ -140,7 +138,6 @@ struct Graph {
   // --- what changed
   std::uint64_t revision = 1;  // anything that SceneChanges::revision promises
   ChangeCounts counts;
-  mutable NodeId keys_read = kNoNode;  // the node whose key times were read last
 
   const Node* find(NodeId id) const { return id < nodes.size() ? nodes[id].get() : nullptr; }
   Node* find(NodeId id) { return id < nodes.size() ? nodes[id].get() : nullptr; }

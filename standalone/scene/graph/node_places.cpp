@@ -73,7 +73,7 @@ std::unique_ptr<Node> take_out(Graph& scene, NodeId id) {
   // Only now: what its sources see of it must not stand any more.
   for (const Input& input : out->inputs.all())
     if (Node* source = input.source == kNoNode ? nullptr : scene.find(input.source)) scene.remove_output(*source);
-  out->record.reset();
+  out->compiled = false;
   ++scene.revision;
   return out;
 }

@@ -98,7 +98,7 @@ void find_orphans(const Graph& scene, const Node& node, std::vector<NodeId>& orp
 
 // Whether anything compiled may hang on the node. What nobody samples can come, move and go without making a sampled
 // node's remembered matrices void.
-bool is_felt(const Node& node) { return node.record != nullptr || node.live_outputs > 0; }
+bool is_felt(const Node& node) { return node.compiled || node.live_outputs > 0; }
 
 void remove_one(Graph& scene, NodeId id, std::vector<NodeId>& orphans) {
   if (!scene.find(id)) return;

@@ -1,5 +1,6 @@
-// A node's local matrix from its channels. Both ways of evaluating a scene are made of these functions alone, called
-// with the same arguments, so they give the same bits.
+// A node's local matrix from its channels. A scene is evaluated in two ways: plainly, one time after another, which
+// calls local_matrix_of, and many times at once, which keeps what does not change with time. The second calls the
+// functions below with the same arguments as local_matrix_of does, so both give the same bits.
 //
 //   M = SP^-1 * S * SH * SP * ST * RP^-1 * RA * R * JO * IS * RP * RT * T        (row vectors)
 //
@@ -41,7 +42,7 @@ inline constexpr Channels kRestChannels = [] {
   return c;
 }();
 
-// Which factors of the formula are anything but the identity, now or at some time. The others are left out.
+// Which factors of the formula are not the identity, at any time. The others are left out of every product.
 struct Factors {
   bool rotate = false;
   bool scale = false;
@@ -81,7 +82,7 @@ inline Basis rotation_of(const Channels& c, Channel first, int order = 0) {
   return rotation(angles.x, angles.y, angles.z, order);
 }
 
-// What is no order counts as xyz.
+// A number that does not stand for an order counts as 0, xyz.
 inline int rotate_order(double value) { return value >= 0.0 && value < 6.0 ? static_cast<int>(value) : 0; }
 inline int rotate_order_of(const Channels& c) { return rotate_order(c[index(Channel::rotateOrder)]); }
 
@@ -121,11 +122,6 @@ inline Vector stretch(const Channels& c, const Factors& f, const Vector& p) {
   return v;
 }
 
-inline void scale_rows(Affine& m, const Channels& c) {
-  for (std::size_t i = 0; i < 3; ++i)
-    for (std::size_t j = 0; j < 3; ++j) m.m[i][j] = c[index(Channel::scaleX) + i] * m.m[i][j];
-}
-
 // S * SH * turn: the upper three rows of the local matrix.
 inline void set_rows(Affine& m, const Channels& c, const Factors& f, const Basis& turned) {
   for (std::size_t i = 0; i < 3; ++i) m.m[i] = turned[i];
@@ -135,22 +131,19 @@ inline void set_rows(Affine& m, const Channels& c, const Factors& f, const Basis
       m.m[1][j] = c[index(Channel::shearXY)] * turned[0][j] + turned[1][j];
     }
   }
-  if (f.scale) scale_rows(m, c);
+  if (!f.scale) return;
+  for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t j = 0; j < 3; ++j) m.m[i][j] = c[index(Channel::scaleX) + i] * m.m[i][j];
 }
 
-// Whether the upper three rows are S * R and nothing else, and these are what set_rows would make of them: the usual
-// case, worth its own way, because it writes each row once.
+// True for most nodes: the local matrix is S * R * T and nothing else. The columns of positions.cpp make the same of it
+// as set_rows does, number by number.
 inline bool is_scale_and_rotate(const Factors& f) {
   return f.rotate && !f.shear && !f.rotate_axis && !f.joint_orient && !f.inverse_scale && !f.pivots;
 }
 
-inline void set_scale_and_rotate(Affine& m, const Channels& c, const Factors& f) {
-  const Vector angles = vector_at(c, Channel::rotateX);
-  set_rotation(m.m, sin_cos(angles.x, angles.y, angles.z), rotate_order_of(c));
-  if (f.scale) scale_rows(m, c);
-}
-
-// Where the pivots alone put the origin: the local translation without T. Only for nodes that have pivots.
+// The translation row that all factors but T give: pivots move the origin, which without them stays where it is.
+// `turned` is what `turn` gives for the same channels.
 inline Vector pivot_shift(const Channels& c, const Factors& f, const Basis& turned) {
   const Vector sp = vector_at(c, Channel::scalePivotX), st = vector_at(c, Channel::scalePivotTranslateX);
   const Vector rp = vector_at(c, Channel::rotatePivotX), rt = vector_at(c, Channel::rotatePivotTranslateX);
@@ -162,7 +155,7 @@ inline Vector pivot_shift(const Channels& c, const Factors& f, const Basis& turn
           v.x * b[0][2] + v.y * b[1][2] + v.z * b[2][2] + rp.z + rt.z};
 }
 
-// The translation row: T, after the shift of the pivots where there are any.
+// The whole translation row. `shift` is what pivot_shift gives, and counts where there are pivots.
 inline Vector placed(const Channels& c, const Factors& f, const Vector& shift) {
   const Vector t = vector_at(c, Channel::translateX);
   if (!f.pivots) return t;
@@ -171,7 +164,7 @@ inline Vector placed(const Channels& c, const Factors& f, const Vector& shift) {
 
 inline void set_translation(Affine& m, const Vector& t) { m.m[3] = {t.x, t.y, t.z}; }
 
-// The whole of it, nothing remembered.
+// The matrix from its channels alone.
 inline Affine local_matrix_of(const Channels& c, const Factors& f) {
   const Basis turned = turn(c, f, rotations_of(c, f));
   Affine m;

@@ -1,0 +1,21 @@
+// What a scene's evaluation keeps. It reads the scene, and notices by the scene's counts what changed there.
+// For the files of standalone/scene only.
+#pragma once
+
+#include "standalone/scene/evaluation/plain_matrices.h"
+#include "standalone/scene/evaluation/positions.h"
+#include "standalone/scene/evaluation/records.h"
+#include "standalone/scene/graph/graph.h"
+
+namespace vantorelix::standalone {
+
+struct Evaluation {
+  explicit Evaluation(const Graph& of) : graph(of), records(of), plain(of, records), positions(of.counts.motion) {}
+
+  const Graph& graph;
+  Records records;
+  PlainMatrices plain;
+  Positions positions;
+};
+
+}  // namespace vantorelix::standalone
