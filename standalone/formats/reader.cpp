@@ -20,10 +20,10 @@ Scene read_scene(const std::filesystem::path& file, const ReadOptions& options) 
                       "scene (.fbx) or a glTF scene (.gltf, .glb)");
   }
   FileSource source(file);
-  if (extension == ".fbx") return read_fbx(WholeFile(source).bytes(), source.name(), options);
+  if (extension == ".fbx") return read_fbx(WholeFile(source, options).bytes(), source.name(), options);
   if (gltf) {
     const std::filesystem::path folder = file.parent_path();
-    return read_gltf(WholeFile(source).bytes(), source.name(), folder.empty() ? "." : folder, options);
+    return read_gltf(WholeFile(source, options).bytes(), source.name(), folder.empty() ? "." : folder, options);
   }
   return extension == ".bvh" ? read_bvh(source, options) : read_maya_ascii(source, options);
 }
