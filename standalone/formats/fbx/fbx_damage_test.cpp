@@ -38,13 +38,13 @@ TEST(Fbx, ACutOffFileIsAnErrorWhereverItEndsAndAWarningBetweenSections) {
   for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
     const std::string begun = whole.substr(0, length), error = fbx_error(begun);
     if (error == "no error") {
-      ASSERT_THAT(read_fbx(begun, "scene.fbx").warnings(), warns) << length;
+      ASSERT_THAT(read_fbx(begun, "scene.fbx").warnings.all(), warns) << length;
     } else {
       ASSERT_THAT(error, HasSubstr("scene.fbx: ")) << length;
     }
   }
   EXPECT_EQ(fbx_error(whole.substr(0, whole.find("Takes:"))), "no error");
-  EXPECT_THAT(read(ramp()).warnings(), IsEmpty());
+  EXPECT_THAT(read(ramp()).warnings.all(), IsEmpty());
 }
 
 TEST(Fbx, AFileWithAnyByteChangedIsReadOrRefused) {

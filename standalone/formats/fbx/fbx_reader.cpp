@@ -213,7 +213,7 @@ Scene read_fbx(std::string_view bytes, const std::string& name, const ReadOption
   const FbxDocument document = load_fbx(bytes, name, options);
   Scene scene = FbxReader(document, name, options).read();
   if (lacks_its_end(bytes, *document)) {
-    scene.warn(
+    scene.warnings.add(
         "the section 'Takes', which ends a text file, is missing: the file may be cut off, and what came after "
         "is not here; copy or export it again");
   }

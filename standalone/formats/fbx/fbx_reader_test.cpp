@@ -256,7 +256,7 @@ TEST(Fbx, ANodeThatInheritsScalesByComponentKeepsThemWhereItHasScaleCurvesOfItsO
   const Scene scene = read(text);
   expect_at(scene, "c", 0, 4, 0, 0);
   expect_at(scene, "c", 10, 12, 0, 0);
-  EXPECT_THAT(scene.key_times(scene.require("b")), ElementsAre(0.0, 10.0));
+  EXPECT_THAT(scene.curves.key_times(scene.names.require("b")), ElementsAre(0.0, 10.0));
 }
 
 TEST(Fbx, WhereGeometryIsMovesNoNode) {

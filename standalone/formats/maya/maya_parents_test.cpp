@@ -134,5 +134,39 @@ TEST(MayaInstances, ANodeBelowItselfIsNotFollowedInCircles) {
   EXPECT_LT(scene.nodes.all().size(), 30u);
 }
 
+// --- damage ------------------------------------------------------------------------------------------------------
+
+// Reads what it can of any text: it must end in a scene that can be asked, or in a FormatError.
+void must_end(const std::string& text) {
+  try {
+    const Scene scene = read_maya_ascii(text, "damaged");
+    for (const NodeId node : scene.nodes.all()) {
+      scene.names.long_name(node);
+      if (!scene.nodes.is_transform(node)) continue;
+      scene.evaluation.world_matrix(node, 7.25);
+      scene.curves.key_times(node);
+      scene.evaluation.not_followed(node);
+    }
+  } catch (const FormatError&) {
+    // The one way to refuse a file.
+  }
+}
+
+TEST(MayaDamage, AnyByteOfAFileMayBeAnotherAndItMayEndAnywhere) {
+  const std::string whole = "createNode lookAt -n \"l\";setAttr \".t\" 1 2 3;" + kGroups +
+                            "createNode transform -n \"k\" -p \"l\";setAttr \".mtxe\" yes;parent -add \"ball\" "
+                            "\"right\";parent -add \"right\" \"l\";connectAttr \"c.o\" \":time1.tw\";setAttr "
+                            "\"|right|ball.ty\" 7;" +
+                            kDriven;
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    must_end(whole.substr(0, i));
+    for (const char other : {'l', ';', '"', '-', '|', '\xff'}) {
+      std::string damaged = whole;
+      damaged[i] = other;
+      must_end(damaged);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace vantorelix::standalone
