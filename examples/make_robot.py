@@ -102,7 +102,8 @@ class Writer:
         return "\n".join(["; FBX 7.5.0 project file", "FBXHeaderExtension:  {", "\tFBXHeaderVersion: 1003",
                           "\tFBXVersion: 7500", "}", "GlobalSettings:  {", "\tVersion: 1000"]
                          + ["\t" + line for line in settings] + ["}", "Objects:  {"] + self.objects
-                         + ["}", "Connections:  {"] + self.connections + ["}"]) + "\n"
+                         + ["}", "Connections:  {"] + self.connections
+                         + ["}", "Takes:  {", '\tCurrent: ""', "}"]) + "\n"
 
 
 def properties(values):

@@ -3,6 +3,7 @@
 #include <unordered_set>
 
 #include "cli/terminal/failure.h"
+#include "standalone/formats/reader.h"
 
 namespace vantorelix::cli {
 
@@ -13,7 +14,7 @@ namespace {
 
 std::vector<NodeId> matching(const Scene& scene, const std::string& pattern, const std::string& file) {
   std::vector<NodeId> found;
-  for (const NodeId node : scene.names.match(pattern)) {
+  for (const NodeId node : standalone::match_in_file(scene, pattern)) {
     if (scene.nodes.is_transform(node))
       found.push_back(node);
     else if (scene.nodes.is_shape(node) && scene.nodes.parent(node) != standalone::kWorld)

@@ -1,7 +1,9 @@
 #include "standalone/formats/reader.h"
 
 #include <algorithm>
+#include <iterator>
 
+#include "base/pattern.h"
 #include "standalone/formats/text_input.h"
 
 namespace vantorelix::standalone {
@@ -20,10 +22,10 @@ Scene read_scene(const std::filesystem::path& file, const ReadOptions& options) 
                       "scene (.fbx) or a glTF scene (.gltf, .glb)");
   }
   FileSource source(file);
-  if (extension == ".fbx") return read_fbx(WholeFile(source).bytes(), source.name(), options);
+  if (extension == ".fbx") return read_fbx(WholeFile(source, options).bytes(), source.name(), options);
   if (gltf) {
     const std::filesystem::path folder = file.parent_path();
-    return read_gltf(WholeFile(source).bytes(), source.name(), folder.empty() ? "." : folder, options);
+    return read_gltf(WholeFile(source, options).bytes(), source.name(), folder.empty() ? "." : folder, options);
   }
   return extension == ".bvh" ? read_bvh(source, options) : read_maya_ascii(source, options);
 }
@@ -45,6 +47,18 @@ void keep_name_in_file(Scene& scene, NodeId node, const std::string& name) {
 std::string name_in_file(const Scene& scene, NodeId node) {
   if (!scene.attributes.has(node, kNameInFile)) return std::string(scene.names.short_name(node));
   return scene.attributes.value(node, kNameInFile).text();
+}
+
+std::vector<NodeId> match_in_file(const Scene& scene, std::string_view pattern) {
+  std::vector<NodeId> found = scene.names.match(pattern);
+  const auto is_named = [&](NodeId node) {
+    return scene.attributes.has(node, kNameInFile) && matches(pattern, name_in_file(scene, node));
+  };
+  const std::vector<NodeId> all = scene.nodes.all();
+  std::copy_if(all.begin(), all.end(), std::back_inserter(found), is_named);
+  std::sort(found.begin(), found.end());
+  found.erase(std::unique(found.begin(), found.end()), found.end());
+  return found;
 }
 
 }  // namespace vantorelix::standalone

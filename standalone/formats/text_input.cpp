@@ -33,7 +33,17 @@ std::size_t MemorySource::read(char* to, std::size_t limit) {
   return count;
 }
 
-WholeFile::WholeFile(ByteSource& source) {
+void ProgressReport::tell(std::uint64_t done, std::uint64_t total) {
+  if (!options_.progress) return;
+  const auto now = std::chrono::steady_clock::now();
+  if (now - told_ < std::chrono::milliseconds(250)) return;
+  told_ = now;
+  options_.progress(done, total);
+}
+
+WholeFile::WholeFile(ByteSource& source, const ReadOptions& options) {
+  constexpr std::size_t kPiece = std::size_t{16} << 20;
+  ProgressReport progress(options);
   constexpr std::size_t kMost = std::size_t{4} << 30;
   // Room for what the source says, and for a byte that it does not. Not zeroed: files are large.
   std::size_t room = source.size() <= kMost ? static_cast<std::size_t>(source.size()) + 1 : 1;
@@ -44,21 +54,21 @@ WholeFile::WholeFile(ByteSource& source) {
       std::copy_n(memory_.get(), size_, longer.get());
       memory_ = std::move(longer);
     }
-    const std::size_t got = source.read(memory_.get() + size_, room - size_);
+    const std::size_t got = source.read(memory_.get() + size_, std::min(kPiece, room - size_));
     if (got == 0) return;
     size_ += got;
+    progress.tell();
   }
   throw FormatError(source.name(), 0, "the file has more than 4 GB; export less at once");
 }
 
 TextInput::TextInput(ByteSource& source, const ReadOptions& options, std::size_t window)
     : source_(source),
-      options_(options),
+      progress_(options),
       window_(std::max(window, kToken)),
       buffer_(new char[window_]),
       position_(buffer_.get()),
-      end_(position_),
-      reported_(std::chrono::steady_clock::now()) {
+      end_(position_) {
   ready();
   const std::string_view start(position_, static_cast<std::size_t>(end_ - position_));
   if (start.starts_with("\xEF\xBB\xBF")) position_ += 3;
@@ -80,16 +90,8 @@ bool TextInput::refill() {
   }
   position_ = buffer_.get();
   end_ = position_ + held;
-  report();
+  progress_.tell(taken_ - held, source_.size());
   return held != 0;
-}
-
-void TextInput::report() {
-  if (!options_.progress) return;
-  const auto now = std::chrono::steady_clock::now();
-  if (now - reported_ < std::chrono::milliseconds(250)) return;
-  reported_ = now;
-  options_.progress(taken_ - static_cast<std::uint64_t>(end_ - position_), source_.size());
 }
 
 std::uint64_t TextInput::left() const {

@@ -55,11 +55,25 @@ class MemorySource : public ByteSource {
   std::uint64_t size_;
 };
 
+// Passes progress on to whoever listens, at most four times a second. Work that takes long calls it again and again.
+class ProgressReport {
+ public:
+  explicit ProgressReport(const ReadOptions& options) : options_(options), told_(std::chrono::steady_clock::now()) {}
+  // The same arguments as ReadOptions::progress. Throws what the listener throws.
+  void tell(std::uint64_t done, std::uint64_t total);
+  // Of work that is not measured in bytes.
+  void tell() { tell(0, 0); }
+
+ private:
+  const ReadOptions& options_;
+  std::chrono::steady_clock::time_point told_;
+};
+
 // All bytes at once, for formats that are no text.
 class WholeFile {
  public:
   // Throws FormatError beyond 4 GB.
-  explicit WholeFile(ByteSource& source);
+  WholeFile(ByteSource& source, const ReadOptions& options);
   std::string_view bytes() const { return {memory_.get(), size_}; }
 
  private:
@@ -110,10 +124,9 @@ class TextInput {
 
  private:
   bool refill();
-  void report();
 
   ByteSource& source_;
-  const ReadOptions& options_;
+  ProgressReport progress_;
   std::size_t window_;
   std::unique_ptr<char[]> buffer_;
   const char* position_;
@@ -122,7 +135,6 @@ class TextInput {
   bool after_return_ = false;
   std::size_t line_ = 1;
   std::uint64_t taken_ = 0;
-  std::chrono::steady_clock::time_point reported_;
 };
 
 // Which of a file's takes, or whatever its format calls them (`kind`), bears the name; the first for an empty name.

@@ -50,8 +50,11 @@ const FbxReader::Values* FbxReader::values_of(const ufbx_node& node, std::size_t
 
 void FbxReader::animate() {
   for (const auto& [key, values] : values_) {
+    progress_.tell();
     const ufbx_node& node = *document_->nodes[key.first];
     if (key.second == kFbxPreRotation && !node.use_rotation_space) continue;
+    // A component with a curve of its own would not take the product.
+    if (key.second == kFbxScaling && scales_behind(node).size() > 1) continue;
     animate(node, key.second, values);
   }
 }
@@ -120,24 +123,32 @@ void FbxReader::note_keys(double first, double last) {
   last_key_ = none ? last : std::max(last_key_, last);
 }
 
+// The nodes whose scales make up the node's own: itself first, and alone where no other one has a scale.
+std::vector<const ufbx_node*> FbxReader::scales_behind(const ufbx_node& node) const {
+  std::vector<const ufbx_node*> chain = scale_chain(node);
+  if (std::none_of(chain.begin() + 1, chain.end(), [this](const ufbx_node* n) { return has_scale(*n); }))
+    chain.resize(1);
+  return chain;
+}
+
+bool FbxReader::has_scale(const ufbx_node& node) const {
+  const ufbx_vec3 s = node.local_transform.scale;
+  return values_of(node, kFbxScaling) != nullptr || s.x != 1.0 || s.y != 1.0 || s.z != 1.0;
+}
+
 // A node that takes less of its parent's scale than the matrix above it holds divides by it, as joints do. One that
 // takes it component by component has it in its own scale too, divided out and multiplied in again on the other side of
 // its rotation.
 void FbxReader::inherit_scales() {
   for (const ufbx_node* node : document_->nodes) {
     if (node->is_root || node->inherit_mode == UFBX_INHERIT_MODE_NORMAL) continue;
-    const NodeId id = id_of(*node);
-    std::vector<const ufbx_node*> chain = scale_chain(*node);
-    const auto has_scale = [this](const ufbx_node* n) {
-      const ufbx_vec3 s = n->local_transform.scale;
-      return values_of(*n, kFbxScaling) != nullptr || s.x != 1.0 || s.y != 1.0 || s.z != 1.0;
-    };
-    if (std::any_of(chain.begin() + 1, chain.end(), has_scale)) connect_track(std::move(chain), kFbxScaling);
+    std::vector<const ufbx_node*> chain = scales_behind(*node);
+    if (chain.size() > 1) connect_track(std::move(chain), kFbxScaling);
     if (node->parent == nullptr || node->parent->is_root) continue;
-    const bool above = scene_.attributes.channel(id_of(*node->parent), Channel::scaleX) != 1.0;
-    if (above || has_scale(node->parent) || scale_chain(*node->parent).size() > 1) {
-      scene_.connections.connect(id_of(*node->parent), "scale", id, "inverseScale");
-    }
+    const NodeId above = id_of(*node->parent);
+    const bool scaled = scene_.attributes.channel(above, Channel::scaleX) != 1.0 || has_scale(*node->parent);
+    if (scaled || scale_chain(*node->parent).size() > 1)
+      scene_.connections.connect(above, "scale", id_of(*node), "inverseScale");
   }
 }
 

@@ -139,6 +139,18 @@ FbxDocument load_fbx(std::string_view bytes, const std::string& name, const Read
   return document;
 }
 
+bool lacks_its_end(std::string_view bytes, const ufbx_scene& document) {
+  if (!document.metadata.ascii) return false;
+  constexpr std::string_view kName = "Takes:", kBlanks = " \t";
+  for (std::size_t at = bytes.rfind(kName); at != std::string_view::npos && at > 0; at = bytes.rfind(kName, at - 1)) {
+    const std::size_t before = bytes.find_last_not_of(kBlanks, at - 1);
+    const std::size_t after = bytes.find_first_not_of(kBlanks, at + kName.size());
+    const bool begins_line = before == std::string_view::npos || bytes[before] == '\n' || bytes[before] == '\r';
+    if (begins_line && after != std::string_view::npos && bytes[after] == '{') return false;
+  }
+  return true;
+}
+
 FbxClock::FbxClock(const ufbx_scene& document)
     : frames_per_second_(rate_of(document.settings)),
       ticks_per_second_(static_cast<double>(document.metadata.ktime_second)) {}

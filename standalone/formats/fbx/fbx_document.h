@@ -21,6 +21,9 @@ inline constexpr std::size_t kFbxMemoryMultiple = 128;
 inline constexpr std::size_t kFbxMemoryBase = std::size_t{64} << 20;
 FbxDocument load_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options);
 
+// Whether a text file lacks the section "Takes", which ends it: the library does not mind.
+bool lacks_its_end(std::string_view bytes, const ufbx_scene& document);
+
 // Frame f is at f / rate seconds. Files count time in whole ticks, which seconds round.
 class FbxClock {
  public:

@@ -167,6 +167,20 @@ TEST(FbxLibrary, AgreesOnEveryMixOfInheritedScales) {
   }
 }
 
+TEST(FbxLibrary, AgreesOnScaleCurvesBelowScaleCurvesHoweverTheyAreInherited) {
+  for (int mix = 0; mix < 27; ++mix) {
+    const std::string modes = {'1', static_cast<char>('0' + mix % 3), static_cast<char>('0' + mix / 3 % 3),
+                               static_cast<char>('0' + mix / 9)};
+    SCOPED_TRACE(modes);
+    FbxText text = chain(modes);
+    text.take("t", 0, 10);
+    for (const char* node : {"na", "nb", "nc"}) {
+      text.curve(node, "Lcl Scaling", 'X', {{0, 2}, {10, 3}}).curve(node, "Lcl Scaling", 'Y', {{0, 2}, {10, 0.5}});
+    }
+    expect_as_library(text, 0, 10, 1.7);
+  }
+}
+
 TEST(FbxLibrary, AgreesOnLayersOfEveryKind) {
   for (int kind = 0; kind < 3; ++kind) {
     for (const double weight : {100.0, 30.0}) {

@@ -77,6 +77,7 @@ void FbxReader::create_nodes() {
   // Parents come before their children.
   for (const ufbx_node* node : nodes) {
     if (node->is_root) continue;
+    progress_.tell();
     const std::string name(node->name.data, node->name.length);
     const NodeId parent = node->parent == nullptr ? kWorld : id_of(*node->parent);
     const NodeId id = scene_.nodes.create(is_joint(*node) ? "joint" : "transform", name, parent);

@@ -55,6 +55,7 @@ FbxReader::FbxReader(FbxDocument document, std::string name, const ReadOptions& 
     : document_(std::move(document)),
       name_(std::move(name)),
       options_(options),
+      progress_(options),
       clock_(*document_),
       anim_(document_->anim),
       conversion_(turned(kYUp, kYUp, 1.0)) {}
@@ -209,7 +210,14 @@ void FbxReader::hold_as_unfollowed(const ufbx_node& node, const char* what, cons
 }
 
 Scene read_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options) {
-  return FbxReader(load_fbx(bytes, name, options), name, options).read();
+  const FbxDocument document = load_fbx(bytes, name, options);
+  Scene scene = FbxReader(document, name, options).read();
+  if (lacks_its_end(bytes, *document)) {
+    scene.warnings.add(
+        "the section 'Takes', which ends a text file, is missing: the file may be cut off, and what came after "
+        "is not here; copy or export it again");
+  }
+  return scene;
 }
 
 }  // namespace vantorelix::standalone

@@ -9,6 +9,7 @@
 
 #include "standalone/formats/fbx/fbx_curve.h"
 #include "standalone/formats/fbx/fbx_document.h"
+#include "standalone/formats/text_input.h"
 #include "standalone/scene/scene.h"
 
 struct ufbx_anim_layer;
@@ -59,6 +60,8 @@ class FbxReader {
   void animate(const ufbx_node& node, std::size_t property, const Values& values);
   void connect_curves(const ufbx_node& node, std::size_t property, const ufbx_anim_value& value);
   void connect_track(std::vector<const ufbx_node*> nodes, std::size_t property);
+  std::vector<const ufbx_node*> scales_behind(const ufbx_node& node) const;
+  bool has_scale(const ufbx_node& node) const;
   void inherit_scales();
   void note_keys(double first, double last);
   bool is_plain(const Values& values) const;
@@ -69,6 +72,7 @@ class FbxReader {
   FbxDocument document_;
   std::string name_;
   const ReadOptions& options_;
+  ProgressReport progress_;
   FbxClock clock_;
   Scene scene_;
   const ufbx_anim* anim_;

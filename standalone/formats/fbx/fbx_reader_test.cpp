@@ -13,15 +13,6 @@ using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-FbxText ramp() {
-  return std::move(FbxText()
-                       .node("ball")
-                       .take("walk", 1, 12)
-                       .curve("ball", "Lcl Translation", 'X', {{0, 0}, {10, 20}})
-                       .take("run", 0, 30)
-                       .curve("ball", "Lcl Translation", 'Y', {{0, 0}, {10, 40}}));
-}
-
 ReadOptions with_take(const std::string& name) {
   ReadOptions options;
   options.take = name;
@@ -257,6 +248,17 @@ TEST(Fbx, AJointThatLeavesItsParentsScaleOutStillHangsWhereItReaches) {
   expect_at(scene, "c", 0, 3, 0, 0);
 }
 
+TEST(Fbx, ANodeThatInheritsScalesByComponentKeepsThemWhereItHasScaleCurvesOfItsOwn) {
+  FbxText text;
+  text.node("a", "", {{"Lcl Scaling", {2, 2, 2}}}).node("b", "a", {{"InheritType", {0}}});
+  text.node("c", "b", {{"InheritType", {1}}, {"Lcl Translation", {2, 0, 0}}}).take("t", 0, 10);
+  for (const char axis : {'X', 'Y', 'Z'}) text.curve("b", "Lcl Scaling", axis, {{0, 1}, {10, 3}});
+  const Scene scene = read(text);
+  expect_at(scene, "c", 0, 4, 0, 0);
+  expect_at(scene, "c", 10, 12, 0, 0);
+  EXPECT_THAT(scene.curves.key_times(scene.names.require("b")), ElementsAre(0.0, 10.0));
+}
+
 TEST(Fbx, WhereGeometryIsMovesNoNode) {
   expect_at(read(FbxText().node("a", "", {{"GeometricTranslation", {5, 5, 5}}, {"GeometricRotation", {1, 2, 3}}})), "a",
             0, 0, 0, 0);
@@ -380,58 +382,6 @@ TEST(Fbx, AnimatedRotationOrdersAndPostRotationsAreNamed) {
 TEST(Fbx, ARotationOrderThatIsNoneOfTheSixIsNamed) {
   EXPECT_THAT(read(FbxText().node("a", "", {{"RotationOrder", {6}}})).warnings.all(),
               Contains(Field(&Warning::kind, HasSubstr("rotation order"))));
-}
-
-// --- bad files ---------------------------------------------------------------------------------------------------
-
-TEST(Fbx, WhatIsNoFbxFileIsAnError) {
-  EXPECT_EQ(fbx_error(""), "scene.fbx: the file is empty; export it again");
-  EXPECT_THAT(fbx_error("HIERARCHY\nROOT a {"), HasSubstr("scene.fbx: this is no FBX file"));
-  EXPECT_THAT(fbx_error(std::string(100, '\0')), HasSubstr("scene.fbx: this is no FBX file"));
-}
-
-TEST(Fbx, ACyclicHierarchyIsAnError) {
-  FbxText text;
-  text.node("a").node("b", "a").hang("a", "b");
-  std::string bytes = text.text();
-  const std::size_t top = bytes.find("C: \"OO\",1001,0\n");
-  bytes.erase(top, std::string("C: \"OO\",1001,0\n").size());
-  EXPECT_THAT(fbx_error(bytes), HasSubstr("Cyclic node hierarchy"));
-}
-
-TEST(Fbx, NodesInsideEachOtherAreBounded) {
-  FbxText text;
-  text.node("n0");
-  for (int i = 1; i < 2100; ++i) text.node("n" + std::to_string(i), "n" + std::to_string(i - 1));
-  EXPECT_THAT(fbx_error(text.text()), HasSubstr("more than 2000 nodes inside each other"));
-}
-
-TEST(Fbx, ACutOffFileIsAnErrorWhereverItEnds) {
-  const std::string whole = ramp().text();
-  // Only the end of the last line may go unnoticed.
-  for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
-    ASSERT_THAT(fbx_error(whole.substr(0, length)), HasSubstr("scene.fbx: ")) << length;
-  }
-}
-
-TEST(Fbx, AFileWithAnyByteChangedIsReadOrRefused) {
-  const std::string whole = ramp().text();
-  for (std::size_t at = 0; at < whole.size(); ++at) {
-    for (const char c : {'\0', '}', '{', '9', '\xff', ','}) {
-      std::string damaged = whole;
-      damaged[at] = c;
-      fbx_error(damaged);
-    }
-  }
-}
-
-TEST(Fbx, ProgressThatThrowsEndsTheReading) {
-  struct Stop {};
-  ReadOptions options;
-  options.progress = [](std::uint64_t, std::uint64_t) { throw Stop(); };
-  FbxText text;
-  for (int i = 0; i < 1000; ++i) text.node("node" + std::to_string(i));
-  EXPECT_THROW(read_fbx(text.text(), "scene.fbx", options), Stop);
 }
 
 }  // namespace

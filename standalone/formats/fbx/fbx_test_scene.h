@@ -110,7 +110,7 @@ class FbxText {
     return "; FBX 7.5.0 project file\nFBXHeaderExtension: {\nFBXHeaderVersion: 1003\nFBXVersion: 7500\n}\n"
            "GlobalSettings: {\nVersion: 1000\nProperties70: {\n" +
            settings_.str() + "P: \"TimeMode\", \"enum\", \"\", \"\",11\n}\n}\nObjects: {\n" + objects_.str() +
-           "}\nConnections: {\n" + connections_.str() + "}\n";
+           "}\nConnections: {\n" + connections_.str() + "}\nTakes: {\nCurrent: \"\"\n}\n";
   }
 
  private:
@@ -206,6 +206,16 @@ inline void expect_at(const Scene& scene, const std::string& name, double frame,
   EXPECT_NEAR(p.x, x, 1e-6) << name << " at " << frame;
   EXPECT_NEAR(p.y, y, 1e-6) << name << " at " << frame;
   EXPECT_NEAR(p.z, z, 1e-6) << name << " at " << frame;
+}
+
+// A ball and two takes that move it along x and y.
+inline FbxText ramp() {
+  return std::move(FbxText()
+                       .node("ball")
+                       .take("walk", 1, 12)
+                       .curve("ball", "Lcl Translation", 'X', {{0, 0}, {10, 20}})
+                       .take("run", 0, 30)
+                       .curve("ball", "Lcl Translation", 'Y', {{0, 0}, {10, 40}}));
 }
 
 }  // namespace vantorelix::standalone

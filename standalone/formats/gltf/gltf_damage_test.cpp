@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/error.h"
+#include "standalone/formats/gltf/gltf_document.h"
 #include "standalone/formats/gltf/gltf_test_file.h"
 
 namespace vantorelix::standalone {
@@ -120,6 +121,48 @@ TEST(GltfDamage, DamagedJsonIsNamedWithItsLine) {
   EXPECT_THAT(gltf_error("this is no glTF file"), HasSubstr("scene.gltf:1: the JSON text is damaged"));
   EXPECT_THAT(gltf_error(GltfFile().node(R"("children": [1e9999])").text()), HasSubstr("a number in the JSON text is"));
   EXPECT_THAT(gltf_error("{\"nodes\": [{}, {}]}"), HasSubstr("there is no 'asset' with a 'version'"));
+}
+
+// A ball that moves, with something that moves nothing.
+std::string with(const std::string& of_node, const std::string& of_file, bool binary) {
+  GltfFile file;
+  file.node(R"("name": "ball", "mesh": 0, "translation": [0, 0, 0], )" + of_node);
+  const std::size_t times = file.scalars({0, 1});
+  file.channel(0, "translation", times, file.triples({0, 0, 0, 1, 2, 3}));
+  file.add(R"("meshes": [{"primitives": [{"attributes": {"POSITION": 1}, "material": 0}]}], "materials": [{}])");
+  if (!of_file.empty()) file.add(of_file);
+  return binary ? file.binary() : file.text();
+}
+
+TEST(GltfDamage, WhatMovesNothingIsReadInAnyForm) {
+  const std::pair<const char*, const char*> kForms[] = {
+      {R"("extensions": {"EXT_mesh_gpu_instancing": {"attributes": {"TRANSLATION": 1}}})",
+       R"("extensionsRequired": ["EXT_mesh_gpu_instancing"])"},
+      {R"("extras": 1)", R"("extensions": {"KHR_lights_punctual": {"lights": [{"type": "point", "spot": null}]}})"},
+      {R"("extras": 1)", R"("textures": [{"source": 7}])"}};
+  for (const auto& [of_node, of_file] : kForms) {
+    for (const bool binary : {false, true}) {
+      const Scene scene = clean_gltf(with(of_node, of_file, binary));
+      expect_place(scene, "ball", 12, {0.5, 1, 1.5});
+    }
+  }
+}
+
+TEST(GltfDamage, WhatMovesNodesIsStillRefusedWhereItIsDamaged) {
+  const std::string instances = R"("extensions": {"EXT_mesh_gpu_instancing": {"attributes": {"TRANSLATION": 1}}})";
+  EXPECT_THAT(gltf_error(with(instances + R"(, "children": [5])", "", false)), HasSubstr("there is no such node"));
+  EXPECT_THAT(gltf_error(with(instances + R"(, "skin": 3)", "", false)), HasSubstr("an index leads nowhere"));
+}
+
+TEST(GltfDamage, BracketsDeepInsideEachOtherAreRefusedBeforeTheyTakeTime) {
+  const auto nested = [](std::size_t depth) {
+    return GltfFile().node("").add("\"extras\":\n" + std::string(depth, '[') + std::string(depth, ']')).text();
+  };
+  EXPECT_EQ(gltf_error(nested(kMaxJsonDepth - 1)), "no error");
+  EXPECT_EQ(gltf_error(nested(40000)),
+            "scene.gltf:2: more than 256 brackets inside each other in the JSON text; is this a glTF file? Export it "
+            "again");
+  EXPECT_EQ(gltf_error(GltfFile().node(R"("name": ")" + std::string(9999, '[') + R"(\"]{")").text()), "no error");
 }
 
 TEST(GltfDamage, HierarchiesThatAreNoTreeAreNamed) {

@@ -29,6 +29,19 @@ cgltf_options options_with(GltfAllowance& allowance) {
   return options;
 }
 
+constexpr std::size_t kJsonBegin = 20;  // in the binary container
+
+std::size_t length_at(std::string_view bytes, std::size_t place) {
+  std::uint32_t length = 0;
+  for (std::size_t i = 0; i < 4; ++i) length |= std::uint32_t{static_cast<unsigned char>(bytes[place + i])} << (8 * i);
+  return length;
+}
+
+// Whether the library found the container whole and refused what is in it.
+bool is_about_content(cgltf_result result) {
+  return result == cgltf_result_invalid_json || result == cgltf_result_invalid_gltf;
+}
+
 // Whether a relative path stays below the folder it starts from.
 bool stays_below(const std::string& path) {
   if (path.empty() || path.find('\0') != std::string::npos || path.find(':') != std::string::npos) return false;
@@ -68,25 +81,57 @@ void GltfDocument::take(std::uint64_t count, std::uint64_t size) {
   }
 }
 
-// The JSON text, without the container around it. Of a file that the library has found to be whole.
+// The JSON text, without the container around it; of a damaged container, whatever of it is there.
 std::string_view GltfDocument::json() const {
-  constexpr std::size_t kBegin = 20;
-  if (!bytes_.starts_with("glTF") || bytes_.size() < kBegin) return bytes_;
-  std::uint32_t length = 0;
-  for (std::size_t i = 0; i < 4; ++i) length |= std::uint32_t{static_cast<unsigned char>(bytes_[12 + i])} << (8 * i);
-  return bytes_.substr(kBegin, length);
+  if (!bytes_.starts_with("glTF") || bytes_.size() < kJsonBegin) return bytes_;
+  return bytes_.substr(kJsonBegin, length_at(bytes_, 12));
+}
+
+// What follows the JSON text in a container; empty where nothing does.
+std::string_view GltfDocument::binary_part() const {
+  constexpr std::size_t kHeader = 8;
+  const std::string_view text = json();
+  const std::size_t begin = static_cast<std::size_t>(text.data() - bytes_.data()) + text.size();
+  if (bytes_.size() - begin < kHeader) return {};
+  const std::string_view part = bytes_.substr(begin + kHeader);
+  return part.substr(0, length_at(bytes_, begin));
 }
 
 void GltfDocument::parse() {
   if (bytes_.starts_with("\xEF\xBB\xBF")) bytes_.remove_prefix(3);
+  if (const std::size_t line = line_too_deep(json()); line != 0) {
+    throw FormatError(name_, line,
+                      "more than " + std::to_string(kMaxJsonDepth) +
+                          " brackets inside each other in the JSON text; is this a glTF file? Export it again");
+  }
   const cgltf_options options = options_with(allowance_);
   cgltf_data* data = nullptr;
   const cgltf_result result = cgltf_parse(&options, bytes_.data(), bytes_.size(), &data);
-  if (result == cgltf_result_success) {
-    data_.reset(data);
-    if (data->asset.version == nullptr) fail("there is no 'asset' with a 'version'; is this a glTF file?");
-    return;
+  if (result != cgltf_result_success) data = is_about_content(result) ? parse_essentials() : nullptr;
+  if (data == nullptr) fail_for(result);
+  data_.reset(data);
+  if (data->asset.version == nullptr) fail("there is no 'asset' with a 'version'; is this a glTF file?");
+}
+
+// Without what moves nothing; null where that is refused, too.
+cgltf_data* GltfDocument::parse_essentials() {
+  const std::string text = gltf_essentials(json());
+  if (text.empty()) return nullptr;
+  cgltf_options options = options_with(allowance_);
+  options.type = cgltf_file_type_gltf;
+  cgltf_data* data = nullptr;
+  if (cgltf_parse(&options, text.data(), text.size(), &data) != cgltf_result_success) return nullptr;
+  data->json = nullptr;  // the text goes now; everything else is a copy
+  data->json_size = 0;
+  const std::string_view binary = binary_part();
+  if (!binary.empty()) {
+    data->bin = binary.data();
+    data->bin_size = binary.size();
   }
+  return data;
+}
+
+void GltfDocument::fail_for(int result) {
   switch (result) {
     case cgltf_result_data_too_short:
       fail("the file ends before its end; it is cut off, export it again");

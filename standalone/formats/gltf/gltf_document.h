@@ -89,7 +89,10 @@ class GltfDocument {
   using Bytes = std::unique_ptr<char, void (*)(void*)>;  // as many as the buffer says
 
   void parse();
+  cgltf_data* parse_essentials();
+  [[noreturn]] void fail_for(int result);
   std::string_view json() const;
+  std::string_view binary_part() const;
   std::string_view bytes_of(const cgltf_buffer_view& view);
   std::string_view bytes_of(const cgltf_buffer& buffer);
   Bytes decoded(const cgltf_buffer& buffer, const std::string& label);
@@ -117,6 +120,14 @@ struct GltfFault {
   std::string text;
 };
 GltfFault find_fault(std::string_view json);
+
+// The same JSON with nothing in it but what places, moves and bounds nodes: the library refuses whole files for forms
+// that it does not know in lights, materials and instances. Empty where the text is no JSON object.
+std::string gltf_essentials(std::string_view json);
+// Brackets inside each other beyond which the text is refused: the library's time grows with the square of them.
+inline constexpr std::size_t kMaxJsonDepth = 256;
+// The line in which a text goes deeper than that; 0 where none does.
+std::size_t line_too_deep(std::string_view json);
 
 // A node that is its own ancestor, or parents.size(), which also stands for no parent.
 std::size_t find_circle(const std::vector<std::size_t>& parents);

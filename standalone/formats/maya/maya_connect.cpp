@@ -50,6 +50,10 @@ void MayaReader::connect(std::string_view source, std::string_view destination) 
   std::string_view from_name, from, to_name, to;
   split(source, from_name, from);
   split(destination, to_name, to);
+  if (to_name == ":time1" || to_name == "time1") {
+    if (!is_mere_link(from)) time_warp_ = from_name;
+    return;
+  }
   // Time is what curves take of themselves.
   if (from.empty() || to.empty() || from_name == ":time1" || from_name == "time1") return;
   const NodeId target = find(to_name);

@@ -64,6 +64,7 @@ Scene MayaReader::read() {
 void MayaReader::check_kind_of_file() {
   in_.ready();
   const std::string_view start(in_.begin(), static_cast<std::size_t>(in_.end() - in_.begin()));
+  written_by_maya_ = start.starts_with("//Maya ASCII");
   if (start.starts_with("FOR4") || start.starts_with("FOR8")) {
     in_.fail("this is a binary Maya scene under another name; save it as Maya ASCII");
   }
@@ -190,11 +191,38 @@ NodeId MayaReader::create(const std::string& type, const std::string& name, cons
 }
 
 NodeId MayaReader::parent_named(const std::string& name, bool& missing) {
-  const NodeId node = find(name);
-  if (node != kNoNode && scene_.nodes.is_transform(node)) return node;
+  NodeId node = find(name);
+  if (node != kNoNode && !scene_.nodes.is_transform(node)) node = moved_into_dag(node);
+  if (node != kNoNode) return node;
   missing = true;
   note("a node's parent is not in the file, and the node stands at the top; import the reference it comes from");
   return kWorld;
+}
+
+// A node of an unknown type that something hangs on is in the DAG, whatever it was taken for; kNoNode for any other.
+NodeId MayaReader::moved_into_dag(NodeId node) {
+  const std::string type = scene_.nodes.type(node), name(scene_.names.short_name(node)),
+                    in_file = name_in_file(scene_, node);
+  if (scene_.nodes.is_registered_type(type) || scene_.curves.is_curve(node) || type.ends_with("Shape")) return kNoNode;
+  note("the node type " + shown(type) + " is not known and placed like a plain transform");
+  const NodeId above = scene_.nodes.is_shape(node) ? scene_.nodes.parent(node) : kWorld;
+  // Of an unknown type only what is made under a parent is in the DAG.
+  const NodeId first_parent = scene_.nodes.create("transform", "");
+  const NodeId moved = scene_.nodes.create(type, "", first_parent);
+  for (const Connection& c : scene_.connections.into(node))
+    scene_.connections.connect(c.source, c.source_attribute, moved, c.attribute);
+  scene_.nodes.lock(node, false);
+  scene_.nodes.remove(node);
+  scene_.nodes.set_parent(moved, above);
+  scene_.nodes.remove(first_parent);
+  scene_.nodes.rename(moved, name);
+  keep_name_in_file(scene_, moved, in_file);
+  for (const auto& [channel, value] : held_channels_[node]) scene_.attributes.set_channel(moved, channel, value);
+  held_channels_.erase(node);
+  if (depth_.size() <= moved) depth_.resize(moved + std::size_t{1}, 0);
+  depth_[moved] = static_cast<std::uint16_t>(above < depth_.size() ? depth_[above] + 1u : 1u);
+  if (current_ == node) current_ = moved;
+  return moved;
 }
 
 void MayaReader::read_select() {
@@ -242,12 +270,15 @@ void MayaReader::read_parent() {
       names.push_back(word_.text);
     }
   }
-  if (instance) return note("a second instance of a node is not made; only the first is there");
   bool missing = false;
   NodeId above = kWorld;
   if (!world && !names.empty()) {
     above = parent_named(names.back(), missing);
     names.pop_back();
+  }
+  if (instance) {
+    if (!missing) add_instances(names, above);
+    return;
   }
   const std::size_t depth = above < depth_.size() ? depth_[above] + 1u : 1u;
   if (depth > kMaxDepth) in_.fail("more than 2000 nodes inside each other; is this a Maya ASCII file?");
@@ -297,32 +328,45 @@ void MayaReader::read_playback(std::string_view script) {
 
 void MayaReader::finish() {
   if (!known_statement_) in_.fail("no statement of a Maya ASCII scene in the whole file; is it one?");
+  if (written_by_maya_ && !words_.has_closing_line()) {
+    note(
+        "the closing line '// End of ...' is missing: the file may be cut off, and what came after is not here; copy "
+        "or export it again");
+  }
   for (const auto& [curve, draft] : drafts_) assign(curve, draft);
   drafts_.clear();
   // A scene that does not say what it plays plays what it has.
   if (!has_range_ && first_key_ <= last_key_) scene_.settings.set_playback_range(first_key_, last_key_);
   name_all("character", "the character set", "the character sets");
   name_all("animClip", "the clip", "the clips");
+  note_time_warp();
+  note_limits();
+  make_instances();
 }
 
 // What of this type there is and is not played, by name.
 void MayaReader::name_all(const std::string& type, const std::string& one, const std::string& several) {
-  constexpr std::size_t kNamed = 8;
   const auto nodes = scene_.nodes.of_type(type);
   if (nodes.empty()) return;
+  note((nodes.size() == 1 ? one : several) + " " + names_of(nodes) +
+       (nodes.size() == 1 ? " is not played; bake it before saving" : " are not played; bake them before saving"));
+}
+
+std::string MayaReader::names_of(const std::vector<NodeId>& nodes) const {
+  constexpr std::size_t kNamed = 8;
   std::string names;
   for (std::size_t i = 0; i < std::min(nodes.size(), kNamed); ++i)
-    names += (i == 0 ? " '" : ", '") + std::string(scene_.names.short_name(nodes[i])) + "'";
+    names += (i == 0 ? "'" : ", '") + std::string(scene_.names.short_name(nodes[i])) + "'";
   if (nodes.size() > kNamed) names += " and " + std::to_string(nodes.size() - kNamed) + " more";
-  note((nodes.size() == 1 ? one : several) + names +
-       (nodes.size() == 1 ? " is not played; bake it before saving" : " are not played; bake them before saving"));
+  return names;
 }
 
 NodeId MayaReader::find(std::string_view name) {
   if (name.starts_with(":")) name.remove_prefix(1);
   if (name.empty()) return kNoNode;
   try {
-    return scene_.names.find(name);
+    const NodeId node = scene_.names.find(name);
+    return node == kNoNode && !instances_.empty() ? find_by_second_path(name) : node;
   } catch (const host::Error&) {
     note("a name that several nodes bear is used without its path; what it stands for is not known");
     return kNoNode;

@@ -1,11 +1,14 @@
 // What reading a Maya ASCII scene remembers from statement to statement. For the files of this folder only.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "standalone/formats/maya/curve_draft.h"
@@ -15,6 +18,17 @@
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::standalone {
+
+// Limits of a transform's translation, rotation and scale, component by component, in that order; angles in radians.
+// They hold where they are switched on.
+struct Limits {
+  Limits();
+  struct Bound {
+    std::array<double, 9> values;
+    std::array<bool, 9> on = {};
+  };
+  Bound least, most;
+};
 
 // What makes the surface of a mesh from a few numbers, which tell its bounds.
 inline bool is_primitive(std::string_view type) { return type == "polyCube" || type == "polyPlane"; }
@@ -35,6 +49,7 @@ class MayaReader {
   void read_create_node();
   NodeId create(const std::string& type, const std::string& name, const std::string& parent);
   NodeId parent_named(const std::string& name, bool& missing);
+  NodeId moved_into_dag(NodeId node);
   void read_select();
   void read_add_attribute();
   void read_parent();
@@ -42,11 +57,13 @@ class MayaReader {
   void read_playback(std::string_view script);
   void finish();
   void name_all(const std::string& type, const std::string& one, const std::string& several);
+  std::string names_of(const std::vector<NodeId>& nodes) const;
 
   // --- maya_set_attr.cpp
   void read_set_attr();
   void set_values(NodeId node, std::string_view attribute, const std::string& type);
   void set_channels(NodeId node, const NamedChannels& channels);
+  void hold_channels(NodeId node, const NamedChannels& channels);
   void set_offset_parent_matrix(NodeId node);
   void set_curve_shape(NodeId node);
   void set_script();
@@ -55,6 +72,20 @@ class MayaReader {
   bool read_numbers(std::size_t limit);
   CurveDraft& draft(NodeId curve);
   void assign(NodeId curve, const CurveDraft& draft);
+
+  // --- maya_limits.cpp
+  bool set_limits(NodeId node, std::string_view attribute);
+  void note_limits();
+  bool leaves_limits(NodeId node, const Limits& limits) const;
+  bool set_time(std::string_view attribute);
+  void note_time_warp();
+
+  // --- maya_instances.cpp
+  void add_instances(const std::vector<std::string>& names, NodeId above);
+  NodeId find_by_second_path(std::string_view path);
+  void make_instances();
+  void make_twins(NodeId node, NodeId above, NodeId first_twin);
+  NodeId make_twin(NodeId node, NodeId above);
 
   // --- maya_connect.cpp
   void read_connect();
@@ -85,6 +116,7 @@ class MayaReader {
   bool known_statement_ = false;
   bool bounds_;  // of meshes are wanted
   bool has_range_ = false;
+  bool written_by_maya_ = false;  // its first line says so
 
   // Units of the file.
   double centimetres_ = 1.0;
@@ -105,6 +137,19 @@ class MayaReader {
   std::unordered_map<std::string, std::string> declared_;               // "<node id>.<short name>" to the long one
   std::unordered_map<std::string, std::unordered_set<NodeId>> driven_;  // by the type of what drives them
   std::unordered_set<std::string> notes_;
+  // Values that nodes outside the DAG were given for channels: they have them if it turns out that they are in it.
+  std::unordered_map<NodeId, std::vector<std::pair<Channel, double>>> held_channels_;
+  std::unordered_map<NodeId, Limits> limits_;
+  std::string time_warp_;  // what drives the scene's time; empty where nothing does
+  bool time_warp_is_off_ = false;
+
+  // Second and further parents, in the file's order. Nodes are made for them when the file is through, so that until
+  // then a name stands for one node.
+  std::vector<std::pair<NodeId, NodeId>> instances_;                 // node and parent
+  std::unordered_map<NodeId, std::vector<NodeId>> instances_under_;  // the same by parent
+  std::unordered_map<std::string, NodeId> second_paths_;             // "<parent's id>|<name>"
+  std::unordered_set<NodeId> twin_path_;                             // from the instance down to where twins are made
+  std::size_t twins_left_ = 0;
   NodeId placeholder_ = kNoNode;  // stands for what a missing file would bring
 };
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "base/number.h"
 #include "host/error.h"
 #include "standalone/formats/bounds_draft.h"
 #include "standalone/formats/maya/maya_reader.h"
@@ -41,8 +42,7 @@ void MayaReader::read_set_attr() {
   const NodeId node = name.empty() ? current_ : find(name);
   if (!name.empty()) current_name_ = name;
   if (node == kNoNode) {
-    const bool time = current_name_ == ":time1" && (attribute == "o" || attribute == "outTime");
-    if (time && read_numbers(1)) scene_.settings.set_current_time(numbers_[0]);
+    if (current_name_ == ":time1") set_time(attribute);
     return;
   }
   set_values(node, attribute, type);
@@ -58,10 +58,12 @@ void MayaReader::set_values(NodeId node, std::string_view attribute, const std::
     return;
   }
   const std::string& node_type = scene_.nodes.type(node);
+  const std::size_t dot = attribute.rfind('.');
+  const std::string_view last = dot == std::string_view::npos ? attribute : attribute.substr(dot + 1);
+  const auto channels = channels_named(last);
   if (scene_.nodes.is_transform(node)) {
-    const std::size_t dot = attribute.rfind('.');
-    const std::string_view last = dot == std::string_view::npos ? attribute : attribute.substr(dot + 1);
-    if (const auto channels = channels_named(last)) return set_channels(node, *channels);
+    if (channels) return set_channels(node, *channels);
+    if (set_limits(node, last)) return;
     if (attribute == "opm" || attribute == "offsetParentMatrix") return set_offset_parent_matrix(node);
   } else if (node_type == "nurbsCurve" && type == "nurbsCurve") {
     return set_curve_shape(node);
@@ -75,6 +77,8 @@ void MayaReader::set_values(NodeId node, std::string_view attribute, const std::
   const std::string_view full = declared(node, attribute);
   if (node_type == "unitConversion" || node_type == "pairBlend" || full != attribute) {
     set_number(node, std::string(full));
+  } else if (channels && !scene_.nodes.is_registered_type(node_type)) {
+    hold_channels(node, *channels);
   }
 }
 
@@ -89,6 +93,17 @@ void MayaReader::set_channels(NodeId node, const NamedChannels& channels) {
   const double unit = is_angle(channels.first) ? radians_ : 1.0;
   for (std::size_t k = 0; k < numbers_.size(); ++k) {
     scene_.attributes.set_channel(node, component(channels.first, k), numbers_[k] * unit);
+  }
+}
+
+// Whatever the words are: an attribute of that name may be another thing on this type.
+void MayaReader::hold_channels(NodeId node, const NamedChannels& channels) {
+  const double unit = is_angle(channels.first) ? radians_ : 1.0;
+  for (std::size_t k = 0; k < channels.count && words_.next(word_); ++k) {
+    const char* const last = word_.text.data() + word_.text.size();
+    double value = 0.0;
+    if (word_.is_string || parse_number(word_.text.data(), last, value) != last || !std::isfinite(value)) return;
+    held_channels_[node].emplace_back(component(channels.first, k), value * unit);
   }
 }
 

@@ -1,5 +1,7 @@
 #include "standalone/formats/maya/mel_scanner.h"
 
+#include <string_view>
+
 #include "base/number.h"
 
 namespace vantorelix::standalone {
@@ -75,6 +77,9 @@ void MelScanner::skip_comment() {
   in_.skip();
   const bool to_line_end = in_.peek() == '/';
   in_.skip();
+  in_.ready();
+  const std::string_view text(in_.begin(), static_cast<std::size_t>(in_.end() - in_.begin()));
+  has_closing_line_ |= to_line_end && text.starts_with(" End of ");
   bool star = false;
   while (!in_.at_end()) {
     const char c = in_.peek();

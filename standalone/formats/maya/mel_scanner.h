@@ -36,6 +36,9 @@ class MelScanner {
   // else throws FormatError.
   bool next_number(double& value);
 
+  // Whether a comment "// End of ..." came by, the last line of what Maya writes.
+  bool has_closing_line() const { return has_closing_line_; }
+
   // The line where the statement began.
   std::size_t line() const { return line_; }
   TextInput& input() { return in_; }
@@ -52,6 +55,7 @@ class MelScanner {
   bool has_put_back_ = false;
   std::size_t line_ = 1;
   bool inside_ = false;
+  bool has_closing_line_ = false;
 };
 
 }  // namespace vantorelix::standalone

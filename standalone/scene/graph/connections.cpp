@@ -36,4 +36,13 @@ void SceneConnections::disconnect(NodeId destination, std::string_view attribute
   d.structure_changed();
 }
 
+std::vector<Connection> SceneConnections::into(NodeId node) const {
+  const Graph& d = graph();
+  std::vector<Connection> all;
+  for (const Input& input : d.at(node).inputs.all())
+    if (input.source != kNoNode)
+      all.push_back({input.source, d.attributes.text(input.source_attribute), d.attributes.text(input.attribute)});
+  return all;
+}
+
 }  // namespace vantorelix::standalone

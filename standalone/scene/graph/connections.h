@@ -1,12 +1,21 @@
 // Connections between attributes.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "standalone/scene/graph/scene_part.h"
 #include "standalone/scene/names/node_id.h"
 
 namespace vantorelix::standalone {
+
+// A connection as its destination sees it.
+struct Connection {
+  NodeId source;
+  std::string source_attribute;
+  std::string attribute;
+};
 
 class SceneConnections : public ScenePart {
  public:
@@ -20,6 +29,8 @@ class SceneConnections : public ScenePart {
   void connect(NodeId source, std::string_view source_attribute, NodeId destination,
                std::string_view destination_attribute);
   void disconnect(NodeId destination, std::string_view destination_attribute);
+  // What drives the node's attributes, in order of connection.
+  std::vector<Connection> into(NodeId node) const;
 };
 
 }  // namespace vantorelix::standalone

@@ -2,29 +2,11 @@
 
 #include <algorithm>
 
+#include "base/pattern.h"
 #include "standalone/scene/graph/graph.h"
 
 namespace vantorelix::standalone {
 namespace {
-
-bool glob(std::string_view pattern, std::string_view text) {
-  std::size_t p = 0, t = 0, star = std::string_view::npos, resume = 0;
-  while (t < text.size()) {
-    if (p < pattern.size() && pattern[p] == '*') {
-      star = p++;
-      resume = t;
-    } else if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == text[t])) {
-      ++p, ++t;
-    } else if (star != std::string_view::npos) {
-      p = star + 1;
-      t = ++resume;
-    } else {
-      return false;
-    }
-  }
-  while (p < pattern.size() && pattern[p] == '*') ++p;
-  return p == pattern.size();
-}
 
 std::string_view last_part(std::string_view path) { return path.substr(path.rfind('|') + 1); }
 
@@ -34,7 +16,7 @@ bool path_matches(const Graph& scene, const Node& node, std::string_view pattern
   const Node* at = &node;
   while (true) {
     const std::string_view part = last_part(pattern);
-    if (at == nullptr || !glob(part, scene.text(*at))) return false;
+    if (at == nullptr || !matches(part, scene.text(*at))) return false;
     if (part.size() == pattern.size()) return true;
     at = at->parent == kWorld ? nullptr : scene.find(at->parent);
     pattern.remove_suffix(part.size() + 1);

@@ -12,3 +12,4 @@ createNode animCurveTL -n "b";
 connectAttr "a.o" "blend.itx1";
 connectAttr "b.o" "blend.itx2";
 connectAttr "blend.otx" "ball.tx";
+// End of blend.ma

@@ -4,3 +4,4 @@ createNode joint -n "hip";
 createNode character -n "hero";
 createNode animClip -n "walkSource";
 connectAttr "hero.av[1]" "hip.rz";
+// End of character.ma

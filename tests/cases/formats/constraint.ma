@@ -9,3 +9,4 @@ createNode animCurveTL -n "leader_translateX";
 	setAttr -s 2 ".ktv[0:1]"  1 0 10 9;
 connectAttr "leader_translateX.o" "leader.tx";
 connectAttr "follower_pointConstraint1.ctx" "follower.tx";
+// End of constraint.ma

@@ -10,3 +10,4 @@ createNode animCurveUL -n "lamp_translateY";
 connectAttr "switch_translateX.o" "switch.tx";
 connectAttr "switch.tx" "lamp_translateY.i";
 connectAttr "lamp_translateY.o" "lamp.ty";
+// End of driven_key.ma

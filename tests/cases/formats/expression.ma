@@ -7,3 +7,4 @@ createNode animCurveTL -n "wheel_translateX";
 	setAttr -s 2 ".ktv[0:1]"  1 0 10 9;
 connectAttr "wheel_translateX.o" "wheel.tx";
 connectAttr "spin.out[0]" "wheel.rz";
+// End of expression.ma

@@ -11,3 +11,4 @@ createNode animCurveTL -n "hand_translateX";
 	setAttr -s 2 ".ktv[0:1]"  1 0 10 9;
 connectAttr "ball_translateX.o" "ball.tx";
 connectAttr "hand_translateX.o" "rigRN.phl[1]";
+// End of reference.ma

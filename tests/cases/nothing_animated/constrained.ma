@@ -4,3 +4,4 @@ createNode transform -n "box";
 createNode transform -n "leader";
 createNode pointConstraint -n "box_pointConstraint1" -p "box";
 connectAttr "box_pointConstraint1.ctx" "box.tx";
+// End of constrained.ma

@@ -10,3 +10,4 @@ createNode expression -n "wobble";
 	setAttr ".ixp" -type "string" ".O[0]=sin(time)";
 connectAttr "ball_translateX.o" "ball.tx";
 connectAttr "wobble.out[0]" "ball.ty";
+// End of driven.ma

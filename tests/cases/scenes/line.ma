@@ -11,3 +11,4 @@ createNode script -n "sceneConfigurationScriptNode";
 	setAttr ".b" -type "string" "playbackOptions -min 0 -max 8 -ast 0 -aet 8 ";
 	setAttr ".st" 6;
 connectAttr "ball_translateX.o" "ball.tx";
+// End of line.ma

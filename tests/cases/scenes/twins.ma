@@ -14,3 +14,4 @@ createNode script -n "sceneConfigurationScriptNode";
 	setAttr ".st" 6;
 connectAttr "curve1.o" "|left|ctrl.tx";
 connectAttr "curve1.o" "|right|ctrl.tx";
+// End of twins.ma
