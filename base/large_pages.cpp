@@ -15,8 +15,8 @@ void advise_large_pages([[maybe_unused]] void* begin, [[maybe_unused]] std::size
   // The whole pages within: what lies before and after may be somebody else's.
   const auto address = reinterpret_cast<std::uintptr_t>(begin);
   const std::size_t before = (kLargePage - address % kLargePage) % kLargePage;
-  const std::size_t whole = (bytes - before) / kLargePage * kLargePage;
-  madvise(static_cast<char*>(begin) + before, whole, MADV_HUGEPAGE);  // advice: a refusal changes nothing
+  const std::size_t covered = (bytes - before) / kLargePage * kLargePage;
+  madvise(static_cast<char*>(begin) + before, covered, MADV_HUGEPAGE);  // advice: a refusal changes nothing
 #endif
 }
 

@@ -7,7 +7,7 @@
 
 namespace vantorelix {
 
-// The slow road, for what the fast one does not take: many digits, large exponents, "inf" and "nan". As parse_number.
+// The slow way, for what the fast one does not take: many digits, large exponents, "inf" and "nan". As parse_number.
 const char* parse_number_slow(const char* first, const char* last, double& value);
 
 // Reads a number at the start of [first, last): an optional sign, digits with an optional point, an optional exponent.
@@ -39,7 +39,7 @@ inline const char* parse_number(const char* first, const char* last, double& val
     const char* const start = q;
     std::ptrdiff_t exponent = 0;
     while (q != last && *q >= '0' && *q <= '9' && exponent < 10000) exponent = exponent * 10 + (*q++ - '0');
-    // An "e" without digits is no exponent; the number ends before it.
+    // An "e" without digits is not an exponent; the number ends before it.
     if (q != start) {
       power += down ? -exponent : exponent;
       p = q;
@@ -50,9 +50,9 @@ inline const char* parse_number(const char* first, const char* last, double& val
   if (count == 0 || count > 19 || mantissa > (std::uint64_t{1} << 53) || power < -22 || power > 22) {
     return parse_number_slow(first, last, value);
   }
-  const double whole = static_cast<double>(mantissa);
+  const double exact = static_cast<double>(mantissa);
   const double magnitude =
-      power < 0 ? whole / kPower[static_cast<std::size_t>(-power)] : whole * kPower[static_cast<std::size_t>(power)];
+      power < 0 ? exact / kPower[static_cast<std::size_t>(-power)] : exact * kPower[static_cast<std::size_t>(power)];
   value = negative ? -magnitude : magnitude;
   return p;
 }

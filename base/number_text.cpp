@@ -59,8 +59,8 @@ std::string readable(double value, int digits) {
             .ptr;
     return {buffer.data(), end};
   }
-  const int whole = size == 0.0 ? 1 : power_of_ten(size) + 1;
-  return fixed(value, whole >= digits ? 0 : digits - whole);
+  const int digits_before = size == 0.0 ? 1 : power_of_ten(size) + 1;
+  return fixed(value, digits_before >= digits ? 0 : digits - digits_before);
 }
 
 std::string counted(std::size_t n, const std::string& noun) {

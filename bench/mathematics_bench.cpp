@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 #include "tests/support/mathematics_arguments.h"
 
 namespace vantorelix::bench {

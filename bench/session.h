@@ -1,4 +1,4 @@
-// The whole trail road over the standalone host, timed without the wait after an edit.
+// A whole trail over the standalone host, timed without the wait after an edit.
 #pragma once
 
 #include <functional>

@@ -84,10 +84,10 @@ void slices(benchmark::State& state) {
   WatchedClock clock;
   Session session(separate_objects(1000, frames), [&] { return clock.now(); });
   session.make_trails();
-  std::vector<double> whole, bare, gaps, interrupts;
+  std::vector<double> lengths, bare, gaps, interrupts;
   double left_out = 0.0;
   for ([[maybe_unused]] auto _ : state) {
-    while (whole.size() < kSlices) {
+    while (lengths.size() < kSlices) {
       session.edit();
       clock.forget();
       for (std::optional<Slice> slice; (slice = session.slice()); clock.forget()) {
@@ -96,10 +96,10 @@ void slices(benchmark::State& state) {
           ++left_out;
           continue;
         }
-        whole.push_back(slice->seconds);
+        lengths.push_back(slice->seconds);
         gaps.insert(gaps.end(), clock.gaps().begin(), clock.gaps().end());
       }
-      while (bare.size() < whole.size()) {
+      while (bare.size() < lengths.size()) {
         clock.forget();
         const Slice slice = session.bare_slice();
         if (lost_processor(slice)) continue;
@@ -108,15 +108,15 @@ void slices(benchmark::State& state) {
                      [](double gap) { return gap > kInterrupt; });
       }
     }
-    state.SetIterationTime(quantile_of_moments(0.999, gaps, sum(whole)));
+    state.SetIterationTime(quantile_of_moments(0.999, gaps, sum(lengths)));
   }
   session.check(static_cast<std::size_t>(frames));
-  state.counters["slices"] = static_cast<double>(whole.size());
+  state.counters["slices"] = static_cast<double>(lengths.size());
   state.counters["left_out"] = left_out;
   state.counters["unit_median"] = quantile(0.5, gaps);
-  state.counters["slice_p99"] = quantile(0.99, whole);
-  state.counters["slice_p999"] = quantile(0.999, whole);
-  state.counters["slice_max"] = quantile(1.0, whole);
+  state.counters["slice_p99"] = quantile(0.99, lengths);
+  state.counters["slice_p999"] = quantile(0.999, lengths);
+  state.counters["slice_max"] = quantile(1.0, lengths);
   state.counters["bare_p999"] = quantile(0.999, bare);
   state.counters["interrupts_a_second"] = static_cast<double>(interrupts.size()) / sum(bare);
   state.counters["interrupt_median"] = quantile(0.5, interrupts);

@@ -44,7 +44,7 @@ std::string what_is_wrong(const CLI::ParseError& error, const CLI::App& program,
   std::string names;
   for (const Command& command : commands) names += (names.empty() ? "" : ", ") + command.app->get_name();
   const auto rest = program.remaining();
-  return (rest.empty() ? "no command was given" : "'" + rest.front() + "' is no command") +
+  return (rest.empty() ? "no command was given" : "'" + rest.front() + "' is not a command") +
          std::string("; use one of ") + names;
 }
 

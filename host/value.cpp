@@ -272,9 +272,9 @@ std::string float_repr(double d) {
   std::string digits = scientific.substr(sign.size(), e - sign.size());
   if (digits.size() > 1) digits.erase(1, 1);  // the point
   if (exponent < 0) return sign + "0." + std::string(static_cast<std::size_t>(-exponent - 1), '0') + digits;
-  const std::size_t whole = static_cast<std::size_t>(exponent) + 1;
-  if (digits.size() <= whole) return sign + digits + std::string(whole - digits.size(), '0') + ".0";
-  return sign + digits.substr(0, whole) + "." + digits.substr(whole);
+  const std::size_t digits_before = static_cast<std::size_t>(exponent) + 1;
+  if (digits.size() <= digits_before) return sign + digits + std::string(digits_before - digits.size(), '0') + ".0";
+  return sign + digits.substr(0, digits_before) + "." + digits.substr(digits_before);
 }
 
 }  // namespace vantorelix::host

@@ -5,7 +5,7 @@
 #include <limits>
 #include <memory>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::session {
@@ -23,7 +23,7 @@ Vectors array(const Scene& scene, NodeId shape, const char* attribute) {
 void warn_of_gaps(TrailView& trail) {
   const auto bad =
       std::count_if(trail.points->begin(), trail.points->end(), [](const Vector& p) { return !is_finite(p); });
-  if (bad != 0) trail.warnings.push_back(std::to_string(bad) + " samples are no finite numbers");
+  if (bad != 0) trail.warnings.push_back(std::to_string(bad) + " samples are not finite numbers");
 }
 
 TrailView read_trail(const Scene& scene, const Trail& trail) {

@@ -22,7 +22,7 @@ using standalone::NodeId;
 namespace {
 
 // A sample is two triples of doubles on its node, twice while it is replaced: this many stay below 10 GB.
-constexpr double kMostSamples = 1e8;
+constexpr double kMaxSamples = 1e8;
 
 // Turn k holds the objects whose short name occurs for the (k+1)-th time.
 std::vector<std::vector<NodeId>> turns(const standalone::Scene& scene, const std::vector<NodeId>& objects) {
@@ -76,7 +76,7 @@ void Session::check_size(std::size_t objects, const TrailSettings& settings) {
     throw Failure(Failure::Kind::range_too_short, "the range " + number_text(scene_.settings.playback_min()) + " to " +
                                                       number_text(scene_.settings.playback_max()) +
                                                       " holds no two samples");
-  if (samples * static_cast<double>(objects) > kMostSamples)
+  if (samples * static_cast<double>(objects) > kMaxSamples)
     throw Failure(Failure::Kind::too_many_samples, counted(objects, "trail") + " of " + number_text(samples) +
                                                        " samples are more than 100 million in all");
 }

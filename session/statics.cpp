@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::session {
@@ -46,13 +46,13 @@ double size_of(const StaticBox& box) {
 }
 
 void keep_largest(std::vector<StaticBox>& boxes) {
-  if (boxes.size() <= kMostStatics) return;
+  if (boxes.size() <= kMaxStatics) return;
   std::vector<double> sizes;
   sizes.reserve(boxes.size());
   for (const StaticBox& box : boxes) sizes.push_back(size_of(box));
-  std::nth_element(sizes.begin(), sizes.begin() + kMostStatics - 1, sizes.end(), std::greater<>());
-  const double least = sizes[kMostStatics - 1];
-  auto even = std::count(sizes.begin(), sizes.begin() + kMostStatics, least);  // of the least size, this many stay
+  std::nth_element(sizes.begin(), sizes.begin() + kMaxStatics - 1, sizes.end(), std::greater<>());
+  const double least = sizes[kMaxStatics - 1];
+  auto even = std::count(sizes.begin(), sizes.begin() + kMaxStatics, least);  // of the least size, this many stay
   const auto goes = [&](const StaticBox& box) {
     const double size = size_of(box);
     return size == least ? even-- <= 0 : size < least;

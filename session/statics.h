@@ -9,11 +9,11 @@
 
 namespace vantorelix::session {
 
-inline constexpr std::size_t kMostStatics = 2000;
+inline constexpr std::size_t kMaxStatics = 2000;
 
 // The transforms that do not move and have a surface (a mesh, a NURBS or subdivision surface), in the scene's order,
 // where they are at a frame. The box is the one that the file's reader found (standalone::kBounds), else a cube of one
-// unit. Of more than kMostStatics the largest.
+// unit. Of more than kMaxStatics the largest.
 std::vector<StaticBox> static_boxes(const standalone::Scene& scene, double frame);
 
 }  // namespace vantorelix::session

@@ -60,16 +60,16 @@ TEST(Statics, StandWhereTheyAreInTheWorldWithTheBoundsThatAreKnown) {
 
 TEST(Statics, AreTheLargestOfTooManyInTheScenesOrder) {
   Scene scene;
-  for (std::size_t i = 0; i < kMostStatics + 10; ++i) {
+  for (std::size_t i = 0; i < kMaxStatics + 10; ++i) {
     const NodeId node = add(scene, "box" + std::to_string(i));
     scene.attributes.set_channel(node, Channel::scaleX, i < 5 ? 0.5 : i == 1000 ? 9.0 : 1.0);
   }
   const auto boxes = static_boxes(scene, 1.0);
-  ASSERT_EQ(boxes.size(), kMostStatics);
+  ASSERT_EQ(boxes.size(), kMaxStatics);
   EXPECT_EQ(boxes.front().name, "|box5");
   EXPECT_EQ(boxes[995].name, "|box1000");
   // Of the many that are equally large the first stay.
-  EXPECT_EQ(boxes.back().name, "|box" + std::to_string(kMostStatics + 4));
+  EXPECT_EQ(boxes.back().name, "|box" + std::to_string(kMaxStatics + 4));
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ class Entry {
  public:
   Entry(const json& object, std::string where, const Scene& scene)
       : object_(object), where_(std::move(where)), scene_(scene) {
-    if (!object_.is_object()) fail("is no object; write {\"at\": 0.5, \"set_key\": \"ball.translateY\", ...}");
+    if (!object_.is_object()) fail("is not an object; write {\"at\": 0.5, \"set_key\": \"ball.translateY\", ...}");
   }
 
   [[noreturn]] void fail(const std::string& text) const { throw Failure(where_ + ": " + text); }
@@ -127,7 +127,7 @@ std::vector<LiveEvent> parse_edits(const std::string& text, const std::string& n
     const auto line =
         1 +
         std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size())), '\n');
-    throw Failure(name + ":" + std::to_string(line) + ": is no valid JSON here; mend it, or see docs/cli.md");
+    throw Failure(name + ":" + std::to_string(line) + ": is not valid JSON here; correct it, or see docs/cli.md");
   }
   if (!document.is_object() || !document.contains("edits") || !document["edits"].is_array())
     throw Failure(name + ": holds no list of edits; write {\"edits\": [...]}, see 'vantorelix live --help'");

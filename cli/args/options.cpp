@@ -70,7 +70,7 @@ void SceneOptions::apply_range(standalone::Scene& scene, std::size_t trails) con
     return;
   }
   const double frames = scene.settings.playback_max() - scene.settings.playback_min();
-  if (!(frames > kMostFramesUnasked)) return;
+  if (!(frames > kMaxFramesUnasked)) return;
   constexpr double kBytes = 100.0;  // of a sample while its trail is made
   throw Failure(file + ": its range of " + readable(frames, 8) + " frames is longer than a million; " +
                 counted(trails, "trail") + " of it would take about " +
@@ -89,7 +89,8 @@ void add_scene_argument(CLI::App& command, SceneOptions& options) {
       ->check(CLI::Validator(
           [](std::string& text) {
             const auto rate = parse_number(text);
-            return rate && *rate > 0.0 ? std::string() : "'" + text + "' is no rate; write a number above 0, as 30";
+            return rate && *rate > 0.0 ? std::string()
+                                       : "'" + text + "' is not a valid rate; write a number above 0, as 30";
           },
           ""));
   add_choice(command, "--axis", options.axis, {"y-up", "z-up"}, "Turn an FBX scene (default: its own axes)");
@@ -106,7 +107,7 @@ void add_selection_options(CLI::App& command, SceneOptions& options) {
       ->type_name("FIRST:LAST")
       ->check(CLI::Validator(
           [](std::string& text) {
-            return parse_range(text) ? std::string() : "'" + text + "' is no range; write FIRST:LAST, as 1:48";
+            return parse_range(text) ? std::string() : "'" + text + "' is not a valid range; write FIRST:LAST, as 1:48";
           },
           ""));
 }
@@ -156,7 +157,7 @@ CLI::Option* add_whole(CLI::App& command, const std::string& name, std::optional
             const bool fits = number && *number == std::floor(*number) && *number >= static_cast<double>(least) &&
                               *number <= static_cast<double>(most);
             return fits ? std::string()
-                        : "'" + text + "' is no whole number from " + std::to_string(least) + " to " +
+                        : "'" + text + "' is not a whole number from " + std::to_string(least) + " to " +
                               std::to_string(most);
           },
           ""));

@@ -34,10 +34,10 @@ struct SceneOptions {
   // Throws UsageError for an option that the file's format has no use for.
   standalone::ReadOptions read_options() const;
   // Sets the playback range when one was asked for. Throws Failure when none was and the scene's own is longer than
-  // kMostFramesUnasked, with what so many trails of it would take.
+  // kMaxFramesUnasked, with what so many trails of it would take.
   void apply_range(standalone::Scene& scene, std::size_t trails) const;
 };
-inline constexpr double kMostFramesUnasked = 1'000'000.0;
+inline constexpr double kMaxFramesUnasked = 1'000'000.0;
 void add_scene_argument(CLI::App& command, SceneOptions& options);
 void add_selection_options(CLI::App& command, SceneOptions& options);
 

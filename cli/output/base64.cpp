@@ -20,16 +20,16 @@ void Base64::byte(std::uint8_t value) {
   if (block_.size() == kBlock) encode();
 }
 
-void Base64::whole(std::uint32_t value) {
+void Base64::integer(std::uint32_t value) {
   for (int shift = 0; shift < 32; shift += 8) byte(static_cast<std::uint8_t>(value >> shift));
 }
 
-void Base64::real(float value) { whole(std::bit_cast<std::uint32_t>(value)); }
+void Base64::real(float value) { integer(std::bit_cast<std::uint32_t>(value)); }
 
 void Base64::real(double value) {
   const auto bits = std::bit_cast<std::uint64_t>(value);
-  whole(static_cast<std::uint32_t>(bits));
-  whole(static_cast<std::uint32_t>(bits >> 32));
+  integer(static_cast<std::uint32_t>(bits));
+  integer(static_cast<std::uint32_t>(bits >> 32));
 }
 
 void Base64::pad(std::uint64_t unit) {

@@ -16,7 +16,7 @@ class Base64 {
 
   void byte(std::uint8_t value);
   // Least significant byte first.
-  void whole(std::uint32_t value);
+  void integer(std::uint32_t value);
   void real(float value);
   void real(double value);
   // Zeros up to a multiple of `unit` bytes from the start.

@@ -6,7 +6,7 @@
 //   <script type="application/octet-stream" id="trails-data">base64 of the sections of trail_data.h</script>
 //
 // The header is one object. <, >, & and the two line ends that only Unicode has are written as \uXXXX, so that no name
-// ends the block; bytes that are no UTF-8 are replaced; a number that is not finite is null.
+// ends the block; bytes that are not UTF-8 are replaced; a number that is not finite is null.
 //
 //   format 1, scene, fps, range [first, last], current (frame), unit, up_axis
 //   key_time_bytes   4 or 8

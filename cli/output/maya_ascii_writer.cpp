@@ -51,7 +51,7 @@ void write_curve(TextSink& out, const CurveView& curve) {
   out << "\n\t\t" << static_cast<std::int64_t>(points.size()) << "\n";
   for (const Vector& p : points) {
     if (!is_finite(p))
-      throw Failure(curve.name + ": has points that are no finite numbers; choose other objects with --select");
+      throw Failure(curve.name + ": has points that are not finite numbers; choose other objects with --select");
     out << "\t\t" << p.x << ' ' << p.y << ' ' << p.z << "\n";
   }
   out << "\t\t;\n";

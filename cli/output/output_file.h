@@ -37,7 +37,7 @@ class OutputFile : public TextSink {
   bool stdout_ = false;
 };
 
-// Throws Failure unless a file can be put there: its folder exists and it is no folder itself.
+// Throws Failure unless a file can be put there: its folder exists and it is not a folder itself.
 void check_destination(const std::filesystem::path& path);
 
 }  // namespace vantorelix::cli

@@ -74,7 +74,7 @@ std::uint64_t aligned(std::uint64_t bytes) { return (bytes + kAlignment - 1) / k
 
 void write_position(Base64& out, const PositionScale& scale, const Vector& p) {
   const bool finite = is_finite(p);
-  for (const auto axis : kAxes) out.whole(finite ? steps(p.*axis, scale.low.*axis, scale.step.*axis) : kNoPosition);
+  for (const auto axis : kAxes) out.integer(finite ? steps(p.*axis, scale.low.*axis, scale.step.*axis) : kNoPosition);
 }
 
 void write_color(Base64& out, const Vector& color) {

@@ -100,7 +100,7 @@ namespace {
 
 std::vector<Colour> repeated(const host::Value& n, const Colour& colour) {
   const std::int64_t count = std::max<std::int64_t>(0, n.to_int());
-  if (count > kMostSamples) throw host::Error("too many samples", host::ErrorKind::overflow);
+  if (count > kMaxSamples) throw host::Error("too many samples", host::ErrorKind::overflow);
   return std::vector<Colour>(static_cast<std::size_t>(count), colour);
 }
 

@@ -18,7 +18,7 @@ constexpr std::uint64_t kUntouched = 0x7ff4dead0badbeef;
 
 using Bits = std::vector<std::uint64_t>;
 
-// Doubles by their bits: a -0 is no 0 here. Any value that is no number counts as the same one, for which operand's
+// Doubles by their bits: a -0 is not 0 here. Any value that is not a number counts as the same one, for which operand's
 // bits it inherits is up to the compiler.
 Bits bits(const std::vector<double>& values) {
   Bits all(values.size());

@@ -5,7 +5,7 @@
 
 namespace vantorelix {
 
-// 0 "Standard", 1 "Spacing", 2 "Flow", 3 "Beats". Throws when mode is no number.
+// 0 "Standard", 1 "Spacing", 2 "Flow", 3 "Beats". Throws when mode is not a number.
 void set_color_mode(const host::Value& mode);
 // X-ray display of all trails.
 void set_ghost(const host::Value& on = true);

@@ -65,7 +65,7 @@ bool _open_menu() {
     front_end->call(kMenuFunction);
     opened = true;
   });
-  // The second road serves a front end that offers the name only to an import, and one whose first call failed.
+  // The second way serves a front end that offers the name only to an import, and one whose first call failed.
   return opened || attempt([&] { interpreter->call_imported(SCRIPT_NAME, kMenuFunction); });
 }
 

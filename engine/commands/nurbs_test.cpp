@@ -36,7 +36,7 @@ TEST_F(NurbsTest, ACurveIsMadeFromFreshSamplesAndSelected) {
   const auto head =
       std::vector<std::string>{"cmds.ls(sl=True, long=True)", "cmds.objExists('|ball')",
                                "cmds.playbackOptions(q=True, min=True)", "cmds.playbackOptions(q=True, max=True)"};
-  const std::string said = "Created 1 standalone NURBS curve(s).";
+  const std::string message = "Created 1 standalone NURBS curve(s).";
   EXPECT_EQ(recorder.log(),
             support::together({head,
                                support::fast_sampler_lines("ball"),
@@ -44,8 +44,8 @@ TEST_F(NurbsTest, ACurveIsMadeFromFreshSamplesAndSelected) {
                                 "plug.translation_at(4.0)", "plug.translation_at(5.0)",
                                 "cmds.keyframe('|ball', q=True, timeChange=True)",
                                 "cmds.curve(d=3, p=<5>, name='vlx_ball_curve')", "cmds.select(['vlx_ball_curve'])",
-                                "cmds.inViewMessage(amg='" + said + "', pos='midCenter', fade=True, alpha=0.9)",
-                                "print('[Vantorelix] " + said + "')"}}));
+                                "cmds.inViewMessage(amg='" + message + "', pos='midCenter', fade=True, alpha=0.9)",
+                                "print('[Vantorelix] " + message + "')"}}));
   EXPECT_EQ(fake.curves.front().points.back(), (Vector{5, 0, 0}));
 }
 

@@ -206,7 +206,7 @@ TEST_F(TriggersTest, ATrailWithoutItsSourceLosesNodeAndEntrySilently) {
 
 TEST_F(TriggersTest, ATrailWithoutItsNodeLosesItsEntrySilently) {
   fake.remove("vlx_ball_viz");
-  _REGISTRY.clear();  // a missing entry is no error
+  _REGISTRY.clear();  // a missing entry is not an error
   _rebuild_one("vlx_ball_viz", ball);
   EXPECT_THAT(recorder.log(), ElementsAre("cmds.objExists('|ball')", "cmds.objExists('vlx_ball_viz')",
                                           "cmds.objExists('vlx_ball_viz')"));

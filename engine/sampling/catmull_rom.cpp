@@ -85,7 +85,7 @@ SampleMap::SampleMap(std::int64_t expected) {
 }
 
 void SampleMap::set(std::int64_t index, const Position& position) {
-  if (index < 0 || index >= kMostSamples) too_many();
+  if (index < 0 || index >= kMaxSamples) too_many();
   const auto at = static_cast<std::size_t>(index);
   if (at >= positions_.size()) {
     positions_.resize(at + 1);
@@ -125,7 +125,7 @@ std::vector<Position> _smooth_fill(std::int64_t n_total, SampleMap sampled) {
   const auto pt = [&](std::size_t k) { return out[static_cast<std::size_t>(idxs[k])]; };
   const std::size_t last = idxs.size() - 1;
   const std::int64_t n = std::max<std::int64_t>(n_total, 0);
-  if (n > kMostSamples) too_many();
+  if (n > kMaxSamples) too_many();
   std::fill_n(out.begin(), idxs[0], pt(0));  // what lies before the first sample holds it
   Steps steps;
   for (std::size_t k = 0; k < last && idxs[k] < n; ++k) {

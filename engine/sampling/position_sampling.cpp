@@ -13,7 +13,7 @@ namespace vantorelix {
 namespace {
 
 const std::string kWorldMatrix = "worldMatrix";
-// Largest sum of differences by which the fast road may miss the exact one.
+// Largest sum of differences by which the fast way may miss the exact one.
 constexpr double kTolerance = 0.0001;
 // Key times this far outside a range still count as inside.
 constexpr double kRangeMargin = 0.000001;
@@ -92,7 +92,7 @@ SamplerPtr _make_slow_sampler(const std::string& obj) { return std::make_shared<
 std::int64_t _sample_count(double start, double end, double step) {
   if (step == 0.0) throw host::Error("float division by zero", host::ErrorKind::zero_division);
   const std::int64_t steps = host::Value(std::nearbyint((end - start) / step)).to_int();
-  if (steps >= kMostSamples) throw host::Error("too many samples", host::ErrorKind::overflow);
+  if (steps >= kMaxSamples) throw host::Error("too many samples", host::ErrorKind::overflow);
   return steps + 1;
 }
 

@@ -65,7 +65,7 @@ SamplerPtr _make_slow_sampler(const std::string& obj);
 
 // Number of samples from start to end inclusive: (end - start) / step rounded to the nearest integer, halves to
 // even, plus 1; zero or negative for a reversed range. Throws host::Error: zero_division for a step of 0, value for
-// NaN, overflow beyond kMostSamples.
+// NaN, overflow beyond kMaxSamples.
 std::int64_t _sample_count(double start, double end, double step);
 
 // Positions at start + i * step. Without a sampler: the fast one, else the slow one.

@@ -29,7 +29,7 @@ class Sampling : public EngineTest {
     return times;
   }
 
-  // Samples through the slow road, where every time asked for is the position's x.
+  // Samples through the slow way, where every time asked for is the position's x.
   std::vector<double> sample_times(double start, double end, double step) {
     return times_of(_sample_positions("|ball", start, end, step, _make_slow_sampler("|ball")));
   }

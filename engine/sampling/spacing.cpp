@@ -60,10 +60,10 @@ std::optional<std::int64_t> _bisect_indices::next() {
     if (ends_given_ >= n_) return std::nullopt;
     return ends_given_++ == 0 ? 0 : n_ - 1;
   }
-  const auto whole = static_cast<std::uint64_t>(n_ - 1);
-  while (std::uint64_t{1} << level_ < whole) {  // some span of this level has an index between its ends
+  const auto last = static_cast<std::uint64_t>(n_ - 1);
+  while (std::uint64_t{1} << level_ < last) {  // some span of this level has an index between its ends
     const std::uint64_t begin = begin_;
-    const std::uint64_t width = (whole + number_reversed_) >> level_;
+    const std::uint64_t width = (last + number_reversed_) >> level_;
     step(width);
     if (width > 1) return static_cast<std::int64_t>(begin + width / 2);
   }

@@ -17,7 +17,7 @@ void _opt_set_int(const std::string& name, const host::Value& value);
 void _opt_set_float(const std::string& name, const host::Value& value);
 
 std::int64_t _get_pref_samples();              // default 1, never below 1
-void _set_pref_samples(const host::Value& v);  // throws when v is no number; stores at least 1
+void _set_pref_samples(const host::Value& v);  // throws when v is not a number; stores at least 1
 double _get_pref_line_width();                 // default 2.5
 void _set_pref_line_width(const host::Value& v);
 double _get_pref_point_size();  // default 6.0
@@ -29,6 +29,6 @@ void _set_pref_show_dots(const host::Value& v);
 bool _get_pref_xray();  // default on
 void _set_pref_xray(const host::Value& v);
 std::int64_t _get_pref_color_mode();              // default 0; any integer is kept
-void _set_pref_color_mode(const host::Value& v);  // throws when v is no number
+void _set_pref_color_mode(const host::Value& v);  // throws when v is not a number
 
 }  // namespace vantorelix

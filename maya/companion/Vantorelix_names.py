@@ -27,7 +27,7 @@ def _remove_empty_namespaces(cmds):
 
 
 def commands(engine, cmds):
-    """What is no call of the engine's about a trail goes to Maya as it comes."""
+    """What is not a call of the engine's about a trail goes to Maya as it comes."""
     def createNode(*kind, **flags):
         if kind == (engine.NODE_TYPE,) and "name" in flags:
             remove_former(flags["name"])

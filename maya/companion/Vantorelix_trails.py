@@ -1,6 +1,6 @@
 """Makes trails live again that come back when something is undone or done again.
 
-The engine's registry is no part of Maya's undo queue: after undoing a clear, or redoing a creation, the nodes of a trail
+The engine's registry is not part of Maya's undo queue: after undoing a clear, or redoing a creation, the nodes of a trail
 are back, and the engine does not know them. So what the registry held for them is kept here, beside a handle of the
 node, which holds for one node alone whatever its name, for as long as Maya could bring that node back. After each undo
 and redo the registry is made to fit the scene.

@@ -213,7 +213,7 @@ def _treat_copies(modules, known, treat):
             if digest(copy) in known:
                 treat(copy)
             else:
-                left.append("{0} was left: it is no copy that is known here, somebody may have changed it. Maya may load "
+                left.append("{0} was left: it is not a copy that is known here; somebody may have changed it. Maya may load "
                             "it instead of an installed one, and the engine overwrites it where it is older: move it "
                             "away.".format(copy))
         except OSError as error:

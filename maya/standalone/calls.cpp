@@ -39,7 +39,7 @@ const std::vector<Value>& Arguments::list(std::size_t i) const {
 
 Value call(Session& session, const std::string& name, const Value& arguments) {
   const host::List* list = arguments.as_list();
-  if (!list) throw Error("The arguments of '" + name + "' are no list", ErrorKind::type);
+  if (!list) throw Error("The arguments of '" + name + "' are not a list", ErrorKind::type);
   for (const Calls* calls : {&node_calls(), &attribute_calls(), &animation_calls(), &host_calls(), &undo_calls()}) {
     const auto found = calls->find(name);
     if (found != calls->end()) return found->second(session, Arguments(**list));

@@ -24,7 +24,7 @@ Value from(const json& item) {
     throw Error("an integer of more than 64 bits", ErrorKind::value);
   if (item.is_number_integer()) return item.get<std::int64_t>();
   if (item.is_string()) return item.get<std::string>();
-  if (!item.is_array()) throw Error("an object is no value", ErrorKind::value);
+  if (!item.is_array()) throw Error("an object is not a value", ErrorKind::value);
   std::vector<Value> items;
   for (const json& each : item) items.push_back(from(each));
   return Value::list(std::move(items));

@@ -1,4 +1,4 @@
-// Every position that has a reference, over all scene files of the reference folder, by both roads of evaluation.
+// Every position that has a reference, over all scene files of the reference folder, by both ways of evaluation.
 // The folder is named by VANTORELIX_DATA, else "../shared/data" beside the checkout; without it these tests are
 // skipped. Each test prints its table.
 #include <gmock/gmock.h>
@@ -310,12 +310,12 @@ TEST(Reference, EveryPositionOfTheGltfClipsAgrees) {
     const std::string table = "gltf/ref/" + fs::path(name).stem().string() + ".pos.csv";
     const std::map<std::size_t, std::vector<Row>> clips = read_clip_rows(data_folder() / table);
     const std::vector<Take> takes = read_scene(data_folder() / file).settings.takes();
-    const double whole = extent_of_all(read_scene(data_folder() / file), clips);
+    const double total = extent_of_all(read_scene(data_folder() / file), clips);
     for (const auto& [clip, rows] : clips) {
       ASSERT_LT(clip, takes.size()) << file;
       ReadOptions options;
       options.take = takes[clip].name;
-      compare(read_scene(data_folder() / file, options), file, takes[clip].name, rows, 1e-6, whole, node_numbered);
+      compare(read_scene(data_folder() / file, options), file, takes[clip].name, rows, 1e-6, total, node_numbered);
     }
   }
 }

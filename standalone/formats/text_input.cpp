@@ -44,11 +44,11 @@ void ProgressReport::tell(std::uint64_t done, std::uint64_t total) {
 WholeFile::WholeFile(ByteSource& source, const ReadOptions& options) {
   constexpr std::size_t kPiece = std::size_t{16} << 20;
   ProgressReport progress(options);
-  constexpr std::size_t kMost = std::size_t{4} << 30;
+  constexpr std::size_t kMax = std::size_t{4} << 30;
   // Room for what the source says, and for a byte that it does not. Not zeroed: files are large.
-  std::size_t room = source.size() <= kMost ? static_cast<std::size_t>(source.size()) + 1 : 1;
+  std::size_t room = source.size() <= kMax ? static_cast<std::size_t>(source.size()) + 1 : 1;
   memory_.reset(new char[room]);
-  while (size_ <= kMost) {
+  while (size_ <= kMax) {
     if (size_ == room) {
       std::unique_ptr<char[]> longer(new char[room *= 2]);
       std::copy_n(memory_.get(), size_, longer.get());

@@ -69,7 +69,7 @@ class ProgressReport {
   std::chrono::steady_clock::time_point told_;
 };
 
-// All bytes at once, for formats that are no text.
+// All bytes at once, for formats that are not text.
 class WholeFile {
  public:
   // Throws FormatError beyond 4 GB.

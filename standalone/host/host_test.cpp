@@ -26,8 +26,8 @@ void again() {
   current->cmds().evalDeferred({"again", again});
 }
 
-// What a host with everything redirected has said.
-struct Said {
+// What a host with everything redirected has heard.
+struct Heard {
   std::vector<std::string> printed, warned, shown;
   HostOptions options() {
     HostOptions options;
@@ -58,14 +58,14 @@ TEST(Host, is_idle_without_deferred_calls) {
 }
 
 TEST(Host, says_what_it_is_told_where_it_is_told_to) {
-  Said said;
-  Host host{Scene(), said.options()};
+  Heard heard;
+  Host host{Scene(), heard.options()};
   host.cmds().warning("careful");
   host.cmds().inViewMessage(7);
   host.interpreter().print("line");
-  EXPECT_THAT(said.warned, ElementsAre("careful"));
-  EXPECT_THAT(said.shown, ElementsAre("7"));
-  EXPECT_THAT(said.printed, ElementsAre("line"));
+  EXPECT_THAT(heard.warned, ElementsAre("careful"));
+  EXPECT_THAT(heard.shown, ElementsAre("7"));
+  EXPECT_THAT(heard.printed, ElementsAre("line"));
 }
 
 TEST(Host, prints_to_the_standard_streams_by_default) {
@@ -197,12 +197,12 @@ TEST(Host, tells_scripts_what_it_was_told_of_itself) {
 }
 
 TEST(Host, reports_a_message_callback_that_fails_and_finishes_the_edit) {
-  Said said;
-  Host host{Scene(), said.options()};
+  Heard heard;
+  Host host{Scene(), heard.options()};
   host.oma().addAnimKeyframeEditedCallback({"fails", [] { throw Error("no luck"); }});
   const NodeId ball = host.scene().nodes.create("transform", "ball");
   host.scene().curves.set_key(ball, Channel::translateX, 1.0, 5.0);
-  EXPECT_THAT(said.warned, ElementsAre("callback fails failed: no luck"));
+  EXPECT_THAT(heard.warned, ElementsAre("callback fails failed: no luck"));
   EXPECT_EQ(host.scene().curves.key_count(ball), 1u);
 }
 

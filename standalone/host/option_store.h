@@ -16,7 +16,7 @@ namespace vantorelix::standalone {
 //
 // In a file it is one JSON object, a member a variable. The file is read when the store is made. Each change reads
 // it again, puts in the one variable, writes the whole to a new file beside it and renames that over the old one:
-// whoever reads sees the old content or the new, and members that others changed or that are no option variables
+// whoever reads sees the old content or the new, and members that others changed or that are not option variables
 // (objects, nulls, ...) stay.
 class OptionStore {
  public:

@@ -24,8 +24,8 @@ struct Attribute {
 Attribute attribute_named(const Scene& scene, const std::string& path) {
   const std::size_t dot = path.find('.');
   if (dot == std::string::npos || dot + 1 == path.size()) throw Error("No attribute was specified.");
-  const std::string_view whole = path;
-  return {node_named(scene, whole.substr(0, dot), path), whole.substr(dot + 1)};
+  const std::string_view full = path;
+  return {node_named(scene, full.substr(0, dot), path), full.substr(dot + 1)};
 }
 
 Error no_match(const std::string& name) { return Error("No object matches name: " + name, ErrorKind::value); }
@@ -86,9 +86,9 @@ std::vector<std::string> Commands::ls_type(const std::string& type) {
 bool Commands::objExists(const std::string& name) {
   const std::size_t dot = name.find('.');
   try {
-    const std::string_view whole = name;
-    const NodeId node = scene_.names.find(whole.substr(0, dot));
-    return node != kNoNode && (dot == std::string::npos || scene_.attributes.has(node, whole.substr(dot + 1)));
+    const std::string_view full = name;
+    const NodeId node = scene_.names.find(full.substr(0, dot));
+    return node != kNoNode && (dot == std::string::npos || scene_.attributes.has(node, full.substr(dot + 1)));
   } catch (const Error&) {
     return true;  // more than one
   }

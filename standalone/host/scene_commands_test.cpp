@@ -94,7 +94,7 @@ TEST_F(SceneCommands, give_parent_and_shapes_by_full_path) {
   EXPECT_EQ(shape, "markShape");
   EXPECT_THAT(cmds().listRelatives_parent(shape), ElementsAre("|locator1"));
   EXPECT_THAT(cmds().listRelatives_shapes("locator1"), ElementsAre("|locator1|markShape"));
-  EXPECT_THAT(cmds().listRelatives_shapes("left"), IsEmpty()) << "a child joint is no shape";
+  EXPECT_THAT(cmds().listRelatives_shapes("left"), IsEmpty()) << "a child joint is not a shape";
   EXPECT_EQ(error_of([&] { cmds().listRelatives_shapes("nobody"); }), "value: No object matches name: nobody");
   EXPECT_EQ(error_of([&] { cmds().listRelatives_parent("wrist"); }), "value: More than one object matches name: wrist");
 }

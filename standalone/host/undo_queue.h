@@ -20,7 +20,7 @@ class UndoQueue {
 
   // --- commands. A command that changed nothing has an entry all the same, unless it failed. One that begins within
   // another, as a listener calls it, has an entry of its own behind the other's. What is done between begin_aside and
-  // end is no command's: that of the command around it goes on after it.
+  // end is not a command's: that of the command around it goes on after it.
   void begin(std::string name);
   void begin_aside();
   void end(bool succeeded);

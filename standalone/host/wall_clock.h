@@ -30,7 +30,7 @@ class BasicWallClock {
 
   double now() {
     const std::uint64_t elapsed = source_.ticks() - ticks_;
-    if (elapsed < believed_) return said_after(elapsed);
+    if (elapsed < believed_) return reading_after(elapsed);
     return look();
   }
 
@@ -41,7 +41,7 @@ class BasicWallClock {
   // what it says then never has to be taken back.
   static constexpr double kSlack = 0.001;
 
-  double said_after(std::uint64_t elapsed) const {
+  double reading_after(std::uint64_t elapsed) const {
     return seconds_ + static_cast<double>(static_cast<std::int64_t>(elapsed)) * rate_;
   }
 
@@ -49,8 +49,8 @@ class BasicWallClock {
     double seconds = source_.seconds();
     const std::uint64_t ticks = source_.ticks();
     // A counter that sped up ran ahead: wait for the system clock.
-    const double said = said_after(believed_);
-    if (seconds < said && said - seconds < kSpan) seconds = said;
+    const double reading = reading_after(believed_);
+    if (seconds < reading && reading - seconds < kSpan) seconds = reading;
     const double passed = seconds - seconds_;
     if (passed >= 0.0 && passed < kSpan) return seconds;  // too short to tell a rate
 

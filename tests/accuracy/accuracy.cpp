@@ -1,4 +1,4 @@
-// Prints the largest error of each function of base/mathematics.h, in units of the last place of the true value, over a
+// Prints the largest error of each function of base/mathematics/mathematics.h, in units of the last place of the true value, over a
 // million arguments. Fails where one is above 1. The true values are those of MPFR, a library of many digits.
 #include <mpfr.h>
 

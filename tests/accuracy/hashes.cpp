@@ -1,4 +1,4 @@
-// Prints a hash of a million results of each function of base/mathematics.h.
+// Prints a hash of a million results of each function of base/mathematics/mathematics.h.
 #include <cinttypes>
 #include <cstdio>
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compiles base/mathematics.cpp with every compiler and for every processor found here, at different levels of
+"""Compiles base/mathematics/mathematics.cpp with every compiler and for every processor found here, at different levels of
 optimisation, and compares hashes of a million results of each function. Run in the root of the checkout."""
 
 import argparse
@@ -10,7 +10,7 @@ import subprocess
 import sys
 import tempfile
 
-SOURCES = ["base/mathematics.cpp", "tests/accuracy/hashes.cpp"]
+SOURCES = ["base/mathematics/mathematics.cpp", "tests/accuracy/hashes.cpp"]
 FLAGS = ["-std=c++20", "-I.", "-ffp-contract=off"]
 # The compiler, flags of its own, and what runs the program.
 TARGETS = [

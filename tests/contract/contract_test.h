@@ -38,7 +38,7 @@ class ContractTest : public testing::TestWithParam<HostKind> {
     recorder->clear();
   }
 
-  // The calls since the last look. The engine's own file and search path are no calls; identifiers of callbacks are
+  // The calls since the last look. The engine's own file and search path are not calls; identifiers of callbacks are
   // the host's own.
   Lines log() {
     Lines lines = recorder->log({"__file__", "sys.path"});

@@ -1,7 +1,7 @@
 // The example scenes give the same bits in every build: debug and release, whatever the compiler.
 //
 // What could tell builds apart is shut out: contraction of a * b + c is off for every target, sums keep their order,
-// sines and cosines are the scene's own, and the library functions left on this road (square root, fmod, rounding) have
+// sines and cosines are the scene's own, and the library functions left on this way (square root, fmod, rounding) have
 // one right answer. (The quaternion blend of two rotations calls the library's arc functions; no example uses it.)
 //
 // So a changed hash means changed results. Renew a constant only when an independent check says that the new numbers

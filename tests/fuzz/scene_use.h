@@ -14,8 +14,8 @@ inline ReadOptions with_bounds() {
   return options;
 }
 
-// Asks for what the program would: positions by both roads, keys, names, drivers. Few nodes and frames, so that a run
-// spends its time in the reader. Traps where the two roads disagree.
+// Asks for what the program would: positions by both ways, keys, names, drivers. Few nodes and frames, so that a run
+// spends its time in the reader. Traps where the two ways disagree.
 inline void use(const Scene& scene) {
   int left = 8;
   for (const NodeId node : scene.nodes.all()) {

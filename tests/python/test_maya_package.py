@@ -372,7 +372,7 @@ class Messages(HostTest):
         self.oma.MAnimMessage.addAnimCurveEditedCallback(interrupt)
         self.assertRaises(KeyboardInterrupt, self.cmds.setKeyframe, "ball.tx", t=5, v=1)
         self.assertEqual(self.cmds.keyframe("ball", q=True, kc=True), 3)
-        self.assertTrue(self.cmds.objExists("ball"))  # the next call is no interrupt
+        self.assertTrue(self.cmds.objExists("ball"))  # the next call is not an interrupt
 
 
 class RunningScripts(HostTest):

@@ -14,7 +14,7 @@ std::string parent_path(const std::string& path) { return path.substr(0, path.rf
 bool is_below(const std::string& path, const std::string& root) {
   return path.size() > root.size() && path.compare(0, root.size() + 1, root + "|") == 0;
 }
-// "wrist" and "arm|wrist" name "|arm|wrist"; a name that begins with "|" is the whole path.
+// "wrist" and "arm|wrist" name "|arm|wrist"; a name that begins with "|" is the full path.
 bool names(const std::string& name, const std::string& path) {
   if (name.empty()) return false;
   const std::string tail = name[0] == '|' ? name : "|" + name;
@@ -99,10 +99,10 @@ FakeHost::FakeHost() {
 // --- scene -----------------------------------------------------------------------------------------------------
 
 FakeHost::Node& FakeHost::add(const std::string& path, const std::string& type) {
-  const std::string whole = path[0] == '|' ? path : "|" + path;
-  const std::string above = parent_path(whole);
+  const std::string full = path[0] == '|' ? path : "|" + path;
+  const std::string above = parent_path(full);
   if (!above.empty() && !find(above)) add(above);
-  nodes.push_back({whole, type});
+  nodes.push_back({full, type});
   return nodes.back();
 }
 

@@ -64,9 +64,9 @@ class FakeHost : public host::CommandLayer,
 
   // World position of an object (full path) at a frame; by default (t, 0, 0).
   std::function<Vector(const std::string& path, double t)> motion;
-  // Added to what context evaluation gives: the difference between the fast road and the slow one.
+  // Added to what context evaluation gives: the difference between the fast way and the slow one.
   Vector context_offset;
-  // Called before each evaluation of either road; may throw.
+  // Called before each evaluation of either way; may throw.
   std::function<void()> on_evaluation;
   std::size_t evaluations = 0;
   // The hints that came, each with the number of evaluations before it.

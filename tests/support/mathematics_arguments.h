@@ -1,4 +1,4 @@
-// Arguments for the functions of base/mathematics.h, every kind that one of them treats in its own way. Drawn the same
+// Arguments for the functions of base/mathematics/mathematics.h, every kind that one of them treats in its own way. Drawn the same
 // on every system.
 #pragma once
 
@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <random>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 
 namespace vantorelix::support {
 
@@ -19,14 +19,14 @@ class Draw {
   // In [0, 1).
   double unit() { return static_cast<double>(random_() >> 11) * 0x1p-53; }
   double within(double most) { return (2.0 * unit() - 1.0) * most; }
-  std::int64_t whole(std::int64_t low, std::int64_t high) {
+  std::int64_t integer(std::int64_t low, std::int64_t high) {
     return low + static_cast<std::int64_t>(random_() % static_cast<std::uint64_t>(high - low + 1));
   }
   double signed_at_random(double x) { return random_() % 2 == 0 ? x : -x; }
   // Of either sign, with an exponent in [low, high].
   double sized(int low, int high) {
     const double mantissa = 1.0 + unit();
-    return signed_at_random(std::ldexp(mantissa, static_cast<int>(whole(low, high))));
+    return signed_at_random(std::ldexp(mantissa, static_cast<int>(integer(low, high))));
   }
   // Any finite number, subnormal ones and zeros among them.
   double finite() {
@@ -35,7 +35,7 @@ class Draw {
   }
   // Up to `steps` doubles away.
   double beside(double x, int steps) {
-    return std::bit_cast<double>(std::bit_cast<std::uint64_t>(x) + static_cast<std::uint64_t>(whole(-steps, steps)));
+    return std::bit_cast<double>(std::bit_cast<std::uint64_t>(x) + static_cast<std::uint64_t>(integer(-steps, steps)));
   }
 
  private:
@@ -45,7 +45,7 @@ class Draw {
 using Arguments = std::array<double, 3>;
 
 inline Arguments angle(Draw& draw) {
-  switch (draw.whole(0, 3)) {
+  switch (draw.integer(0, 3)) {
     case 0:
       return {draw.within(64.0)};
     case 1:
@@ -58,7 +58,7 @@ inline Arguments angle(Draw& draw) {
 }
 
 inline Arguments side(Draw& draw) {
-  switch (draw.whole(0, 3)) {
+  switch (draw.integer(0, 3)) {
     case 0:
       return {draw.within(1.0)};
     case 1:
@@ -72,7 +72,7 @@ inline Arguments side(Draw& draw) {
 
 inline Arguments vector(Draw& draw) {
   const double size = draw.sized(-1070, 1020);
-  switch (draw.whole(0, 5)) {
+  switch (draw.integer(0, 5)) {
     case 0:
       return {draw.within(5.0), draw.within(5.0), draw.within(5.0)};
     case 1:
@@ -89,8 +89,8 @@ inline Arguments vector(Draw& draw) {
 }
 
 inline Arguments power(Draw& draw) {
-  const double exponent = draw.whole(0, 3) == 0 ? std::abs(draw.sized(-60, -1)) : draw.unit();
-  switch (draw.whole(0, 2)) {
+  const double exponent = draw.integer(0, 3) == 0 ? std::abs(draw.sized(-60, -1)) : draw.unit();
+  switch (draw.integer(0, 2)) {
     case 0:
       return {5.0 * draw.unit(), exponent};
     case 1:

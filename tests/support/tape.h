@@ -83,7 +83,7 @@ class Tape {
     ((arguments += (arguments.empty() ? "" : ", ") + piece(args)), ...);
     written(std::string(function) + "(" + arguments + ")");
   }
-  // Anything that is no call in the script's text.
+  // Anything that is not a call in the script's text.
   void statement(std::string line) {
     ++calls;
     written(std::move(line));

@@ -1,4 +1,4 @@
-// Trails that exist already, and the calls that every road of the engine makes for one.
+// Trails that exist already, and the calls that every way of the engine makes for one.
 #pragma once
 
 #include <initializer_list>

@@ -18,5 +18,5 @@ def problems(root, options=None):
         for number, line in enumerate(files.read(root, path).splitlines(), 1):
             for name in _CALL.findall(_COMMENT.sub("", line)):
                 found.append("%s:%d: %s of the C library differs in the last place between systems; call base::%s of "
-                             "base/mathematics.h, or add it there" % (path, number, name, name))
+                             "base/mathematics/mathematics.h, or add it there" % (path, number, name, name))
     return found

@@ -16,7 +16,7 @@ def words(text):
 
 
 def committed(name):
-    with open(os.path.join(ROOT, "base", name), encoding="utf-8") as file:
+    with open(os.path.join(ROOT, "base", "mathematics", name), encoding="utf-8") as file:
         return words(file.read())
 
 

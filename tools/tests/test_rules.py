@@ -267,12 +267,12 @@ class Mathematics(Checkout):
     def test_functions_of_the_c_library_are_named_where_positions_are_made(self):
         for call in ("std::sin(x)", "1 + atan2(y, x)", "std::hypot(x, y, z)", "std::pow(x, 2)", "cosf(x)"):
             self.write("standalone/scene/a.cpp", "\ndouble f() { return %s; }\n" % call)
-            self.assert_one(self.problems(mathematics), "standalone/scene/a.cpp:2:", "base/mathematics.h")
+            self.assert_one(self.problems(mathematics), "standalone/scene/a.cpp:2:", "base/mathematics/mathematics.h")
 
     def test_our_own_and_exact_functions_tests_and_pictures_pass(self):
         self.write("standalone/a.cpp", "double f() { return base::sin(x) + std::sqrt(t.sin(x)) + std::abs(x); }  // sin(x)\n")
         self.write("standalone/a_test.cpp", "double f() { return std::sin(x); }\n")
-        self.write("base/mathematics.cpp", "double sin(double x) { return x; }\n")
+        self.write("base/mathematics/mathematics.cpp", "double sin(double x) { return x; }\n")
         self.write("cli/output/a.cpp", "double f() { return std::pow(10.0, 3); }\n")
         self.assertEqual(self.problems(mathematics), [])
 

@@ -22,10 +22,10 @@ constexpr double kWidth = 1200.0;
 constexpr double kMargin = 44.0;
 constexpr double kTitle = 66.0;
 // Points that all lines together keep, and dots that are drawn: a few MB at most.
-constexpr std::size_t kMostPoints = 60'000;
-constexpr std::size_t kMostDots = 5'000;
+constexpr std::size_t kMaxPoints = 60'000;
+constexpr std::size_t kMaxDots = 5'000;
 // Above this many trails shadows would hide more than they tell.
-constexpr std::size_t kMostShadows = 6;
+constexpr std::size_t kMaxShadows = 6;
 
 // The picture being made: where everything goes.
 struct Sheet {
@@ -79,9 +79,9 @@ void thin_lines(Sheet& sheet) {
     for (const DrawnTrail& trail : sheet.trails) n += trail.kept(sheet.thinning);
     return n;
   };
-  while (kept() > kMostPoints && sheet.thinning.tolerance < 10.0) sheet.thinning.tolerance *= 1.6;
+  while (kept() > kMaxPoints && sheet.thinning.tolerance < 10.0) sheet.thinning.tolerance *= 1.6;
   // What jumps to and fro is never near: only leaving samples out makes it less.
-  while (kept() > kMostPoints && sheet.thinning.every < 1'000'000'000) sheet.thinning.every *= 2;
+  while (kept() > kMaxPoints && sheet.thinning.every < 1'000'000'000) sheet.thinning.every *= 2;
 }
 
 // The least of 1, 2, 5, 10, 20 ... that is at least `least`.
@@ -103,7 +103,7 @@ void thin_dots(Sheet& sheet) {
   }
   const double spacing = std::max(length / std::max<double>(1.0, static_cast<double>(samples)), 1e-6);
   const double crowd = 1.25 * size / spacing;
-  const double many = static_cast<double>(samples) / static_cast<double>(kMostDots);
+  const double many = static_cast<double>(samples) / static_cast<double>(kMaxDots);
   sheet.stride = nice_stride(std::max(crowd, many));
 }
 
@@ -131,7 +131,7 @@ std::vector<std::string> notes(const Sheet& sheet, const session::TrailReport& r
 
 void draw_depth_cues(TextSink& out, const Sheet& sheet, const session::TrailReport& report,
                      const std::vector<KeyMark>& keys) {
-  if (!sheet.camera.is_perspective() || sheet.trails.size() > kMostShadows) return;
+  if (!sheet.camera.is_perspective() || sheet.trails.size() > kMaxShadows) return;
   const auto on_ground = [&](const Vector& p) {
     const Vector up = y_up(p, report.up_axis);
     return sheet.placement.apply(sheet.camera.project({up.x, sheet.ground.height, up.z}));
@@ -193,7 +193,7 @@ void write_svg(TextSink& out, const session::TrailReport& report, const SvgOptio
   draw_trails(out, sheet);
   draw_keys(out, keys);
   label_trails(out, sheet.trails, occupancy);
-  label_keys(out, keys, occupancy, sheet.trails.size() > kMostShadows ? 30 : 60);
+  label_keys(out, keys, occupancy, sheet.trails.size() > kMaxShadows ? 30 : 60);
   draw_legend(out, report, notes(sheet, report, ruled_step), {kMargin, kWidth - kMargin, foot, foot + legend});
   out << "</svg>\n";
 }

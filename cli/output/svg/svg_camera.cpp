@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 
 namespace vantorelix::cli {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 #include "cli/output/svg/svg_path.h"
 #include "cli/output/text.h"
 

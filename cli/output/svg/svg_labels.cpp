@@ -6,7 +6,7 @@
 #include <cmath>
 #include <unordered_map>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 #include "cli/output/svg/svg_path.h"
 #include "cli/output/text.h"
 
@@ -124,10 +124,10 @@ std::vector<KeyMark> choose_keys(const std::vector<DrawnTrail>& trails, Occupanc
   std::stable_sort(candidates.begin(), candidates.end(),
                    [](const Candidate& a, const Candidate& b) { return a.rank < b.rank; });
   std::vector<KeyMark> marks;
-  constexpr std::size_t kMost = 400;
+  constexpr std::size_t kMax = 400;
   for (const Candidate& candidate : candidates) {
     const Box2 box = box_around(candidate.mark.at, kMarkRadius);
-    if (marks.size() == kMost || !occupancy.is_free(box)) continue;
+    if (marks.size() == kMax || !occupancy.is_free(box)) continue;
     occupancy.take(box);
     marks.push_back(candidate.mark);
   }

@@ -14,7 +14,7 @@ namespace vantorelix::cli {
 
 namespace {
 
-constexpr std::size_t kMostRows = 8;
+constexpr std::size_t kMaxRows = 8;
 constexpr double kRow = 18.0;
 constexpr double kHead = 24.0;
 
@@ -104,7 +104,7 @@ void draw_measures(TextSink& out, const session::TrailReport& report, double rig
   draw_text(out, length, y, "soft small", "length, " + session::unit_text(report), "end");
   draw_text(out, mean, y, "soft small", "mean " + session::unit_text(report) + "/s", "end");
   draw_text(out, fastest, y, "soft small", "fastest " + session::unit_text(report) + "/s", "end");
-  const std::size_t rows = report.trails.size() <= kMostRows ? report.trails.size() : kMostRows - 1;
+  const std::size_t rows = report.trails.size() <= kMaxRows ? report.trails.size() : kMaxRows - 1;
   for (std::size_t i = 0; i < rows; ++i) {
     const session::TrailView& trail = report.trails[i];
     const session::TrailMeasure m = session::measure(trail, report.fps);
@@ -133,7 +133,7 @@ void draw_title(TextSink& out, const session::TrailReport& report, double left, 
 }
 
 double legend_height(const session::TrailReport& report, const std::vector<std::string>& notes) {
-  const double measures = kHead + kRow * static_cast<double>(std::min(report.trails.size(), kMostRows));
+  const double measures = kHead + kRow * static_cast<double>(std::min(report.trails.size(), kMaxRows));
   const double meaning = 90.0 + kRow * static_cast<double>(notes.size());
   return std::max(measures, meaning) + 34.0;
 }

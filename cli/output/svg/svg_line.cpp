@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 #include "cli/output/svg/svg_path.h"
 #include "engine/colour/colour.h"
 

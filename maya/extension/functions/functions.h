@@ -12,7 +12,7 @@ namespace vantorelix::maya {
 // the named ones (of a `*args`) are dropped.
 class Arguments {
  public:
-  static constexpr std::size_t kMost = 8;
+  static constexpr std::size_t kMax = 8;
 
   PyObject*& operator[](std::size_t i) { return bound_[i]; }
   PyObject* operator[](std::size_t i) const { return bound_[i]; }
@@ -20,7 +20,7 @@ class Arguments {
   bool given(std::size_t i) const { return bound_[i] && bound_[i] != Py_None; }
 
  private:
-  std::array<PyObject*, kMost> bound_{};
+  std::array<PyObject*, kMax> bound_{};
 };
 
 struct Function {

@@ -51,7 +51,7 @@ VizData viz_data_of(PyObject* data) {
   return {part(0), part(1), part(2), part(3)};
 }
 
-// Key times that are no numbers are left out, as a node is that cannot take them.
+// Key times that are not numbers are left out, as a node is that cannot take them.
 std::optional<std::vector<double>> times_or_nothing(PyObject* times) {
   try {
     return numbers_of(times);

@@ -19,7 +19,7 @@ namespace vantorelix::maya {
 std::string text_of(PyObject* object);
 double number_of(PyObject* object);
 std::int64_t integer_of(PyObject* object);
-// None, and what a script would call empty, are no texts at all.
+// None, and what a script would call empty, are not texts at all.
 std::vector<std::string> texts_of(PyObject* object);
 std::vector<double> numbers_of(PyObject* sequence);
 // Three numbers, or an object whose first three items are such.

@@ -36,7 +36,7 @@ class PassedSettings {
 };
 
 std::shared_ptr<Settings> settings_of(PyObject* mapping);
-// None is no record.
+// None is not a record.
 std::shared_ptr<WorkRecord> work_of(PyObject* mapping);
 
 // The item that one of our mappings shows; null for any other object.

@@ -182,7 +182,7 @@ class BvhReader {
     } else if (keyword == "}") {
       open_.pop_back();
     } else {
-      in_.fail(shown(keyword) + " is no keyword of a joint; OFFSET, CHANNELS, JOINT, End Site or '}' belongs here");
+      in_.fail(shown(keyword) + " is not a keyword of a joint; OFFSET, CHANNELS, JOINT, End Site or '}' belongs here");
     }
   }
 
@@ -233,7 +233,7 @@ class BvhReader {
     const std::string text = word();
     const std::optional<Channel> channel = channel_named(text);
     if (!channel) {
-      in_.fail(shown(text) + " is no channel; Xposition ... Zrotation are, as many as CHANNELS announces");
+      in_.fail(shown(text) + " is not a channel; Xposition ... Zrotation are, as many as CHANNELS announces");
     }
     for (std::size_t i = begin; i < columns_.size(); ++i) {
       if (columns_[i].channel == *channel) in_.fail(shown(text) + " is listed twice for one joint; remove one");
@@ -245,11 +245,12 @@ class BvhReader {
   void read_motion() {
     expect("Frames");
     const double frames = number("the number of frames");
-    if (frames < 0 || frames != std::floor(frames)) in_.fail("the number of frames is no whole number; correct it");
+    if (frames < 0 || frames != std::floor(frames)) in_.fail("the number of frames is not a whole number; correct it");
     expect("FrameTime");
     const double frame_time = number("the frame time");
     if (frame_time < 1e-9 || frame_time > 1e9) {
-      in_.fail("the frame time is no length of time; give the seconds between two rows, as in 'Frame Time: 0.0333333'");
+      in_.fail(
+          "the frame time is not a length of time; give the seconds between two rows, as in 'Frame Time: 0.0333333'");
     }
     scene_.settings.set_frames_per_second(1.0 / frame_time);
     if (columns_.empty()) {
@@ -309,7 +310,7 @@ class BvhReader {
     if (done == columns_.size()) {
       in_.fail("the motion row has more values than the " + needed + " channels of the joints; export the file again");
     }
-    in_.fail(shown(word()) + " in a motion row is no number; correct it or export again");
+    in_.fail(shown(word()) + " in a motion row is not a number; correct it or export again");
   }
 
   void skip_further_rows() {

@@ -234,11 +234,11 @@ TEST(Bvh, AFrameTimeThatIsNoTimeIsAnError) {
 TEST(Bvh, BadChannelsAreAnErrorOnTheirLine) {
   const auto with = [](const char* channels) { return error_of(one_joint(channels, "0")); };
   EXPECT_THAT(with("3 Xrotation Yrotation Xrotation"), HasSubstr("clip.bvh:5: 'Xrotation' is listed twice"));
-  EXPECT_THAT(with("3 Xrotation Yrotation"), HasSubstr("'End' is no channel"));
+  EXPECT_THAT(with("3 Xrotation Yrotation"), HasSubstr("'End' is not a channel"));
   EXPECT_THAT(with("7 Xrotation"), HasSubstr("clip.bvh:5: a joint has 0 to 6 channels"));
   EXPECT_THAT(with("-1"), HasSubstr("0 to 6 channels"));
   EXPECT_THAT(with("1.5 Xrotation"), HasSubstr("0 to 6 channels"));
-  EXPECT_THAT(with("1 Wrotation"), HasSubstr("'Wrotation' is no channel"));
+  EXPECT_THAT(with("1 Wrotation"), HasSubstr("'Wrotation' is not a channel"));
   EXPECT_THAT(with("1 Xrotation\nCHANNELS 1 Yrotation"), HasSubstr("clip.bvh:6: a second CHANNELS"));
 }
 
@@ -252,7 +252,7 @@ TEST(Bvh, ADamagedHierarchyIsAnErrorOnItsLine) {
   EXPECT_THAT(error_of("HIERARCHY\nROOT a\n{\nMOTION"), HasSubstr("a '}' is missing"));
   EXPECT_THAT(error_of("HIERARCHY\nROOT a\n{\n}\n}"), HasSubstr("clip.bvh:5: '}' stands outside"));
   EXPECT_THAT(error_of("HIERARCHY\nROOT a\n{\nROOT b\n{"), HasSubstr("clip.bvh:4: 'ROOT' stands inside"));
-  EXPECT_THAT(error_of("HIERARCHY\nROOT a\n{\nOFSET 0 0 0\n"), HasSubstr("clip.bvh:4: 'OFSET' is no keyword"));
+  EXPECT_THAT(error_of("HIERARCHY\nROOT a\n{\nOFSET 0 0 0\n"), HasSubstr("clip.bvh:4: 'OFSET' is not a keyword"));
   EXPECT_THAT(error_of("HIERARCHY\nROOT a\n{\nOFFSET 0 zero 0\n"),
               HasSubstr("clip.bvh:4: 'zero' stands where an offset belongs"));
 }

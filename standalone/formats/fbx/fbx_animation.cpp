@@ -82,7 +82,7 @@ void FbxReader::connect_curves(const ufbx_node& node, std::size_t index, const u
   const NodeId id = id_of(node);
   const double unit = fbx_unit(property);
   const std::array<double, 3> still = numbers_of(value.default_value);
-  const std::string stem = std::string(scene_.names.short_name(id)) + "_" + property.whole;
+  const std::string stem = std::string(scene_.names.short_name(id)) + "_" + property.compound;
   for (std::size_t k = 0; k < still.size(); ++k) {
     const ufbx_anim_curve* const curve = value.curves[k];
     scene_.attributes.set_channel(id, component(property.first, k), still[k] * unit);
@@ -91,7 +91,7 @@ void FbxReader::connect_curves(const ufbx_node& node, std::size_t index, const u
     note_keys(made.keys.front().time, made.keys.back().time);
     const NodeId driver = scene_.curves.create(property.kind, stem + kAxes[k]);
     scene_.curves.assign(driver, std::move(made.keys), made.weighted, made.pre, made.post);
-    scene_.connections.connect(driver, "output", id, std::string(property.whole) + kAxes[k]);
+    scene_.connections.connect(driver, "output", id, std::string(property.compound) + kAxes[k]);
   }
 }
 
@@ -113,8 +113,8 @@ void FbxReader::connect_track(std::vector<const ufbx_node*> nodes, std::size_t i
   const auto track =
       make_fbx_track(document_, {anim_, std::move(nodes), property.name, fbx_unit(property), still}, curves);
   if (!track->key_times().empty()) note_keys(track->key_times().front(), track->key_times().back());
-  const std::string name = std::string(scene_.names.short_name(id)) + "_" + property.whole;
-  scene_.connections.connect(scene_.curves.create_track(track, name), "output", id, property.whole);
+  const std::string name = std::string(scene_.names.short_name(id)) + "_" + property.compound;
+  scene_.connections.connect(scene_.curves.create_track(track, name), "output", id, property.compound);
 }
 
 void FbxReader::note_keys(double first, double last) {

@@ -87,8 +87,8 @@ class Converter {
   // `length` of the span on the handle's side, 0 beyond the ends.
   void set_handle(const ufbx_tangent& handle, double length, double& x, double& y) const {
     const bool even = !made_.weighted || (length > 0.0 && is_even(handle.dx, length));
-    const double whole = made_.weighted ? length : 1.0;
-    const double reach = even ? whole : 3.0 * handle.dx;
+    const double span = made_.weighted ? length : 1.0;
+    const double reach = even ? span : 3.0 * handle.dx;
     const bool rises = handle.dx > 0.0f;
     x = rises ? reach : 0.0;
     y = (rises && even ? reach / handle.dx : 3.0) * handle.dy * unit_;

@@ -11,8 +11,8 @@ using testing::IsEmpty;
 
 TEST(Fbx, WhatIsNoFbxFileIsAnError) {
   EXPECT_EQ(fbx_error(""), "scene.fbx: the file is empty; export it again");
-  EXPECT_THAT(fbx_error("HIERARCHY\nROOT a {"), HasSubstr("scene.fbx: this is no FBX file"));
-  EXPECT_THAT(fbx_error(std::string(100, '\0')), HasSubstr("scene.fbx: this is no FBX file"));
+  EXPECT_THAT(fbx_error("HIERARCHY\nROOT a {"), HasSubstr("scene.fbx: this is not an FBX file"));
+  EXPECT_THAT(fbx_error(std::string(100, '\0')), HasSubstr("scene.fbx: this is not an FBX file"));
 }
 
 TEST(Fbx, ACyclicHierarchyIsAnError) {
@@ -32,26 +32,26 @@ TEST(Fbx, NodesInsideEachOtherAreBounded) {
 }
 
 TEST(Fbx, ACutOffFileIsAnErrorWhereverItEndsAndAWarningBetweenSections) {
-  const std::string whole = ramp().text();
+  const std::string sound = ramp().text();
   const auto warns = ElementsAre(Field(&Warning::kind, HasSubstr("the file may be cut off")));
   // Only the end of the last line may go unnoticed.
-  for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
-    const std::string begun = whole.substr(0, length), error = fbx_error(begun);
+  for (std::size_t length = 0; length + 1 < sound.size(); ++length) {
+    const std::string begun = sound.substr(0, length), error = fbx_error(begun);
     if (error == "no error") {
       ASSERT_THAT(read_fbx(begun, "scene.fbx").warnings.all(), warns) << length;
     } else {
       ASSERT_THAT(error, HasSubstr("scene.fbx: ")) << length;
     }
   }
-  EXPECT_EQ(fbx_error(whole.substr(0, whole.find("Takes:"))), "no error");
+  EXPECT_EQ(fbx_error(sound.substr(0, sound.find("Takes:"))), "no error");
   EXPECT_THAT(read(ramp()).warnings.all(), IsEmpty());
 }
 
 TEST(Fbx, AFileWithAnyByteChangedIsReadOrRefused) {
-  const std::string whole = ramp().text();
-  for (std::size_t at = 0; at < whole.size(); ++at) {
+  const std::string sound = ramp().text();
+  for (std::size_t at = 0; at < sound.size(); ++at) {
     for (const char c : {'\0', '}', '{', '9', '\xff', ','}) {
-      std::string damaged = whole;
+      std::string damaged = sound;
       damaged[at] = c;
       fbx_error(damaged);
     }

@@ -53,7 +53,7 @@ std::string error_text(const ufbx_error& error) {
       return "the file ends in the middle; it is cut off, export it again";
     case UFBX_ERROR_UNRECOGNIZED_FILE_FORMAT:
     case UFBX_ERROR_FEATURE_DISABLED:  // another format that the library could read
-      return "this is no FBX file; check what it is, or export it again";
+      return "this is not an FBX file; check what it is, or export it again";
     case UFBX_ERROR_UNSUPPORTED_VERSION:
       return "this version of FBX is not read; export it as FBX 6.1 or later";
     case UFBX_ERROR_MEMORY_LIMIT:
@@ -159,17 +159,17 @@ double FbxClock::frame(double seconds) const {
   // Half a tick is less than this at any rate of film.
   constexpr double kNear = 1e-6;
   const double about = seconds * frames_per_second_;
-  const double whole = std::floor(about + 0.5);
-  if (std::abs(about - whole) <= kNear) return whole;
+  const double nearest = std::floor(about + 0.5);
+  if (std::abs(about - nearest) <= kNear) return nearest;
   return std::rint(seconds * ticks_per_second_) * frames_per_second_ / ticks_per_second_;
 }
 
 double FbxClock::seconds(double frame) const {
   const double seconds = frame / frames_per_second_;
   const double ticks = seconds * ticks_per_second_;
-  const double whole = std::rint(ticks);
-  const bool on_tick = frame == std::rint(frame) || std::abs(ticks - whole) <= 1e-3;
-  return on_tick ? whole / ticks_per_second_ : seconds;
+  const double nearest = std::rint(ticks);
+  const bool on_tick = frame == std::rint(frame) || std::abs(ticks - nearest) <= 1e-3;
+  return on_tick ? nearest / ticks_per_second_ : seconds;
 }
 
 }  // namespace vantorelix::standalone

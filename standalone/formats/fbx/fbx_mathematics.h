@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 
 inline double vantorelix_ufbx_sin(double x) { return vantorelix::base::sin(x); }
 inline double vantorelix_ufbx_cos(double x) { return vantorelix::base::cos(x); }

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <numbers>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 #include "standalone/formats/bounds_draft.h"
 #include "standalone/formats/fbx/fbx_properties.h"
 #include "standalone/formats/fbx/fbx_reader.h"

@@ -12,8 +12,8 @@ namespace vantorelix::standalone {
 
 struct FbxNodeProperty {
   const char* name;
-  Channel first;      // of three
-  const char* whole;  // the attribute that they are parts of
+  Channel first;         // of three
+  const char* compound;  // the attribute that they are parts of
   CurveKind kind;
   double rest;  // of each component, where the file does not say
 };

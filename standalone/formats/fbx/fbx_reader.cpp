@@ -83,14 +83,14 @@ Scene FbxReader::read() {
 void FbxReader::read_units() {
   double centimetres = document_->settings.unit_meters * 100.0;
   if (!(centimetres > 0.0 && centimetres < 1e12)) {
-    scene_.warnings.add("the file's unit is no length and taken as centimetres");
+    scene_.warnings.add("the file's unit is not a length and was taken as centimetres");
     centimetres = 1.0;
   }
   scene_.settings.set_linear_unit(unit_name(centimetres));
   if (options_.linear_unit.empty()) return;
   const auto unit = linear_unit_named(options_.linear_unit);
   if (!unit)
-    throw FormatError(name_, 0, shown(options_.linear_unit) + " is no unit; give mm, cm, m, km, in, ft, yd or mi");
+    throw FormatError(name_, 0, shown(options_.linear_unit) + " is not a unit; give mm, cm, m, km, in, ft, yd or mi");
   scene_.settings.set_linear_unit(unit->name);
   const double scale = centimetres / unit->centimetres;
   converts_ = std::abs(scale - 1.0) > 1e-12;

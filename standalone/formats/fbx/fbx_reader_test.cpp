@@ -326,7 +326,7 @@ TEST(Fbx, AnotherUnitScalesTheScene) {
   expect_at(scene, "b", 0, 100, 1200, 300);
   expect_at(read(placed(2, 2.54), turned('y', "mm")), "b", 0, 25.4, 76.2, -304.8);
   EXPECT_EQ(fbx_error(placed(1, 1).text(), turned(0, "parsec")),
-            "scene.fbx: 'parsec' is no unit; give mm, cm, m, km, in, ft, yd or mi");
+            "scene.fbx: 'parsec' is not a unit; give mm, cm, m, km, in, ft, yd or mi");
 }
 
 TEST(Fbx, ConvertingLeavesCurvesAsTheyAre) {

@@ -117,10 +117,10 @@ class FbxText {
   static std::string property(const Property& p) {
     std::ostringstream out;
     out.precision(17);
-    const bool whole = p.values.size() == 1 && p.values[0] == static_cast<int>(p.values[0]);
+    const bool is_integer = p.values.size() == 1 && p.values[0] == static_cast<int>(p.values[0]);
     out << "P: \"" << p.name << "\", \""
         << (p.values.size() == 3 ? "Vector3D"
-            : whole              ? "int"
+            : is_integer         ? "int"
                                  : "double")
         << "\", \"\", \"A\"";
     for (const double value : p.values) out << "," << value;

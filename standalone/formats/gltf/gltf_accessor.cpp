@@ -144,7 +144,7 @@ void GltfDocument::place_sparse(const cgltf_accessor& accessor, std::size_t widt
   const cgltf_component_type index_type = sparse.indices_component_type;
   const bool is_index = index_type == cgltf_component_type_r_8u || index_type == cgltf_component_type_r_16u ||
                         index_type == cgltf_component_type_r_32u;
-  if (!is_index) fail(part + " has indices that are no unsigned integers; export the file again");
+  if (!is_index) fail(part + " has indices that are not unsigned integers; export the file again");
   const std::size_t index_size = size_of(index_type), size = size_of(accessor.component_type);
   const std::string_view indices = bytes_of(*sparse.indices_buffer_view);
   const std::string_view replacements = bytes_of(*sparse.values_buffer_view);

@@ -85,7 +85,7 @@ TEST(GltfAccessor, RefusesSparseIndicesBeyondTheEndOrOfAnotherType) {
   EXPECT_THAT(error(bytes_of<std::uint8_t>({0}), kUnsigned, 1), HasSubstr("reaches beyond the end of its buffer view"));
   EXPECT_THAT(error(bytes_of<std::uint8_t>({0, 1}), kUnsignedByte, 2), HasSubstr("reaches beyond the end"));
   EXPECT_THAT(error(bytes_of<std::uint8_t>({0}), kUnsignedByte, -1), HasSubstr("reaches beyond the end"));
-  EXPECT_THAT(error(bytes_of<float>({0}), kFloat, 1), HasSubstr("indices that are no unsigned integers"));
+  EXPECT_THAT(error(bytes_of<float>({0}), kFloat, 1), HasSubstr("indices that are not unsigned integers"));
 }
 
 // --- what is refused -----------------------------------------------------------------------------------------------
@@ -105,9 +105,9 @@ const std::string kTwo = bytes_of<float>({0, 0, 0, 1, 1, 1});
 
 TEST(GltfAccessor, RefusesTypesThatTheirChannelDoesNotHave) {
   EXPECT_EQ(error_of_places(kTwo, kFloat, "VEC3", "2"), "no error");
-  EXPECT_THAT(error_of_places(kTwo, kFloat, "VEC2", "2"), HasSubstr("is no list of three floats"));
-  EXPECT_THAT(error_of_places(kTwo, kUnsigned, "VEC3", "2"), HasSubstr("is no list of three floats"));
-  EXPECT_THAT(error_of_places(kTwo, kShort, "VEC3", "2", kNormalized), HasSubstr("is no list of three floats"));
+  EXPECT_THAT(error_of_places(kTwo, kFloat, "VEC2", "2"), HasSubstr("is not a list of three floats"));
+  EXPECT_THAT(error_of_places(kTwo, kUnsigned, "VEC3", "2"), HasSubstr("is not a list of three floats"));
+  EXPECT_THAT(error_of_places(kTwo, kShort, "VEC3", "2", kNormalized), HasSubstr("is not a list of three floats"));
   GltfFile file = ball();
   const std::size_t times = file.scalars({0});
   file.channel(0, "rotation", times, file.values(bytes_of<std::int16_t>({0, 0, 0, 9}), kShort, "VEC4", 1));
@@ -115,7 +115,7 @@ TEST(GltfAccessor, RefusesTypesThatTheirChannelDoesNotHave) {
   GltfFile counted = ball();
   const std::size_t frames = counted.values(bytes_of<std::uint16_t>({0, 1}), kUnsignedShort, "SCALAR", 2);
   counted.channel(0, "translation", frames, counted.triples({0, 0, 0, 1, 1, 1}));
-  EXPECT_THAT(gltf_error(counted.text()), HasSubstr("holds key times and is no list of floats"));
+  EXPECT_THAT(gltf_error(counted.text()), HasSubstr("holds key times and is not a list of floats"));
 }
 
 TEST(GltfAccessor, RefusesCountsThatDoNotFit) {

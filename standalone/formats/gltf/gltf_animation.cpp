@@ -127,7 +127,7 @@ class ClipReader {
   // At least one.
   GltfNumbers key_seconds(const cgltf_accessor& accessor) {
     if (accessor.type != cgltf_type_scalar || accessor.component_type != cgltf_component_type_r_32f) {
-      document_.fail(document_.label(accessor) + " holds key times and is no list of floats; export the file again");
+      document_.fail(document_.label(accessor) + " holds key times and is not a list of floats; export the file again");
     }
     if (accessor.count == 0)
       document_.fail(document_.label(accessor) + " holds key times, but none; export the file again");
@@ -166,7 +166,7 @@ class ClipReader {
     if (output.type != (rotation ? cgltf_type_vec4 : cgltf_type_vec3) ||
         (!rotation && output.component_type != cgltf_component_type_r_32f)) {
       document_.fail(document_.label(output) + " holds " + std::string(attribute_of(channel.target_path)) +
-                     " keys and is no list of " + (rotation ? "quaternions" : "three floats") +
+                     " keys and is not a list of " + (rotation ? "quaternions" : "three floats") +
                      "; export the file again");
     }
     const std::size_t per_key = interpolation_of(*channel.sampler) == GltfInterpolation::cubic_spline ? 3 : 1;

@@ -77,7 +77,7 @@ TEST_F(GltfFolder, BuffersElsewhereAreNot) {
 
 TEST_F(GltfFolder, ABufferThatIsMissingOrTooShortIsNamed) {
   EXPECT_THAT(error_of("gone.bin"), HasSubstr("buffer 0 is the file 'gone.bin', which is missing"));
-  EXPECT_THAT(error_of("sub"), HasSubstr("is no ordinary file"));
+  EXPECT_THAT(error_of("sub"), HasSubstr("is not an ordinary file"));
   write("inner/short.bin", kMoves.substr(0, 31));
   EXPECT_THAT(error_of("short.bin"), HasSubstr("'short.bin' and should be 32 bytes, but has 31"));
   EXPECT_THAT(error_of("short.bin", "1152921504606846976"), HasSubstr("but has 31"));
@@ -95,7 +95,7 @@ TEST(GltfDamage, EmbeddedBuffersMustBeWhole) {
   EXPECT_EQ(error(";base64," + good, "32"), "no error");
   EXPECT_THAT(error(",plain", "32"), HasSubstr("embedded, but not as base64"));
   EXPECT_THAT(error(";base64," + good, "1152921504606846976"), HasSubstr("holds fewer bytes than it says"));
-  EXPECT_THAT(error(";base64," + good.substr(0, 20) + "!" + good.substr(21), "32"), HasSubstr("no whole base64 text"));
+  EXPECT_THAT(error(";base64," + good.substr(0, 20) + "!" + good.substr(21), "32"), HasSubstr("no sound base64 text"));
   EXPECT_THAT(error(";base64," + good, "16"), HasSubstr("reaches beyond the end of its buffer"));
   EXPECT_THAT(error_with_buffer(R"({"byteLength": 32})"), HasSubstr("buffer 0 says neither where its bytes are"));
 }
@@ -107,18 +107,18 @@ TEST(GltfDamage, ABinaryFileHoldsItsFirstBuffer) {
 }
 
 TEST(GltfDamage, ABinaryFileThatIsCutOffOrAnotherKindIsRefused) {
-  std::string whole = moving().binary();
-  EXPECT_THAT(gltf_error(whole.substr(0, whole.size() - 1)), HasSubstr("it is cut off, export it again"));
-  EXPECT_THAT(gltf_error(whole.substr(0, 15)), HasSubstr("it is cut off"));
+  std::string sound = moving().binary();
+  EXPECT_THAT(gltf_error(sound.substr(0, sound.size() - 1)), HasSubstr("it is cut off, export it again"));
+  EXPECT_THAT(gltf_error(sound.substr(0, 15)), HasSubstr("it is cut off"));
   EXPECT_THAT(gltf_error(""), HasSubstr("it is cut off"));
-  whole[4] = 1;
-  EXPECT_THAT(gltf_error(whole), HasSubstr("this is glTF 1.0"));
+  sound[4] = 1;
+  EXPECT_THAT(gltf_error(sound), HasSubstr("this is glTF 1.0"));
 }
 
 TEST(GltfDamage, DamagedJsonIsNamedWithItsLine) {
   EXPECT_THAT(gltf_error("{\"asset\": {\"version\": \"2.0\"},\n\"nodes\": [{]}"),
               HasSubstr("scene.gltf:2: the JSON text"));
-  EXPECT_THAT(gltf_error("this is no glTF file"), HasSubstr("scene.gltf:1: the JSON text is damaged"));
+  EXPECT_THAT(gltf_error("this is not a glTF file"), HasSubstr("scene.gltf:1: the JSON text is damaged"));
   EXPECT_THAT(gltf_error(GltfFile().node(R"("children": [1e9999])").text()), HasSubstr("a number in the JSON text is"));
   EXPECT_THAT(gltf_error("{\"nodes\": [{}, {}]}"), HasSubstr("there is no 'asset' with a 'version'"));
 }
@@ -229,11 +229,11 @@ std::string example(const std::string& name) {
 }
 
 TEST(GltfDamage, AnyByteOfAFileMayBeAnother) {
-  for (const std::string& whole : {example("crane.gltf"), moving().binary()}) {
-    ASSERT_GT(whole.size(), 100u);
-    for (std::size_t i = 0; i < whole.size(); ++i) {
+  for (const std::string& sound : {example("crane.gltf"), moving().binary()}) {
+    ASSERT_GT(sound.size(), 100u);
+    for (std::size_t i = 0; i < sound.size(); ++i) {
       for (const char flip : {'\x03', '\x80'}) {
-        std::string damaged = whole;
+        std::string damaged = sound;
         damaged[i] = static_cast<char>(damaged[i] ^ flip);
         must_end(damaged);
       }
@@ -242,9 +242,9 @@ TEST(GltfDamage, AnyByteOfAFileMayBeAnother) {
 }
 
 TEST(GltfDamage, AFileMayEndAnywhere) {
-  for (const std::string& whole : {example("crane.gltf"), moving().binary()}) {
-    ASSERT_GT(whole.size(), 100u);
-    for (std::size_t i = 0; i < whole.size(); ++i) must_end(whole.substr(0, i));
+  for (const std::string& sound : {example("crane.gltf"), moving().binary()}) {
+    ASSERT_GT(sound.size(), 100u);
+    for (std::size_t i = 0; i < sound.size(); ++i) must_end(sound.substr(0, i));
   }
 }
 

@@ -190,7 +190,7 @@ GltfDocument::Bytes GltfDocument::decoded(const cgltf_buffer& buffer, const std:
   const cgltf_options options = options_with(allowance_);
   void* content = nullptr;
   if (cgltf_load_buffer_base64(&options, buffer.size, uri.c_str() + begin, &content) != cgltf_result_success) {
-    fail(label + " is no whole base64 text; the file is damaged, export it again");
+    fail(label + " is not complete base64 text; the file is damaged, export it again");
   }
   return {static_cast<char*>(content), std::free};
 }
@@ -207,7 +207,7 @@ GltfDocument::Bytes GltfDocument::read_external(const cgltf_buffer& buffer, cons
   std::error_code error;
   if (!std::filesystem::exists(file, error)) fail(named + ", which is missing; put it beside the scene");
   if (!std::filesystem::is_regular_file(file, error))
-    fail(named + ", which is no ordinary file; export the scene again");
+    fail(named + ", which is not an ordinary file; export the scene again");
   const std::uint64_t size = std::filesystem::file_size(file, error);
   if (error || size < buffer.size) {
     fail(named + " and should be " + std::to_string(buffer.size) + " bytes, but has " + std::to_string(size) +

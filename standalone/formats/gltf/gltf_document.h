@@ -122,7 +122,7 @@ struct GltfFault {
 GltfFault find_fault(std::string_view json);
 
 // The same JSON with nothing in it but what places, moves and bounds nodes: the library refuses whole files for forms
-// that it does not know in lights, materials and instances. Empty where the text is no JSON object.
+// that it does not know in lights, materials and instances. Empty where the text is not a JSON object.
 std::string gltf_essentials(std::string_view json);
 // Brackets inside each other beyond which the text is refused: the library's time grows with the square of them.
 inline constexpr std::size_t kMaxJsonDepth = 256;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 #include "standalone/scene/transforms/quaternion.h"
 
 namespace vantorelix::standalone {

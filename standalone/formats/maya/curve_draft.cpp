@@ -53,13 +53,13 @@ bool CurveDraft::read(const AttributePath& path, MelScanner& words) {
                                                                                            {"keyTanInY", "kiy"},
                                                                                            {"keyTanOutX", "kox"},
                                                                                            {"keyTanOutY", "koy"}}};
-  for (const auto& [full, brief] : kNames) {
-    if (path.name != full && path.name != brief) continue;
+  for (const auto& [full, short_name] : kNames) {
+    if (path.name != full && path.name != short_name) continue;
     // Without an index the statement only says how many there are.
     if (!path.has_index) return false;
     changed_ = true;
     AttributePath known = path;
-    known.name = brief;
+    known.name = short_name;
     read_keys(known, words);
     return true;
   }

@@ -86,8 +86,8 @@ void MayaReader::connect(std::string_view source, std::string_view destination) 
 void MayaReader::add_primitive(NodeId maker, NodeId mesh) {
   const std::string& type = scene_.nodes.type(maker);
   if (!is_primitive(type)) return;
-  const auto half = [&](const char* brief, const char* full) {
-    for (const char* name : {brief, full})
+  const auto half = [&](const char* short_name, const char* full) {
+    for (const char* name : {short_name, full})
       if (scene_.attributes.has(maker, name)) return scene_.attributes.value(maker, name).to_float() / 2.0;
     return 0.5;
   };
@@ -118,7 +118,7 @@ void MayaReader::note_driver(NodeId source, NodeId destination) {
       scene_.curves.is_curve(source) || type == "unitConversion" || type == "pairBlend" ||
       (scene_.nodes.is_transform(source) && scene_.nodes.is_registered_type(type) && !constraint && type != "ikHandle");
   if (followed && !scene_.curves.is_curve(destination)) return;
-  // A curve over anything but time is no curve over time.
+  // A curve over anything but time is not a curve over time.
   if (!driven_[type].insert(destination).second) return;
   const std::string what = constraint ? "the constraint " : is_driven_key(type) ? "the driven key " : "the node type ";
   note(what + "'" + type + "' is not evaluated: what it drives keeps the value in the file; bake it before saving");

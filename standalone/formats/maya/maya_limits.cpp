@@ -50,15 +50,15 @@ std::optional<LimitName> long_limit_name(std::string_view name) {
 // Their short names: "mntl" and "mxtl" for three, "mtxl" and "xtxl" for one; "mtle", "xtle", "mtxe", "xtxe" for the
 // switches.
 std::optional<LimitName> short_limit_name(std::string_view name) {
-  const bool whole = name.starts_with("mn") || name.starts_with("mx");
-  const bool most = whole ? name[1] == 'x' : name.starts_with("x");
-  if (name.empty() || (!whole && !most && name[0] != 'm')) return std::nullopt;
-  name.remove_prefix(whole ? 2 : 1);
+  const bool is_compound = name.starts_with("mn") || name.starts_with("mx");
+  const bool most = is_compound ? name[1] == 'x' : name.starts_with("x");
+  if (name.empty() || (!is_compound && !most && name[0] != 'm')) return std::nullopt;
+  name.remove_prefix(is_compound ? 2 : 1);
   const std::size_t kind = take_axis(name, "trs");
-  const std::size_t axis = whole ? 3 : take_axis(name, "xyz");
+  const std::size_t axis = is_compound ? 3 : take_axis(name, "xyz");
   const bool is_switch = take(name, axis == 3 ? "le" : "e");
   if (!is_switch && !take(name, "l")) return std::nullopt;
-  if (axis == 3 && is_switch == whole) return std::nullopt;
+  if (axis == 3 && is_switch == is_compound) return std::nullopt;
   return made_of(most, kind, axis, is_switch, name);
 }
 

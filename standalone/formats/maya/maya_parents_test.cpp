@@ -153,15 +153,15 @@ void must_end(const std::string& text) {
 }
 
 TEST(MayaDamage, AnyByteOfAFileMayBeAnotherAndItMayEndAnywhere) {
-  const std::string whole = "createNode lookAt -n \"l\";setAttr \".t\" 1 2 3;" + kGroups +
+  const std::string sound = "createNode lookAt -n \"l\";setAttr \".t\" 1 2 3;" + kGroups +
                             "createNode transform -n \"k\" -p \"l\";setAttr \".mtxe\" yes;parent -add \"ball\" "
                             "\"right\";parent -add \"right\" \"l\";connectAttr \"c.o\" \":time1.tw\";setAttr "
                             "\"|right|ball.ty\" 7;" +
                             kDriven;
-  for (std::size_t i = 0; i < whole.size(); ++i) {
-    must_end(whole.substr(0, i));
+  for (std::size_t i = 0; i < sound.size(); ++i) {
+    must_end(sound.substr(0, i));
     for (const char other : {'l', ';', '"', '-', '|', '\xff'}) {
-      std::string damaged = whole;
+      std::string damaged = sound;
       damaged[i] = other;
       must_end(damaged);
     }

@@ -104,16 +104,16 @@ void MayaReader::read_current_unit() {
     const std::string flag = word_.text;
     if (flag == "-l" || flag == "-linear") {
       const auto unit = linear_unit_named(argument());
-      if (!unit) in_.fail(shown(argument_.text) + " is no linear unit; mm, cm, m, km, in, ft, yd and mi are");
+      if (!unit) in_.fail(shown(argument_.text) + " is not a linear unit; mm, cm, m, km, in, ft, yd and mi are");
       scene_.settings.set_linear_unit(unit->name);
       centimetres_ = unit->centimetres;
     } else if (flag == "-a" || flag == "-angle") {
       const auto unit = angular_unit_named(argument());
-      if (!unit) in_.fail(shown(argument_.text) + " is no angular unit; deg and rad are");
+      if (!unit) in_.fail(shown(argument_.text) + " is not an angular unit; deg and rad are");
       radians_ = *unit;
     } else if (flag == "-t" || flag == "-time") {
       const auto rate = frame_rate_named(argument());
-      if (!rate) in_.fail(shown(argument_.text) + " is no time unit; film, pal, ntsc, 120fps, sec and the like are");
+      if (!rate) in_.fail(shown(argument_.text) + " is not a time unit; film, pal, ntsc, 120fps, sec and the like are");
       scene_.settings.set_frames_per_second(*rate);
     }
   }
@@ -236,13 +236,13 @@ void MayaReader::read_select() {
 }
 
 void MayaReader::read_add_attribute() {
-  std::string full, brief, type;
+  std::string full, short_form, type;
   double value = 0.0;
   while (words_.next(word_)) {
     if (word_.text == "-ln" || word_.text == "-longName") {
       full = argument();
     } else if (word_.text == "-sn" || word_.text == "-shortName") {
-      brief = argument();
+      short_form = argument();
     } else if (word_.text == "-at" || word_.text == "-attributeType") {
       type = argument();
     } else if (word_.text == "-dv" || word_.text == "-defaultValue") {
@@ -255,7 +255,7 @@ void MayaReader::read_add_attribute() {
   const bool number = std::find(kNumbers.begin(), kNumbers.end(), type) != kNumbers.end();
   if (current_ == kNoNode || full.empty() || !number || !std::isfinite(value)) return;
   scene_.attributes.add(current_, full, host::Value(value));
-  if (!brief.empty() && brief != full) declared_[std::to_string(current_) + "." + brief] = full;
+  if (!short_form.empty() && short_form != full) declared_[std::to_string(current_) + "." + short_form] = full;
 }
 
 void MayaReader::read_parent() {

@@ -99,11 +99,11 @@ TEST(MayaAscii, TimeUnitsAreRates) {
 }
 
 TEST(MayaAscii, UnknownUnitsAreAnError) {
-  EXPECT_THAT(error_of("currentUnit -t fortnight;"), HasSubstr("'fortnight' is no time unit"));
-  EXPECT_THAT(error_of("currentUnit -t 0fps;"), HasSubstr("'0fps' is no time unit"));
-  EXPECT_THAT(error_of("currentUnit -t fps;"), HasSubstr("'fps' is no time unit"));
-  EXPECT_THAT(error_of("currentUnit -l cubit;"), HasSubstr("'cubit' is no linear unit"));
-  EXPECT_THAT(error_of("currentUnit -a gon;"), HasSubstr("'gon' is no angular unit"));
+  EXPECT_THAT(error_of("currentUnit -t fortnight;"), HasSubstr("'fortnight' is not a time unit"));
+  EXPECT_THAT(error_of("currentUnit -t 0fps;"), HasSubstr("'0fps' is not a time unit"));
+  EXPECT_THAT(error_of("currentUnit -t fps;"), HasSubstr("'fps' is not a time unit"));
+  EXPECT_THAT(error_of("currentUnit -l cubit;"), HasSubstr("'cubit' is not a linear unit"));
+  EXPECT_THAT(error_of("currentUnit -a gon;"), HasSubstr("'gon' is not an angular unit"));
 }
 
 TEST(MayaAscii, LengthsComeOutInTheUnitOfTheFile) {

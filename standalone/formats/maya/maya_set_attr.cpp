@@ -134,15 +134,15 @@ void MayaReader::set_curve_shape(NodeId node) {
   double total = 0.0;
   words_.next_number(total);
   Vector p;
-  bool whole = true;
-  for (double k = 0.0; whole && k < total; ++k) {
-    whole = words_.next_number(p.x) && words_.next_number(p.y);
+  bool complete = true;
+  for (double k = 0.0; complete && k < total; ++k) {
+    complete = words_.next_number(p.x) && words_.next_number(p.y);
     p.z = 0.0;
-    if (whole && dimension > 2.0) whole = words_.next_number(p.z);
-    if (whole && rational != 0.0) whole = words_.next_number(unused);
-    if (whole) points.push_back(p);
+    if (complete && dimension > 2.0) complete = words_.next_number(p.z);
+    if (complete && rational != 0.0) complete = words_.next_number(unused);
+    if (complete) points.push_back(p);
   }
-  if (!whole || !(degree >= 1.0 && degree <= 7.0)) {
+  if (!complete || !(degree >= 1.0 && degree <= 7.0)) {
     in_.fail(words_.line(), "the curve has fewer points than it announces; the file is damaged, export it again");
   }
   scene_.attributes.set_curve_points(node, static_cast<int>(degree), std::move(points));

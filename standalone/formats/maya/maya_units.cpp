@@ -9,7 +9,7 @@ namespace vantorelix::standalone {
 namespace {
 
 struct LinearName {
-  std::string_view brief;
+  std::string_view symbol;
   std::string_view full;
   double centimetres;
 };
@@ -49,7 +49,7 @@ constexpr std::array<RateName, 18> kRates = {{{"game", 15.0},
 
 std::optional<LinearUnit> linear_unit_named(std::string_view name) {
   for (const LinearName& unit : kLinear) {
-    if (name == unit.brief || name == unit.full) return LinearUnit{std::string(unit.brief), unit.centimetres};
+    if (name == unit.symbol || name == unit.full) return LinearUnit{std::string(unit.symbol), unit.centimetres};
   }
   return std::nullopt;
 }
@@ -71,8 +71,8 @@ std::optional<double> frame_rate_named(std::string_view name) {
   if (!name.ends_with("fps")) return std::nullopt;
   const char* const last = name.data() + name.size() - 3;
   double rate = 0.0;
-  const bool whole = parse_number(name.data(), last, rate) == last && last != name.data();
-  if (!whole || !(rate >= 1e-3 && rate <= 1e6)) return std::nullopt;
+  const bool complete = parse_number(name.data(), last, rate) == last && last != name.data();
+  if (!complete || !(rate >= 1e-3 && rate <= 1e6)) return std::nullopt;
   return rate;
 }
 

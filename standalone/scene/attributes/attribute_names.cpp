@@ -10,7 +10,7 @@ namespace {
 
 struct Names {
   const char* full;
-  const char* brief;
+  const char* short_form;
 };
 
 // In the order of the compounds' numbers; parts take a letter, or two for shear, at the end.
@@ -44,7 +44,7 @@ constexpr std::array<Names, attribute::inTranslate1 - attribute::matrix> kRest =
 // A part's letter stands before the digit.
 struct BlendNames {
   const char* full;
-  const char* brief;
+  const char* short_form;
   const char* digit;
 };
 constexpr std::array<BlendNames, 6> kBlend = {{{"inTranslate", "it", "1"},
@@ -71,9 +71,9 @@ struct Known {
   std::uint32_t find(std::string_view name, std::size_t hash) const {
     return places.find(hash, [&](std::uint32_t other) { return names[other].first == name; });
   }
-  void add(Meaning meaning, AttributeId id, const std::string& full, const std::string& brief) {
+  void add(Meaning meaning, AttributeId id, const std::string& full, const std::string& short_form) {
     texts[id] = full;
-    for (const std::string& name : {full, brief}) {
+    for (const std::string& name : {full, short_form}) {
       std::uint32_t place = find(name, hash_of(name));
       if (place == HashIndex::kNone) {
         place = static_cast<std::uint32_t>(names.size());
@@ -96,21 +96,21 @@ Known::Known() {
     return s;
   };
   for (AttributeId c = 0; c < kCompoundCount; ++c) {
-    add(&Meanings::transform, kFirstCompound + c, kCompounds[c].full, kCompounds[c].brief);
+    add(&Meanings::transform, kFirstCompound + c, kCompounds[c].full, kCompounds[c].short_form);
     for (AttributeId k = 0; k < 3; ++k)
       add(&Meanings::transform, 3 * c + k, kCompounds[c].full + letters(c, k),
-          kCompounds[c].brief + lower(letters(c, k)));
+          kCompounds[c].short_form + lower(letters(c, k)));
   }
   for (AttributeId k = 0; k < kSwitches.size(); ++k)
-    add(&Meanings::transform, id_of(Channel::rotateOrder) + k, kSwitches[k].full, kSwitches[k].brief);
+    add(&Meanings::transform, id_of(Channel::rotateOrder) + k, kSwitches[k].full, kSwitches[k].short_form);
   for (AttributeId k = 0; k < kRest.size(); ++k)
-    add(&Meanings::rest, attribute::matrix + k, kRest[k].full, kRest[k].brief);
+    add(&Meanings::rest, attribute::matrix + k, kRest[k].full, kRest[k].short_form);
   for (AttributeId b = 0; b < kBlend.size(); ++b) {
     const AttributeId id = attribute::inTranslate1 + 4 * b;
-    const std::string full = kBlend[b].full, brief = kBlend[b].brief, digit = kBlend[b].digit;
-    add(&Meanings::blend, id, full + digit, brief + digit);
+    const std::string full = kBlend[b].full, short_form = kBlend[b].short_form, digit = kBlend[b].digit;
+    add(&Meanings::blend, id, full + digit, short_form + digit);
     for (AttributeId k = 0; k < 3; ++k)
-      add(&Meanings::blend, id + 1 + k, full + letters(0, k) + digit, brief + lower(letters(0, k)) + digit);
+      add(&Meanings::blend, id + 1 + k, full + letters(0, k) + digit, short_form + lower(letters(0, k)) + digit);
   }
 }
 
@@ -120,9 +120,9 @@ const Known& known() {
 }
 
 bool only_on_joints(AttributeId id) {
-  const AttributeId whole = compound_of(id);
-  return whole == compound_of(id_of(Channel::jointOrientX)) || whole == compound_of(id_of(Channel::inverseScaleX)) ||
-         id == id_of(Channel::segmentScaleCompensate);
+  const AttributeId compound = compound_of(id);
+  return compound == compound_of(id_of(Channel::jointOrientX)) ||
+         compound == compound_of(id_of(Channel::inverseScaleX)) || id == id_of(Channel::segmentScaleCompensate);
 }
 
 // Which of the named attributes beside the channels a kind of node has.
@@ -166,9 +166,9 @@ AttributeId compound_of(AttributeId id) {
 }
 
 bool is_angle(Channel c) {
-  const AttributeId whole = compound_of(id_of(c));
-  return whole == compound_of(id_of(Channel::rotateX)) || whole == compound_of(id_of(Channel::rotateAxisX)) ||
-         whole == compound_of(id_of(Channel::jointOrientX));
+  const AttributeId compound = compound_of(id_of(c));
+  return compound == compound_of(id_of(Channel::rotateX)) || compound == compound_of(id_of(Channel::rotateAxisX)) ||
+         compound == compound_of(id_of(Channel::jointOrientX));
 }
 
 std::optional<NamedChannels> channels_named(std::string_view name, bool joint) {

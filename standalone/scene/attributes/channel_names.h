@@ -17,7 +17,7 @@ struct NamedChannels {
 };
 
 // What a long or short name stands for on a joint, which has all channels, or on other transforms. None for an
-// attribute that is no channel.
+// attribute that is not a channel.
 std::optional<NamedChannels> channels_named(std::string_view name, bool joint = true);
 // The long name.
 const std::string& name_of(Channel c);

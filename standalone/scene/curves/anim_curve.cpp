@@ -231,7 +231,7 @@ bool AnimCurve::find_places(std::span<const double> frames, KeyPlaces& places) c
   return true;
 }
 
-// False, with anything in `values`, where segments are not evenly spaced, or some is asked for that is no cubic.
+// False, with anything in `values`, where segments are not evenly spaced, or some is asked for that is not a cubic.
 bool AnimCurve::rise_evenly(std::span<const double> frames, double* values, const KeyPlaces& places) const {
   if (even_count_ == 0.0 || !has(places) || (places.before && pre_ != Infinity::constant)) return false;
   std::ptrdiff_t unknown = 0;

@@ -18,7 +18,7 @@
 namespace vantorelix::standalone {
 namespace {
 
-// A -0 is no 0 here, and any value that is no number is the same one.
+// A -0 is not 0 here, and any value that is not a number is the same one.
 std::uint64_t bits(double value) { return std::bit_cast<std::uint64_t>(std::isnan(value) ? std::nan("") : value); }
 
 void fill(double* columns, std::size_t how_many, double most, std::mt19937_64& random) {

@@ -46,7 +46,7 @@ class Compiler {
       if (known == key) return result;
     if (std::find(path_.begin(), path_.end(), key) != path_.end())
       return fail("a cycle of connections through " + scene_.plug_name(node, attribute));
-    if (path_.size() >= Expression::kMostOperations) return fail("a chain of too many connections");
+    if (path_.size() >= Expression::kMaxOperations) return fail("a chain of too many connections");
     path_.push_back(key);
     const Result result = unremembered(node, attribute);
     path_.pop_back();
@@ -167,7 +167,7 @@ class Compiler {
   }
 
   Result add(const Operation& operation) {
-    if (expression_.operations.size() >= Expression::kMostOperations) return fail("too many nodes at once");
+    if (expression_.operations.size() >= Expression::kMaxOperations) return fail("too many nodes at once");
     expression_.operations.push_back(operation);
     return static_cast<std::uint16_t>(expression_.operations.size() - 1);
   }
@@ -205,7 +205,7 @@ void refresh_values(const Graph& scene, Expression& expression) {
 }
 
 double Expression::evaluate(double frame) const {
-  std::array<double, kMostOperations> result;
+  std::array<double, kMaxOperations> result;
   for (std::size_t i = 0; i < operations.size(); ++i) {
     const Operation& o = operations[i];
     const auto argument = [&](std::size_t k) { return result[o.arguments[k]]; };

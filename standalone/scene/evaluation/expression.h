@@ -36,13 +36,13 @@ struct Operation {
 
 // In order of evaluation: arguments are earlier operations. The last is the result.
 struct Expression {
-  static constexpr std::size_t kMostOperations = 256;
+  static constexpr std::size_t kMaxOperations = 256;
   std::vector<Operation> operations;
   double evaluate(double frame) const;
 };
 
 // Follows what drives an attribute. On success `expression` computes it and the text is empty; else the text says
-// what stands in the way: "a pairBlend ...". Chains longer than kMostOperations and cycles are refused.
+// what stands in the way: "a pairBlend ...". Chains longer than kMaxOperations and cycles are refused.
 std::string compile_driver(const Graph& scene, NodeId node, AttributeId attribute, Expression& expression);
 
 // Reads static values again.

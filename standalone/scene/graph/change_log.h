@@ -59,7 +59,7 @@ class SceneChanges : public ScenePart {
   std::uint64_t revision() const;
 
   // From here on every change is written down in `log`, at its end; null: in none. Types that are registered, warnings
-  // and the listener are no changes. The log must live until another one, or none, takes its place. Returns what was
+  // and the listener are not changes. The log must live until another one, or none, takes its place. Returns what was
   // there.
   ChangeLog* record(ChangeLog* log);
   // Takes back what a log holds, or does it again; a log goes back and forth between the two. Nodes come back under

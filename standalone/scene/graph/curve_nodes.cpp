@@ -23,10 +23,10 @@ std::string_view type_of(CurveKind kind) {
 
 CurveKind kind_of(Channel c) {
   if (is_angle(c)) return CurveKind::angular;
-  const AttributeId whole = compound_of(id_of(c));
-  const bool unitless = id_of(c) >= id_of(Channel::rotateOrder) || whole == compound_of(id_of(Channel::scaleX)) ||
-                        whole == compound_of(id_of(Channel::shearXY)) ||
-                        whole == compound_of(id_of(Channel::inverseScaleX));
+  const AttributeId compound = compound_of(id_of(c));
+  const bool unitless = id_of(c) >= id_of(Channel::rotateOrder) || compound == compound_of(id_of(Channel::scaleX)) ||
+                        compound == compound_of(id_of(Channel::shearXY)) ||
+                        compound == compound_of(id_of(Channel::inverseScaleX));
   return unitless ? CurveKind::unitless : CurveKind::linear;
 }
 

@@ -17,8 +17,8 @@ bool is_converter(const Node& node) {
 bool concerns(const Node& converter, AttributeId input, AttributeId output) {
   if (converter.type->names != NameSet::pair_blend || part_count(output) > 0) return true;
   if (!is_blend_part(output)) return false;
-  const AttributeId whole = compound_of(output), k = output - part(whole, 0);
-  const bool rotates = whole == attribute::outRotate;
+  const AttributeId compound = compound_of(output), k = output - part(compound, 0);
+  const bool rotates = compound == attribute::outRotate;
   for (const AttributeId in : {rotates ? attribute::inRotate1 : attribute::inTranslate1,
                                rotates ? attribute::inRotate2 : attribute::inTranslate2})
     if (input == in || input == part(in, k)) return true;

@@ -68,8 +68,8 @@ void Graph::compact_children(Node& n) {
 
 const Input* Graph::driver(const Node& n, AttributeId attribute) const {
   if (const Input* own = n.inputs.find(attribute)) return own;
-  const AttributeId whole = compound_of(attribute);
-  return whole == attribute ? nullptr : n.inputs.find(whole);
+  const AttributeId compound = compound_of(attribute);
+  return compound == attribute ? nullptr : n.inputs.find(compound);
 }
 
 const host::Value* Graph::stored(const Node& n, AttributeId attribute) const {

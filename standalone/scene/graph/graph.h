@@ -168,7 +168,7 @@ struct Graph {
   void compact_children(Node& n);
   // The input that drives the attribute: its own, or its compound's.
   const Input* driver(const Node& n, AttributeId attribute) const;
-  // The static value of an attribute that is no channel; null where neither node nor type has one.
+  // The static value of an attribute that is not a channel; null where neither node nor type has one.
   const host::Value* stored(const Node& n, AttributeId attribute) const;
   // Whether an output is still connected.
   bool connection_stands(const Node& source, const Output& output) const;

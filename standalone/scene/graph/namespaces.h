@@ -35,7 +35,7 @@ class SceneNamespaces : public ScenePart {
   // the root, and a plain name is one in the current namespace.
   std::string name_for_new(std::string_view name) const;
   // The same for a node to be renamed. A namespace in the name is looked up below the current one; `dropped` says that
-  // it is not there and does not count. Without `relative_counts` it never does, and that is no reason to say so.
+  // it is not there and does not count. Without `relative_counts` it never does, and that is not a reason to say so.
   NewName name_for_renamed(std::string_view name, bool relative_counts = true) const;
 };
 

@@ -97,7 +97,7 @@ host::Value as_list(const Affine& m) {
   return host::Value::list(std::move(items));
 }
 
-// Whether anything that moves may hang on a value that is no channel.
+// Whether anything that moves may hang on a value that is not a channel.
 bool may_move(const Node& node) {
   return node.live_outputs > 0 || node.type->names == NameSet::pair_blend ||
          node.type->names == NameSet::unit_conversion;

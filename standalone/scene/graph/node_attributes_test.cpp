@@ -32,9 +32,9 @@ TEST_F(SceneAttributes, ShortAndLongNamesAreTheSameAttribute) {
                                                        {"shearXZ", "shxz"},
                                                        {"rotateAxisZ", "raz"},
                                                        {"rotateOrder", "ro"}};
-  for (const auto& [full, brief] : names) {
-    s.attributes.set(a, brief, 1);
-    EXPECT_EQ(s.attributes.value(a, full), s.attributes.value(a, brief)) << full;
+  for (const auto& [full, short_name] : names) {
+    s.attributes.set(a, short_name, 1);
+    EXPECT_EQ(s.attributes.value(a, full), s.attributes.value(a, short_name)) << full;
     EXPECT_TRUE(s.attributes.value(a, full).truthy()) << full;
   }
   EXPECT_TRUE(s.attributes.has(a, "translate.translateX"));

@@ -19,11 +19,11 @@ struct Numbered {
 };
 
 // More digits than these belong to the stem.
-constexpr std::size_t kMostDigits = 15;
+constexpr std::size_t kMaxDigits = 15;
 
 Numbered split(std::string_view text) {
   std::size_t digits = 0;
-  while (digits < text.size() && digits < kMostDigits && is_digit(text[text.size() - 1 - digits])) ++digits;
+  while (digits < text.size() && digits < kMaxDigits && is_digit(text[text.size() - 1 - digits])) ++digits;
   Numbered n;
   n.stem = text.substr(0, text.size() - digits);
   const std::string_view tail = text.substr(text.size() - digits);

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstddef>
 
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 
 namespace vantorelix::standalone {
 namespace {

@@ -10,7 +10,7 @@ namespace vantorelix::standalone {
 using Angles = std::array<double, 3>;      // radians about x, y, z
 using Quaternion = std::array<double, 4>;  // x, y, z, w
 
-// `order` is that of Channel::rotateOrder; what is no order counts as xyz.
+// `order` is that of Channel::rotateOrder; what is not an order counts as xyz.
 Quaternion quaternion_of(const Angles& angles, double order);
 // Of a unit quaternion.
 Basis basis_of(const Quaternion& q);

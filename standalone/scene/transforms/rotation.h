@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstddef>
 
-#include "base/mathematics.h"
-#include "base/sine_kernel.h"
+#include "base/mathematics/mathematics.h"
+#include "base/mathematics/sine_kernel.h"
 
 namespace vantorelix::standalone {
 
@@ -36,7 +36,7 @@ inline SinCos sin_cos(double x, double y, double z) {
   return out;
 }
 
-// The rotation that turns about axis I first, then J, then K. Orders that are no cyclic shift of xyz are the mirror
+// The rotation that turns about axis I first, then J, then K. Orders that are not a cyclic shift of xyz are the mirror
 // image of one that is: every sine changes its sign. `Rows` is a Basis or the rows of an Affine.
 template <std::size_t I, std::size_t J, std::size_t K, class Rows, class Turns>
 inline void set_rotation_in_order(Rows& b, const Turns& t) {

@@ -2,7 +2,7 @@
 
 import type { ColorMode, Scene, StaticBox, Trail, TrailSource } from "./trail";
 
-/** Marks a coordinate of a sample that is no finite number. */
+/** Marks a coordinate of a sample that is not a finite number. */
 const NOT_FINITE = 0xffffffff;
 
 interface TrailHeader {

@@ -52,11 +52,11 @@ class MUIDrawManager(object):
 
     def mesh(self, mode, position, normal=None, color=None, index=None, texcoord=None):
         if not isinstance(position, MPointArray):
-            raise TypeError("positions are no MPointArray")
+            raise TypeError("positions are not an MPointArray")
         if color is not None and (not isinstance(color, MColorArray) or len(color) != len(position)):
-            raise TypeError("colors are no MColorArray with one color a position")
+            raise TypeError("colors are not an MColorArray with one color a position")
         if index is not None and not (isinstance(index, MUintArray) and all(i < len(position) for i in index)):
-            raise TypeError("indices are no MUintArray of places in the positions")
+            raise TypeError("indices are not an MUintArray of places in the positions")
         if "DrawInXray" in self._open and mode not in (self.kPoints, self.kLines, self.kTriangles):
             raise RuntimeError("in x-ray only points, lines and triangles are drawn through geometry")
         self._add("mesh", mode, position, normal, color, index, texcoord)

@@ -1,4 +1,4 @@
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <limits>
 #include <string>
 
-#include "base/mathematics_test_references.h"
+#include "base/mathematics/mathematics_test_references.h"
 #include "tests/support/mathematics_arguments.h"
 
 namespace vantorelix::base {

@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "base/mathematics_tables.h"
+#include "base/mathematics/mathematics_tables.h"
 
 namespace vantorelix::base {
 

@@ -1,4 +1,4 @@
-#include "base/mathematics.h"
+#include "base/mathematics/mathematics.h"
 
 #include <algorithm>
 #include <array>
@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <limits>
 
-#include "base/mathematics_tables.h"
-#include "base/sine_kernel.h"
+#include "base/mathematics/mathematics_tables.h"
+#include "base/mathematics/sine_kernel.h"
 
 namespace vantorelix::base {
 namespace {

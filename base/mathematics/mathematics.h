@@ -4,7 +4,7 @@
 // Made of + - * / and square roots of doubles, which IEEE 754 defines to the last bit, in the order that is written
 // (so -ffp-contract=off, and no -ffast-math). Within 1 ulp of the true value for every argument. Zeros with a sign,
 // infinities and what is not a number are answered as in Annex F of the C standard; errno is left alone.
-// base/mathematics_accuracy.cpp measures the errors against a library of many digits.
+// base/mathematics/mathematics_accuracy.cpp measures the errors against a library of many digits.
 #pragma once
 
 namespace vantorelix::base {
