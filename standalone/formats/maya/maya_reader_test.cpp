@@ -116,7 +116,7 @@ TEST(MayaAscii, LengthsComeOutInTheUnitOfTheFile) {
 
 TEST(MayaAscii, AnglesAreReadInTheUnitOfTheFile) {
   const std::string node = "createNode transform -n \"a\";setAttr \".rz\" ";
-  EXPECT_DOUBLE_EQ(clean(node + "90;").channel(1, Channel::rotateZ), 90.0 * kDegree);
+  EXPECT_DOUBLE_EQ(clean(node + "90;").attributes.channel(1, Channel::rotateZ), 90.0 * kDegree);
   const Scene scene = clean("currentUnit -angle radian;" + node + "1.5;");
   EXPECT_EQ(scene.attributes.channel(scene.names.require("a"), Channel::rotateZ), 1.5);
 }
