@@ -62,7 +62,7 @@ void run_curves(const CurvesOptions& options, Terminal& terminal) {
   Scene loaded = load_scene(options.scene, terminal);
   const auto objects = choose(loaded, options.scene.selection, options.scene.file);
   options.scene.apply_range(loaded, objects.size());
-  const auto old = loaded.nodes_of_type("nurbsCurve");
+  const auto old = loaded.nodes.of_type("nurbsCurve");
   const std::unordered_set<NodeId> known(old.begin(), old.end());
 
   TrailSession session(std::move(loaded), std::nullopt, terminal);

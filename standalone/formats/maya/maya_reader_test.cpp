@@ -116,7 +116,7 @@ TEST(MayaAscii, LengthsComeOutInTheUnitOfTheFile) {
 
 TEST(MayaAscii, AnglesAreReadInTheUnitOfTheFile) {
   const std::string node = "createNode transform -n \"a\";setAttr \".rz\" ";
-  EXPECT_DOUBLE_EQ(clean(node + "90;").channel(1, Channel::rotateZ), 90.0 * kDegree);
+  EXPECT_DOUBLE_EQ(clean(node + "90;").attributes.channel(1, Channel::rotateZ), 90.0 * kDegree);
   const Scene scene = clean("currentUnit -angle radian;" + node + "1.5;");
   EXPECT_EQ(scene.attributes.channel(scene.names.require("a"), Channel::rotateZ), 1.5);
 }
@@ -249,12 +249,12 @@ TEST(MayaAscii, EveryChannelHasItsLongAndItsShortName) {
       "createNode joint -n \"a\";setAttr \".shearXZ\" 8;setAttr \".rotateAxisY\" 11;setAttr \".jointOrientX\" 13;"
       "setAttr \".rotatePivotTranslateZ\" 21;setAttr \".segmentScaleCompensate\" 0;setAttr \".rotateOrder\" 5;");
   const NodeId b = full.names.require("a");
-  EXPECT_EQ(full.channel(b, Channel::shearXZ), 8.0);
-  EXPECT_DOUBLE_EQ(full.channel(b, Channel::rotateAxisY), 11 * kDegree);
-  EXPECT_DOUBLE_EQ(full.channel(b, Channel::jointOrientX), 13 * kDegree);
-  EXPECT_EQ(full.channel(b, Channel::rotatePivotTranslateZ), 21.0);
-  EXPECT_EQ(full.channel(b, Channel::segmentScaleCompensate), 0.0);
-  EXPECT_EQ(full.channel(b, Channel::rotateOrder), 5.0);
+  EXPECT_EQ(full.attributes.channel(b, Channel::shearXZ), 8.0);
+  EXPECT_DOUBLE_EQ(full.attributes.channel(b, Channel::rotateAxisY), 11 * kDegree);
+  EXPECT_DOUBLE_EQ(full.attributes.channel(b, Channel::jointOrientX), 13 * kDegree);
+  EXPECT_EQ(full.attributes.channel(b, Channel::rotatePivotTranslateZ), 21.0);
+  EXPECT_EQ(full.attributes.channel(b, Channel::segmentScaleCompensate), 0.0);
+  EXPECT_EQ(full.attributes.channel(b, Channel::rotateOrder), 5.0);
 }
 
 TEST(MayaAscii, LockedAttributesAreLockedAndHaveTheirValue) {
