@@ -86,8 +86,8 @@ TEST(WritersTest, OurReaderReadsBackTheCurvesThatWeWrite) {
     out.commit();
     const standalone::Scene back = standalone::read_scene(folder / "c.ma");
     const standalone::NodeId shape = back.names.require("crvShape");
-    EXPECT_EQ(back.curve_degree(shape), degree);
-    EXPECT_EQ(back.curve_points(shape), points);
+    EXPECT_EQ(back.attributes.curve_degree(shape), degree);
+    EXPECT_EQ(back.attributes.curve_points(shape), points);
     EXPECT_EQ(back.settings.frames_per_second(), 25.0);
     EXPECT_TRUE(back.warnings.all().empty());
   }

@@ -29,7 +29,7 @@ struct UndoQueueTest : testing::Test {
   void move(double x) {
     command("move", [&] { s.attributes.set_channel(ball, Channel::translateX, x); });
   }
-  double x() const { return host_scene().channel(ball, Channel::translateX); }
+  double x() const { return host_scene().attributes.channel(ball, Channel::translateX); }
   const Scene& host_scene() const { return s; }
 };
 

@@ -1,6 +1,5 @@
 // Which curves and tracks drive a node.
 #include <algorithm>
-#include <array>
 #include <unordered_set>
 
 #include "standalone/scene/graph/curve_nodes.h"
@@ -39,7 +38,7 @@ class CurveSearch {
       open_.pop_back();
       const Node* source = input.source == kNoNode ? nullptr : scene_.find(input.source);
       if (source == nullptr || !(source->curve || is_converter(*source))) continue;
-      if (!note(std::uint64_t{input.source} << 32 | input.source_attribute)) continue;
+      if (!met_.insert(std::uint64_t{input.source} << 32 | input.source_attribute).second) continue;
       if (source->curve && found(*source)) return true;
       const auto& inputs = source->inputs.all();
       for (auto i = inputs.rbegin(); is_converter(*source) && i != inputs.rend(); ++i)
@@ -49,23 +48,9 @@ class CurveSearch {
   }
 
  private:
-  // False when the output was met before. Most nodes have few drivers, which need no hashing.
-  bool note(std::uint64_t output) {
-    if (few_count_ < few_.size()) {
-      const auto end = few_.begin() + static_cast<std::ptrdiff_t>(few_count_);
-      if (std::find(few_.begin(), end, output) != end) return false;
-      few_[few_count_++] = output;
-      return true;
-    }
-    if (many_.empty()) many_.insert(few_.begin(), few_.end());
-    return many_.insert(output).second;
-  }
-
   const Graph& scene_;
   std::vector<Input> open_;
-  std::array<std::uint64_t, 16> few_;  // the first outputs met
-  std::size_t few_count_ = 0;
-  std::unordered_set<std::uint64_t> many_;
+  std::unordered_set<std::uint64_t> met_;  // outputs
 };
 
 // The curves behind the node's inputs, each once, in the order of the inputs.

@@ -38,6 +38,9 @@ inline std::size_t hash_of(std::string_view text) {
 
 // A table of numbers in one piece of memory. What each stands for is the caller's, who gives its hash and tells equals
 // from others: `same(number)`. A number may be in it once.
+//
+// With std::unordered_map in its place, names of nodes and attributes alike, a scene of 10,000 nodes takes 1.5 times as
+// long to load, by 10 % more instructions: valgrind --tool=callgrind build/bin/vantorelix info SCENE
 class HashIndex {
  public:
   static constexpr std::uint32_t kNone = 0xffffffffu;

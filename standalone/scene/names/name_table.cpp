@@ -1,7 +1,6 @@
 #include "standalone/scene/names/name_table.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace vantorelix::standalone {
 namespace {
@@ -51,12 +50,6 @@ NameTable::Entry NameTable::find(std::string_view text) const {
   return by_text_.find(hash_of(text), [&](Entry name) { return entries_[name].text == text; });
 }
 
-std::span<const NodeId> NameTable::nodes(Entry name) const {
-  const NameEntry& entry = entries_[name];
-  if (entry.only != kNoNode) return {&entry.only, 1};
-  return entry.nodes;
-}
-
 NodeId NameTable::in_scope(NodeId scope, Entry name) const {
   return in_scope_.find(place_hash(scope, name),
                         [&](NodeId node) { return places_[node].scope == scope && places_[node].name == name; });
@@ -94,13 +87,8 @@ NameTable::Entry NameTable::add(NodeId scope, std::string_view text, NodeId node
   }
   NameEntry& entry = entries_[name];
   if (places_.size() <= node) places_.resize(std::max<std::size_t>(node + std::size_t{1}, places_.size() * 2));
-  places_[node] = {scope, name, static_cast<std::uint32_t>(nodes(name).size())};
-  if (nodes(name).empty()) {
-    entry.only = node;
-  } else {
-    if (entry.nodes.empty()) entry.nodes.push_back(std::exchange(entry.only, kNoNode));
-    entry.nodes.push_back(node);
-  }
+  places_[node] = {scope, name, static_cast<std::uint32_t>(entry.nodes.size())};
+  entry.nodes.push_back(node);
   entry.global = scope == kGlobalScope;
   in_scope_.insert(place_hash(scope, name), node);
   return name;
@@ -109,17 +97,13 @@ NameTable::Entry NameTable::add(NodeId scope, std::string_view text, NodeId node
 void NameTable::remove(NodeId scope, Entry name, NodeId node) {
   NameEntry& entry = entries_[name];
   in_scope_.erase(place_hash(scope, name), node);
-  if (entry.only == node) {
-    entry.only = kNoNode;
-  } else {
-    const NodeId last = entry.nodes.back();
-    entry.nodes[places_[node].in_nodes] = last;
-    places_[last].in_nodes = places_[node].in_nodes;
-    entry.nodes.pop_back();
-  }
+  const NodeId last = entry.nodes.back();
+  entry.nodes[places_[node].in_nodes] = last;
+  places_[last].in_nodes = places_[node].in_nodes;
+  entry.nodes.pop_back();
   forget_numbers(scope, entry.text);
   if (scope != kGlobalScope) forget_numbers(kGlobalScope, entry.text);
-  if (!nodes(name).empty()) return;
+  if (!entry.nodes.empty()) return;
   by_text_.erase(hash_of(entry.text), name);
   entry = NameEntry{};
   unused_.push_back(name);

@@ -26,7 +26,7 @@ class NameTable {
   const std::string& text(Entry name) const { return entries_[name].text; }
   Entry find(std::string_view text) const;
   // The nodes of that name, in no particular order.
-  std::span<const NodeId> nodes(Entry name) const;
+  std::span<const NodeId> nodes(Entry name) const { return entries_[name].nodes; }
   // The node of that name in a scope; kNoNode when it is free there.
   NodeId in_scope(NodeId scope, Entry name) const;
   bool taken(NodeId scope, std::string_view text) const;
@@ -41,9 +41,8 @@ class NameTable {
  private:
   struct NameEntry {
     std::string text;
-    std::vector<NodeId> nodes;  // all of them,
-    NodeId only = kNoNode;      // or the one node, as of most names
-    bool global = false;        // the one node is outside the DAG
+    std::vector<NodeId> nodes;
+    bool global = false;  // the one node is outside the DAG
   };
   // Where a node stands.
   struct Place {
