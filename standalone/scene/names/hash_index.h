@@ -39,8 +39,9 @@ inline std::size_t hash_of(std::string_view text) {
 // A table of numbers in one piece of memory. What each stands for is the caller's, who gives its hash and tells equals
 // from others: `same(number)`. A number may be in it once.
 //
-// With std::unordered_map in its place, names of nodes and attributes alike, a scene of 10,000 nodes takes 1.5 times as
-// long to load, by 10 % more instructions: valgrind --tool=callgrind build/bin/vantorelix info SCENE
+// With std::unordered_map and std::hash in its place, trails of a scene of 10,000 nodes, a tenth of them with two
+// curves, take 1.2 times the processor's time, and `info`, which reads it alone, 1.05 times; shown by either program in
+// turns: /usr/bin/time -v build/bin/vantorelix trails SCENE --out trails.csv
 class HashIndex {
  public:
   static constexpr std::uint32_t kNone = 0xffffffffu;
