@@ -37,8 +37,8 @@ Scene scene_of(int count, double far, bool twins = false) {
 class Work {
  public:
   explicit Work(Scene scene) : session_(std::move(scene), {{}, [this] { return cancelled; }, {}}) {
-    for (const NodeId node : session_.scene().nodes())
-      if (session_.scene().has_keys(node)) balls_.push_back(node);
+    for (const NodeId node : session_.scene().nodes.all())
+      if (session_.scene().curves.has_keys(node)) balls_.push_back(node);
   }
 
   Session& session() { return session_; }

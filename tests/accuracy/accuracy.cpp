@@ -1,5 +1,6 @@
-// Prints the largest error of each function of base/mathematics/mathematics.h, in units of the last place of the true value, over a
-// million arguments. Fails where one is above 1. The true values are those of MPFR, a library of many digits.
+// Prints the largest error of each function of base/mathematics/mathematics.h, in units of the last place of the true
+// value, over a million arguments. Fails where one is above 1. The true values are those of MPFR, a library of many
+// digits.
 #include <mpfr.h>
 
 #include <algorithm>

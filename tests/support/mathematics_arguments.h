@@ -1,5 +1,5 @@
-// Arguments for the functions of base/mathematics/mathematics.h, every kind that one of them treats in its own way. Drawn the same
-// on every system.
+// Arguments for the functions of base/mathematics/mathematics.h, every kind that one of them treats in its own way.
+// Drawn the same on every system.
 #pragma once
 
 #include <array>
