@@ -1,8 +1,8 @@
 // The example scenes give the same bits in every build: debug and release, whatever the compiler.
 //
 // What could tell builds apart is shut out: contraction of a * b + c is off for every target, sums keep their order,
-// sines and their like are our own (base/mathematics), and the library functions left (square root, fmod, rounding) have
-// one right answer.
+// sines and their like are our own (base/mathematics), and the library functions left (square root, fmod, rounding)
+// have one right answer.
 //
 // So a changed hash means changed results. Renew a constant only when an independent check says that the new numbers
 // are right (the reference positions of standalone/formats, a position worked out by hand), and say in the commit

@@ -95,7 +95,8 @@ TEST(GltfDamage, EmbeddedBuffersMustBeWhole) {
   EXPECT_EQ(error(";base64," + good, "32"), "no error");
   EXPECT_THAT(error(",plain", "32"), HasSubstr("embedded, but not as base64"));
   EXPECT_THAT(error(";base64," + good, "1152921504606846976"), HasSubstr("holds fewer bytes than it says"));
-  EXPECT_THAT(error(";base64," + good.substr(0, 20) + "!" + good.substr(21), "32"), HasSubstr("is not complete base64 text"));
+  EXPECT_THAT(error(";base64," + good.substr(0, 20) + "!" + good.substr(21), "32"),
+              HasSubstr("is not complete base64 text"));
   EXPECT_THAT(error(";base64," + good, "16"), HasSubstr("reaches beyond the end of its buffer"));
   EXPECT_THAT(error_with_buffer(R"({"byteLength": 32})"), HasSubstr("buffer 0 says neither where its bytes are"));
 }
