@@ -15,17 +15,11 @@
 namespace vantorelix::standalone {
 namespace {
 
-void* allocate(void* allowance, cgltf_size size) {
-  return static_cast<GltfAllowance*>(allowance)->take(1, size + 1) ? std::malloc(size) : nullptr;
-}
-
-void release(void*, void* memory) { std::free(memory); }
-
-cgltf_options options_with(GltfAllowance& allowance) {
+cgltf_options options_with(GltfMemory& memory) {
   cgltf_options options = {};
-  options.memory.alloc_func = allocate;
-  options.memory.free_func = release;
-  options.memory.user_data = &allowance;
+  options.memory.alloc_func = [](void* user, cgltf_size size) { return static_cast<GltfMemory*>(user)->take(size); };
+  options.memory.free_func = [](void* user, void* taken) { static_cast<GltfMemory*>(user)->give_back(taken); };
+  options.memory.user_data = &memory;
   return options;
 }
 
@@ -62,6 +56,27 @@ std::string gltf_text(const char* raw) {
   if (std::strchr(raw, '\\') == nullptr) return raw;
   const auto text = nlohmann::json::parse('"' + std::string(raw) + '"', nullptr, false);
   return text.is_string() ? text.get<std::string>() : raw;
+}
+
+GltfMemory::~GltfMemory() {
+  for (void* memory : taken_) std::free(memory);
+}
+
+void* GltfMemory::take(std::size_t size) {
+  if (!allowance_.take(1, size + 1)) return nullptr;
+  void* const memory = std::malloc(size);
+  if (memory != nullptr) taken_.insert(memory);
+  return memory;
+}
+
+void* GltfMemory::hand_over(void* memory) {
+  taken_.erase(memory);
+  return memory;
+}
+
+void GltfMemory::give_back(void* memory) {
+  taken_.erase(memory);
+  std::free(memory);
 }
 
 GltfDocument::GltfDocument(std::string_view bytes, std::string name, std::filesystem::path folder)
@@ -104,7 +119,7 @@ void GltfDocument::parse() {
                       "more than " + std::to_string(kMaxJsonDepth) +
                           " brackets inside each other in the JSON text; is this a glTF file? Export it again");
   }
-  const cgltf_options options = options_with(allowance_);
+  const cgltf_options options = options_with(memory_);
   cgltf_data* data = nullptr;
   const cgltf_result result = cgltf_parse(&options, bytes_.data(), bytes_.size(), &data);
   if (result != cgltf_result_success) data = is_about_content(result) ? parse_essentials() : nullptr;
@@ -117,7 +132,7 @@ void GltfDocument::parse() {
 cgltf_data* GltfDocument::parse_essentials() {
   const std::string text = gltf_essentials(json());
   if (text.empty()) return nullptr;
-  cgltf_options options = options_with(allowance_);
+  cgltf_options options = options_with(memory_);
   options.type = cgltf_file_type_gltf;
   cgltf_data* data = nullptr;
   if (cgltf_parse(&options, text.data(), text.size(), &data) != cgltf_result_success) return nullptr;
@@ -187,12 +202,12 @@ GltfDocument::Bytes GltfDocument::decoded(const cgltf_buffer& buffer, const std:
   if (buffer.size > (uri.size() - begin) / 4 * 3 + 3) {
     fail(label + " holds fewer bytes than it says; the file is damaged, export it again");
   }
-  const cgltf_options options = options_with(allowance_);
+  const cgltf_options options = options_with(memory_);
   void* content = nullptr;
   if (cgltf_load_buffer_base64(&options, buffer.size, uri.c_str() + begin, &content) != cgltf_result_success) {
     fail(label + " is not complete base64 text; the file is damaged, export it again");
   }
-  return {static_cast<char*>(content), std::free};
+  return {static_cast<char*>(memory_.hand_over(content)), std::free};
 }
 
 GltfDocument::Bytes GltfDocument::read_external(const cgltf_buffer& buffer, const std::string& label) {

@@ -10,6 +10,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -39,6 +40,26 @@ class GltfAllowance {
 
  private:
   std::uint64_t left_ = kAlways;
+};
+
+// The memory that the library takes. What it has not given back goes with this: the library forgets some of it when it
+// refuses a file.
+class GltfMemory {
+ public:
+  explicit GltfMemory(GltfAllowance& allowance) : allowance_(allowance) {}
+  GltfMemory(const GltfMemory&) = delete;
+  GltfMemory& operator=(const GltfMemory&) = delete;
+  ~GltfMemory();
+
+  // Null when it is too much.
+  void* take(std::size_t size);
+  // To a caller that frees it.
+  void* hand_over(void* memory);
+  void give_back(void* memory);
+
+ private:
+  GltfAllowance& allowance_;
+  std::unordered_set<void*> taken_;
 };
 
 // The numbers of an accessor: floats where they lie in the file, which has to stay, others on their own.
@@ -106,6 +127,7 @@ class GltfDocument {
   std::string name_;
   std::filesystem::path folder_;
   GltfAllowance allowance_;
+  GltfMemory memory_{allowance_};
   std::unique_ptr<cgltf_data, void (*)(cgltf_data*)> data_;
   std::map<const cgltf_buffer*, Bytes> loaded_;
   std::set<std::filesystem::path> counted_;  // external files
