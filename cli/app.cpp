@@ -27,7 +27,8 @@ Examples:
   vantorelix trails walk.bvh --select '*Hand' --out hands.json --out hands.csv
   vantorelix info walk.bvh                          what is in a scene
 
-Exit codes: 0 done, 1 error, 2 wrong usage, 3 done with warnings (under --strict), 130 interrupted.
+Exit codes: 0 done, 1 error, 2 wrong usage, 3 done with warnings (under --strict), 128 + N ended by signal N
+(130: Ctrl-C).
 'vantorelix COMMAND --help' tells more about a command.)";
 
 // The words of the first error of the command line, without what help already says.
@@ -67,7 +68,10 @@ std::string remedy(session::Failure::Kind kind) {
 int run_command(const Run& command, Terminal& terminal) {
   try {
     command(terminal);
-    if (std::fflush(stdout) != 0) throw Failure("standard output: cannot be written; check where it goes");
+    if (std::fflush(stdout) != 0) {
+      check_interrupt();
+      throw Failure("standard output: cannot be written; check where it goes");
+    }
     return kDone;
   } catch (const UsageError& error) {
     terminal.error(error.what());
@@ -75,7 +79,7 @@ int run_command(const Run& command, Terminal& terminal) {
   } catch (const session::Failure& failure) {
     terminal.error(failure.what() + remedy(failure.kind));
   } catch (const host::Interrupt&) {
-    terminal.error("interrupted; nothing was written");
+    if (!reader_is_gone()) terminal.error("interrupted; no file was written");
     return interrupt_exit_code();
   } catch (const std::bad_alloc&) {
     terminal.error("not enough memory; shorten the range with --range, or choose fewer objects with --select");

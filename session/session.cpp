@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <unordered_map>
 #include <utility>
 
@@ -36,6 +37,28 @@ std::vector<std::vector<NodeId>> turns(const standalone::Scene& scene, const std
   return result;
 }
 
+template <class T>
+bool converts(const host::Value& value, T (host::Value::*convert)() const) {
+  try {
+    (value.*convert)();
+    return true;
+  } catch (const host::Error&) {
+    return false;
+  }
+}
+bool is_integer(const host::Value& value) { return converts(value, &host::Value::to_int); }
+bool is_float(const host::Value& value) { return converts(value, &host::Value::to_float); }
+
+// A preference and whether the engine can read a value of it.
+struct Preference {
+  const std::string* name;
+  bool (*converts)(const host::Value&);
+};
+constexpr Preference kPreferences[] = {{&OPT_SAMPLES, is_integer},   {&OPT_LINE_WIDTH, is_float},
+                                       {&OPT_POINT_SIZE, is_float},  {&OPT_SHOW_LINE, is_integer},
+                                       {&OPT_SHOW_DOTS, is_integer}, {&OPT_XRAY, is_integer},
+                                       {&OPT_COLOR_MODE, is_integer}};
+
 standalone::HostOptions host_options(const Options& options, std::vector<std::string>& failures,
                                      std::function<double()> clock) {
   standalone::HostOptions result;
@@ -54,6 +77,22 @@ Session::Session(standalone::Scene scene, Options options)
       scene_(host_.scene()) {
   const OwnState::Turn in_force(state_);
   _initialise({&host_.cmds(), &host_.om(), &host_.oma(), &host_.interpreter()});
+}
+
+std::vector<std::string> Session::preference_faults() const {
+  std::string known;
+  for (const auto& [name, convert] : kPreferences) known += (known.empty() ? "" : ", ") + *name;
+  std::vector<std::string> faults;
+  for (const std::string& option : host_.option_names()) {
+    const auto preference = std::find_if(std::begin(kPreferences), std::end(kPreferences),
+                                         [&](const Preference& p) { return *p.name == option; });
+    const host::Value value = *host_.option(option);
+    if (preference == std::end(kPreferences))
+      faults.push_back("'" + option + "' is not the name of a preference and has no effect; the names are " + known);
+    else if (!preference->converts(value))
+      faults.push_back("'" + option + "' holds " + value.repr() + ", which is not a number; its default is used");
+  }
+  return faults;
 }
 
 void Session::check_cancelled() const {

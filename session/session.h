@@ -6,6 +6,7 @@
 //   _REGISTRY                    read for the trails that were made; entries of finished turns are erased
 //   _PENDING, _WORK              read for how far the rebuild is
 //   _get_pref_samples, _samples_per_frame, _DEBOUNCE
+//   OPT_...                      the names of the preferences
 #pragma once
 
 #include <cstdint>
@@ -58,6 +59,10 @@ class Session {
   explicit Session(standalone::Scene scene, Options options = {});
 
   const standalone::Scene& scene() const { return scene_; }
+
+  // What is wrong with the preferences, a text each: names that are not a preference's, values that are not numbers.
+  // None of these has an effect.
+  std::vector<std::string> preference_faults() const;
 
   // Throws Failure when the range holds no two samples, or when so many would not fit into memory.
   void check_size(std::size_t objects, const TrailSettings& settings);

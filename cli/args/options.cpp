@@ -186,8 +186,12 @@ void check_outputs(const std::vector<std::string>& outputs, const std::vector<st
       for (const std::string& extension : extensions) known += (known.empty() ? "" : ", ") + extension;
       throw UsageError("--out " + out + ": its format is told by its extension; use one of " + known);
     }
-    for (std::size_t k = 0; k < i; ++k)
+    for (std::size_t k = 0; k < i; ++k) {
       if (same_file(outputs[k], out)) throw UsageError("--out " + out + ": named twice; write to different files");
+      if (OutputFile::means_stdout(outputs[k]) && OutputFile::means_stdout(out))
+        throw UsageError("--out " + out + ": standard output already takes " + outputs[k] +
+                         "; write one of them to a file");
+    }
     if (same_file(out, scene)) throw UsageError("--out " + out + ": would overwrite the scene; name another file");
   }
 }

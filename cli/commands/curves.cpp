@@ -51,10 +51,9 @@ void write_all(const CurvesOptions& options, const std::vector<CurveView>& curve
     else
       write_curve_csv(*files.back(), curves);
   }
-  for (const auto& file : files) {
-    file->commit();
+  OutputFile::commit(files);
+  for (const auto& file : files)
     if (!file->is_stdout()) terminal.note(file->path().string() + ": " + counted(curves.size(), "curve"));
-  }
 }
 
 void run_curves(const CurvesOptions& options, Terminal& terminal) {

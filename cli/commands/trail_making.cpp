@@ -71,6 +71,7 @@ void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
   session::Options session_options = cli::session_options(terminal);
   session_options.preferences = preferences_file(options.preferences);
   session::Session session(std::move(scene), std::move(session_options));
+  for (const std::string& fault : session.preference_faults()) terminal.warn(options.preferences + ": " + fault);
   const session::TrailSettings settings = options.settings();
   session.check_size(objects.size(), settings);
   const auto trails = session.create(objects, settings);

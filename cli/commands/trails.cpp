@@ -44,7 +44,6 @@ void write(OutputFile& out, const session::TrailReport& report, const SvgOptions
     write_svg(out, report, svg);
 }
 
-// All files are written before the first takes its place: a failure leaves none.
 void write_all(const std::vector<std::string>& outputs, const session::TrailReport& report, const SvgOptions& svg,
                Terminal& terminal) {
   std::vector<std::unique_ptr<OutputFile>> files;
@@ -52,7 +51,7 @@ void write_all(const std::vector<std::string>& outputs, const session::TrailRepo
     files.push_back(std::make_unique<OutputFile>(output));
     write(*files.back(), report, svg);
   }
-  for (const auto& file : files) file->commit();
+  OutputFile::commit(files);
   for (const auto& file : files)
     if (!file->is_stdout())
       terminal.note(file->path().string() + ": " + counted(report.trails.size(), "trail") + ", " +

@@ -41,39 +41,45 @@ OutputFile::OutputFile(const fs::path& path) : path_(path) {
   std::error_code ignored;
   const bool straight = fs::exists(target_, ignored) && !fs::is_regular_file(target_, ignored);
   if (!straight) temporary_ = beside(target_);
-  stream_.open(straight ? target_ : temporary_, std::ios::binary);
-  if (!stream_) {
-    temporary_.clear();
-    fail("cannot be written");
-  }
+  file_ = open_file(straight ? target_ : temporary_, "wb");
+  if (file_) return;
+  temporary_.clear();
+  fail("cannot be written");
 }
 
 OutputFile::~OutputFile() {
   if (temporary_.empty()) return;
-  stream_.close();
+  file_.reset();
   std::error_code ignored;
   fs::remove(temporary_, ignored);
 }
 
 void OutputFile::flush() {
   check_interrupt();
-  if (stdout_) {
-    if (std::fwrite(gathered_.data(), 1, gathered_.size(), stdout) != gathered_.size()) fail("cannot be written");
-  } else if (!stream_.write(gathered_.data(), static_cast<std::streamsize>(gathered_.size()))) {
+  std::FILE* const file = stdout_ ? stdout : file_.get();
+  if (std::fwrite(gathered_.data(), 1, gathered_.size(), file) != gathered_.size())
     fail("could not be written to its end");
-  }
   written_ += gathered_.size();
   gathered_.clear();
 }
 
 void OutputFile::commit() {
+  complete();
+  take_place();
+}
+
+void OutputFile::commit(const std::vector<std::unique_ptr<OutputFile>>& files) {
+  for (const auto& file : files) file->complete();
+  for (const auto& file : files) file->take_place();
+}
+
+void OutputFile::complete() {
   flush();
-  if (stdout_) {
-    if (std::fflush(stdout) != 0) fail("cannot be written");
-    return;
-  }
-  stream_.close();
-  if (!stream_) fail("could not be written to its end");
+  const bool closed = stdout_ ? std::fflush(stdout) == 0 : std::fclose(file_.release()) == 0;
+  if (!closed) fail("could not be written to its end");
+}
+
+void OutputFile::take_place() {
   if (temporary_.empty()) return;
   std::error_code error;
   fs::rename(temporary_, target_, error);
@@ -82,6 +88,7 @@ void OutputFile::commit() {
 }
 
 void OutputFile::fail(const std::string& what) const {
+  check_interrupt();
   throw Failure((stdout_ ? std::string("standard output") : path_.string()) + ": " + what +
                 "; check the folder, its permissions and the free space");
 }

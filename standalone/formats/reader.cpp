@@ -21,7 +21,7 @@ Scene read_scene(const std::filesystem::path& file, const ReadOptions& options) 
                       "scene files of this kind are not read; give a BVH clip (.bvh), a Maya ASCII scene (.ma), an FBX "
                       "scene (.fbx) or a glTF scene (.gltf, .glb)");
   }
-  FileSource source(file);
+  FileSource source(file, options);
   if (extension == ".fbx") return read_fbx(WholeFile(source, options).bytes(), source.name(), options);
   if (gltf) {
     const std::filesystem::path folder = file.parent_path();

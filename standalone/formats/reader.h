@@ -35,6 +35,8 @@ struct ReadOptions {
   char up_axis = 0;
   // FBX: "mm", "cm", "m", "in", "ft", ... converts to this unit; empty leaves the file's own.
   std::string linear_unit;
+  // How many bytes a text may bring of which nobody says the size, as a pipe's: it could go on for ever.
+  std::uint64_t max_unannounced = std::uint64_t{4} << 30;
   // Also finds how large the surfaces are that hang on the nodes (kBounds).
   bool bounds = false;
 };

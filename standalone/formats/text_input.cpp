@@ -1,29 +1,45 @@
 #include "standalone/formats/text_input.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <system_error>
 #include <utility>
 
 namespace vantorelix::standalone {
 
-FileSource::FileSource(const std::filesystem::path& file) : name_(file.string()) {
+FileSource::FileSource(const std::filesystem::path& file, const ReadOptions& options)
+    : options_(options), name_(file.string()) {
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) {
     throw FormatError(name_, 0, "is a folder; name the scene file inside it");
   }
+  do {
+    file_ = open_file(file, "rb");
+  } while (!file_ && was_broken_off());
+  if (!file_) throw FormatError(name_, 0, "cannot be opened; check the path and whether you may read it");
   // No buffer of the stream's own: the window is one.
-  stream_.rdbuf()->pubsetbuf(nullptr, 0);
-  stream_.open(file, std::ios::binary);
-  if (!stream_) throw FormatError(name_, 0, "cannot be opened; check the path and whether you may read it");
+  std::setvbuf(file_.get(), nullptr, _IONBF, 0);
   const auto size = std::filesystem::file_size(file, error);
   if (!error) size_ = size;
 }
 
 std::size_t FileSource::read(char* to, std::size_t limit) {
-  stream_.read(to, static_cast<std::streamsize>(limit));
-  if (stream_.bad()) throw FormatError(name_, 0, "reading failed part-way; check the disk or copy the file again");
-  return static_cast<std::size_t>(stream_.gcount());
+  for (;;) {
+    const std::size_t got = std::fread(to, 1, limit, file_.get());
+    const bool failed = std::ferror(file_.get()) != 0;
+    if (failed && !was_broken_off())
+      throw FormatError(name_, 0, "reading failed part-way; check the disk or copy the file again");
+    if (failed) std::clearerr(file_.get());
+    if (got != 0 || !failed) return got;
+  }
+}
+
+bool FileSource::was_broken_off() const {
+  if (errno != EINTR) return false;
+  if (options_.progress) options_.progress(0, 0);
+  return true;
 }
 
 std::size_t MemorySource::read(char* to, std::size_t limit) {
@@ -45,7 +61,7 @@ WholeFile::WholeFile(ByteSource& source, const ReadOptions& options) {
   constexpr std::size_t kPiece = std::size_t{16} << 20;
   ProgressReport progress(options);
   constexpr std::size_t kMax = std::size_t{4} << 30;
-  // Room for what the source says, and for a byte that it does not. Not zeroed: files are large.
+  // Room for what the source says, and a byte more, which tells whether that was all. Not zeroed: files are large.
   std::size_t room = source.size() <= kMax ? static_cast<std::size_t>(source.size()) + 1 : 1;
   memory_.reset(new char[room]);
   while (size_ <= kMax) {
@@ -65,6 +81,7 @@ WholeFile::WholeFile(ByteSource& source, const ReadOptions& options) {
 TextInput::TextInput(ByteSource& source, const ReadOptions& options, std::size_t window)
     : source_(source),
       progress_(options),
+      most_(std::max(source.size(), options.max_unannounced)),
       window_(std::max(window, kToken)),
       buffer_(new char[window_]),
       position_(buffer_.get()),
@@ -87,6 +104,7 @@ bool TextInput::refill() {
     ended_ = got == 0;
     held += got;
     taken_ += got;
+    if (taken_ > most_) fail("the text does not end; is this a pipe or a device instead of a file?");
   }
   position_ = buffer_.get();
   end_ = position_ + held;

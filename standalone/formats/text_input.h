@@ -5,12 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/file.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::standalone {
@@ -29,15 +29,21 @@ class ByteSource {
 
 class FileSource : public ByteSource {
  public:
-  // Throws FormatError when the file cannot be opened.
-  explicit FileSource(const std::filesystem::path& file);
+  // Throws FormatError when the file cannot be opened. A signal that comes while a pipe is waited for, here or in
+  // read(), tells the options' progress at once; unless that throws, waiting goes on. The options must outlive the
+  // source.
+  FileSource(const std::filesystem::path& file, const ReadOptions& options);
   std::size_t read(char* to, std::size_t limit) override;
   std::uint64_t size() const override { return size_; }
   const std::string& name() const override { return name_; }
 
  private:
+  // Whether the last call failed for nothing but a signal.
+  bool was_broken_off() const;
+
+  const ReadOptions& options_;
   std::string name_;
-  std::ifstream stream_;
+  File file_;
   std::uint64_t size_ = 0;
 };
 
@@ -127,6 +133,7 @@ class TextInput {
 
   ByteSource& source_;
   ProgressReport progress_;
+  std::uint64_t most_;  // bytes that may come
   std::size_t window_;
   std::unique_ptr<char[]> buffer_;
   const char* position_;

@@ -111,6 +111,8 @@ std::optional<host::Value> Host::option(const std::string& name) const {
   return data_->state.option_variables.get(name);
 }
 
+std::vector<std::string> Host::option_names() const { return data_->state.option_variables.names(); }
+
 void Host::set_environment(const std::string& name, const std::string& value) {
   data_->state.environment[name] = value;
 }

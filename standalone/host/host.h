@@ -70,6 +70,7 @@ class Host {
   // --- option variables and modules --------------------------------------------------------------------------
   void set_option(const std::string& name, const host::Value& value);
   std::optional<host::Value> option(const std::string& name) const;
+  std::vector<std::string> option_names() const;
   // Environment of this host only: starts from nothing, never the process's own.
   void set_environment(const std::string& name, const std::string& value);
   // A module that import finds, with its functions by name; null functions are attributes that are missing.

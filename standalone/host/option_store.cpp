@@ -133,6 +133,12 @@ std::optional<Value> OptionStore::get(const std::string& name) const {
   return list ? Value::list(**list) : found->second;  // never a share of the store's own list
 }
 
+std::vector<std::string> OptionStore::names() const {
+  std::vector<std::string> result;
+  for (const auto& [name, value] : values_) result.push_back(name);
+  return result;
+}
+
 void OptionStore::set(const std::string& name, const Value& value) {
   Value kept = checked(name, value);
   if (file_) write(name, kept);

@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/value.h"
 
@@ -27,6 +28,8 @@ class OptionStore {
   explicit OptionStore(std::filesystem::path file);
 
   std::optional<host::Value> get(const std::string& name) const;
+  // Of all variables, in alphabetical order.
+  std::vector<std::string> names() const;
   // A boolean counts as an integer. Throws host::Error of kind type for a value of any other kind, kind os when the
   // file cannot be written, kind value when it has become unreadable or cannot hold the value (a float that is not
   // finite, a text that is not UTF-8); the store then holds what it held.

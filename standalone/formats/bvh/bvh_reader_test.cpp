@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
 #include "standalone/formats/reader.h"
@@ -275,6 +276,34 @@ TEST(Bvh, NamesAreBounded) {
   EXPECT_THAT(error_of("HIERARCHY\nROOT " + std::string(70000, 'a') + "\n{"),
               HasSubstr("a name of more than 65536 bytes"));
   EXPECT_THAT(error_of(std::string(70000, 'a')), HasSubstr("a word of more than 65536 bytes"));
+}
+
+// A text as a pipe brings it, then the same row again and again.
+class EndlessSource : public MemorySource {
+ public:
+  explicit EndlessSource(std::string_view text) : MemorySource(text, "pipe.bvh") {}
+  std::uint64_t size() const override { return 0; }
+  std::size_t read(char* to, std::size_t limit) override {
+    static constexpr std::string_view kRow = "0 100 0  0 0 0  0 0 0\n";
+    if (const std::size_t got = MemorySource::read(to, limit)) return got;
+    if ((given_ += kRow.size()) > 10'000'000) throw std::runtime_error("more was asked for than was allowed");
+    return kRow.copy(to, limit);
+  }
+
+ private:
+  std::size_t given_ = 0;
+};
+
+TEST(Bvh, APipeWithoutEndIsAnError) {
+  EndlessSource source(kTwoJoints);
+  ReadOptions options;
+  options.max_unannounced = 1'000'000;
+  try {
+    read_bvh(source, options);
+    FAIL() << "read to an end that is not there";
+  } catch (const FormatError& error) {
+    EXPECT_THAT(error.what(), HasSubstr("the text does not end; is this a pipe or a device instead of a file?"));
+  }
 }
 
 TEST(Bvh, NothingChangesAcrossTheEdgesOfTheWindow) {

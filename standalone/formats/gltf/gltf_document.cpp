@@ -230,7 +230,8 @@ GltfDocument::Bytes GltfDocument::read_external(const cgltf_buffer& buffer, cons
   }
   if (counted_.insert(file.lexically_normal()).second) allowance_.add_input(size);
   take(buffer.size, 1);
-  FileSource source(file);
+  const ReadOptions unheard;
+  FileSource source(file, unheard);
   Bytes content(static_cast<char*>(std::malloc(buffer.size)), std::free);
   if (!content && buffer.size != 0) throw std::bad_alloc();
   std::size_t done = 0;
