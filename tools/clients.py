@@ -59,8 +59,9 @@ def relevant(text, most=15):
 
 
 def fetch(client, what, start, pauses=None):
-    """Runs start(variables to add) -> subprocess.CompletedProcess with all it printed as text in stdout. What fails is run
+    """Says what is fetched and runs start(variables to add) -> subprocess.CompletedProcess with all it printed as text in stdout. What fails is run
     again after a pause where that may help; Failure says what could not be fetched, what to do, and what the client said."""
+    print("fetch: %s, with %s" % (what, client), file=sys.stderr, flush=True)
     for pause in tuple(PAUSES if pauses is None else pauses) + (None,):
         run = start(certificates(os.environ))
         if run.returncode == 0:

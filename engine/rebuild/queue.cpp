@@ -23,11 +23,6 @@ namespace {
 
 bool must_wait() { return _is_file_io() || _is_playing() || interpreter->time() - _LAST_EDIT < _DEBOUNCE; }
 
-// Items of discarded records that go while a step only waits, and with each item that is done: more than the queue
-// makes, so that they never pile up.
-constexpr std::size_t kFreedWhileWaiting = 64;
-constexpr std::size_t kFreedWithEach = 2;
-
 // Exactly one successor for this step, or the queue stops: nothing is reported, and the next edit starts it again.
 void defer_successor() {
   if (!_defer_rebuild_step()) _stop_rebuild_queue();
@@ -97,7 +92,7 @@ void work_until(double deadline, WorkRecord& work) {
     const std::shared_ptr<WorkItem> it = work.items.at(work.k);
     if (!advance_guarded(*it, work, deadline)) return;
     ++work.k;
-    free_discarded_items(kFreedWithEach);
+    free_discarded_items(kFreedWithItem);
   }
 }
 

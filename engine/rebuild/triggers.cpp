@@ -13,8 +13,6 @@ namespace vantorelix {
 
 namespace {
 
-constexpr std::size_t kFreedWithEdit = 8;  // items of discarded records
-
 // Marks the rebuild as running for as long as it lives, whatever ends it.
 class RebuildingMark {
  public:

@@ -74,6 +74,11 @@ class WorkItems {
 // Frees up to `count` of the items that discarded lists have left behind. Called where the engine has time anyway, so
 // that a record of a thousand trails costs no slice more than a few of them.
 void free_discarded_items(std::size_t count);
+// That count with each item of work that is done, with each edit, and with a step that only waits: more than the queue
+// makes meanwhile, so that they never pile up, and few enough to take microseconds.
+inline constexpr std::size_t kFreedWithItem = 2;
+inline constexpr std::size_t kFreedWithEdit = 8;
+inline constexpr std::size_t kFreedWhileWaiting = 64;
 
 struct WorkRecord {
   std::int64_t gen = 0;  // _GEN when the record was built
