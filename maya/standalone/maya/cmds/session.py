@@ -20,8 +20,8 @@ __all__ = [
 
 @command(open="o", newFile="new", force="f", query="q", sceneName="sn", exists="ex")
 def file(*path, open=False, newFile=False, force=False, query=False, sceneName=False, exists=False):
-    """Opens a .ma or .bvh file, makes an empty scene, or tells the name of what is open. The scene that was open is
-    gone then, changed or not."""
+    """Opens a scene file of any format that the host reads, makes an empty scene, or returns the name of the open one.
+    The scene that was open before is closed, even if it was changed."""
     if query and sceneName:
         return host.scene_name
     if query and exists:
