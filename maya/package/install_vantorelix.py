@@ -6,13 +6,13 @@ Drag this file into a viewport of Maya, or run it:
     python3 install_vantorelix.py --verify MODULES
     python3 install_vantorelix.py --uninstall MODULES
 
-With --quiet it prints only problems. Exit codes: 0 done (whatever had to be left is named on standard error); 1 failed, or
---verify found something wrong; 2 wrong arguments.
+With --quiet it prints only problems. Exit codes: 0 done (whatever had to be left is named on standard error); 1 failed,
+or --verify found something wrong; 2 wrong arguments.
 
 An installation is the folder "vantorelix" and, beside it, the file "Vantorelix.mod", without which Maya does not look
 into the folder. A folder of another name first gets the new version, which is checked there, and keeps the old version
-until the new one is in place. So whatever goes wrong, one of the two is installed completely. Maya reads every file in a
-folder of modules, whatever its name, so no other file than "Vantorelix.mod" is ever put there.
+until the new one is in place. So whatever goes wrong, one of the two is installed completely. Maya reads every file in
+a folder of modules, whatever its name, so no other file than "Vantorelix.mod" is ever put there.
 """
 
 import glob
@@ -30,8 +30,8 @@ MANIFEST = "manifest.json"
 PLUGIN = "Vantorelix_plugin.py"
 PLUGIN_SOURCE = "contents/plug-ins/" + PLUGIN
 EARLIER_PLUGINS = "earlier-plugins.json"
-# How the names of temporary folders begin. They lie beside the final folder, so that a rename puts a version in place. A
-# work folder holds the new version and the old one, and is needed to recover; a rubbish folder is only to be deleted.
+# How the names of temporary folders begin. They lie beside the final folder, so that a rename puts a version in place.
+# A work folder holds the new version and the old one, and is needed to recover; a rubbish folder is only to be deleted.
 WORK, RUBBISH = ".vantorelix-work-", ".vantorelix-rubbish-"
 INCOMING, PREVIOUS = "incoming", "previous"
 WAITING = ".incoming"
@@ -63,7 +63,8 @@ def read_manifest(folder):
         with open(manifest) as file:
             files = json.load(file)
     except (OSError, ValueError) as error:
-        raise InstallError("The list of files {0} cannot be read: {1}. Unpack the package again.".format(manifest, error))
+        raise InstallError("The list of files {0} cannot be read: {1}. Unpack the package again."
+                           .format(manifest, error))
     if not isinstance(files, dict) or PLUGIN_SOURCE not in files or DESCRIPTION not in files:
         raise InstallError("{0} is not a package of Vantorelix. Unpack the package again.".format(folder))
     for path in files:
@@ -162,7 +163,8 @@ def verify(modules):
     """The number of files that were checked; InstallError names everything that is wrong."""
     final = os.path.join(modules, FOLDER)
     if not os.path.isdir(final):
-        interrupted = "".join(" {0} is left over from an interrupted installation.".format(w) for w in _beside(modules, WORK))
+        interrupted = "".join(" {0} is left over from an interrupted installation.".format(work)
+                              for work in _beside(modules, WORK))
         raise InstallError("Vantorelix is not installed in {0}.{1} Install it.".format(modules, interrupted))
     files = read_manifest(final)
     wanted = dict(files, **{path: files[PLUGIN_SOURCE] for path in _beside_engine(files)})
@@ -216,9 +218,9 @@ def _treat_copies(modules, known, treat):
             if digest(copy) in known:
                 treat(copy)
             else:
-                left.append("{0} was left: it is not a copy that Vantorelix made; somebody may have changed it. Maya may "
-                            "load it instead of the installed plug-in, and the engine overwrites it if it is older. Move "
-                            "it away.".format(copy))
+                left.append("{0} was left: it is not a copy that Vantorelix made; somebody may have changed it. Maya "
+                            "may load it instead of the installed plug-in, and the engine overwrites it if it is "
+                            "older. Move it away.".format(copy))
         except OSError as error:
             left.append("{0} was left: {1}. Maya may load it instead of the installed plug-in. Delete it."
                         .format(copy, error.strerror))
@@ -330,7 +332,8 @@ def install(package, modules):
 def uninstall(modules):
     """Deletes everything that `install` made, and what the engine copied into Maya's plug-in folders.
 
-    Returns None if nothing was installed, else a sentence for each thing that had to be left. The user's preferences stay.
+    Returns None if nothing was installed, else a sentence for each thing that had to be left. The user's preferences
+    stay.
     """
     final, description = os.path.join(modules, FOLDER), os.path.join(modules, DESCRIPTION)
     _recover(modules)
@@ -401,7 +404,8 @@ def main(arguments):
     parser.add_argument("modules", metavar="MODULES", help="Maya's folder of modules, such as ~/maya/modules")
     what = parser.add_mutually_exclusive_group()
     what.add_argument("--uninstall", action="store_true", help="remove Vantorelix")
-    what.add_argument("--verify", action="store_true", help="check the installed files, and look for others that Maya would load instead")
+    what.add_argument("--verify", action="store_true",
+                      help="check the installed files, and look for others that Maya would load instead")
     parser.add_argument("--quiet", action="store_true", help="print only problems")
     chosen = parser.parse_args(arguments)
     try:
