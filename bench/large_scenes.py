@@ -3,9 +3,10 @@
 
     bench/large_scenes.py FOLDER --sizes 20,100,200 [--program build/bin/vantorelix]
 
-One file a kind (BVH, Maya ASCII, FBX as text and binary) and size in MB is made in the folder unless it is there. With a
-program, `info` is run on each, and a line tells its time, its peak memory, and time of its own and memory by the megabyte:
-what is linear keeps these two. The system's time is mostly that of handing out memory. Linux only, for the memory.
+One file a kind (BVH, Maya ASCII, FBX as text and binary) and size in MB is made in the folder unless it is there. With
+a program, `info` is run on each, and a line tells its time, its peak memory, and time of its own and memory by the
+megabyte: what is linear keeps these two. The system's time is mostly that of handing out memory. Linux only, for the
+memory.
 """
 
 import argparse

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Runs every benchmark, and the peers where they are installed, and prints one table.
 
-The peer is Blender: the program `blender` on the PATH, and any interpreter given by --bpy that can import bpy. The fastest
-counts, of all of these, with one thread and with two, by motion paths and by a plain loop over the frames. Without a peer
-the column shows what was once measured on a quiet machine, marked "recorded". The target is a 25th of the recorded time,
-whether or not a peer ran; "times faster" compares the two figures of this run. Most rows are of passes that are repeated in
-one process. "The whole program" is what people run: a single pass, from the start of the process to its end, compared with
-the peer's import and motion paths alone, without the start of Blender.
+The peer is Blender: the program `blender` on the PATH, and any interpreter given by --bpy that can import bpy. The
+fastest counts, of all of these, with one thread and with two, by motion paths and by a plain loop over the frames.
+Without a peer the column shows what was once measured on a quiet machine, marked "recorded". The target is a 25th of
+the recorded time, whether or not a peer ran; "times faster" compares the two figures of this run. Most rows are of
+passes that are repeated in one process. "The whole program" is what people run: a single pass, from the start of the
+process to its end, compared with the peer's import and motion paths alone, without the start of Blender.
 """
 
 import argparse
@@ -88,8 +88,8 @@ def write_clip(path):
 
 
 def run_peers(interpreters, frames_of_files):
-    """Scene -> (seconds, who) of the fastest peer; empty if there is no peer. For a file, (name, way) -> (seconds per sample,
-    who), (name, "import") -> (seconds, who), and (name, "samples") -> the number of samples."""
+    """Scene -> (seconds, who) of the fastest peer; empty if there is no peer. For a file, (name, way) -> (seconds per
+    sample, who), (name, "import") -> (seconds, who), and (name, "samples") -> the number of samples."""
     best = {}
     with tempfile.TemporaryDirectory() as folder:
         clip, out = os.path.join(folder, "clip.bvh"), os.path.join(folder, "out.json")
@@ -109,7 +109,8 @@ def run_peers(interpreters, frames_of_files):
 
 
 def whole_program(scene, repetitions):
-    """Milliseconds of the fastest run of the program on a file: it reads the file, makes all trails and prints a table."""
+    """Milliseconds of the fastest run of the program on a file: it reads the file, makes all trails and prints a
+    table."""
     fastest = math.inf
     for _ in range(repetitions):
         start = time.perf_counter()
@@ -249,7 +250,8 @@ def main(arguments):
     parser.add_argument("--scene", action="append", default=[], metavar="FILE", help="also measure this scene file; the peers "
                         "open it, too, if it is an FBX file")
     parser.add_argument("--repetitions", type=int, default=5)
-    parser.add_argument("--record", metavar="FILE", help="also write the table to FILE, with the machine, the date and the command")
+    parser.add_argument("--record", metavar="FILE",
+                        help="also write the table to FILE, with the machine, the date and the command")
     options = parser.parse_args(arguments)
 
     ours = run_benchmarks(".", options.repetitions, [os.path.abspath(scene) for scene in options.scene])

@@ -1,8 +1,8 @@
-"""Every name and keyword of Maya that we use is known to two descriptions of Maya's Python (maya_stubs).
+"""Every name and keyword of Maya that we use is in two published descriptions of Maya's Python (maya_stubs).
 
 A use is a pair: ("cmds.ls", "sl") is a keyword, ("cmds.ls", None) the command, ("om.MTime.uiUnit", None) a member of a
-class, and ("?.asMObject", None) a method of some class, where the source does not say of which. What a description does
-not know must stand in TRUSTED, with the reason; what stands there without need is a problem as well.
+class, and ("?.asMObject", None) a method of a class that the source does not name. What a description does not know must be
+in TRUSTED, with the reason; an entry there that is not needed is a problem as well.
 """
 
 import ast
