@@ -6,7 +6,7 @@
 
 Each scene is sampled in every way that the program knows, each take of it by itself, and written in every format but
 the page, which holds the same numbers as the JSON. A line of the list is a SHA-256, the scene and what was made of it.
-What is said in words (warnings, messages, exit codes) has lines of its own, "in words", so that a change of words is
+Texts (warnings, messages, exit codes) have lines of their own, "in words", so that a change of words is
 not taken for a change of numbers. Exit codes: 0 all is equal, or the list is written; 1 something differs; 2 wrong
 usage.
 """

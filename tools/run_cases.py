@@ -55,8 +55,8 @@ def check_text(case, what, got):
     parts = case / (what + ".has")
     if parts.exists():
         return ["%s lacks: %s\n    in: %s" % (what, line, got) for line in names(parts) if line not in got]
-    whole = case / what
-    want = whole.read_text(encoding="utf-8") if whole.exists() else ""
+    expected = case / what
+    want = expected.read_text(encoding="utf-8") if expected.exists() else ""
     return [] if got == want else difference(what, want, got)
 
 

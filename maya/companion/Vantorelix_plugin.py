@@ -84,12 +84,12 @@ def _maker(array, elements):
     others as they are is tried once, here; if not, `elements` converts them. Either way the loop over samples runs in
     C.
     """
-    whole, sample = [], (0.25, 0.5, 0.75)  # numbers that floats hold exactly
+    accepted, sample = [], (0.25, 0.5, 0.75)  # numbers that floats hold exactly
     for samples in ([sample] * 2, om.MVectorArray([om.MVector(*sample)] * 2)):
         with contextlib.suppress(Exception):
             if list(map(tuple, array(samples))) == [sample + (1.0,)] * 2:
-                whole.append(type(samples))
-    return lambda values: array(values if type(values) in whole else list(elements(values)))
+                accepted.append(type(samples))
+    return lambda values: array(values if type(values) in accepted else list(elements(values)))
 
 
 _point_array = _maker(om.MPointArray, lambda vectors: map(om.MPoint, vectors))

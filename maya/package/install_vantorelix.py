@@ -78,12 +78,12 @@ def damages(folder, files):
     """A sentence for each of `files` that is missing in `folder` or not what it was."""
     found = []
     for path in sorted(files):
-        whole = os.path.join(folder, path)
+        installed = os.path.join(folder, path)
         try:
-            if digest(whole) != files[path]:
-                found.append("{0} is damaged.".format(whole))
+            if digest(installed) != files[path]:
+                found.append("{0} is damaged.".format(installed))
         except OSError as error:
-            found.append("{0} cannot be read: {1}.".format(whole, error.strerror))
+            found.append("{0} cannot be read: {1}.".format(installed, error.strerror))
     return found
 
 

@@ -60,8 +60,8 @@ def _load():
 _library = _load()
 _session = ctypes.c_void_p()
 _interrupts = []  # a KeyboardInterrupt or SystemExit on its way through the library
-# The library is for one thread at a time, and what it hands out is good until its next call. Threads take turns: one
-# has the lock for a call with its result, or for a whole command, and may have it several times over, as callbacks do.
+# The library serves one thread at a time, and its results are valid until the next call. So a thread holds the lock for
+# a call and its result, or for all of a command. It may take the lock again inside, as callbacks do.
 lock = threading.RLock()
 _listening = 0  # callbacks that the library is waiting for
 generation = 0  # of the scene that is open; the number of a node is valid in its own scene only
