@@ -73,7 +73,7 @@ def uses_in_cpp(text):
         elif kind in ("construct", "om_class"):
             uses = [("om." + names[0], None)]
         elif kind in ("method", "Method"):
-            uses = [("?." + names[0], None)]
+            uses = [("?." + names[0], None)] if names[0] not in dir(str) else []  # methods of texts are not Maya's
         else:
             uses = [(".".join(names), None)] if names[0] in maya_stubs.API or names[0] == "cmds" else []
         for use in uses:
