@@ -3,9 +3,10 @@
 
     bench/large_scenes.py FOLDER --sizes 20,100,200 [--program build/bin/vantorelix]
 
-One file a kind (BVH, Maya ASCII, FBX as text and binary) and size in MB is made in the folder unless it is there. With a
-program, `info` is run on each, and a line tells its time, its peak memory, and time of its own and memory by the megabyte:
-what is linear keeps these two. The system's time is mostly that of handing out memory. Linux only, for the memory.
+For each kind (BVH, Maya ASCII, FBX as text and binary) and each size in MB one file is made in the folder, unless it
+exists. With a program, `info` is run on each file, and a line gives its times, its peak memory, and its own time and
+memory per megabyte. If these two stay the same from size to size, reading is linear. The system's time is mostly spent
+on memory. The memory can be measured on Linux only.
 """
 
 import argparse
@@ -25,12 +26,12 @@ TICKS = 46186158000 // 24
 
 
 def wave(seed, count):
-    """That many values of a smooth motion, none of them round."""
+    """That many values of a smooth motion, none of them a round number."""
     return [math.sin(0.1 * i + seed) * (10 + seed % 7) for i in range(count)]
 
 
 def write_bvh(out, size):
-    """A clip of 60 joints, as long as it takes."""
+    """A clip of 60 joints, with as many frames as the size needs."""
     joints = 60
     head = "HIERARCHY\n" + "".join(
         "%s j%d\n{\nOFFSET 0 1 0\nCHANNELS 3 Zrotation Xrotation Yrotation\n" % ("JOINT" if i else "ROOT", i)
@@ -200,7 +201,7 @@ WRITERS = {
 
 
 def measure(program, scene):
-    """Seconds of its own, of the system and of the clock, and MB at most, of `info`."""
+    """What `info` takes: its own seconds, the system's, those of the clock, and the most MB of memory."""
     start = time.monotonic()
     process = subprocess.Popen([str(program), "info", str(scene)], stdout=subprocess.DEVNULL)
     _, status, used = os.wait4(process.pid, 0)

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Runs every benchmark, and the peers where they are installed, and prints one table.
 
-The peer is Blender: the program `blender` on the PATH, and any interpreter given by --bpy that can import bpy. Of
-all of them, of one thread and two, of motion paths and of a plain loop over the frames, the fastest counts. Without
-any, the column shows what was once measured on a quiet machine, marked "recorded". What is to be reached is a 25th of
-the recorded time, whoever ran today; "times less" compares the two of this run. The other rows are of passes that are
-repeated in one process; "the whole program" is what people run: its only pass, from the start of the process to its
-end, held against the peer's import and motion paths alone, without the start of Blender.
+The peer is Blender: the program `blender` on the PATH, and any interpreter given by --bpy that can import bpy. The
+fastest counts, of all of these, with one thread and with two, by motion paths and by a plain loop over the frames.
+Without a peer the column shows what was once measured on a quiet machine, marked "recorded". The target is a 25th of
+the recorded time, whether or not a peer ran; "times faster" compares the two figures of this run. Most rows are of
+passes that are repeated in one process. "The whole program" is what people run: a single pass, from the start of the
+process to its end, compared with the peer's import and motion paths alone, without the start of Blender.
 """
 
 import argparse
@@ -39,7 +39,7 @@ BUDGET_MS = 8.0
 
 
 def run_benchmarks(pattern, repetitions, scenes):
-    """Name -> the fastest repetition of it, as Google Benchmark reports it."""
+    """Name -> its fastest repetition, as Google Benchmark reports it."""
     environment = dict(os.environ, VANTORELIX_BENCH_SCENES=":".join(scenes))
     with tempfile.TemporaryDirectory() as folder:
         out = os.path.join(folder, "out.json")
@@ -61,7 +61,7 @@ def run_benchmarks(pattern, repetitions, scenes):
 
 
 def reports_of_peers(interpreters, script, arguments, out):
-    """(threads, what the script wrote into `out`) for every peer, on one core and on two."""
+    """(number of threads, report) for every peer, on one core and on two. The script writes each report into `out`."""
     script = os.path.join(HERE, "peers", script)
     peers = [("bpy of " + os.path.basename(os.path.dirname(os.path.dirname(i))), [i, script]) for i in interpreters]
     if shutil.which("blender"):
@@ -71,7 +71,7 @@ def reports_of_peers(interpreters, script, arguments, out):
             cores = ["taskset", "-c", ",".join(str(core) for core in range(threads))]
             print("peer: %s, %d threads" % (who, threads), file=sys.stderr)
             if subprocess.run(cores + command + arguments, stdout=subprocess.DEVNULL).returncode:
-                sys.exit("the peer failed; see above, or leave it out with --no-peers")
+                sys.exit("%s failed; see its messages above, or leave peers out with --no-peers" % who)
             with open(out, encoding="utf-8") as file:
                 yield threads, json.load(file)
 
@@ -88,8 +88,8 @@ def write_clip(path):
 
 
 def run_peers(interpreters, frames_of_files):
-    """Scene -> (seconds, who) of the fastest peer; empty when there is none. Of a file, (name, way) -> seconds a sample,
-    (name, "import") -> seconds, and (name, "samples") -> how many samples that is."""
+    """Scene -> (seconds, who) of the fastest peer; empty if there is no peer. For a file, (name, way) -> (seconds per
+    sample, who), (name, "import") -> (seconds, who), and (name, "samples") -> the number of samples."""
     best = {}
     with tempfile.TemporaryDirectory() as folder:
         clip, out = os.path.join(folder, "clip.bvh"), os.path.join(folder, "out.json")
@@ -109,7 +109,8 @@ def run_peers(interpreters, frames_of_files):
 
 
 def whole_program(scene, repetitions):
-    """Milliseconds of the fastest run of the program over a file: reading it, all trails, and a line for each."""
+    """Milliseconds of the fastest run of the program on a file: it reads the file, makes all trails and prints a
+    table."""
     fastest = math.inf
     for _ in range(repetitions):
         start = time.perf_counter()
@@ -119,7 +120,7 @@ def whole_program(scene, repetitions):
 
 
 def bytes_a_sample(samples):
-    """Peak memory of the whole program for one trail of so many samples, less that for two, a sample."""
+    """Peak memory per sample of the whole program with one trail of so many samples, less the peak for two samples."""
     bvh = ("HIERARCHY\nROOT a\n{\nOFFSET 0 0 0\nCHANNELS 3 Xposition Yposition Zposition\n"
            "}\nMOTION\nFrames: 2\nFrame Time: 0.04\n0 0 0\n1 2 3\n")
 
@@ -129,7 +130,7 @@ def bytes_a_sample(samples):
         _, status, usage = os.wait4(process.pid, 0)
         process.returncode = status
         if status:
-            sys.exit("vantorelix trails failed")
+            sys.exit("vantorelix trails failed; build it again with ./dev bench")
         return usage.ru_maxrss * 1024
 
     with tempfile.TemporaryDirectory() as folder:
@@ -148,7 +149,7 @@ def slope(points):
 
 class Table:
     def __init__(self):
-        self.lines = ["| what | measured | to reach | | peer | times less |", "|---|---|---|---|---|---|"]
+        self.lines = ["| what | measured | target | met | peer | times faster |", "|---|---|---|---|---|---|"]
 
     def add(self, what, measured, limit, unit, peer="", times=""):
         self.lines.append("| %s | %.4g %s | %.4g | %s | %s | %s |" % (
@@ -167,7 +168,7 @@ def scene_rows(table, ours, peers):
 
 
 def first_pass_rows(table, peers, files, repetitions):
-    """What the whole program takes, against what the peer's import and its fastest paths take together."""
+    """The time of the whole program, compared with that of the peer's import and its fastest paths together."""
     recorded = {row[4]: row[5] for row in SCENES}
     clip_peer, who = recorded["clip_load"] + recorded["clip_all_joints"] * CLIP_SAMPLES * 1e-3, "recorded"
     limit = clip_peer / TIMES_LESS
@@ -237,14 +238,20 @@ def machine():
     return "%s, %d cores, %s" % (model, os.cpu_count(), platform.system())
 
 
+def command_of(arguments):
+    """The arguments as they can be published: of a path, only the name of the file."""
+    return "".join(" " + (os.path.basename(each) or each) for each in arguments)
+
+
 def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--bpy", action="append", default=[], metavar="PYTHON", help="an interpreter that has bpy")
-    parser.add_argument("--no-peers", action="store_true", help="leave the peers out even where they are installed")
-    parser.add_argument("--scene", action="append", default=[], metavar="FILE", help="a scene file to measure too; an FBX "
-                        "file is opened by the peers as well")
+    parser.add_argument("--no-peers", action="store_true", help="leave the peers out even if they are installed")
+    parser.add_argument("--scene", action="append", default=[], metavar="FILE", help="also measure this scene file; the peers "
+                        "open it, too, if it is an FBX file")
     parser.add_argument("--repetitions", type=int, default=5)
-    parser.add_argument("--record", metavar="FILE", help="also write the table to FILE, with the machine and the date")
+    parser.add_argument("--record", metavar="FILE",
+                        help="also write the table to FILE, with the machine, the date and the command")
     options = parser.parse_args(arguments)
 
     ours = run_benchmarks(".", options.repetitions, [os.path.abspath(scene) for scene in options.scene])
@@ -260,7 +267,7 @@ def main(arguments):
         date = subprocess.run(["date", "+%Y-%m-%d"], stdout=subprocess.PIPE, universal_newlines=True).stdout.strip()
         with open(options.record, "w", encoding="utf-8") as file:
             file.write("# Speeds, %s\n\n%s. Fastest of %d repetitions; command: `./dev bench%s`.\n\n%s\n" % (
-                date, machine(), options.repetitions, "".join(" " + a for a in arguments if a.startswith("--")),
+                date, machine(), options.repetitions, command_of(arguments),
                 "\n".join(table.lines)))
     return 0
 

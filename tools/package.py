@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Makes dist/vantorelix-<version>-linux-x86_64.zip: the module for every CPython found, with all that goes into Maya.
 
-The modules are compiled by zig (tools/package.txt), so that they load on older Linux than this one: cmake/zig.cmake. With
-them go the manual, which is made of pages of docs, and the licences of what zig links into them.
+The modules are compiled by zig (tools/package.txt, cmake/zig.cmake), so that they load on older versions of Linux, too.
+The package also has the manual, which is made from pages of docs, and the licences of what zig links into the modules.
 """
 
 import argparse
@@ -30,7 +30,7 @@ VERSIONS = {"CMakeLists.txt": r"project\(vantorelix VERSION ([\d.]+)",
             DESCRIPTION: r"^\+ .*\bVantorelix (\S+) ",
             os.path.join("maya", "companion", PLUGIN): r'^VERSION = "(.*)"'}
 PAGES = ("maya.md", "studio.md")
-# What zig links into a module: the licence in the package, and where zig has it.
+# The licences of what zig links into a module: their name in the package, and their path in zig.
 LICENCES = {"libc++": "libcxx/LICENSE.TXT", "libc++abi": "libcxxabi/LICENSE.TXT", "libunwind": "libunwind/LICENSE.TXT",
             "zig": "../LICENSE", "glibc": "libc/glibc/io/stat-2.32.c"}
 
@@ -41,35 +41,35 @@ def read(path):
 
 
 def project_version():
-    """The version, which stands in several files; ends the program where they differ."""
+    """The version. It is stated in several files; the program ends if they differ."""
     stated = {path: sorted(set(re.findall(pattern, read(path), re.MULTILINE))) for path, pattern in VERSIONS.items()}
     if len({version for found in stated.values() for version in found}) != 1 or not all(stated.values()):
-        sys.exit("package: the versions differ; make them one: " + ", ".join(
+        sys.exit("package: the version must be the same in every file: " + ", ".join(
             "%s has %s" % (path, " and ".join(found) or "none") for path, found in stated.items()))
     return stated["CMakeLists.txt"][0]
 
 
 def required():
-    """The versions of Python that Maya is told of."""
+    """The versions of Python for which the package tells Maya of a module."""
     return sorted({tuple(map(int, v)) for v in re.findall(r"PYTHONPATH\+:=python-(\d+)\.(\d+)", read(DESCRIPTION))})
 
 
 def compiler():
-    """The path of zig, installed if need be; None, and why on standard error, where that does not work."""
+    """The path of zig, which is installed if it is missing; None, with the reason on standard error, if that fails."""
     question = "import os, ziglang; print(os.path.join(os.path.dirname(ziglang.__file__), 'zig'))"
     try:
         pypi.pip(TOOLS, "install", os.path.join(ROOT, "tools", "package.txt"))
         return subprocess.run([pypi.interpreter(TOOLS), "-c", question], check=True, stdout=subprocess.PIPE,
                               universal_newlines=True).stdout.strip()
     except (Failure, OSError, subprocess.CalledProcessError) as error:
-        print("package: THE COMPILER CANNOT BE FETCHED, SO THERE IS NO PACKAGE: %s" % error, file=sys.stderr)
+        print("package: THE COMPILER COULD NOT BE FETCHED, SO THE PACKAGE IS NOT MADE: %s" % error, file=sys.stderr)
         return None
 
 
 def compile_modules(zig, interpreters):
     """Leaves module-X.Y in BUILD for each of {version: interpreter}."""
     environment = dict(os.environ, ZIG_GLOBAL_CACHE_DIR=os.path.join(BUILD, "zig-cache"))
-    environment.pop("CMAKE_CXX_COMPILER_LAUNCHER", None)  # takes "c++" in "zig c++" for a source file
+    environment.pop("CMAKE_CXX_COMPILER_LAUNCHER", None)  # ccache would take "c++" in "zig c++" for a source file
     tree = os.path.join(BUILD, "cmake")
     subprocess.run(["cmake", "-S", ROOT, "-B", tree, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release", "-DVANTORELIX_TESTS=OFF",
                     "-DCMAKE_UNITY_BUILD=ON",
@@ -84,12 +84,12 @@ def compile_modules(zig, interpreters):
 def only(pattern):
     found = glob.glob(pattern)
     if len(found) != 1:
-        sys.exit("package: one file is needed as %s, there are %d" % (pattern, len(found)))
+        sys.exit("package: %d files match %s instead of one; delete build/package and try again" % (len(found), pattern))
     return found[0]
 
 
 def licences(zig):
-    """{path in the package: the file} of our licence, if there is one, and of those of what is linked in."""
+    """{path in the package: the file} for our licence, if there is one, and those of what is linked in."""
     library = os.path.join(os.path.dirname(zig), "lib")
     files = {"licences/%s.txt" % name: os.path.join(library, path) for name, path in LICENCES.items()}
     files["licences/README.txt"] = os.path.join(ROOT, "maya", "package", "licences.txt")
@@ -98,13 +98,13 @@ def licences(zig):
 
 
 def pages():
-    """{path in the package: the file} of the manual."""
+    """{path in the package: the file} for the manual."""
     files = manual.write(pypi.interpreter(TOOLS), os.path.join(ROOT, "docs"), PAGES, os.path.join(BUILD, "manual"))
     return {"manual/" + name: path for name, path in files.items()}
 
 
 def modules(versions):
-    """{path in the package: the file} of what Maya reads, and of the installer."""
+    """{path in the package: the file} for what Maya reads, and for the installer."""
     companions = glob.glob(os.path.join(ROOT, "maya", "companion", "*.py"))
     files = {"contents/plug-ins/" + PLUGIN: os.path.join(ROOT, "maya", "companion", PLUGIN)}
     for name in ("Vantorelix.mod", "install_vantorelix.py"):
@@ -137,8 +137,8 @@ def write_package(path, top, files):
 
 def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
-    parser.add_argument("--dist", default=os.path.join(ROOT, "dist"), help="the folder of the package")
-    parser.add_argument("--partial", action="store_true", help="go on where a version that Maya needs is missing")
+    parser.add_argument("--dist", default=os.path.join(ROOT, "dist"), help="the folder for the package")
+    parser.add_argument("--partial", action="store_true", help="make the package even if a version that Maya needs is missing")
     parser.add_argument("--compiler", action="store_true", help="only fetch the compiler")
     parser.add_argument("--pythons", action="store_true", help="only print the versions of Python that Maya needs")
     options = parser.parse_args(arguments)
@@ -148,7 +148,8 @@ def main(arguments):
     interpreters, _ = pythons.interpreters()
     missing = ", ".join("%d.%d" % v for v in required() if v not in interpreters)
     if missing and not options.compiler:
-        print("package: THIS MACHINE HAS NO CPYTHON WITH Python.h FOR " + missing, file=sys.stderr)
+        print("package: THIS MACHINE HAS NO CPYTHON WITH Python.h FOR %s: install it, or leave it out with --partial" % missing,
+              file=sys.stderr)
         if not options.partial:
             return 1
     zig = compiler()

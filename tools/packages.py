@@ -40,7 +40,7 @@ def read(path):
 
 
 def write(path, data):
-    """Whole or not at all."""
+    """Writes the file completely or not at all."""
     with open(path + ".part", "wb") as file:
         file.write(data)
     os.replace(path + ".part", path)
@@ -48,7 +48,7 @@ def write(path, data):
 
 @contextlib.contextmanager
 def locked(folder):
-    """Two builds at once must not both work in the folder."""
+    """Holds a lock, so that two builds do not work in the folder at once."""
     os.makedirs(folder, exist_ok=True)
     with open(os.path.join(folder, "lock"), "w", encoding="utf-8") as file:
         if fcntl:
@@ -57,14 +57,14 @@ def locked(folder):
 
 
 def npm(*arguments, folder, environment=None):
-    """Runs npm, all that it prints in stdout."""
+    """Runs npm, with everything that it prints in stdout."""
     return node.find().npm(*arguments, folder=folder, environment=environment, stdout=subprocess.PIPE,
                            stderr=subprocess.STDOUT, encoding="utf-8", errors="replace")
 
 
 def install(source, folder):
-    """What the lock file in the folder `source` names, in folder/node_modules; asks nothing of the network where it is there.
-    The packages' own scripts are not run. Raises Failure."""
+    """Installs what the lock file in the folder `source` names into folder/node_modules. Needs no network if all of it
+    is there. The packages' own scripts are not run. Raises Failure."""
     wanted = digest(source, FILES).encode()
     stamp = os.path.join(folder, "installed")
     if read(stamp) == wanted:

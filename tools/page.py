@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Builds the page of viewer/ and turns it into a C++ source: tools/page.py --folder FOLDER --source FILE [--page FILE]
 
-The folder is shared by all build folders: it holds npm's packages, which are installed again when the lock file changes,
-and the page, which is built again when what it is made of changes. With --page that page is taken, and none is built.
+The folder is shared by all build folders: it holds npm's packages, which are installed again when the lock file
+changes, and the page, which is built again when what it is made of changes. With --page that page is taken, and none is
+built.
 """
 
 import argparse
@@ -15,11 +16,11 @@ from packages import Failure, locked, read, write
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 VIEWER = os.path.join(ROOT, "viewer")
-# What whoever works on the page may have made there.
+# What working on the page may have left there.
 GENERATED = {"node_modules", "dist"}
 PLACE = b"<!--trails-->"
-ELSEWHERE = "or configure with -DVANTORELIX_PAGE=FILE where FILE is the page built elsewhere"
-# Compilers take literals of 64 KB at least, MSVC's pieces of 16 KB, in which each byte may take four characters.
+ELSEWHERE = "or configure with -DVANTORELIX_PAGE=FILE, where FILE is a page that was built elsewhere"
+# Every compiler takes a literal of 16 KB, and a byte may take four characters in it.
 PIECE = 4000
 
 
@@ -29,7 +30,7 @@ def copy_viewer(target):
 
 
 def install(folder):
-    """What the page is built and tested with. The caller holds the lock."""
+    """Installs what the page is built and tested with. The caller holds the lock."""
     try:
         packages.install(VIEWER, folder)
     except Failure as failure:
@@ -37,7 +38,7 @@ def install(folder):
 
 
 def build(folder):
-    """The path of the page, built if need be. The caller holds the lock."""
+    """The path of the page, which is built if it is missing or old. The caller holds the lock."""
     page, stamp, source = (os.path.join(folder, name) for name in ("index.html", "built", "source"))
     copy_viewer(source)
     wanted = packages.digest(source).encode()
@@ -46,7 +47,7 @@ def build(folder):
         output = os.path.join(folder, "output")
         run = packages.npm("run", "build", "--", "--outDir", output, folder=source)
         if run.returncode != 0:
-            raise Failure("the page could not be built: correct viewer/, %s. npm said:\n%s" % (ELSEWHERE, run.stdout))
+            raise Failure("the page could not be built: correct viewer/, %s. npm printed:\n%s" % (ELSEWHERE, run.stdout))
         os.replace(os.path.join(output, "index.html"), page)
         write(stamp, wanted)
     return page
@@ -60,9 +61,10 @@ def _literal(data):
 
 
 def cpp_source(page):
-    """A C++ source with the bytes of a page, which has the place of the data once."""
+    """A C++ source with the bytes of a page, which must have exactly one place for the data."""
     if page.count(PLACE) != 1:
-        raise Failure("the page has %d places for the data, %s, instead of one" % (page.count(PLACE), PLACE.decode()))
+        raise Failure("the page has %d places for the data (%s) instead of one; correct viewer/index.html"
+                      % (page.count(PLACE), PLACE.decode()))
     before, after = page.split(PLACE)
     pieces = [part[at:at + PIECE] for part in (before, after) for at in range(0, len(part), PIECE)]
     pieces.insert(-(-len(before) // PIECE), PLACE)

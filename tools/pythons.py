@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
-"""The CPythons of this machine that the module can be built for: tools/pythons.py [--first PYTHON] [--ends] [--only X.Y ...] [--require X.Y ...]
+"""The CPythons of this machine that the module can be built for: tools/pythons.py [--first PYTHON] [--ends] [--only X.Y
+...] [--require X.Y ...]
 
-Prints one interpreter for each version from 3.7 on, oldest first, as a list for CMake; with --first PYTHON that one before
-all others, for its version; with --ends only the oldest and the newest, with --only those of the versions named that there
-are. Looked at are pyenv's versions and what PATH names python3 or python3.Y. An interpreter without Python.h is named on
-standard error and left out. Versions asked for with --require that are missing are named there too; exit code 1 then.
+Prints one interpreter for each version from 3.7 on, oldest first, as a list for CMake. With --first PYTHON that
+interpreter comes first, and is the one for its version. With --ends only the oldest and the newest are printed, with
+--only those of the versions named. It looks at pyenv's versions, and on PATH for python3 and python3.Y. An interpreter
+without Python.h is left out and named on standard error. So are versions asked for with --require that are missing; the
+exit code is 1 then.
 """
 
 import argparse
@@ -28,7 +30,7 @@ def candidates():
 
 
 def ask(python):
-    """(version as a pair, whether it is CPython with Python.h), or None when it does not run."""
+    """(version as a pair, whether it is CPython with Python.h), or None if it does not run."""
     try:
         run = subprocess.run([python, "-c", _QUESTION], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=60,
                              universal_newlines=True)
@@ -61,7 +63,8 @@ def main(arguments):
         print("pythons: %s has no Python.h and is left out; install its development files" % path, file=sys.stderr)
     missing = [v for v in options.require if tuple(map(int, v.split("."))) not in usable]
     for version in missing:
-        print("pythons: THIS MACHINE HAS NO PYTHON %s: the module is not tested on it" % version, file=sys.stderr)
+        print("pythons: THIS MACHINE HAS NO PYTHON %s: the module is not tested on it; install it with its Python.h" % version,
+              file=sys.stderr)
     versions = sorted(v for v in usable if options.only is None or "%d.%d" % v in options.only)
     if options.ends and len(versions) > 2:
         versions = [versions[0], versions[-1]]

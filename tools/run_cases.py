@@ -1,18 +1,18 @@
 #!/usr/bin/env python3
-"""Runs the cases of the program: folders with a command, its input and what is expected of it.
+"""Runs the cases of the program: folders with a command, its input and its expected results.
 
     tools/run_cases.py --program build/dev/bin/vantorelix [--keep] [NAME...]
 
 A case is a folder below tests/cases with
     cmd            a shell script; the program is on its PATH
-    scenes         names of files from tests/cases/scenes that it needs, one a line (optional)
+    scenes         names of files from tests/cases/scenes that it needs, one per line (optional)
     exit           the exit code (default 0)
-    stdout, stderr the whole text expected there (default: nothing)
-    stdout.has, stderr.has   instead: lines, each of which must be part of the text
+    stdout, stderr the complete text expected there (default: nothing)
+    stdout.has, stderr.has   instead of these: lines, each of which must be part of the text
     files/         files that the command must make, byte for byte
-    makes          names of further files that it makes, one a line; no others may appear
-    check.py       a script that looks closer: run in the case's folder after the command, fails by its exit code;
-                   what the command printed lies there as stdout.got and stderr.got
+    makes          names of other files that it makes, one per line; no others may appear
+    check.py       a script that checks more: it is run in the case's folder after the command, and fails by its exit
+                   code; what the command printed is there as stdout.got and stderr.got
 Everything else in the folder is input. Each case runs in a temporary copy, so it can write where it likes.
 """
 
@@ -55,8 +55,8 @@ def check_text(case, what, got):
     parts = case / (what + ".has")
     if parts.exists():
         return ["%s lacks: %s\n    in: %s" % (what, line, got) for line in names(parts) if line not in got]
-    whole = case / what
-    want = whole.read_text(encoding="utf-8") if whole.exists() else ""
+    expected = case / what
+    want = expected.read_text(encoding="utf-8") if expected.exists() else ""
     return [] if got == want else difference(what, want, got)
 
 

@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 """The sources of C libraries that are compiled into the program: tools/sources.py [--into FOLDER] [--present] [NAME...]
 
-Prints the folder of each library named (default: all) below FOLDER (build/third_party), which is fetched when its files are
-not those of cmake/NAME.sha256; --present fetches nothing and ends with exit code 1 instead.
+Prints the folder of each library that is named (default: all), below FOLDER (build/third_party). A library is fetched
+if its files are not those of cmake/NAME.sha256. With --present nothing is fetched; the exit code is then 1.
 
-Where they come from: no distribution packages ufbx or cgltf everywhere, and Debian's mimalloc is a shared library alone,
-which a program would need beside it. Their authors publish ufbx as a Rust package only (PyPI's package ufbx has an older
-ufbx.c without its header), and mimalloc's source is in one; so cargo fetches these two, in one call, and compiles nothing.
-cgltf lies in the source package of MaterialX on PyPI. Without a client the files can be put in place by hand.
+Where they come from: not every distribution has ufbx and cgltf, and Debian has mimalloc only as a shared library, which
+a program would need at run time. The authors of ufbx publish it as a Rust package only (the package ufbx on PyPI has an
+older ufbx.c without its header), and the source of mimalloc is in a Rust package, too. So cargo fetches these two, in
+one call, and compiles nothing. cgltf is in the source package of MaterialX on PyPI. The files can also be put in place
+by hand.
 """
 
 import argparse
@@ -27,8 +28,8 @@ from clients import Failure
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 FOLDER = os.path.join(ROOT, "build", "third_party")
-# The folder of a library (of ufbx named by its package; the library in it is 0.23.1), and of its files in what the client
-# fetches.
+# The folder of a library, and of its files in what the client fetches. The folder of ufbx has the version of its
+# package; the library in it is 0.23.1.
 Source = collections.namedtuple("Source", "folder client inside")
 SOURCES = {
     "ufbx": Source("ufbx-0.11.5", "cargo", "ufbx/ufbx"),
@@ -46,7 +47,7 @@ def hashes(name):
 
 
 def wrong(name, folder):
-    """What is wrong with the library's files in a folder; None when they are the ones wanted."""
+    """What is wrong with the library's files in a folder; None if they are the right ones."""
     for path, wanted in hashes(name).items():
         data = packages.read(os.path.join(folder, path))
         if not data:
@@ -60,12 +61,12 @@ def _crates(work):
     """Fetches CRATES; the folder they lie in."""
     cargo = shutil.which("cargo") or shutil.which("cargo", path=os.path.expanduser("~/.cargo/bin"))
     if not cargo:
-        raise Failure("the program cargo is not here. Install it (Debian: apt-get install cargo)")
+        raise Failure("the program cargo is not installed. Install it (Debian: apt-get install cargo)")
     manifest = ['[package]', 'name = "fetch"', 'version = "0.0.0"', 'edition = "2018"', '[lib]', 'path = "empty.rs"',
                 '[workspace]', '[dependencies]'] + ['%s = "=%s"' % crate for crate in CRATES.items()]
     packages.write(os.path.join(work, "Cargo.toml"), "\n".join(manifest).encode())
     packages.write(os.path.join(work, "empty.rs"), b"")
-    # Debian 12's cargo reads the small index, instead of cloning all of a large one, only when it is asked to.
+    # Without these the cargo of Debian 12 would clone the whole index of packages.
     settings = {"RUSTC_BOOTSTRAP": "1", "CARGO_UNSTABLE_SPARSE_REGISTRY": "true", "CARGO_NET_RETRY": "1"}
     clients.fetch("cargo", "the Rust packages " + ", ".join(sorted(CRATES)), lambda added: subprocess.run(
         [cargo, "vendor", "--quiet"], cwd=work, env=dict(os.environ, **settings, **added), stdout=subprocess.PIPE,
@@ -90,11 +91,11 @@ CLIENTS = {"cargo": _crates, "pip": _source_package}
 
 
 def _take(name, fetched, into):
-    """Moves a library's files to their place, once they are known to be the ones."""
+    """Moves a library's files to their place, after checking them."""
     source, target = os.path.join(fetched, SOURCES[name].inside), os.path.join(into, SOURCES[name].folder)
     problem = wrong(name, source)
     if problem:
-        raise Failure("of what was fetched for %s, %s" % (name, problem))
+        raise Failure("in what was fetched for %s, %s; check which registry %s uses" % (name, problem, SOURCES[name].client))
     for path in hashes(name):
         os.makedirs(os.path.dirname(os.path.join(target, path)), exist_ok=True)
         packages.write(os.path.join(target, path), packages.read(os.path.join(source, path)))
@@ -105,7 +106,7 @@ def missing(names=tuple(SOURCES), into=FOLDER):
 
 
 def fetch(names=tuple(SOURCES), into=FOLDER):
-    """Sees to it that the libraries are there; raises Failure."""
+    """Fetches those of the libraries that are missing. Raises Failure."""
     with packages.locked(into):
         lacking = missing(names, into)
         for client in sorted({SOURCES[name].client for name in lacking}):

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Sums up a test run: tools/summary.py BUILD-FOLDER STAGE:EXIT-CODE:SECONDS...
 
-Reads what CTest and the GoogleTest programs wrote to BUILD-FOLDER/STAGE/reports. The last line is the total. A stage
-that ended in an error without a failed test (it did not build, or a program died) counts as one failure. Exit code 1
-when anything failed.
+Reads what CTest and the test programs wrote into BUILD-FOLDER/STAGE/reports. The last line is the total. A stage that
+ended in an error without a failed test (because it did not build, or a program crashed) counts as one failure. The exit
+code is 1 if anything failed.
 """
 
 import os
@@ -12,7 +12,7 @@ import xml.etree.ElementTree as ElementTree
 
 
 def _cases(path):
-    """(passed, failed, skipped) of a report of one test program; nothing when it did not get to write one."""
+    """(passed, failed, skipped) in the report of a test program; zeros if it wrote none."""
     try:
         suites = ElementTree.parse(path).getroot()
     except (OSError, ElementTree.ParseError):
@@ -28,7 +28,7 @@ def _cases(path):
 
 
 def stage(folder, code):
-    """(passed, failed, skipped, names of what failed) of one stage."""
+    """(passed, failed, skipped, names of the failed programs) of one stage."""
     passed = failed = skipped = 0
     broken = []
     reports = os.path.join(folder, "reports")

@@ -4,11 +4,13 @@
     tools/viewer.py test --program FILE --engine-colors FILE --report FILE [--first] [--no-browser]
     tools/viewer.py pictures PAGES OUT [NAME...]
 
-The tests are told by environment variables what to test: VANTORELIX_PROGRAM, VANTORELIX_ENGINE_COLORS, VANTORELIX_PAGE (the
-page without trails), VANTORELIX_CHROMIUM, and VANTORELIX_PAGE_TESTS ("first" by --first: of the tests in a browser one of
-each group); docs and examples lie beside viewer/ as in the checkout. Without a browser they
-fail, unless --no-browser leaves out those that need one. The pictures are those that viewer/pictures names, of the pages with
-trails in the folder PAGES; without a browser there are none.
+Environment variables tell the tests what to test: VANTORELIX_PROGRAM, VANTORELIX_ENGINE_COLORS, VANTORELIX_PAGE (the
+page without trails) and VANTORELIX_CHROMIUM. With --first, VANTORELIX_PAGE_TESTS is "first", and of the tests in a
+browser one of each group is run. docs and examples lie beside viewer/, as in the checkout. Without a browser the tests
+fail, unless --no-browser leaves out those that need one.
+
+The pictures are those that viewer/pictures lists. They are taken of the pages in the folder PAGES; without a browser
+there are none.
 """
 
 import argparse
@@ -54,7 +56,7 @@ def test(options):
     variables = {"VANTORELIX_" + name: os.path.abspath(path) for name, path in paths.items()}
     left_out = browser_tests() if options.no_browser else []
     if left_out:
-        print("viewer: NOT RUN FOR WANT OF A BROWSER: " + ", ".join(left_out), flush=True)
+        print("viewer: NOT RUN, BECAUSE THEY NEED A BROWSER: " + ", ".join(left_out), flush=True)
     with workshop(options.folder) as copy:
         return node.find().npm("test", "--", "--reporter=default", "--reporter=junit",
                                "--outputFile.junit=" + os.path.abspath(options.report),
@@ -67,7 +69,7 @@ def test(options):
 def pictures(options):
     chromium = browser.find()
     if chromium is None:
-        print("viewer: there is no Chromium that runs, so there are no pictures of the page", file=sys.stderr)
+        print("viewer: no pictures of the page are taken, because there is no Chromium that runs; install one", file=sys.stderr)
         return 0
     with workshop(options.folder) as copy:
         return node.find().npm("run", "--silent", "pictures", "--", os.path.abspath(options.pages), os.path.abspath(options.out),

@@ -14,7 +14,8 @@ TABLES = ("ARRAYS", "DOUBLES", "SWITCHES", "INTEGERS")
 
 
 def tables(text, name):
-    """The tables of the plug-in, as dictionaries; nothing else of it is run. ValueError names what is missing."""
+    """The tables of the plug-in, as dictionaries. Only constants of the plug-in are run. ValueError names what is
+    missing."""
     wanted, found = set(TABLES), {}
     for statement in ast.parse(text, name).body:
         if isinstance(statement, ast.Assign):
@@ -22,10 +23,10 @@ def tables(text, name):
             try:
                 exec(code, {"__builtins__": {"range": range}}, found)
             except (NameError, AttributeError):
-                continue  # what needs Maya; the tables do not
+                continue  # this constant needs Maya, which the tables do not
     missing = sorted(wanted - set(found))
     if missing:
-        raise ValueError("%s: no table %s; tools/viz_node.py reads it" % (name, ", ".join(missing)))
+        raise ValueError("%s: the table %s is missing; tools/viz_node.py reads it from there" % (name, ", ".join(missing)))
     return {table: found[table] for table in TABLES}
 
 

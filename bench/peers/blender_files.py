@@ -3,9 +3,9 @@
     blender -b --factory-startup --python bench/peers/blender_files.py -- OUT.json FILE.fbx FRAMES...
     python  bench/peers/blender_files.py OUT.json FILE.fbx FRAMES...        (an interpreter that has bpy)
 
-Motion paths of every animated object and of every bone of every armature, and a loop that sets each frame and reads
-their positions, over so many frames from the first of the file's actions on. OUT holds seconds, the fastest of three,
-those of opening the file among them, with the number of objects.
+It makes motion paths of every animated object and of every bone of every armature, and it runs a loop that sets each
+frame and reads their positions, both over so many frames from the start of the file's first action on. OUT gets the
+seconds of each, and of opening the file, the fastest of three, with the number of objects.
 """
 
 import json
@@ -16,19 +16,19 @@ import time
 import bpy
 import addon_utils  # found once bpy is there
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))  # which Blender does not do
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))  # Blender does not do this
 from timing import REPEATS, fastest
 
 
 def open_file(path, frames):
-    """Seconds of reading it; the scene is the current one then."""
+    """Opens the file as the current scene; returns the seconds of reading it."""
     bpy.ops.wm.read_factory_settings(use_empty=True)
     addon_utils.enable("io_scene_fbx")
     start = time.perf_counter()
     bpy.ops.import_scene.fbx(filepath=path)
     seconds = time.perf_counter() - start
     scene = bpy.context.scene
-    for thing in scene.objects:  # what is hidden has no motion path
+    for thing in scene.objects:  # hidden objects get no motion path
         thing.hide_viewport = False
         thing.hide_set(False)
     scene.frame_start = int(min(action.frame_range[0] for action in bpy.data.actions))
@@ -37,7 +37,7 @@ def open_file(path, frames):
 
 
 def paths(things, armatures):
-    """All motion paths, object by object of those that have bones, as the operators want it."""
+    """Makes all motion paths. Objects with bones are done one by one, because the operator works on the active one."""
     view = bpy.context.view_layer
     for thing in bpy.context.scene.objects:
         thing.select_set(thing in things)

@@ -3,8 +3,8 @@
     blender -b --factory-startup --python bench/peers/blender_scenes.py -- CLIP.bvh OUT.json
     python  bench/peers/blender_scenes.py CLIP.bvh OUT.json        (an interpreter that has bpy)
 
-Two ways: the motion-path operator, and a loop that sets each frame and reads every object's world position. OUT holds
-seconds, the fastest of three.
+The two ways are the motion-path operator, and a loop that sets each frame and reads every object's world position. OUT
+gets the seconds of each, the fastest of three.
 """
 
 import importlib
@@ -17,7 +17,7 @@ import time
 import bpy
 import addon_utils  # found once bpy is there
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))  # which Blender does not do
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))  # Blender does not do this
 from timing import REPEATS, fastest
 
 KEYS = 5
@@ -68,7 +68,7 @@ def binary_tree(count, frames):
 
 
 def loop(positions_now):
-    """Every frame of the scene, and the positions that `positions_now` reads there."""
+    """Goes through the frames of the scene; returns what `positions_now` reads at each."""
     scene, found = bpy.context.scene, []
     for frame in range(scene.frame_start, scene.frame_end + 1):
         scene.frame_set(frame)
@@ -87,7 +87,7 @@ def ways_of_objects(things):
 
 
 def rebuild(things):
-    """All motion paths again after one key was moved."""
+    """Makes all motion paths again after one key was moved."""
     bpy.ops.object.paths_calculate(display_type="RANGE", range="SCENE")
 
     def once():
@@ -101,7 +101,7 @@ def rebuild(things):
 def read_clip(path):
     empty_scene(1000)
     addon_utils.enable("io_anim_bvh")
-    # The add-on of 3.4 opens files in a mode that newer Pythons refuse.
+    # The add-on of Blender 3.4 opens files in a mode that newer versions of Python refuse.
     importlib.import_module("io_anim_bvh.import_bvh").open = lambda path, mode: open(path, mode.replace("U", ""))
     start = time.perf_counter()
     bpy.ops.import_anim.bvh(filepath=path, update_scene_fps=True, update_scene_duration=True)

@@ -3,10 +3,10 @@
 
     python3 bench/python/bench.py MODULE_FOLDER [--before FOLDER] [--rounds N]
 
-One table for the interpreter that runs this, on a `maya` of C types that does nothing (silent_types.cpp, for which a
-compiler is needed). T is the time in which `list(zip(xs, ys, zs))` of three `array('d')` makes 10,000 triples, the
-least that a list of positions or colours can cost. What is compared runs in turns, and each time is the median of its
-turns. With --before the same is done with another build of the module, in turns too.
+Prints a table for the interpreter that runs this, on a `maya` of C types that does nothing (silent_types.cpp, for which
+a compiler is needed). T is the time in which `list(zip(xs, ys, zs))` makes 10,000 triples from three `array('d')`; no
+list of positions or colours can cost less. Everything that is compared runs in turns, and each time is the median of
+its turns. With --before another build of the module takes part, too.
 """
 
 import argparse
@@ -17,12 +17,12 @@ import platform
 import statistics
 import sys
 from array import array
-from time import thread_time  # others that want the processor do not count
+from time import thread_time  # does not count the time of other programs
 
 import silent_maya
 
 N = 10000
-EDITS = 1000  # to be longer than a look at the clock
+EDITS = 1000  # so many that they take longer than reading the clock
 
 
 def seconds(job):
@@ -45,7 +45,7 @@ def helix():
 
 
 def triples_by_c():
-    """T's job, on numbers that are not the small and shared ones."""
+    """The job of T, on numbers that the interpreter does not share."""
     xs, ys, zs = [array("d", column) for column in zip(*helix())]
     return lambda: list(zip(xs, ys, zs))
 
@@ -59,7 +59,7 @@ def repeated(function):
 
 
 def engine_in(folder):
-    """The engine of a folder, beside any that is there already."""
+    """The engine of a folder. One that is loaded already stays usable."""
     for name in ("Vantorelix_engine", "_vantorelix"):
         sys.modules.pop(name, None)
     sys.path.insert(0, os.path.abspath(folder))
@@ -70,7 +70,7 @@ def engine_in(folder):
 
 
 def comparisons(plain):
-    """(what, at most so many times, what is compared with, its job)."""
+    """(what, the limit as a ratio, what it is compared with, the job of that)."""
     by_c = triples_by_c()
     return [
         ("colouring 10,000 positions, a list of tuples", 2.0, "T", by_c),
@@ -114,7 +114,7 @@ def row(comparison, turns, rounds):
 def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("folder", help="where Vantorelix_engine.py and its compiled part are")
-    parser.add_argument("--before", metavar="FOLDER", help="that of an older build for the same interpreter")
+    parser.add_argument("--before", metavar="FOLDER", help="the folder of an older build for the same interpreter")
     parser.add_argument("--rounds", type=int, default=101)
     options = parser.parse_args(arguments)
     silent_maya.install()

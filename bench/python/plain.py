@@ -1,4 +1,4 @@
-"""The jobs as a script would do them: what the module is compared with where Python's own calls are the work."""
+"""The jobs in plain Python: the module is compared with them where most of the work is calls of Python's own."""
 
 import time
 

@@ -13,7 +13,7 @@ SOURCE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "silent_types.
 
 
 def compiled():
-    """The extension module. Its file is gone once it is loaded."""
+    """The extension module. Its file is deleted after loading."""
     with tempfile.TemporaryDirectory() as folder:
         path = os.path.join(folder, "silent_types" + sysconfig.get_config_var("EXT_SUFFIX"))
         subprocess.run(shlex.split(os.environ.get("CXX", "c++")) + [
@@ -27,7 +27,7 @@ def compiled():
 
 
 def install():
-    """Makes it the `maya` that modules import from now on."""
+    """Makes it the `maya` that modules import from now on, with its submodules."""
     maya, api = types.ModuleType("maya"), types.ModuleType("maya.api")
     cmds, om, oma = (types.ModuleType("maya." + name) for name in ("cmds", "api.OpenMaya", "api.OpenMayaAnim"))
     compiled().fill(cmds, om, oma)

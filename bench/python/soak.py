@@ -1,16 +1,17 @@
 #!/usr/bin/env python3
-"""Days of an animator's edits in minutes: does the module's memory stay as it is?
+"""Makes as many edits as an animator does in days, within minutes, and checks that the module's memory does not grow.
 
     python3 bench/python/soak.py MODULE_FOLDER [--edits N]
     python3 bench/python/soak.py MODULE_FOLDER --peak TRAILS FRAMES
 
-Two short trails follow N edits of the animation, each rebuilt to its end by deferred calls, on a `maya` that does
-nothing and with a clock that the script turns: the quiet before a rebuild takes no time. Every fourth edit comes in the
-middle of a rebuild, whose record is looked at as scripts do, and discarded then; every hundredth edit all trails are
-cleared and made again, and every thousandth the module is reloaded. Exit code 1 when the resident memory has grown by
-more than a megabyte since edit 10,000.
+Two short trails follow N edits of the animation, on a `maya` that does nothing. Deferred calls rebuild them completely
+after each edit. The script sets the clock, so that the wait before a rebuild takes no time. Every fourth edit comes in
+the middle of a rebuild, whose record is read, as a script might do, and then discarded. After every hundredth edit all
+trails are cleared and made again, and after every thousandth the module is reloaded. The exit code is 1 if the resident
+memory has grown by more than a megabyte since edit 10,000.
 
-With --peak, one rebuild of so many trails and frames: the resident memory before, at most, and after.
+With --peak, the script makes one rebuild of so many trails and frames, and prints the resident memory before it, at its
+largest, and after it.
 """
 
 import argparse
@@ -36,7 +37,7 @@ def resident():
 
 
 class Application(object):
-    """What the silent `maya` lacks for whole commands: a selection, deferred calls and callbacks; and a clock."""
+    """What the silent `maya` lacks for complete commands: a selection, deferred calls, callbacks, and a clock."""
 
     def __init__(self, trails, frames):
         self.objects = ["|object%d" % n for n in range(trails)]
@@ -103,7 +104,7 @@ class Application(object):
 
 
 def half_a_rebuild(application, engine):
-    """Some slices of a rebuild, read as a script may; its record has to give way to the next edit's."""
+    """Runs some slices of a rebuild and reads its record, as a script might. The next edit discards the record."""
     application.edit()
     application.tick = 0.003
     for _ in range(3):
@@ -129,7 +130,7 @@ def start_over(application, engine, edit):
 
 
 def soak(application, engine, edits, progress):
-    """The resident memory at edit SETTLED, at most since then, and at the end."""
+    """The resident memory at edit SETTLED, its largest value since then, and its value at the end."""
     settled = largest = None
     engine.create_trail()
     for edit in range(1, edits + 1):
@@ -163,7 +164,7 @@ def peak(application, engine):
 
 @contextlib.contextmanager
 def silence():
-    """What the engine prints goes nowhere."""
+    """Discards what the engine prints."""
     stdout, sys.stdout = sys.stdout, open(os.devnull, "w")
     try:
         yield stdout
@@ -211,7 +212,7 @@ def main(arguments):
     parser.add_argument("--peak", type=int, nargs=2, metavar=("TRAILS", "FRAMES"))
     options = parser.parse_args(arguments)
     if options.edits < SETTLED:
-        parser.error("at least %d edits are needed, for memory to settle" % SETTLED)
+        parser.error("--edits must be at least %d, so that the memory can settle" % SETTLED)
     trails, frames = options.peak or (2, 3)
     application = Application(trails, frames)
     sys.path.insert(0, os.path.abspath(options.folder))

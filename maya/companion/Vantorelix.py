@@ -3,8 +3,8 @@
     import Vantorelix
     Vantorelix.show_trail_mini_menu()
 
-Importing this module makes the commands that hotkeys are given to, and changes nothing else in Maya. Whatever fails
-behind an entry, a button, a gesture or a hotkey is told in the viewport and raises nothing.
+Importing this module makes the commands that can be given hotkeys, and changes nothing else in Maya. When an entry, a
+button, a gesture or a hotkey fails, the viewport shows a message and nothing is raised.
 """
 
 from Vantorelix_gestures import bind_gestures, unbind_gestures

@@ -1,7 +1,7 @@
-"""How everything that the user asks for runs, whether it comes from the menu, the shelf, a gesture or a hotkey.
+"""Runs what the user asks for, whether it comes from the menu, the shelf, a gesture or a hotkey.
 
-What changes the scene goes through `change`, and whatever Maya's interface is given to call goes through `callback`.
-Messages to the user are the engine's own, in the viewport; what a developer wants to know goes to `log`.
+What changes the scene goes through `change`, and functions that Maya's interface calls are made by `callback`. The user
+sees messages in the viewport, through the engine; details for developers go to `log`.
 """
 
 import functools
@@ -17,14 +17,15 @@ MODES = ("Standard", "Spacing", "Flow", "Beats")
 
 
 class _ScriptEditor(logging.Handler):
-    """Prints records to whatever is Python's output when they come: Maya puts its own there after its start."""
+    """Prints each record to the sys.stdout of that moment, because Maya replaces sys.stdout after its start."""
 
     def emit(self, record):
         print(self.format(record))
 
 
 def _make_log():
-    """A logger that says nothing twice: it does not propagate, and gets its handler once, however often this loads."""
+    """A logger that prints each record once: it does not propagate, and gets one handler however often this is
+    loaded."""
     logger = logging.getLogger(TITLE)
     logger.propagate = False
     if not logger.handlers:
@@ -43,34 +44,34 @@ def tell(text):
 
 
 def attempt(function, *arguments):
-    """Calls `function`; an error is told to the user, and its traceback to the log."""
+    """Calls `function`. The user is told of an error, and the log gets its traceback."""
     try:
         function(*arguments)
     except Exception as error:
-        tell("{0}: {1}".format(type(error).__name__, error))
-        log.error("Where that came from:", exc_info=True)
+        tell("{0}: {1}. See the Script Editor for details.".format(type(error).__name__, str(error).rstrip(".")))
+        log.error("Details of the error:", exc_info=True)
 
 
 def callback(function, *arguments):
-    """`function` with these arguments as Maya's interface may call it: with whatever it passes, and never raising."""
+    """Calls `function` with these arguments, whatever Maya's interface passes, and never raises."""
     return lambda *_ignored: attempt(function, *arguments)
 
 
 def change(label, function, *arguments):
-    """Does what changes the scene at the user's wish, as one step of Maya's undo queue; `label` is what the user knows it
-    by."""
+    """Calls a function that changes the scene for the user, as one step of Maya's undo queue under the name `label`."""
     log.debug(label)
     with step(cmds, label):
         function(*arguments)
 
 
-# `name` is for ever, as users' hotkeys hold it; `place` is the direction in a marking menu, None for its list; `run`
-# can be given to Maya's interface.
+# `name` never changes, because users' hotkeys refer to it; `place` is the direction in a marking menu, or None for an
+# entry in the list below; `run` can be given to Maya's interface.
 Command = namedtuple("Command", "name label place run")
 
 
 def _command(name, label, place, function, *arguments):
-    """A command of the engine, looked up when it is called, so that a tool may have wrapped it meanwhile."""
+    """A function of the engine as a command. It is looked up at each call, because a tool may have wrapped it
+    meanwhile."""
     def run():
         getattr(engine, function)(*arguments)
     return Command(name, label, place, callback(change, label, run))
@@ -83,12 +84,12 @@ COMMANDS = ((_command("BuildTrail", "Build trail", "N", "create_trail"),
             (_command("Ghost", "Ghost", "SE", "toggle_ghost"),
              _command("ConvertToNurbs", "Convert to NURBS", "SW", "convert_to_nurbs")))
 
-# What the engine's own names of gestures change; it opens the menu for any other.
+# The engine's names of the gestures that change the scene, with their labels; any other gesture opens the menu.
 _GESTURES = {"lmb": "Build trail", "ctrl_lmb": "Convert to NURBS", "shift_lmb": "Clear trails", "ctrl_rmb": "Ghost"}
 
 
 def gesture(action):
-    """A click, by the name that the engine has for it."""
+    """Runs the gesture that the engine knows by this name."""
     if action in _GESTURES:
         change(_GESTURES[action], engine.pellark_entry, action)
     else:

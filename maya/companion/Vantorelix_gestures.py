@@ -1,10 +1,10 @@
-"""Gestures with the mouse in the viewports.
+"""Mouse gestures in the viewports.
 
-The viewport's plain clicks belong to Maya's current tool, so the gestures are a tool themselves: a dragger context,
-which is told of presses and releases of the left and the middle button. The right button never reaches a tool (Maya
-opens its marking menu with it), so the menu that belongs to it is a marking menu of ours on Ctrl+Alt+right in each
-viewport, torn off or not, and its other gesture, ghost, is Ctrl+middle. All of it ends without a trace: the tool before
-is taken up again, and the context and the menus are deleted.
+Clicks in a viewport belong to Maya's current tool, so the gestures are a tool themselves: a dragger context, which gets
+presses and releases of the left and the middle button. The right button never reaches a tool, because Maya opens its
+marking menu with it. So the menu is a marking menu of ours on Ctrl+Alt+right in each viewport, torn off or not, and the
+other gesture of the right button, ghost, is on Ctrl+middle. When the gestures end, the previous tool is current again,
+and the context and the menus are deleted.
 """
 
 import maya.cmds as cmds
@@ -12,7 +12,7 @@ from Vantorelix_commands import callback, gesture
 from Vantorelix_menu import fill, viewports
 
 CONTEXT = "vantorelixGestures"
-MARKING_MENU = "vantorelixMarkingMenu_"  # And the panel's name.
+MARKING_MENU = "vantorelixMarkingMenu_"  # followed by the name of the panel
 SELECT_TOOL = "selectSuperContext"
 LEFT, MIDDLE = 1, 2
 _SHIFT, _CTRL = 1, 4  # Bits of getModifiers.
@@ -22,7 +22,7 @@ _pressed = ""
 
 
 def action_of(button, modifiers):
-    """The name of a gesture as `pellark_entry` knows it; it opens the menu for any that it does not know."""
+    """The name of a gesture for `pellark_entry`, which opens the menu for every name that it does not know."""
     name = {LEFT: "lmb", MIDDLE: "mouse2"}.get(button, "rmb")
     if modifiers & _SHIFT:
         name = "shift_" + name
@@ -41,7 +41,7 @@ def _on_release():
 
 
 def _add_marking_menu(panel):
-    """A menu of the panel's own layout: one of the main window's panes would miss panels in windows of their own."""
+    """The menu belongs to the panel's own layout, so that panels in windows of their own have one, too."""
     menu, layout = MARKING_MENU + panel, cmds.modelPanel(panel, query=True, control=True)
     if layout and not cmds.popupMenu(menu, exists=True):  # A panel that is shown nowhere has no layout.
         cmds.popupMenu(menu, parent=layout, button=3, ctrlModifier=True, altModifier=True, markingMenu=True,
@@ -49,7 +49,7 @@ def _add_marking_menu(panel):
 
 
 def bind_gestures():
-    """Makes the gestures the current tool. Bound twice is bound once, but reaches viewports that came in between."""
+    """Makes the gestures the current tool. Called again, it only adds the menu to viewports that are new."""
     global _tool_before
     if not cmds.draggerContext(CONTEXT, exists=True):
         cmds.draggerContext(CONTEXT, pressCommand=callback(_on_press), releaseCommand=callback(_on_release),
@@ -63,7 +63,7 @@ def bind_gestures():
 
 
 def unbind_gestures():
-    """Gives the mouse back to the tool that had it. Where the user has taken another one meanwhile, that one stays."""
+    """Makes the previous tool current again, unless the user has chosen another one meanwhile."""
     if cmds.currentCtx() == CONTEXT:
         known = _tool_before and cmds.contextInfo(_tool_before, exists=True)
         cmds.setToolTo(_tool_before if known else SELECT_TOOL)

@@ -1,4 +1,4 @@
-"""The commands of the menu under names that a hotkey can be given, in the hotkey editor under "Vantorelix"."""
+"""Makes the commands of the menu known to Maya's Hotkey Editor, under "Vantorelix"."""
 
 import maya.cmds as cmds
 from Vantorelix_commands import COMMANDS, TITLE, log
@@ -8,23 +8,23 @@ _BY_NAME = {TITLE + command.name: command for command in COMMANDS + (MENU, OPTIO
 
 
 def run_command(name):
-    """What the hotkey does that was given to the command `name`, such as "VantorelixBuildTrail"."""
+    """Runs the command that a hotkey names, such as "VantorelixBuildTrail"."""
     if name not in _BY_NAME:
         known = ", ".join(sorted(_BY_NAME))
-        raise ValueError("{0!r} is not a command of Vantorelix; these are: {1}".format(name, known))
+        raise ValueError("{0!r} is not a command of Vantorelix; its commands are: {1}".format(name, known))
     _BY_NAME[name].run()
 
 
 def make_commands():
-    """Makes the commands for this session of Maya, where it has a window: they are not saved with the preferences.
+    """Makes the commands for this session of Maya, if it has a window. Maya does not save them with the preferences.
 
-    The user has not asked for them, so a failure goes to the log alone.
+    The user has not asked for this, so a failure only goes to the log.
     """
     try:
         if not cmds.about(batch=True):
             _make_commands()
     except Exception:
-        log.exception("There are no commands for hotkeys:")
+        log.exception("The commands for hotkeys could not be made:")
 
 
 def _make_commands():

@@ -1,12 +1,12 @@
 """Maya's commands as the engine calls them.
 
-What the engine calls, and when, is fixed; on what it calls it is not: its handle `cmds` is looked up at each call. So
-what an animator's scene needs beyond that (an undo queue left alone, names that hold in any namespace) stands here, in
-front of Maya's commands, and neither the engine nor its callers know. `Vantorelix_engine` installs it itself where it
-finds it on the path, each time its own text runs: then it holds for menu, shelf, hotkey and script alike, and after
-`importlib.reload`. Without this file the engine calls Maya's commands as they are.
+The engine makes a fixed sequence of calls, but looks up its handle `cmds` at each of them. So this module can put
+commands of our own in front of Maya's, without the engine or its callers noticing: they keep the undo queue clean and
+make names work in any namespace. `Vantorelix_engine` installs this layer whenever it is loaded or reloaded and finds it
+on the path, so that it is in place for menu, shelf, hotkeys and scripts alike. Without this file the engine calls
+Maya's commands directly.
 
-`om` and `oma` stay Maya's own modules: `om` is asked for every sample.
+`om` and `oma` stay Maya's own modules, because `om` is used for every sample.
 """
 
 import functools
@@ -16,13 +16,17 @@ import Vantorelix_names
 import Vantorelix_trails
 import Vantorelix_undo
 
-# Each has `commands(engine, cmds)`: its own commands by name, over the handle `cmds`, which is that of the part before.
+# Each has `commands(engine, cmds)`, which returns its own commands by name. They call `cmds`, the handle of the part
+# before.
 PARTS = (Vantorelix_undo, Vantorelix_trails, Vantorelix_names)
 
 
 def _handle(maya, own):
-    """Commands of our own, and Maya's for the rest, looked up at each call as a tool may have wrapped one meanwhile. A
-    plain module: the engine finds what is in a plain module without asking for attributes."""
+    """Commands of our own, and for the rest Maya's, which are looked up at each call because a tool may have wrapped
+    one.
+
+    It is a plain module, because the engine reads names of a plain module directly from its dictionary.
+    """
     handle = types.ModuleType("Vantorelix_layer.cmds")
     vars(handle).update(own, __getattr__=functools.partial(getattr, maya))
     return handle

@@ -8,38 +8,40 @@ from Vantorelix_commands import COMMANDS, MODES, TITLE, Command, attempt, callba
 from Vantorelix_options import close, show_options
 
 OPTIONS = Command("Options", "Options...", None, callback(show_options))
-FILTER = "vantorelixDisplayFilter"  # As Vantorelix_plugin registers it.
+FILTER = "vantorelixDisplayFilter"  # Vantorelix_plugin registers it under this name.
 MENU_WINDOW = "vantorelixMenu"
-_shown = None  # Qt deletes a menu that nobody holds.
+_shown = None  # The menu that is open: Qt deletes a menu that nothing refers to.
 
-# `checked` is None where there is nothing to mark; `place` is the direction in a marking menu, None for its list.
+# `checked` is None for an entry without a mark; `place` is the direction in a marking menu, or None for an entry in the
+# list.
 Entry = namedtuple("Entry", "label run checked place")
 
 
 def _marks():
-    """The marks of the commands that can have one, by name."""
+    """Whether each command that can be marked is marked now, by name."""
     mode = engine._get_pref_color_mode()
     marks = {"Color" + name: index == mode for index, name in enumerate(MODES)}
     return dict(marks, Ghost=engine._get_pref_xray())
 
 
 def entries(panel=None):
-    """The menu as things stand now, for the viewport `panel` or the one that has the focus."""
+    """The entries of the menu with their present marks, for the viewport `panel` or the one that has the focus."""
     marks = _marks()
     commands = [Entry(command.label, command.run, marks.get(command.name), command.place) for command in COMMANDS]
     return commands + _filter_entries(panel) + [Entry(OPTIONS.label, OPTIONS.run, None, OPTIONS.place)]
 
 
 def _filter_entries(panel):
-    """The switch of the display filter, for a viewport; the node plug-in brings the filter along when it is loaded."""
+    """The entry that switches the display filter of a viewport. There is none until the plug-in that registers it is
+    loaded."""
     try:
         panel = panel or cmds.getPanel(withFocus=True)
         if FILTER not in (cmds.pluginDisplayFilter(query=True, listFilters=True) or ()) or panel not in viewports():
             return []
         shown = bool(cmds.modelEditor(panel, query=True, queryPluginObjects=FILTER))
         return [Entry("Show trails in this viewport", callback(_show_trails, panel, not shown), shown, None)]
-    except Exception:  # One entry less, and not no menu.
-        log.exception("Display filters are not to be had:")
+    except Exception:  # The menu opens without this entry.
+        log.exception("The menu cannot show or hide trails, because Maya's display filters failed:")
         return []
 
 
@@ -52,7 +54,7 @@ def _show_trails(panel, shown):
 
 
 def _qt():
-    """The parts of Qt that Maya brings along, under the name that its version has for them; None without Qt."""
+    """Maya's modules QtGui and QtWidgets, which its versions have in different packages; None without Qt."""
     for package in ("PySide6", "PySide2"):
         try:
             gui = __import__(package + ".QtGui", fromlist=["QCursor"])
@@ -64,13 +66,13 @@ def _qt():
 
 
 def show_trail_mini_menu():
-    """The menu at the cursor. Maya's own commands cannot open one there, so Qt does; without it, a small window."""
+    """Opens the menu at the cursor, through Qt, because Maya's commands cannot; without Qt, a small window."""
     attempt(_show_menu)
 
 
 def _show_menu():
     if cmds.about(batch=True):
-        tell("The menu needs Maya's window.")
+        tell("The menu needs Maya's window. In batch mode, call the functions of Vantorelix_engine.")
         return
     qt = _qt()
     if qt:
@@ -104,13 +106,13 @@ def _show_window():
 
 
 def _run_and_show(run):
-    """After a choice that moves the marks."""
+    """Runs a command and then shows its new mark."""
     run()
-    cmds.evalDeferred(callback(_show_window))  # Not at once: the window would be deleted under its own callback.
+    cmds.evalDeferred(callback(_show_window))  # Deferred, because a window must not be deleted during its own callback.
 
 
 def fill(menu, panel):
-    """Makes the items of the popup menu of a viewport anew."""
+    """Replaces the items of the popup menu of a viewport."""
     cmds.popupMenu(menu, edit=True, deleteAllItems=True)
     for entry in entries(panel):
         flags = {"label": entry.label, "command": entry.run, "parent": menu}

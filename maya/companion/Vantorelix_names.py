@@ -1,13 +1,13 @@
-"""Trails of objects in namespaces, whichever namespace is current.
+"""Names the trails of objects in namespaces, whichever namespace is current.
 
-The engine names a trail after its object. The one of `char:ctrl` is `vlx_char:ctrl_viz`, in a namespace `vlx_char` that
-only trails have, and it is looked for from the root, as Maya looks for every name. A new name, though, leads below the
-current namespace, and what Maya makes of a namespace in it depends on the command. So new names go to Maya from the
-root, with a colon in front: they are then found again, and no two objects share one. Namespaces that were left empty
-are removed with the trails.
+The engine names a trail after its object. The trail of `char:ctrl` is `vlx_char:ctrl_viz`, in a namespace `vlx_char`
+that holds nothing but trails. Maya looks existing names up from the root, but puts new names below the current
+namespace, and reads a namespace in a new name differently from command to command. So new names are passed to Maya with
+a colon in front, which means the root: then the engine finds its nodes again, and no two objects share a name.
+Namespaces that become empty are removed with the trails.
 """
 
-PREFIX = "vlx_"  # of every name that the engine gives to a trail
+PREFIX = "vlx_"  # begins every name that the engine gives to a trail
 
 
 def _from_root(name):
@@ -16,18 +16,18 @@ def _from_root(name):
 
 def _remove_empty_namespaces(cmds):
     found = cmds.namespaceInfo(":", listOnlyNamespaces=True, recurse=True, absoluteName=True) or ()
-    for namespace in sorted(map(_from_root, found), reverse=True):  # those inside another come before it
+    for namespace in sorted(map(_from_root, found), reverse=True):  # inner ones first
         if not namespace.startswith(_from_root(PREFIX)):
             continue
         try:
             if not cmds.namespaceInfo(namespace, listNamespace=True):
                 cmds.namespace(removeNamespace=namespace)
         except RuntimeError:
-            pass  # It is the current one, or belongs to a reference: it stays, and what was asked for is done.
+            pass  # It is the current namespace, or belongs to a reference: it stays.
 
 
 def commands(engine, cmds):
-    """What is not a call of the engine's about a trail goes to Maya as it comes."""
+    """Calls that are not about a trail go to Maya unchanged."""
     def createNode(*kind, **flags):
         if kind == (engine.NODE_TYPE,) and "name" in flags:
             remove_former(flags["name"])
@@ -35,7 +35,7 @@ def commands(engine, cmds):
         return cmds.createNode(*kind, **flags)
 
     def remove_former(shape):
-        """A trail that bears another name above its shape, as versions before this one may have given it."""
+        """Deletes the trail of that shape, whose transform may have another name from an earlier version."""
         for former in cmds.ls(_from_root(shape), type=engine.NODE_TYPE) or ():
             delete(cmds.listRelatives(former, parent=True, fullPath=True)[0])
 

@@ -28,7 +28,7 @@ def _show_mode(name, label, value):
     cmds.optionMenu(name, label=label)
     for mode in MODES:
         cmds.menuItem(label=mode)
-    # A mode that has no name is drawn as the first one; that is what the menu shows, too.
+    # A number that is no mode is drawn as the first mode, so the menu shows that one.
     cmds.optionMenu(name, edit=True, select=value + 1 if 0 <= value < len(MODES) else 1)
 
 
@@ -39,7 +39,7 @@ def _kinds():
             "mode": (_show_mode, lambda name: cmds.optionMenu(name, query=True, select=True) - 1)}
 
 
-# The engine's name of the preference, the label and the kind of control.
+# The engine's name of each preference, its label, and the kind of its control.
 PREFERENCES = (("samples", "Samples per frame", "samples"), ("line_width", "Line width", "size"),
                ("point_size", "Dot size", "size"), ("show_line", "Show line", "switch"),
                ("show_dots", "Show dots", "switch"), ("xray", "Ghost (draw through geometry)", "switch"),
@@ -51,7 +51,7 @@ def control_of(preference):
 
 
 def show_options():
-    """The window with every preference; nothing is stored before one of its buttons says so."""
+    """Opens the window with every preference. Only its Apply buttons store anything."""
     attempt(_show_options)
 
 
@@ -72,7 +72,8 @@ def _show_options():
 
 
 def apply_options():
-    """Stores what the window shows, and brings the trails in line. They are sampled anew only at another density."""
+    """Stores what the window shows and applies it to the trails, which are sampled again only if that number
+    changed."""
     kinds = _kinds()
     density = engine._get_pref_samples()
     for preference, _label, kind in PREFERENCES:

@@ -8,12 +8,12 @@ from Vantorelix_commands import TITLE, attempt, gesture, log, tell
 from Vantorelix_gestures import LEFT, action_of
 
 SHELVES = "ShelfLayout"
-# Text, and the same for ever: Maya stores it with the shelf, and the button is found again by it.
+# This text must never change: Maya saves it with the shelf, and the button is recognised by it.
 SHELF_COMMAND = "import Vantorelix; Vantorelix.shelf_clicked()"
 
 
 def shelf_clicked():
-    """A click on the shelf button is the left button's gesture, with the modifier that is held."""
+    """Runs the gesture of the left mouse button with the modifiers that are held."""
     attempt(gesture, action_of(LEFT, cmds.getModifiers()))
 
 
@@ -22,7 +22,7 @@ def _children(shelf):
 
 
 def _saved_with_button(shelf):
-    """Whether a file of this shelf, as Maya has saved it, has the button."""
+    """Whether the button is in a file that Maya has saved for this shelf."""
     for folder in cmds.internalVar(userShelfDir=True).split(os.pathsep):
         try:
             with open(os.path.join(folder, "shelf_{0}.mel".format(shelf)), "rb") as file:
@@ -34,22 +34,24 @@ def _saved_with_button(shelf):
 
 
 def _select_tab(shelf):
-    """Opens a tab as a click of the user's does. The command alone would not run what Maya makes the buttons with."""
+    """Opens a tab as a click does. Selecting it alone would not run the command with which Maya makes its buttons."""
     cmds.shelfTabLayout(SHELVES, edit=True, selectTab=shelf)
     try:
         mel.eval(cmds.shelfTabLayout(SHELVES, query=True, changeCommand=True))
-    except Exception:  # Then a button may be missed: no reason not to go on.
-        log.warning("The shelf %s cannot be opened:", shelf, exc_info=True)
+    except Exception:  # A button may be overlooked; the rest still works.
+        log.warning("The shelf %s cannot be opened, so a button on it may be missed:", shelf, exc_info=True)
 
 
 def _open_saved_tabs():
-    """Maya makes the buttons of a tab when it is opened first: opens the tabs that have ours in their file."""
+    """Opens the tabs whose file has our button, because Maya makes the buttons of a tab only when it is first
+    opened."""
     selected = cmds.shelfTabLayout(SHELVES, query=True, selectTab=True)
     for shelf in _shelves():
         if not _children(shelf) and _saved_with_button(shelf):
             _select_tab(shelf)
             if not _children(shelf):
-                log.warning("The shelf %s is saved with a button of Vantorelix, but has none now.", shelf)
+                log.warning("The shelf %s was saved with a button of Vantorelix, but shows none. Open it and look.",
+                            shelf)
     if cmds.shelfTabLayout(SHELVES, query=True, selectTab=True) != selected:
         _select_tab(selected)
 
@@ -68,12 +70,13 @@ def _shelf_buttons():
 def add_shelf_button():
     """Puts the button on the shelf that is open, unless one of the shelves has it already."""
     if not cmds.shelfTabLayout(SHELVES, exists=True):
-        tell("There is no shelf to put a button on.")
+        tell("There is no shelf to put a button on. Show Maya's shelves and try again.")
         return
     if _shelf_buttons():
         return
     cmds.shelfButton(parent=cmds.shelfTabLayout(SHELVES, query=True, selectTab=True), label=TITLE,
-                     annotation="Motion trail of the selection. Ctrl: to NURBS. Shift: clear. Right click: the menu.",
+                     annotation="Motion trails of the selection. Ctrl: NURBS curves. Shift: clear all trails. "
+                                "Right click: menu.",
                      image="motionTrail.png", imageOverlayLabel="VLX", sourceType="python", command=SHELF_COMMAND,
                      menuItem=[("Trail menu", "import Vantorelix; Vantorelix.show_trail_mini_menu()"),
                                ("Trail options", "import Vantorelix; Vantorelix.show_options()")],

@@ -1,51 +1,51 @@
-"""Makes trails live again that come back when something is undone or done again.
+"""Makes trails follow edits again when an undo or redo brings them back.
 
-The engine's registry is not part of Maya's undo queue: after undoing a clear, or redoing a creation, the nodes of a trail
-are back, and the engine does not know them. So what the registry held for them is kept here, beside a handle of the
-node, which holds for one node alone whatever its name, for as long as Maya could bring that node back. After each undo
-and redo the registry is made to fit the scene.
+The engine's registry is not part of Maya's undo queue. When clearing trails is undone, or creating them is redone,
+their nodes are back, but the engine does not know them. So this module keeps what the registry had for each trail, as
+long as Maya could bring its node back. It recognises the node by a handle, which stays valid whatever the node is
+called. After each undo and redo it makes the registry agree with the scene.
 """
 
 
 class _Trail(object):
-    """One that the engine has or had: its key in the registry, its settings, which are the registry's own, its node."""
+    """A trail that the engine has or had: its key in the registry, its settings (the registry's own), and its node."""
 
     def __init__(self, key, settings, node):
         self.key, self.settings = key, settings
         self.handle = _engine.om.MObjectHandle(node)
-        self.gone = False  # its node was not in the scene at some time
-        self.told = False  # that it is back, but cannot live
+        self.gone = False  # its node has left the scene
+        self.told = False  # the user knows that it is back but cannot follow edits
 
     def is_here(self):
         return self.handle.isValid()
 
-    def can_live(self):
+    def can_follow_edits(self):
         return _node(self.key) == self.handle.object() and _node(self.settings.get("source")) is not None
 
 
 def _node(name):
-    """The one node of that name; None where there is none, or several."""
+    """The node of that name; None if there is none, or more than one."""
     found = _engine.om.MSelectionList()
     try:
         found.add(name)
-    except Exception:  # Not there, or no name: the registry is open to scripts.
+    except Exception:  # There is no such node, or a script has put something else than a name into the registry.
         return None
     return found.getDependNode(0) if found.length() == 1 else None
 
 
 _trails = []
-_events = []  # identifiers of the callbacks
+_events = []  # the identifiers of our callbacks
 _engine = None
 
 
 def look():
-    """To be called when nodes may have gone."""
+    """Must be called when nodes may have been deleted."""
     for trail in _trails:
         trail.gone = trail.gone or not trail.is_here()
 
 
 def note():
-    """To be called when the engine may have other trails than before."""
+    """Must be called when the engine may have new trails."""
     look()
     registry, known = _engine._REGISTRY, {trail.key for trail in _trails if not trail.gone}
     fresh = [_Trail(key, registry[key], _node(key)) for key in registry if key not in known and _node(key) is not None]
@@ -61,7 +61,7 @@ def _watch():
 
 
 def _settle(*_ignored):
-    """Runs inside Maya's callback, so it asks and queues but edits nothing itself."""
+    """Runs inside a callback of Maya's, so it only reads the scene and queues a rebuild."""
     registry = _engine._REGISTRY
     for trail in _trails:
         if not trail.is_here():
@@ -69,22 +69,27 @@ def _settle(*_ignored):
                 registry.pop(trail.key, None)
             trail.gone, trail.told = True, False
     back = [trail for trail in _trails if trail.gone and trail.is_here()]
-    living = [trail for trail in back if trail.can_live()]
-    for trail in living:
+    following = [trail for trail in back if trail.can_follow_edits()]
+    for trail in following:
         registry[trail.key] = trail.settings
         trail.gone = trail.told = False
-    if living:
+    if following:
         _engine._ensure_callback()
         _engine._schedule_rebuild()
     _tell([trail for trail in back if trail.gone and not trail.told])
+
+
+def _names(trails):
+    """The first names, as many as a message has room for."""
+    return ", ".join([str(trail.key) for trail in trails[:3]] + ["..."] * (len(trails) > 3))
 
 
 def _tell(trails):
     for trail in trails:
         trail.told = True
     if trails:
-        _engine._msg("{0} trail(s) came back, but do not follow edits, as what they are of is not there. "
-                     "Build them again when it is.".format(len(trails)))
+        _engine._msg("{0} trail(s) came back, but do not follow edits, because their objects are missing: {1}. Build "
+                     "them again when the objects are back.".format(len(trails), _names(trails)))
 
 
 def commands(engine, cmds):
@@ -96,10 +101,11 @@ def commands(engine, cmds):
             result = getattr(cmds, command)(*arguments, **flags)
             try:
                 watch()
-            except Exception as error:  # The engine's own call has done its work.
-                cmds.warning("Vantorelix does not keep these trails for undo: {0}".format(error))
+            except Exception as error:  # The engine's own call has succeeded.
+                cmds.warning("Trails that an undo brings back will not follow edits: {0}. Build them again then."
+                             .format(error))
             return result
         return call
 
-    # The engine draws anew at the end of each command that makes trails, and of each rebuild.
+    # The engine refreshes the viewports at the end of each command that makes trails, and of each rebuild.
     return {"refresh": after("refresh", note), "delete": after("delete", look)}

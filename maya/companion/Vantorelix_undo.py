@@ -1,8 +1,8 @@
-"""Keeps the animator's undo queue to what the animator did.
+"""Keeps everything but the animator's own actions out of Maya's undo queue.
 
-A rebuild sets two attributes of each trail. Recorded, they would have to be undone first, and would take away what can
-be redone. So while a rebuild runs, `setAttr` and nothing else is done with recording switched off: whatever makes,
-deletes, names or moves a node stays recorded, as an undo across such a thing would find another scene than it left.
+A rebuild sets two attributes of each trail. If these were recorded, the animator would have to undo them first, and
+would lose what can be redone. So while a rebuild runs, `setAttr` is called with recording switched off. Every other
+command stays recorded: an undo must not meet nodes that were made, deleted, renamed or moved without a record.
 """
 
 import contextlib
@@ -10,7 +10,7 @@ import contextlib
 
 @contextlib.contextmanager
 def step(cmds, name):
-    """What is done inside is one entry of the undo queue, under that name."""
+    """Everything done inside is one entry of the undo queue, under that name."""
     cmds.undoInfo(openChunk=True, chunkName=name)
     try:
         yield
@@ -19,7 +19,7 @@ def step(cmds, name):
 
 
 def _unrecorded(cmds, function, *arguments, **flags):
-    """A call that leaves no entry. Where the animator has undo switched off, it stays off."""
+    """Calls a function without an entry in the undo queue. If the animator has switched undo off, it stays off."""
     if not cmds.undoInfo(query=True, state=True):
         return function(*arguments, **flags)
     try:
@@ -30,9 +30,9 @@ def _unrecorded(cmds, function, *arguments, **flags):
 
 
 def commands(engine, cmds):
-    """The engine defers nothing but steps of a rebuild. One that is made at once, inside a callback or where nothing
-    can be deferred, goes by the engine's own flag."""
-    steps = []  # those that are running
+    """Recognises a rebuild by two signs: the engine defers nothing but its steps, and sets a flag of its own while it
+    rebuilds everything at once."""
+    steps = []  # the steps that are running
 
     def evalDeferred(script, **flags):
         def run():

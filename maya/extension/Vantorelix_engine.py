@@ -5,9 +5,9 @@ Trails of the selected objects:
     import Vantorelix_engine
     Vantorelix_engine.create_trail()
 
-The engine itself is compiled and lies beside this file. Reloading the module starts it anew: trails that are in the
-scene stay there, but no longer follow edits. Where `Vantorelix_layer` is on the path, its commands stand in front of
-Maya's; this file and the engine are all that is needed without it.
+The engine itself is compiled and lies beside this file. Reloading the module starts the engine again: trails that are
+in the scene stay there, but no longer follow edits. If `Vantorelix_layer` is on the path, its commands are put in front
+of Maya's; without it, this file and the engine are all that is needed.
 """
 
 import os

@@ -1,6 +1,6 @@
-# What the compiled engine gives a script: for editors and type checkers.
+# The functions and variables of the compiled engine, for editors and type checkers.
 #
-# A class, or a name bound without an annotation, is of this description only; the module has everything else.
+# The classes below, and names without an annotation, exist only in this description; the module has everything else.
 
 from types import ModuleType
 from typing import (Any, Callable, Iterator, List, Mapping, MutableMapping, Optional, Sequence, SupportsFloat,
@@ -30,7 +30,7 @@ __all__ = [
 _Vector = Tuple[float, float, float]
 _Vectors = Sequence[Sequence[float]]
 _Sampler = Callable[[float], _Vector]
-# A list of one number, kept by whoever has it, so that a trail keeps its scale.
+# A list of one number: the baseline spacing of a trail. Passing it again keeps the trail's scale of colours.
 _Reference = List[float]
 _TrailData = Tuple[List[_Vector], List[_Vector], List[_Vector], List[_Vector], List[float]]
 
@@ -57,7 +57,7 @@ class _Work(TypedDict):
     start: float
     end: float
 
-# What the engine calls; a script may bind something else to these names.
+# The modules and functions that the engine calls. A script may bind something else to these names.
 os: ModuleType
 sys: ModuleType
 time: Any
@@ -88,7 +88,7 @@ _SPACING_RED_MULT: float
 _VIEWPORT_TRAIL_FLAGS: Tuple[str, ...]
 _RAMP_STOPS: Sequence[Tuple[float, _Vector]]
 
-# The engine's state. What a script assigns is what the engine uses.
+# The engine's state. The engine uses what a script assigns here.
 _REGISTRY: MutableMapping[str, _Settings]
 _CB_ID: Any
 _REBUILDING: bool

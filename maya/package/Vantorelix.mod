@@ -1,5 +1,5 @@
-// Tells each version of Maya which folder holds the module that its Python can load. "./vantorelix" is relative to this
-// file. Folders named "plug-ins" are found by Maya itself.
+// Tells each version of Maya which folder has the module for its Python. "./vantorelix" is relative to this file. Maya
+// finds the folder "plug-ins" by itself.
 
 + MAYAVERSION:2022 PLATFORM:linux Vantorelix 1.4.0 ./vantorelix/contents
 PYTHONPATH+:=python-3.7

@@ -1,4 +1,4 @@
-"""Installs Vantorelix into Maya, checks it, and takes it away again.
+"""Installs Vantorelix into Maya, checks an installation, and removes it again.
 
 Drag this file into a viewport of Maya, or run it:
 
@@ -6,13 +6,13 @@ Drag this file into a viewport of Maya, or run it:
     python3 install_vantorelix.py --verify MODULES
     python3 install_vantorelix.py --uninstall MODULES
 
-With --quiet it is silent about what went well. Exit codes: 0 done (what had to be left is told on standard error);
-1 failed, or --verify found something wrong; 2 wrong arguments.
+With --quiet it prints only problems. Exit codes: 0 done (whatever had to be left is named on standard error); 1 failed,
+or --verify found something wrong; 2 wrong arguments.
 
 An installation is the folder "vantorelix" and, beside it, the file "Vantorelix.mod", without which Maya does not look
-into the folder. The new folder is copied and checked in a folder of another name first, and the one before it is kept
-there until the new one is in place, so that whatever goes wrong, either the old version or the new one is there as a
-whole. Maya reads every file in a folder of modules, whatever its name: so none but "Vantorelix.mod" is ever put there.
+into the folder. A folder of another name first gets the new version, which is checked there, and keeps the old version
+until the new one is in place. So whatever goes wrong, one of the two is installed completely. Maya reads every file in
+a folder of modules, whatever its name, so no other file than "Vantorelix.mod" is ever put there.
 """
 
 import glob
@@ -30,8 +30,8 @@ MANIFEST = "manifest.json"
 PLUGIN = "Vantorelix_plugin.py"
 PLUGIN_SOURCE = "contents/plug-ins/" + PLUGIN
 EARLIER_PLUGINS = "earlier-plugins.json"
-# How the names of folders begin that stand beside the final one, so that a rename is all that is left to do. Work holds
-# the version that comes and the one that goes; rubbish, nothing that anybody goes back to.
+# How the names of temporary folders begin. They lie beside the final folder, so that a rename puts a version in place.
+# A work folder holds the new version and the old one, and is needed to recover; a rubbish folder is only to be deleted.
 WORK, RUBBISH = ".vantorelix-work-", ".vantorelix-rubbish-"
 INCOMING, PREVIOUS = "incoming", "previous"
 WAITING = ".incoming"
@@ -43,7 +43,7 @@ class InstallError(Exception):
 
 
 def check_python():
-    """Maya 2022 may run this file in Python 2, which must be able to read it to tell."""
+    """Maya 2022 may run this file in Python 2, so all of it must parse there."""
     if sys.version_info[0] < 3:
         raise InstallError("Vantorelix needs Python 3; start Maya 2022 without MAYA_PYTHON_VERSION=2.")
 
@@ -57,17 +57,20 @@ def digest(path):
 
 
 def read_manifest(folder):
-    """The files that belong to the package with what they must be: path (with slashes) -> SHA-256 in hexadecimal."""
+    """The files of the package in `folder`: path (with slashes) -> SHA-256 in hexadecimal."""
+    manifest = os.path.join(folder, MANIFEST)
     try:
-        with open(os.path.join(folder, MANIFEST)) as file:
+        with open(manifest) as file:
             files = json.load(file)
     except (OSError, ValueError) as error:
-        raise InstallError("The package has no list of its files: {0}".format(error))
+        raise InstallError("The list of files {0} cannot be read: {1}. Unpack the package again."
+                           .format(manifest, error))
+    if not isinstance(files, dict) or PLUGIN_SOURCE not in files or DESCRIPTION not in files:
+        raise InstallError("{0} is not a package of Vantorelix. Unpack the package again.".format(folder))
     for path in files:
         if os.path.isabs(path) or ".." in path.split("/") or "\\" in path:
-            raise InstallError("The package names a file outside of it: {0}".format(path))
-    if not isinstance(files, dict) or PLUGIN_SOURCE not in files or DESCRIPTION not in files:
-        raise InstallError("The package is not one of Vantorelix.")
+            raise InstallError("{0} names a file outside of its folder: {1}. Get the package again from where it came "
+                               "from.".format(manifest, path))
     return files
 
 
@@ -75,12 +78,12 @@ def damages(folder, files):
     """A sentence for each of `files` that is missing in `folder` or not what it was."""
     found = []
     for path in sorted(files):
-        whole = os.path.join(folder, path)
+        installed = os.path.join(folder, path)
         try:
-            if digest(whole) != files[path]:
-                found.append("{0} is damaged.".format(whole))
+            if digest(installed) != files[path]:
+                found.append("{0} is damaged.".format(installed))
         except OSError as error:
-            found.append("{0} cannot be read: {1}.".format(whole, error.strerror))
+            found.append("{0} cannot be read: {1}.".format(installed, error.strerror))
     return found
 
 
@@ -94,7 +97,7 @@ def check_package(folder):
 
 
 def _beside_engine(files):
-    """Where the installed plug-in is, too: the engine looks beside itself first."""
+    """Paths at which the plug-in is installed as well, because the engine looks for it beside itself first."""
     folders = {os.path.dirname(path) for path in files if path.startswith("contents/python-")}
     return sorted(folder + "/" + PLUGIN for folder in folders)
 
@@ -103,7 +106,8 @@ def _beside_engine(files):
 
 
 def _folders(modules, patterns, variables):
-    """The folders that match in the user's folder of Maya, and those of environment variables, each once."""
+    """The folders that match a pattern in the user's folder of Maya or beside `modules`, and those that environment
+    variables list, each once."""
     home = os.environ.get("MAYA_APP_DIR") or os.path.join(os.path.expanduser("~"), "maya")
     found = [folder for above in (os.path.dirname(os.path.abspath(modules)), home) for pattern in patterns
              for folder in sorted(glob.glob(os.path.join(glob.escape(above), pattern)))]
@@ -132,16 +136,16 @@ def _names_vantorelix(path):
 
 
 def other_descriptions(modules):
-    """A sentence for each file that Maya reads as a description of modules and that names Vantorelix, beside ours."""
+    """A sentence for each file but ours that Maya reads as a description of modules and that names Vantorelix."""
     ours = os.path.realpath(os.path.join(modules, DESCRIPTION))
     name = glob.escape(os.path.basename(os.path.abspath(modules)))
     files = _files_in(_folders(modules, [name, "modules", "*/modules"], ["MAYA_MODULE_PATH"]))
-    return ["{0} names the module Vantorelix, too; Maya reads every file of that folder. Move it away.".format(path)
+    return ["{0} also names the module Vantorelix, and Maya reads every file in that folder. Move it away.".format(path)
             for path in files if os.path.realpath(path) != ours and _names_vantorelix(path)]
 
 
 def other_copies(modules, files):
-    """The files of Vantorelix where Maya finds plug-ins and scripts, beside the installed ones: (right, wrong)."""
+    """Other files of Vantorelix where Maya finds plug-ins and scripts: (equal to an installed file, different)."""
     final = os.path.realpath(os.path.join(modules, FOLDER)) + os.sep
     installed = {}
     for path in files:
@@ -156,10 +160,11 @@ def other_copies(modules, files):
 
 
 def verify(modules):
-    """How many files were looked at, all as they should be; InstallError names everything that is not."""
+    """The number of files that were checked; InstallError names everything that is wrong."""
     final = os.path.join(modules, FOLDER)
     if not os.path.isdir(final):
-        interrupted = "".join(" {0} is left of an interrupted installation.".format(w) for w in _beside(modules, WORK))
+        interrupted = "".join(" {0} is left over from an interrupted installation.".format(work)
+                              for work in _beside(modules, WORK))
         raise InstallError("Vantorelix is not installed in {0}.{1} Install it.".format(modules, interrupted))
     files = read_manifest(final)
     wanted = dict(files, **{path: files[PLUGIN_SOURCE] for path in _beside_engine(files)})
@@ -168,7 +173,7 @@ def verify(modules):
     if problems:
         problems.append("Install Vantorelix again.")
     problems += other_descriptions(modules)
-    problems += ["{0} is not the one that is installed, and Maya may take it instead. Move it away.".format(path)
+    problems += ["{0} differs from the installed file, and Maya may load it instead. Move it away.".format(path)
                  for path in wrong]
     if problems:
         raise InstallError("\n".join(problems))
@@ -179,7 +184,7 @@ def verify(modules):
 
 
 def _known_plugins(folder):
-    """The SHA-256 of the plug-in of the installation in `folder`, and of all that were installed before it."""
+    """The SHA-256 of the plug-in that is installed in `folder`, and of those that were installed there before."""
     known = set()
     try:
         with open(os.path.join(folder, EARLIER_PLUGINS)) as file:
@@ -201,7 +206,7 @@ def _remove(path):
 def _treat_copies(modules, known, treat):
     """Calls `treat` with each copy of one of the `known` plug-ins in Maya's plug-in folders.
 
-    Gives a sentence for each copy that is left. One that somebody has changed is not ours to touch.
+    Returns a sentence for each copy that is left. A copy that somebody has changed is left on purpose.
     """
     left = []
     for folder in _folders(modules, ["*/plug-ins"], []):
@@ -213,17 +218,17 @@ def _treat_copies(modules, known, treat):
             if digest(copy) in known:
                 treat(copy)
             else:
-                left.append("{0} was left: it is not a copy that is known here; somebody may have changed it. Maya may load "
-                            "it instead of an installed one, and the engine overwrites it where it is older: move it "
-                            "away.".format(copy))
+                left.append("{0} was left: it is not a copy that Vantorelix made; somebody may have changed it. Maya "
+                            "may load it instead of the installed plug-in, and the engine overwrites it if it is "
+                            "older. Move it away.".format(copy))
         except OSError as error:
-            left.append("{0} was left: {1}. Maya may load it instead of an installed one: delete it."
+            left.append("{0} was left: {1}. Maya may load it instead of the installed plug-in. Delete it."
                         .format(copy, error.strerror))
     return left
 
 
 def _replace(source, path):
-    """At no time is a part of a file to be found at `path`, nor one more plug-in beside it."""
+    """At no time is there a part of a file at `path`, and what is beside it meanwhile is not named like a plug-in."""
     try:
         shutil.copy2(source, path + WAITING)
         os.replace(path + WAITING, path)
@@ -231,7 +236,7 @@ def _replace(source, path):
         _remove(path + WAITING)
 
 
-# Installing and taking away -------------------------------------------------------------------------------------------
+# Installing and uninstalling ------------------------------------------------------------------------------------------
 
 
 def _copy(package, files, target):
@@ -243,11 +248,11 @@ def _copy(package, files, target):
 
 
 def _prepare(package, folder, earlier):
-    """Makes all of an installation in `folder`."""
+    """Makes a complete installation in `folder`."""
     _copy(package, read_manifest(package), folder)
     files = check_package(folder)
     source = os.path.join(folder, PLUGIN_SOURCE)
-    os.utime(source, None)  # A plug-in of now: the engine replaces the copies that it made of an older one.
+    os.utime(source, None)  # Dated now: the engine replaces its copies of a plug-in that is older.
     for path in _beside_engine(files):
         shutil.copy2(source, os.path.join(folder, path))
     with open(os.path.join(folder, EARLIER_PLUGINS), "w") as file:
@@ -255,22 +260,22 @@ def _prepare(package, folder, earlier):
 
 
 def _clean(modules):
-    """Deletes work that is done with, and rubbish; a sentence for each folder that cannot be deleted."""
+    """Deletes work folders that are not needed any more, and rubbish; a sentence for each that cannot be deleted."""
     left = []
     for folder in _beside(modules, WORK) + _beside(modules, RUBBISH):
         rubbish = os.path.join(modules, os.path.basename(folder).replace(WORK, RUBBISH))
         try:
-            os.rename(folder, rubbish)  # First: a version that is half deleted is none to go back to.
+            os.rename(folder, rubbish)  # First: nobody may go back to a version that is half deleted.
             shutil.rmtree(rubbish)
         except OSError as error:
             remains = rubbish if os.path.isdir(rubbish) else folder
-            left.append("{0} is not needed any more but could not be deleted: {1}. Delete it when no Maya runs."
+            left.append("{0} is not needed any more but could not be deleted: {1}. Delete it when no Maya is running."
                         .format(remains, error.strerror))
     return left
 
 
 def _recover(modules):
-    """Ends what an interrupted installation left: the previous version is there again, unless the new one is."""
+    """Ends an interrupted installation: the previous version is put back, unless the new one is in place already."""
     final = os.path.join(modules, FOLDER)
     for work in _beside(modules, WORK):
         incoming, previous, waiting = (os.path.join(work, name) for name in (INCOMING, PREVIOUS, DESCRIPTION))
@@ -283,11 +288,11 @@ def _recover(modules):
 
 def _check_ours(final):
     if os.path.lexists(final) and not os.path.isfile(os.path.join(final, MANIFEST)):
-        raise InstallError("{0} is there, but not from this installer. Move it away first.".format(final))
+        raise InstallError("{0} exists, but this installer did not make it. Move it away first.".format(final))
 
 
 def _put_in_place(package, modules, earlier):
-    """All or nothing: after a failure the version that was there is there again."""
+    """After a failure the previous version is in place again."""
     final, work, placed = os.path.join(modules, FOLDER), tempfile.mkdtemp(prefix=WORK, dir=modules), False
     incoming, previous, waiting = (os.path.join(work, name) for name in (INCOMING, PREVIOUS, DESCRIPTION))
     try:
@@ -306,9 +311,9 @@ def _put_in_place(package, modules, earlier):
 
 
 def install(package, modules):
-    """Installs the package in the folder `package` among `modules`; makes that folder where it is missing.
+    """Installs the package in the folder `package` into the folder `modules`, which is made if it is missing.
 
-    Gives a sentence for each thing that had to be left; the installation is whole all the same.
+    Returns a sentence for each thing that could not be replaced or deleted; the installation is complete all the same.
     """
     check_package(package)
     if not os.path.isdir(modules):
@@ -325,9 +330,10 @@ def install(package, modules):
 
 
 def uninstall(modules):
-    """Takes everything away that `install` made, and what the engine copied into Maya's plug-in folders.
+    """Deletes everything that `install` made, and what the engine copied into Maya's plug-in folders.
 
-    None if nothing was installed, else a sentence for each thing that had to be left. The user's preferences stay.
+    Returns None if nothing was installed, else a sentence for each thing that had to be left. The user's preferences
+    stay.
     """
     final, description = os.path.join(modules, FOLDER), os.path.join(modules, DESCRIPTION)
     _recover(modules)
@@ -342,6 +348,14 @@ def uninstall(modules):
 
 
 # For people -----------------------------------------------------------------------------------------------------------
+
+
+def explain(error):
+    """What to tell the user about an error. Ours say what to do; for the system's, this adds it."""
+    if isinstance(error, OSError) and error.filename is not None:
+        return "{0}: {1}. Check that you may write there and that the disk has room, then try again.".format(
+            error.filename, error.strerror)
+    return str(error)
 
 
 def onMayaDroppedPythonFile(*_ignored):
@@ -367,13 +381,13 @@ def onMayaDroppedPythonFile(*_ignored):
             else:
                 tell("Vantorelix is removed. It stays in this Maya until you start Maya again.", left)
     except Exception as error:
-        tell("That did not work:\n{0}".format(error))
+        tell("Vantorelix could not be installed or uninstalled:\n{0}".format(explain(error)))
     finally:
-        sys.modules.pop(__name__, None)  # So that a newer installer, dropped later, is not taken for this one.
+        sys.modules.pop(__name__, None)  # Otherwise Maya would run this one again for a newer installer.
 
 
 def run(chosen):
-    """What the command line asks for: (what went well, what had to be left)."""
+    """Does what the command line asks for: (what to print, sentences about what had to be left)."""
     check_python()
     if chosen.uninstall:
         left = uninstall(chosen.modules)
@@ -389,14 +403,15 @@ def main(arguments):
     parser = argparse.ArgumentParser(description="Installs Vantorelix into Maya.")
     parser.add_argument("modules", metavar="MODULES", help="Maya's folder of modules, such as ~/maya/modules")
     what = parser.add_mutually_exclusive_group()
-    what.add_argument("--uninstall", action="store_true", help="take Vantorelix away again")
-    what.add_argument("--verify", action="store_true", help="check what is installed, and what Maya reads beside it")
-    parser.add_argument("--quiet", action="store_true", help="say nothing of what went well")
+    what.add_argument("--uninstall", action="store_true", help="remove Vantorelix")
+    what.add_argument("--verify", action="store_true",
+                      help="check the installed files, and look for others that Maya would load instead")
+    parser.add_argument("--quiet", action="store_true", help="print only problems")
     chosen = parser.parse_args(arguments)
     try:
         done, left = run(chosen)
     except (InstallError, OSError) as error:
-        sys.exit("install_vantorelix: {0}".format(error))
+        sys.exit("install_vantorelix: {0}".format(explain(error)))
     if not chosen.quiet:
         print(done)
     for sentence in left:

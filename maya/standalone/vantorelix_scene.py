@@ -3,8 +3,9 @@
     PYTHONPATH=build/standalone-python:build/module-3.11 python3.11 -m vantorelix_scene SCENE SCRIPT.py [ARG...]
 
 The script finds the scene open, `maya` and `Vantorelix_engine` importable, and its arguments in sys.argv as usual.
-Deferred calls run when the script says so, with maya.utils.processIdleEvents(). Exit codes: that of the script; 1 for
-an error in it, in a callback or in a deferred call, each with its traceback; 2 when there is nothing to run.
+Deferred calls run when the script calls maya.utils.processIdleEvents(). The exit code is that of the script; it is 1
+after an error in the script, in a callback or in a deferred call, each with its traceback, and 2 when the scene or the
+script cannot be opened.
 """
 
 import argparse
@@ -19,10 +20,10 @@ def _arguments(given):
         usage="%(prog)s [-h] [--batch] SCENE SCRIPT.py [ARG...]",
         description="Runs a Python script on a scene: the script finds the scene open and the package maya importable.",
     )
-    parser.add_argument("--batch", action="store_true", help="as an application without an interface")
-    parser.add_argument("scene", metavar="SCENE", help="a .ma or .bvh file")
+    parser.add_argument("--batch", action="store_true", help="run as Maya's batch mode would")
+    parser.add_argument("scene", metavar="SCENE", help="the scene: .ma, .fbx, .gltf, .glb or .bvh")
     parser.add_argument("script", metavar="SCRIPT.py", help="the script to run")
-    parser.add_argument("rest", metavar="ARG", nargs=argparse.REMAINDER, help="for the script, in its sys.argv")
+    parser.add_argument("rest", metavar="ARG", nargs=argparse.REMAINDER, help="arguments for the script (sys.argv)")
     arguments = parser.parse_args(given)
     for path in (arguments.scene, arguments.script):
         if not os.path.exists(path):

@@ -107,6 +107,7 @@ class ComeBack(LayerTest):
         self.cmds.undo()
         self.assertEqual(len(self.told), 2)
         self.assertIn("1 trail(s) came back", self.told[1])
+        self.assertRegex(self.told[1], r"objects are missing: vlx_ball[12]_viz\.")
         self.assertEqual(list(self.engine._REGISTRY), ["vlx_ball0_viz"])
         self.cmds.undo()
         self.pump()

@@ -50,12 +50,12 @@ class Hotkeys(MenuTest):
     def test_an_error_is_told_and_not_raised(self):
         self.engine.clear_trails = mock.Mock(side_effect=RuntimeError("the group is locked"))
         self.press("VantorelixClearTrails")
-        self.assertEqual(self.told, ["RuntimeError: the group is locked"])
+        self.assertEqual(self.told, ["RuntimeError: the group is locked. See the Script Editor for details."])
 
     def test_a_name_that_is_not_one_of_them_is_refused_with_those_that_are(self):
         with self.assertRaises(ValueError) as caught:
             self.menu.run_command("VantorelixFly")
-        self.assertIn("'VantorelixFly' is not a command of Vantorelix; these are: VantorelixBuildTrail",
+        self.assertIn("'VantorelixFly' is not a command of Vantorelix; its commands are: VantorelixBuildTrail",
                       str(caught.exception))
 
     def test_a_maya_that_refuses_them_does_not_keep_the_rest_away(self):
@@ -130,10 +130,11 @@ class Log(MenuTest):
 
     def test_an_error_leaves_one_message_and_its_traceback_in_the_log(self):
         self.break_and_clear()
-        self.assertEqual(self.told, ["RuntimeError: the group is locked"])
+        self.assertEqual(self.told, ["RuntimeError: the group is locked. See the Script Editor for details."])
         message, *record = self.printed.getvalue().splitlines()
-        self.assertEqual(message, "[Vantorelix] RuntimeError: the group is locked")
-        self.assertEqual(record[:2], ["[Vantorelix] ERROR: Where that came from:", "Traceback (most recent call last):"])
+        self.assertEqual(message, "[Vantorelix] RuntimeError: the group is locked. See the Script Editor for details.")
+        self.assertEqual(record[:2], ["[Vantorelix] ERROR: Details of the error:",
+                                      "Traceback (most recent call last):"])
 
     def test_nothing_reaches_the_loggers_above(self):
         above = []
@@ -149,7 +150,7 @@ class Log(MenuTest):
     def test_loaded_again_it_says_nothing_twice(self):
         self.menu = load_companion("Vantorelix")
         self.break_and_clear()
-        self.assertEqual(self.printed.getvalue().count("Where that came from:"), 1)
+        self.assertEqual(self.printed.getvalue().count("Details of the error:"), 1)
 
     def test_a_studio_s_handler_outlives_a_reload(self):
         theirs = logging.NullHandler()

@@ -115,7 +115,7 @@ class Gestures(MenuTest):
         self.menu.bind_gestures()
         self.engine.pellark_entry = mock.Mock(side_effect=RuntimeError("locked"))
         self.ui.click(1)
-        self.assertEqual(self.told, ["RuntimeError: locked"])
+        self.assertEqual(self.told, ["RuntimeError: locked. See the Script Editor for details."])
 
 
 if __name__ == "__main__":

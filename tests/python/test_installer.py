@@ -92,16 +92,17 @@ class Damage(InstallerTest):
 
     def test_a_package_without_its_list_is_refused(self):
         os.remove(os.path.join(self.package, "manifest.json"))
-        self.expect_refused("no list")
+        self.expect_refused(r"list of files .*manifest.json cannot be read")
 
     def test_a_list_of_something_else_is_refused(self):
-        write(os.path.join(self.package, "manifest.json"), json.dumps([PLUGIN, "Vantorelix.mod"]))
-        self.expect_refused("not one of Vantorelix")
+        for content in ([PLUGIN, "Vantorelix.mod"], 5, {"a": "00"}):
+            write(os.path.join(self.package, "manifest.json"), json.dumps(content))
+            self.expect_refused("not a package of Vantorelix")
 
     def test_paths_out_of_the_package_are_refused(self):
         for path in ("../elsewhere", os.path.abspath(os.sep + "elsewhere"), "contents/../../elsewhere",
                      "..\\elsewhere"):
-            write(os.path.join(self.package, "manifest.json"), json.dumps({path: "00"}))
+            write(os.path.join(self.package, "manifest.json"), json.dumps({path: "00", PLUGIN: "00", "Vantorelix.mod": "00"}))
             self.expect_refused("outside")
 
 
@@ -267,7 +268,7 @@ class Killed(Interrupting):
     def test_checking_tells_of_an_interruption(self):
         self.install()
         self.assertEqual(self.kill_at("os", "rename", 2), 9)
-        self.assertRaisesRegex(self.installer.InstallError, "not installed in .* left of an interrupted installation",
+        self.assertRaisesRegex(self.installer.InstallError, "not installed in .* left over from an interrupted installation",
                                self.installer.verify, self.modules)
 
 
@@ -324,6 +325,10 @@ class Dropped(InstallerTest):
     def test_an_error_is_told_and_not_raised(self):
         write(os.path.join(self.package, PLUGIN), "changed")
         self.assertIn("damaged", self.drop("Install")[-1])
+
+    def test_an_error_of_the_system_names_the_file_and_what_to_check(self):
+        write(self.modules, "a file where the folder of modules should be")
+        self.assertRegex(self.drop("Install")[-1], re.escape(self.modules) + ".*: .*Check that you may write there")
 
 
 class CommandLine(InstallerTest):

@@ -117,7 +117,7 @@ class Checking(InstallerTest):
         for path in (os.path.join(self.modules, "Vantorelix.mod.bak"), os.path.join(self.modules, ".Vantorelix.mod"),
                      os.path.join(self.maya, "2025", "modules", "x"), os.path.join(elsewhere, "y.mod")):
             write(path, description)
-            self.assert_found(path, "names the module Vantorelix, too")
+            self.assert_found(path, "also names the module Vantorelix")
             self.assertEqual([line for line in self.install() if line.startswith(path + " ")],
                              [line for line in self.problems() if line.startswith(path + " ")])
             os.remove(path)
@@ -136,7 +136,7 @@ class Checking(InstallerTest):
         self.installer.install(self.package, modules)
         self.installer.verify(modules)
         shutil.copy(os.path.join(modules, "Vantorelix.mod"), os.path.join(modules, "Vantorelix.old"))
-        self.assertRaisesRegex(self.installer.InstallError, "Vantorelix.old names", self.installer.verify, modules)
+        self.assertRaisesRegex(self.installer.InstallError, "Vantorelix.old also names", self.installer.verify, modules)
 
     def test_a_copy_where_maya_finds_plugins_and_scripts_must_be_the_installed_one(self):
         paths = [os.path.join(self.maya, "2025", "plug-ins", "Vantorelix_plugin.py"),
@@ -148,7 +148,7 @@ class Checking(InstallerTest):
             paths.append(os.path.join(os.environ[variable], "Vantorelix_plugin.py"))
         for path in paths:
             write(path, "another")
-            self.assert_found(path, "is not the one that is installed")
+            self.assert_found(path, "differs from the installed file")
             write(path, "engine 1" if "engine" in path else "plugin 1")
         self.assertEqual(self.problems(), [])
         self.assertEqual(self.installer.verify(self.modules), 9 + len(paths))

@@ -142,13 +142,13 @@ class Entries(MenuTest):
         self.engine.clear_trails = mock.Mock(side_effect=RuntimeError("the group is locked"))
         self.show()
         self.ui.press(self.ui.labelled("Clear trails", "vantorelixMenu"))
-        self.assertEqual(self.told, ["RuntimeError: the group is locked"])
+        self.assertEqual(self.told, ["RuntimeError: the group is locked. See the Script Editor for details."])
 
     def test_an_error_while_showing_is_told_to_the_user_and_not_raised(self):
         broken = qt("PySide2")
         broken["PySide2.QtWidgets"].QMenu = mock.Mock(side_effect=RuntimeError("no screen"))
         self.show(broken)
-        self.assertEqual(self.told, ["RuntimeError: no screen"])
+        self.assertEqual(self.told, ["RuntimeError: no screen. See the Script Editor for details."])
 
     def test_the_engine_opens_it_for_the_right_button(self):
         with mock.patch.dict(sys.modules, dict(NO_QT, Vantorelix=self.menu)):
@@ -161,7 +161,8 @@ class Batch(MenuTest):
 
     def test_without_maya_s_window_it_says_so(self):
         self.show()
-        self.assertEqual(self.told, ["The menu needs Maya's window."])
+        self.assertEqual(self.told, [
+            "The menu needs Maya's window. In batch mode, call the functions of Vantorelix_engine."])
         self.assertFalse(self.cmds.window("vantorelixMenu", exists=True))
 
 

@@ -49,7 +49,7 @@ class OneStep(LayerTest):
     def test_that_is_closed_when_the_command_fails(self):
         with mock.patch.object(self.engine, "clear_trails", side_effect=RuntimeError("locked")):
             self.run_of["Clear trails"]()
-        self.assertEqual(self.told, ["RuntimeError: locked"])
+        self.assertEqual(self.told, ["RuntimeError: locked. See the Script Editor for details."])
         self.assertEqual(self.count(), 0)
         self.cmds.createNode("transform")
         self.expect_step("createNode")

@@ -190,6 +190,7 @@ class Errors(PluginTest):
             self.set(colorMode=STANDARD)
             self.assertEqual(self.colors(), single([PLAIN] * 5))
         self.assertEqual(len(self.warned), 1)
+        self.assertRegex(self.warned[0], r"^\[Vantorelix\] Vantorelix_engine cannot give colors: .*\w\. Install Vantorelix again\.$")
 
     def test_a_node_that_is_gone_raises_nothing(self):
         self.make_node()

@@ -77,7 +77,7 @@ class Python2(unittest.TestCase):
 
     def test_the_installer_says_so_dropped_into_maya_and_run(self):
         dropped = "import install_vantorelix; install_vantorelix.onMayaDroppedPythonFile(None)"
-        self.assertEqual(self.run_code(dropped), (0, "That did not work:\n" + SENTENCE, ""))
+        self.assertEqual(self.run_code(dropped), (0, "Vantorelix could not be installed or uninstalled:\n" + SENTENCE, ""))
         done = subprocess.run([python2(), "-B", INSTALLER, "modules"], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                               universal_newlines=True, cwd=self.folder)
         self.assertEqual((done.returncode, done.stderr.strip()), (1, "install_vantorelix: " + SENTENCE))

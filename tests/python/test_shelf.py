@@ -70,7 +70,7 @@ class Shelf(MenuTest):
             self.menu.add_shelf_button()
         self.assertEqual([button.parent for button in self.buttons()], ["Animation"])
         self.assertEqual([record.getMessage() for record in logged.records],
-                         ["The shelf Custom is saved with a button of Vantorelix, but has none now."])
+                         ["The shelf Custom was saved with a button of Vantorelix, but shows none. Open it and look."])
 
     def test_a_tab_that_cannot_be_opened_keeps_no_button_away(self):
         self.saved("Custom", self.menu.SHELF_COMMAND)
@@ -84,7 +84,7 @@ class Shelf(MenuTest):
         self.cmds.deleteUI("ShelfLayout")
         self.menu.add_shelf_button()
         self.menu.remove_shelf_button()
-        self.assertEqual(self.told, ["There is no shelf to put a button on."])
+        self.assertEqual(self.told, ["There is no shelf to put a button on. Show Maya's shelves and try again."])
 
 
 if __name__ == "__main__":

@@ -259,7 +259,7 @@ class InsideACallback(UndoTest):
         self.on_edit(restart)
         self.cmds.setKeyframe("ball", at="tx", t=1, v=7)
         self.assertEqual(len(errors), 1)
-        self.assertIn("not from a callback", errors[0])
+        self.assertIn("refused inside a callback", errors[0])
         self.assertEqual(self.cmds.keyframe("ball", query=True, valueChange=True), [7, 10])
         self.host.restart()
         self.assertEqual(self.cmds.ls(type="animCurve"), [])

@@ -1,4 +1,4 @@
-"""The rules of this house, one module each: `problems(root, options)` returns a list of texts, empty when all is well.
+"""The house rules, one module each: `problems(root, options)` returns a list of messages, empty if there is no problem.
 
-Every text is "file:line: what is wrong; what to do instead".
+Every message is "file:line: what is wrong; what to do instead".
 """

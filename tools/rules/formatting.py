@@ -1,4 +1,4 @@
-"""C++ files stand as clang-format-14 writes them. Other versions format differently, so the number is pinned."""
+"""C++ files are formatted by clang-format-14. Other versions format differently, so the version is fixed."""
 
 import subprocess
 

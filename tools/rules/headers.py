@@ -1,7 +1,7 @@
 """Every header compiles alone, and twice in one file.
 
-A source that begins with a header shows that it compiles alone whenever that source is compiled, which the build does;
-the others are compiled here. Tests show nothing: the test library's headers are put before all that they include.
+If a source begins with a header, compiling that source shows that the header compiles alone, and the build does that. All
+other headers are compiled here. Tests do not count, because the headers of the test library come before what they include.
 """
 
 import re
@@ -30,8 +30,8 @@ def _unguarded(text):
 
 def problems(root, options):
     known, headers = shown(root), files.walk(root, [".h"], OURS)
-    said = compiler.in_parallel(
+    errors = compiler.in_parallel(
         lambda header: "" if header in known else compiler.errors(options.compiler, root, '#include "%s"\n' % header), headers)
     found = ["%s:1: start it with #pragma once" % header for header in headers if _unguarded(files.read(root, header))]
     return found + ["%s:1: does not compile alone; include what it uses\n%s" % (header, text)
-                    for header, text in zip(headers, said) if text]
+                    for header, text in zip(headers, errors) if text]

@@ -1,8 +1,8 @@
-"""Includes go one way, between the top folders and between all others, and a room's inner headers stay inside.
+"""Includes go one way between folders, and the inner headers of a folder are used inside it only.
 
-Three laws, each of which names the line that breaks it: a top folder includes from those below it (OURS); no two folders
-include each other, straight or by way of others, and no two of the page's import from each other either; and a header that says "For the files of FOLDER only." in a comment line
-("this folder" is its own) is included from there alone.
+There are three laws, and a message names the line that breaks one. A top folder includes only from the folders below it
+(OURS). No two folders include each other, directly or through others, and the same holds for imports in the page. A header
+with the comment line "For the files of FOLDER only." ("this folder" means its own) is included from there alone.
 """
 
 import collections
@@ -11,8 +11,8 @@ import re
 
 from . import files
 
-# The first folder of a file -> the folders of ours that it may include from. The two halves of maya/ are as far apart
-# as folders can be: one stands on the engine, the other on the standalone host.
+# The top folder of a file -> our folders that it may include from. The two halves of maya/ count as top folders, because
+# one is built on the engine and the other on the standalone host.
 OURS = {
     "base": {"base"},
     "host": {"host", "base"},
@@ -65,7 +65,7 @@ def _folder(path):
 
 
 def _owners(root):
-    """Header -> the folder to which it keeps, for those that keep to one."""
+    """Header -> the only folder that may include it, for headers that name one."""
     found = {}
     for path in files.walk(root, [".h"], OURS):
         inside = _INSIDE.search(files.read(root, path))
@@ -77,10 +77,10 @@ def _owners(root):
 def _wrong_of_ours(path, header, test, owners):
     folder, target = _top(path), _top(header)
     if target not in OURS:
-        return '"%s" is not a path from the root of the checkout; write it whole, as in "host/value.h"' % header
+        return '"%s" is not a path from the root of the checkout; write the full path, as in "host/value.h"' % header
     allowed = OURS[folder] | ({"tests"} if test else set())
     if target not in allowed:
-        return "%s/ may not include %s/; include only from %s, or move the code to where both may reach it" % (
+        return "%s/ may not include %s/; include only from %s, or move the code to a folder that both may include from" % (
             folder, target, ", ".join(sorted(allowed)))
     owner = owners.get(header)
     if owner and not path.startswith(owner + "/"):
@@ -136,7 +136,7 @@ class _Arrows:
             self.places.setdefault((source, target), place)
 
     def circles(self):
-        """A complaint for each arrow that closes a circle, at the first include or import that makes it."""
+        """A message for each arrow that is part of a circle, at the first include or import that makes it."""
         found = []
         for (source, target), place in sorted(self.places.items(), key=lambda item: item[1]):
             way = _way(self.targets, target, source)

@@ -1,4 +1,5 @@
-"""What positions are made from asks no C library for sines and their like, whose last place is its own affair."""
+"""Code that positions depend on never calls the C library for sine and similar functions, whose last digit differs between
+systems."""
 
 import re
 

@@ -1,8 +1,8 @@
-"""Every name and keyword of Maya that we use is known to two descriptions of Maya's Python (maya_stubs).
+"""Every name and keyword of Maya that we use is in two published descriptions of Maya's Python (maya_stubs).
 
 A use is a pair: ("cmds.ls", "sl") is a keyword, ("cmds.ls", None) the command, ("om.MTime.uiUnit", None) a member of a
-class, and ("?.asMObject", None) a method of some class, where the source does not say of which. What a description does
-not know must stand in TRUSTED, with the reason; what stands there without need is a problem as well.
+class, and ("?.asMObject", None) a method of a class that the source does not name. What a description does not know must be
+in TRUSTED, with the reason; an entry there that is not needed is a problem as well.
 """
 
 import ast
@@ -73,7 +73,7 @@ def uses_in_cpp(text):
         elif kind in ("construct", "om_class"):
             uses = [("om." + names[0], None)]
         elif kind in ("method", "Method"):
-            uses = [("?." + names[0], None)]
+            uses = [("?." + names[0], None)] if names[0] not in dir(str) else []  # methods of texts are not Maya's
         else:
             uses = [(".".join(names), None)] if names[0] in maya_stubs.API or names[0] == "cmds" else []
         for use in uses:

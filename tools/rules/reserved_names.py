@@ -1,7 +1,7 @@
 """No published name that begins with an underscore and a capital is a macro of a standard header that we use.
 
-Such names belong to the C++ implementation. They are kept because they are this engine's published names; this rule
-finds out where a compiler or library takes one of them as a macro.
+Such names are reserved for the C++ implementation. We keep them because they are the engine's published names; this rule finds
+out if a standard library uses one of them as a macro.
 """
 
 import re

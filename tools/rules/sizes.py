@@ -2,7 +2,8 @@
 
 The reason is a comment that begins "Long because": anywhere in a long file, and in the lines just above or in a long
 function. Functions are found by their layout, which clang-format guarantees: a head that ends in "{" and the first
-later "}" at the same indent. TypeScript is laid out the same way; a group of tests there is no function. A folder's files are those of C++ or TypeScript that lie in it and are not tests.
+later "}" at the same indent. TypeScript is laid out the same way; a group of tests there is not a function. The files of a
+folder are those of C++ and TypeScript that lie in it and are not tests.
 """
 
 import collections

@@ -1,7 +1,7 @@
 """clang-tidy, with the checks of .clang-tidy, over the C++ files that changed.
 
-Changed means: against the merge base with origin/main; where HEAD is already there, against HEAD's parent; without
-either, every file. Tests are left out: the macros of the test library trip checks that say nothing about our code.
+"Changed" means different from the merge base with origin/main, or from HEAD's parent where HEAD is that base. Without either,
+every file counts. Tests are left out, because the macros of the test library break checks for reasons of their own.
 """
 
 import os
@@ -51,7 +51,7 @@ def sources(root, paths=None):
 
 def problems(root, options):
     if not os.path.exists(os.path.join(options.build, "compile_commands.json")):
-        return ["%s holds no compile_commands.json; configure it first, as ./dev lint does" % options.build]
+        return ["%s has no compile_commands.json; configure it first, as ./dev lint does" % options.build]
 
     def look(path):
         try:

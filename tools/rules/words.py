@@ -1,4 +1,4 @@
-"""What ties the checkout to one machine does not stand in it."""
+"""No file names what exists on one machine only: its paths, or its package registries."""
 
 import re
 

@@ -68,7 +68,7 @@ class Client(unittest.TestCase):
 
     def test_a_network_that_is_away_is_not_taken_for_a_package_that_is_not_there(self):
         self.assertIn("cannot be reached", self.failure("pip", *[PIP_OFFLINE] * 3))
-        self.assertIn("does not give it out", self.failure("pip", PIP_OFFLINE.partition("\n")[2]))
+        self.assertIn("does not provide it", self.failure("pip", PIP_OFFLINE.partition("\n")[2]))
 
     def test_words_that_no_cause_is_known_for_are_told_too(self):
         self.assertIn("a new way to fail", self.failure("cargo", *["a new way to fail"] * 3))

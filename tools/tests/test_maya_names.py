@@ -117,6 +117,9 @@ class InCpp(Names):
                             ('global_attribute<"cmds", "lss">()', "cmds.lss")):
             self.assert_one(self.check_cpp("\n" + text), "a.cpp:2: %s is not known" % wrong)
 
+    def test_methods_of_texts_need_not_be_known(self):
+        self.assertEqual(self.check_cpp('method<"lower">(method<"strip">(x).get());'), [])
+
     def test_flags_that_come_as_values_are_found(self):
         self.assertEqual(set(maya_names.uses_in_cpp('model_editor(panel, "q", flag)\n_VIEWPORT_TRAIL_FLAGS = {"x"};')),
                          {("cmds.modelEditor", "q"), ("cmds.modelEditor", "x")})

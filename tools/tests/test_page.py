@@ -139,7 +139,7 @@ class Node(Folder):
 
     def test_without_one_and_without_the_network_the_remedy_is_told(self):
         with mock.patch.object(node.pypi, "pip", side_effect=node.Failure("pip's cause")):
-            with self.assertRaisesRegex(node.Failure, "Install them, or let them be fetched: pip's cause"):
+            with self.assertRaisesRegex(node.Failure, "Install them, or correct why they cannot be fetched: pip's cause"):
                 node.fetched()
 
 

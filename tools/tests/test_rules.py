@@ -131,7 +131,7 @@ class Includes(Checkout):
         self.write("engine/a.cpp", "#include <math.h>\n")
         self.assert_one(self.problems(includes), "engine/a.cpp:1:", "not a standard C++ header")
         self.write("engine/a.cpp", '#include "a.h"\n')
-        self.assert_one(self.problems(includes), "engine/a.cpp:1:", "write it whole")
+        self.assert_one(self.problems(includes), "engine/a.cpp:1:", "write the full path")
 
 
 class Headers(Checkout):

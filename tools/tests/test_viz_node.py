@@ -24,7 +24,7 @@ class VizNode(unittest.TestCase):
             self.assertIn("      " + line + "\n", source)
 
     def test_a_plugin_without_a_table_is_refused_by_name(self):
-        with self.assertRaisesRegex(ValueError, "plugin.py: no table SWITCHES"):
+        with self.assertRaisesRegex(ValueError, "plugin.py: the table SWITCHES is missing"):
             viz_node.tables(PLUGIN.replace("SWITCHES", "TOGGLES"), "plugin.py")
 
 

@@ -36,7 +36,7 @@ function keepStateInHash(store: Store, initial: typeof store.state, trailCount: 
   );
 }
 
-/** From where a page that just opened looks, for a viewport of an aspect. Asks all samples once. */
+/** The camera with which a page opens, for the aspect of its viewport. Looks at all samples once. */
 function opening(scene: Scene, motion: Motion): (aspect: number) => CameraPose {
   const box = boundsOf(motion, motion.trails.keys(), scene.upAxis);
   const direction = bestDirection(motion, box, scene.upAxis);
@@ -57,8 +57,8 @@ function start(root: HTMLElement): void {
   const motion = new Motion(source.trails());
   let open = opening(scene, motion);
   const initial = initialState(scene, motion.trails, open(1.5));
-  const said = readHash(location.hash, initial, motion.trails.length);
-  const store = new Store({ ...initial, ...said });
+  const fromHash = readHash(location.hash, initial, motion.trails.length);
+  const store = new Store({ ...initial, ...fromHash });
   const relate = (trail: number | null) => {
     motion.relativeTo(trail);
     open = opening(scene, motion);
@@ -66,7 +66,7 @@ function start(root: HTMLElement): void {
   if (store.state.relativeTo !== null) relate(store.state.relativeTo);
   store.subscribe((state, changed) => {
     relate(state.relativeTo);
-    if (!changed.has("camera")) store.set({ camera: open(state.aspect) }); // it moves elsewhere now
+    if (!changed.has("camera")) store.set({ camera: open(state.aspect) }); // the trails are elsewhere now
   }, ["relativeTo"]);
 
   document.title = `${baseName(scene.name)}: motion trails`;
@@ -78,7 +78,7 @@ function start(root: HTMLElement): void {
   };
   const page = buildPage(app, root);
   viewport = new Viewport(app, page.viewport);
-  if (!said.camera) store.set({ camera: open(store.state.aspect) }); // the viewport has a size now
+  if (!fromHash.camera) store.set({ camera: open(store.state.aspect) }); // the viewport has a size now
   source.subscribe(() => {
     motion.trails = source.trails();
     viewport!.trailsChanged();
@@ -86,7 +86,7 @@ function start(root: HTMLElement): void {
   });
   listenToKeys(app);
   runPlayer(scene, store);
-  keepStateInHash(store, { ...initial, camera: said.camera ? initial.camera : store.state.camera }, motion.trails.length);
+  keepStateInHash(store, { ...initial, camera: fromHash.camera ? initial.camera : store.state.camera }, motion.trails.length);
   window.vantorelixViewer = app;
   document.documentElement.dataset.ready = "true";
 }

@@ -142,6 +142,15 @@ describe("commands", () => {
     expect([" ", "f", "Shift+ArrowRight"].map(keyLabel)).toEqual(["Space", "F", "Shift+→"]);
   });
 
+  test("to save a picture says so when that fails", async () => {
+    const app = makeApp({ trails: [{ name: "a", points: line(3) }] });
+    command("png").run({ ...app, picture: () => Promise.reject(new Error("no memory: close other pages")) });
+    await Promise.resolve();
+    await Promise.resolve();
+    expect(app.said).toEqual(["no memory: close other pages"]);
+    expect(app.saved.size).toBe(0);
+  });
+
   test("that need a selection say so without one, and change nothing", () => {
     for (const id of ["hide", "solo", "relative", "csv"]) {
       const app = makeApp({ trails: [{ name: "a", points: line(3) }] });
@@ -149,7 +158,7 @@ describe("commands", () => {
       const before = app.store.state;
       command(id).run(app);
       expect(app.store.state).toBe(before);
-      expect(app.said).toEqual(["Nothing is selected"]);
+      expect(app.said).toEqual(["Nothing is selected: select an object first"]);
       expect(app.saved.size).toBe(0);
     }
   });

@@ -30,10 +30,10 @@ describe("the list of objects", () => {
     await search.fill("|rig|*.l");
     expect(await listed(page)).toEqual(["Foot.L"]);
     await search.fill("nothing");
-    expect(await page.getByText("No object has such a name.").isVisible()).toBe(true);
+    expect(await page.getByText("No name matches the search.").isVisible()).toBe(true);
     await search.press("Escape");
     expect((await listed(page)).length).toBe(4);
-    expect(await page.getByText("No object has such a name.").isVisible()).toBe(false);
+    expect(await page.getByText("No name matches the search.").isVisible()).toBe(false);
   });
 
   test("selects by click, with Ctrl one more or less, with Shift all between that are listed", async () => {
@@ -82,7 +82,7 @@ describe("the list of objects", () => {
     await click("None");
     await expectState(page, "selected", []);
     await click("Solo");
-    expect(await page.locator(".message").textContent()).toBe("Nothing is selected");
+    expect(await page.locator(".message").textContent()).toBe("Nothing is selected: select an object first");
   });
 
   test("says what positions are relative to, and leads back", async () => {

@@ -165,7 +165,7 @@ describe("the page", () => {
     const page = await browser.open({ trails: [] });
     expect(await page.locator(".count").textContent()).toBe("0 of 0 shown, 0 selected");
     await press(page, "f", "a", "ArrowRight", "]", "c", "Shift+C", "r");
-    expect(await page.locator(".message").textContent()).toBe("Nothing is selected");
+    expect(await page.locator(".message").textContent()).toBe("Nothing is selected: select an object first");
   });
 
   test("shows a message for a while", async () => {

@@ -122,7 +122,7 @@ describe("the legend", () => {
 
   test("says that spacing colours do not follow a relative view", async () => {
     const page = await browser.open(figures(), { hash: "mode=1" });
-    const note = legend(page).getByText("Spacing colours are of the motion in the world.");
+    const note = legend(page).getByText("Spacing colours show the motion in the world.");
     expect(await note.count()).toBe(0);
     await press(page, "r");
     expect(await note.isVisible()).toBe(true);

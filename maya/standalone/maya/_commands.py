@@ -7,8 +7,8 @@ from . import host
 
 
 def command(**short_names):
-    """Makes a command of a function whose keywords are the flags' long names: each flag can be given by its short name
-    too. A flag that the function has not is a TypeError."""
+    """Makes a command from a function whose keywords are the long names of the flags. Each flag can then also be given
+    by its short name. A flag that the function does not have is a TypeError."""
 
     def decorate(function):
         known = {
@@ -37,7 +37,7 @@ def command(**short_names):
 
 
 def undoable(function):
-    """A command that enters the undo queue, unless it only asks."""
+    """A command that is recorded in the undo queue, unless it is a query."""
 
     @functools.wraps(function)
     def call(*arguments, **flags):
@@ -54,7 +54,7 @@ def not_covered(what):
 
 
 def flat(arguments):
-    """Names as a command takes them: one by one, or in lists."""
+    """The names in the arguments of a command, which may be names or lists of names."""
     names = []
     for argument in arguments:
         if isinstance(argument, str):
@@ -71,7 +71,7 @@ def node_named(name):
 
 
 def nodes_named(arguments):
-    """The nodes of names and patterns, each once; a name without a node is a ValueError."""
+    """The nodes with these names and patterns, each once. If there is none for a name, that is a ValueError."""
     nodes = []
     for name in flat(arguments):
         found = host.call("match", name) if "*" in name or "?" in name else [node_named(name)]
@@ -105,7 +105,7 @@ def missing(path):
 
 
 def existing_plug(path):
-    """As split_plug, but the attribute must be there."""
+    """As split_plug, but the attribute must exist."""
     node, attribute = split_plug(path)
     if not (host.call("has_attribute", node, attribute) or host.call("has_vectors", node, attribute)):
         raise missing(path)

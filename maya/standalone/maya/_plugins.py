@@ -1,7 +1,7 @@
-"""Plug-ins: the one that gives the trail node its type.
+"""Plug-ins. There is only one, which defines the type of the trail node.
 
-Its file is run as Maya does where `maya.api.OpenMaya` has the classes that plug-ins register with. The host's own node
-type stays when a plug-in is unloaded.
+Its file is run as in Maya, if `maya.api.OpenMaya` has the classes with which plug-ins register. The host's own node
+type stays when the plug-in is unloaded.
 """
 
 import importlib.util
@@ -29,7 +29,7 @@ def _find(path):
 
 
 def _run(name, path):
-    """The module, after its initializePlugin; None where there is nothing to register with."""
+    """Runs the file and its initializePlugin. Returns its module, or None if there is nothing to register with."""
     from .api import OpenMaya
 
     if not hasattr(OpenMaya, "MFnPlugin"):
@@ -48,7 +48,7 @@ def load(path):
         return name
     found = _find(path)
     if os.path.basename(found) != _FILE:
-        raise RuntimeError('Plug-in, "%s", cannot be loaded: this host runs %s only.' % (path, _FILE))
+        raise RuntimeError('Plug-in, "%s", cannot be loaded: this host can load %s only.' % (path, _FILE))
     module = _run(name, found)
     host.call("load_plugin", found)
     host.plugins[name] = (found, module)

@@ -2,7 +2,7 @@
 
 from . import host
 
-# number: (constant of MTime, name of currentUnit, units a second)
+# number: (constant of MTime, name of currentUnit, units per second)
 UNITS = {
     1: ("kHours", "hour", 1.0 / 3600.0),
     2: ("kMinutes", "min", 1.0 / 60.0),
@@ -20,7 +20,7 @@ _FRAME_RATES = [2, 3, 4, 5, 6, 8, 10, 12, 16, 20, 40, 75, 80, 100, 120, 125, 150
 _FRAME_RATES += [600, 750, 1200, 1500, 2000, 3000, 6000]
 for _rate in _FRAME_RATES:
     UNITS[max(UNITS) + 1] = ("k%dFPS" % _rate, "%dfps" % _rate, float(_rate))
-USER_DEFINED = 43  # kUserDef: here, any rate of a scene that is none of the above
+USER_DEFINED = 43  # kUserDef: here, a scene's rate that is none of the above
 
 
 _UNIT_OF_RATE = {rate: number for number, (_, _, rate) in sorted(UNITS.items(), reverse=True)}
@@ -40,5 +40,5 @@ def units_per_second(unit):
     if unit == USER_DEFINED:
         return host.frames_per_second
     if unit not in UNITS:
-        raise ValueError("Not a unit of time: %r" % (unit,))
+        raise ValueError("Not a unit of time: %r. Use a constant of MTime." % (unit,))
     return UNITS[unit][2]

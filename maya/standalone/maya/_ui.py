@@ -1,7 +1,7 @@
 """Maya's windows, menus, controls and tools, recorded: made, edited, asked and deleted, but never shown.
 
-COMMANDS holds them by the names that they have in maya.cmds. Names of controls are given back as they were made, not as
-paths. The functions below COMMANDS stand for the user: they press, choose and type.
+COMMANDS has the commands by their names in maya.cmds. They return a control's name as it was made, not its path. The
+functions below COMMANDS do what a user would do: press, choose and type.
 """
 
 import os
@@ -48,7 +48,7 @@ _KINDS = {
 }
 _LAYOUTS = ("columnLayout", "rowLayout", "shelfLayout", "shelfTabLayout", "window")
 _MENUS = ("optionMenu", "popupMenu")
-_APART = ("draggerContext", "window")  # Have no parent.
+_APART = ("draggerContext", "window")  # these have no parent
 
 
 class Control(object):
@@ -61,9 +61,9 @@ class Control(object):
 
 controls = OrderedDict()
 state = {}
-torn_off = OrderedDict()  # The viewports beside those of the main window: name -> layout, "" while shown nowhere.
-unopened = {}  # The tabs of shelves that wait to be opened: name -> file.
-hotkeys = OrderedDict()  # Commands for hotkeys: name -> their flags.
+torn_off = OrderedDict()  # The viewports outside of the main window: name -> layout, "" while it is shown nowhere.
+unopened = {}  # The tabs of shelves that were not opened yet: name -> file.
+hotkeys = OrderedDict()  # The commands for hotkeys: name -> their flags.
 
 
 def reset():
@@ -80,7 +80,7 @@ def reset():
 
 
 def layout_of(panel):
-    """What holds a viewport; those of the main window are called as their layouts are."""
+    """The layout of a viewport. In the main window a viewport and its layout have the same name."""
     layout = torn_off.get(panel, panel)
     if layout and layout not in controls:
         raise RuntimeError("Object '{0}' not found.".format(panel))
@@ -140,7 +140,7 @@ def _edit(control, flags):
 
 
 def _limit(kind, flags):
-    """Fields hold what lies within their ends, and a slider's ends are the field's unless it has its own."""
+    """Brings a value between the ends of its field, which are those of the slider unless the field has its own."""
     low, high = flags.get("fieldMinValue", flags.get("minValue")), flags.get("fieldMaxValue", flags.get("maxValue"))
     if "value" in flags and kind.startswith(("int", "float")):
         value = (int if kind.startswith("int") else float)(flags["value"])
@@ -208,7 +208,7 @@ def currentCtx():
 def contextInfo(name, **flags):
     flags = _long("contextInfo", ("exists",), flags)
     if not flags.get("exists"):
-        raise TypeError("Of a context only its existence is covered here.")
+        raise TypeError("contextInfo: only the flag exists is covered here.")
     return name in _TOOLS or (name in controls and controls[name].kind == "draggerContext")
 
 
@@ -222,7 +222,7 @@ def setToolTo(name):
 
 
 def evaluate(text):
-    """MEL, of which there is what the shelves run when the user has chosen a tab."""
+    """Runs MEL. The only covered text is the command that the shelves run when the user has chosen a tab."""
     if text != _OPEN_TAB:
         raise RuntimeError("Cannot find procedure \"{0}\": other MEL than the shelves' is not covered.".format(text))
     shelf = controls["ShelfLayout"].flags["selectTab"]
@@ -256,7 +256,7 @@ reset()
 # The user -------------------------------------------------------------------------------------------------------------
 
 def labelled(label, within=None):
-    """The control with this label, of those in `within`, a window or a menu."""
+    """The control with this label, in the window or menu `within` if that is given."""
     found = [control for control in controls.values() if control.flags.get("label") == label
              and (within is None or within in _above(control.name))]
     if len(found) != 1:
@@ -271,7 +271,7 @@ def _above(name):
 
 
 def press(control):
-    """Clicks a button or chooses an item of a menu; a check box is turned over."""
+    """Clicks a button, an item of a menu or a check box."""
     if control.kind == "checkBox":
         choose(control.name, not control.flags.get("value"))
     else:
@@ -279,7 +279,7 @@ def press(control):
 
 
 def choose(name, value):
-    """Types a number, sets a check box, or picks an item (counted from 1) of an option menu."""
+    """Types a number, sets a check box, or chooses an item of an option menu, counted from 1."""
     control = controls[name]
     _edit(control, {"select" if control.kind == "optionMenu" else "value": value})
     if "changeCommand" in control.flags:
@@ -287,7 +287,7 @@ def choose(name, value):
 
 
 def open_menu(name):
-    """Presses the mouse over what has this popup menu; gives its items."""
+    """Opens a popup menu with the mouse; returns its items."""
     menu = _existing("popupMenu", name)
     if "postMenuCommand" in menu.flags:
         menu.flags["postMenuCommand"](name, menu.parent)
@@ -295,7 +295,7 @@ def open_menu(name):
 
 
 def tear_off():
-    """Makes another viewport, in a window of its own; gives its name."""
+    """Makes another viewport, in a window of its own; returns its name."""
     name = "modelPanel{0}".format(5 + len(torn_off))
     host.call("add_model_panel", name)
     torn_off[name] = _make("columnLayout", name + "Layout", {"parent": _make("window", name + "Window", {})})
@@ -303,13 +303,13 @@ def tear_off():
 
 
 def close_window_of(name):
-    """Closes the window of such a viewport. There still is the viewport, shown nowhere."""
+    """Closes the window of such a viewport. The viewport still exists, but is shown nowhere."""
     deleteUI(name + "Window", window=True)
     torn_off[name] = ""
 
 
 def save_shelf(shelf, folder, commands):
-    """A tab as an earlier session left it, not opened yet: there is its file, and no button."""
+    """Adds a tab that an earlier session has saved and that was not opened yet: it has a file, but no buttons."""
     if not os.path.isdir(folder):
         os.makedirs(folder)
     unopened[shelf] = os.path.join(folder, "shelf_{0}.mel".format(shelf))
@@ -319,7 +319,7 @@ def save_shelf(shelf, folder, commands):
 
 
 def press_hotkey(command):
-    """What Maya does at a hotkey that has been given to this command."""
+    """Does what Maya does when the hotkey of this command is pressed."""
     exec(hotkeys[command]["command"], {})
 
 

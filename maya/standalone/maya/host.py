@@ -1,5 +1,5 @@
-"""The one session of the standalone host in this process. Not a part of Maya: scripts and tests reach through it for
-what a user would do there (`restart` is a fresh start of the application).
+"""The session of the standalone host; a process has one. This module does not exist in Maya: through it scripts and
+tests do what a user would do there. `restart` is a fresh start of the application.
 
     from maya import host
     host.restart(batch=True)
@@ -60,11 +60,11 @@ def _load():
 _library = _load()
 _session = ctypes.c_void_p()
 _interrupts = []  # a KeyboardInterrupt or SystemExit on its way through the library
-# The library is for one thread at a time, and what it hands out is good until its next call. Threads take turns: one has
-# the lock for a call with its result, or for a whole command, and may have it several times over, as callbacks do.
+# The library serves one thread at a time, and its results are valid until the next call. So a thread holds the lock for
+# a call and its result, or for all of a command. It may take the lock again inside, as callbacks do.
 lock = threading.RLock()
 _listening = 0  # callbacks that the library is waiting for
-generation = 0  # of the scene that is open: a node's number says nothing in another
+generation = 0  # of the scene that is open; the number of a node is valid in its own scene only
 scene_name = ""  # the file that is open
 frames_per_second = 24.0  # of the scene that is open
 subscribers = []  # see maya.api: (event, function of (node, type)), in order of subscription
@@ -73,12 +73,12 @@ plugins = {}  # those that are loaded: name -> (path or None, Python module or N
 display_filters = {}  # of plug-ins: name -> [label, classification, how often it was registered]
 hidden = set()  # (panel, what it does not show: "locators", or a display filter)
 messages = []  # what was shown in the viewport, texts of inViewMessage
-undoing = ""  # "undo" or "redo", while one is at work
-# Maya's page of `rename` says two things of a namespace in the new name that does not begin with a colon. By its example
-# one that exists below the current namespace counts, and any other is dropped with a warning; by its text (False) none
-# counts.
+undoing = ""  # "undo" or "redo" while one of them runs
+# Maya's page about `rename` contradicts itself about a namespace in a new name that does not begin with a colon.
+# According to its example, a namespace below the current one is used, and any other is dropped with a warning.
+# According to its text (False), every namespace is dropped.
 rename_looks_up_namespaces = True
-failures = 0  # how many errors were shown as tracebacks because nobody could be given them
+failures = 0  # the errors that were printed as tracebacks, because there was no caller to raise them to
 
 
 def _check(failed):
@@ -90,7 +90,7 @@ def _check(failed):
 
 
 def guarded(function, *arguments, **keywords):
-    """Calls what nobody waits for, a callback or a deferred call: its error is shown, and work goes on."""
+    """Calls a function that has no caller, a callback or a deferred call: an error is printed, and work goes on."""
     global failures
     try:
         return function(*arguments, **keywords)
@@ -101,7 +101,7 @@ def guarded(function, *arguments, **keywords):
 
 @_LISTENER
 def _listener(event, node, type_name):
-    # An exception cannot pass through the library: interrupts are raised again when its call is over.
+    # An exception cannot pass through the library, so an interrupt is kept and raised again after the call.
     global _listening
     _listening += 1
     try:
@@ -113,7 +113,7 @@ def _listener(event, node, type_name):
 
 
 def _alone(function):
-    """While it runs, no other thread is in the library."""
+    """While the function runs, no other thread is in the library."""
 
     @functools.wraps(function)
     def call(*arguments, **keywords):
@@ -125,11 +125,11 @@ def _alone(function):
 
 @_alone
 def call(name, *arguments):
-    """A call of the library by its name; see the tables of calls there."""
+    """Makes a call of the library by its name; the library's sources list the calls."""
     try:
         text = json.dumps(arguments, allow_nan=False)
     except ValueError:
-        raise ValueError("%s: a number is not finite: %r" % (name, arguments))
+        raise ValueError("%s: a number is not finite, in %r; give finite numbers" % (name, arguments))
     result = ctypes.c_char_p()
     _check(_library.vlx_call(_session, name.encode(), text.encode(), ctypes.byref(result)))
     return json.loads(result.value.decode())
@@ -137,7 +137,8 @@ def call(name, *arguments):
 
 @contextlib.contextmanager
 def command(name):
-    """What is done inside is one entry of the undo queue. When it fails, it is one if it changed anything."""
+    """Everything done inside is one entry of the undo queue. If it fails, there is an entry only if it changed
+    anything."""
     with lock:
         session = _session
         _check(_library.vlx_begin(session, name.encode()))
@@ -156,8 +157,8 @@ def restart(batch=False, plugin_loaded=True, preferences=None, user_app_dir=None
     the JSON file `preferences`."""
     global _session, failures, rename_looks_up_namespaces
     if _listening:
-        raise RuntimeError("restart: not from a callback, whose edit goes on after it; call it later, "
-                           "as with maya.utils.executeDeferred")
+        raise RuntimeError("restart: refused inside a callback, because the edit that caused it is not over; call it "
+                           "later, for example with maya.utils.executeDeferred")
     fresh = ctypes.c_void_p()
     options = json.dumps([batch, plugin_loaded, preferences, user_app_dir])
     _check(_library.vlx_start(options.encode(), ctypes.byref(fresh)))
@@ -183,9 +184,9 @@ def _forget_scene(name):
 
 @_alone
 def open_scene(path):
-    """Opens a scene file; what could not be followed in it is shown as warnings."""
+    """Opens a scene file, with warnings about what in it cannot be followed."""
     if not os.path.exists(path):
-        raise RuntimeError("File not found: %s" % path)
+        raise RuntimeError("File not found: %s. Check the path." % path)
     _check(_library.vlx_open(_session, os.fsencode(path)))
     _forget_scene(os.path.abspath(path).replace(os.sep, "/"))
     for text in call("warnings"):
@@ -199,7 +200,7 @@ def new_scene():
 
 
 def tell(event, *arguments):
-    """Calls the subscribers of an event that the library knows nothing of."""
+    """Calls the subscribers of an event."""
     for entry in list(subscribers):
         if entry.event == event and any(entry is present for present in subscribers):
             guarded(entry.tell, *arguments)
@@ -228,7 +229,7 @@ def matrix(node, frame, world=True):
 
 @_alone
 def vectors(node, attribute):
-    """The numbers of a vector array one after another; None when it was never set or is empty."""
+    """The numbers of a vector array, one after another; an empty list if it was never set or is empty."""
     values, count = _DOUBLES(), ctypes.c_size_t()
     _check(_library.vlx_vectors(_session, node, attribute.encode(), ctypes.byref(values), ctypes.byref(count)))
     return values[: 3 * count.value] if count.value else []

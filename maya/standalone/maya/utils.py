@@ -1,4 +1,4 @@
-"""Deferred calls: what runs when the application is idle. Here it is idle when a script says so, with
+"""Deferred calls, which run when the application is idle. Here it is idle whenever a script calls
 `processIdleEvents`."""
 
 import sys
@@ -16,7 +16,8 @@ def _as_function(script):
 
 
 def defer(priority, script, arguments=(), keywords=None):
-    """Calls of a lower priority (0 normal, 1 low, 2 lowest) wait until there is none of a higher one."""
+    """Queues a call. The priorities are 0 normal, 1 low and 2 lowest; a call waits until none of a higher one is
+    left."""
     function = _as_function(script)
     host.deferred[priority].append(lambda: function(*arguments, **(keywords or {})))
 
@@ -27,14 +28,14 @@ def executeDeferred(script, *arguments, **keywords):
 
 
 def executeInMainThreadWithResult(script, *arguments, **keywords):
-    """There is one thread: the call is made at once."""
+    """Makes the call at once, because there is only one thread."""
     if isinstance(script, str):
         return eval(script, sys.modules["__main__"].__dict__)
     return script(*arguments, **keywords)
 
 
 def run_deferred_once():
-    """Runs the one call whose turn it is; False when there is none. Not a part of Maya."""
+    """Runs the next call; False if there is none. Maya does not have this function."""
     for queue in host.deferred:
         if queue:
             host.guarded(queue.popleft())
@@ -43,12 +44,12 @@ def run_deferred_once():
 
 
 def deferred_count():
-    """How many calls wait. Not a part of Maya."""
+    """The number of calls that wait. Maya does not have this function."""
     return sum(len(queue) for queue in host.deferred)
 
 
 def processIdleEvents():
-    """Runs deferred calls until none is left, those too that are queued meanwhile. An error in one is shown, and the
-    next one runs."""
+    """Runs deferred calls until none is left, including those that are queued meanwhile. An error in one is printed,
+    and the next one runs."""
     while run_deferred_once():
         pass

@@ -11,18 +11,18 @@ import { isVisible, toggled, type ViewName } from "./state";
 export interface Command {
   readonly id: string;
   readonly title: string;
-  /** As keyName calls them. */
+  /** By the names that keyName gives them. */
   readonly keys: readonly string[];
   run(app: App): void;
 }
 
-/** A frame within what is played. */
+/** Goes to a frame, or to the nearest one in the range that is played. */
 export function goTo(app: App, frame: number): void {
   const { playFirst, playLast } = app.store.state;
   app.store.set({ frame: Math.max(playFirst, Math.min(playLast, frame)), playing: false });
 }
 
-/** Whole frames: half-way between two, the next one is a half away. */
+/** Goes by whole frames; from between two frames, first to the next whole one. */
 function step(app: App, by: number): void {
   const { frame } = app.store.state;
   goTo(app, by > 0 ? Math.floor(frame + 1e-9) + by : Math.ceil(frame - 1e-9) + by);
@@ -36,7 +36,7 @@ function keyTimesOf(app: App): number[] {
   return [...times].sort((a, b) => a - b);
 }
 
-/** What the key times were asked for last: the timeline asks at every frame that is played. */
+/** The last answer, and what it depends on: the timeline asks at every frame that is played. */
 let asked: { of: readonly unknown[]; times: readonly number[] } = { of: [], times: [] };
 
 /** Key times of the selected trails, of all visible ones when none is selected: sorted, each once. */
@@ -77,7 +77,7 @@ function look(app: App, view: ViewName): void {
 /** Turns around the target; views along an axis stay as they are. */
 function orbit(app: App, azimuth: number, elevation: number): void {
   const { camera } = app.store.state;
-  if (camera.view !== "persp") return app.announce("Only the perspective turns");
+  if (camera.view !== "persp") return app.announce("Only the perspective view can be turned: press 1 for it");
   const above = Math.max(-90, Math.min(90, camera.elevation + elevation));
   app.store.set({ camera: { ...camera, azimuth: camera.azimuth + azimuth, elevation: above } });
 }
@@ -95,7 +95,7 @@ function pan(app: App, right: number, up: number): void {
 
 function eachSelected(app: App, change: (trails: readonly number[]) => void): void {
   const { selected } = app.store.state;
-  if (selected.size === 0) app.announce("Nothing is selected");
+  if (selected.size === 0) app.announce("Nothing is selected: select an object first");
   else change([...selected]);
 }
 
@@ -167,7 +167,8 @@ export const COMMANDS: readonly Command[] = [
   { id: "color-by", title: "Colour by mode or by object", keys: ["c"],
     run: (app) => app.store.set({ colorBy: app.store.state.colorBy === "mode" ? "object" : "mode" }) },
   { id: "png", title: "Save a picture (PNG)", keys: ["Shift+P"],
-    run: (app) => void app.picture().then((picture) => app.save(fileName(app, ".png"), picture)) },
+    run: (app) => void app.picture().then(
+      (picture) => app.save(fileName(app, ".png"), picture), (error: Error) => app.announce(error.message)) },
   { id: "csv", title: "Save the selected trails (CSV)", keys: ["Shift+C"],
     run: (app) => eachSelected(app, (trails) =>
       app.save(fileName(app, ".csv"), new Blob([selectionCsv(app.motion, trails)], { type: "text/csv" }))) },
@@ -179,7 +180,7 @@ export const command = (id: string): Command => {
   return found;
 };
 
-/** What a key event is called in the table. Where Shift makes another sign of a key ("+", "?"), that sign is the name. */
+/** The name of a key event in the table. Where Shift and a key type another character ("+", "?"), that is the name. */
 export function keyName({ key, code, shiftKey }: Pick<KeyboardEvent, "key" | "code" | "shiftKey">): string {
   if (!shiftKey) return key;
   const digit = /^Digit(\d)$/.exec(code);
@@ -191,7 +192,7 @@ export function keyName({ key, code, shiftKey }: Pick<KeyboardEvent, "key" | "co
 export const keyLabel = (key: string): string =>
   key.replace("Arrow", "").replace("Right", "→").replace("Left", "←").replace(/^ $/, "Space").replace(/^[a-z]$/, (k) => k.toUpperCase());
 
-/** Runs the commands of keys that no control of the page uses itself. */
+/** Runs the commands of keys, unless a control of the page uses the key itself. */
 export function listenToKeys(app: App): void {
   const byKey = new Map(COMMANDS.flatMap((each) => each.keys.map((key) => [key, each] as const)));
   document.addEventListener("keydown", (event) => {

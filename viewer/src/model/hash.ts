@@ -1,5 +1,5 @@
-// The state as a page's hash: "key=value&...", only what differs from the beginning. Whatever somebody edited into it
-// that makes no sense is left out.
+// The state of the page as the hash of its address: "key=value&...", with only what differs from the state at the start.
+// Values that make no sense are ignored.
 
 import type { ColorMode, Vec3 } from "../source/trail";
 import type { CameraPose, ViewState } from "./state";
@@ -7,7 +7,7 @@ import type { CameraPose, ViewState } from "./state";
 interface Field<K extends keyof ViewState> {
   name: string;
   write(value: ViewState[K]): string;
-  /** Undefined when the text means nothing, with so many trails. */
+  /** Undefined where the text is not a value of the field; `trails` is the number of trails. */
   read(text: string, trails: number): ViewState[K] | undefined;
 }
 
@@ -30,7 +30,7 @@ const index = {
   read: (text: string, trails: number) => (/^\d+$/.test(text) && Number(text) < trails ? Number(text) : undefined),
 };
 
-/** A value that may be none; none is an empty text. */
+/** A value that may be null, which is written as an empty text. */
 const optional = <T>(field: { write(value: T): string; read(text: string, trails: number): T | undefined }) => ({
   write: (value: T | null) => (value === null ? "" : field.write(value)),
   read: (text: string, trails: number): T | null | undefined => (text === "" ? null : field.read(text, trails)),

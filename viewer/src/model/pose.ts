@@ -12,7 +12,7 @@ export interface Bounds {
   high: [number, number, number];
 }
 
-/** Turned so that y is up. */
+/** The point in the viewport's space, where y is up. */
 export const yUp = (p: Vec3, upAxis: "y" | "z"): Vec3 => (upAxis === "z" ? [p[0], p[2], -p[1]] : p);
 
 function includePoints({ low, high }: Bounds, points: Float64Array, zUp: boolean): void {
@@ -86,7 +86,7 @@ export function framing(box: Bounds | null, view: ViewName, aspect: number, from
   return { view, target, distance: fittingDistance(least, view, azimuth, elevation, aspect), azimuth, elevation };
 }
 
-/** From where a perspective shows motion best: the way that it mostly goes runs across the picture, to the right. */
+/** The direction from which a perspective view shows the motion best: it runs across the picture, to the right. */
 export function bestDirection(motion: Motion, box: Bounds | null, upAxis: "y" | "z"): { azimuth: number; elevation: number } {
   if (!box) return { azimuth: 30, elevation: 18 };
   const size = box.high.map((h, k) => h - box.low[k]);
@@ -108,7 +108,7 @@ export function bestDirection(motion: Motion, box: Bounds | null, upAxis: "y" | 
   });
   const clear = Math.hypot((xx - zz) / 2, xz) > 0.15 * (xx + zz);
   const along = clear ? (0.5 * Math.atan2(2 * xz, xx - zz)) / DEGREE : -8;
-  // 22 degrees off the main way, which shows its depth too.
+  // 22 degrees off the main direction, to show some depth.
   const azimuth = 22 - along;
   const [right] = directions(azimuth, 0);
   const backwards = net[0] * right[0] + net[1] * right[2] < -0.05 * Math.max(...size);

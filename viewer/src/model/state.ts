@@ -21,7 +21,7 @@ export interface Hover {
   readonly sample: number;
 }
 
-/** Trails are meant by their index. */
+/** Trails are given by their index. */
 export interface ViewState {
   readonly frame: number;
   /** What playing runs through, frames. */
@@ -35,10 +35,10 @@ export interface ViewState {
   readonly hidden: ReadonlySet<number>;
   /** When it holds any, only these are shown. */
   readonly solo: ReadonlySet<number>;
-  /** Trails are shown relative to this one; none: in the world. */
+  /** Trails are shown relative to this one; null: in the world. */
   readonly relativeTo: number | null;
   readonly colorBy: "mode" | "object";
-  /** These six: none leaves each trail its own. */
+  /** For these six, null leaves each trail its own. */
   readonly mode: ColorMode | null;
   readonly lineWidth: number | null;
   readonly pointSize: number | null;
@@ -98,7 +98,7 @@ export class Store {
     return this.current;
   }
 
-  /** Takes over what differs and tells everybody once, with the names of what differs. */
+  /** Changes the state, and tells the listeners once which keys have changed. */
   set(patch: Partial<ViewState>): void {
     const changed = new Set<keyof ViewState>();
     for (const key of Object.keys(patch) as (keyof ViewState)[])
@@ -108,7 +108,7 @@ export class Store {
     for (const listener of this.listeners) listener(this.current, changed); // current: a listener may set more
   }
 
-  /** Calls back after every change of one of `keys` (of anything, without keys); the result ends that. */
+  /** Calls back after every change of one of `keys` (without keys: of any), until the result is called. */
   subscribe(listener: (state: ViewState, changed: Change) => void, keys?: readonly (keyof ViewState)[]): () => void {
     const guarded = keys
       ? (state: ViewState, changed: Change) => {
@@ -120,7 +120,7 @@ export class Store {
   }
 }
 
-/** A set with one item more or less. */
+/** The set with the item added, or removed if it was there. */
 export function toggled(set: ReadonlySet<number>, item: number): ReadonlySet<number> {
   const result = new Set(set);
   if (!result.delete(item)) result.add(item);

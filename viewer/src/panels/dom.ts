@@ -30,9 +30,9 @@ export function setText(element: Element, text: string): void {
 export interface ButtonParts {
   icon?: IconName;
   text?: string;
-  /** What it is called; its text, without one. */
+  /** Its name for screen readers; its text where there is none. */
   name?: string;
-  /** Shown by the pointer; its name, without one. */
+  /** Its tooltip; its name where there is none. */
   title?: string;
   class?: string;
 }
@@ -53,7 +53,7 @@ export function commandTitle(id: string): string {
   return keys.length > 0 ? `${title} (${keys.map(keyLabel).join(", ")})` : title;
 }
 
-/** A button that does what the command's keys do. A text that is shown is also its name; an icon has the title. */
+/** A button that runs a command. Its name is the text that it shows, or the command's title if it shows an icon. */
 export function commandButton(app: App, id: string, parts: ButtonParts): HTMLButtonElement {
   const found = command(id);
   const name = parts.name ?? (parts.text === undefined ? found.title : undefined);
@@ -67,7 +67,7 @@ let labels = 0;
 /** An id that no other element of the page has. */
 export const freshId = (stem: string): string => `${stem}-${++labels}`;
 
-/** A label, and what it names beside it. */
+/** A label with its control beside it. */
 export function labelled(text: string, control: HTMLElement, ...more: Node[]): HTMLDivElement {
   control.id ||= freshId("control");
   return el("div", { class: "setting" }, el("label", { for: control.id }, text), el("span", { class: "value" }, control, ...more));

@@ -7,7 +7,7 @@ import { button, el, freshId, labelled } from "./dom";
 type Key = keyof ViewState;
 type KeysOf<T> = { [K in Key]: T extends ViewState[K] ? K : never }[Key];
 
-/** Keeps a control as the state is. */
+/** Keeps a control in step with the state. */
 function follow<K extends Key>(app: App, key: K, show: (value: ViewState[K]) => void): void {
   app.store.subscribe((state) => show(state[key]), [key]);
   show(app.store.state[key]);
@@ -62,16 +62,16 @@ const STEP = 0.5;
 /** A size of its own, or the scene's. */
 export function size(app: App, { key, text, largest, ofScene }: Size): HTMLElement {
   const slider = el("input", { type: "range", min: STEP, max: largest, step: STEP, "data-setting": key });
-  const said = el("output", { class: "number" });
+  const number = el("output", { class: "number" });
   const own = button({ text: "Scene", name: `${text} as in the scene`, class: "button small" }, () => app.store.set(patch(key, null)));
   slider.addEventListener("input", () => app.store.set(patch(key, Number(slider.value))));
   follow(app, key, (value) => {
     const sizes = [...new Set(ofScene())];
     slider.value = String(value ?? sizes[0] ?? STEP);
     const shown = value === null ? (sizes.length > 1 ? "various" : `${sizes[0] ?? "–"}`) : String(value);
-    said.textContent = `${shown} px`;
-    slider.setAttribute("aria-valuetext", value === null ? `${said.textContent}, as in the scene` : said.textContent);
+    number.textContent = `${shown} px`;
+    slider.setAttribute("aria-valuetext", value === null ? `${number.textContent}, as in the scene` : number.textContent);
     own.setAttribute("aria-pressed", String(value === null));
   });
-  return labelled(text, slider, said, own);
+  return labelled(text, slider, number, own);
 }

@@ -11,9 +11,9 @@ import { extremes } from "./graph_curves";
 import { drawCurves, drawMoving, largestSpacing, placeOf, type Place } from "./graph_drawing";
 import { Layer, onDrag } from "./layer";
 
-/** Curves that are drawn at most: beyond that nobody tells them apart. */
+/** The most curves that are drawn: nobody could tell more apart. */
 const MOST_CURVES = 50;
-/** Names that stand above the curves at most. */
+/** The most names above the curves. */
 const MOST_NAMES = 6;
 
 const drawnTrails = (app: App): number[] => [...app.store.state.selected].slice(0, MOST_CURVES);
@@ -24,7 +24,7 @@ const perFrame = (app: App, value: number) => `${lengthText(value)} ${unitName(a
 export function summary(app: App, trails: readonly number[]): string {
   const { motion } = app;
   if (trails.length === 0) return "Spacing graph: nothing is selected.";
-  const said = trails.slice(0, MOST_NAMES).map((index) => {
+  const sentences = trails.slice(0, MOST_NAMES).map((index) => {
     const trail = motion.trails[index];
     const spacing = motion.spacing(index);
     const found = extremes(spacing);
@@ -32,8 +32,8 @@ export function summary(app: App, trails: readonly number[]): string {
     const at = (i: number) => `${perFrame(app, spacing[i])} from frame ${frameText(sampleFrame(trail, i))}`;
     return `${trail.name}: fastest ${at(found.fastest)}, slowest ${at(found.slowest)}.`;
   });
-  if (trails.length > MOST_NAMES) said.push(`And ${trails.length - MOST_NAMES} more.`);
-  return `Spacing graph. ${said.join(" ")}`;
+  if (trails.length > MOST_NAMES) sentences.push(`And ${trails.length - MOST_NAMES} more.`);
+  return `Spacing graph. ${sentences.join(" ")}`;
 }
 
 function names(app: App, trails: readonly number[]): Node[] {
@@ -87,7 +87,7 @@ export function buildGraph(app: App): Graph {
   const plot = el("div", { class: "plot", role: "img" }, curves.canvas, moving.canvas);
   const list = el("ul", { class: "graph-names" });
   const value = el("span", { class: "graph-value" });
-  const said = el("p", { class: "hidden", role: "status" });
+  const inWords = el("p", { class: "hidden", role: "status" });
   const empty = el("p", { class: "none" }, "Select objects to see their spacing.");
 
   const follow = () => {
@@ -99,7 +99,7 @@ export function buildGraph(app: App): Graph {
     largest = largestSpacing(app, trails);
     const text = summary(app, trails);
     setAttributes(plot, { "aria-label": text });
-    setText(said, text);
+    setText(inWords, text);
     list.replaceChildren(...names(app, trails));
     empty.hidden = trails.length > 0;
     curves.invalidate();
@@ -119,7 +119,7 @@ export function buildGraph(app: App): Graph {
   const unit = `Spacing, ${unitName(app.scene.unit)} per frame`;
   const element = el(
     "section", { class: "graph", "aria-label": "Spacing graph" },
-    el("div", { class: "graph-head" }, el("h2", {}, unit), list, value), plot, empty, said,
+    el("div", { class: "graph-head" }, el("h2", {}, unit), list, value), plot, empty, inWords,
   );
   return { element, redraw };
 }

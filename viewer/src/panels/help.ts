@@ -1,4 +1,4 @@
-// What the keys and the mouse do, and what the colours say.
+// What the keys and the mouse do, and what the colours mean.
 
 import { COMMANDS, keyLabel } from "../model/commands";
 import { button, el, freshId } from "./dom";
@@ -50,7 +50,7 @@ export interface Help {
   open(): void;
 }
 
-/** Keys that a field of text wants for itself. */
+/** Whether a key belongs to a field of text. */
 const inText = (target: EventTarget | null) =>
   target instanceof Element && target.closest("input:not([type=checkbox]):not([type=radio]):not([type=range]), select, textarea") !== null;
 
@@ -66,7 +66,7 @@ export function buildHelp(): Help {
       el("div", {},
         part("Keys of single controls", table(["Key", "Does"], CONTROLS)),
         part("Mouse", table(["Mouse", "Does"], MOUSE)),
-        part("Colour modes", table(["Mode", "Says"], MODES)))),
+        part("Colour modes", table(["Mode", "Means"], MODES)))),
   );
   element.addEventListener("click", (event) => {
     if (event.target === element) element.close(); // beside the dialog

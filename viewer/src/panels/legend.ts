@@ -1,4 +1,4 @@
-// What the colours say. Every colour comes from the functions that colour the trails.
+// What the colours mean. Every colour comes from the functions that colour the trails.
 
 import { rampColor, rgbText, trailColors, type Palette } from "../model/colors";
 import { COLOR_MODES, type ColorMode, type Trail } from "../source/trail";
@@ -66,7 +66,7 @@ function explain(mode: ColorMode, palette: Palette): HTMLElement {
 
 /** Explains the colours that are on the page now. */
 export function buildLegend(app: App): { element: HTMLElement; update(): void } {
-  const element = el("div", { class: "legend", role: "group", "aria-label": "What the colours say" });
+  const element = el("div", { class: "legend", role: "group", "aria-label": "What the colours mean" });
   const update = () => {
     const { colorBy, mode, palette, relativeTo } = app.store.state;
     if (colorBy === "object") {
@@ -76,7 +76,7 @@ export function buildLegend(app: App): { element: HTMLElement; update(): void } 
     const modes = mode === null ? [...new Set(app.motion.trails.map((trail) => trail.colorMode))].sort() : [mode];
     element.replaceChildren(...modes.map((each) =>
       el("div", { class: "legend-mode" }, el("h3", {}, COLOR_MODES[each]), explain(each, palette))));
-    if (relativeTo !== null && modes.includes(1)) element.append(el("p", { class: "note" }, "Spacing colours are of the motion in the world."));
+    if (relativeTo !== null && modes.includes(1)) element.append(el("p", { class: "note" }, "Spacing colours show the motion in the world."));
     if (palette === "safe") element.append(el("p", { class: "note" }, "These are not the engine's own colours."));
   };
   app.store.subscribe(update, ["colorBy", "mode", "palette", "relativeTo"]);

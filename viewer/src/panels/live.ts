@@ -15,7 +15,7 @@ export function buildLive(): Live {
   return {
     element,
     announce(text) {
-      // The same text again is said again only as a new node.
+      // Screen readers repeat a text only if it is a new node.
       element.replaceChildren(el("span", {}, text));
       window.clearTimeout(timer);
       timer = window.setTimeout(() => element.replaceChildren(), SECONDS_SHOWN * 1000);

@@ -1,4 +1,4 @@
-// One object of the list: shown or not, alone or not, its colour, its name and what to beware of.
+// One object of the list: whether it is shown, whether it is solo, its colour, its name and its warnings.
 
 import type { App } from "../model/app";
 import { objectColor } from "../model/colors";

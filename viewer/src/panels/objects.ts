@@ -29,7 +29,7 @@ function searchField(app: App, changed: () => void): HTMLInputElement {
   return field;
 }
 
-/** Says what positions are relative to; leads back to the world. */
+/** Says what positions are relative to, with a button back to the world. */
 function referenceLine(app: App): HTMLElement {
   const text = el("span", { class: "reference-name" });
   const back = button({ text: "World", title: "Positions in the world again" }, () => app.store.set({ relativeTo: null }));
@@ -62,7 +62,7 @@ export function buildObjects(app: App): ObjectsPanel {
   const { store } = app;
   const grid = new ObjectGrid(app);
   const count = countLine(app, grid);
-  const none = el("p", { class: "none" }, "No object has such a name.");
+  const none = el("p", { class: "none" }, "No name matches the search.");
   const filter = () => {
     const fits = matcher(store.state.search);
     grid.filter((i) => fits(app.motion.trails[i]));

@@ -19,7 +19,7 @@ export interface Page {
   trailsChanged(): void;
 }
 
-/** Goes past the toolbar and the list. The page's hash is its state, so the link does not go there itself. */
+/** A link past the toolbar and the list. It moves the focus only, because the hash of the address holds the state. */
 function skipLink(viewport: HTMLElement): HTMLElement {
   const link = el("a", { class: "skip", href: "#viewport" }, "Skip to the trails");
   link.addEventListener("click", (event) => {
@@ -29,7 +29,7 @@ function skipLink(viewport: HTMLElement): HTMLElement {
   return link;
 }
 
-/** Takes keys as an application does: they orbit, step and play. */
+/** The viewport has the role of an application, so that screen readers pass its keys on to the page. */
 function viewportElement(): { viewport: HTMLElement; description: HTMLElement } {
   const description = el(
     "p", { class: "hidden", id: "viewport-keys" },

@@ -1,4 +1,4 @@
-// The panel with the settings: the engine's own, overridden for the page, and the page's.
+// The panel with the settings: those of the trails, which the page can override, and those of the page itself.
 
 import type { App } from "../model/app";
 import { KEPT } from "../model/hash";
@@ -10,7 +10,7 @@ import { buildLegend } from "./legend";
 
 const AS_IN_SCENE: readonly Option<boolean | null>[] = [[null, "Scene"], [true, "On"], [false, "Off"]];
 
-/** What belongs to looking at the trails now, and stays when the settings are reset. */
+/** What is not a setting, and stays when the settings are reset. */
 const STAY: readonly (keyof ViewState)[] = [
   "frame", "playFirst", "playLast", "camera", "selected", "hidden", "solo", "relativeTo", "theme",
 ];
@@ -18,7 +18,7 @@ const STAY: readonly (keyof ViewState)[] = [
 function reset(app: App): void {
   const initial = initialState(app.scene, app.motion.trails, app.store.state.camera);
   app.store.set(Object.fromEntries(KEPT.filter((key) => !STAY.includes(key)).map((key) => [key, initial[key]])));
-  app.announce("Settings as in the scene");
+  app.announce("All settings are those of the scene again");
 }
 
 const part = (title: string, ...content: Node[]) =>

@@ -1,4 +1,4 @@
-// The frames from left to right: where the keys are, what is played, and now.
+// The timeline: frames from left to right, with the keys, the range that is played and the current frame.
 
 import type { App } from "../model/app";
 import { command, goTo, shownKeyTimes } from "../model/commands";
@@ -14,7 +14,7 @@ export interface Timeline {
   redraw(): void;
 }
 
-/** Frames that an arrow or page key goes; none for another key. */
+/** By how many frames an arrow or page key moves; undefined for any other key. */
 function framesOf(event: KeyboardEvent): number | undefined {
   const steps: Record<string, number> = { ArrowRight: 1, ArrowUp: 1, ArrowLeft: -1, ArrowDown: -1, PageUp: 10, PageDown: -10 };
   return steps[event.key];
@@ -51,7 +51,7 @@ function buildTrack(app: App, canvas: HTMLCanvasElement, scale: () => FrameScale
   return track;
 }
 
-/** One end of what is played. */
+/** The handle at one end of the range that is played. */
 function buildHandle(app: App, end: "playFirst" | "playLast", scale: () => FrameScale): { element: HTMLElement; place(): void } {
   const { scene, store } = app;
   const set = (frame: number) => {

@@ -1,4 +1,4 @@
-// The row at the top: the scene, how one looks at it, and what one takes away.
+// The row at the top: the name of the scene, the views, saving, and what opens the panels.
 
 import type { App } from "../model/app";
 import { baseName } from "../model/format";
@@ -38,9 +38,9 @@ function themeButton(app: App): HTMLButtonElement {
   return made;
 }
 
-/** Opens and closes a panel, which the narrow page begins without. */
+/** Opens and closes a panel. On a narrow page it is closed at first. */
 export function panelButton(name: string, picture: "list" | "settings", panel: HTMLElement): HTMLButtonElement {
-  const made = button({ icon: picture, text: name, title: `Show or hide: ${name.toLowerCase()}` }, () => show(panel.hidden));
+  const made = button({ icon: picture, text: name, title: `Show or hide the panel ${name}` }, () => show(panel.hidden));
   const show = (shown: boolean) => {
     panel.hidden = !shown;
     made.setAttribute("aria-expanded", String(shown));

@@ -31,7 +31,7 @@ interface FrameField {
   set(frame: number): void;
 }
 
-/** A number that is a frame; what is typed counts when it is done, and is brought into the range. */
+/** A field for a frame. What is typed takes effect when typing ends, and is brought into the range. */
 function frameField(app: App, { text, title, key, set }: FrameField): HTMLElement {
   const { scene, store } = app;
   const field = el("input", {
@@ -64,7 +64,7 @@ export function buildTransport(app: App): HTMLElement {
   store.subscribe(update, ["frame"]);
   update();
   return el(
-    "div", { class: "transport", role: "group", "aria-label": "Transport" },
+    "div", { class: "transport", role: "group", "aria-label": "Playback" },
     playButtons(app),
     frameField(app, { text: "Frame", key: "frame", set: (frame) => goTo(app, frame) }),
     seconds,
@@ -75,6 +75,6 @@ export function buildTransport(app: App): HTMLElement {
       frameField(app, { text: "to", title: commandTitle("range-end"), key: "playLast",
         set: (frame) => store.set({ playLast: within(frame, store.state.playFirst, scene.last) }) }),
       commandButton(app, "range-all", { text: "Whole" })),
-    el("span", { class: "rate", title: "Frames a second of the scene" }, `${frameText(scene.fps)} fps`),
+    el("span", { class: "rate", title: "Frames per second of the scene" }, `${frameText(scene.fps)} fps`),
   );
 }

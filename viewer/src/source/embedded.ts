@@ -72,7 +72,7 @@ function pick(points: Float64Array, times: Float64Array, start: number, step: nu
   return picked;
 }
 
-/** Where reading has come to in each section, in elements. */
+/** How far a section has been read, in elements. */
 class Cursor {
   private next = 0;
   constructor(private readonly start: number, private readonly elementBytes: number) {}
@@ -86,9 +86,9 @@ class Cursor {
 
 /** Throws an Error that says what is wrong when header and data do not belong together. */
 export function readTrails(header: Header, data: ArrayBuffer): Trail[] {
-  if (header.format !== 1) throw new Error(`trails of format ${header.format}; this page reads format 1`);
+  if (header.format !== 1) throw new Error(`The trails have format ${header.format}, but this page reads format 1: write the page again.`);
   if (data.byteLength !== header.bytes)
-    throw new Error(`the data of the trails has ${data.byteLength} bytes instead of ${header.bytes}: the file was cut`);
+    throw new Error(`The trails have ${data.byteLength} bytes of data instead of ${header.bytes}: write the page again.`);
   const { sections } = header;
   const positions = new Cursor(sections.positions, 4);
   const keyPositions = new Cursor(sections.key_positions, 4);
@@ -142,7 +142,7 @@ function readScene(header: Header): Scene {
 
 function blockText(id: string): string {
   const element = document.getElementById(id);
-  if (!element) throw new Error("this page holds no trails; make one with: vantorelix trails SCENE --out trails.html");
+  if (!element) throw new Error("This page holds no trails. Make one that does with: vantorelix trails SCENE --out trails.html");
   const text = element.textContent ?? "";
   element.remove(); // its memory is not needed twice
   return text;

@@ -11,7 +11,7 @@ export interface Trail {
   readonly viz: string;
   /** Long path of the object in the scene. */
   readonly source: string;
-  /** The object's own name in its file; text from a stranger, never markup. */
+  /** The object's own name in its file. It may hold anything, so it must never become markup. */
   readonly name: string;
   readonly samplesPerFrame: number;
   readonly colorMode: ColorMode;
@@ -61,6 +61,6 @@ export interface TrailSource {
   readonly scene: Scene;
   /** The trails as they are now. A trail keeps its place in the list; one that changed is a new object. */
   trails(): readonly Trail[];
-  /** Calls back after trails() changed; the result ends that. */
+  /** Calls back after trails() changed, until the result is called. */
   subscribe(changed: () => void): () => void;
 }

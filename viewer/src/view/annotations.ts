@@ -14,9 +14,9 @@ import { hasDenseKeys, type Drawing, type TrailLayers } from "./layers";
 import type { Label, Overlay } from "./overlay";
 import type { Projection, Spot } from "./projection";
 
-/** Trails up to which every object has its name in the picture. */
+/** Up to this many trails, every object has its name in the picture. */
 const MOST_NAMED = 12;
-/** Markers of current positions that are drawn at most. */
+/** The most markers of current positions that are drawn. */
 const MOST_MARKS = 2000;
 
 export interface Picture {
@@ -88,7 +88,7 @@ function notes({ app, layers, grid, drawing }: Picture): string {
   if (showKeys && layers.trails.some(({ index }) => hasDenseKeys(app.motion.trails[index])))
     parts.push("keys at nearly every frame are not marked");
   const { plain, stride } = drawing;
-  if (plain) parts.push(`drawn plainly${stride > 1 ? `, every ${stride}${stride === 2 ? "nd" : "th"} sample` : ""}, to be quick`);
+  if (plain) parts.push(`simple drawing, to be quick${stride > 1 ? `: one sample in ${stride}` : ""}`);
   return parts.join(" · ");
 }
 

@@ -30,7 +30,7 @@ export interface SampleColors {
 
 const finiteAt = (places: Float32Array, sample: number) => Number.isFinite(places[3 * sample]);
 
-/** Calls `visit` with the samples at the ends of every stretch that a line drawn through every `stride`th has. */
+/** Calls `visit` with the two end samples of each stretch of a line through every `stride`th sample. */
 export function eachStretch(places: Float32Array, stride: number, visit: (from: number, to: number) => void): void {
   const last = places.length / 3 - 1;
   for (let from = 0; from < last; from += stride) {
@@ -67,7 +67,7 @@ function endsOf(trails: readonly DrawnTrail[], stride: number): Float32Array {
   return ends;
 }
 
-/** Lines of a width, or, which is quicker by far where pixels are filled by software, of one pixel. */
+/** Lines of a given width, or of one pixel, which software draws much faster. */
 export class Lines {
   readonly object: LineSegments2 | LineSegments;
   private readonly colors: Uint8Array;
@@ -101,7 +101,7 @@ export class Lines {
     this.object.frustumCulled = false;
   }
 
-  /** A beat starts with its key, the future behind the current frame; other colours blend. */
+  /** In Beats a stretch has the colour of its first sample, in Flow that of its last; in other modes the two blend. */
   recolor(colorsOf: (trail: number) => SampleColors): void {
     let at = 0;
     for (const { index, places } of this.trails) {

@@ -2,14 +2,14 @@
 
 import type { Drawing } from "./layers";
 
-/** Every how many samples a drawing of `budget` of them takes; a power of two. */
+/** The power of two such that a drawing of one sample in so many holds at most `budget` samples. */
 export function strideFor(samples: number, budget: number): number {
   let stride = 1;
   while (samples / stride > budget) stride *= 2;
   return stride;
 }
 
-/** Samples up to which everything is always drawn in full. */
+/** Up to this many samples, everything is always drawn. */
 const FEW = 20_000;
 
 /** Milliseconds that a drawing may take while something moves, and when all is still. */
@@ -19,12 +19,12 @@ const STILL = 350;
 /** Stretches that are drawn however long they take: fewer would not look like the trails any more. */
 const LEAST = 30_000;
 
-/** How many times as long as a plain one a drawing takes that has everything, where software fills the pixels. */
+/** How many times longer a full drawing takes than a plain one, where software fills the pixels. */
 const RICHNESS = 8;
 
-/** Learns from the time that drawings took what the next one may hold. */
+/** Learns from the times of past drawings how much the next one may hold. */
 export class Detail {
-  /** Milliseconds a stretch of a plain drawing; at first as slow as software is. */
+  /** Milliseconds per stretch of a plain drawing; the first value is that of slow software. */
   private cost = 1e-3;
 
   constructor(private readonly samples: () => number) {}
@@ -36,7 +36,7 @@ export class Detail {
     return { stride: strideFor(samples, Math.max(LEAST, (moving ? MOVING : STILL) / this.cost)), plain };
   }
 
-  /** Whether the next drawing is worth its time being taken. */
+  /** Whether drawings are to be timed. */
   get learns(): boolean {
     return this.samples() > FEW;
   }

@@ -16,7 +16,7 @@ function stepUpTo(size: number): number {
   return power * (head >= 5 ? 5 : head >= 2 ? 2 : 1);
 }
 
-/** A rectangle of squares; axes by number, y up. `across` is the axis that it has one value of. */
+/** A rectangle of squares; axes by number, y up. `across` is the axis at a right angle to it, `height` its place there. */
 export interface Grid {
   readonly step: number;
   readonly across: 0 | 1 | 2;
@@ -27,10 +27,10 @@ export interface Grid {
 
 const AXES = { 0: [2, 1], 1: [0, 2], 2: [0, 1] } as const;
 
-/** Which axis the grid of a view is across. */
+/** The axis at a right angle to the grid of a view. */
 export const acrossOf = (view: ViewName): 0 | 1 | 2 => (view === "front" ? 2 : view === "side" ? 0 : 1);
 
-/** Ground below the box; seen from the front or the side, ruled paper behind it. */
+/** Below the box like a floor; seen from the front or the side, behind it like ruled paper. */
 export function gridFor(box: Bounds, view: ViewName): Grid {
   const across = acrossOf(view);
   const [u, v] = AXES[across];
@@ -77,7 +77,7 @@ function gridLines(grid: Grid, origin: Vec3, colors: Colors): LineSegments {
   return lines;
 }
 
-/** The ground hides what is below it, as ground does. */
+/** The ground, which hides what is below it. */
 function plane(grid: Grid, origin: Vec3, colors: Colors): Mesh {
   const [width, depth] = [grid.high[0] - grid.low[0], grid.high[1] - grid.low[1]];
   const material = new MeshBasicMaterial({ color: colors.ground, side: DoubleSide, polygonOffset: true });
@@ -99,7 +99,7 @@ function box(node: StaticBox, turn: Matrix4, colors: Colors): Group {
   group.add(new Mesh(geometry, material));
   group.add(new LineSegments(new EdgesGeometry(geometry), new LineBasicMaterial({ color: colors.boxEdge })));
   group.children.forEach((child) => (child.renderOrder = -7));
-  // Row vectors, one after the other, are columns for column vectors.
+  // A matrix for row vectors, row by row, is the same list of numbers as that for column vectors, column by column.
   group.matrixAutoUpdate = false;
   group.matrix.fromArray(node.matrix as number[]).premultiply(turn);
   return group;

@@ -11,7 +11,7 @@ import { Dots, eachStretch, keyMarkers, Lines, type DrawnTrail, type SampleColor
 import { dotMaterial, keyMaterial, lineMaterial, thinMaterial } from "./materials";
 import type { Colors } from "./theme";
 
-/** Stretches up to which every line gets a casing, and every dot a rim. */
+/** Up to this many stretches, every line has a casing and every dot a rim. */
 const MOST_CASED = 60_000;
 
 /** Ghosts come last, over everything. */
@@ -123,7 +123,7 @@ export class TrailLayers {
     this.samples.clear();
   }
 
-  /** Puts the trails into the group; how many stretches that is. */
+  /** Puts the trails into the group; returns the number of stretches. */
   show(drawing: Drawing): number {
     const name = JSON.stringify(drawing);
     let level = this.levels.get(name);
@@ -195,7 +195,7 @@ export class TrailLayers {
     return level;
   }
 
-  /** Around every line while they are few, and around what is selected, if that tells it from something. */
+  /** Casings around all lines while these are few, and around selected trails unless every trail is selected. */
   private addCasings(level: Level, lined: readonly DrawnTrail[], stride: number): void {
     const { selected } = this.app.store.state;
     const { casing, selected: accent } = this.colors();

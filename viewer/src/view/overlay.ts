@@ -15,10 +15,10 @@ export interface Mark {
   readonly strong: boolean;
 }
 
-/** Labels that are drawn at most: beyond that nobody reads them. */
+/** The most labels that are drawn: nobody would read more. */
 const MOST_LABELS = 250;
 
-/** Squares of the picture that hold a label already. */
+/** The squares of the picture that already hold a label. */
 class Occupied {
   private readonly cells = new Set<number>();
 
@@ -64,7 +64,7 @@ export class Overlay {
     context.stroke();
   }
 
-  /** A ring around the sample that is meant. */
+  /** A ring around the sample that is pointed at. */
   ring(at: Spot): void {
     const { context, colors } = this;
     context.beginPath();
@@ -74,7 +74,7 @@ export class Overlay {
     context.stroke();
   }
 
-  /** Beside its place, where no other label is; else not at all. */
+  /** Drawn beside its place if no other label is there; otherwise not at all. */
   label({ at, text, strong }: Label): void {
     if (this.labels >= MOST_LABELS) return;
     const { context, colors } = this;

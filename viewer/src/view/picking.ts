@@ -4,9 +4,9 @@ import type { Hover } from "../model/state";
 import type { DrawnTrail } from "./batch";
 import type { Projection, Spot } from "./projection";
 
-/** Pixels within which a sample counts as meant. */
+/** Pixels within which a sample counts as pointed at. */
 const NEAR = 14;
-/** Samples that one search looks at closely; of longer lists it looks at some first. */
+/** The most samples that one search looks at; of more it looks at some first, then at those around the nearest. */
 const MOST = 150_000;
 
 interface Best {

@@ -19,7 +19,7 @@ export function describe(app: App, { trail: index, sample }: Hover): string {
     trail.name,
     `Frame ${short(sampleFrame(trail, sample))}`,
     `${relativeTo === null ? "Position" : `From ${app.motion.trails[relativeTo].name}`} ${place} ${unit}`,
-    `Speed ${short(spacing * app.scene.fps)} ${unit} a second, ${short(spacing)} a frame`,
+    `Speed ${short(spacing * app.scene.fps)} ${unit} per second, ${short(spacing)} per frame`,
   ].join("\n");
 }
 

@@ -1,4 +1,4 @@
-// The trails in space. Draws when something changed, never else.
+// The view of the trails in space. It draws only when something has changed.
 
 import "./viewport.css";
 import { ColorManagement, Group, LinearSRGBColorSpace, Scene, WebGLRenderer } from "three";
@@ -55,7 +55,7 @@ export class Viewport {
   private gesture = false;
   private pointer: { x: number; y: number } | null = null;
 
-  /** Throws an Error for the reader when the browser cannot draw in space. */
+  /** Throws an Error with a text for the reader if the browser cannot draw in 3D. */
   constructor(private readonly app: App, private readonly host: HTMLElement) {
     this.renderer = makeRenderer();
     const { canvas } = this.overlay;
@@ -87,7 +87,7 @@ export class Viewport {
     context.drawImage(this.renderer.domElement, 0, 0);
     context.drawImage(this.overlay.canvas, 0, 0);
     return new Promise((resolve, reject) =>
-      canvas.toBlob((blob) => (blob ? resolve(blob) : reject(new Error("the picture could not be made")))));
+      canvas.toBlob((blob) => (blob ? resolve(blob) : reject(new Error("The picture could not be made: make the window smaller and try again")))));
   }
 
   private get colors() {
@@ -263,7 +263,7 @@ function makeRenderer(): WebGLRenderer {
     renderer.outputColorSpace = LinearSRGBColorSpace;
     return renderer;
   } catch {
-    throw new Error("This browser cannot draw in space (WebGL 2 is off): turn on hardware acceleration, or try another.");
+    throw new Error("This browser cannot draw in 3D, because WebGL 2 is off: turn on hardware acceleration, or try another browser.");
   }
 }
 

@@ -8,7 +8,7 @@ from ._values import *
 
 try:
     from ._plugin import *
-except ImportError as _missing:  # as long as there is no stand-in for what plug-ins register with
+except ImportError as _missing:  # where the package lacks the stand-in for what plug-ins register with
     if _missing.name != __package__ + "._plugin":
         raise
 

@@ -1,4 +1,4 @@
-"""Viewport 2.0, recorded: drawing calls are kept in lists, in order, and nothing is shown."""
+"""Viewport 2.0, recorded: drawing calls are kept in lists, in their order, and nothing is shown."""
 
 from .. import host
 from . import OpenMaya, _plugin
@@ -7,7 +7,7 @@ from .OpenMayaUI import MPxLocatorNode
 
 
 class MUIDrawManager(object):
-    """Keeps every call as (name, arguments), and refuses what Maya refuses."""
+    """Keeps every call as (name, arguments), and refuses the calls that Maya refuses."""
 
     kPoints, kLines, kLineStrip, kClosedLine, kTriangles, kTriStrip = range(6)
     kNonSelectable, kSelectable, kAutomatic = range(3)
@@ -64,12 +64,12 @@ class MUIDrawManager(object):
 
 class MRenderer(object):
     kNone, kOpenGL, kDirectX11, kOpenGLCoreProfile, kAllDevices = 0, 1, 2, 4, 7
-    # The objects that are to be prepared again before the next draw.
+    # The objects that have to be prepared again before the next draw.
     dirty = []
 
     @staticmethod
     def setGeometryDrawDirty(object, topologyChanged=True):
-        object.node()  # An error for a node that is gone: what Maya does then is not documented.
+        object.node()  # Raises for a node that is gone; Maya's documentation does not say what happens then.
         MRenderer.dirty.append(object)
 
 
@@ -101,7 +101,7 @@ class MFrameContext(object):
 
 
 class Path(object):
-    """Stands for the path to a node that a viewport hands to an override."""
+    """The path to a node, as a viewport passes it to an override."""
 
     def __init__(self, scene_object):
         self._object = scene_object
@@ -123,7 +123,7 @@ class _Shown(object):
         self.drawn = []
 
     def is_shown_in(self, panel):
-        """Whether the panel's Show menu has everything on that this node follows."""
+        """Whether every entry of the panel's Show menu that concerns this node is on."""
         filters = [name for name, (_, classification, _) in host.display_filters.items()
                    if classification == self.twin.kind.classification]
         if isinstance(self.twin.node, MPxLocatorNode) and self.twin.node.excludeAsLocator():
@@ -141,7 +141,7 @@ class _Shown(object):
         self.drawn = manager.drawn
 
     def box(self):
-        """Asked for again only when an attribute changed that affects the box of the node."""
+        """The node's box, which is asked for again only if an attribute that affects it has changed."""
         if self._box is None or MPxLocatorNode.nodeBoundingBox in self.twin.dirty:
             self.twin.dirty.discard(MPxLocatorNode.nodeBoundingBox)
             self._box = self.override.boundingBox(self.path, None)
@@ -149,13 +149,13 @@ class _Shown(object):
 
 
 class Viewport(object):
-    """Draws the nodes of plug-ins as Viewport 2.0 does: prepares one when it is dirty, and else shows what it has."""
+    """Draws the nodes of plug-ins as Viewport 2.0 does: it prepares a node only if that is dirty."""
 
     def __init__(self):
         self._known = {}
 
     def refresh(self, panel="modelPanel4"):
-        """What this panel shows after a refresh, by the name of the node."""
+        """The drawing calls of each node that this panel shows after a refresh, by the node's name."""
         _plugin.catch_up()
         self._known = {twin.object: self._known.get(twin.object) or _Shown(twin) for twin in _plugin.twins}
         for changed in MRenderer.dirty:
@@ -172,7 +172,7 @@ class Viewport(object):
         return {self._name(known): known.prepared for known in self._known.values()}
 
     def box(self, name):
-        """The corners of the box that framing this node takes."""
+        """The corners of the box that is used to frame this node."""
         for known in self._known.values():
             if self._name(known) == name:
                 box = known.box()

@@ -1,4 +1,4 @@
-"""Locators, for plug-ins that define one. Nothing here draws."""
+"""Locators, for plug-ins that define one. Nothing is drawn."""
 
 from ._arrays import MBoundingBox
 from ._plugin import Attribute, MPxNode

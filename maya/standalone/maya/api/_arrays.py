@@ -1,7 +1,7 @@
 """Points, colors and whole numbers, one by one and in arrays of the size that they have in Maya.
 
-An element that was taken out of an array is a reference into it, as in Maya: it follows the array, and is an error when
-the array has shrunk or is gone. In Maya it would then read memory that is somebody else's.
+An element of an array is a reference into it, as in Maya: it follows the array. It is an error to use it after the
+array has shrunk or been deleted; in Maya it would then read memory that is not its own.
 """
 
 import itertools
@@ -14,25 +14,25 @@ __all__ = ["MBoundingBox", "MColor", "MColorArray", "MPoint", "MPointArray", "MU
 
 
 class _Numbers(object):
-    """Four numbers, its own or those of a place in an array."""
+    """Four numbers: its own, or those of an element of an array."""
 
     _rest = (0.0, 0.0, 0.0, 1.0)
 
     def _set(self, values):
         values = [float(value) for value in values]
         if len(values) > 4:
-            raise TypeError("at most four numbers, not {0!r}".format(values))
+            raise TypeError("at most four numbers are wanted, not {0!r}".format(values))
         self._own, self._home = tuple(values + list(self._rest[len(values):])), None
 
     @classmethod
     def at(cls, home, place):
-        """Refers to an element of an array. Not a part of Maya."""
+        """A reference to an element of an array. Maya does not have this method."""
         made = cls.__new__(cls)
         made._home, made._place = weakref.ref(home), place
         return made
 
     def is_reference(self):
-        """Not a part of Maya."""
+        """Maya does not have this method."""
         return self._home is not None
 
     def _values(self):
@@ -40,7 +40,7 @@ class _Numbers(object):
             return self._own
         home = self._home()
         if home is None or self._place >= len(home):
-            raise ReferenceError("an element of an array that has shrunk or is gone")
+            raise ReferenceError("the array of this element has shrunk or is gone")
         return tuple(home.numbers[4 * self._place:4 * self._place + 4])
 
     def __len__(self):
@@ -63,7 +63,7 @@ class _Numbers(object):
 
 class MPoint(_Numbers):
     def __init__(self, *values):
-        """Of another point, a vector, a sequence of numbers, or two numbers and more."""
+        """From another point, a vector, a sequence of numbers, or at least two numbers."""
         self._set(values[0] if len(values) == 1 else values)
 
     x, y, z, w = (property(lambda self, i=i: self[i]) for i in range(4))
@@ -71,7 +71,7 @@ class MPoint(_Numbers):
 
 class MColor(_Numbers):
     def __init__(self, components=(), model=0, dataType=0):
-        """Of another color, or a tuple or list of numbers."""
+        """From another color, or a tuple or list of numbers."""
         if not isinstance(components, (MColor, tuple, list)):
             raise TypeError("a color is made of a color, a tuple or a list, not of {0!r}".format(components))
         self._set(components)
@@ -80,9 +80,9 @@ class MColor(_Numbers):
 
 
 class _Array(object):
-    """Made of nothing, an array of its kind, a size and a value, or a sequence."""
+    """Made from nothing, from an array of its kind, from a size and a value, or from a sequence."""
 
-    _code, _width = "d", 4  # How its numbers are kept, and how many an element has.
+    _code, _width = "d", 4  # The type of its numbers, and how many of them an element has.
 
     def __init__(self, *source):
         if len(source) == 2:
@@ -129,8 +129,8 @@ class MUintArray(_Array):
 
 
 class _OfNumbers(_Array):
-    # The kinds of elements that the constructor takes beside its own. Maya's page names its own alone; plug-ins are
-    # seen to give points as tuples, and what holds for the others only Maya can tell.
+    # The types of elements that the constructor takes, apart from its own. Maya's documentation names only the array's
+    # own type. Published plug-ins pass points as tuples; whether Maya takes others, only a test in Maya could show.
     also_takes = (tuple, MVector)
 
     def _numbers_of(self, values):

@@ -11,7 +11,7 @@ _identifiers = itertools.count(1)
 
 
 class _Subscriber(object):
-    """Who is told of one kind of event."""
+    """Who gets the messages about one kind of event."""
 
     def __init__(self, event, tell):
         self.event = event
@@ -54,7 +54,7 @@ class MMessage(object):
 class MDGMessage(MMessage):
     @staticmethod
     def addNodeRemovedCallback(function, nodeType="dependNode", clientData=None):
-        """The function gets the node, which is still there, and the client's data."""
+        """The function gets the node, which still exists, and the client's data."""
 
         def tell(node, type_name):
             if _is_kind_of(type_name, nodeType):

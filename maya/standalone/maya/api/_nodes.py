@@ -34,7 +34,7 @@ class MObject(object):
         self.data = data
 
     def node(self):
-        """The node's number; an error when it is gone. Not a part of Maya."""
+        """The number of the node; an error if it is gone. Maya does not have this method."""
         if self._generation != host.generation or self._node is None or not host.exists(self._node):
             raise _no_object()
         return self._node
@@ -68,30 +68,13 @@ class MObjectArray(list):
     """A list of objects."""
 
 
-class MObjectHandle(object):
-    """Tells whether the node of an object is still there, and not deleted or on the undo queue only."""
-
-    def __init__(self, object=MObject.kNullObj):
-        self._object = object
-
-    def object(self):
-        return self._object
-
-    def isValid(self):
-        try:
-            self._object.node()
-        except RuntimeError:
-            return False
-        return True
-
-
 def plugin_object(name, path):
-    """What a plug-in's initializePlugin is given. Not a part of Maya."""
+    """The argument for a plug-in's initializePlugin. Maya does not have this function."""
     return MObject(data=("plugin", name, path))
 
 
 class MObjectHandle(object):
-    """A node that may go, and come back when that is undone."""
+    """Refers to a node that may be deleted, and may come back when that is undone."""
 
     def __init__(self, node=MObject.kNullObj):
         self._object = node
@@ -104,7 +87,7 @@ class MObjectHandle(object):
         return self._of_this_scene() and host.exists(self._object._node)
 
     def isAlive(self):
-        """Whether it is in the scene or can come back."""
+        """Whether it is in the scene or could come back."""
         return self.isValid() or (self._of_this_scene() and host.call("undo_keeps", self._object._node))
 
     def _of_this_scene(self):
@@ -128,7 +111,7 @@ class MSelectionList(object):
         self._nodes = []
 
     def add(self, item, mergeWithExisting=True):
-        """A name or pattern (of several objects with the name, all), a node, or another list."""
+        """Adds a node, another list, or all objects that a name or pattern matches."""
         if isinstance(item, MObject):
             found = [item]
         elif isinstance(item, MSelectionList):

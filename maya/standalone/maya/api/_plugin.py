@@ -1,7 +1,7 @@
 """Plug-ins and their nodes, recorded: what a plug-in registers is kept where a test can read it.
 
-The scene knows nothing of the Python object that a plug-in makes for each of its nodes, and tells nobody that an
-attribute or the time has changed. `catch_up`, which a refresh of the viewport calls, makes up for both.
+The scene does not know the Python object that a plug-in makes for each of its nodes, and sends no message when an
+attribute or the time has changed. `catch_up`, which a refresh of the viewport calls, does both.
 """
 
 import warnings
@@ -24,7 +24,7 @@ class NodeType(object):
     def __init__(self, name, type_id, creator, kind, classification):
         self.name, self.id, self.creator, self.kind, self.classification = name, type_id, creator, kind, classification
         self.attributes = {}
-        self.affects = {}  # Names of attributes by what they affect, an attribute of Maya's.
+        self.affects = {}  # an attribute of Maya's -> the names of the attributes that affect it
 
 
 class MTypeId(object):
@@ -46,7 +46,7 @@ class MTypeId(object):
 
 
 class MFnPlugin(object):
-    """`plugin` may be anything: it only names the plug-in."""
+    """`plugin` may be any value; it only identifies the plug-in."""
 
     def __init__(self, plugin, vendor="", version="", apiVersion="Any"):
         self.plugin, self._vendor, self.version, self._api = plugin, vendor, version, apiVersion
@@ -74,7 +74,7 @@ class MFnPlugin(object):
 
 
 class Attribute(object):
-    """What Maya gives as the object of an attribute; its defaults are Maya's."""
+    """The object of an attribute, with Maya's defaults."""
 
     def __init__(self, name, short, kind, default):
         self.name, self.shortName, self.kind, self.default = name, short, kind, default
@@ -84,7 +84,7 @@ class Attribute(object):
 
 
 class MFnAttribute(object):
-    """Properties of the function set are those of the attribute that it made last."""
+    """The properties of the function set are those of the attribute that it has made last."""
 
     _OWN = ("object",)
 
@@ -148,7 +148,7 @@ class MFnData(object):
 
 
 class MDataBlock(object):
-    """Only there to be named: nodes that compute are not covered."""
+    """Exists only so that it can be named, because nodes that compute are not covered."""
 
     def __init__(self, *ignored):
         raise NotImplementedError("nodes that compute are not covered")
@@ -186,7 +186,7 @@ class MUserData(object):
 
 
 class MEvaluationNode(object):
-    """What the evaluation manager knows of a node that it evaluates; made of the attributes that change."""
+    """What the evaluation manager knows about a node that it evaluates: the attributes that change."""
 
     def __init__(self, changing=()):
         self._changing = list(changing)
@@ -229,14 +229,14 @@ def _add_time_change_callback(function, clientData=None):
 
 
 class _Twin(object):
-    """A node of the scene, its Python object, and what its attributes held when we last looked."""
+    """A node of the scene, its Python object, and the values of its attributes at the last look."""
 
     def __init__(self, scene_object, kind):
         self.object, self.kind = scene_object, kind
         self.node = kind.creator()
         self.node._object = scene_object
         self.held = self.look()
-        self.dirty = set(kind.affects)  # Attributes of Maya's that are to be computed anew.
+        self.dirty = set(kind.affects)  # attributes of Maya's that have to be computed again
 
     def plugs(self):
         node = MFnDependencyNode(self.object)
@@ -262,7 +262,8 @@ _last_time = [None]
 
 
 def catch_up():
-    """Tells the Python objects of plug-in nodes what has changed since the last time, and makes those that lack."""
+    """Tells the Python objects of plug-in nodes what has changed since the last call, and makes those that are
+    missing."""
     twins[:] = [twin for twin in twins
                 if MObjectHandle(twin.object).isValid() and node_types.get(twin.kind.name) is twin.kind]
     for twin in twins:

@@ -16,7 +16,7 @@ __all__ = [
     "upAxis",
 ]
 
-# Tangent types by the numbers that keys have. `step_next` is the step to the next key's value.
+# The numbers that keys have for tangent types. "stepnext" is a step that has the next key's value.
 _TANGENTS = {
     "fixed": 1,
     "linear": 2,
@@ -50,7 +50,7 @@ def _plug_curves(node, attribute):
 
 
 def _curves(names, attribute):
-    """The curves that the arguments of a command on keys stand for, each once."""
+    """The curves that the arguments of a command about keys mean, each once."""
     curves = []
     plugs = [split_plug(name) for name in names if isinstance(name, str) and "." in name]
     rest = [name for name in names if not (isinstance(name, str) and "." in name)]
@@ -67,7 +67,7 @@ def _curves(names, attribute):
 
 
 def _range_of(time):
-    """What a time flag stands for: (first, last) frames; one number is itself, "a:b" a range."""
+    """(first, last) frame of a time flag: a number, a pair, or a text such as "a:b"."""
     if time is None:
         return float("-inf"), float("inf")
     if isinstance(time, str):
@@ -97,7 +97,7 @@ def _edit_keys(curves, time, timeChange, valueChange, relative):
     edited = 0
     for curve in curves:
         keys = _keys(curve, time)
-        # Moved one after another, so those go first that the others would land on.
+        # Keys are moved one by one, so those go first on which others would land.
         forward = relative and timeChange is not None and timeChange > 0
         for key in reversed(keys) if forward else keys:
             frame = timeChange if not relative or timeChange is None else key[0] + timeChange
@@ -134,11 +134,12 @@ def keyframe(
     absolute=False,
     eval=False
 ):
-    """Queried: times, values or curve names as a list, None where there is none; a count. Edited: how many keys."""
+    """A query returns a list of times, values or names of curves (None if it is empty), or a count. An edit returns the
+    number of keys."""
     curves = _curves(names, attribute)
     if not query:
         if timeChange is None and valueChange is None:
-            raise not_covered("keyframe: edits of other than times and values")
+            raise not_covered("keyframe: edits of anything but times and values")
         return _edit_keys(curves, time, timeChange, valueChange, relative)
     if name:
         return [host.call("unique_name", curve) for curve in curves] or None
@@ -153,19 +154,16 @@ def keyframe(
     return [key[0 if timeChange else 1] for key in keys] or None
 
 
-_CHANNELS = ["visibility", "translate", "rotate", "scale"]  # what a key goes on where no attribute is given
+_CHANNELS = ["translate", "rotate", "scale"]  # these get keys if no attribute is given
 
 
 def _keyable(node, attribute):
-    if attribute is not None:
-        wanted = _attributes(attribute)
-    else:
-        wanted = _CHANNELS[1:]
+    wanted = _CHANNELS if attribute is None else _attributes(attribute)
     return [(node, part) for each in wanted for part in host.call("channel_parts", node, each) or [each]]
 
 
 def _key_targets(names, attribute):
-    """(node, attribute or None for a curve) of each thing that gets a key."""
+    """(node, attribute) of everything that gets a key; the attribute is None if the node is a curve."""
     targets = []
     plain = []
     for name in names:
@@ -179,7 +177,7 @@ def _key_targets(names, attribute):
 
 
 def _set_key(node, attribute, frame, value):
-    """The curve that has the key now."""
+    """Sets a key; returns its curve."""
     if attribute is None:
         host.call("set_curve_key", node, frame, host.call("evaluate", node, frame) if value is None else value)
         return node
@@ -192,14 +190,14 @@ def _tangent(name):
     if name is None:
         return None
     if name not in _TANGENTS:
-        raise RuntimeError("Invalid tangent type: %s" % name)
+        raise RuntimeError("Invalid tangent type: %s; the types are %s" % (name, ", ".join(_TANGENTS)))
     return _TANGENTS[name]
 
 
 @undoable
 @command(attribute="at", time="t", value="v", inTangentType="itt", outTangentType="ott")
 def setKeyframe(*names, attribute=None, time=None, value=None, inTangentType=None, outTangentType=None):
-    """How many keys were set. A value is in what the attribute shows: degrees on angles."""
+    """Returns the number of keys that were set. Values are in the unit that the attribute shows: degrees for angles."""
     tangents = _tangent(inTangentType), _tangent(outTangentType)
     frames = [host.call("current_time")] if time is None else time if isinstance(time, (list, tuple)) else [time]
     count = 0
@@ -217,7 +215,7 @@ def setKeyframe(*names, attribute=None, time=None, value=None, inTangentType=Non
 @undoable
 @command(attribute="at", time="t", clear="cl", option="o")
 def cutKey(*names, attribute=None, time=None, clear=False, option="keys"):
-    """How many keys were cut. There is no clipboard: `clear` says nothing new."""
+    """Returns the number of keys that were cut. There is no clipboard, so `clear` makes no difference."""
     if option not in ("keys", "curve"):
         raise not_covered("cutKey: option '%s'" % option)
     count = 0
@@ -234,16 +232,16 @@ def cutKey(*names, attribute=None, time=None, clear=False, option="keys"):
 def keyTangent(
     *names, query=False, edit=False, attribute=None, time=None, inTangentType=None, outTangentType=None
 ):
-    """Queried: the type of each key's side. Edited: how many keys."""
+    """A query returns the types of tangents, an edit the number of keys."""
     curves = _curves(names, attribute)
     if query:
         sides = [place for place, asked in ((2, inTangentType), (3, outTangentType)) if asked]
         if not sides:
-            raise not_covered("keyTangent: queries of other than tangent types")
+            raise not_covered("keyTangent: queries of anything but tangent types")
         return [_TANGENT_NAMES[key[side]] for curve in curves for key in _keys(curve, time) for side in sides] or None
     tangents = _tangent(inTangentType), _tangent(outTangentType)
     if not any(tangents):
-        raise not_covered("keyTangent: edits of other than tangent types")
+        raise not_covered("keyTangent: edits of anything but tangent types")
     return sum(
         host.call("change_key", curve, key[0], None, None, *tangents) for curve in curves for key in _keys(curve, time)
     )
@@ -251,7 +249,7 @@ def keyTangent(
 
 def _infinity(name):
     if name not in _INFINITIES:
-        raise RuntimeError("Invalid infinity type: %s" % name)
+        raise RuntimeError("Invalid infinity type: %s; the types are %s" % (name, ", ".join(_INFINITIES)))
     return _INFINITIES[name]
 
 
@@ -272,14 +270,14 @@ def setInfinity(*names, query=False, edit=False, attribute=None, preInfinite=Non
 def currentTime(*time, query=False, edit=False, update=True):
     if not query:
         if len(time) != 1:
-            raise RuntimeError("currentTime: a time is needed.")
+            raise RuntimeError("currentTime: give one time, in frames.")
         host.call("set_current_time", float(time[0]))
     return host.call("current_time")
 
 
 @command(query="q", edit="e", minTime="min", maxTime="max")
 def playbackOptions(*, query=False, edit=False, minTime=None, maxTime=None):
-    """Queried: a frame. There is one range: the animation's own start and end are not covered."""
+    """A query returns a frame. There is only the playback range: the animation's own start and end are not covered."""
     first, last = host.call("playback_range")
     if query:
         return first if minTime else last
@@ -290,7 +288,7 @@ def playbackOptions(*, query=False, edit=False, minTime=None, maxTime=None):
 
 @command(query="q", state="st")
 def play(*, query=False, state=None):
-    """Only says that the scene is playing: time stands still."""
+    """Marks the scene as playing; the time does not move."""
     if not query:
         host.call("set_playing", True if state is None else bool(state))
     return host.call("is_playing")

@@ -26,7 +26,8 @@ def _type_of(node, attribute, value):
 
 @command(time="t", type="typ", size="s")
 def getAttr(path, *, time=None, type=False, size=False):
-    """A number, a flag or a text; [(x, y, z)] of a compound; sixteen floats of a matrix; triples of a vector array."""
+    """Returns a number, a flag or a text; [(x, y, z)] for a compound, sixteen floats for a matrix, triples for a vector
+    array."""
     node, attribute = existing_plug(path)
     frame = host.call("current_time") if time is None else float(time)
     if host.call("has_vectors", node, attribute):
@@ -45,7 +46,7 @@ def getAttr(path, *, time=None, type=False, size=False):
 
 
 def _value_of(path, values, type):
-    """What setAttr was given, as one value."""
+    """The values that setAttr was given, as one value."""
     if type in ("double3", "float3", "short3", "long3"):
         numbers = list(values[0]) if len(values) == 1 and isinstance(values[0], (list, tuple)) else list(values)
         if len(numbers) != 3:
@@ -58,7 +59,7 @@ def _value_of(path, values, type):
     if len(values) == 3:
         return list(values)
     if len(values) > 1:
-        raise RuntimeError("setAttr: too many values for '%s'." % path)
+        raise RuntimeError("setAttr: %d values are too many for '%s'." % (len(values), path))
     if type is None and isinstance(values[0], str):
         raise RuntimeError("setAttr: Error reading data element number 1: %s" % values[0])
     return values[0]
@@ -100,7 +101,7 @@ def addAttr(*names, longName=None, attributeType=None, dataType=None, defaultVal
 @command(node="n", exists="ex")
 def attributeQuery(attribute, *, node=None, exists=False):
     if not exists:
-        raise not_covered("attributeQuery: other questions than exists")
+        raise not_covered("attributeQuery: flags other than exists")
     number = host.call("named", node)
     return host.call("has_attribute", number, attribute) or host.call("has_vectors", number, attribute)
 

@@ -1,5 +1,5 @@
-"""Namespaces: making, choosing, removing and listing them. Names are relative to the current one, unless they begin with
-a colon."""
+"""Namespaces: making, choosing, removing and listing them. Names are relative to the current one, unless they begin
+with a colon."""
 
 from .. import host
 from .._commands import command, not_covered, unique_name
@@ -15,7 +15,7 @@ def _from_root(name):
 
 
 def _existing(name):
-    """As _from_root, but it must be there."""
+    """As _from_root, but the namespace must exist."""
     full = _from_root(name)
     if full and full not in host.call("namespaces"):
         raise RuntimeError("No namespace matches name: '%s'." % name)
@@ -27,7 +27,7 @@ def _above(name):
 
 
 def _below(name, recurse):
-    """The namespaces in one, or also in those."""
+    """The namespaces directly in one; with `recurse` also those inside of these."""
     if recurse:
         return [each for each in host.call("namespaces") if each.startswith(name + ":" if name else "")]
     return [each for each in host.call("namespaces") if _above(each) == name]
@@ -64,7 +64,7 @@ def namespace(*, add=None, parent=None, set=None, exists=None, removeNamespace=N
         full = _from_root(exists)
         return not full or full in host.call("namespaces")
     if add is None and set is None and removeNamespace is None:
-        raise not_covered("namespace: other than add, set, exists and removeNamespace")
+        raise not_covered("namespace: flags other than add, set, exists and removeNamespace")
     with host.command("namespace"):
         if add is not None:
             return _add(add, parent)
@@ -90,7 +90,7 @@ def namespaceInfo(
     recurse=False,
     absoluteName=False
 ):
-    """Of the namespace given, or of the current one. None for an empty list; the root is ":"."""
+    """Answers for the namespace that is given, or for the current one. An empty list is None; the root is ":"."""
     name = _existing(names[0]) if names else host.call("namespace")
     before = ":" if absoluteName else ""
     if currentNamespace:

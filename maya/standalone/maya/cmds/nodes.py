@@ -108,7 +108,7 @@ def listRelatives(
     type=None,
     noIntermediate=False
 ):
-    """None where there are no relatives."""
+    """Returns None if there are no relatives."""
     nodes = []
     for node in nodes_or_selection(names):
         nodes.extend(each for each in _relatives(node, parent, shapes, allDescendents) if each not in nodes)
@@ -163,7 +163,7 @@ def createNode(type, *, name="", parent=None, skipSelect=False):
 
 @undoable
 def rename(old, new):
-    """A namespace in the new name counts where it begins with a colon. For one that does not see `maya.host`."""
+    """A namespace in a new name that begins with a colon is used. For other names see `maya.host`."""
     name, dropped = host.call("rename", node_named(old), new, host.rename_looks_up_namespaces)
     if dropped:
         host.show_warning("Removing invalid characters from name")
@@ -180,7 +180,7 @@ def _world(node):
 def _move_under(node, above, relative):
     before = host.call("parent", node)
     if not relative and _world(before) != _world(above):
-        raise not_covered("parent: keeping %s where it is in the world; pass relative=True" % unique_name(node))
+        raise not_covered("parent: keeping the place of %s in the world; pass relative=True" % unique_name(node))
     host.call("set_parent", node, above)
     return unique_name(node)
 
@@ -188,8 +188,8 @@ def _move_under(node, above, relative):
 @undoable
 @command(world="w", relative="r", shape="s")
 def parent(*names, world=False, relative=False, shape=False):
-    """Objects and, last, their new parent. Local values stay: where that would move an object in the world, `relative`
-    must be given."""
+    """The names are those of objects and, last, of their new parent. Local values are kept. If that would move an
+    object in the world, `relative` must be given."""
     nodes = nodes_named(names)
     above = None
     if not world:
@@ -197,7 +197,7 @@ def parent(*names, world=False, relative=False, shape=False):
             nodes = host.call("selection") + nodes
         above = nodes.pop()
     if not nodes:
-        raise RuntimeError("parent: no object to be moved was given.")
+        raise RuntimeError("parent: name the objects to move and, last, their new parent.")
     return [_move_under(node, above, relative) for node in nodes]
 
 
@@ -206,7 +206,7 @@ def parent(*names, world=False, relative=False, shape=False):
 def group(*names, empty=False, name="group1", world=False, parent=None):
     nodes = [] if empty else nodes_or_selection(names)
     if not (nodes or empty):
-        raise RuntimeError("group: nothing to be grouped was given; pass empty=True.")
+        raise RuntimeError("group: name the objects to group, or pass empty=True.")
     above = None if parent is None else node_named(parent)
     parents = {host.call("parent", node) for node in nodes}
     if parent is None and not world and len(parents) == 1:

@@ -20,8 +20,8 @@ __all__ = [
 
 @command(open="o", newFile="new", force="f", query="q", sceneName="sn", exists="ex")
 def file(*path, open=False, newFile=False, force=False, query=False, sceneName=False, exists=False):
-    """Opens a .ma or .bvh file, makes an empty scene, or tells the name of what is open. The scene that was open is
-    gone then, changed or not."""
+    """Opens a scene file of any format that the host reads, makes an empty scene, or returns the name of the open one.
+    The scene that was open before is closed, even if it was changed."""
     if query and sceneName:
         return host.scene_name
     if query and exists:
@@ -32,7 +32,7 @@ def file(*path, open=False, newFile=False, force=False, query=False, sceneName=F
     if newFile and not query:
         host.new_scene()
         return "untitled"
-    raise not_covered("file: other than open, new and queries of sceneName and exists")
+    raise not_covered("file: anything but open, newFile and queries of sceneName and exists")
 
 
 @command(lowestPriority="lp", lowPriority="low")
@@ -73,7 +73,7 @@ def about(*, batch=False, version=False):
         return host.call("batch")
     if version:
         return host.call("version")
-    raise not_covered("about: other questions than batch and version")
+    raise not_covered("about: flags other than batch and version")
 
 
 @command(userAppDir="uad", userShelfDir="ush")
@@ -83,7 +83,7 @@ def internalVar(*, userAppDir=False, userShelfDir=False):
         return folder
     if userShelfDir:
         return os.path.join(folder, host.call("version"), "prefs", "shelves", "")
-    raise not_covered("internalVar: other questions than userAppDir and userShelfDir")
+    raise not_covered("internalVar: flags other than userAppDir and userShelfDir")
 
 
 @command(quiet="qt")
@@ -107,4 +107,4 @@ def pluginInfo(*names, query=False, loaded=False, listPlugins=False, path=False)
         return _plugins.is_loaded(names[0])
     if path:
         return _plugins.path_of(names[0])
-    raise not_covered("pluginInfo: other questions than loaded, listPlugins and path")
+    raise not_covered("pluginInfo: queries other than loaded, listPlugins and path")

@@ -1,4 +1,5 @@
-"""What the user sees: messages and panels. There is no window: `maya.host.messages` has what was shown."""
+"""What the user sees: messages and panels. There is no window; `maya.host.messages` has the messages that were
+shown."""
 
 from .. import _ui, host
 from .._commands import command, not_covered
@@ -35,7 +36,7 @@ def inViewMessage(*, assistMessage=None, statusMessage=None, message=None, posit
 
 @command(type="typ", all="all", visiblePanels="vis", withFocus="wf")
 def getPanel(*, type=None, all=False, visiblePanels=False, withFocus=False):
-    """The viewports are all there is; the last one has the focus."""
+    """The only panels are the viewports; the last one has the focus unless a test has given it to another."""
     panels = host.call("model_panels")
     if withFocus:
         return _ui.state["focus"] or (panels[-1] if panels else "")
@@ -45,14 +46,15 @@ def getPanel(*, type=None, all=False, visiblePanels=False, withFocus=False):
 @command(query="q", control="ctl")
 def modelPanel(panel, *, query=False, control=False):
     if not (query and control):
-        raise not_covered("modelPanel: other than the query of control")
+        raise not_covered("modelPanel: anything but the query of control")
     return _ui.layout_of(panel)
 
 
 @command(query="q", edit="e", motionTrails="mt", locators="lc", pluginObjects="po", queryPluginObjects="qpo")
 def modelEditor(panel, *, query=False, edit=False, motionTrails=None, locators=None, pluginObjects=None,
                 queryPluginObjects=None):
-    """Whether a viewport shows motion trails, locators, and what the display filters of plug-ins stand for."""
+    """Sets or queries whether a viewport shows motion trails, locators, and the objects of plug-ins' display
+    filters."""
     if panel not in host.call("model_panels"):
         raise RuntimeError("modelEditor: Object '%s' not found." % panel)
     if motionTrails is not None and query:
@@ -62,7 +64,7 @@ def modelEditor(panel, *, query=False, edit=False, motionTrails=None, locators=N
     if query and (locators or queryPluginObjects):
         return (panel, "locators" if locators else _existing_filter(queryPluginObjects)) not in host.hidden
     if query or (locators is None and pluginObjects is None):
-        raise not_covered("modelEditor: other flags than motionTrails, locators and those of plug-in objects")
+        raise not_covered("modelEditor: flags other than motionTrails, locators and those of plug-in objects")
     what, shown = ("locators", locators) if pluginObjects is None else pluginObjects
     if pluginObjects is not None:
         _existing_filter(what)
@@ -78,7 +80,7 @@ def _existing_filter(name):
 @command(query="q", register="r", deregister="dr", label="l", classification="cls", exists="ex", listFilters="lf")
 def pluginDisplayFilter(*name, query=False, register=False, deregister=False, label=None, classification=None,
                         exists=None, listFilters=False):
-    """Entries of the viewports' Show menus: one that is registered twice is there until it is deregistered twice."""
+    """Entries of the viewports' Show menus. One that is registered twice stays until it is deregistered twice."""
     if host.call("batch"):
         raise RuntimeError("pluginDisplayFilter: not available in batch mode")
     if exists is not None:
@@ -100,7 +102,7 @@ def pluginDisplayFilter(*name, query=False, register=False, deregister=False, la
 
 @command(annotation="ann", category="cat", command="c", commandLanguage="cl", default="d", exists="ex")
 def runTimeCommand(name, *, annotation="", category="", command="", commandLanguage="mel", default=False, exists=False):
-    """A command that a hotkey can be given; pressed by `maya._ui.press_hotkey`."""
+    """Makes a command that can be given a hotkey; `maya._ui.press_hotkey` presses it."""
     if exists:
         return name in _ui.hotkeys
     if not name.isidentifier() or name in _ui.hotkeys:

@@ -1,5 +1,6 @@
-"""The undo queue. Commands that change nodes, attributes, connections, keys or the selection enter it; what the API does,
-questions, the current time and everything about the interface and the application do not."""
+"""The undo queue. It records the commands that change nodes, attributes, connections, keys, namespaces or the
+selection. It does not record calls of the API, queries, the current time, or anything about the interface and the
+application."""
 
 from .. import host
 from .._commands import command
@@ -8,7 +9,7 @@ __all__ = ["flushUndo", "redo", "undo", "undoInfo"]
 
 
 def _answer(**asked):
-    """What was asked for, or how many entries can be undone."""
+    """The answer to a query; without any flag, the number of entries that can be undone."""
     on, length, infinite, undo_count, redo_count, undo_name, redo_name, chunk_name = host.call("undo_state")
     answers = {
         "state": on,
@@ -59,7 +60,7 @@ def undoInfo(
     redoQueueEmpty=False,
     printQueue=False
 ):
-    """Asked for nothing in particular: how many entries can be undone."""
+    """A query without any other flag returns the number of entries that can be undone."""
     if query and printQueue:
         print("\n".join(host.call("undo_names")))
         return None
@@ -77,7 +78,7 @@ def undoInfo(
         )
     if length is not None:
         if length < 0:
-            raise RuntimeError("undoInfo: the length %r is below 0." % (length,))
+            raise RuntimeError("undoInfo: the length %r is below 0; give 0 or more." % (length,))
         host.call("set_undo_length", length)
     if infinity is not None:
         host.call("set_undo_infinite", bool(infinity))
@@ -111,5 +112,5 @@ def _move(call, event):
 
 
 def flushUndo():
-    """Whatever was done stays done."""
+    """Empties the queue, so that nothing before can be undone."""
     host.call("flush_undo")
