@@ -22,9 +22,9 @@ struct Leaf {
 Leaf leaf(std::uint32_t number) {
   Leaf found;
 #ifdef _MSC_VER
-  int most[4], words[4];
-  __cpuid(most, 0);
-  if (number > static_cast<std::uint32_t>(most[0])) return found;
+  int leaves[4], words[4];
+  __cpuid(leaves, 0);
+  if (number > static_cast<std::uint32_t>(leaves[0])) return found;
   __cpuidex(words, static_cast<int>(number), 0);
   found = {static_cast<std::uint32_t>(words[0]), static_cast<std::uint32_t>(words[1]),
            static_cast<std::uint32_t>(words[2]), static_cast<std::uint32_t>(words[3])};

@@ -20,7 +20,7 @@ struct Processor {
 };
 const Processor& this_processor();
 
-// `Loops` has a name.
+// The tables of loops (`Loops`, which has a member `name`) that this processor can run, and the names of the others.
 template <class Loops>
 struct Widths {
   std::vector<const Loops*> here;  // narrowest first; the first runs everywhere

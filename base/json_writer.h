@@ -27,8 +27,8 @@ struct JsonLayout {
   }
 };
 
-// Writes one value, commas and brackets included. Names and values are whatever their owners call them: bytes that are
-// not UTF-8 are replaced by U+FFFD, and a number that is not finite is null.
+// Writes one value, with commas and brackets. Names and texts may hold any bytes: those that are not UTF-8 become
+// U+FFFD. A number that is not finite becomes null.
 class JsonWriter {
  public:
   // `script` is for a script element of a page, which no text ends: <, >, & and the two line ends that only Unicode has
@@ -60,8 +60,8 @@ class JsonWriter {
   void value(bool flag) { word(flag ? "true" : "false"); }
   void value(double number);
   void value(const Vector& v) { value(std::array{v.x, v.y, v.z}); }
-  template <std::integral Whole>
-  void value(Whole number) {
+  template <std::integral Integer>
+  void value(Integer number) {
     begin();
     out_ << static_cast<std::int64_t>(number);
   }

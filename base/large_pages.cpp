@@ -12,7 +12,7 @@ void advise_large_pages([[maybe_unused]] void* begin, [[maybe_unused]] std::size
 #ifdef __linux__
   constexpr std::uintptr_t kLargePage = std::uintptr_t{1} << 21;
   if (bytes < 4 * kLargePage) return;
-  // The whole pages within: what lies before and after may be somebody else's.
+  // Only pages that lie completely inside: the parts of a page before and after may belong to others.
   const auto address = reinterpret_cast<std::uintptr_t>(begin);
   const std::size_t before = (kLargePage - address % kLargePage) % kLargePage;
   const std::size_t covered = (bytes - before) / kLargePage * kLargePage;

@@ -104,7 +104,7 @@ class Value {
   // one text here.
   std::vector<Value> items() const;
 
-  // An object converts as its host's language has it, whatever it throws; what follows is said of plain values.
+  // An object converts as its host's language has it, whatever it throws; the rest describes plain values.
   // Integer part, towards zero; a decimal text is parsed ("5", " -3 "). Throws Error: kind value for a text that is not
   // an integer and for NaN, overflow for infinity and beyond 64 bits, type for none, bytes and a list.
   std::int64_t to_int() const;

@@ -275,8 +275,8 @@ double exponential(const Wide& x) {
   const Wide r = any_sum(x.high - n * tables::kLog2[0], x.low - n * tables::kLog2[1]);
   double p = 0.0;
   for (std::size_t i = tables::kExponential.size(); i-- > 0;) p = p * r.high + tables::kExponential[i];
-  const Wide most = sum(1.0, r.high);
-  return std::ldexp(most.high + (most.low + (most.high * r.low + r.high * r.high * p)), static_cast<int>(n));
+  const Wide linear = sum(1.0, r.high);
+  return std::ldexp(linear.high + (linear.low + (linear.high * r.low + r.high * r.high * p)), static_cast<int>(n));
 }
 
 }  // namespace

@@ -27,14 +27,14 @@ constexpr Colour kEvenBeat = {1.0, 1.0, 1.0};
 static_assert(sizeof(Position) == 3 * sizeof(double) && sizeof(Colour) == 3 * sizeof(double), "arrays of x y z x y z");
 constexpr std::size_t kWindow = static_cast<std::size_t>(kSpacingWindow);
 
-// The smoothed segment lengths of a whole trail, one less than positions, and their baseline where one is wanted.
+// The smoothed segment lengths of a trail, one fewer than positions; adds them to `baseline` unless it is null.
 std::unique_ptr<double[]> smoothed_lengths(const Lanes& lanes, const std::vector<Position>& pos,
                                            kernel::Baseline* baseline) {
   const std::size_t n = pos.size() - 1;
   std::unique_ptr<double[]> smoothed(new double[n]);  // a vector would write it all once more, with zeros
   advise_large_pages(smoothed.get(), n * sizeof(double));
   constexpr std::size_t kAround = 2 * kWindow;
-  // first ... last - 1, whose windows reach beyond an end, from the lengths there.
+  // The elements first ... last - 1, whose windows reach beyond an end of the trail, from the lengths from `base` on.
   const auto smooth_end = [&](std::size_t base, std::size_t first, std::size_t last) {
     std::array<double, kAround> lengths;
     lanes.lengths(&pos[base].x, std::min(n, kAround), lengths.data());
@@ -51,12 +51,13 @@ std::unique_ptr<double[]> smoothed_lengths(const Lanes& lanes, const std::vector
   return smoothed;
 }
 
-// One colour a point from the parameters of the n segments on its two sides; an end has one side only.
+// A colour for each of n + 1 points, from the mean parameter of the segments on its two sides; an end point has one.
 std::vector<Colour> point_colours(const Lanes& lanes, const double* lengths, std::size_t n, double scale) {
   std::vector<Colour> colours;
-  reserve(colours, n + 1);  // and appended to: written once, not first with zeros
+  reserve(colours, n + 1);  // not sized: that would write every element twice
   alignas(64) std::array<Colour, kLaneBlock> block;
-  alignas(64) std::array<double, kLaneBlock + 1> t;  // t[0]: the last one before; the first segment stands in for it
+  alignas(64) std::array<double, kLaneBlock + 1>
+      t;  // t[0] is the last parameter of the block before; at the start, that of the first segment
   lanes.parameters(lengths, 1, scale, t.data());
   for (std::size_t first = 0; first < n; first += kLaneBlock) {
     const std::size_t count = std::min(kLaneBlock, n - first);
@@ -100,7 +101,7 @@ namespace {
 
 std::vector<Colour> repeated(const host::Value& n, const Colour& colour) {
   const std::int64_t count = std::max<std::int64_t>(0, n.to_int());
-  if (count > kMaxSamples) throw host::Error("too many samples", host::ErrorKind::overflow);
+  if (count > kMaxSamples) throw too_many_samples();
   return std::vector<Colour>(static_cast<std::size_t>(count), colour);
 }
 

@@ -1,7 +1,9 @@
-// Compiled once for each width of register; VANTORELIX_LANES names the result.
+// Compiled once for each width of register, with that width's flags; VANTORELIX_LANES is the name of the table at the
+// end.
 //
-// All else is local to the unit, and so are the functions of the headers that are called here: the linker keeps one
-// copy of a shared function for the whole program, and it could be the one that only some processors run.
+// Every function here, and every one of a header that is called here, must be local to this file (static). The linker
+// keeps one copy of a shared inline function for the whole program, and that copy could use instructions which only
+// some processors have.
 #include <cmath>
 #include <cstddef>
 #include <type_traits>
@@ -18,12 +20,13 @@ namespace vantorelix::lanes {
 
 namespace {
 
-// Points worked on at a time while lengths are smoothed. A count that the compiler knows, and the processor is in the
-// next step while the one sum that has to run in order is still under way.
+// How many points are worked on at a time while lengths are smoothed. It is a constant so that loops are unrolled, and
+// small so that the processor can begin the next step while the baseline's sum, which must run in order, is still being
+// added.
 using Step = std::integral_constant<std::size_t, kernel::kBaselineStep>;
 constexpr std::size_t kStep = Step::value;
 
-// Calls `body` with the count, as a constant where it is that of a whole block.
+// Calls body(count), with the count as a compile-time constant where it is that of a full Block.
 template <class Block, class Body>
 void with_count(std::size_t count, Body body) {
   if (count == Block::value)
@@ -32,7 +35,7 @@ void with_count(std::size_t count, Body body) {
     body(count);
 }
 
-// Squares first, in the order of memory: taken apart into x, y and z is one array, not two.
+// The squares first, in the order of memory: then x, y and z have to be picked out of one array instead of two.
 template <class Count>
 void step_lengths(const double* xyz, Count count, double* out) {
   alignas(64) double squares[3 * kStep];
@@ -70,7 +73,7 @@ void parameters(const double* lengths, std::size_t count, double scale, double* 
   with_count<Block>(count, [&](auto n) { kernel::parameters(lengths, n, scale, out); });
 }
 
-// One piece of the ramp: from `colour` at t0, by `change` over `length`.
+// A stretch of the ramp between two stops: `colour` at t0, and colour + change at t0 + length.
 struct Segment {
   double t0, length, colour[3], change[3];
 };
@@ -93,8 +96,9 @@ constexpr Segments segments() {
 constexpr Segments kSegments = segments();
 constexpr std::size_t kLast = _RAMP_STOPS.size() - 2;
 
-// A t on a stop belongs to the segment below it. Nothing is looked up and nothing branches: from the lowest up, each
-// segment takes the value over where t lies above its start.
+// A field of the segment that t lies in; a t on a stop belongs to the segment below it. Without table look-ups and
+// branches, so that it is vectorised: from the lowest segment up, each one replaces the value where t is above its
+// start.
 template <double Segment::*field, std::size_t k = 1>
 double of_segment(double t, double below = kSegments.at[0].*field) {
   if constexpr (k > kLast)
@@ -102,12 +106,14 @@ double of_segment(double t, double below = kSegments.at[0].*field) {
   else
     return of_segment<field, k + 1>(t, t > kSegments.at[k].t0 ? kSegments.at[k].*field : below);
 }
+// A channel of segment k at u, 0 at its start and 1 at its end.
 template <std::size_t channel, std::size_t k>
 double segment(double u) {
   constexpr double colour = kSegments.at[k].colour[channel];
   constexpr double change = kSegments.at[k].change[channel];
   return change == 0.0 ? colour : colour + change * u;
 }
+// The same of the segment that t lies in, chosen as in of_segment; `below` is the value that segment k - 1 gives.
 template <std::size_t channel, std::size_t k = 1>
 double value(double t, double u, double below) {
   if constexpr (k > kLast)

@@ -10,20 +10,20 @@
 
 namespace vantorelix {
 
-// Points coloured at a time: what they need stays in the nearest cache.
+// How many points are coloured at a time: few enough for their numbers to stay in the nearest cache.
 inline constexpr std::size_t kLaneBlock = 64;
 
-// Any `count`, but for `ramp`. Inputs and outputs do not overlap.
+// `count` may be any number, but for `ramp`. Inputs and outputs must not overlap.
 struct Lanes {
   const char* name;
   // The lengths of the segments between count + 1 points, x y z x y z ...
   void (*lengths)(const double* xyz, std::size_t count, double* out);
-  // The means of `count` full windows of such lengths (2 * kSpacingWindow more of them), the first one at the first
-  // point; added to the baseline where there is one.
+  // out[i] is the mean of the segment lengths i ... i + 2 * kSpacingWindow, for i below `count`; reads count +
+  // 2 * kSpacingWindow + 1 points. The means are added to `baseline` unless it is null.
   void (*smoothed)(const double* xyz, std::size_t count, double* out, kernel::Baseline* baseline);
-  // Ramp parameters in 0..1 of lengths; all 0 where the scale is too small to be one.
+  // Ramp parameters: lengths / scale, clamped to 0..1; all 0 where the scale is not above kernel::kHold.
   void (*parameters)(const double* lengths, std::size_t count, double scale, double* out);
-  // The ramp halfway between t[i] and t[i + 1], both in 0..1, as r g b r g b ...; up to kLaneBlock points.
+  // The ramp's colour at the mean of t[i] and t[i + 1], both in 0..1, as r g b r g b ... `count` is at most kLaneBlock.
   void (*ramp)(const double* t, std::size_t count, double* rgb);
 };
 

@@ -101,8 +101,8 @@ class CoverageOrder {
   std::vector<double> coming_;
 };
 
-// Samples in coverage-first order until the deadline, but never fewer than two where the range has two. So the first
-// hint names no more than these two: more would be worked out for nothing where the deadline is over already.
+// Samples in coverage-first order until the deadline, but at least two where the range has two. The first hint names
+// these two alone: where the deadline has passed already, the host would work out any others in vain.
 SampleMap sample_within_budget(Sampler& sampler, const Request& request) {
   constexpr std::size_t kFewest = 2;
   SampleMap sampled(request.times.count);
@@ -146,7 +146,9 @@ std::optional<Draft> draft_trail(const std::string& obj, const Request& request)
 std::string make_viz_node(const std::string& viz_name, const std::string& root) {
   const std::string shape = cmds->createNode(NODE_TYPE, viz_name + "Shape");
   const std::vector<std::string> parents = cmds->listRelatives_parent(shape);
-  if (parents.empty()) throw host::Error("no transform above " + shape, host::ErrorKind::type);
+  if (parents.empty())
+    throw host::Error("'" + shape + "' has no transform above it; load the engine's own Vantorelix_plugin.py",
+                      host::ErrorKind::type);
   std::string viz_tr = cmds->rename(parents.front(), viz_name);
   cmds->parent(viz_tr, root);
   return viz_tr;

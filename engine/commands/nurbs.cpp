@@ -16,7 +16,7 @@ namespace {
 
 // A curve of degree d needs d + 1 points. A number only: a numeric text does not add.
 bool too_few_points(std::size_t points, const host::Value& degree) {
-  if (degree.as_text()) throw host::Error("degree must be a number, not " + degree.repr(), host::ErrorKind::type);
+  if (degree.as_text()) throw host::Error("degree must be a number, as 3, not " + degree.repr(), host::ErrorKind::type);
   return static_cast<double>(points) < degree.to_float() + 1.0;
 }
 

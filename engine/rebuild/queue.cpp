@@ -23,7 +23,8 @@ namespace {
 
 bool must_wait() { return _is_file_io() || _is_playing() || interpreter->time() - _LAST_EDIT < _DEBOUNCE; }
 
-// Exactly one successor for this step, or the queue stops: nothing is reported, and the next edit starts it again.
+// Queues exactly one successor of this step. Where the host refuses, the queue stops without a message, and the next
+// edit starts it again.
 void defer_successor() {
   if (!_defer_rebuild_step()) _stop_rebuild_queue();
 }
@@ -59,8 +60,8 @@ bool sample_until(double deadline, const Times& times, std::size_t& next, std::v
 }
 
 // Takes an item as far as it gets. False when the deadline stopped it between two samples: the next step resumes it.
-// Any call of the host's may run another step, on the same item too; what each appends stays, so the indices may pass
-// the end.
+// Any call of the host may run another step inside this one, on the same item too. What both append stays, so `i` and
+// `ki` may pass the number of times: compare them with >=, never with ==.
 bool advance_item(WorkItem& it, const WorkRecord& work, double deadline) {
   const std::string obj = _source_of(*it.settings);
   if (_drop_vanished(obj, it.viz)) return true;
@@ -88,7 +89,7 @@ bool advance_guarded(WorkItem& it, const WorkRecord& work, double deadline) {
 
 void work_until(double deadline, WorkRecord& work) {
   while (work.k < work.items.size() && interpreter->time() < deadline) {
-    if (work.k >= work.items.size()) return;  // a step inside the reading of the clock has done the rest
+    if (work.k >= work.items.size()) return;  // reading the clock ran another step, which has done the rest
     const std::shared_ptr<WorkItem> it = work.items.at(work.k);
     if (!advance_guarded(*it, work, deadline)) return;
     ++work.k;

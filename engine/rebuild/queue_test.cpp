@@ -268,12 +268,14 @@ TEST_F(QueueTest, AReversedRangeHasNoSamples) {
 
 TEST_F(QueueTest, AnAbsurdRangeFailsItsTrailOnly) {
   fake.range_last = 1e12;
-  expect_warning("[Vantorelix] rebuild fail vlx_ball_viz: too many samples");
+  expect_warning(
+      "[Vantorelix] rebuild fail vlx_ball_viz: more than 134217728 samples; shorten the playback range or lower the "
+      "samples per frame");
   _rebuild_step();
   expect_idle();
 }
 
-TEST_F(QueueTest, WithoutAFastSamplerTheSlowRoadIsTakenAndTheItemHoldsNone) {
+TEST_F(QueueTest, WithoutAFastSamplerTheSlowQueryIsUsedAndTheItemHoldsNone) {
   fake.context_offset = {1, 0, 0};
   fake.advance_per_evaluation = 1.0;
   _rebuild_step();

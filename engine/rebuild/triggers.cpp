@@ -39,13 +39,14 @@ void _schedule_rebuild() {
   if (_REGISTRY.empty()) return;
   if (_is_file_io()) return;
   // Before the test of _PENDING: an edit during a rebuild makes the work in progress stale and prolongs the debounce.
-  _GEN = static_cast<std::int64_t>(static_cast<std::uint64_t>(_GEN) + 1);  // a script may have set it to the last one
+  _GEN = static_cast<std::int64_t>(static_cast<std::uint64_t>(_GEN) +
+                                   1);  // wraps: a script may have set it to the largest
   _LAST_EDIT = interpreter->time();
   free_discarded_items(kFreedWithEdit);
   if (_PENDING) return;
   if (rebuilt_in_batch_mode()) return;
   _PENDING = true;
-  _REGISTRY.snapshot();  // what the first step works through: the wait for the last edit pays for it, not a slice
+  _REGISTRY.snapshot();  // made here, while the user waits for nothing, so that the first slice finds it ready
   if (_defer_rebuild_step()) return;
   _PENDING = false;
   _rebuild_all_sync();

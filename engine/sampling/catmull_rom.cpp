@@ -12,8 +12,6 @@ namespace vantorelix {
 
 namespace {
 
-[[noreturn]] void too_many() { throw host::Error("too many samples", host::ErrorKind::overflow); }
-
 // One component of a span as a polynomial in u, its terms summed in this order.
 struct Cubic {
   double constant, first, second, third;
@@ -36,10 +34,10 @@ struct Span {
   Position operator()(double u, double u2, double u3) const { return {x(u, u2, u3), y(u, u2, u3), z(u, u2, u3)}; }
 };
 
-constexpr std::size_t kBlock = 128;  // positions made at a time: they are still in the nearest cache when copied
+constexpr std::size_t kBlock = 128;  // positions made at a time: few enough for the nearest cache
 
-// The powers of u at steps of a gap. They depend on the gap's length alone, and most gaps are as long as the one
-// before them, so these are kept from gap to gap.
+// u, u^2 and u^3 at the steps of a gap. They depend on the gap's length alone, and most gaps are as long as the one
+// before them, so they are worked out again only when the length changes.
 class Steps {
  public:
   // Turns to `count` steps, at most kBlock, from the step `first` on; a gap has `length` of them.
@@ -85,7 +83,7 @@ SampleMap::SampleMap(std::int64_t expected) {
 }
 
 void SampleMap::set(std::int64_t index, const Position& position) {
-  if (index < 0 || index >= kMaxSamples) too_many();
+  if (index < 0 || index >= kMaxSamples) throw too_many_samples();
   const auto at = static_cast<std::size_t>(index);
   if (at >= positions_.size()) {
     positions_.resize(at + 1);
@@ -125,7 +123,7 @@ std::vector<Position> _smooth_fill(std::int64_t n_total, SampleMap sampled) {
   const auto pt = [&](std::size_t k) { return out[static_cast<std::size_t>(idxs[k])]; };
   const std::size_t last = idxs.size() - 1;
   const std::int64_t n = std::max<std::int64_t>(n_total, 0);
-  if (n > kMaxSamples) too_many();
+  if (n > kMaxSamples) throw too_many_samples();
   std::fill_n(out.begin(), idxs[0], pt(0));  // what lies before the first sample holds it
   Steps steps;
   for (std::size_t k = 0; k < last && idxs[k] < n; ++k) {

@@ -39,11 +39,11 @@ class SlowSampler : public Sampler {
   std::string obj_;
 };
 
-// Curves that are keyed together, a recorded motion's above all, name the same ascending times one after another: a run
-// that repeats the one before it goes before anything is sorted.
+// Drops each ascending run that repeats the run before it. Curves that were keyed together (of a recorded motion, all
+// of them) list the same times one after another, and without the copies there is little left to sort.
 void drop_repeated_runs(std::vector<double>& times) {
-  auto kept = times.begin();   // where the last run kept begins
-  auto write = times.begin();  // and ends
+  auto kept = times.begin();  // the last run that was kept is [kept, write)
+  auto write = times.begin();
   for (auto run = times.begin(); run != times.end();) {
     const auto length = write - kept;
     if (length > 0 && length <= times.end() - run && std::equal(kept, write, run)) {
@@ -92,7 +92,7 @@ SamplerPtr _make_slow_sampler(const std::string& obj) { return std::make_shared<
 std::int64_t _sample_count(double start, double end, double step) {
   if (step == 0.0) throw host::Error("float division by zero", host::ErrorKind::zero_division);
   const std::int64_t steps = host::Value(std::nearbyint((end - start) / step)).to_int();
-  if (steps >= kMaxSamples) throw host::Error("too many samples", host::ErrorKind::overflow);
+  if (steps >= kMaxSamples) throw too_many_samples();
   return steps + 1;
 }
 

@@ -23,11 +23,12 @@ class Sampler {
 };
 using SamplerPtr = std::shared_ptr<Sampler>;
 
-// How many times a sampler is told of at once: enough to gain from working them out together, and few enough that
-// what is worked out before a deadline, and then not asked for, is soon made up for.
+// How many coming times a sampler is told at once. More gains little, and what the host has worked out ahead is lost
+// where a deadline ends the sampling first.
 inline constexpr std::size_t kExpectedAtOnce = 64;
 
-// Samples at `times`, an array or SampleTimes, in their order from any of them on, and tells the sampler which come.
+// Samples `times` (a vector or SampleTimes) in ascending order of index, beginning anywhere, and announces the coming
+// ones to the sampler. Sampler and times must outlive it.
 template <class Times>
 class OrderedSampler {
  public:

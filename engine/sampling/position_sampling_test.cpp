@@ -146,7 +146,7 @@ TEST_F(Sampling, ACountThatIsNoNumberOrTooLargeFails) {
 TEST_F(Sampling, AnAbsurdCountIsRefusedBeforeAnySample) {
   fake.on_evaluation = [] { throw host::Error("sampled"); };
   const host::Error error = error_of([&] { _sample_positions("|ball", 0.0, 1e18, 1.0); });
-  EXPECT_STREQ(error.what(), "too many samples");
+  EXPECT_STREQ(error.what(), "more than 134217728 samples; shorten the playback range or lower the samples per frame");
   EXPECT_EQ(error.kind(), host::ErrorKind::overflow);
 }
 

@@ -61,7 +61,8 @@ std::optional<std::int64_t> _bisect_indices::next() {
     return ends_given_++ == 0 ? 0 : n_ - 1;
   }
   const auto last = static_cast<std::uint64_t>(n_ - 1);
-  while (std::uint64_t{1} << level_ < last) {  // some span of this level has an index between its ends
+  while (std::uint64_t{1} << level_ <
+         last) {  // while some span of this level is at least 2 wide, and so has a midpoint
     const std::uint64_t begin = begin_;
     const std::uint64_t width = (last + number_reversed_) >> level_;
     step(width);
@@ -72,7 +73,7 @@ std::optional<std::int64_t> _bisect_indices::next() {
 
 void _bisect_indices::step(std::uint64_t width) {
   begin_ += width;
-  // Counts on, from the highest bit down.
+  // Adds 1 to j, whose bits are in reverse order: the carry runs from the highest bit down.
   std::uint64_t bit = (std::uint64_t{1} << level_) >> 1;
   for (; (number_reversed_ & bit) != 0; bit >>= 1) number_reversed_ ^= bit;
   number_reversed_ |= bit;

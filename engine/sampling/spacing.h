@@ -33,13 +33,14 @@ class _bisect_indices {
   std::optional<std::int64_t> next();
 
  private:
-  // On to the next span, on this level or the next one.
+  // Goes on by a span of this width, to the next of the level or to the first of the next level.
   void step(std::uint64_t width);
 
   std::int64_t n_;
   int ends_given_ = 0;
-  // The span whose midpoint is next. Halving gives the odd one to the right, so that of the 2^level spans of a level
-  // number j is (n - 1 + j's bits in reverse order) / 2^level wide, rounded down.
+  // The span whose midpoint is next: it begins at begin_ and is number j of the 2^level_ spans of its level, counted
+  // from the left from 0. Halving a span of odd width makes the right half one wider, so that span j is (n - 1 +
+  // number_reversed_) / 2^level_ wide, rounded down, where number_reversed_ has the level_ bits of j in reverse order.
   int level_ = 0;
   std::uint64_t number_reversed_ = 0;
   std::uint64_t begin_ = 0;

@@ -1,8 +1,8 @@
 // The arithmetic of spacing over plain arrays, written once for the published functions and for the colouring.
 //
-// Sums run left to right and divisions are divisions, so that every caller gets the same doubles. All functions are
-// static: each source that includes this has its own copies, compiled for the registers that this source is compiled
-// for. Shared ones would be merged by the linker, perhaps into one that not every processor runs.
+// Sums run from left to right, and no division is replaced by a multiplication, so that every caller gets the same
+// doubles. All functions are static, not inline: each source that includes this gets its own copies, compiled with its
+// own flags. Inline ones would be merged by the linker into one copy, perhaps one for a processor that is not there.
 //
 // A `Count` is a std::size_t, or a constant of it (std::integral_constant) that lets the compiler unroll a loop.
 #pragma once
@@ -17,7 +17,8 @@ namespace vantorelix::kernel {
 // Neighbours on each side that the spacing colours average over.
 using SpacingWindow = std::integral_constant<std::int64_t, 3>;
 
-// Segments shorter than this are holds, and a scale of no more than this scales nothing.
+// Segments up to this length count as standing still ("holds") and are left out of the baseline; a scale up to this
+// length counts as none.
 inline constexpr double kHold = 1e-9;
 
 // out[i] = mean of values[i] ... values[i + 2 * window]: `count` means of full windows.
@@ -32,9 +33,9 @@ static void full_means(const double* values, Count count, Window window, double*
   }
 }
 
-// The smoothed values first ... last - 1 of an array of n, into out[0] ...: means of full windows inside, of what there
-// is of a window at the ends. `values` points at element `base` and reaches at least `window` elements around the ones
-// wanted.
+// Smooths elements first ... last - 1 of an array of n elements into out[0 .. last - first): each becomes the mean of
+// its window, of which less is left near an end of the array. `values` points at element `base` of the array, and must
+// reach `window` elements to both sides of those wanted, as far as the array goes.
 template <class Window>
 static void smooth(const double* values, std::size_t base, std::size_t n, Window window, std::size_t first,
                    std::size_t last, double* out) {
@@ -52,7 +53,7 @@ static void smooth(const double* values, std::size_t base, std::size_t n, Window
   for (std::size_t i = inner_end; i < last; ++i) out[i - first] = short_mean(i);
 }
 
-// The mean of the lengths that are not holds, so far.
+// The sum and number of the lengths above kHold that were added so far.
 struct Baseline {
   double sum = 0.0;
   std::size_t count = 0;
@@ -60,8 +61,8 @@ struct Baseline {
   double mean() const { return count == 0 ? 0.0 : sum / static_cast<double>(count); }
 };
 
-// Lengths added to a baseline at a time: what is added is chosen by wide registers before the one sum that has to run
-// in order.
+// How many lengths are added to a baseline at a time. What to add of each is decided first, several at once in wide
+// registers; only the sum then has to run in order.
 inline constexpr std::size_t kBaselineStep = 32;
 
 // Up to kBaselineStep lengths.
@@ -79,13 +80,13 @@ static void add(Baseline& baseline, const double* lengths, Count count) {
   baseline.count += active;
 }
 
-// As the scripting language's min and max, which keep the bound where the value is not a number.
+// Clamps to 0..1. A value that is not a number becomes 1, as with max(0.0, min(1.0, t)) in Python.
 static inline double clamp_unit(double t) {
   const double low = t < 1.0 ? t : 1.0;
   return low > 0.0 ? low : 0.0;
 }
 
-// Lengths to ramp parameters; all 0 where there is no scale.
+// Ramp parameters of lengths: length / scale, clamped to 0..1; all 0 where the scale is not above kHold.
 template <class Count>
 static void parameters(const double* lengths, Count count, double scale, double* out) {
   if (scale <= kHold) {

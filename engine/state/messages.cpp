@@ -13,7 +13,7 @@ void print(const host::Value& text) { interpreter->print("[" + SCRIPT_NAME + "] 
 }  // namespace
 
 void _msg(const host::Value& text) {
-  // The print belongs to the handler's way: where it fails, the message goes the other way as well.
+  // The print is inside the guard: where it fails, the message is shown in the viewport and printed once more.
   if (_MSG_HANDLER.callable() && attempt([&] {
         const host::Value handler = _MSG_HANDLER;  // kept alive: the handler may replace itself
         (*handler.as_object())->call(text);

@@ -11,7 +11,7 @@ namespace vantorelix {
 void _msg(const host::Value& text);
 
 // Installs a callable taking one argument, the bare text. Anything not callable, none included, restores the
-// viewport route.
+// messages in the viewport.
 void _set_msg_handler(const host::Value& fn);
 
 }  // namespace vantorelix

@@ -15,8 +15,8 @@
 
 namespace vantorelix {
 
-// Keys are unique; assigning to an existing key keeps its place. Look-up is constant time, erasing too. There is one
-// for each trail, with three keys: the first few are found by looking at each, and have no index.
+// Keys are unique; assigning to an existing key keeps its place. Look-up and erasing take constant time. Up to kFew
+// items are found by comparing each key, without an index: every trail has such a map, with three keys.
 //
 // Letting go of a value may run the host's code, and that may change this very map. So values go out as copies, never
 // as references, and what is replaced or erased dies last, when the map is whole again. Only begin() and end() lead

@@ -19,7 +19,9 @@ OwnState::~OwnState() {
 OwnState::Turn::Turn(OwnState& own) : own_(own), outer_(in_force) {
   if (outer_ == &own) return;
   if (own.in_turn_)
-    throw std::logic_error("a scene cannot be worked on inside work on another that began inside its own");
+    throw std::logic_error(
+        "the session of this scene is waiting for another one that it called; call it again when that call has "
+        "returned");
   std::swap(module_state, own.waiting_);
   own.in_turn_ = true;
   in_force = &own;

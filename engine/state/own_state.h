@@ -15,9 +15,9 @@ class OwnState {
   OwnState(const OwnState&) = delete;
   OwnState& operator=(const OwnState&) = delete;
 
-  // Puts the state in force for as long as it lives, whatever ends it, and then what was in force before. Turns of
-  // different states may lie inside each other, and a turn inside a turn of the same state changes nothing; only A
-  // inside B inside A cannot be: throws std::logic_error.
+  // Puts the state in force until its destructor puts back what was in force before. Turns of different states may be
+  // nested, and a turn directly inside one of the same state changes nothing. But a turn of A inside a turn of B inside
+  // one of A throws std::logic_error: A's `waiting_` holds the state that A took the place of, not its own.
   class Turn {
    public:
     explicit Turn(OwnState& own);

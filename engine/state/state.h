@@ -47,9 +47,9 @@ struct WorkItem {
 
 struct WorkItemStore;
 
-// One item for each trail of a snapshot, in its order, all of them for as long as the list lives. A list of any length
-// is ready at once and gone at once: an item is made when it, or one after it, is first asked for; and what a list
-// leaves behind is put aside, for free_discarded_items.
+// One item for each trail of a snapshot, in its order. Making and destroying a list takes constant time, however long
+// it is: an item is made when it, or one after it, is first asked for, and stays the same object from then on; a
+// destroyed list puts its items aside, for free_discarded_items.
 class WorkItems {
  public:
   WorkItems() = default;
@@ -112,8 +112,8 @@ struct ModuleState {
   bool _REBUILDING = false;
   std::int64_t _GEN = 0;
   bool _PENDING = false;
-  // What discarded lists of items have left behind. Owned; lives on when the process ends, as what is in it may need a
-  // host that has gone.
+  // The items of destroyed lists, until free_discarded_items frees them. Owned, but not freed when the process ends:
+  // the values in it may belong to a host that is gone by then.
   WorkItemStore* discarded = nullptr;
   std::shared_ptr<WorkRecord> _WORK;
   double _LAST_EDIT = 0.0;   // wall-clock seconds
