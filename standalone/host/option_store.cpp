@@ -83,7 +83,8 @@ Value checked(const std::string& name, const Value& value) {
   if (value.as_int() || value.as_float() || value.as_text()) return value;
   const auto* list = value.as_list();
   if (!list || !std::all_of((*list)->begin(), (*list)->end(), [](const Value& v) { return v.as_text(); }))
-    throw Error("optionVar: " + name + " cannot hold " + value.repr(), ErrorKind::type);
+    throw Error("optionVar: " + name + " cannot hold " + value.repr() + "; give a number, a text or a list of texts",
+                ErrorKind::type);
   return Value::list(**list);
 }
 
@@ -156,14 +157,16 @@ void OptionStore::append(const std::string& name, const std::string& text) {
 
 void OptionStore::write(const std::string& name, const Value& value) const {
   if (const auto* d = value.as_float(); d && !std::isfinite(*d))
-    throw Error("optionVar: " + name + ": " + value.text() + " cannot be kept in " + file_->string(), ErrorKind::value);
+    throw Error(
+        "optionVar: " + name + ": " + value.text() + " cannot be kept in " + file_->string() + "; give a finite number",
+        ErrorKind::value);
   Json content = read(*file_);
   std::string text;
   try {
     content[name] = json_of(value);
     text = content.dump(2) + "\n";
   } catch (const Json::exception&) {
-    throw Error("optionVar: " + name + ": the text is not UTF-8", ErrorKind::value);
+    throw Error("optionVar: " + name + ": the text is not UTF-8; encode it as UTF-8", ErrorKind::value);
   }
   replace(*file_, text);
 }

@@ -32,7 +32,7 @@ Error no_match(const std::string& name) { return Error("No object matches name: 
 
 bool is_number(const Value& value) { return value.as_bool() || value.as_int() || value.as_float(); }
 
-// A number that a plain numeric attribute takes. Texts are not converted.
+// The number that setAttr puts into a numeric attribute; throws its error for anything else, a numeric text too.
 double number(const Value& value) {
   if (is_number(value)) return value.to_float();
   if (value.is_none()) throw Error("setAttr: No values given.");

@@ -90,9 +90,10 @@ void UndoQueue::clear() {
 }
 
 void UndoQueue::require_idle(const char* what) const {
-  if (!on_) throw host::Error(std::string(what) + ": undo is switched off.");
+  if (!on_) throw host::Error(std::string(what) + ": undo is switched off; switch it on first.");
   if (chunk_depth_ > 0) throw host::Error(std::string(what) + ": an undo chunk is open; close it first.");
-  if (!running_.empty()) throw host::Error(std::string(what) + ": not while another command is running.");
+  if (!running_.empty())
+    throw host::Error(std::string(what) + ": another command is still running; call it after that.");
 }
 
 void UndoQueue::move_last(std::deque<Entry>& from, std::deque<Entry>& to, bool undoing) {

@@ -17,9 +17,9 @@ struct SystemTime {
   }
 };
 
-// Nothing is assumed about the counter. It is believed for one span after two spans in which it ran at the same rate;
-// while it does not, every reading is the system clock's. So a clock that was set, or a machine that slept, shows
-// after a span at the latest.
+// Nothing is assumed about the processor's counter. After two spans (of kSpan) in which it ran at the same rate it is
+// used for one span more; otherwise every reading is the system clock's. So where the system clock was set, or the
+// machine slept, readings are right again after one span at the latest.
 //
 // While the counter is believed a reading is behind the system clock, by a few microseconds at most. Readings only go
 // back where the system clock was set back by more than a span. One thread at a time.

@@ -157,7 +157,7 @@ void AnimCurve::rebuild() const {
   if (repeats(post_)) after.set_not_cubic();
 }
 
-// What is worth making before the polynomials: who asks at keys that are evenly spaced never needs those.
+// Makes what questions at evenly spaced keys need, without the polynomials, which such questions never need.
 void AnimCurve::prepare_keys() const {
   if (keys_prepared_) return;
   keys_prepared_ = true;
@@ -206,7 +206,8 @@ bool AnimCurve::has(const KeyPlaces& places) const {
   return places.first == even_first_ && places.length == even_length_ && places.count == even_count_;
 }
 
-// False where the curve is not evenly spaced.
+// Brings `places` to these frames among this curve's keys, unless it is so already. False where they are not evenly
+// spaced.
 bool AnimCurve::find_places(std::span<const double> frames, KeyPlaces& places) const {
   if (!(even_count_ > 0.0) || even_count_ > 1e9 || frames.size() > places.at.size()) return false;
   if (has(places)) return true;

@@ -14,7 +14,7 @@ namespace vantorelix::standalone {
 
 // Where some frames are among evenly spaced keys. Curves that were keyed together share it.
 struct KeyPlaces {
-  double first = 0.0, length = 0.0, count = 0.0;  // of the keys; none at first
+  double first = 0.0, length = 0.0, count = 0.0;  // the spacing of those keys; a count of 0: nothing is known yet
   bool on_keys = false;                           // all frames are on keys
   bool before = false;                            // some are before the first key, and count as on it
   std::array<std::int32_t, 64> at;                // the last key that is not later,
@@ -106,12 +106,12 @@ class AnimCurve {
   double evaluate_inside(double frame, std::size_t& hint) const;
   std::size_t locate(double frame, std::size_t hint) const;
 
-  // What evaluation looks at, made by prepare(). Until then it finds no segments, which is what sends it there; but
-  // prepare_keys() may have made `values_` and the even spacing of the keys alone, which are all that their own times
-  // need.
+  // What evaluation reads is made by prepare() at the first question after a change; until then segment_count_ is 0,
+  // and evaluate_elsewhere() sees to it. prepare_keys() makes less: the even spacing of the keys and `values_`, which
+  // are enough for questions at the keys' own times.
 
-  // One for each key and, last, one that starts at infinity, so that segment i ends where i + 1 starts. The last
-  // key's holds the constant or linear continuation. Not counted: the one at infinity.
+  // As build_segments gives them. Segment i ends where i + 1 starts, and the last starts at infinity; segment_count_
+  // does not count that one. The last but one is the constant or linear continuation after the last key.
   mutable std::vector<CurveSegment> segments_;
   mutable std::vector<double> values_;  // beside segments_, what they rise from
   mutable std::size_t segment_count_ = 0;

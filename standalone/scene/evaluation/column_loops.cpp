@@ -1,8 +1,9 @@
-// Compiled once for each width of register; VANTORELIX_LANES names the result.
+// Compiled once for each width of register: cmake/lanes.cmake passes the flags of that width, and the name of the
+// table at the end as VANTORELIX_LANES.
 //
-// All else is local to the unit: the linker keeps one copy of a header's function for the whole program, and it could
-// be the one that only some processors run. So templates of headers are given types of this unit, and nothing else of
-// a header is called.
+// Every other function here must be local to this file. The linker keeps one copy of an inline function for the whole
+// program, and that copy could use instructions which only some processors have. So templates from headers are
+// instantiated with types of this file (Turns, Rows), and no other function of a header is called.
 #include "standalone/scene/evaluation/column_loops.h"
 
 #include <cstddef>
@@ -26,6 +27,7 @@ struct Rows {
   double* operator[](std::size_t i) { return at[i]; }
 };
 
+// Whether base::set_sin_cos takes all three columns of angles. Counted without a branch, so that it is vectorised.
 bool within_reach(const double* angles, std::size_t count) {
   std::ptrdiff_t beyond = 0;
   for (std::size_t c = 0; c < 3; ++c)

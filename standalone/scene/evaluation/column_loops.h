@@ -1,6 +1,7 @@
-// Rotations and matrix products of many times at once, over columns: a column for each of the twelve numbers. The loops
-// are compiled once for each width of register, and every width gives the same doubles: nothing is fused.
-// For the files of this folder only.
+// Rotations and matrix products at many times at once. A matrix (Affine) is twelve columns, one for each of its
+// numbers, row by row; place i of every column belongs to time i. The loops are compiled once for each width of
+// register, and every width gives the same doubles, since no multiplication is fused with an addition. For the files of
+// this folder only.
 #pragma once
 
 #include <cstddef>
@@ -9,16 +10,17 @@
 
 namespace vantorelix::standalone {
 
-// From one column to the next, and the most that there are in one.
+// Length of a column, in doubles: the distance from one column to the next, and the most times worked out at once.
 inline constexpr std::size_t kColumn = 64;
 
-// `count` up to kColumn. What is written overlaps nothing that is read.
+// `count` is at most kColumn. The output must not overlap any input.
 struct ColumnLoops {
   const char* name;
   // The upper rows, nine columns, of the rotations by `angles`: three columns, x, y, z in radians. `order` as
   // Channel::rotateOrder counts. False, and nothing written, when an angle lies beyond base::kSineReach.
   bool (*rotations)(const double* angles, std::size_t count, int order, double* rows);
-  // First a, then b, as operator* of Affine: twelve columns each. Those of b and out are as far apart as is said.
+  // The products a * b (first a, then b, as operator* of Affine), twelve columns each. The columns of `a` are kColumn
+  // apart, those of `b` and `out` are `b_stride` and `out_stride` doubles apart.
   void (*products)(const double* a, const double* b, std::size_t b_stride, std::size_t count, double* out,
                    std::size_t out_stride);
 };

@@ -21,8 +21,8 @@ namespace {
 // A -0 is not 0 here, and any value that is not a number is the same one.
 std::uint64_t bits(double value) { return std::bit_cast<std::uint64_t>(std::isnan(value) ? std::nan("") : value); }
 
-void fill(double* columns, std::size_t how_many, double most, std::mt19937_64& random) {
-  std::uniform_real_distribution<double> mantissa(-most, most);
+void fill(double* columns, std::size_t how_many, double limit, std::mt19937_64& random) {
+  std::uniform_real_distribution<double> mantissa(-limit, limit);
   std::uniform_int_distribution<int> exponent(-12, 0);
   for (std::size_t i = 0; i < how_many * kColumn; ++i) columns[i] = mantissa(random) * std::pow(10.0, exponent(random));
   columns[3] = -0.0;
@@ -86,10 +86,10 @@ TEST_P(ColumnsOf, RotationsAreLeftToOthersWhereAnAngleIsOutOfReach) {
 }
 
 TEST_P(ColumnsOf, ProductsAreThoseMadeOneByOne) {
-  for (const double most : {10.0, 1e308}) {
+  for (const double limit : {10.0, 1e308}) {
     for (const std::size_t count : kCounts) {
-      fill(a.at[0], 12, most, random);
-      fill(b.at[0], 12, most, random);
+      fill(a.at[0], 12, limit, random);
+      fill(b.at[0], 12, limit, random);
       forget();
       loops.products(a.at[0], b.at[0], kColumn, count, made.at[0], kColumn);
       expect(12, count, [&](std::size_t i) { return matrix(a, i) * matrix(b, i); });

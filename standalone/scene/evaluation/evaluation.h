@@ -1,5 +1,5 @@
-// What a scene's evaluation keeps. It reads the scene, and notices by the scene's counts what changed there.
-// For the files of standalone/scene only.
+// What the evaluation of a scene keeps between questions. It only reads the graph, and sees by the graph's counts
+// whether what it keeps is still valid. For the files of standalone/scene only.
 #pragma once
 
 #include "standalone/scene/evaluation/plain_matrices.h"

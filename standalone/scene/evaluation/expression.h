@@ -28,10 +28,10 @@ struct Operation {
   std::array<std::uint16_t, 8> arguments = {};
   NodeId node = kNoNode;
   AttributeId attribute = 0;
-  double number = 0.0;  // of a value: as it was at the last refresh
+  double number = 0.0;  // of a value: read by refresh_values; of a scale: the factor
   const AnimCurve* curve = nullptr;
   const Track* track = nullptr;
-  mutable std::size_t hint = 0;  // where to look first
+  mutable std::size_t hint = 0;  // of a curve: the memory that AnimCurve::evaluate asks for
 };
 
 // In order of evaluation: arguments are earlier operations. The last is the result.
@@ -45,7 +45,7 @@ struct Expression {
 // what stands in the way: "a pairBlend ...". Chains longer than kMaxOperations and cycles are refused.
 std::string compile_driver(const Graph& scene, NodeId node, AttributeId attribute, Expression& expression);
 
-// Reads static values again.
+// Reads the static values (Kind::value) again, without following connections anew.
 void refresh_values(const Graph& scene, Expression& expression);
 
 }  // namespace vantorelix::standalone

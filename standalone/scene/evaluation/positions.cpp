@@ -15,7 +15,8 @@ const ColumnLoops& loops() {
   return kWidest;
 }
 
-// A record's channels and local matrices at the times that are worked out together.
+// A record's channels and local matrices at the times that are worked out together. A column of `channels` has values
+// only where the channel is driven, or after complete().
 struct Block {
   using Column = std::array<double, kColumn>;
 
@@ -49,7 +50,7 @@ void complete(const Record& r, Block& b, Channel first) {
     if ((r.driven_mask >> c & 1) == 0) std::fill_n(b.channels[c].data(), b.size(), r.channels[c]);
 }
 
-// R alone into the upper rows, where the order of rotation stands still.
+// Writes the matrix R (rotate) into the upper rows of b.local. Only where the rotate order is not driven.
 void turn_columns(const Record& r, Block& b) {
   complete(r, b, Channel::rotateX);
   const double* const angles = b.at(Channel::rotateX);
@@ -61,7 +62,7 @@ void turn_columns(const Record& r, Block& b) {
   }
 }
 
-// Takes R of one time from where turn_columns left it, and the other rotations from the channels where they move.
+// Brings r.rotations to time i: R from b.local, where turn_columns has left it, the others from r.channels.
 void take_rotations(Record& r, const Block& b, std::size_t i) {
   if (drives(r, bit(Channel::rotateOrder))) {
     r.rotations.rotate = rotate_of(r.channels);
@@ -72,7 +73,7 @@ void take_rotations(Record& r, const Block& b, std::size_t i) {
   if (drives(r, triple(Channel::jointOrientX))) r.rotations.orient = rotation_of(r.channels, Channel::jointOrientX);
 }
 
-// Any local matrix, at one time after another: `channels` and `local` of the record are brought to each of them.
+// The general way: brings `channels` and `local` of the record to one time after another, and copies `local` out.
 void compose_each(Record& r, Block& b) {
   for (std::size_t i = 0; i < b.size(); ++i) {
     for (const DrivenChannel& d : r.driven) r.channels[index(d.channel)] = b.channels[index(d.channel)][i];
@@ -87,7 +88,7 @@ void compose_each(Record& r, Block& b) {
   }
 }
 
-// The usual local matrix, S * R * T, or one of which only T moves: column by column.
+// The fast way, column by column, for S * R * T (turn_columns has made R) and for matrices of which only T moves.
 void compose_columns(Record& r, Block& b) {
   if (!rows_move(r)) {
     for (std::size_t j = 0; j < 9; ++j) std::fill_n(b.local.at[j], b.size(), r.local.m[j / 3][j % 3]);
@@ -119,12 +120,12 @@ Columns repeated(const Affine& m, std::size_t count, AffineColumns& into) {
   return all_of(into);
 }
 
-// World matrices that are known; `still` is for those that stand still.
+// The world matrices of a record that is_known; `still` is room for a matrix that does not move.
 Columns world_of(const Record& r, std::size_t count, AffineColumns& still) {
   return r.moves ? r.current : repeated(r.world, count, still);
 }
 
-// The offset parent matrices of a record that has one; `own` is for those that are nowhere else.
+// The offset parent matrices of a record that has one; `own` is room for those that no record keeps.
 Columns offset_of(const Record& r, const Block& b, AffineColumns& own) {
   if (!r.offset_source) return repeated(r.offset, b.size(), own);
   if (!r.offset_is_local) return world_of(*r.offset_source, b.size(), own);
@@ -146,10 +147,10 @@ void multiply(AffineColumns& m, const Columns& by, std::size_t count) {
   copy(all_of(product), 0, count, all_of(m));
 }
 
-// From the slot on.
+// The place of a slot in its chunk, as columns that begin there.
 Columns in_chunk(MatrixChunk& chunk, Slot slot) { return {chunk.matrices.at[0] + slot % kColumn, kColumn}; }
 
-// A point for each place, a column for each of its numbers, in place: transform_point of each.
+// Transforms `count` points, given as three columns, by a matrix each, in place: as transform_point does.
 void transform(double* const point[3], const Columns& by, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     const Vector p = {point[0][i], point[1][i], point[2][i]};
@@ -166,8 +167,8 @@ void Positions::expect(std::span<const double> times) {
   next_ = made_ = 0;
 }
 
-// Works out what is asked for and as much of what comes after it as is cheap: deep below, only a few times at once, so
-// that no question takes long and not many matrices are under way.
+// Works out the time that is asked for and some of those announced after it. How many depends on how many matrices move
+// for each time: at most kMaxMatrices in all, so that no single call takes long.
 void Positions::make(Record& r, double frame) {
   constexpr std::size_t kMaxMatrices = 16384;
   const bool expected = next_ < coming_ && comes_next(frame);
@@ -194,14 +195,14 @@ void Positions::make(Record& r, double frame) {
 
 void Positions::work_out(Record& r) {
   if (!together_->numbered || r.dependents == 0) return work_out_translation(r);
-  // Somebody will need the matrices, too.
+  // Nodes below need this one's matrices, so they are made, and the positions are read from them.
   if (remembers(r)) return take(r);
   know(r);
   for (std::size_t i = 0; i < together_->size; ++i)
     positions_[next_ + i] = {r.current[9][i], r.current[10][i], r.current[11][i]};
 }
 
-// The positions alone, of matrices that are remembered.
+// Reads the positions out of matrices that the cache has.
 void Positions::take(const Record& r) {
   for (std::size_t i = 0; i < together_->size; ++i) {
     const Columns there = in_chunk(*cache_.find(r.cached, together_->slot[i]), together_->slot[i]);
@@ -209,7 +210,7 @@ void Positions::take(const Record& r) {
   }
 }
 
-// The translation row alone, of a node whose rows nobody needs.
+// Works out the positions only, for a node whose matrices nobody else needs: a point goes up through the parents.
 void Positions::work_out_translation(Record& r) {
   Block b(*together_);
   double* const point[3] = {b.local.at[9], b.local.at[10], b.local.at[11]};
@@ -233,8 +234,8 @@ void Positions::work_out_translation(Record& r) {
       positions_[next_ + i] = {point[0][i], point[1][i], point[2][i]};
 }
 
-// Makes `current` of a record hold its world matrices: what it hangs on first, on a stack of our own, since chains may
-// be longer than the machine's.
+// Makes `current` of a record hold its world matrices, after those of everything that it hangs on. With a stack of its
+// own instead of recursion, since a hierarchy may be deeper than the machine's stack.
 void Positions::know(Record& target) {
   if (is_known(target)) return;
   open_.assign(1, &target);
@@ -258,7 +259,7 @@ bool Positions::is_known(Record& r) {
   return true;
 }
 
-// Whether the matrices of all times are there.
+// Whether the cache has the record's matrices at all times that are worked out together.
 bool Positions::remembers(const Record& r) const {
   const auto has = [&](Slot slot, std::uint64_t places) {
     const MatrixChunk* const chunk = cache_.find(r.cached, slot);
@@ -282,7 +283,7 @@ void Positions::recall(Record& r) {
   }
 }
 
-// The world matrices, with those that they need known.
+// Works out the world matrices of a record; those that it hangs on must be known.
 void Positions::move_world(Record& r) {
   Block b(*together_);
   AffineColumns other;
@@ -324,7 +325,7 @@ void Positions::remember_each(Record& r) {
   }
 }
 
-// Room for the matrices of the times together, until the next ones.
+// Room for one record's matrices at the times together, valid until the next make().
 Columns Positions::passing() {
   const std::size_t size = together_->size, fit = kColumn / size;
   if (passing_used_ / fit == passing_.size()) passing_.emplace_back();

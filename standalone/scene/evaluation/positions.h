@@ -16,18 +16,22 @@
 
 namespace vantorelix::standalone {
 
-// Whoever asks says beforehand which times come. When the first of them is asked for, it and the next ones are worked
-// out together: first the world matrices that the node hangs on, in columns, a number of the matrix each and a place in
-// it for each time; then the positions, which the next questions only take. Matrices that others will ask for, too, are
-// remembered until something moves. The results are those of asking for one time after another, to the last bit.
+// The caller announces with `expect` which times it will ask for. When it asks for the first of them, that time and the
+// ones after it are worked out together ("made"): the world matrices of everything that the node hangs on, as columns
+// (column_loops.h), then the positions. The next calls of `at` only read these positions. World matrices that other
+// nodes will need too are kept in a TimeCache until anything in the scene moves. The results are those of asking for
+// one time after another, to the last bit.
+//
+// Within one make(): `together_` holds the times being worked out, and a record whose `stamp` is `stamp_` has its world
+// matrices at these times in `current`. Those columns lie in the cache, or in `passing_`, which the next make() reuses.
 class Positions {
  public:
   // `motion` counts what moves anything in the scene.
   explicit Positions(const std::uint64_t& motion) : motion_(motion) {}
 
-  // The times that come, in their order; what is beyond kColumn of them is not looked at.
+  // Announces the times that `at` will be called with, in this order; times after the first kColumn are ignored.
   void expect(std::span<const double> times);
-  // The translation of the record's world matrix. The record is current.
+  // The translation of the record's world matrix. Records::of must have returned the record since the last change.
   Vector at(Record& r, double frame) {
     if (!r.moves) return r.world.translation();
     if (next_ == made_ || made_for_ != &r || made_motion_ != motion_ || !comes_next(frame)) make(r, frame);
@@ -52,23 +56,24 @@ class Positions {
 
   const std::uint64_t& motion_;
 
-  // What is said to come, and which of it is asked for next.
+  // The announced times frames_[0 .. coming_), of which frames_[next_] is the one to be asked for next.
   std::array<double, kColumn> frames_;
   std::size_t coming_ = 0, next_ = 0;
-  // Positions of the record `made_for_` are there for the frames up to `made_`.
+  // positions_[next_ .. made_) are ready: of the record `made_for_`, at the frames of the same places, as long as the
+  // scene's motion count is `made_motion_`. Nothing is ready where next_ == made_. Always next_ <= made_ <= coming_.
   std::array<Vector, kColumn> positions_;
   std::size_t made_ = 0;
   const Record* made_for_ = nullptr;
   std::uint64_t made_motion_ = 0;
 
-  Times unnumbered_;
+  Times unnumbered_;           // times that are not worth a number in the cache
   Times* together_ = nullptr;  // the times that are worked out together: these, or some of the cache's
   std::uint64_t stamp_ = 0;
   std::vector<Record*> open_;
 
   TimeCache cache_;
-  std::deque<AffineColumns> passing_;  // matrices that are not remembered, for as long as times are worked out together
-  std::size_t passing_used_ = 0;       // how often passing() gave some away
+  std::deque<AffineColumns> passing_;  // memory for matrices that live for one make() only; passing() hands it out
+  std::size_t passing_used_ = 0;       // how many matrices' columns passing() has handed out in this make()
 };
 
 }  // namespace vantorelix::standalone

@@ -71,7 +71,8 @@ void refresh_local(const Graph& scene, const Node& node, Record& r) {
   set_translation(r.local, placed(r.channels, r.factors, r.shift));
 }
 
-// The upward closure of a node: the parents and the sources of offsets, whether or not they are followed.
+// Whether the world matrix of `from` hangs on `wanted`, through parents and sources of offset parent matrices. Those
+// that are not followed for another reason count too.
 bool reaches(const Graph& scene, const Node& from, NodeId wanted) {
   std::vector<const Node*> open = {&from};
   std::unordered_set<NodeId> seen;
@@ -124,7 +125,7 @@ Record& Records::local(const Node& node) {
   return r;
 }
 
-// What the world matrix takes besides the local one, their records being current.
+// Refreshes what the world matrix takes besides the local one. The records of parent and offset source must be current.
 void Records::refresh_world(const Node& node, Record& r, const OffsetDriver& offset) {
   const bool may_inherit =
       (r.driven_mask & bit(Channel::inheritsTransform)) != 0 || r.channels[index(Channel::inheritsTransform)] != 0.0;

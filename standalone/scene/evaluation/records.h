@@ -22,40 +22,43 @@ struct DrivenChannel {
   Channel channel;
 };
 
-// A transform with its drivers resolved and its static parts worked out. Static channels are in `channels`; driven
-// ones there are what they were at the last sample.
+// A transform with its drivers resolved and its static parts worked out. Compiled in three stages, each of which is
+// current while its count equals the scene's (ChangeCounts): `structure` for the drivers, `local_values` for the static
+// channels and the local matrix, `values` for these and for everything that the record hangs on.
+//
+// `channels` has the static values; those of driven channels are left over from the last sample and mean nothing.
 struct Record {
   NodeId node = kNoNode;
-  std::uint64_t structure = 0;     // the scene's count when it was compiled
-  std::uint64_t local_values = 0;  // ... when its static channels were read
-  std::uint64_t values = 0;        // ... when what it hangs on was, too
+  std::uint64_t structure = 0;
+  std::uint64_t local_values = 0;
+  std::uint64_t values = 0;
 
   Record* parent = nullptr;         // null at the top, and where inheriting is off for good
   Record* offset_source = nullptr;  // whose matrix is the offset parent matrix
-  bool offset_is_local = false;     // ... its local one
+  bool offset_is_local = false;     // the offset is the source's local matrix instead of its world matrix
   bool has_offset = false;
   bool joint = false;
   bool drivers_unfollowed = false;  // some driver of a channel is left out
-  bool unfollowed = false;          // ... or of the offset parent matrix
-  bool asked = false;               // somebody samples this node
+  bool unfollowed = false;          // some driver of a channel or of the offset parent matrix is left out
+  bool asked = false;               // an Evaluator samples this node, so its matrices are worth remembering
   std::uint32_t dependents = 0;     // transforms whose world matrix needs this one's
 
   Factors factors;
-  std::uint64_t driven_mask = 0;
-  std::vector<DrivenChannel> driven;  // those of the translation first
-  std::size_t driven_translate = 0;   // how many
+  std::uint64_t driven_mask = 0;      // bit(c) for each driven channel c
+  std::vector<DrivenChannel> driven;  // ascending by channel, so those of the translation come first
+  std::size_t driven_translate = 0;   // how many of them are of the translation
   std::vector<Expression> expressions;
 
-  bool linear_moves = false;  // the upper three rows change
-  bool shift_moves = false;   // what the pivots add changes
-  bool moves = false;         // the world matrix changes
+  bool linear_moves = false;  // the upper three rows of the local matrix change with time
+  bool shift_moves = false;   // `shift` changes with time
+  bool moves = false;         // the world matrix may change with time; where not, `world` is it
 
   Channels channels = kRestChannels;
   Rotations rotations;
-  Vector shift;
-  Affine offset;  // where it stands still
+  Vector shift;   // what pivot_shift gives
+  Affine offset;  // the offset parent matrix, where it does not move
   Affine local;
-  Affine world;              // where it stands still
+  Affine world;              // valid where `moves` is false
   std::uint32_t behind = 0;  // how many matrices move for the sake of this one, itself counted; kMaxBehind at most
   static constexpr std::uint32_t kMaxBehind = 1 << 20;
 
@@ -84,7 +87,8 @@ class Records {
  public:
   explicit Records(const Graph& scene) : scene_(scene) {}
 
-  // Compiled and refreshed together with everything it depends on. Throws host::Error where there is no such transform.
+  // The node's record, current until the scene's values change: compiled and refreshed with everything it hangs on.
+  // Throws host::Error where there is no such transform.
   Record& of(NodeId node);
 
  private:

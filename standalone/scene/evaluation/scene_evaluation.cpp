@@ -49,7 +49,7 @@ void list_unfollowed(const Graph& scene, const Record& r, std::vector<std::strin
       const std::string why = compile_driver(scene, r.node, c, expression);
       if (why.empty()) continue;
       texts.push_back(scene.plug_name(node, input.attribute) + " is driven by " + why +
-                      ", which is not followed; it keeps its static value");
+                      ", which is not followed; it keeps its static value; bake it before saving");
       break;
     }
   }
@@ -58,7 +58,8 @@ void list_unfollowed(const Graph& scene, const Record& r, std::vector<std::strin
   const Node& source = scene.at(offset.source);
   texts.push_back(scene.plug_name(node, attribute::offsetParentMatrix) + " is driven by " +
                   (offset.cycle ? "a cycle of connections through " : "") + source.type->name + " " +
-                  scene.unique_name(source) + ", which is not followed; it keeps its static value");
+                  scene.unique_name(source) +
+                  ", which is not followed; it keeps its static value; bake it before saving");
 }
 
 }  // namespace

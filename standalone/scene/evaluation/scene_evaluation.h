@@ -16,7 +16,7 @@ class SceneEvaluation {
  public:
   explicit SceneEvaluation(Evaluation& evaluation) : evaluation_(&evaluation) {}
 
-  // The attribute query: walks the parents and composes. Exact and plain. A shape shows its transform's matrix. Where
+  // The exact way, by PlainMatrices. A shape has its transform's world matrix, and the identity as local matrix. Where
   // an inverse scale is zero the result holds infinities or NaN.
   Affine world_matrix(NodeId node, double frame) const;
   Affine local_matrix(NodeId node, double frame) const;

@@ -6,7 +6,7 @@
 namespace vantorelix::standalone {
 namespace {
 
-// The upper half holds what tells frames apart; the index looks at the lower bits most.
+// Whole frames differ in the upper half of a double's bits only; HashIndex takes mostly the lower bits of a hash.
 std::size_t hash_of(std::uint64_t bits) { return static_cast<std::size_t>(bits ^ bits >> 32); }
 
 }  // namespace

@@ -15,12 +15,12 @@
 
 namespace vantorelix::standalone {
 
-// Many matrices, a column for each of the twelve numbers, row by row: loops over many times run along them.
+// Matrices at kColumn times: twelve columns, one for each number of a matrix, row by row.
 struct AffineColumns {
   alignas(64) double at[12][kColumn];
 };
 
-// The same wherever they are: from one column to the next it is `stride`.
+// A view of twelve columns that lie `stride` doubles apart, in memory of somebody else.
 struct Columns {
   double* first = nullptr;
   std::size_t stride = 0;
@@ -33,29 +33,30 @@ struct MatrixChunk {
   AffineColumns matrices;
 };
 
-// One node's share.
+// The matrices of one node that the cache keeps.
 struct CachedMatrices {
-  std::uint64_t epoch = 0;           // the contents count while this is the cache's
+  std::uint64_t epoch = 0;           // where it differs from the cache's, the chunks are void
   std::vector<MatrixChunk*> chunks;  // of the cache; null where nothing is yet
 };
 
-// The number of a time: its place in the chunk `slot / kColumn` of every node.
+// The number that the cache gives a time. Every node has the matrix of that time in chunk slot / kColumn, at place
+// slot % kColumn.
 using Slot = std::uint32_t;
 inline constexpr Slot kNoSlot = 0xffffffffu;
 
 inline std::uint64_t bit_of(Slot slot) { return std::uint64_t{1} << slot % kColumn; }
 
-// Some times, kColumn at most, and what is known of them.
+// A list of times, kColumn at most. `slot` is valid where `numbered`.
 struct Times {
   std::span<const double> frames() const { return {frame.data(), size}; }
-  // Of times in a row: their places in the chunk.
+  // The bits of their places in the chunk, for times in a row.
   std::uint64_t places() const { return 2 * bit_of(slot[size - 1]) - bit_of(slot[0]); }
 
   std::size_t size = 0;
   std::array<double, kColumn> frame;
   std::array<Slot, kColumn> slot;
-  bool numbered = false;  // all have a slot
-  bool in_a_row = false;  // ... one after another in one chunk
+  bool numbered = false;  // all of them have a slot
+  bool in_a_row = false;  // and the slots are consecutive and in one chunk, so that columns can be used where they lie
   KeyPlaces on_curve;     // where they are on the curve that was evaluated at them last
 };
 
@@ -87,7 +88,8 @@ class TimeCache {
   std::size_t used_ = 0;              // of chunks_
   std::vector<std::uint64_t> times_;  // by slot: their bits, which tell them apart
   HashIndex slots_;                   // by those bits
-  // One node after another is asked at the same times: what is known of them is found at once.
+  // The lists that numbered() has returned. Nodes are asked one after another at the same times, so that a list of 64
+  // times is found by one look-up instead of 64.
   std::deque<Times> lists_;
   HashIndex lists_by_hash_;
   bool full_ = false;

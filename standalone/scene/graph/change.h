@@ -13,10 +13,9 @@
 
 namespace vantorelix::standalone {
 
-// Each holds what the scene does not: before the change while it is done, after it while it is undone. Changing sides
-// is a swap.
-
-// What there is now of a kind, for Recorder::note, is what `now` of that kind makes.
+// Each kind of change holds the state that the scene does not have: while the change is done, what was there before it;
+// while it is undone, what was there after it. So undoing and redoing are the same, a swap of the scene's part with
+// this one: swap_sides in change_log.cpp. `now` makes a change from the scene's present state, for Recorder::note.
 
 // A node that came or went. A node that is kept has its inputs, but no outputs and no children: those went before it.
 struct Presence {

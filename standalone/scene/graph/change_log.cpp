@@ -23,8 +23,8 @@ bool is_same(const Key& a, const Key& b) {
   return a.in == b.in && a.out == b.out && bits(a) == bits(b);
 }
 
-// --- changing sides. What was changed meanwhile without being written down may leave a piece without its place: then
-// it stays where it is, or goes to the nearest place that there is.
+// --- undoing and redoing. Edits that were not recorded may have removed what a change refers to (a parent, a source):
+// then it has no effect, or uses the nearest place that is left.
 
 void swap_sides(Graph& scene, Presence& p) {
   if (p.kept) {

@@ -107,8 +107,8 @@ struct Recorder {
   void keep(std::unique_ptr<Node> node) const;
 };
 
-// How often what evaluation looks at has changed: whoever keeps something that follows from it keeps the count, too.
-// They start at 1, so that 0 is never current.
+// How often what evaluation reads has changed. Whoever keeps something derived from it keeps the count with it, and
+// makes it again when the counts differ. They start at 1, so that 0 is never current.
 struct ChangeCounts {
   std::uint64_t structure = 1;  // nodes, connections, parents
   std::uint64_t values = 1;     // those, and static values

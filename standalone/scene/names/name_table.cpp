@@ -113,7 +113,7 @@ void NameTable::forget_numbers(NodeId scope, std::string_view text) {
   if (runs_.empty()) return;
   const Numbered n = split(text);
   const std::size_t digits = text.size() - n.stem.size();
-  // With zeros in front it has one reading; without, it is also what a shorter fill gives.
+  // "a07" is number 7 at width 2 only; "a17" is number 17 at width 0, 1 and 2, and may be in the run of each.
   for (std::size_t width = n.width; width <= digits; ++width) {
     const auto found = runs_.find(number_key(scope, width, n.stem));
     if (found == runs_.end()) continue;

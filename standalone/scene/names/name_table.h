@@ -57,11 +57,11 @@ class NameTable {
   std::vector<Entry> unused_;
   HashIndex by_text_;   // of entries
   HashIndex in_scope_;  // of nodes, by scope and name
-  // For "scope, digits, stem": a run of numbers that are all taken, so that the millionth equal name is found as fast
-  // as the first. Cut short when a name goes.
+  // The numbers [first, end) are all taken behind one stem, so that the search for a free number begins at `end` and
+  // the millionth equal name is made as fast as the first. Cut short when a name in it goes. The key is number_key().
   struct Run {
     std::uint64_t first;
-    std::uint64_t end;  // not in it
+    std::uint64_t end;
   };
   std::unordered_map<std::string, Run> runs_;
   std::vector<Place> places_;  // by node

@@ -1,12 +1,12 @@
-// A node's local matrix from its channels. A scene is evaluated in two ways: plainly, one time after another, which
-// calls local_matrix_of, and many times at once, which keeps what does not change with time. The second calls the
-// functions below with the same arguments as local_matrix_of does, so both give the same bits.
+// A node's local matrix from its channels. PlainMatrices calls local_matrix_of, for one time. Positions works out many
+// times at once and keeps what does not change between them; it calls the functions below with the same arguments as
+// local_matrix_of does, so that both give the same bits. Whoever changes one of these functions changes both.
 //
 //   M = SP^-1 * S * SH * SP * ST * RP^-1 * RA * R * JO * IS * RP * RT * T        (row vectors)
 //
-// scale pivot, scale, shear, scale pivot translate; rotate pivot, rotate axis, rotate, joint orient, inverse scale of
-// a joint whose segments compensate, rotate pivot translate; translate. An inverse scale of zero gives infinities,
-// and from there NaN: nothing is clamped.
+// SP scale pivot, S scale, SH shear, ST scale pivot translate; RP rotate pivot, RA rotate axis, R rotate, JO joint
+// orient, IS inverse scale (of joints with segmentScaleCompensate), RT rotate pivot translate; T translate. ^-1 is the
+// inverse. An inverse scale of zero gives infinities, and from there NaN: nothing is clamped.
 // For the files of standalone/scene only.
 #pragma once
 
@@ -24,6 +24,7 @@ namespace vantorelix::standalone {
 using Channels = std::array<double, static_cast<std::size_t>(Channel::count)>;
 
 constexpr std::size_t index(Channel c) { return static_cast<std::size_t>(c); }
+// Sets of channels: bit(c) for each.
 constexpr std::uint64_t bit(Channel c) { return std::uint64_t{1} << index(c); }
 // The three channels from `first` on.
 constexpr std::uint64_t triple(Channel first) { return std::uint64_t{7} << index(first); }
@@ -32,7 +33,7 @@ inline Vector vector_at(const Channels& c, Channel first) {
   return {c[index(first)], c[index(first) + 1], c[index(first) + 2]};
 }
 
-// The identity, but for scales of one.
+// The values of the identity matrix: zeros, but for scales of 1, and the two switches on.
 inline constexpr Channels kRestChannels = [] {
   Channels c{};
   for (const Channel first : {Channel::scaleX, Channel::inverseScaleX})
@@ -42,7 +43,8 @@ inline constexpr Channels kRestChannels = [] {
   return c;
 }();
 
-// Which factors of the formula are not the identity, at any time. The others are left out of every product.
+// Which factors of the formula can differ from the identity, at any time. The others must be left out of every product:
+// multiplying by an identity could turn -0 into 0, and infinities into NaN.
 struct Factors {
   bool rotate = false;
   bool scale = false;
@@ -53,7 +55,7 @@ struct Factors {
   bool inverse_scale = false;
 };
 
-// `driven` has a bit for each channel whose value changes.
+// `driven` is the set of channels that something drives; of all others `c` has the values.
 inline Factors factors_of(const Channels& c, std::uint64_t driven, bool joint) {
   std::uint64_t busy = driven;
   for (std::size_t i = 0; i < c.size(); ++i)
@@ -98,7 +100,7 @@ inline Rotations rotations_of(const Channels& c, const Factors& f) {
 
 inline constexpr Basis kIdentityBasis = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 
-// RA * R * JO * IS
+// RA * R * JO * IS; `r` is what rotations_of gives for `c` and `f`.
 inline Basis turn(const Channels& c, const Factors& f, const Rotations& r) {
   Basis b = f.rotate ? r.rotate : kIdentityBasis;
   if (f.rotate_axis) b = product(r.axis, b);
@@ -112,7 +114,7 @@ inline Basis turn(const Channels& c, const Factors& f, const Rotations& r) {
   return b;
 }
 
-// p * S * SH
+// p * S * SH, for pivot_shift.
 inline Vector stretch(const Channels& c, const Factors& f, const Vector& p) {
   Vector v = {p.x * c[index(Channel::scaleX)], p.y * c[index(Channel::scaleY)], p.z * c[index(Channel::scaleZ)]};
   if (f.shear) {
@@ -122,7 +124,7 @@ inline Vector stretch(const Channels& c, const Factors& f, const Vector& p) {
   return v;
 }
 
-// S * SH * turn: the upper three rows of the local matrix.
+// S * SH * turned: the upper three rows of the local matrix. `turned` is what `turn` gives.
 inline void set_rows(Affine& m, const Channels& c, const Factors& f, const Basis& turned) {
   for (std::size_t i = 0; i < 3; ++i) m.m[i] = turned[i];
   if (f.shear) {
@@ -136,13 +138,13 @@ inline void set_rows(Affine& m, const Channels& c, const Factors& f, const Basis
     for (std::size_t j = 0; j < 3; ++j) m.m[i][j] = c[index(Channel::scaleX) + i] * m.m[i][j];
 }
 
-// True for most nodes: the local matrix is S * R * T and nothing else. The columns of positions.cpp make the same of it
-// as set_rows does, number by number.
+// True for most nodes: the local matrix is S * R * T and nothing else. compose_columns in positions.cpp multiplies
+// these itself, and must do so in the same order as set_rows.
 inline bool is_scale_and_rotate(const Factors& f) {
   return f.rotate && !f.shear && !f.rotate_axis && !f.joint_orient && !f.inverse_scale && !f.pivots;
 }
 
-// The translation row that all factors but T give: pivots move the origin, which without them stays where it is.
+// Where all factors but T move the origin: the translation row without T. Zero without pivots.
 // `turned` is what `turn` gives for the same channels.
 inline Vector pivot_shift(const Channels& c, const Factors& f, const Basis& turned) {
   const Vector sp = vector_at(c, Channel::scalePivotX), st = vector_at(c, Channel::scalePivotTranslateX);
@@ -155,7 +157,7 @@ inline Vector pivot_shift(const Channels& c, const Factors& f, const Basis& turn
           v.x * b[0][2] + v.y * b[1][2] + v.z * b[2][2] + rp.z + rt.z};
 }
 
-// The whole translation row. `shift` is what pivot_shift gives, and counts where there are pivots.
+// The translation row. `shift` is what pivot_shift gives; it is not read where f.pivots is false.
 inline Vector placed(const Channels& c, const Factors& f, const Vector& shift) {
   const Vector t = vector_at(c, Channel::translateX);
   if (!f.pivots) return t;
