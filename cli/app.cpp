@@ -31,7 +31,7 @@ Exit codes: 0 done, 1 error, 2 wrong usage, 3 done with warnings (under --strict
 (130: Ctrl-C).
 'vantorelix COMMAND --help' tells more about a command.)";
 
-// The words of the first error of the command line, without what help already says.
+// Reports what is wrong with the command line; CLI11 itself would print the full help.
 int usage_error(const std::string& text, const CLI::App& program) {
   std::string command = "vantorelix";
   for (const CLI::App* sub : program.get_subcommands()) command += " " + sub->get_name();
@@ -49,7 +49,7 @@ std::string what_is_wrong(const CLI::ParseError& error, const CLI::App& program,
          std::string("; use one of ") + names;
 }
 
-// What helps against what a session cannot do, by the options of the program.
+// What to do about a session's failure, in terms of this program's options.
 std::string remedy(session::Failure::Kind kind) {
   using Kind = session::Failure::Kind;
   switch (kind) {
@@ -58,9 +58,9 @@ std::string remedy(session::Failure::Kind kind) {
     case Kind::too_many_samples:
       return "; shorten the range with --range, or choose fewer objects with --select";
     case Kind::no_such_key:
-      return "; 'vantorelix info' tells the frames of the keys";
+      return "; 'vantorelix info' lists the frames of the first and last keys";
     case Kind::no_trail:
-      break;
+      return "; choose other objects with --select";
   }
   return "";
 }

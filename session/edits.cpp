@@ -27,7 +27,8 @@ std::pair<NodeId, standalone::Key> existing_key(const LiveEvent& event, const Sc
   const standalone::Key* key = curve == standalone::kNoNode ? nullptr : key_at(scene.curves.at(curve), event.frame);
   if (key == nullptr)
     throw Failure(Failure::Kind::no_such_key, event.where + ": " + scene.names.unique_name(event.node) +
-                                                  " has no such key at frame " + number_text(event.frame));
+                                                  " has no key of " + standalone::name_of(event.channel) +
+                                                  " at frame " + number_text(event.frame));
   return {curve, *key};
 }
 

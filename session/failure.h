@@ -9,7 +9,7 @@ namespace vantorelix::session {
 // The text says what is wrong. What to do about it depends on what its reader can do, so whoever shows it adds that.
 struct Failure : std::runtime_error {
   enum class Kind {
-    range_too_short,   // holds no two samples
+    range_too_short,   // holds fewer than two samples
     too_many_samples,  // more than memory holds
     no_trail,          // the engine made none, or warned
     no_such_key,

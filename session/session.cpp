@@ -99,7 +99,8 @@ void Session::check_cancelled() const {
   if (options_.cancelled && options_.cancelled()) throw host::Interrupt();
 }
 
-// Real time that can be put forward. The engine reads it after every sample, so it is also where cancelling is noticed.
+// The engine's clock: real time, plus what run_turn has skipped. The engine reads it after every sample, so this is
+// also where cancelling is noticed.
 double Session::now() {
   check_cancelled();
   return clock_.now() + ahead_;
@@ -114,10 +115,10 @@ void Session::check_size(std::size_t objects, const TrailSettings& settings) {
   if (!(samples >= 2.0))
     throw Failure(Failure::Kind::range_too_short, "the range " + number_text(scene_.settings.playback_min()) + " to " +
                                                       number_text(scene_.settings.playback_max()) +
-                                                      " holds no two samples");
+                                                      " holds fewer than two samples");
   if (samples * static_cast<double>(objects) > kMaxSamples)
     throw Failure(Failure::Kind::too_many_samples, counted(objects, "trail") + " of " + number_text(samples) +
-                                                       " samples are more than 100 million in all");
+                                                       " samples each are more than 100 million samples in all");
 }
 
 std::vector<Trail> Session::create(const std::vector<NodeId>& objects, const TrailSettings& settings,
@@ -136,7 +137,7 @@ std::vector<Trail> Session::create(const std::vector<NodeId>& objects, const Tra
   for (const NodeId object : objects) {
     const auto found = by_source.find(object);
     if (found == by_source.end())
-      throw Failure(Failure::Kind::no_trail, scene_.names.long_name(object) + ": the engine made no trail of it");
+      throw Failure(Failure::Kind::no_trail, scene_.names.long_name(object) + ": no trail was made of it");
     result.push_back(found->second);
   }
   return result;
@@ -180,7 +181,7 @@ void Session::run_turn(const std::vector<NodeId>& objects, const TrailSettings& 
   host_.select(objects);
   create_trail(settings.samples_per_frame, settings.line_width, settings.point_size, settings.show_line,
                settings.show_dots, settings.ghost, settings.color_mode);
-  // Nobody edits here, so the quiet time after an edit need not be waited for.
+  // Nobody edits during create(), so the clock skips the quiet time that the engine would wait after an edit.
   ahead_ += _DEBOUNCE;
   run_idle_loop();
   if (!failures_.empty()) throw Failure(Failure::Kind::no_trail, std::exchange(failures_, {}).front());

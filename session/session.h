@@ -64,7 +64,7 @@ class Session {
   // None of these has an effect.
   std::vector<std::string> preference_faults() const;
 
-  // Throws Failure when the range holds no two samples, or when so many would not fit into memory.
+  // Throws Failure when the range holds fewer than two samples, or when so many would not fit into memory.
   void check_size(std::size_t objects, const TrailSettings& settings);
 
   // Runs create_trail for the objects and the idle loop until every trail is exact. The engine keeps one trail for
@@ -93,11 +93,11 @@ class Session {
 
   Options options_;
   standalone::WallClock clock_;
-  double ahead_ = 0.0;                 // how far the engine's clock was put forward
+  double ahead_ = 0.0;                 // seconds by which the engine's clock is ahead of real time
   std::vector<std::string> failures_;  // the engine's warnings
   standalone::Host host_;
   standalone::Scene& scene_;
-  OwnState state_;  // goes before its host
+  OwnState state_;  // declared last: its destructor needs the host
 };
 
 }  // namespace vantorelix::session

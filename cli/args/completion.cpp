@@ -104,7 +104,8 @@ std::string bash_script(const std::vector<CommandInfo>& commands, const CommandI
          "\" -- \"$word\")) ;;\n  esac\n}\ncomplete -F _vantorelix vantorelix\n";
 }
 
-// Within single quotes of a shell; in what zsh's _arguments takes also without what that is made of.
+// The text in single quotes for a shell. In a specification for zsh's _arguments, colons, brackets and backslashes have
+// a meaning of their own and are escaped too.
 std::string quoted(const std::string& text, bool for_zsh) {
   std::string out = "'";
   for (const char c : text) {

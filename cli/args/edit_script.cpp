@@ -31,16 +31,17 @@ class Entry {
 
   bool has(const char* name) const { return object_.contains(name); }
   double number(const char* name) const {
-    if (!has(name) || !object_[name].is_number()) fail(std::string("needs a number \"") + name + "\"");
+    if (!has(name) || !object_[name].is_number())
+      fail(std::string("needs \"") + name + "\", a number; write \"" + name + "\": 1");
     return object_[name].get<double>();
   }
   double duration(const char* name) const {
     const double seconds = number(name);
-    if (!(seconds >= 0.0)) fail(std::string("\"") + name + "\" must not be negative");
+    if (!(seconds >= 0.0)) fail(std::string("\"") + name + "\" must not be negative; write seconds from 0");
     return seconds;
   }
   std::string text(const char* name) const {
-    if (!object_[name].is_string()) fail(std::string("\"") + name + "\" must be a text");
+    if (!object_[name].is_string()) fail(std::string("\"") + name + "\" must be a text; put it in quotes");
     return object_[name].get<std::string>();
   }
 
@@ -65,7 +66,7 @@ void Entry::target(const char* name, LiveEvent& event) const {
   }
   const auto channels = standalone::channels_named(path.substr(dot + 1));
   if (!channels || channels->count > 1 || !scene_.nodes.is_transform(event.node))
-    fail("'" + path + "' cannot be keyed; use translateX and the like of a transform or joint");
+    fail("'" + path + "' cannot be keyed; write one channel of a transform or joint, as ball.translateX");
   event.channel = channels->first;
 }
 
@@ -75,7 +76,7 @@ Host::FileActivity Entry::activity(const char* name) const {
   if (word == "writing") return Host::FileActivity::writing;
   if (word == "opening") return Host::FileActivity::opening;
   if (word == "creating") return Host::FileActivity::creating;
-  fail("\"file\" is one of reading, writing, opening, creating");
+  fail("\"file\" must be reading, writing, opening or creating");
 }
 
 void add_episode(std::vector<LiveEvent>& events, const LiveEvent& begin, double seconds) {
@@ -111,7 +112,7 @@ void add_events(const Entry& entry, LiveEvent event, std::vector<LiveEvent>& eve
     event.kind = Kind::remove_key;
     entry.target("remove_key", event);
   } else {
-    entry.fail("says nothing to do; use set_key, move_key, remove_key, play or file");
+    entry.fail("has no action; use set_key, move_key, remove_key, play or file");
   }
   event.frame = entry.number("frame");
   events.push_back(event);
@@ -127,7 +128,8 @@ std::vector<LiveEvent> parse_edits(const std::string& text, const std::string& n
     const auto line =
         1 +
         std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size())), '\n');
-    throw Failure(name + ":" + std::to_string(line) + ": is not valid JSON here; correct it, or see docs/cli.md");
+    throw Failure(name + ":" + std::to_string(line) +
+                  ": is not valid JSON; correct this line, see 'vantorelix live --help'");
   }
   if (!document.is_object() || !document.contains("edits") || !document["edits"].is_array())
     throw Failure(name + ": holds no list of edits; write {\"edits\": [...]}, see 'vantorelix live --help'");

@@ -39,10 +39,10 @@ ColorUse CommonOptions::color_use() const {
 }
 
 void add_common_options(CLI::App& command, CommonOptions& options) {
-  command.add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
+  command.add_flag("-q,--quiet", options.quiet, "Print errors only");
   command.add_flag("--strict", options.strict, "End with exit code 3 when there were warnings");
   add_choice(command, "--color", options.color, {"auto", "always", "never"},
-             "Colour in texts; auto asks for a terminal and heeds NO_COLOR");
+             "Colour in texts; auto: on a terminal, unless NO_COLOR is set");
 }
 
 standalone::ReadOptions SceneOptions::read_options() const {
@@ -73,7 +73,7 @@ void SceneOptions::apply_range(standalone::Scene& scene, std::size_t trails) con
   if (!(frames > kMaxFramesUnasked)) return;
   constexpr double kBytes = 100.0;  // of a sample while its trail is made
   throw Failure(file + ": its range of " + readable(frames, 8) + " frames is longer than a million; " +
-                counted(trails, "trail") + " of it would take about " +
+                counted(trails, "trail") + " over it would take about " +
                 readable(frames * kBytes * static_cast<double>(trails) / 1e9, 2) +
                 " GB; name the frames with --range FIRST:LAST");
 }
@@ -123,14 +123,17 @@ std::optional<FrameRange> parse_range(const std::string& text) {
 
 CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string& value,
                         const std::vector<std::string>& words, const std::string& description) {
-  std::string joined;
-  for (const std::string& word : words) joined += (joined.empty() ? "" : "|") + word;
+  std::string joined, listed;
+  for (const std::string& word : words) {
+    joined += (joined.empty() ? "" : "|") + word;
+    listed += (listed.empty() ? "" : ", ") + word;
+  }
   return command.add_option(name, value, description)
       ->type_name(joined)
       ->check(CLI::Validator(
-          [words, joined](std::string& text) {
-            return std::find(words.begin(), words.end(), text) != words.end() ? std::string()
-                                                                              : "'" + text + "' is none of " + joined;
+          [words, listed](std::string& text) {
+            const bool known = std::find(words.begin(), words.end(), text) != words.end();
+            return known ? std::string() : "'" + text + "' is not one of " + listed;
           },
           ""));
 }
@@ -148,17 +151,17 @@ std::vector<std::string> choices_of(const CLI::Option& option) {
 }
 
 CLI::Option* add_whole(CLI::App& command, const std::string& name, std::optional<std::int64_t>& value,
-                       std::int64_t least, std::int64_t most, const std::string& description) {
+                       std::int64_t minimum, std::int64_t maximum, const std::string& description) {
   return command.add_option(name, value, description)
       ->type_name("N")
       ->check(CLI::Validator(
-          [least, most](std::string& text) {
+          [minimum, maximum](std::string& text) {
             const auto number = parse_number(text);
-            const bool fits = number && *number == std::floor(*number) && *number >= static_cast<double>(least) &&
-                              *number <= static_cast<double>(most);
+            const bool fits = number && *number == std::floor(*number) && *number >= static_cast<double>(minimum) &&
+                              *number <= static_cast<double>(maximum);
             return fits ? std::string()
-                        : "'" + text + "' is not a whole number from " + std::to_string(least) + " to " +
-                              std::to_string(most);
+                        : "'" + text + "' is not a whole number from " + std::to_string(minimum) + " to " +
+                              std::to_string(maximum);
           },
           ""));
 }
@@ -184,7 +187,7 @@ void check_outputs(const std::vector<std::string>& outputs, const std::vector<st
     if (std::find(extensions.begin(), extensions.end(), extension_of(out)) == extensions.end()) {
       std::string known;
       for (const std::string& extension : extensions) known += (known.empty() ? "" : ", ") + extension;
-      throw UsageError("--out " + out + ": its format is told by its extension; use one of " + known);
+      throw UsageError("--out " + out + ": its extension must name the format; use one of " + known);
     }
     for (std::size_t k = 0; k < i; ++k) {
       if (same_file(outputs[k], out)) throw UsageError("--out " + out + ": named twice; write to different files");

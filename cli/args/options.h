@@ -54,9 +54,9 @@ CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string&
 // The words that an option takes; empty when it takes anything.
 std::vector<std::string> choices_of(const CLI::Option& option);
 
-// An option that takes a whole number from `least` to `most`.
+// An option that takes a whole number from `minimum` to `maximum`.
 CLI::Option* add_whole(CLI::App& command, const std::string& name, std::optional<std::int64_t>& value,
-                       std::int64_t least, std::int64_t most, const std::string& description);
+                       std::int64_t minimum, std::int64_t maximum, const std::string& description);
 
 // An option that can be given several times, one value each.
 CLI::Option* add_repeated(CLI::App& command, const std::string& name, std::vector<std::string>& values,

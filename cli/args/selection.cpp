@@ -38,8 +38,8 @@ std::string nothing_animated(const Scene& scene, const std::string& file) {
   for (const NodeId node : transforms(scene, true))
     if (!scene.evaluation.not_followed(node).empty())
       return file + ": nothing that can be followed is animated; 'vantorelix info " + file +
-             "' says what drives its objects: bake that before saving, or take --all";
-  return file + ": nothing is animated; name objects with --select, or take every one with --all";
+             "' shows what drives its objects: bake that before saving, or use --all";
+  return file + ": nothing is animated; name objects with --select, or use --all for every object";
 }
 
 }  // namespace

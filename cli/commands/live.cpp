@@ -37,13 +37,13 @@ struct LiveOptions {
   std::string edits, report;
 };
 
-// The engine keeps one live trail for a short name.
+// The engine's names for trails come from the objects' short names, so of several with one name only one stays live.
 void check_distinct(const Scene& scene, const std::vector<NodeId>& objects) {
   std::unordered_set<std::string> names;
   for (const NodeId object : objects)
     if (!names.insert(std::string(scene.names.short_name(object))).second)
       throw Failure("several objects are named '" + std::string(scene.names.short_name(object)) +
-                    "', and one trail a name stays live; choose among them with --select");
+                    "', and only one trail per name stays live; choose one of them by its path with --select");
 }
 
 std::string milliseconds(double seconds) { return fixed(seconds * 1e3, 3) + " ms"; }
@@ -115,8 +115,9 @@ void run(const LiveOptions& options, Terminal& terminal) {
   }
   if (report.wrong != 0)
     throw Failure(
-        "the trails are not what the scene has; edits made while a file is read or written are not followed, anything "
-        "else please report with the scene and its edits");
+        "the trails differ from the scene; edits made while a file is read or written are not followed: move those, "
+        "and "
+        "report any other difference with the scene and its edits");
 }
 
 }  // namespace

@@ -52,7 +52,8 @@ void add_trail_options(CLI::App& command, TrailOptions& options) {
   add_selection_options(command, options.scene);
   add_whole(command, "--samples-per-frame", options.samples_per_frame, 1, 1'000'000'000, "Samples a frame, at least 1");
   add_choice(command, "--color-mode", options.color_mode, kColorModes,
-             "What colours mean: one colour; speed; past and future of the current time; alternating between keys");
+             "What the colours show: nothing (standard), the speed (spacing), past and future (flow), the spans "
+             "between keys (beats)");
   command.add_option("--line-width", options.line_width, "Width of the line in pixels")->type_name("W");
   command.add_option("--point-size", options.point_size, "Width of the dots in pixels")->type_name("S");
   command.add_flag("--no-line", options.no_line, "Leave the line out");

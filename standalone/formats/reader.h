@@ -24,7 +24,8 @@ class FormatError : public std::runtime_error {
 };
 
 struct ReadOptions {
-  // Told the bytes read so far and the file's size (0 when unknown), at most a few times a second of work.
+  // Called with the bytes read so far and the file's size (0 when unknown), at most four times a second. What it throws
+  // ends the reading and comes out of it.
   std::function<void(std::uint64_t done, std::uint64_t total)> progress;
   // The take (FBX) or clip (glTF) to read: its name, or empty for the first. Formats without takes pay no attention to
   // this and the following.

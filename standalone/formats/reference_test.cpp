@@ -326,7 +326,7 @@ TEST(Reference, AGltfHierarchyThatContainsItselfEndsWithAnError) {
     read_scene(data_folder() / "gltf/RecursiveNodes.gltf");
     FAIL() << "it was read";
   } catch (const FormatError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("stands below itself: the hierarchy goes in circles"));
+    EXPECT_THAT(error.what(), HasSubstr("is its own ancestor: the hierarchy has a cycle"));
   }
 }
 

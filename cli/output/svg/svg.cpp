@@ -80,7 +80,7 @@ void thin_lines(Sheet& sheet) {
     return n;
   };
   while (kept() > kMaxPoints && sheet.thinning.tolerance < 10.0) sheet.thinning.tolerance *= 1.6;
-  // What jumps to and fro is never near: only leaving samples out makes it less.
+  // The points of a line that jumps to and fro are never near each other: there only leaving samples out helps.
   while (kept() > kMaxPoints && sheet.thinning.every < 1'000'000'000) sheet.thinning.every *= 2;
 }
 
@@ -111,7 +111,7 @@ std::vector<std::string> notes(const Sheet& sheet, const session::TrailReport& r
   std::vector<std::string> result;
   const std::string up(1, report.up_axis);
   if (ruled_step > 0.0)
-    result.push_back("lines every " + readable(ruled_step, 6) + " " + session::unit_text(report));
+    result.push_back("grid lines every " + readable(ruled_step, 6) + " " + session::unit_text(report));
   else
     result.push_back("ground squares of " + readable(sheet.ground.step, 6) + " " + session::unit_text(report) +
                      ", at " + up + " = " + readable(sheet.ground.height, 6));
@@ -122,7 +122,7 @@ std::vector<std::string> notes(const Sheet& sheet, const session::TrailReport& r
     result.push_back("lines thinned to points " + fixed(sheet.thinning.tolerance, 1) +
                      " px apart; the data files hold them all");
   if (sheet.thinning.every > 1)
-    result.push_back("lines through every " + std::to_string(sheet.thinning.every) + "th sample only");
+    result.push_back("lines through one of every " + std::to_string(sheet.thinning.every) + " samples");
   const auto marked = std::count_if(report.trails.begin(), report.trails.end(),
                                     [](const session::TrailView& trail) { return !trail.warnings.empty(); });
   if (marked != 0) result.push_back("\u26a0 may differ from the scene's own motion, see the warnings");

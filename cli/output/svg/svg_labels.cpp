@@ -149,10 +149,10 @@ void draw_keys(TextSink& out, const std::vector<KeyMark>& marks) {
   out << "<path class=\"diamond\" style=\"fill:" << color << "\" d=\"" << path.text() << "\"/>\n";
 }
 
-std::size_t label_keys(TextSink& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t most) {
+std::size_t label_keys(TextSink& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t limit) {
   std::size_t done = 0;
   for (const KeyMark& mark : marks)
-    if (done < most && draw_label(out, occupancy, mark.at, readable(mark.time, 7), "soft key", 10.5)) ++done;
+    if (done < limit && draw_label(out, occupancy, mark.at, readable(mark.time, 7), "soft key", 10.5)) ++done;
   return marks.size() - done;
 }
 

@@ -46,8 +46,8 @@ struct KeyMark {
 // frame numbers. A trail with so many keys that they would hide it keeps the round ones only.
 std::vector<KeyMark> choose_keys(const std::vector<DrawnTrail>& trails, Occupancy& occupancy);
 void draw_keys(TextSink& out, const std::vector<KeyMark>& marks);
-// Frame numbers, as far as they find room. Returns how many did not.
-std::size_t label_keys(TextSink& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t most);
+// Writes the frame numbers of the first marks that have room, `limit` of them at most. Returns how many it left out.
+std::size_t label_keys(TextSink& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t limit);
 
 // The name of each trail at its end, as far as there is room.
 void label_trails(TextSink& out, const std::vector<DrawnTrail>& trails, Occupancy& occupancy);

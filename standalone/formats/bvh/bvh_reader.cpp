@@ -82,7 +82,7 @@ class BvhReader {
       read_motion();
       return std::move(scene_);
     } catch (const host::Error& error) {
-      in_.fail(std::string("the scene refuses this: ") + error.what() + "; correct it or export again");
+      in_.fail(std::string("this cannot be read into a scene: ") + error.what() + "; correct it or export again");
     }
   }
 
@@ -130,7 +130,7 @@ class BvhReader {
     in_.ready();
     double value = 0.0;
     const char* const next = parse_number(in_.begin(), in_.end(), value);
-    if (next == in_.begin()) in_.fail(shown(word()) + " stands where " + what + " belongs; correct or export again");
+    if (next == in_.begin()) in_.fail(shown(word()) + " stands where " + what + " belongs; correct it or export again");
     if (!std::isfinite(value)) in_.fail(std::string(what) + " is not finite; correct it or export again");
     in_.advance(next);
     return value;
@@ -161,7 +161,7 @@ class BvhReader {
       read_keyword(keyword);
     }
     if (!open_.empty()) in_.fail("'MOTION' stands inside a joint: a '}' is missing; add it or export again");
-    if (joints_ == 0) in_.fail("no 'ROOT' before 'MOTION'; export the clip with its skeleton");
+    if (joints_ == 0) in_.fail("there is no 'ROOT' before 'MOTION'; export the clip with its skeleton");
   }
 
   void read_keyword(const std::string& keyword) {
@@ -215,7 +215,7 @@ class BvhReader {
     joint.has_channels = true;
     const double count = number("the number of channels");
     if (count < 0 || count > 6 || count != std::floor(count)) {
-      in_.fail("a joint has 0 to 6 channels, no more and no part of one; correct the number behind CHANNELS");
+      in_.fail("the number of channels must be a whole number from 0 to 6; correct the number after CHANNELS");
     }
     std::vector<int> rotations;
     const std::size_t begin = columns_.size();
@@ -233,7 +233,7 @@ class BvhReader {
     const std::string text = word();
     const std::optional<Channel> channel = channel_named(text);
     if (!channel) {
-      in_.fail(shown(text) + " is not a channel; Xposition ... Zrotation are, as many as CHANNELS announces");
+      in_.fail(shown(text) + " is not a channel; list as many of Xposition ... Zrotation as CHANNELS announces");
     }
     for (std::size_t i = begin; i < columns_.size(); ++i) {
       if (columns_[i].channel == *channel) in_.fail(shown(text) + " is listed twice for one joint; remove one");
@@ -254,7 +254,8 @@ class BvhReader {
     }
     scene_.settings.set_frames_per_second(1.0 / frame_time);
     if (columns_.empty()) {
-      if (frames > 0) scene_.warnings.add("no joint has channels: the clip does not move");
+      if (frames > 0)
+        scene_.warnings.add("no joint has channels, so the clip does not move; export it with its channels");
       scene_.settings.set_playback_range(0.0, 0.0);
       return;
     }
@@ -315,7 +316,8 @@ class BvhReader {
 
   void skip_further_rows() {
     for (skip_space(); !in_.at_end(); skip_space()) {
-      scene_.warnings.add("motion row beyond those that 'Frames:' announces is not read");
+      scene_.warnings.add(
+          "a motion row after those that 'Frames:' announces is not read; correct 'Frames:' to read it");
       while (!in_.at_end() && !is_line_end(in_.peek())) in_.skip();
     }
   }

@@ -37,7 +37,8 @@ void FbxReader::collect_animation() {
         const auto index = static_cast<std::size_t>(property - kFbxNodeProperties.begin());
         values_[{node->typed_id, index}].push_back({layer, driven.anim_value});
       } else if (name == kFbxPostRotation || name == "RotationOrder") {
-        scene_.warnings.add("an animated " + std::string(name) + " is not followed; it keeps its static value");
+        scene_.warnings.add("an animated " + std::string(name) +
+                            " is not followed; it keeps its static value; bake it before exporting");
       }
     }
   }
@@ -53,7 +54,7 @@ void FbxReader::animate() {
     progress_.tell();
     const ufbx_node& node = *document_->nodes[key.first];
     if (key.second == kFbxPreRotation && !node.use_rotation_space) continue;
-    // A component with a curve of its own would not take the product.
+    // inherit_scales drives this scale as a product; a curve on one of its components would take precedence over that.
     if (key.second == kFbxScaling && scales_behind(node).size() > 1) continue;
     animate(node, key.second, values);
   }
@@ -67,7 +68,7 @@ void FbxReader::animate(const ufbx_node& node, std::size_t property, const Value
   }
 }
 
-// Whether the property is what one layer's curves say, which may be edited then.
+// Whether the curves of one layer alone give the property. Then they become animation curves, which can be edited.
 bool FbxReader::is_plain(const Values& values) const {
   if (values.size() != 1) return false;
   const ufbx_anim_layer& layer = *anim_->layers[values[0].layer];
@@ -136,9 +137,9 @@ bool FbxReader::has_scale(const ufbx_node& node) const {
   return values_of(node, kFbxScaling) != nullptr || s.x != 1.0 || s.y != 1.0 || s.z != 1.0;
 }
 
-// A node that takes less of its parent's scale than the matrix above it holds divides by it, as joints do. One that
-// takes it component by component has it in its own scale too, divided out and multiplied in again on the other side of
-// its rotation.
+// For nodes that do not inherit their parent's scale as part of its matrix. The parent's scale is divided out, as
+// joints do it here: connected to inverseScale. A node that inherits it component by component (on the other side of
+// its own rotation) has it multiplied into its own scale as well.
 void FbxReader::inherit_scales() {
   for (const ufbx_node* node : document_->nodes) {
     if (node->is_root || node->inherit_mode == UFBX_INHERIT_MODE_NORMAL) continue;

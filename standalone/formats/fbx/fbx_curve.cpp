@@ -49,7 +49,8 @@ class Converter {
     }
     made_.keys.resize(count_);
     for (std::size_t i = 0; i < count_; ++i) set_key(i, made_.keys[i]);
-    // Of keys at one time the last counts from there on, and the first up to there.
+    // Of keys at one time the last gives the value from there on, the first the value that leads there: move it
+    // earlier.
     for (std::size_t i = count_; i-- > 1;) {
       if (made_.keys[i - 1].time == made_.keys[i].time)
         made_.keys[i - 1].time = std::nextafter(made_.keys[i].time, -INFINITY);
@@ -62,7 +63,7 @@ class Converter {
     const ufbx_keyframe& from = from_[i];
     key.time = clock_.frame(from.time);
     key.value = from.value * unit_;
-    // What a curve that goes on straight leaves along is the other side's handle.
+    // Beyond an end the curve may go on straight, along the tangent of the key's other side: that is fixed, too.
     key.in = i > 0 ? tangent(from_[i - 1].interpolation) : Tangent::fixed;
     if (key.in == Tangent::step || key.in == Tangent::step_next) key.in = Tangent::fixed;
     key.out = i + 1 < count_ ? tangent(from.interpolation) : Tangent::fixed;

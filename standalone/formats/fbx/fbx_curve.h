@@ -1,4 +1,4 @@
-// Animation of an FBX file in this house's terms. For the files of this folder only.
+// Animation of an FBX file as curves and tracks of a scene. For the files of this folder only.
 #pragma once
 
 #include <array>

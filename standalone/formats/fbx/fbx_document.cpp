@@ -72,7 +72,7 @@ std::string error_text(const ufbx_error& error) {
   return "the file is damaged: " + shown(what) + "; export it again";
 }
 
-// By leaps from one to the next: between those of a large file lie long lists of numbers.
+// With find, which skips fast over the long lists of numbers that large files consist of.
 std::size_t occurrences(std::string_view text, char c) {
   std::size_t count = 0;
   for (std::size_t i = text.find(c); i != std::string_view::npos; i = text.find(c, i + 1)) ++count;
@@ -81,7 +81,7 @@ std::size_t occurrences(std::string_view text, char c) {
 
 // Whether a text ends inside braces, which the library does not mind.
 bool is_cut_off(std::string_view text) {
-  // The usual case is worth a quick look: as many of one as of the other.
+  // First a fast test that settles the usual case: equally many of both, wherever they stand.
   if (occurrences(text, '{') == occurrences(text, '}')) return false;
   std::size_t open = 0;
   for (std::size_t i = text.find_first_of("{}\";"); i < text.size(); i = text.find_first_of("{}\";", i + 1)) {
@@ -97,7 +97,7 @@ bool is_cut_off(std::string_view text) {
   return open > 0;
 }
 
-// The rates that television made of whole ones are told rounded.
+// The library rounds the rates of television (29.97 and the like); their exact fractions are these.
 double rate_of(const ufbx_scene_settings& settings) {
   switch (settings.time_mode) {
     case UFBX_TIME_MODE_NTSC_DROP_FRAME:

@@ -32,7 +32,7 @@ class FbxClock {
   double frames_per_second() const { return frames_per_second_; }
   // A whole number where the file's tick is the nearest one to that frame.
   double frame(double seconds) const;
-  // The very tick of a key for its frame.
+  // The inverse of frame(): for a frame that frame() gave for a key, exactly that key's tick.
   double seconds(double frame) const;
 
  private:

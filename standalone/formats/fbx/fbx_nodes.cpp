@@ -70,8 +70,7 @@ void FbxReader::create_nodes() {
   const ufbx_node_list& nodes = document_->nodes;
   // Every scene has a node, and tells what its top nodes hang on.
   if (nodes.count < 2 || document_->connections_src.count == 0) {
-    throw FormatError(name_, 0,
-                      "the file ends before its nodes and what hangs on what; it is cut off, export it again");
+    throw FormatError(name_, 0, "the file ends before its nodes and their connections; it is cut off, export it again");
   }
   ids_.assign(nodes.count, kWorld);
   // Parents come before their children.
@@ -103,7 +102,8 @@ void FbxReader::place(const ufbx_node& node, NodeId id) {
     for (double& angle : angles) angle *= kRadians;
     scene_.attributes.set_channels(id, Channel::rotateAxisX, inverse_angles(angles));
     if (node.rotation_order == UFBX_ROTATION_ORDER_SPHERIC) {
-      scene_.warnings.add("a rotation order that is none of the six is taken as xyz");
+      scene_.warnings.add(
+          "a spherical rotation order is read as xyz; choose another order, or bake the rotation, before exporting");
     }
   }
   const bool inherits = node.inherit_mode == UFBX_INHERIT_MODE_NORMAL;

@@ -76,14 +76,14 @@ Scene FbxReader::read() {
     if (!has_range && first_key_ < last_key_) scene_.settings.set_playback_range(first_key_, last_key_);
     return std::move(scene_);
   } catch (const host::Error& error) {
-    throw FormatError(name_, 0, std::string("the scene refuses this file: ") + error.what() + "; export it again");
+    throw FormatError(name_, 0, std::string("this cannot be read into a scene: ") + error.what() + "; export it again");
   }
 }
 
 void FbxReader::read_units() {
   double centimetres = document_->settings.unit_meters * 100.0;
   if (!(centimetres > 0.0 && centimetres < 1e12)) {
-    scene_.warnings.add("the file's unit is not a length and was taken as centimetres");
+    scene_.warnings.add("the file's unit is not a length and is read as centimetres; export it again with a unit");
     centimetres = 1.0;
   }
   scene_.settings.set_linear_unit(unit_name(centimetres));
@@ -177,7 +177,8 @@ void FbxReader::note_limits() {
       beyond = beyond || leaves_limits(*node, property, limits);
     }
     if (!beyond) continue;
-    scene_.warnings.add("limits are not applied to the values that leave them; bake them before exporting");
+    scene_.warnings.add(
+        "limits are not applied, although values lie beyond them; bake what they limit before exporting");
     hold_as_unfollowed(*node, "limit", "limits");
   }
 }
@@ -187,18 +188,18 @@ bool FbxReader::leaves_limits(const ufbx_node& node, std::size_t property, const
   if (!ufbx_find_bool(&node.props, (limits + "Active").c_str(), false)) return false;
   const ufbx_vec3 rest = ufbx_find_vec3(&node.props, kFbxNodeProperties[property].name, ufbx_vec3{});
   for (std::size_t k = 0; k < 3; ++k) {
-    double least = rest.v[k], most = rest.v[k];
+    double lowest = rest.v[k], highest = rest.v[k];
     const Values* const values = values_of(node, property);
     const ufbx_anim_curve* const curve = values == nullptr ? nullptr : values->front().value->curves[k];
-    if (curve != nullptr && curve->keyframes.count > 0) least = curve->min_value, most = curve->max_value;
+    if (curve != nullptr && curve->keyframes.count > 0) lowest = curve->min_value, highest = curve->max_value;
     const auto limit = [&](const char* side, double otherwise) {
       const std::string name = limits + side;
       const bool on = ufbx_find_bool(&node.props, (name + "XYZ"[k]).c_str(), false);
       return on ? ufbx_find_vec3(&node.props, name.c_str(), ufbx_vec3{}).v[k] : otherwise;
     };
     // Values are kept in single precision.
-    const double slack = 1e-5 * (1.0 + std::max(std::abs(least), std::abs(most)));
-    if (least < limit("Min", least) - slack || most > limit("Max", most) + slack) return true;
+    const double slack = 1e-5 * (1.0 + std::max(std::abs(lowest), std::abs(highest)));
+    if (lowest < limit("Min", lowest) - slack || highest > limit("Max", highest) + slack) return true;
   }
   return false;
 }

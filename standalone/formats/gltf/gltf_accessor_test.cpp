@@ -143,7 +143,7 @@ TEST(GltfAccessor, RefusesKeyTimesThatGoBackOrAreNone) {
   EXPECT_THAT(gltf_error(file.text()), HasSubstr("key times that go back"));
   GltfFile none = ball();
   none.channel(0, "translation", none.scalars({}), none.triples({}));
-  EXPECT_THAT(gltf_error(none.text()), HasSubstr("holds key times, but none"));
+  EXPECT_THAT(gltf_error(none.text()), HasSubstr("is a list of key times without any"));
 }
 
 TEST(GltfAccessor, AsksOnlyTheClipThatIsReadForKeysInOrder) {

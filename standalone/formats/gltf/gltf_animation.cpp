@@ -56,7 +56,7 @@ class ClipReader {
   void read(const std::string& wanted) {
     const cgltf_data& data = document_.data();
     if (data.animations_count == 0) {
-      if (!wanted.empty()) document_.fail("there is no clip " + shown(wanted) + ": the file has none");
+      if (!wanted.empty()) document_.fail("there is no clip " + shown(wanted) + "; the file has no clips");
       scene_.settings.set_playback_range(0.0, 0.0);
       return;
     }
@@ -84,7 +84,10 @@ class ClipReader {
   bool is_followed(const cgltf_animation_channel& channel, bool told) {
     if (channel.target_path == cgltf_animation_path_type_weights) return false;  // moves no origin
     if (attribute_of(channel.target_path).empty() || channel.target_node == nullptr) {
-      if (told) scene_.warnings.add("an animation channel without a node, or of an unknown path, is not followed");
+      if (told)
+        scene_.warnings.add(
+            "an animation channel without a node, or of an unknown path, is not followed; animate the translation, "
+            "rotation or scale of a node instead");
       return false;
     }
     return node_of(channel) != kNoNode;
@@ -130,7 +133,7 @@ class ClipReader {
       document_.fail(document_.label(accessor) + " holds key times and is not a list of floats; export the file again");
     }
     if (accessor.count == 0)
-      document_.fail(document_.label(accessor) + " holds key times, but none; export the file again");
+      document_.fail(document_.label(accessor) + " is a list of key times without any; export the file again");
     return document_.numbers(accessor);
   }
 
@@ -149,7 +152,7 @@ class ClipReader {
         document_.fail(document_.label(accessor) + " holds key times that go back; export the file again");
       }
       if (!times.frames.empty() && frame == times.frames.back()) {
-        scene_.warnings.add("of two keys at the same time only the later counts");
+        scene_.warnings.add("of two keys at the same time only the later one counts; remove the other");
         times.kept.back() = i;
       } else {
         times.frames.push_back(frame);
@@ -181,14 +184,15 @@ class ClipReader {
     if (!is_followed(channel, true)) return;
     const NodeId node = node_of(channel);
     if (!driven_.insert({node, static_cast<int>(channel.target_path)}).second) {
-      scene_.warnings.add("a second animation channel of the same node and path is not followed");
+      scene_.warnings.add(
+          "a second animation channel of the same node and path is not followed; keep only one of them");
       return;
     }
     const Times& times = times_of(*channel.sampler->input);
     const GltfNumbers values = values_of(channel, times);
     if (channel.target_node->has_matrix) {
       scene_.warnings.add(
-          "an animation channel moves a node that is given as a matrix, which takes the place of its part of it");
+          "an animation channel moves a node that is given as a matrix; the channel replaces that part of the matrix");
     }
     const bool rotation = channel.target_path == cgltf_animation_path_type_rotation;
     document_.take(rotation ? 1 : 3, GltfAllowance::kNode);
@@ -208,7 +212,7 @@ class ClipReader {
     keys.reserve(times.frames.size());
     for (std::size_t i = 0; i < times.frames.size(); ++i) {
       const std::size_t at = times.kept[i];
-      Key& key = keys.emplace_back();  // in its place: a copy of one that was just written waits for every piece of it
+      Key& key = keys.emplace_back();  // filled in place: copying a key just after writing it stalls the processor
       key.time = times.frames[i];
       key.value = values(spline ? 3 * at + 1 : at, axis);
       key.in = Tangent::linear;

@@ -149,9 +149,9 @@ cgltf_data* GltfDocument::parse_essentials() {
 void GltfDocument::fail_for(int result) {
   switch (result) {
     case cgltf_result_data_too_short:
-      fail("the file ends before its end; it is cut off, export it again");
+      fail("the file ends in the middle; it is cut off, export it again");
     case cgltf_result_unknown_format:
-      fail("the binary container is none of glTF 2.0; is this a .glb file? Export it again");
+      fail("the binary container is not one of glTF 2.0; is this a .glb file? Export it again");
     case cgltf_result_legacy_gltf:
       fail("this is glTF 1.0; convert it to glTF 2.0");
     case cgltf_result_out_of_memory:
@@ -183,7 +183,7 @@ std::string_view GltfDocument::bytes_of(const cgltf_buffer& buffer) {
   const std::string label = "buffer " + std::to_string(&buffer - data_->buffers);
   if (buffer.uri == nullptr) {
     if (&buffer != data_->buffers || data_->bin == nullptr) {
-      fail(label + " says neither where its bytes are nor lies in the file; export it again");
+      fail(label + " has neither a 'uri' nor bytes in the file; export it again");
     }
     if (buffer.size > data_->bin_size) fail(label + " is longer than the binary part of the file; export it again");
     return {static_cast<const char*>(data_->bin), buffer.size};

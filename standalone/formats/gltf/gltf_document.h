@@ -21,8 +21,8 @@ struct cgltf_data;
 
 namespace vantorelix::standalone {
 
-// What a file may make us hold: this many times its bytes (and those of its external buffers), and a little for small
-// ones. Damaged files ask for more.
+// How much memory reading a file may take: kTimes the bytes of the file and of its external buffers, and kAlways
+// besides. A damaged file that asks for more is refused before the memory is claimed.
 class GltfAllowance {
  public:
   static constexpr std::uint64_t kTimes = 256;
@@ -62,7 +62,8 @@ class GltfMemory {
   std::unordered_set<void*> taken_;
 };
 
-// The numbers of an accessor: floats where they lie in the file, which has to stay, others on their own.
+// The numbers of an accessor. Floats are read where they lie in the file's bytes, which must outlive this; others are
+// converted and kept in `own_`.
 class GltfNumbers {
  public:
   GltfNumbers(const char* floats, std::size_t stride) : floats_(floats), stride_(stride) {}
@@ -74,7 +75,7 @@ class GltfNumbers {
     std::memcpy(&number, floats_ + element * stride_ + component * sizeof number, sizeof number);
     return static_cast<double>(number);
   }
-  // Whether all of that many are, of so many numbers each.
+  // Whether the first `elements` elements, of `width` numbers each, are finite.
   bool are_finite(std::size_t elements, std::size_t width) const;
 
  private:

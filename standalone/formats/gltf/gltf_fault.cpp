@@ -73,7 +73,7 @@ std::size_t find_circle(const std::vector<std::size_t>& parents) {
 }
 
 std::string circle_text(std::size_t node) {
-  return "node " + std::to_string(node) + " stands below itself: the hierarchy goes in circles";
+  return "node " + std::to_string(node) + " is its own ancestor: the hierarchy has a cycle";
 }
 
 GltfFault find_fault(std::string_view text) {

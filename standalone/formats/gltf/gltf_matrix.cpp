@@ -16,14 +16,14 @@ double dot(const Row& a, const Row& b) { return a[0] * b[0] + a[1] * b[1] + a[2]
 // a - k b
 Row less(const Row& a, double k, const Row& b) { return {a[0] - k * b[0], a[1] - k * b[1], a[2] - k * b[2]}; }
 
-// What stretches and slants axes that a rotation then turns: rows = S * SH * R.
+// A matrix of three rows taken apart into scale, shear and rotation: rows = S * SH * R.
 struct Parts {
   Row scale;
   Row shear;  // xy, xz, yz
   Basis rotation;
 };
 
-// The length of a row, which is divided by it.
+// Divides a row by its length, and returns the length.
 double take_length(Row& row) {
   const double length = base::hypot(row[0], row[1], row[2]);
   for (double& v : row) v /= length;

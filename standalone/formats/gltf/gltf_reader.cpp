@@ -52,7 +52,7 @@ class GltfReader {
       read_clips(document_, nodes_, options_.take, scene_);
       return std::move(scene_);
     } catch (const host::Error& error) {
-      document_.fail(std::string("the scene refuses this: ") + error.what() + "; correct it or export again");
+      document_.fail(std::string("this cannot be read into a scene: ") + error.what() + "; correct it or export again");
     }
   }
 
@@ -63,7 +63,8 @@ class GltfReader {
     for (std::size_t i = 0; i < data_.extensions_required_count; ++i) {
       const std::string extension = gltf_text(data_.extensions_required[i]);
       if (!is_harmless(extension))
-        scene_.warnings.add("the extension " + shown(extension) + ", which the file requires, is not read");
+        scene_.warnings.add("the extension " + shown(extension) +
+                            ", which the file requires, is not read; export the file without it");
     }
   }
 
@@ -117,7 +118,8 @@ class GltfReader {
       for (std::size_t i = node->children_count; i-- > 0;) open.push_back({node->children[i], depth + 1});
     }
     for (const NodeId node : nodes_) {
-      if (node == kNoNode) scene_.warnings.add("a node outside of the file's default scene is left out");
+      if (node == kNoNode)
+        scene_.warnings.add("a node outside of the file's default scene is left out; add it to that scene to see it");
     }
   }
 

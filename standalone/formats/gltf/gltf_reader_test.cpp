@@ -39,7 +39,7 @@ TEST(Gltf, ASceneIsInMetresWithYUpAtTheRateAskedFor) {
 TEST(Gltf, ARateThatIsNoneIsRefused) {
   ReadOptions options;
   options.frames_per_second = 0.0;
-  EXPECT_THAT(gltf_error(GltfFile().node(kBall).text(), options), HasSubstr("the scene refuses this"));
+  EXPECT_THAT(gltf_error(GltfFile().node(kBall).text(), options), HasSubstr("this cannot be read into a scene"));
 }
 
 TEST(Gltf, NodesStandWhereTheirPartsPutThem) {
@@ -84,9 +84,11 @@ TEST(Gltf, OnlyTheDefaultSceneIsReadAndTheRestCounted) {
                                .text();
   const Scene first = read_gltf(text, "scene.gltf");
   EXPECT_EQ(first.names.find("b"), kNoNode);
-  EXPECT_THAT(first.warnings.all(), ElementsAre(testing::AllOf(
-                                        Field(&Warning::kind, "a node outside of the file's default scene is left out"),
-                                        Field(&Warning::count, 2u))));
+  EXPECT_THAT(first.warnings.all(),
+              ElementsAre(testing::AllOf(
+                  Field(&Warning::kind,
+                        "a node outside of the file's default scene is left out; add it to that scene to see it"),
+                  Field(&Warning::count, 2u))));
   std::string second = text;
   second.insert(1, R"("scene": 1, )");
   const Scene scene = read_gltf(second, "scene.gltf");
@@ -267,7 +269,7 @@ TEST(GltfClip, AnUnknownNameListsTheOnesThereAre) {
   options.take = "Run";
   EXPECT_THAT(gltf_error(two_clips().text(), options),
               HasSubstr("there is no clip 'Run'; the file has 'Walk', 'clip1', 'Walk_2'"));
-  EXPECT_THAT(gltf_error(GltfFile().node("").text(), options), HasSubstr("there is no clip 'Run': the file has none"));
+  EXPECT_THAT(gltf_error(GltfFile().node("").text(), options), HasSubstr("there is no clip 'Run'; the file has no clips"));
 }
 
 TEST(GltfClip, ASceneWithoutOneStandsStill) {
@@ -289,10 +291,12 @@ TEST(GltfClip, WhatItCannotDriveIsSaid) {
   expect_place(scene, "ball", 24, {1, 0, 0});
   std::vector<std::string> kinds;
   for (const Warning& warning : scene.warnings.all()) kinds.push_back(warning.kind);
-  EXPECT_THAT(kinds, testing::UnorderedElementsAre(
-                         "the extension 'ACME_physics', which the file requires, is not read",
-                         "a second animation channel of the same node and path is not followed",
-                         "an animation channel without a node, or of an unknown path, is not followed"));
+  EXPECT_THAT(kinds,
+              testing::UnorderedElementsAre(
+                  "the extension 'ACME_physics', which the file requires, is not read; export the file without it",
+                  "a second animation channel of the same node and path is not followed; keep only one of them",
+                  "an animation channel without a node, or of an unknown path, is not followed; animate the "
+                  "translation, rotation or scale of a node instead"));
 }
 
 TEST(GltfClip, AMatrixGivesWayToTheChannelsOfItsNode) {

@@ -33,7 +33,7 @@ class GltfRotation : public Track {
 
  private:
   Quaternion between(std::size_t key, double frame) const;
-  // What a key says, of length 1 where it is not a spline that passes through it.
+  // The value of a key: as given for a spline, else normalised.
   Quaternion value(std::size_t key) const;
 
   Keys keys_;

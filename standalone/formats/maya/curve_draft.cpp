@@ -10,7 +10,7 @@
 namespace vantorelix::standalone {
 namespace {
 
-// How far an index may lie beyond the entries there are: files number them from 0 without holes.
+// How far an index may lie beyond the last entry. Files number keys from 0 without holes, so more means damage.
 constexpr double kMaxHole = 4096.0;
 
 double one_number(MelScanner& words, std::string_view what) {

@@ -28,7 +28,7 @@ struct CurveUnits {
 
 class CurveDraft {
  public:
-  // Begins with what a curve already has.
+  // Begins with what `curve` has already.
   CurveDraft(const AnimCurve& curve, const CurveUnits& units);
 
   // Reads the values of one setAttr. False for an attribute that has no bearing on the curve's shape: nothing is read
@@ -43,11 +43,12 @@ class CurveDraft {
   void assign_to(Scene& scene, NodeId curve) const;
 
  private:
-  // A key, and what was said about it. Values that were not said come from the whole curve.
+  // A key, and which of its parts the file has given so far. A tangent type that it has not given is the curve's
+  // (`all_`).
   struct Entry {
     Key key;
-    bool present = false;
-    bool own_in = false;
+    bool present = false;  // time or value was given; entries without are holes in the numbering
+    bool own_in = false;   // the type of the in tangent was given
     bool own_out = false;
   };
 
@@ -60,7 +61,7 @@ class CurveDraft {
 
   CurveUnits units_;
   std::vector<Entry> entries_;
-  Tangent all_ = Tangent::global;
+  Tangent all_ = Tangent::global;  // the tangent type of keys that have none of their own
   bool weighted_ = true;
   Infinity pre_;
   Infinity post_;

@@ -70,14 +70,14 @@ void MayaReader::connect(std::string_view source, std::string_view destination) 
   }
   if (driver == kNoNode) {
     if (!can_move(target, to)) return;
-    note("a connection comes from a node that is not in the file; import the reference it comes from");
+    note("a connection comes from a node that is not in the file; import the reference that has it");
     driver = scene_.nodes.create("unknown", from_name);
   }
   if (bounds_ && scene_.nodes.type(target) == "mesh") add_primitive(driver, target);
   scene_.connections.connect(driver, declared(driver, from), target, declared(target, to));
   if (scene_.nodes.type(target) == "reference" && scene_.curves.is_curve(driver)) {
-    note("an animation curve moves something in the missing reference '" +
-         std::string(scene_.names.short_name(target)) + "' alone; import the reference into the scene");
+    note("an animation curve moves only something in the missing reference '" +
+         std::string(scene_.names.short_name(target)) + "'; import the reference into the scene");
   } else if (can_move(target, to)) {
     note_driver(driver, target);
   }

@@ -10,7 +10,7 @@
 namespace vantorelix::standalone {
 namespace {
 
-// Instances of instances grow by powers.
+// Instances of instances multiply: a small file could ask for any number of nodes.
 constexpr std::size_t kMaxTwins = 100'000;
 constexpr std::ptrdiff_t kMaxDepth = 2000;
 
@@ -69,15 +69,18 @@ void MayaReader::make_instances() {
     try {
       make_twins(node, above, first_twin);
     } catch (const host::Error& error) {
-      note(std::string("an instance is not made: ") + error.what());
+      note(std::string("an instance is left out, bake it before saving: ") + error.what());
       twin_path_.clear();
     }
   }
 }
 
-// The node and all below it, a second time. Twins do not have any themselves: `first_twin` tells them from the rest.
+// Makes `node` and all below it a second time under `above`. Children from `first_twin` on are twins themselves, made
+// for another instance, and are not copied again.
 void MayaReader::make_twins(NodeId node, NodeId above, NodeId first_twin) {
-  if (!twin_path_.insert(node).second) return note("a node is an instance below itself, and left out there");
+  if (!twin_path_.insert(node).second)
+    return note(
+        "a node is an instance of itself below itself, and is left out there; delete that instance before saving");
   if (twins_left_ == 0 || twin_path_.size() > static_cast<std::size_t>(kMaxDepth)) {
     note("instances make more than " + std::to_string(kMaxTwins) +
          " nodes, or 2000 inside each other; the others are missing: bake or delete some of them before saving");

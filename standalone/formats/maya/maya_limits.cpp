@@ -8,9 +8,10 @@
 namespace vantorelix::standalone {
 namespace {
 
-// "minTransXLimitEnable" and its like: a bound or its switch, of one component or of three.
+// What an attribute such as "minTransXLimitEnable" stands for: a bound or its switch, of `count` components from
+// `first` on, which are numbered as in Limits.
 struct LimitName {
-  bool most;
+  bool is_maximum;
   bool is_switch;
   std::size_t first;
   std::size_t count;
@@ -31,35 +32,37 @@ std::size_t take_axis(std::string_view& name, std::string_view axes) {
   return axis;
 }
 
-std::optional<LimitName> made_of(bool most, std::size_t kind, std::size_t axis, bool is_switch, std::string_view rest) {
+std::optional<LimitName> made_of(bool is_maximum, std::size_t kind, std::size_t axis, bool is_switch,
+                                 std::string_view rest) {
   if (kind == 3 || !rest.empty()) return std::nullopt;
-  return axis == 3 ? LimitName{most, is_switch, 3 * kind, 3} : LimitName{most, is_switch, 3 * kind + axis, 1};
+  return axis == 3 ? LimitName{is_maximum, is_switch, 3 * kind, 3}
+                   : LimitName{is_maximum, is_switch, 3 * kind + axis, 1};
 }
 
 // "minTransLimit", "maxRotYLimitEnable"
 std::optional<LimitName> long_limit_name(std::string_view name) {
-  const bool most = name.starts_with("max");
-  if (!take(name, most ? "max" : "min")) return std::nullopt;
+  const bool is_maximum = name.starts_with("max");
+  if (!take(name, is_maximum ? "max" : "min")) return std::nullopt;
   const std::size_t kind = take(name, "Trans") ? 0 : take(name, "Rot") ? 1 : take(name, "Scale") ? 2 : 3;
   const std::size_t axis = take_axis(name, "XYZ");
   if (!take(name, "Limit")) return std::nullopt;
   const bool is_switch = take(name, "Enable");
-  return made_of(most, kind, axis, is_switch, name);
+  return made_of(is_maximum, kind, axis, is_switch, name);
 }
 
-// Their short names: "mntl" and "mxtl" for three, "mtxl" and "xtxl" for one; "mtle", "xtle", "mtxe", "xtxe" for the
-// switches.
+// Short names. Bounds: "mntl" and "mxtl" for three components, "mtxl" and "xtxl" for one. Switches: "mtle" and "xtle"
+// for three, "mtxe" and "xtxe" for one.
 std::optional<LimitName> short_limit_name(std::string_view name) {
   const bool is_compound = name.starts_with("mn") || name.starts_with("mx");
-  const bool most = is_compound ? name[1] == 'x' : name.starts_with("x");
-  if (name.empty() || (!is_compound && !most && name[0] != 'm')) return std::nullopt;
+  const bool is_maximum = is_compound ? name[1] == 'x' : name.starts_with("x");
+  if (name.empty() || (!is_compound && !is_maximum && name[0] != 'm')) return std::nullopt;
   name.remove_prefix(is_compound ? 2 : 1);
   const std::size_t kind = take_axis(name, "trs");
   const std::size_t axis = is_compound ? 3 : take_axis(name, "xyz");
   const bool is_switch = take(name, axis == 3 ? "le" : "e");
   if (!is_switch && !take(name, "l")) return std::nullopt;
   if (axis == 3 && is_switch == is_compound) return std::nullopt;
-  return made_of(most, kind, axis, is_switch, name);
+  return made_of(is_maximum, kind, axis, is_switch, name);
 }
 
 std::optional<LimitName> limit_named(std::string_view name) {
@@ -67,7 +70,7 @@ std::optional<LimitName> limit_named(std::string_view name) {
   return found ? found : short_limit_name(name);
 }
 
-// Where the values of a node may be furthest out: at its keys, between them, and at both ends of what is played.
+// Frames at which to look for values beyond a limit: the keys, some frames between them, and the ends of the range.
 std::vector<double> telling_frames(const Scene& scene, NodeId node) {
   constexpr int kBetween = 8;
   std::vector<double> keys = scene.curves.key_times(node);
@@ -83,18 +86,18 @@ std::vector<double> telling_frames(const Scene& scene, NodeId node) {
 
 }  // namespace
 
-// What Maya has where a file does not say.
+// Maya's own defaults, which files leave out.
 Limits::Limits() {
   constexpr double kTurn = std::numbers::pi / 4.0;
-  least.values = {-1, -1, -1, -kTurn, -kTurn, -kTurn, -1, -1, -1};
-  most.values = {1, 1, 1, kTurn, kTurn, kTurn, 1, 1, 1};
+  minimum.values = {-1, -1, -1, -kTurn, -kTurn, -kTurn, -1, -1, -1};
+  maximum.values = {1, 1, 1, kTurn, kTurn, kTurn, 1, 1, 1};
 }
 
 bool MayaReader::set_limits(NodeId node, std::string_view attribute) {
   const auto name = limit_named(attribute);
   if (!name || !read_numbers(name->count)) return name.has_value();
   Limits& limits = limits_[node];
-  Limits::Bound& bound = name->most ? limits.most : limits.least;
+  Limits::Bound& bound = name->is_maximum ? limits.maximum : limits.minimum;
   for (std::size_t k = 0; k < numbers_.size(); ++k) {
     const std::size_t place = name->first + k;
     if (name->is_switch) {
@@ -114,21 +117,21 @@ void MayaReader::note_limits() {
   if (beyond.empty()) return;
   std::sort(beyond.begin(), beyond.end());
   note("the limits of " + names_of(beyond) +
-       " are not applied to the values that leave them; bake what they limit before saving");
+       " are not applied, although values lie beyond them; bake what they limit before saving");
   const NodeId limit = scene_.nodes.create("limit", "limits");
   for (const NodeId node : beyond) hold_as_unfollowed(limit, node);
 }
 
 bool MayaReader::leaves_limits(NodeId node, const Limits& limits) const {
   std::vector<double> frames;
-  for (std::size_t place = 0; place < limits.least.on.size(); ++place) {
-    if (!limits.least.on[place] && !limits.most.on[place]) continue;
+  for (std::size_t place = 0; place < limits.minimum.on.size(); ++place) {
+    if (!limits.minimum.on[place] && !limits.maximum.on[place]) continue;
     if (frames.empty()) frames = telling_frames(scene_, node);
     const Channel channel = component(Channel::translateX, place);
     for (const double frame : frames) {
       const double value = scene_.evaluation.channel_at(node, channel, frame), slack = 1e-9 * (1.0 + std::abs(value));
-      if (limits.least.on[place] && value < limits.least.values[place] - slack) return true;
-      if (limits.most.on[place] && value > limits.most.values[place] + slack) return true;
+      if (limits.minimum.on[place] && value < limits.minimum.values[place] - slack) return true;
+      if (limits.maximum.on[place] && value > limits.maximum.values[place] + slack) return true;
     }
   }
   return false;

@@ -94,7 +94,7 @@ TEST(MayaEnd, AFileOfMayasWithoutItsClosingLineMayBeCutOff) {
   const std::string text = "//Maya ASCII 2020 scene\ncreateNode transform -n \"a\";\n";
   EXPECT_THAT(read(text).warnings.all(),
               warns("the closing line '// End of ...' is missing: the file may be cut off", 1));
-  EXPECT_THAT(read(text + "// End of the road\ncreateNode transform;").warnings.all(), IsEmpty());
+  EXPECT_THAT(read(text + "// End of the scene\ncreateNode transform;").warnings.all(), IsEmpty());
   EXPECT_THAT(read(text + "// End of a.ma").warnings.all(), IsEmpty());
 }
 

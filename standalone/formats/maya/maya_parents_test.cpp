@@ -31,7 +31,10 @@ TEST(MayaParents, ChildrenOfAnUnknownTypeAtTheTopStayUnderIt) {
   expect_at(scene, "child", 1, 1, 6, 3);
   expect_at(scene, "second", 1, 1, 2, 3);
   expect_at(scene, "third", 1, 1, 6, 3);
-  EXPECT_THAT(scene.warnings.all(), warns("'lookAt' is not known and placed like a plain transform", 1));
+  EXPECT_THAT(
+      scene.warnings.all(),
+      warns("'lookAt' is not known and is placed as a plain transform; bake it before saving if it moves its children",
+            1));
 }
 
 TEST(MayaParents, AnUnknownTypeKeepsWhatDroveItWhenItTurnsOutToBeAParent) {

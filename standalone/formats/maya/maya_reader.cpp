@@ -95,7 +95,7 @@ void MayaReader::read_statement(const std::string& command) {
   } else if (std::find(kHarmless.begin(), kHarmless.end(), command) != kHarmless.end()) {
     known_statement_ = true;
   } else {
-    note("the statement " + shown(command) + " is not read");
+    note("the statement " + shown(command) + " is not read; bake what it moves before saving");
   }
 }
 
@@ -104,16 +104,16 @@ void MayaReader::read_current_unit() {
     const std::string flag = word_.text;
     if (flag == "-l" || flag == "-linear") {
       const auto unit = linear_unit_named(argument());
-      if (!unit) in_.fail(shown(argument_.text) + " is not a linear unit; mm, cm, m, km, in, ft, yd and mi are");
+      if (!unit) in_.fail(shown(argument_.text) + " is not a linear unit; use mm, cm, m, km, in, ft, yd or mi");
       scene_.settings.set_linear_unit(unit->name);
       centimetres_ = unit->centimetres;
     } else if (flag == "-a" || flag == "-angle") {
       const auto unit = angular_unit_named(argument());
-      if (!unit) in_.fail(shown(argument_.text) + " is not an angular unit; deg and rad are");
+      if (!unit) in_.fail(shown(argument_.text) + " is not an angular unit; use deg or rad");
       radians_ = *unit;
     } else if (flag == "-t" || flag == "-time") {
       const auto rate = frame_rate_named(argument());
-      if (!rate) in_.fail(shown(argument_.text) + " is not a time unit; film, pal, ntsc, 120fps, sec and the like are");
+      if (!rate) in_.fail(shown(argument_.text) + " is not a time unit; use film, pal, ntsc, 120fps, sec or the like");
       scene_.settings.set_frames_per_second(*rate);
     }
   }
@@ -153,7 +153,7 @@ void MayaReader::read_create_node() {
       type = word_.text;
     }
   }
-  if (type.empty()) in_.fail(words_.line(), "createNode without a type; the file is damaged, export it again");
+  if (type.empty()) in_.fail(words_.line(), "createNode has no type; the file is damaged, export it again");
   if (++node_count_ > kMaxNodes) in_.fail("more than 4000000 nodes; is this a Maya ASCII file?");
   if (fresh_curve_ != kNoNode) {
     const auto draft = drafts_.find(fresh_curve_);
@@ -178,7 +178,8 @@ NodeId MayaReader::create(const std::string& type, const std::string& name, cons
   if (depth > kMaxDepth) in_.fail("more than 2000 nodes inside each other; is this a Maya ASCII file?");
   const NodeId node = scene_.nodes.create(type, name, above);
   if (!scene_.nodes.is_registered_type(type) && scene_.nodes.is_transform(node)) {
-    note("the node type " + shown(type) + " is not known and placed like a plain transform");
+    note("the node type " + shown(type) +
+         " is not known and is placed as a plain transform; bake it before saving if it moves its children");
   }
   if (depth_.size() <= node) depth_.resize(node + std::size_t{1}, 0);
   depth_[node] = static_cast<std::uint16_t>(depth);
@@ -195,18 +196,20 @@ NodeId MayaReader::parent_named(const std::string& name, bool& missing) {
   if (node != kNoNode && !scene_.nodes.is_transform(node)) node = moved_into_dag(node);
   if (node != kNoNode) return node;
   missing = true;
-  note("a node's parent is not in the file, and the node stands at the top; import the reference it comes from");
+  note("a node's parent is not in the file, and the node stands at the top; import the reference that has the parent");
   return kWorld;
 }
 
-// A node of an unknown type that something hangs on is in the DAG, whatever it was taken for; kNoNode for any other.
+// A node of an unknown type with children must be a transform, whatever it was taken for when it was made: replaces it
+// by one, under a new id, with its name, connections and values. kNoNode for a node of any other type.
 NodeId MayaReader::moved_into_dag(NodeId node) {
   const std::string type = scene_.nodes.type(node), name(scene_.names.short_name(node)),
                     in_file = name_in_file(scene_, node);
   if (scene_.nodes.is_registered_type(type) || scene_.curves.is_curve(node) || type.ends_with("Shape")) return kNoNode;
-  note("the node type " + shown(type) + " is not known and placed like a plain transform");
+  note("the node type " + shown(type) +
+       " is not known and is placed as a plain transform; bake it before saving if it moves its children");
   const NodeId above = scene_.nodes.is_shape(node) ? scene_.nodes.parent(node) : kWorld;
-  // Of an unknown type only what is made under a parent is in the DAG.
+  // SceneNodes::create puts a node of an unknown type into the DAG only where it is given a parent.
   const NodeId first_parent = scene_.nodes.create("transform", "");
   const NodeId moved = scene_.nodes.create(type, "", first_parent);
   for (const Connection& c : scene_.connections.into(node))
@@ -327,7 +330,7 @@ void MayaReader::read_playback(std::string_view script) {
 }
 
 void MayaReader::finish() {
-  if (!known_statement_) in_.fail("no statement of a Maya ASCII scene in the whole file; is it one?");
+  if (!known_statement_) in_.fail("the file holds no statement of a Maya ASCII scene; check that it is one");
   if (written_by_maya_ && !words_.has_closing_line()) {
     note(
         "the closing line '// End of ...' is missing: the file may be cut off, and what came after is not here; copy "
@@ -368,7 +371,8 @@ NodeId MayaReader::find(std::string_view name) {
     const NodeId node = scene_.names.find(name);
     return node == kNoNode && !instances_.empty() ? find_by_second_path(name) : node;
   } catch (const host::Error&) {
-    note("a name that several nodes bear is used without its path; what it stands for is not known");
+    note(
+        "several nodes have a name that is used without its path, and it is not known which one is meant; rename them");
     return kNoNode;
   }
 }

@@ -27,7 +27,7 @@ struct Limits {
     std::array<double, 9> values;
     std::array<bool, 9> on = {};
   };
-  Bound least, most;
+  Bound minimum, maximum;
 };
 
 // What makes the surface of a mesh from a few numbers, which tell its bounds.
@@ -125,8 +125,9 @@ class MayaReader {
   // What a statement without a node's name is about.
   NodeId current_ = kNoNode;
   std::string current_name_;
-  // The curve that the last createNode made; its draft is assigned when the next node comes. Drafts of curves that
-  // are named again later wait for the end, so that going to and fro between them costs nothing.
+  // The curve that the last createNode made; its draft is assigned to the scene at the next createNode. Drafts of
+  // curves that a later statement names are assigned at the end of the file, however often the statements change
+  // between them.
   NodeId fresh_curve_ = kNoNode;
   std::unordered_map<NodeId, CurveDraft> drafts_;
   double first_key_ = 0.0;
@@ -137,14 +138,15 @@ class MayaReader {
   std::unordered_map<std::string, std::string> declared_;               // "<node id>.<short name>" to the long one
   std::unordered_map<std::string, std::unordered_set<NodeId>> driven_;  // by the type of what drives them
   std::unordered_set<std::string> notes_;
-  // Values that nodes outside the DAG were given for channels: they have them if it turns out that they are in it.
+  // Values of channels that were set on nodes of unknown types, which have no channels yet. They are given to the node
+  // when it becomes the parent of another, and so turns out to be a transform (moved_into_dag).
   std::unordered_map<NodeId, std::vector<std::pair<Channel, double>>> held_channels_;
   std::unordered_map<NodeId, Limits> limits_;
   std::string time_warp_;  // what drives the scene's time; empty where nothing does
   bool time_warp_is_off_ = false;
 
-  // Second and further parents, in the file's order. Nodes are made for them when the file is through, so that until
-  // then a name stands for one node.
+  // Second and further parents, in the file's order. Nodes are made for them at the end of the file: until then each
+  // name stands for one node.
   std::vector<std::pair<NodeId, NodeId>> instances_;                 // node and parent
   std::unordered_map<NodeId, std::vector<NodeId>> instances_under_;  // the same by parent
   std::unordered_map<std::string, NodeId> second_paths_;             // "<parent's id>|<name>"

@@ -88,7 +88,7 @@ void MayaReader::set_channels(NodeId node, const NamedChannels& channels) {
     in_.fail(words_.line(), "fewer values than the attribute has parts; correct the statement or export again");
   }
   if (channels.first == Channel::rotateOrder && !(numbers_[0] >= 0.0 && numbers_[0] <= 5.0)) {
-    return note("a rotate order that is none of the six is not taken");
+    return note("a rotate order that is not one of 0 to 5 is ignored; correct it or export again");
   }
   const double unit = is_angle(channels.first) ? radians_ : 1.0;
   for (std::size_t k = 0; k < numbers_.size(); ++k) {
@@ -109,7 +109,8 @@ void MayaReader::hold_channels(NodeId node, const NamedChannels& channels) {
 
 void MayaReader::set_offset_parent_matrix(NodeId node) {
   if (words_.next(word_)) {
-    if (word_.is_string) return note("an offset parent matrix that is not written as 16 numbers is not taken");
+    if (word_.is_string)
+      return note("an offset parent matrix that is not written as 16 numbers is ignored; correct it or export again");
     words_.put_back(word_);
   }
   if (!read_numbers(16)) return;
@@ -178,7 +179,7 @@ bool MayaReader::read_numbers(std::size_t limit) {
   double value = 0.0;
   while (numbers_.size() < limit && words_.next_number(value)) numbers_.push_back(value);
   const bool finite = std::all_of(numbers_.begin(), numbers_.end(), [](double d) { return std::isfinite(d); });
-  if (!finite) note("a value that is not finite is not taken");
+  if (!finite) note("a value that is not a finite number is ignored; correct it or export again");
   return finite && !numbers_.empty();
 }
 
@@ -195,8 +196,9 @@ CurveDraft& MayaReader::draft(NodeId curve) {
 void MayaReader::assign(NodeId curve, const CurveDraft& draft) {
   if (!draft.changed()) return;
   draft.assign_to(scene_, curve);
-  if (draft.unknown_type()) note("a tangent or infinity of an unknown kind is taken as auto or constant");
-  if (draft.quaternion()) note("a curve that turns by quaternions is evaluated as Euler angles");
+  if (draft.unknown_type())
+    note("a tangent or infinity of an unknown kind is read as automatic or constant; set it anew before saving");
+  if (draft.quaternion()) note("a curve that turns by quaternions is evaluated as Euler angles; bake it before saving");
   const std::vector<Key>& keys = scene_.curves.at(curve).keys();
   if (keys.empty()) return;
   const bool first = first_key_ > last_key_;
