@@ -13,16 +13,16 @@ namespace {
 using benchmark::State;
 using support::Arguments;
 
-std::vector<Arguments> vectors(double most) {
+std::vector<Arguments> vectors(double limit) {
   support::Draw draw(1);
   std::vector<Arguments> made(4096);
-  for (Arguments& a : made) a = {draw.within(most), draw.within(most), draw.within(most)};
+  for (Arguments& a : made) a = {draw.within(limit), draw.within(limit), draw.within(limit)};
   return made;
 }
 
 template <class F>
-void measure(State& state, const F& function, double most) {
-  const std::vector<Arguments> arguments = vectors(most);
+void measure(State& state, const F& function, double limit) {
+  const std::vector<Arguments> arguments = vectors(limit);
   std::size_t i = 0;
   for ([[maybe_unused]] auto _ : state) {
     auto result = function(arguments[i++ % 4096]);
@@ -32,11 +32,11 @@ void measure(State& state, const F& function, double most) {
 
 constexpr double kAngle = 62.8, kSide = 1.0, kLength = 5.0;
 
-#define VANTORELIX_PAIR(name, most, ours, theirs)                                 \
-  BENCHMARK_CAPTURE(                                                              \
-      measure, name##_ours, [](const Arguments& a) { return base::ours; }, most); \
-  BENCHMARK_CAPTURE(                                                              \
-      measure, name##_library, [](const Arguments& a) { return theirs; }, most)
+#define VANTORELIX_PAIR(name, limit, ours, theirs)                                 \
+  BENCHMARK_CAPTURE(                                                               \
+      measure, name##_ours, [](const Arguments& a) { return base::ours; }, limit); \
+  BENCHMARK_CAPTURE(                                                               \
+      measure, name##_library, [](const Arguments& a) { return theirs; }, limit)
 
 VANTORELIX_PAIR(sin, kAngle, sin(a[0]), std::sin(a[0]));
 VANTORELIX_PAIR(cos, kAngle, cos(a[0]), std::cos(a[0]));

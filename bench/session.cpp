@@ -81,7 +81,7 @@ void Session::edit() {
     scene.curves.set_key(curves.front(), key.time, key.value + 0.01);
     return end_quiet_time();
   }
-  throw std::runtime_error("no object has a curve to edit");
+  throw std::runtime_error("the scene has no animated object whose keys could be edited");
 }
 
 std::optional<Slice> Session::slice() {
@@ -105,14 +105,15 @@ void Session::clear() {
 void Session::check(std::size_t samples) {
   const auto& scene = host_.scene();
   const auto shapes = scene.nodes.of_type(NODE_TYPE);
-  if (shapes.size() != objects_.size()) throw std::runtime_error("not every object has a trail");
+  if (shapes.size() != objects_.size()) throw std::runtime_error("not every object of the scene has got a trail");
   for (std::size_t i = 0; i < shapes.size(); ++i) {
     const auto points = scene.attributes.vectors(shapes[i], "points");
-    if (!points || points->size() != samples) throw std::runtime_error("a trail is not complete");
+    if (!points || points->size() != samples)
+      throw std::runtime_error("a trail has fewer samples than the range asks for");
     const auto there = scene.evaluation.world_matrix(objects_[i], scene.settings.playback_max()).translation();
     const auto& last = points->back();
     if (std::abs(last.x - there.x) + std::abs(last.y - there.y) + std::abs(last.z - there.z) > 1e-9)
-      throw std::runtime_error("a trail does not end where its object is");
+      throw std::runtime_error("a trail does not end at its object's position");
   }
 }
 

@@ -38,7 +38,7 @@ Stage clip() {
 
 void clip_all_joints(State& state) {
   Stage stage = clip();
-  if (stage.objects.size() != 60) return state.SkipWithError("the clip has not 60 animated joints");
+  if (stage.objects.size() != 60) return state.SkipWithError("the clip does not have 60 animated joints");
   trails(state, std::move(stage), 1000, 60e3);
 }
 BENCHMARK(clip_all_joints)->UseManualTime();

@@ -63,7 +63,8 @@ PyObject* read_variable(PyObject*, void* variable) {
 int write_variable(PyObject*, PyObject* value, void* variable) {
   const auto* const known = static_cast<const Variable*>(variable);
   if (!value) {
-    PyErr_Format(PyExc_AttributeError, "%s is the engine's own and cannot be deleted", known->name);
+    PyErr_Format(PyExc_AttributeError, "%s belongs to the engine and cannot be deleted; assign to it instead",
+                 known->name);
     return -1;
   }
   return answer_or(-1, [&] {
@@ -142,22 +143,28 @@ void forget_the_interpreter() { interpreter_has_ended = true; }
 void refuse_other_interpreters() {
   const bool another = PyThreadState_Get()->interp != PyInterpreterState_Main();
   if (!another && !interpreter_has_ended) return;
-  PyErr_SetString(PyExc_ImportError, another ? "Vantorelix_engine works in the main interpreter of a process only"
-                                             : "Vantorelix_engine cannot start again after its interpreter has ended");
+  PyErr_SetString(PyExc_ImportError,
+                  another ? "Vantorelix_engine works in the main interpreter of a process only; import it there"
+                          : "Vantorelix_engine cannot start again after its interpreter has ended; "
+                            "start a new process");
   throw_python_error();
 }
 
 // The end of the interpreter, and of a process that does not end it first.
 void watch_the_end() {
   static const bool watched = Py_AtExit(forget_the_interpreter) == 0 && std::atexit(forget_the_interpreter) == 0;
-  if (!watched) throw host::Error("the end of the interpreter cannot be watched");
+  if (!watched)
+    throw host::Error(
+        "Vantorelix_engine cannot register for the end of the interpreter; too many other modules have: start a new "
+        "process");
 }
 
 PyObject* start(PyObject*, PyObject* module) {
   return answer([&] {
     refuse_other_interpreters();
     watch_the_end();
-    if (!PyModule_Check(module)) throw host::Error("start takes a module", host::ErrorKind::type);
+    if (!PyModule_Check(module))
+      throw host::Error("start() takes one argument, the module Vantorelix_engine itself", host::ErrorKind::type);
     static PyObject* const type = new_module_type().release();
     const Ref previous = bind_module(module);  // let go last: what is in it may come back here
     check(PyObject_SetAttrString(module, "__class__", type));

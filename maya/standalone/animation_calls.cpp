@@ -10,7 +10,7 @@ using host::Value;
 
 namespace {
 
-// What one of the curve's own values is shown as.
+// By what a value of the curve is multiplied for scripts: degrees for radians.
 double factor(const AnimCurve& curve) { return curve.kind() == CurveKind::angular ? kDegrees : 1.0; }
 
 const Key* key_at(const AnimCurve& curve, double frame) {
@@ -34,7 +34,8 @@ Value set_channel_key(Session& session, const Arguments& a) {
   Scene& scene = session.scene();
   const NodeId node = a.node(0);
   const Channel channel = channel_named(scene, node, a.text(1));
-  if (channel == Channel::count) throw Error("setKeyframe: '" + a.text(1) + "' cannot be keyed.");
+  if (channel == Channel::count)
+    throw Error("setKeyframe: '" + a.text(1) + "' cannot be keyed; name one channel of a transform, as translateX.");
   const NodeId curve = scene.curves.driving_curve(node, channel);
   const double scale = curve == kNoNode ? (is_angle(channel) ? kDegrees : 1.0) : factor(scene.curves.at(curve));
   if (curve == kNoNode) return node_or_none(scene.curves.set_key(node, channel, a.number(2), a.number(3) / scale));
@@ -61,7 +62,7 @@ Value change_key(Session& session, const Arguments& a) {
   if (a.has(4)) key.in = static_cast<Tangent>(a.integer(4));
   if (a.has(5)) key.out = static_cast<Tangent>(a.integer(5));
   if (key.time != a.number(1) && key_at(scene.curves.at(curve), key.time))
-    throw Error("keyframe: there is a key at the new time already.");
+    throw Error("keyframe: there is a key at the new time already; remove it first, or choose another time.");
   // The new key first: the last key of a curve takes the curve with it.
   scene.curves.set_key(curve, key);
   if (key.time != a.number(1)) scene.curves.remove_key(curve, a.number(1));

@@ -48,7 +48,7 @@ int guarded(Work work) {
 
 sa::HostOptions options_of(const char* json) {
   const host::Value given = sa::value_of_json(json);
-  if (!given.as_list()) throw host::Error("The options are not a list", host::ErrorKind::type);
+  if (!given.as_list()) throw host::Error("The options of a host must be a list.", host::ErrorKind::type);
   const sa::Arguments arguments(**given.as_list());
   sa::HostOptions options;
   options.batch = arguments.flag(0);

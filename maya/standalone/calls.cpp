@@ -39,12 +39,13 @@ const std::vector<Value>& Arguments::list(std::size_t i) const {
 
 Value call(Session& session, const std::string& name, const Value& arguments) {
   const host::List* list = arguments.as_list();
-  if (!list) throw Error("The arguments of '" + name + "' are not a list", ErrorKind::type);
+  if (!list) throw Error("The arguments of '" + name + "' must be a list.", ErrorKind::type);
   for (const Calls* calls : {&node_calls(), &attribute_calls(), &animation_calls(), &host_calls(), &undo_calls()}) {
     const auto found = calls->find(name);
     if (found != calls->end()) return found->second(session, Arguments(**list));
   }
-  throw Error("The host has no call '" + name + "'", ErrorKind::attribute);
+  throw Error("The standalone host has no call '" + name + "'; use a library and a package 'maya' of one version.",
+              ErrorKind::attribute);
 }
 
 namespace {

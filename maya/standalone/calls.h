@@ -1,4 +1,4 @@
-// What a script can ask of a session by name: few are hot, so all but those go this way.
+// The calls of a session by name. The few that scripts make very often have C functions of their own (c_api.cpp).
 #pragma once
 
 #include <map>

@@ -21,10 +21,14 @@ Value from(const json& item) {
   if (item.is_boolean()) return item.get<bool>();
   if (item.is_number_float()) return item.get<double>();
   if (item.is_number_unsigned() && item.get<std::uint64_t>() > std::numeric_limits<std::int64_t>::max())
-    throw Error("an integer of more than 64 bits", ErrorKind::value);
+    throw Error("integers of more than 64 bits cannot be passed to the standalone host: " + item.dump(),
+                ErrorKind::value);
   if (item.is_number_integer()) return item.get<std::int64_t>();
   if (item.is_string()) return item.get<std::string>();
-  if (!item.is_array()) throw Error("an object is not a value", ErrorKind::value);
+  if (!item.is_array())
+    throw Error(
+        "only None, booleans, numbers, strings and lists can be passed to the standalone host, not " + item.dump(),
+        ErrorKind::value);
   std::vector<Value> items;
   for (const json& each : item) items.push_back(from(each));
   return Value::list(std::move(items));
@@ -38,7 +42,7 @@ json to(const Value& value) {
   if (const auto* s = value.as_text()) return *s;
   if (const auto* bytes = value.as_bytes()) return bytes->data;
   const auto* list = value.as_list();
-  if (!list) throw Error("an object has no form in JSON", ErrorKind::type);
+  if (!list) throw Error("the standalone host cannot return " + value.repr() + " to Python", ErrorKind::type);
   json items = json::array();
   for (const Value& each : **list) items.push_back(to(each));
   return items;
@@ -48,7 +52,8 @@ json to(const Value& value) {
 
 Value value_of_json(const std::string& text) {
   const json document = json::parse(text, nullptr, false);
-  if (document.is_discarded()) throw Error("not valid JSON: " + text, ErrorKind::value);
+  if (document.is_discarded())
+    throw Error("the standalone host was passed text that is not valid JSON: " + text, ErrorKind::value);
   return from(document);
 }
 

@@ -39,7 +39,7 @@ class Session {
   Host host_;
   UndoQueue undo_queue_{host_};
   std::size_t telling_ = 0;
-  std::vector<Scene> replaced_;  // inside an edit, which goes on after the listener
+  std::vector<Scene> replaced_;  // scenes replaced by a listener inside an edit, which still uses them until it ends
   Listener listener_ = nullptr;
 };
 

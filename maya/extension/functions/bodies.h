@@ -10,13 +10,13 @@ namespace vantorelix::maya {
 
 inline std::string text(const Arguments& a, std::size_t i) { return text_of(a[i]); }
 inline double number(const Arguments& a, std::size_t i) { return number_of(a[i]); }
-// An argument that is handed on as it was passed.
+// An argument that the engine only hands on; `otherwise` where it is absent.
 inline host::Value value(const Arguments& a, std::size_t i, host::Value otherwise = {}) {
   return a[i] ? value_of(a[i]) : std::move(otherwise);
 }
 
-// What the engine gave back for an argument that it may have handed on: the very object that came in, then, else a new
-// one.
+// Argument i, or a new object: the engine was given `given` for it and has returned `back`. Where they are equal, it
+// has handed the argument on, and the script gets the very object that it passed.
 inline Ref same_or_new(const Arguments& a, std::size_t i, const host::Value& given, const host::Value& back) {
   return a.given(i) && back == given ? Ref::share(a[i]) : object_of(back);
 }

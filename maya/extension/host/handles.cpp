@@ -18,7 +18,8 @@ PyObject* module_dictionary() { return dictionary; }
 
 namespace {
 
-// The number of a dictionary's state: no two states of any dictionaries have the same.
+// A number that changes with every change of the dictionary, and is never the same for two dictionaries. 0 where the
+// interpreter has none.
 #if PY_VERSION_HEX < 0x030C0000
 constexpr bool kStatesAreNumbered = true;
 std::uint64_t state_of(PyObject* items) { return reinterpret_cast<PyDictObject*>(items)->ma_version_tag; }

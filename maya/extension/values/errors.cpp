@@ -12,7 +12,7 @@ namespace {
 
 using host::ErrorKind;
 
-// Rides inside a host::Error or host::Interrupt.
+// The Python exception that a host::Error or host::Interrupt carries as its cause.
 struct PythonException {
   Ref object;
 };
@@ -22,7 +22,7 @@ struct KindOf {
   PyObject* type;
 };
 
-// The more special before the more general.
+// Derived classes before their bases: the first match counts.
 const std::array<KindOf, 10>& kinds() {
   static const std::array<KindOf, 10> all = {{{ErrorKind::type, PyExc_TypeError},
                                               {ErrorKind::value, PyExc_ValueError},
@@ -81,7 +81,7 @@ bool restore(const std::exception_ptr& cause) {
   }
 }
 
-// The text of a key error is the quoted key; a script finds the key itself in it.
+// The text of a host::Error of kind key is the quoted key; Python's KeyError holds the key itself.
 std::string argument_of(const host::Error& error) {
   const std::string text = error.what();
   const bool quoted = error.kind() == ErrorKind::key && text.size() >= 2 && text.front() == '\'' && text.back() == '\'';

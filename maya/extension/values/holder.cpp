@@ -12,7 +12,7 @@ host::List& list_in(PyObject* self) { return content_of<host::List>(self); }
 
 Py_ssize_t length(PyObject* self) { return static_cast<Py_ssize_t>(list_in(self)->size()); }
 
-// The place of an item, until anything of Python's runs.
+// The place of an item, valid only until Python code runs.
 host::Value& place(PyObject* self, Py_ssize_t i) {
   auto& items = *list_in(self);
   if (i < 0 || static_cast<std::size_t>(i) >= items.size())
@@ -45,7 +45,7 @@ PyObject* insert(PyObject* self, PyObject* arguments) {
   });
 }
 
-// Of a list that grows meanwhile, itself under another object for one, only what it holds now.
+// Appends the items that `values` holds now. It may grow meanwhile: it may be a view of this very list.
 PyObject* extend(PyObject* self, PyObject* values) {
   return answer([&] {
     const Ref snapshot = checked(PySequence_List(values));

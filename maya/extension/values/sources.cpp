@@ -9,7 +9,7 @@ namespace vantorelix::maya {
 
 namespace {
 
-// The sequence rides in the deleter of the vector that was made of it, so that it lives exactly as long.
+// The deleter of the vector holds the sequence that it was made of, so that the sequence lives exactly as long.
 struct FromScript {
   Ref sequence;
   void operator()(const std::vector<Vector>* values) const { delete values; }

@@ -163,7 +163,7 @@ std::vector<std::pair<Ref, Ref>> pairs_of(PyObject* mapping) {
   each(items.get(), [&](PyObject* item, std::size_t) {
     const Ref pair = checked(PySequence_Tuple(item));
     if (PyTuple_GET_SIZE(pair.get()) != 2)
-      throw host::Error("an item of a mapping is a key and a value", host::ErrorKind::value);
+      throw host::Error("items() of a mapping must give pairs of a key and a value", host::ErrorKind::value);
     pairs.emplace_back(Ref::share(PyTuple_GET_ITEM(pair.get(), 0)), Ref::share(PyTuple_GET_ITEM(pair.get(), 1)));
   });
   return pairs;
@@ -198,7 +198,7 @@ Ref object_of(const Value& value) {
   if (const auto* const object = value.as_object())
     if (const auto* const python = dynamic_cast<const PythonObject*>(object->get())) return python->object();
   if (const std::string* const text = value.as_text()) return object_of(*text);
-  throw host::Error("a value of another host", host::ErrorKind::type);
+  throw host::Error("an object of another host cannot be given to Python", host::ErrorKind::type);
 }
 
 }  // namespace vantorelix::maya
