@@ -81,7 +81,7 @@ WholeFile::WholeFile(ByteSource& source, const ReadOptions& options) {
 TextInput::TextInput(ByteSource& source, const ReadOptions& options, std::size_t window)
     : source_(source),
       progress_(options),
-      most_(std::max(source.size(), options.max_unannounced)),
+      limit_(std::max(source.size(), options.max_unannounced)),
       window_(std::max(window, kToken)),
       buffer_(new char[window_]),
       position_(buffer_.get()),
@@ -104,7 +104,7 @@ bool TextInput::refill() {
     ended_ = got == 0;
     held += got;
     taken_ += got;
-    if (taken_ > most_) fail("the text does not end; is this a pipe or a device instead of a file?");
+    if (taken_ > limit_) fail("the text does not end; give a file instead of a pipe or a device");
   }
   position_ = buffer_.get();
   end_ = position_ + held;

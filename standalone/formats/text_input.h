@@ -133,7 +133,7 @@ class TextInput {
 
   ByteSource& source_;
   ProgressReport progress_;
-  std::uint64_t most_;  // bytes that may come
+  std::uint64_t limit_;  // how many bytes may come in all
   std::size_t window_;
   std::unique_ptr<char[]> buffer_;
   const char* position_;

@@ -302,7 +302,7 @@ TEST(Bvh, APipeWithoutEndIsAnError) {
     read_bvh(source, options);
     FAIL() << "read to an end that is not there";
   } catch (const FormatError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("the text does not end; is this a pipe or a device instead of a file?"));
+    EXPECT_THAT(error.what(), HasSubstr("the text does not end; give a file instead of a pipe or a device"));
   }
 }
 
