@@ -236,9 +236,9 @@ TEST(Bvh, BadChannelsAreAnErrorOnTheirLine) {
   const auto with = [](const char* channels) { return error_of(one_joint(channels, "0")); };
   EXPECT_THAT(with("3 Xrotation Yrotation Xrotation"), HasSubstr("clip.bvh:5: 'Xrotation' is listed twice"));
   EXPECT_THAT(with("3 Xrotation Yrotation"), HasSubstr("'End' is not a channel"));
-  EXPECT_THAT(with("7 Xrotation"), HasSubstr("clip.bvh:5: a joint has 0 to 6 channels"));
-  EXPECT_THAT(with("-1"), HasSubstr("0 to 6 channels"));
-  EXPECT_THAT(with("1.5 Xrotation"), HasSubstr("0 to 6 channels"));
+  EXPECT_THAT(with("7 Xrotation"), HasSubstr("clip.bvh:5: the number of channels must be a whole number from 0 to 6"));
+  EXPECT_THAT(with("-1"), HasSubstr("a whole number from 0 to 6"));
+  EXPECT_THAT(with("1.5 Xrotation"), HasSubstr("a whole number from 0 to 6"));
   EXPECT_THAT(with("1 Wrotation"), HasSubstr("'Wrotation' is not a channel"));
   EXPECT_THAT(with("1 Xrotation\nCHANNELS 1 Yrotation"), HasSubstr("clip.bvh:6: a second CHANNELS"));
 }

@@ -170,7 +170,7 @@ TEST(GltfDamage, HierarchiesThatAreNoTreeAreNamed) {
   const auto error = [](GltfFile& file) { return gltf_error(file.text()); };
   EXPECT_THAT(error(GltfFile().node(R"("children": [1])").node(R"("children": [0])")),
               HasSubstr("node 0 is its own ancestor: the hierarchy has a cycle"));
-  EXPECT_THAT(error(GltfFile().node("").node(R"("children": [1])")), HasSubstr("node 1 stands below itself"));
+  EXPECT_THAT(error(GltfFile().node("").node(R"("children": [1])")), HasSubstr("node 1 is its own ancestor"));
   EXPECT_THAT(error(GltfFile().node(R"("children": [2])").node(R"("children": [2])").node("")),
               HasSubstr("node 2 is a child of node 0 and of node 1, but a node has one parent"));
   EXPECT_THAT(error(GltfFile().node(R"("children": [7])")),

@@ -227,7 +227,7 @@ TEST(GltfClip, OfTwoKeysAtOneTimeTheLaterCounts) {
   file.channel(0, "translation", file.scalars({0, 1, 1}), file.triples({0, 0, 0, 1, 1, 1, 2, 2, 2}));
   const Scene scene = read_gltf(file.text(), "scene.gltf");
   expect_place(scene, "ball", 12, {1, 1, 1});
-  EXPECT_THAT(scene.warnings.all(), Contains(Field(&Warning::kind, HasSubstr("only the later counts"))));
+  EXPECT_THAT(scene.warnings.all(), Contains(Field(&Warning::kind, HasSubstr("only the later one counts"))));
 }
 
 // --- clips ---------------------------------------------------------------------------------------------------------
@@ -269,7 +269,8 @@ TEST(GltfClip, AnUnknownNameListsTheOnesThereAre) {
   options.take = "Run";
   EXPECT_THAT(gltf_error(two_clips().text(), options),
               HasSubstr("there is no clip 'Run'; the file has 'Walk', 'clip1', 'Walk_2'"));
-  EXPECT_THAT(gltf_error(GltfFile().node("").text(), options), HasSubstr("there is no clip 'Run'; the file has no clips"));
+  EXPECT_THAT(gltf_error(GltfFile().node("").text(), options),
+              HasSubstr("there is no clip 'Run'; the file has no clips"));
 }
 
 TEST(GltfClip, ASceneWithoutOneStandsStill) {

@@ -27,7 +27,7 @@ TEST(MayaLimits, AreNamedWithTheNodeWhereItsValuesLeaveThem) {
   const Scene scene = limited(kBounds + "setAttr \".xtxe\" yes;");
   EXPECT_THAT(scene.warnings.all(),
               ElementsAre(Field(&Warning::kind,
-                                "the limits of 'ball' are not applied to the values that leave them; bake "
+                                "the limits of 'ball' are not applied, although values lie beyond them; bake "
                                 "what they limit before saving")));
   EXPECT_THAT(scene.evaluation.not_followed(scene.names.require("ball")), ElementsAre(HasSubstr("limits")));
   expect_at(scene, "ball", 10, 10, 0, 0);

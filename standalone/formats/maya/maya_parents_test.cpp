@@ -133,7 +133,8 @@ TEST(MayaInstances, ANodeBelowItselfIsNotFollowedInCircles) {
   const Scene scene = read(node("a") + node("b", "a") + node("c") +
                            "parent -add \"a\" \"b\";parent -add \"a\" \"c\";"
                            "parent -add \"c\" \"a\";parent -add \"gone\" \"a\";parent -add \"a\" \"gone\";");
-  EXPECT_THAT(scene.warnings.all(), Contains(testing::Field(&Warning::kind, HasSubstr("an instance below itself"))));
+  EXPECT_THAT(scene.warnings.all(),
+              Contains(testing::Field(&Warning::kind, HasSubstr("an instance of itself below itself"))));
   EXPECT_LT(scene.nodes.all().size(), 30u);
 }
 

@@ -266,7 +266,7 @@ TEST(MayaAscii, BadValuesAreAnErrorOrLeftOutWithAWarning) {
   EXPECT_THAT(error_of("createNode transform;\nsetAttr \".tx\" one;"),
               HasSubstr("scene.ma:2: 'one' stands where a number"));
   EXPECT_THAT(error_of("createNode transform;\nsetAttr \".opm\" 1 2;"), HasSubstr("a matrix has 16 values"));
-  EXPECT_THAT(read("createNode transform;setAttr \".tx\" nan;").warnings.all(), warns("not finite", 1));
+  EXPECT_THAT(read("createNode transform;setAttr \".tx\" nan;").warnings.all(), warns("not a finite number", 1));
   EXPECT_THAT(read("createNode transform;setAttr \".ro\" 6;").warnings.all(), warns("rotate order", 1));
   EXPECT_THAT(read("createNode transform;setAttr \".ro\" -1;").warnings.all(), warns("rotate order", 1));
 }

@@ -131,7 +131,7 @@ TEST_F(SceneConnections, WhatCannotBeFollowedKeepsItsStaticValueAndIsNamed) {
   ASSERT_EQ(s.evaluation.not_followed(a).size(), 1u);
   EXPECT_EQ(s.evaluation.not_followed(a)[0],
             "a.translateX is driven by parentConstraint pc (constraintTranslateX), which is not followed; it keeps its "
-            "static value");
+            "static value; bake it before saving");
   const NodeId below = s.nodes.create("transform", "below", a);
   EXPECT_EQ(s.evaluation.not_followed(below).size(), 1u);
   EXPECT_TRUE(s.evaluation.not_followed(b).empty());
