@@ -150,8 +150,8 @@ std::vector<std::string> choices_of(const CLI::Option& option) {
   return words;
 }
 
-CLI::Option* add_whole(CLI::App& command, const std::string& name, std::optional<std::int64_t>& value,
-                       std::int64_t minimum, std::int64_t maximum, const std::string& description) {
+CLI::Option* add_integer(CLI::App& command, const std::string& name, std::optional<std::int64_t>& value,
+                         std::int64_t minimum, std::int64_t maximum, const std::string& description) {
   return command.add_option(name, value, description)
       ->type_name("N")
       ->check(CLI::Validator(

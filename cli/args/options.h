@@ -55,8 +55,8 @@ CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string&
 std::vector<std::string> choices_of(const CLI::Option& option);
 
 // An option that takes a whole number from `minimum` to `maximum`.
-CLI::Option* add_whole(CLI::App& command, const std::string& name, std::optional<std::int64_t>& value,
-                       std::int64_t minimum, std::int64_t maximum, const std::string& description);
+CLI::Option* add_integer(CLI::App& command, const std::string& name, std::optional<std::int64_t>& value,
+                         std::int64_t minimum, std::int64_t maximum, const std::string& description);
 
 // An option that can be given several times, one value each.
 CLI::Option* add_repeated(CLI::App& command, const std::string& name, std::vector<std::string>& values,

@@ -74,8 +74,9 @@ void run_curves(const CurvesOptions& options, Terminal& terminal) {
 
   const auto curves = new_curves(session.scene(), known);
   if (curves.empty())
-    throw Failure("no trail has the " + std::to_string(*options.degree + 1) + " samples that a curve of degree " +
-                  std::to_string(*options.degree) + " needs; lower --degree or widen --range");
+    throw Failure(options.scene.file + ": no trail has the " + std::to_string(*options.degree + 1) +
+                  " samples that a curve of degree " + std::to_string(*options.degree) +
+                  " needs; lower --degree or widen --range");
   write_all(options, curves, session.scene(), terminal);
 }
 
@@ -86,9 +87,9 @@ Command add_curves(CLI::App& program) {
   const auto options = std::make_shared<CurvesOptions>();
   add_scene_argument(command, options->scene);
   add_selection_options(command, options->scene);
-  add_whole(command, "--degree", options->degree, 1, 7, "Degree of the curves, 1 to 7 (default: 3)");
-  add_whole(command, "--samples-per-frame", options->samples_per_frame, 1, 1'000'000'000,
-            "Control vertices a frame, at least 1");
+  add_integer(command, "--degree", options->degree, 1, 7, "Degree of the curves, 1 to 7 (default: 3)");
+  add_integer(command, "--samples-per-frame", options->samples_per_frame, 1, 1'000'000'000,
+              "Control vertices a frame, at least 1");
   add_repeated(command, "--out", options->outputs, "Write .ma or .csv; may be repeated")->type_name("FILE")->required();
   command.footer(kFooter);
   return {&command, [options](Terminal& terminal) { run_curves(*options, terminal); }};

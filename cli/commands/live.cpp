@@ -127,8 +127,8 @@ Command add_live(CLI::App& program) {
   const auto options = std::make_shared<LiveOptions>();
   add_scene_argument(command, options->scene);
   add_selection_options(command, options->scene);
-  add_whole(command, "--samples-per-frame", options->samples_per_frame, 1, 1'000'000'000,
-            "Samples a frame, at least 1");
+  add_integer(command, "--samples-per-frame", options->samples_per_frame, 1, 1'000'000'000,
+              "Samples a frame, at least 1");
   command.add_option("--edits", options->edits, "JSON file of timed edits, see below")->type_name("FILE")->required();
   command.add_option("--report", options->report, "Write the figures as .json too")->type_name("FILE");
   command.footer(kFooter);

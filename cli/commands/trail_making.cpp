@@ -50,7 +50,8 @@ session::TrailSettings TrailOptions::settings() const {
 void add_trail_options(CLI::App& command, TrailOptions& options) {
   add_scene_argument(command, options.scene);
   add_selection_options(command, options.scene);
-  add_whole(command, "--samples-per-frame", options.samples_per_frame, 1, 1'000'000'000, "Samples a frame, at least 1");
+  add_integer(command, "--samples-per-frame", options.samples_per_frame, 1, 1'000'000'000,
+              "Samples a frame, at least 1");
   add_choice(command, "--color-mode", options.color_mode, kColorModes,
              "What the colours show: nothing (standard), the speed (spacing), past and future (flow), the spans "
              "between keys (beats)");

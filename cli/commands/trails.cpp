@@ -16,7 +16,7 @@ namespace vantorelix::cli {
 namespace {
 
 constexpr const char* kFooter = R"(
-Without --out a table goes to standard output. The format of a file is told by its extension:
+Without --out a table goes to standard output. The extension of a file names its format:
   .json  everything: points, colours, keys of each trail     .csv  a line a sample
   .svg   a picture, light and dark                           .html  a page to look at them from every side
 '--out=-.json' writes to standard output.

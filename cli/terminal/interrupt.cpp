@@ -46,7 +46,7 @@ void note(int number) {
 
 void catch_interrupts() {
   for (const int number : kSignals)
-    // Whoever started the program in the background, or under nohup, has told it not to listen.
+    // A shell ignores SIGINT for what it starts in the background, and nohup SIGHUP: that stays so.
     if (!is_ignored(number)) note(number);
 }
 
