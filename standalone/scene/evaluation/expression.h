@@ -31,7 +31,6 @@ struct Operation {
   double number = 0.0;  // of a value: as it was at the last refresh
   const AnimCurve* curve = nullptr;
   const Track* track = nullptr;
-  mutable std::size_t hint = 0;  // where to look first
 };
 
 // In order of evaluation: arguments are earlier operations. The last is the result.
