@@ -1,6 +1,10 @@
-# vantorelix_allocator: the library mimalloc in place of malloc, for programs (a module lives with its host's). A trail is
-# some sixty small objects that stay, for which it is the faster one (docs/speed.md). Linked in, so that a program needs
-# nothing beside it. An empty target where it cannot stand in: sanitizers bring a malloc of their own.
+# vantorelix_allocator: the library mimalloc in place of malloc, for programs (a module lives with its host's). Linked in,
+# so that a program needs nothing beside it. An empty target where it cannot stand in: sanitizers bring a malloc of their
+# own.
+#
+# Without it the whole program takes 1.75 times as long for a clip of 60 joints x 1000 frames, 1.5 times for 1000 objects x
+# 250 frames in a Maya file, and `info` of a BVH of 20 MB 1.4 times; shown by a program built without it (cli/CMakeLists.txt),
+# in turns: build/bin/vantorelix trails clip.bvh --quiet (clip.bvh: build/bin/vantorelix_bench_clip)
 include(cmake/third_party.cmake)
 add_library(vantorelix_allocator INTERFACE)
 if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux" OR VANTORELIX_SANITIZE)
