@@ -1,4 +1,7 @@
 // Decimal text to double, exactly rounded and fast for the short numbers that scene files are made of.
+//
+// With parse_number_slow alone a BVH clip from file to finished trails takes 1.2 times the instructions; shown by
+// valgrind --tool=callgrind build/bin/vantorelix trails clip.bvh --quiet (clip.bvh: build/bin/vantorelix_bench_clip)
 #pragma once
 
 #include <array>

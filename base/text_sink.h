@@ -8,7 +8,8 @@
 
 namespace vantorelix {
 
-// Gathers what is written and hands it on in large pieces.
+// Gathers what is written and hands it on in large pieces. With kGathered at 1 the trails of 1000 objects x 250 frames
+// take 1.4 times the processor's time: /usr/bin/time -v build/bin/vantorelix trails SCENE --out=-.csv
 class TextSink {
  public:
   TextSink() = default;

@@ -26,7 +26,9 @@ namespace {
 using Step = std::integral_constant<std::size_t, kernel::kBaselineStep>;
 constexpr std::size_t kStep = Step::value;
 
-// Calls body(count), with the count as a compile-time constant where it is that of a full Block.
+// Calls body(count), with the count as a compile-time constant where it is that of a full Block. With the variable
+// alone, colouring 10,000 points takes 1.3 times as long (build/bin/vantorelix_bench --benchmark_filter=colours/10000,
+// in turns).
 template <class Block, class Body>
 void with_count(std::size_t count, Body body) {
   if (count == Block::value)

@@ -1,6 +1,11 @@
 // The loops of the spacing colours over one block of points, compiled once for each width of register.
 //
 // Every width gives the same doubles: sums keep their order, divisions stay divisions, nothing is fused.
+//
+// On a processor with AVX-512 colouring 10,000 points takes 2.1 times as long with the narrowest loops alone and 1.25
+// times with those of AVX2, and making a trail of 10,000 frames 1.12 times; shown by a build in which
+// _colors_from_positions takes another of lane_widths().here, in turns:
+// build/bin/vantorelix_bench --benchmark_filter='colours/10000|one_object/10000'
 #pragma once
 
 #include <cstddef>

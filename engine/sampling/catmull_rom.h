@@ -23,7 +23,9 @@ class SampleMap {
 
  private:
   std::vector<Position> positions_;
-  std::vector<unsigned char> present_;  // 0 or 1: bytes are searched faster than bits
+  // 0 or 1, found by memchr: looked at one by one, filling 10,000 from 100 takes 1.17 times as long
+  // (build/bin/vantorelix_bench --benchmark_filter=fill, in turns).
+  std::vector<unsigned char> present_;
   std::size_t count_ = 0;
 };
 

@@ -1,7 +1,7 @@
 // A small map that keeps insertion order, as the mappings of the scripting language do.
 #pragma once
 
-#include <algorithm>
+#include <iterator>
 #include <list>
 #include <memory>
 #include <string>
@@ -15,8 +15,7 @@
 
 namespace vantorelix {
 
-// Keys are unique; assigning to an existing key keeps its place. Look-up and erasing take constant time. Up to kFew
-// items are found by comparing each key, without an index: every trail has such a map, with three keys.
+// Keys are unique; assigning to an existing key keeps its place. Look-up and erasing take constant time.
 //
 // Letting go of a value may run the host's code, and that may change this very map. So values go out as copies, never
 // as references, and what is replaced or erased dies last, when the map is whole again. Only begin() and end() lead
@@ -47,11 +46,8 @@ class OrderedMap {
     const auto found = find(*this, key);
     if (found != items_.end()) return std::swap(found->second, value);
     items_.emplace_back(key, std::move(value));
-    if (!index_.empty()) {
-      enter(std::prev(items_.end()));
-    } else if (items_.size() > kFew) {
-      for (auto item = items_.begin(); item != items_.end(); ++item) enter(item);
-    }
+    const auto item = std::prev(items_.end());
+    index_.emplace(item->first, item);
   }
 
   // Throws host::Error of kind key, whose text is the quoted key.
@@ -93,22 +89,18 @@ class OrderedMap {
   }
 
  private:
-  static constexpr std::size_t kFew = 8;
   using Place = typename std::list<Item>::iterator;
 
   // The item of `map.items_`, or its end.
   template <class Map>
   static auto find(Map& map, const std::string& key) {
-    if (map.index_.empty())
-      return std::find_if(map.items_.begin(), map.items_.end(), [&key](const Item& item) { return item.first == key; });
     const auto found = map.index_.find(key);
     return found == map.index_.end() ? map.items_.end() : decltype(map.items_.begin())(found->second);
   }
-  void enter(Place item) { index_.emplace(item->first, item); }
 
   mutable std::shared_ptr<const Snapshot> snapshot_;  // null when the map has changed since the last one
   std::list<Item> items_;
-  std::unordered_map<std::string_view, Place> index_;  // of all items, their keys' text; empty while there are few
+  std::unordered_map<std::string_view, Place> index_;  // by the text of their keys
 };
 
 }  // namespace vantorelix

@@ -1,4 +1,8 @@
 // Wall-clock seconds for less than the system's clock costs: between looks at that clock a counter is read instead.
+//
+// The engine reads the clock after every sample. With the system's clock alone a trail of 10,000 frames takes 1.7 times
+// as long, and the engine alone 3.2 times; shown by a build whose now() is `return source_.seconds()`, either in turns:
+// build/bin/vantorelix_bench --benchmark_filter='one_object/10000|engine_alone'
 #pragma once
 
 #include <chrono>

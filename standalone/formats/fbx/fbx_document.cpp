@@ -81,7 +81,8 @@ std::size_t occurrences(std::string_view text, char c) {
 
 // Whether a text ends inside braces, which the library does not mind.
 bool is_cut_off(std::string_view text) {
-  // First a fast test that settles the usual case: equally many of both, wherever they stand.
+  // First a fast test that settles the usual case: equally many of both, wherever they stand. Without it a text of 20
+  // MB takes 1.2 times as long to read (bench/large_scenes.py FOLDER --sizes 20 --program build/bin/vantorelix).
   if (occurrences(text, '{') == occurrences(text, '}')) return false;
   std::size_t open = 0;
   for (std::size_t i = text.find_first_of("{}\";"); i < text.size(); i = text.find_first_of("{}\";", i + 1)) {

@@ -45,15 +45,7 @@ AnimCurve::AnimCurve(CurveKind kind, double frames_per_second) : kind_(kind), fr
 }
 
 void AnimCurve::append_key_times(std::vector<double>& times) const {
-  const std::size_t before = times.size();
-  times.resize(before + keys_.size());
-  double* to = times.data() + before;
-  // Each key starts a segment; where there are no others, even spacing saves reading the keys, which are long.
-  if (even_count_ == static_cast<double>(keys_.size())) {
-    for (std::size_t i = 0; i < keys_.size(); ++i) to[i] = even_start(static_cast<std::ptrdiff_t>(i));
-  } else {
-    std::transform(keys_.begin(), keys_.end(), to, [](const Key& key) { return key.time; });
-  }
+  for (const Key& key : keys_) times.push_back(key.time);
 }
 
 void AnimCurve::assign(std::vector<Key> keys, bool weighted, Infinity pre, Infinity post) {
@@ -120,7 +112,6 @@ void AnimCurve::set_frames_per_second(double frames_per_second) {
 
 void AnimCurve::keys_changed() {
   prepared_ = keys_prepared_ = false;
-  segment_count_ = 0;
   even_count_ = 0.0;
 }
 
@@ -129,20 +120,17 @@ void AnimCurve::rebuild() const {
   segments_ = std::move(made.segments);
   values_ = std::move(made.values);
   weighted_segments_ = std::move(made.weighted);
-  segment_count_ = keys_.empty() ? 0 : segments_.size() - 1;
   pre_slope_ = 0.0;
   constant_ = true;
-  steady_ = false;
-  find_even_spacing(segment_count_, [this](std::size_t i) { return segments_[i].start; });
+  find_even_spacing(keys_.empty() ? 0 : segments_.size() - 1, [this](std::size_t i) { return segments_[i].start; });
   prepared_ = keys_prepared_ = true;
   if (keys_.empty()) return;
 
-  segments_per_frame_ = static_cast<double>(segment_count_ - 1) / (keys_.back().time - keys_.front().time);
   const std::size_t n = keys_.size();
   const auto finite = [](double slope) { return std::isfinite(slope) ? slope : 0.0; };
   if (pre_ == Infinity::linear)
     pre_slope_ = finite(in_slope({nullptr, keys_[0], n > 1 ? &keys_[1] : nullptr}, frames_per_second_));
-  CurveSegment& after = segments_[segment_count_ - 1];
+  CurveSegment& after = segments_[segments_.size() - 2];
   if (post_ == Infinity::linear)
     after.c1 = finite(out_slope({n > 1 ? &keys_[n - 2] : nullptr, keys_[n - 1], nullptr}, frames_per_second_));
 
@@ -152,8 +140,6 @@ void AnimCurve::rebuild() const {
   const auto same = [this](double value) { return value == keys_[0].value; };
   constant_ = pre_slope_ == 0.0 && std::all_of(values_.begin(), values_.end() - 1, same) &&
               std::all_of(segments_.begin(), segments_.end() - 1, level);
-  const auto signed_zero = [](double value) { return value == 0.0 && std::signbit(value); };
-  steady_ = constant_ && std::none_of(values_.begin(), values_.end(), signed_zero);
   if (repeats(post_)) after.set_not_cubic();
 }
 
@@ -187,19 +173,16 @@ bool AnimCurve::is_constant() const {
   return constant_;
 }
 
-void AnimCurve::evaluate(std::span<const double> frames, double* values, std::size_t& hint, KeyPlaces& places) const {
+void AnimCurve::evaluate(std::span<const double> frames, double* values, KeyPlaces& places) const {
   prepare_keys();
   if (find_places(frames, places) && places.on_keys) {
     for (std::size_t i = 0; i < frames.size(); ++i) values[i] = values_[static_cast<std::size_t>(places.at[i])];
     return;
   }
   prepare();
-  if (steady_) {
-    std::fill_n(values, frames.size(), values_[0]);
-    return;
-  }
-  if (rise_evenly(frames, values, places) || rise_at_once(frames, values, hint)) return;
-  for (std::size_t i = 0; i < frames.size(); ++i) values[i] = evaluate(frames[i], hint);
+  if (rise_evenly(frames, values, places)) return;
+  std::size_t piece = 0;
+  for (std::size_t i = 0; i < frames.size(); ++i) values[i] = evaluate(frames[i], piece);
 }
 
 bool AnimCurve::has(const KeyPlaces& places) const {
@@ -244,70 +227,58 @@ bool AnimCurve::rise_evenly(std::span<const double> frames, double* values, cons
   return unknown == 0;
 }
 
-// Where the frames are all on one cubic. False, and nothing done, where they are not.
-bool AnimCurve::rise_at_once(std::span<const double> frames, double* values, std::size_t& hint) const {
-  if (segment_count_ == 0 || frames.empty() || !(frames[0] >= segments_[0].start)) return false;
-  hint = locate(frames[0], hint);
-  const CurveSegment segment = segments_[hint];
-  const double end = segments_[hint + 1].start, from = values_[hint];
-  std::ptrdiff_t elsewhere = segment.is_cubic() ? 0 : 1;
-  for (const double frame : frames) elsewhere += frame >= segment.start && frame < end ? 0 : 1;
-  if (elsewhere != 0) return false;
-  for (std::size_t i = 0; i < frames.size(); ++i) values[i] = from + segment.rise(frames[i]);
-  return true;
+// The value of the evenly spaced key at a frame; null where there is none.
+const double* AnimCurve::find_even_key(double frame) const {
+  const double place = (frame - even_first_) * even_per_frame_ + 0.5;
+  if (!(frame >= even_first_ && place < even_count_)) return nullptr;
+  const auto i = static_cast<std::ptrdiff_t>(place);
+  return frame == even_start(i) ? &values_[static_cast<std::size_t>(i)] : nullptr;
 }
 
-double AnimCurve::evaluate_elsewhere(double frame, std::size_t& hint) const {
+double AnimCurve::evaluate(double frame) const {
+  std::size_t piece = 0;
+  return evaluate(frame, piece);
+}
+
+double AnimCurve::evaluate(double frame, std::size_t& piece) const {
   if (keys_.empty()) return 0.0;
-  if (!keys_prepared_) {
-    prepare_keys();
-    return evaluate(frame, hint);  // may need no more
-  }
+  prepare_keys();
+  if (const double* const value = find_even_key(frame)) return *value;
   prepare();
   const Key& first = keys_.front();
   const Key& last = keys_.back();
   if (frame < first.time) {
     if (pre_ == Infinity::constant || std::isinf(frame)) return first.value;
     if (pre_ == Infinity::linear) return first.value + (frame - first.time) * pre_slope_;
-    return evaluate_repeated(frame, pre_, hint);
+    return evaluate_repeated(frame, pre_, piece);
   }
   if (frame > last.time) {
     if (std::isinf(frame)) return last.value;
-    if (repeats(post_)) return evaluate_repeated(frame, post_, hint);
+    if (repeats(post_)) return evaluate_repeated(frame, post_, piece);
   }
-  return evaluate_inside(frame, hint);
+  return evaluate_inside(frame, piece);
 }
 
-double AnimCurve::evaluate_repeated(double frame, Infinity infinity, std::size_t& hint) const {
+double AnimCurve::evaluate_repeated(double frame, Infinity infinity, std::size_t& piece) const {
   const Key& first = keys_.front();
   const Key& last = keys_.back();
   if (keys_.size() == 1) return first.value;
   const Repetition place = repetition(frame, first.time, last.time, infinity);
-  const double value = evaluate_inside(place.frame, hint);
+  const double value = evaluate_inside(place.frame, piece);
   return infinity == Infinity::cycle_offset ? value + place.number * (last.value - first.value) : value;
 }
 
 // From the first key on; what is beyond the last one by rounding counts as on it when the curve repeats.
-double AnimCurve::evaluate_inside(double frame, std::size_t& hint) const {
-  hint = locate(frame, hint);
-  const CurveSegment& segment = segments_[hint];
-  if (segment.is_cubic()) return values_[hint] + segment.rise(frame);
-  if (hint + 1 == segment_count_) return values_[hint];
-  return values_[hint] + weighted_segments_[hint].at(frame - segment.start);
-}
-
-std::size_t AnimCurve::locate(double frame, std::size_t hint) const {
-  const auto holds = [this, frame](std::size_t i) {
-    return i < segment_count_ && frame >= segments_[i].start && frame < segments_[i + 1].start;
-  };
-  if (holds(hint + 1)) return hint + 1;
-  if (holds(hint)) return hint;
-  const double guess = (frame - segments_[0].start) * segments_per_frame_;
-  if (guess < static_cast<double>(segment_count_) && holds(static_cast<std::size_t>(guess)))
-    return static_cast<std::size_t>(guess);
-  const auto starts_later = [](double at, const CurveSegment& segment) { return at < segment.start; };
-  const auto after = std::upper_bound(segments_.begin() + 1, segments_.end() - 1, frame, starts_later);
-  return static_cast<std::size_t>(after - segments_.begin()) - 1;
+double AnimCurve::evaluate_inside(double frame, std::size_t& piece) const {
+  if (!(frame >= segments_[piece].start && frame < segments_[piece + 1].start)) {
+    const auto starts_later = [](double at, const CurveSegment& segment) { return at < segment.start; };
+    const auto after = std::upper_bound(segments_.begin() + 1, segments_.end() - 1, frame, starts_later);
+    piece = static_cast<std::size_t>(after - segments_.begin()) - 1;
+  }
+  const CurveSegment& segment = segments_[piece];
+  if (segment.is_cubic()) return values_[piece] + segment.rise(frame);
+  if (piece + 2 == segments_.size()) return values_[piece];
+  return values_[piece] + weighted_segments_[piece].at(frame - segment.start);
 }
 
 }  // namespace vantorelix::standalone

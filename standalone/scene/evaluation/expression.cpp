@@ -214,7 +214,7 @@ double Expression::evaluate(double frame) const {
         result[i] = o.number;
         break;
       case Kind::curve:
-        result[i] = o.curve->evaluate(frame, o.hint);
+        result[i] = o.curve->evaluate(frame);
         break;
       case Kind::track:
         result[i] = o.track->at(frame)[o.component];

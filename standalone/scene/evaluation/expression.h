@@ -31,7 +31,6 @@ struct Operation {
   double number = 0.0;  // of a value: read by refresh_values; of a scale: the factor
   const AnimCurve* curve = nullptr;
   const Track* track = nullptr;
-  mutable std::size_t hint = 0;  // of a curve: the memory that AnimCurve::evaluate asks for
 };
 
 // In order of evaluation: arguments are earlier operations. The last is the result.

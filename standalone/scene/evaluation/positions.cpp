@@ -36,7 +36,7 @@ void drive(Record& r, Block& b, std::size_t first, std::size_t end) {
     DrivenChannel& d = r.driven[k];
     double* const values = b.at(d.channel);
     if (d.curve) {
-      d.curve->evaluate(b.frames, values, d.hint, b.times.on_curve);
+      d.curve->evaluate(b.frames, values, b.times.on_curve);
     } else {
       const Expression& expression = r.expressions[d.expression];
       std::transform(b.frames.begin(), b.frames.end(), values, [&](double t) { return expression.evaluate(t); });

@@ -24,6 +24,12 @@ namespace vantorelix::standalone {
 //
 // Within one make(): `together_` holds the times being worked out, and a record whose `stamp` is `stamp_` has its world
 // matrices at these times in `current`. Those columns lie in the cache, or in `passing_`, which the next make() reuses.
+//
+// What each part gains, as the instructions of a build without it over those of one with it (valgrind --tool=callgrind
+// --toggle-collect='*make_trails*' build/bin/vantorelix_bench --benchmark_filter=ROW):
+//   many times at once             7.7 on chain_leaf, 2.1 on many_objects; 2.2 of `vantorelix trails clip.bvh --quiet`
+//   S * R * T column by column     1.5 on chain_leaf, 1.14 on tree (compose_columns)
+//   the translation row alone, where nobody needs the rest    1.4 on one_object, 1.16 on tree (work_out_translation)
 class Positions {
  public:
   // `motion` counts what moves anything in the scene.

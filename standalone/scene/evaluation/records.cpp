@@ -19,7 +19,7 @@ void add_driver(const Graph& scene, Record& r, Channel channel) {
     r.drivers_unfollowed = true;
     return;
   }
-  DrivenChannel driven = {nullptr, 0, 0, channel};
+  DrivenChannel driven = {nullptr, 0, channel};
   if (expression.operations.size() == 1 && expression.operations[0].kind == Operation::Kind::curve) {
     driven.curve = expression.operations[0].curve;
   } else {

@@ -16,8 +16,7 @@ namespace vantorelix::standalone {
 struct Node;
 
 struct DrivenChannel {
-  const AnimCurve* curve;  // null: see expression
-  std::size_t hint;
+  const AnimCurve* curve;    // null: see expression
   std::uint32_t expression;  // a place in Record::expressions
   Channel channel;
 };

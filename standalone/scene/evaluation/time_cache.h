@@ -1,4 +1,10 @@
 // World matrices remembered by node and time, within a fixed amount of memory. For the files of this folder only.
+//
+// What each part gains, as the instructions of a build without it over those of one with it (valgrind --tool=callgrind
+// --toggle-collect='*make_trails*' build/bin/vantorelix_bench --benchmark_filter='tree|clip_all_joints'):
+//   the matrices themselves                       3.2 and 3.5, and 2.2 of `vantorelix trails clip.bvh --quiet`
+//   lists of times, found whole                   1.20 and 1.20
+//   times in a row, whose matrices stay in place  1.20 and 1.18
 #pragma once
 
 #include <array>

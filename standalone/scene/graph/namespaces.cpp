@@ -27,7 +27,6 @@ std::string Graph::in_current_namespace(std::string_view name) const {
 }
 
 void Graph::make_namespace_of(std::string_view name) {
-  if (name.find(':') == std::string_view::npos) return;  // as of most names, and looking forward is faster
   for (name = namespace_of(name); !name.empty() && !namespaces.contains(name); name = namespace_of(name)) {
     recorder.note<NamespacePresence>(*this, name);
     namespaces.emplace(name);

@@ -95,7 +95,6 @@ std::string SceneNames::unique_name(NodeId node) const { return graph().unique_n
 NodeId SceneNames::find(std::string_view name) const {
   const Graph& d = graph();
   name = without_root(name);
-  if (last_found_.revision == d.revision && last_found_.name == name) return last_found_.node;
   const NameTable::Entry last = d.names.find(last_part(name));
   if (last == NameTable::kNone) return kNoNode;
   const std::span<const NodeId> candidates = d.names.nodes(last);
@@ -105,11 +104,6 @@ NodeId SceneNames::find(std::string_view name) const {
     if (!path_ends_with(d, *d.find(candidate), name)) continue;
     if (found != kNoNode) throw host::Error("More than one object matches name: " + std::string(name));
     found = candidate;
-  }
-  if (found != kNoNode) {
-    last_found_.name = name;
-    last_found_.node = found;
-    last_found_.revision = d.revision;
   }
   return found;
 }

@@ -26,15 +26,6 @@ class SceneNames : public ScenePart {
   // Every node that the pattern matches: "*" and "?" within one path component; a pattern without "|" matches short
   // names at any depth. In order of creation.
   std::vector<NodeId> match(std::string_view pattern) const;
-
- private:
-  // What find() found last: scripts speak of the same node again and again. It changes no answer.
-  struct LastFound {
-    std::string name;
-    NodeId node = kNoNode;
-    std::uint64_t revision = 0;  // of the scene then
-  };
-  mutable LastFound last_found_;
 };
 
 }  // namespace vantorelix::standalone
