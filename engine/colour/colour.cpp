@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "base/large_pages.h"
 #include "engine/colour/lanes.h"
 #include "engine/sampling/limits.h"
 #include "engine/sampling/spacing.h"
@@ -31,6 +32,7 @@ std::unique_ptr<double[]> smoothed_lengths(const Lanes& lanes, const std::vector
                                            kernel::Baseline* baseline) {
   const std::size_t n = pos.size() - 1;
   std::unique_ptr<double[]> smoothed(new double[n]);  // a vector would write it all once more, with zeros
+  advise_large_pages(smoothed.get(), n * sizeof(double));
   constexpr std::size_t kAround = 2 * kWindow;
   // The elements first ... last - 1, whose windows reach beyond an end of the trail, from the lengths from `base` on.
   const auto smooth_end = [&](std::size_t base, std::size_t first, std::size_t last) {
@@ -52,7 +54,7 @@ std::unique_ptr<double[]> smoothed_lengths(const Lanes& lanes, const std::vector
 // A colour for each of n + 1 points, from the mean parameter of the segments on its two sides; an end point has one.
 std::vector<Colour> point_colours(const Lanes& lanes, const double* lengths, std::size_t n, double scale) {
   std::vector<Colour> colours;
-  colours.reserve(n + 1);  // and appended to: sizing would write every element twice
+  reserve(colours, n + 1);  // and appended to: written once, not first with zeros
   alignas(64) std::array<Colour, kLaneBlock> block;
   alignas(64) std::array<double, kLaneBlock + 1>
       t;  // t[0] is the last parameter of the block before; at the start, that of the first segment

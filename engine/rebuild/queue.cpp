@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "base/large_pages.h"
 #include "engine/colour/colour.h"
 #include "engine/rebuild/triggers.h"
 #include "engine/sampling/limits.h"
@@ -40,7 +41,7 @@ std::shared_ptr<WorkRecord> fresh_record() {
 void plan(WorkItem& it, const WorkRecord& work, const std::string& obj) {
   const double step_len = 1.0 / static_cast<double>(_samples_per_frame(it.settings->at("samples_per_frame")));
   it.times = SampleTimes{work.start, step_len, _sample_count(work.start, work.end, step_len)};
-  it.pos->reserve(reservation(it.times->count));
+  reserve(*it.pos, reservation(it.times->count));
   it.sampler = _make_fast_sampler(obj);
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 
+#include "base/large_pages.h"
 #include "engine/sampling/limits.h"
 #include "host/error.h"
 
@@ -79,7 +80,7 @@ void fill_gap(const Span& span, std::int64_t length, std::int64_t count, Steps& 
 }  // namespace
 
 SampleMap::SampleMap(std::int64_t expected) {
-  positions_.reserve(reservation(expected));
+  reserve(positions_, reservation(expected));
   present_.reserve(reservation(expected));
 }
 

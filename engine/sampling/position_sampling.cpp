@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/large_pages.h"
 #include "engine/sampling/limits.h"
 #include "engine/state/attempt.h"
 #include "host/error.h"
@@ -100,7 +101,7 @@ std::vector<Position> _sample_positions(const std::string& obj, double start, do
   sampler = sampler_or_best(obj, std::move(sampler));
   const std::int64_t n = _sample_count(start, end, step);
   std::vector<Position> positions;
-  positions.reserve(reservation(n));
+  reserve(positions, reservation(n));
   const SampleTimes times{start, step, n};
   OrderedSampler ordered(*sampler, times);
   for (std::size_t i = 0; i < times.size(); ++i) positions.push_back(ordered.at(i));
