@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <unordered_set>
 
 #include "base/mathematics/mathematics.h"
 #include "standalone/formats/reader.h"
@@ -26,7 +27,15 @@ void warn_of_gaps(TrailView& trail) {
   if (bad != 0) trail.warnings.push_back(std::to_string(bad) + " samples are not finite numbers");
 }
 
-TrailView read_trail(const Scene& scene, const Trail& trail) {
+using Sources = std::unordered_set<NodeId>;
+
+std::optional<std::string> parent_of(const Scene& scene, NodeId object, const Sources& sources) {
+  for (NodeId node = scene.nodes.parent(object); node != standalone::kWorld; node = scene.nodes.parent(node))
+    if (sources.count(node) != 0) return scene.names.long_name(node);
+  return std::nullopt;
+}
+
+TrailView read_trail(const Scene& scene, const Trail& trail, const Sources& sources) {
   const NodeId shape = scene.nodes.shapes(trail.viz).at(0);
   TrailView data;
   data.viz = scene.names.short_name(trail.viz);
@@ -35,6 +44,7 @@ TrailView read_trail(const Scene& scene, const Trail& trail) {
   if (scene.attributes.has(trail.source, standalone::kNumberInFile)) {
     data.node = scene.attributes.value(trail.source, standalone::kNumberInFile).to_int();
   }
+  data.parent = parent_of(scene, trail.source, sources);
   data.samples_per_frame = trail.samples_per_frame;
   data.color_mode = scene.attributes.value(shape, "colorMode").to_int();
   data.start_frame = scene.attributes.value(shape, "startFrame").to_float();
@@ -67,8 +77,10 @@ TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, co
                      scene.settings.up_axis(),
                      {}};
   report.current = scene.settings.current_time();
+  Sources sources;
+  for (const Trail& trail : trails) sources.insert(trail.source);
   report.trails.reserve(trails.size());
-  for (const Trail& trail : trails) report.trails.push_back(read_trail(scene, trail));
+  for (const Trail& trail : trails) report.trails.push_back(read_trail(scene, trail, sources));
   return report;
 }
 

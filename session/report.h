@@ -15,10 +15,11 @@ namespace vantorelix::session {
 
 // One trail as its viz node shows it. The arrays share the node's storage.
 struct TrailView {
-  std::string viz;                   // short name of the viz transform
-  std::string source;                // long path of the object
-  std::string name;                  // the object's own name in its file, whatever its bytes
-  std::optional<std::int64_t> node;  // its number in a file that numbers its nodes
+  std::string viz;                    // short name of the viz transform
+  std::string source;                 // long path of the object
+  std::string name;                   // the object's own name in its file, whatever its bytes
+  std::optional<std::int64_t> node;   // its number in a file that numbers its nodes
+  std::optional<std::string> parent;  // long path of its nearest ancestor that has a trail in the report
   std::int64_t samples_per_frame = 1;
   std::int64_t color_mode = 0;
   double start_frame = 0.0;
@@ -53,6 +54,7 @@ struct TrailReport {
   std::vector<TrailView> trails;
   double current = 0.0;                 // the scene's current frame
   std::vector<StaticBox> statics = {};  // only where they were asked for
+  bool color_mode_chosen = false;       // by an option or a preference, rather than by the engine's default
 };
 
 // The unit as texts name it: "units" where it is unknown.

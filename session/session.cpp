@@ -95,6 +95,10 @@ std::vector<std::string> Session::preference_faults() const {
   return faults;
 }
 
+bool Session::names_color_mode(const TrailSettings& settings) const {
+  return !settings.color_mode.is_none() || host_.option(OPT_COLOR_MODE);
+}
+
 void Session::check_cancelled() const {
   if (options_.cancelled && options_.cancelled()) throw host::Interrupt();
 }

@@ -64,6 +64,9 @@ class Session {
   // None of these has an effect.
   std::vector<std::string> preference_faults() const;
 
+  // Whether these settings or the preferences name a colour mode; otherwise trails have the engine's default.
+  bool names_color_mode(const TrailSettings& settings) const;
+
   // Throws Failure when the range holds fewer than two samples, or when so many would not fit into memory.
   void check_size(std::size_t objects, const TrailSettings& settings);
 

@@ -168,6 +168,34 @@ TEST(Session, ObjectsOfOneNameEachHaveATrail) {
   EXPECT_EQ(twins.shown(), others.shown());
 }
 
+TEST(Session, ATrailsParentIsTheNearestAncestorThatHasATrail) {
+  Scene scene;
+  scene.settings.set_playback_range(1.0, 4.0);
+  std::vector<NodeId> moving;
+  NodeId above = standalone::kWorld;
+  for (const char* name : {"hips", "spine", "hand"}) {
+    above = scene.nodes.create("transform", name, above);
+    if (std::string(name) == "spine") continue;
+    scene.curves.set_key(above, Channel::translateX, 1.0, 0.0);
+    scene.curves.set_key(above, Channel::translateX, 4.0, 1.0);
+    moving.push_back(above);
+  }
+  Session session(std::move(scene));
+  const auto trails = session.create(moving, {});
+  const auto views = read_trails(session.scene(), trails, "a").trails;
+  EXPECT_EQ(views.at(0).parent, std::nullopt);
+  EXPECT_EQ(views.at(1).parent, "|hips");
+  EXPECT_EQ(read_trails(session.scene(), {trails.at(1)}, "a").trails.at(0).parent, std::nullopt);
+}
+
+TEST(Session, TellsWhetherSomebodyChoseTheColourMode) {
+  const Session session(scene_of(1, 2.0));
+  TrailSettings settings;
+  EXPECT_FALSE(session.names_color_mode(settings));
+  settings.color_mode = std::int64_t{0};
+  EXPECT_TRUE(session.names_color_mode(settings));
+}
+
 TEST(Session, SaysWhichSizesItCannotDo) {
   const auto kind_of = [](double last, std::size_t objects) {
     Scene scene = scene_of(1, 1.0);

@@ -79,6 +79,7 @@ void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
   const auto trails = session.create(objects, settings);
   terminal.end_progress();
   session::TrailReport report = session::read_trails(session.scene(), trails, options.scene.file);
+  report.color_mode_chosen = session.names_color_mode(settings);
   if (statics) report.statics = session::static_boxes(session.scene(), report.current);
   warn_of_inexact(report, terminal);
   use(report);

@@ -31,6 +31,7 @@ void write_trail(JsonWriter& json, const session::TrailView& trail, const TrailL
   json.field("viz", trail.viz);
   json.field("source", trail.source);
   json.field("name", trail.name);
+  json.field("parent", trail.parent);
   json.field("samples_per_frame", trail.samples_per_frame);
   json.field("color_mode", trail.color_mode);
   json.field("start_frame", trail.start_frame);
@@ -69,6 +70,7 @@ void write_header(TextSink& out, const session::TrailReport& report, const DataL
     json.field("current", report.current);
     json.field("unit", report.unit);
     json.field("up_axis", std::string(1, report.up_axis));
+    json.field("color_mode_chosen", report.color_mode_chosen);
     write_layout(json, layout);
     json.key("trails");
     json.list(kTrails, [&] {

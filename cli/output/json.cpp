@@ -12,6 +12,7 @@ void write_trail(JsonWriter& json, const session::TrailView& trail) {
   json.field("source", trail.source);
   json.field("name", trail.name);
   json.field("node", trail.node);
+  json.field("parent", trail.parent);
   json.field("samples_per_frame", trail.samples_per_frame);
   json.field("color_mode", trail.color_mode);
   json.field("start_frame", trail.start_frame);

@@ -6,9 +6,9 @@ import type { Scene } from "./source/trail";
 import type { App } from "./model/app";
 import { listenToKeys } from "./model/commands";
 import { baseName } from "./model/format";
+import { bestDirection, framing } from "./model/framing";
 import { KEPT, readHash, writeHash } from "./model/hash";
 import { Motion } from "./model/motion";
-import { bestDirection, boundsOf, framing } from "./model/pose";
 import { runPlayer } from "./model/player";
 import { initialState, Store, type CameraPose } from "./model/state";
 import { buildPage } from "./panels/page";
@@ -38,9 +38,9 @@ function keepStateInHash(store: Store, initial: typeof store.state, trailCount: 
 
 /** The camera with which a page opens, for the aspect of its viewport. Looks at all samples once. */
 function opening(scene: Scene, motion: Motion): (aspect: number) => CameraPose {
-  const box = boundsOf(motion, motion.trails.keys(), scene.upAxis);
-  const direction = bestDirection(motion, box, scene.upAxis);
-  return (aspect) => framing(box, "persp", aspect, direction);
+  const trails = motion.thatMove(motion.trails.map((_, index) => index));
+  const direction = bestDirection(motion, trails, scene.upAxis);
+  return (aspect) => framing(motion, trails, scene.upAxis, "persp", aspect, direction);
 }
 
 function save(name: string, content: Blob): void {
@@ -56,7 +56,7 @@ function start(root: HTMLElement): void {
   const { scene } = source;
   const motion = new Motion(source.trails());
   let open = opening(scene, motion);
-  const initial = initialState(scene, motion.trails, open(1.5));
+  const initial = initialState(scene, motion, open(1.5));
   const fromHash = readHash(location.hash, initial, motion.trails.length);
   const store = new Store({ ...initial, ...fromHash });
   const relate = (trail: number | null) => {

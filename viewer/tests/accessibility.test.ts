@@ -251,7 +251,7 @@ describe("what the reader prefers", () => {
   });
 
   test("colours of the system: what is chosen still differs, and the canvases have them too", async () => {
-    const page = await browser.open(figures(), { forcedColors: "active" });
+    const page = await browser.open(figures(), { forcedColors: "active", hash: "select=0" });
     const background = (name: string) => page.locator(".object").filter({ hasText: name }).evaluate((e) => getComputedStyle(e).backgroundColor);
     expect(await background("hand_L")).not.toBe(await background("hand_R"));
     const grey = await page.evaluate(() => {

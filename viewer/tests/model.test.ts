@@ -69,7 +69,7 @@ describe("stepping", () => {
   ] };
   const at = (frame: number, id: string) => {
     const app = makeApp(scene);
-    app.store.set({ frame });
+    app.store.set({ frame, selected: new Set([0]) });
     command(id).run(app);
     return app.store.state.frame;
   };
@@ -108,6 +108,7 @@ describe("stepping", () => {
 
   test("goes by the keys of all that is visible when nothing is selected", () => {
     const app = makeApp(scene);
+    app.store.set({ selected: new Set([0]) });
     expect(shownKeyTimes(app)).toEqual([1, 4, 8]);
     app.store.set({ selected: new Set() });
     expect(shownKeyTimes(app)).toEqual([1, 2, 4, 8, 9]);

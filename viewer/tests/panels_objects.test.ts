@@ -12,7 +12,7 @@ const listed = (page: Page) => page.locator(".object:visible .name").allTextCont
 
 describe("the list of objects", () => {
   test("has a row for each, with path, warning and number", async () => {
-    const page = await browser.open(figures());
+    const page = await browser.open(figures(), { hash: "select=0" });
     expect(await listed(page)).toEqual(["hand_L", "hand_R", "Foot.L", "head"]);
     expect(await cell(page, "hand_L").getAttribute("title")).toBe("|rig|arms|hand_L");
     const mark = row(page, "hand_R").getByRole("img", { name: "Warning: an expression was not evaluated" });
@@ -22,7 +22,7 @@ describe("the list of objects", () => {
   });
 
   test("is searched by name and path", async () => {
-    const page = await browser.open(figures());
+    const page = await browser.open(figures(), { hash: "select=0" });
     const search = page.getByRole("searchbox", { name: "Search objects" });
     await search.fill("HAND");
     expect(await listed(page)).toEqual(["hand_L", "hand_R"]);
@@ -37,7 +37,7 @@ describe("the list of objects", () => {
   });
 
   test("selects by click, with Ctrl one more or less, with Shift all between that are listed", async () => {
-    const page = await browser.open(figures());
+    const page = await browser.open(figures(), { hash: "select=0" });
     await cell(page, "hand_R").click();
     await expectState(page, "selected", [1]);
     expect(await row(page, "hand_R").getAttribute("aria-selected")).toBe("true");
@@ -53,7 +53,7 @@ describe("the list of objects", () => {
   });
 
   test("hides and shows an object, and has it alone", async () => {
-    const page = await browser.open(figures());
+    const page = await browser.open(figures(), { hash: "select=0" });
     const eye = page.getByRole("button", { name: "Show hand_R" });
     await eye.click();
     await expectState(page, "hidden", [1]);

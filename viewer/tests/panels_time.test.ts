@@ -22,7 +22,7 @@ async function drag(page: Page, selector: string, from: readonly [number, number
 
 describe("the transport", () => {
   test("goes to frames and keys", async () => {
-    const page = await browser.open(figures());
+    const page = await browser.open(figures(), { hash: "select=0" });
     const click = (name: string) => page.getByRole("button", { name, exact: true }).click();
     await click("Next frame");
     await expectState(page, "frame", 2);
@@ -98,7 +98,7 @@ describe("the timeline", () => {
   });
 
   test("is scrubbed with the pointer, also beyond its ends", async () => {
-    const page = await browser.open(figures());
+    const page = await browser.open(figures(), { hash: "select=0" });
     await drag(page, ".track", [frameX(10), 40], [frameX(17) + 2, 40]);
     await expectState(page, "frame", 17);
     await drag(page, ".track", [frameX(10), 40], [1279, 300]);
@@ -106,7 +106,7 @@ describe("the timeline", () => {
   });
 
   test("is stepped with its own keys", async () => {
-    const page = await browser.open(figures());
+    const page = await browser.open(figures(), { hash: "select=0" });
     await track(page).focus();
     await press(page, "ArrowRight", "ArrowUp", "PageUp");
     await expectState(page, "frame", 13);
@@ -145,7 +145,7 @@ describe("the timeline", () => {
   });
 
   test("shows the current frame and the selection's keys in their places", async () => {
-    const page = await browser.open(figures(), { hash: "frame=6" });
+    const page = await browser.open(figures(), { hash: "frame=6&select=0" });
     const columns = (color: string) =>
       page.evaluate((wanted) => {
         const probe = document.createElement("canvas").getContext("2d")!;
@@ -181,7 +181,7 @@ describe("the spacing graph", () => {
 
   test("draws one trail in its spacing colours, several in the objects'", async () => {
     const colors = new Array(24).fill([255, 0, 255]);
-    const page = await browser.open({ ...figures(), trails: ["a", "b", "c"].map((name) => arc(name, { colors })) });
+    const page = await browser.open({ ...figures(), trails: ["a", "b", "c"].map((name) => arc(name, { colors })) }, { hash: "select=0" });
     await expect.poll(async () => (await inkOf(page, ".curves"))["255,0,255"] ?? 0).toBeGreaterThan(1000);
     await page.getByRole("button", { name: "All", exact: true }).click();
     await expect.poll(async () => (await inkOf(page, ".curves"))["255,0,255"] ?? 0).toBe(0);

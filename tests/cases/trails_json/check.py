@@ -6,10 +6,11 @@ scene = dict(pairs)
 assert (scene["scene"], scene["fps"], scene["range"], scene["unit"], scene["up_axis"]) == ("line.ma", 24, [0, 8], "cm", "y")
 assert len(scene["trails"]) == 1
 assert [key for key, _ in scene["trails"][0]] == [
-    "viz", "source", "name", "node", "samples_per_frame", "color_mode", "start_frame", "frame_step", "points",
+    "viz", "source", "name", "node", "parent", "samples_per_frame", "color_mode", "start_frame", "frame_step", "points",
     "colors", "key_times", "key_points", "key_colors", "warnings"]
 trail = dict(scene["trails"][0])
 assert (trail["viz"], trail["source"], trail["name"], trail["node"]) == ("vlx_ball_viz", "|ball", "ball", None)
+assert trail["parent"] is None
 assert (trail["samples_per_frame"], trail["color_mode"]) == (2, 1)
 assert (trail["start_frame"], trail["frame_step"]) == (0, 0.5)
 # Two units a frame, two samples a frame: a unit a sample, 8 * 2 + 1 of them.

@@ -5,7 +5,8 @@ import { selectionCsv } from "./csv";
 import type { App } from "./app";
 import { countUpTo } from "./colors";
 import { baseName } from "./format";
-import { bestDirection, boundsOf, framing, movedTarget, visibleTrails } from "./pose";
+import { bestDirection, framing } from "./framing";
+import { movedTarget, visibleTrails } from "./pose";
 import { isVisible, toggled, type ViewName } from "./state";
 
 export interface Command {
@@ -58,7 +59,7 @@ function stepKey(app: App, by: 1 | -1): void {
 
 function frameTrails(app: App, trails: readonly number[]): void {
   const { camera, aspect } = app.store.state;
-  app.store.set({ camera: framing(boundsOf(app.motion, trails, app.scene.upAxis), camera.view, aspect, camera) });
+  app.store.set({ camera: framing(app.motion, app.motion.thatMove(trails), app.scene.upAxis, camera.view, aspect, camera) });
 }
 
 function frameSelected(app: App): void {
@@ -68,10 +69,10 @@ function frameSelected(app: App): void {
 }
 
 function look(app: App, view: ViewName): void {
-  const { state } = app.store;
-  const box = boundsOf(app.motion, visibleTrails(app.motion, state), app.scene.upAxis);
-  const direction = view === "persp" ? bestDirection(app.motion, box, app.scene.upAxis) : state.camera;
-  app.store.set({ camera: framing(box, view, state.aspect, direction) });
+  const { motion, scene, store } = app;
+  const trails = motion.thatMove(visibleTrails(motion, store.state));
+  const direction = view === "persp" ? bestDirection(motion, trails, scene.upAxis) : store.state.camera;
+  store.set({ camera: framing(motion, trails, scene.upAxis, view, store.state.aspect, direction) });
 }
 
 /** Turns around the target; views along an axis stay as they are. */

@@ -2,6 +2,7 @@
 // two trails have their samples at different frames, the other's position between two samples is linear.
 
 import type { Trail, Vec3 } from "../source/trail";
+import { moving, reachOf, type Reach } from "./reach";
 
 export const sampleFrame = (trail: Trail, sample: number): number => trail.startFrame + sample * trail.frameStep;
 
@@ -39,6 +40,8 @@ export class Motion {
   private readonly points = new Map<number, Float64Array>();
   private readonly keyPoints = new Map<number, Float64Array>();
   private readonly spacings = new Map<number, Float64Array>();
+  private reaches: readonly Reach[] | null = null;
+  private moves: readonly boolean[] | null = null;
   private related: number | null = null;
 
   constructor(private list: readonly Trail[]) {}
@@ -76,6 +79,22 @@ export class Motion {
     return this.reference ? minus(position, worldPosition(this.reference, frame)) : position;
   }
 
+  /** How far each trail reaches as it is shown. */
+  get reach(): readonly Reach[] {
+    return (this.reaches ??= this.list.map((_, index) => reachOf(this.shownPoints(index))));
+  }
+
+  /** Whether each trail moves as it is shown. */
+  get moving(): readonly boolean[] {
+    return (this.moves ??= moving(this.reach));
+  }
+
+  /** Those of the trails that move; all of them when none does. */
+  thatMove(trails: readonly number[]): readonly number[] {
+    const found = trails.filter((trail) => this.moving[trail]);
+    return found.length > 0 ? found : trails;
+  }
+
   /** Distance a frame from each sample to the next: one less than samples; NaN beside samples that are not finite. */
   spacing(index: number): Float64Array {
     return this.kept(this.spacings, index, (trail) => {
@@ -104,6 +123,7 @@ export class Motion {
     this.points.clear();
     this.keyPoints.clear();
     this.spacings.clear();
+    this.reaches = this.moves = null;
   }
 
   private kept(

@@ -1,8 +1,10 @@
 // What the reader has chosen. One plain object; every change goes through Store.set, and everything that shows or
 // keeps some of it subscribes.
 
-import type { ColorMode, Scene, Trail, Vec3 } from "../source/trail";
+import type { ColorMode, Scene, Vec3 } from "../source/trail";
 import type { Palette } from "./colors";
+import { firstSelection } from "./first_look";
+import type { Motion } from "./motion";
 
 export type ViewName = "persp" | "front" | "side" | "top";
 export type Theme = "auto" | "light" | "dark";
@@ -55,7 +57,7 @@ export interface ViewState {
   readonly hover: Hover | null;
 }
 
-export function initialState(scene: Scene, trails: readonly Trail[], camera: CameraPose): ViewState {
+export function initialState(scene: Scene, motion: Motion, camera: CameraPose): ViewState {
   return {
     frame: Math.max(scene.first, Math.min(scene.last, scene.current)),
     playFirst: scene.first,
@@ -63,12 +65,12 @@ export function initialState(scene: Scene, trails: readonly Trail[], camera: Cam
     playing: false,
     camera,
     aspect: 1.5,
-    selected: new Set(trails.length > 0 ? [0] : []),
+    selected: firstSelection(motion, scene.first, scene.last),
     hidden: new Set(),
     solo: new Set(),
     relativeTo: null,
     colorBy: "mode",
-    mode: null,
+    mode: scene.colorModeChosen ? null : 1,
     lineWidth: null,
     pointSize: null,
     showLine: null,

@@ -16,7 +16,7 @@ const STAY: readonly (keyof ViewState)[] = [
 ];
 
 function reset(app: App): void {
-  const initial = initialState(app.scene, app.motion.trails, app.store.state.camera);
+  const initial = initialState(app.scene, app.motion, app.store.state.camera);
   app.store.set(Object.fromEntries(KEPT.filter((key) => !STAY.includes(key)).map((key) => [key, initial[key]])));
   app.announce("All settings are those of the scene again");
 }

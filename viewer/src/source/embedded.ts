@@ -9,6 +9,7 @@ interface TrailHeader {
   viz: string;
   source: string;
   name: string;
+  parent: string | null;
   samples_per_frame: number;
   color_mode: number;
   start_frame: number;
@@ -34,6 +35,7 @@ export interface Header {
   current: number;
   unit: string;
   up_axis: "y" | "z";
+  color_mode_chosen: boolean;
   key_time_bytes: 4 | 8;
   sections: { positions: number; key_positions: number; key_times: number; colors: number };
   bytes: number;
@@ -106,6 +108,7 @@ export function readTrails(header: Header, data: ArrayBuffer): Trail[] {
       viz: h.viz,
       source: h.source,
       name: h.name,
+      parent: h.parent,
       samplesPerFrame: h.samples_per_frame,
       colorMode: h.color_mode as ColorMode,
       startFrame: h.start_frame,
@@ -136,6 +139,7 @@ function readScene(header: Header): Scene {
     current: header.current,
     unit: header.unit,
     upAxis: header.up_axis,
+    colorModeChosen: header.color_mode_chosen,
     statics: header.statics,
   };
 }

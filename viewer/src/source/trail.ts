@@ -13,6 +13,8 @@ export interface Trail {
   readonly source: string;
   /** The object's own name in its file. It may hold anything, so it must never become markup. */
   readonly name: string;
+  /** The `source` of its nearest ancestor that has a trail. */
+  readonly parent: string | null;
   readonly samplesPerFrame: number;
   readonly colorMode: ColorMode;
   /** Frame of the first sample, and frames between two samples. */
@@ -54,6 +56,8 @@ export interface Scene {
   /** "unknown" where the file does not say. */
   readonly unit: string;
   readonly upAxis: "y" | "z";
+  /** Whether somebody asked for the trails' colour mode, rather than leaving it to the engine. */
+  readonly colorModeChosen: boolean;
   readonly statics: readonly StaticBox[];
 }
 

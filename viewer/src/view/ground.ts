@@ -5,7 +5,7 @@ import {
   Matrix4, Mesh, MeshBasicMaterial, PlaneGeometry,
 } from "three";
 import type { StaticBox, Vec3 } from "../source/trail";
-import type { Bounds } from "../model/pose";
+import type { Bounds } from "../model/framing";
 import type { ViewName } from "../model/state";
 import type { Colors } from "./theme";
 

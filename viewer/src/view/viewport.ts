@@ -3,7 +3,7 @@
 import "./viewport.css";
 import { ColorManagement, Group, LinearSRGBColorSpace, Scene, WebGLRenderer } from "three";
 import type { App } from "../model/app";
-import { boundsOf, type Bounds } from "../model/pose";
+import { boundsOf, type Bounds } from "../model/framing";
 import type { Change, ViewState } from "../model/state";
 import { onPreferenceChange } from "../model/theme";
 import type { Vec3 } from "../source/trail";
@@ -160,7 +160,7 @@ export class Viewport {
 
   private rebuild(): void {
     const { motion, scene } = this.app;
-    const box = (this.box = boundsOf(motion, motion.trails.keys(), scene.upAxis) ?? NO_BOX);
+    const box = (this.box = boundsOf(motion, motion.thatMove(motion.trails.map((_, index) => index)), scene.upAxis) ?? NO_BOX);
     this.origin = box.low.map((low, k) => low + (box.high[k] - low) / 2) as unknown as Vec3;
     this.layers.moved();
     this.rebuildStage();

@@ -21,10 +21,11 @@ export function makeApp(input: SceneInput): TestApp {
   const [first, last] = header.range;
   const scene = {
     name: header.scene, fps: header.fps, first, last, current: header.current, unit: header.unit, upAxis: header.up_axis,
+    colorModeChosen: header.color_mode_chosen,
     statics: header.statics,
   };
-  const store = new Store(initialState(scene, trails, CAMERA));
   const motion = new Motion(trails);
+  const store = new Store(initialState(scene, motion, CAMERA));
   store.subscribe((state) => motion.relativeTo(state.relativeTo), ["relativeTo"]);
   const said: string[] = [];
   const saved = new Map<string, Blob>();

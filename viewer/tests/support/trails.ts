@@ -8,6 +8,8 @@ export interface TrailInput {
   name: string;
   /** The long path; "|NAME" when left out. */
   source?: string;
+  /** The source of another trail. */
+  parent?: string;
   /** World positions, a sample each. */
   points: Vec3[];
   startFrame?: number;
@@ -33,6 +35,8 @@ export interface SceneInput {
   current?: number;
   unit?: string;
   upAxis?: "y" | "z";
+  /** Left out: yes, so that trails show their own modes. */
+  colorModeChosen?: boolean;
   keyTimeBytes?: 4 | 8;
   statics?: StaticBox[];
   trails: TrailInput[];
@@ -77,7 +81,8 @@ function encodeTrail(trail: TrailInput, keyTimeBytes: 4 | 8) {
   const times = keyTimeBytes === 4 ? Float32Array.from(keyTimes) : Float64Array.from(keyTimes);
   return {
     header: {
-      viz: `${trail.name}Viz`, source: trail.source ?? `|${trail.name}`, name: trail.name, samples_per_frame: 1,
+      viz: `${trail.name}Viz`, source: trail.source ?? `|${trail.name}`, name: trail.name, parent: trail.parent ?? null,
+      samples_per_frame: 1,
       color_mode: trail.colorMode ?? 1, start_frame: trail.startFrame ?? 1, frame_step: trail.frameStep ?? 1,
       line_width: trail.lineWidth ?? 2, point_size: trail.pointSize ?? 4, show_line: trail.showLine ?? true,
       show_dots: trail.showDots ?? true, ghost: trail.ghost ?? false, count: points.length,
@@ -104,7 +109,8 @@ export function encodeScene(input: SceneInput): { header: Header; data: Buffer }
   const afterKeys = positions.length + keyPositions.length;
   const header: Header = {
     format: 1, scene: input.scene ?? "scenes/test.usda", fps: input.fps ?? 24, range: input.range ?? [1, 48],
-    current: input.current ?? 1, unit: input.unit ?? "cm", up_axis: input.upAxis ?? "y", key_time_bytes: bytes,
+    current: input.current ?? 1, unit: input.unit ?? "cm", up_axis: input.upAxis ?? "y",
+    color_mode_chosen: input.colorModeChosen ?? true, key_time_bytes: bytes,
     sections: {
       positions: 0, key_positions: positions.length, key_times: afterKeys, colors: afterKeys + keyTimes.length,
     },
