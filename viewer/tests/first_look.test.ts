@@ -103,5 +103,7 @@ describe("framing", () => {
     const pose = framing(motion, [0], "y", "persp", 1.5, { azimuth: 0, elevation: 0 });
     expect(pose.target).toEqual([5, 6, 7]);
     expect(pose.distance).toBeGreaterThan(0);
+    const trembling = makeApp({ trails: [{ name: "a", points: path((t) => [5 + 1e-15 * t, 6, 7]) }] });
+    expect(framing(trembling.motion, [0], "y", "persp", 1.5, { azimuth: 0, elevation: 0 }).distance).toBe(pose.distance);
   });
 });

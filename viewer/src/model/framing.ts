@@ -3,7 +3,7 @@
 import type { Vec3 } from "../source/trail";
 import type { Motion } from "./motion";
 import { ANGLES, directions, halfView, yUp, type Direction } from "./pose";
-import { together } from "./reach";
+import { hasExtent, together } from "./reach";
 import type { CameraPose, ViewName } from "./state";
 
 export interface Bounds {
@@ -11,11 +11,11 @@ export interface Bounds {
   readonly high: Vec3;
 }
 
-/** The box around these trails as they are shown, y up; null when no sample is finite. */
+/** The box around these trails as they are shown, y up; a point where they do not move, null when no sample is finite. */
 export function boundsOf(motion: Motion, trails: readonly number[], upAxis: "y" | "z"): Bounds | null {
-  const { low, high } = together(trails.map((trail) => motion.reach[trail]));
-  if (!(low[0] <= high[0])) return null;
-  const [a, b] = [yUp(low, upAxis), yUp(high, upAxis)];
+  const reach = together(trails.map((trail) => motion.reach[trail]));
+  if (!(reach.low[0] <= reach.high[0])) return null;
+  const [a, b] = [yUp(reach.low, upAxis), yUp(hasExtent(reach) ? reach.high : reach.low, upAxis)];
   return { low: a.map((c, k) => Math.min(c, b[k])) as unknown as Vec3, high: a.map((c, k) => Math.max(c, b[k])) as unknown as Vec3 };
 }
 

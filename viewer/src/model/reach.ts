@@ -53,9 +53,12 @@ export function together(reaches: readonly Reach[]): Reach {
 
 const largestCoordinate = ({ low, high }: Reach) => Math.max(...low.map((l, k) => Math.max(Math.abs(l), Math.abs(high[k]))));
 
+/** Whether there is more to see than the rounding of coordinates. */
+export const hasExtent = (reach: Reach): boolean => reach.extent > ROUNDING * largestCoordinate(reach);
+
 /** Which of the trails move. The scene's extent is that of everything that moves at all: a light far away is no measure. */
 export function moving(reaches: readonly Reach[]): boolean[] {
-  const atAll = reaches.map((reach) => reach.extent > ROUNDING * largestCoordinate(reach));
+  const atAll = reaches.map(hasExtent);
   const { extent } = together(reaches.filter((_, i) => atAll[i]));
   return reaches.map((reach, i) => atAll[i] && reach.extent > STILL * extent);
 }
