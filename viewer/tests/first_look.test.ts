@@ -75,7 +75,7 @@ describe("framing", () => {
   const views: ViewName[] = ["persp", "front", "side", "top"];
   const scenes: Record<string, TrailInput[]> = {
     "a body": body(), "a line": [{ name: "a", points: path((t) => [100 * t, 3 * t, 40 * t]) }],
-    "a helix far away": [{ name: "a", points: path((t) => [1e6 + Math.sin(20 * t), 1e6 + t, Math.cos(20 * t)]) }],
+    "a helix far away": [{ name: "a", points: path((t) => [1e6 + 5 * Math.sin(20 * t), 1e6 + t, 5 * Math.cos(20 * t)]) }],
     "something tiny": [{ name: "a", points: path((t) => [1e-6 * t, 1e-6 * t * t, -1e-6 * t]) }],
   };
   const cases = Object.keys(scenes).flatMap((name) => views.flatMap((view) => [0.5, 1, 2.5].map((aspect) => [name, view, aspect] as const)));

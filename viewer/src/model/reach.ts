@@ -5,8 +5,8 @@ import type { Vec3 } from "../source/trail";
 /** What stays within this part of the scene's extent counts as still. */
 const STILL = 1e-4;
 
-/** What stays within this part of its own coordinates moves by their rounding at most. */
-const ROUNDING = 1e-8;
+/** What stays within this part of its own coordinates moves by rounding at most: files hold 24 bits, and several are composed. */
+const ROUNDING = 2e-6;
 
 /** The box around a trail's finite samples, and how long its line is. */
 export interface Reach {
