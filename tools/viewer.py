@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 """Runs the tests of the page, or takes its pictures.
 
-    tools/viewer.py test --program FILE --engine-colors FILE --report FILE [--first] [--no-browser]
+    tools/viewer.py test --program FILE --engine-colors FILE --report FILE [--first] [--no-browser] [--firefox FILE]
     tools/viewer.py pictures PAGES OUT [NAME...]
 
 Environment variables tell the tests what to test: VANTORELIX_PROGRAM, VANTORELIX_ENGINE_COLORS, VANTORELIX_PAGE (the
-page without trails) and VANTORELIX_CHROMIUM. With --first, VANTORELIX_PAGE_TESTS is "first", and of the tests in a
+page without trails), VANTORELIX_CHROMIUM and VANTORELIX_DATA (real scenes, which may be missing). With --first, VANTORELIX_PAGE_TESTS is "first", and of the tests in a
 browser one of each group is run. docs and examples lie beside viewer/, as in the checkout. Without a browser the tests
-fail, unless --no-browser leaves out those that need one.
+fail, unless --no-browser leaves out those that need one. With --firefox they run in that Firefox, on a virtual screen
+(xvfb-run).
 
 The pictures are those that viewer/pictures lists. They are taken of the pages in the folder PAGES; without a browser
 there are none.
@@ -53,6 +54,7 @@ def test(options):
                                "tests with -DVANTORELIX_BROWSER_TESTS=OFF")
     paths = {"PROGRAM": options.program, "ENGINE_COLORS": options.engine_colors,
              "PAGE": os.path.join(options.folder, "index.html")}
+    paths["DATA"] = os.environ.get("VANTORELIX_DATA") or os.path.join(page.ROOT, "..", "shared", "data")
     variables = {"VANTORELIX_" + name: os.path.abspath(path) for name, path in paths.items()}
     left_out = browser_tests() if options.no_browser else []
     if left_out:
@@ -63,7 +65,8 @@ def test(options):
                                *("--exclude=" + path for path in left_out),
                                folder=copy, environment=dict(
                                    variables, VANTORELIX_CHROMIUM=chromium,
-                                   VANTORELIX_PAGE_TESTS="first" if options.first else "")).returncode
+                                   VANTORELIX_PAGE_TESTS="first" if options.first else "",
+                                   VANTORELIX_FIREFOX=options.firefox, LIBGL_ALWAYS_SOFTWARE="1")).returncode
 
 
 def pictures(options):
@@ -86,6 +89,7 @@ def main(arguments):
         tests.add_argument("--" + name, required=True)
     tests.add_argument("--first", action="store_true", help="of the tests in a browser one of each group")
     tests.add_argument("--no-browser", action="store_true", help="leave out what needs one")
+    tests.add_argument("--firefox", default="", help="run the tests in this Firefox, which needs a screen")
     tests.set_defaults(run=test)
     shots = verbs.add_parser("pictures")
     shots.add_argument("pages")

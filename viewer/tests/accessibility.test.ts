@@ -1,6 +1,6 @@
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
-import { useBrowser } from "./support/browser";
+import { chromiumTest, useBrowser } from "./support/browser";
 import { expectState, inkOf, press } from "./support/read";
 import { arc, figures } from "./support/scenes";
 import type { SceneInput } from "./support/trails";
@@ -73,7 +73,7 @@ async function expectReadable(page: Page, width: number): Promise<void> {
 }
 
 describe("a screen reader", () => {
-  test("hears a name and a role of everything that takes the focus", async () => {
+  chromiumTest("hears a name and a role of everything that takes the focus", async () => {
     const page = await browser.open(figures());
     await press(page, "?");
     const inDialog = (await spoken(page)).filter((node) => node.focusable);
@@ -86,14 +86,14 @@ describe("a screen reader", () => {
     }
   });
 
-  test("hears no two buttons or sliders of the same name", async () => {
+  chromiumTest("hears no two buttons or sliders of the same name", async () => {
     const page = await browser.open(figures());
     const names = (await spoken(page)).filter(({ role }) => ["button", "slider", "spinbutton", "combobox"].includes(role)).map(({ role, name }) => `${role} ${name}`);
     expect(names.length).toBeGreaterThan(30);
     expect(names.filter((name, i) => names.indexOf(name) !== i)).toEqual([]);
   });
 
-  test("finds its way by landmarks and regions", async () => {
+  chromiumTest("finds its way by landmarks and regions", async () => {
     const page = await browser.open(figures());
     const nodes = await spoken(page);
     const names = (role: string) => nodes.filter((node) => node.role === role).map((node) => node.name);
@@ -242,7 +242,7 @@ describe("contrast of text is at least 4.5 to 1", () => {
 });
 
 describe("what the reader prefers", () => {
-  test("less motion: nothing fades", async () => {
+  chromiumTest("less motion: nothing fades", async () => {
     const page = await browser.open(figures(), { reducedMotion: "reduce" });
     const times = () => page.evaluate(() => [...document.querySelectorAll("*")].filter((e) => getComputedStyle(e).transitionDuration !== "0s").length);
     expect(await times()).toBe(0);
@@ -250,7 +250,7 @@ describe("what the reader prefers", () => {
     expect(await times()).toBeGreaterThan(0);
   });
 
-  test("colours of the system: what is chosen still differs, and the canvases have them too", async () => {
+  chromiumTest("colours of the system: what is chosen still differs, and the canvases have them too", async () => {
     const page = await browser.open(figures(), { forcedColors: "active", hash: "select=0" });
     const background = (name: string) => page.locator(".object").filter({ hasText: name }).evaluate((e) => getComputedStyle(e).backgroundColor);
     expect(await background("hand_L")).not.toBe(await background("hand_R"));

@@ -2,7 +2,7 @@ import { readFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import { COMMANDS } from "../src/model/commands";
-import { useBrowser } from "./support/browser";
+import { chromiumTest, useBrowser } from "./support/browser";
 import { expectState, press, stateOf } from "./support/read";
 import { figures } from "./support/scenes";
 
@@ -33,7 +33,7 @@ describe("the toolbar", () => {
     expect(await distance()).toBeCloseTo(all, 6);
   });
 
-  test("saves the selection as a table and the viewport as a picture", async () => {
+  chromiumTest("saves the selection as a table and the viewport as a picture", async () => {
     const page = await browser.open(figures(), { hash: "select=2-3", acceptDownloads: true });
     const save = async (name: string) => {
       const [download] = await Promise.all([page.waitForEvent("download"), page.getByRole("button", { name, exact: true }).click()]);
@@ -67,7 +67,7 @@ describe("the toolbar", () => {
 describe("the theme", () => {
   const background = (page: Page) => page.evaluate(() => getComputedStyle(document.body).backgroundColor);
 
-  test("follows the system until one is chosen", async () => {
+  chromiumTest("follows the system until one is chosen", async () => {
     const page = await browser.open(figures(), { colorScheme: "dark" });
     const dark = await background(page);
     await page.emulateMedia({ colorScheme: "light" });

@@ -1,7 +1,7 @@
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import { frameScale } from "../src/panels/frame_scale";
-import { useBrowser } from "./support/browser";
+import { chromiumTest, useBrowser } from "./support/browser";
 import { expectState, inkOf, press, stateOf } from "./support/read";
 import { arc, figures } from "./support/scenes";
 
@@ -97,7 +97,7 @@ describe("the timeline", () => {
     expect(await said()).toEqual(["1", "24", "2", "Frame 2"]);
   });
 
-  test("is scrubbed with the pointer, also beyond its ends", async () => {
+  chromiumTest("is scrubbed with the pointer, also beyond its ends", async () => {
     const page = await browser.open(figures(), { hash: "select=0" });
     await drag(page, ".track", [frameX(10), 40], [frameX(17) + 2, 40]);
     await expectState(page, "frame", 17);

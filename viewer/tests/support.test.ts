@@ -1,6 +1,6 @@
 import { describe, expect, test } from "vitest";
 import { readTrails } from "../src/source/embedded";
-import { useBrowser } from "./support/browser";
+import { chromiumTest, useBrowser } from "./support/browser";
 import { encodeScene } from "./support/trails";
 
 const browser = useBrowser();
@@ -32,7 +32,7 @@ describe("pages for tests", () => {
     expect(version).toContain("WebGL 2");
   });
 
-  test("report errors, and requests that the policy of the page stops", async () => {
+  chromiumTest("report errors, and requests that the policy of the page stops", async () => {
     const page = await browser.open({ trails: [] });
     await page.evaluate(() => {
       console.error("seen");
@@ -48,7 +48,7 @@ describe("pages for tests", () => {
     expect(found).toContain("Content Security Policy");
   });
 
-  test("report a request of a page without a policy", async () => {
+  chromiumTest("report a request of a page without a policy", async () => {
     const page = await browser.open({ trails: [] });
     await page.goto("about:blank");
     await page.evaluate(() => fetch("http://127.0.0.1:9/asked").catch(() => null));

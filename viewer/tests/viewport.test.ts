@@ -3,7 +3,7 @@
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import type { Vec3 } from "../src/source/trail";
-import { useBrowser } from "./support/browser";
+import { chromiumTest, useBrowser } from "./support/browser";
 import { along, distanceTo, near, Picture, poseHash, project, settle, type Pose } from "./support/picture";
 import type { SceneInput } from "./support/trails";
 
@@ -350,7 +350,7 @@ test("a trail that is hidden is not drawn, and one that is shown alone is the on
   expect(await drawn("solo=0")).toEqual([true, false]);
 });
 
-test("the saved picture is the viewport's", async () => {
+chromiumTest("the saved picture is the viewport's", async () => {
   const page = await browser.open(plain, { hash: `${bare}&${poseHash(poses.persp)}` });
   await settle(page);
   const [download] = await Promise.all([page.waitForEvent("download"), page.keyboard.press("Shift+P")]);

@@ -2,9 +2,9 @@
 // its own file, fails.
 
 import { pathToFileURL } from "node:url";
-import { chromium, type Browser, type BrowserContextOptions, type Page } from "playwright-core";
-import { afterAll, afterEach, beforeAll, beforeEach, expect } from "vitest";
-import { BROWSER_ARGUMENTS } from "./browser_arguments";
+import type { Browser, BrowserContextOptions, Page } from "playwright-core";
+import { afterAll, afterEach, beforeAll, beforeEach, expect, test } from "vitest";
+import { IN_FIREFOX, launch } from "./launch";
 import { writePage } from "./page";
 import type { SceneInput } from "./trails";
 
@@ -27,12 +27,20 @@ export interface Opener {
   openFile(file: string, options?: OpenOptions): Promise<Page>;
 }
 
+/** For what Firefox's protocol cannot do: the tree that screen readers get, downloads, what the system prefers. */
+export const chromiumTest = test.skipIf(IN_FIREFOX);
+
+/** The style that a screenshot adds to hide the text cursor: the policy of the page stops it in Firefox, and may. */
+const STYLE_OF_SCREENSHOTS = "sha256-YjaKGiklmzC6wjXA513HAMmzus8VE61XCOT+SmwNZWA=";
+
 /** Writes down what goes wrong in a page. */
 export function watch(page: Page, url: string, problems: string[]): void {
   page.on("console", (message) => {
     if (message.type() === "error") problems.push(`console: ${message.text()}`);
   });
-  page.on("pageerror", (error) => problems.push(`error: ${error.message}`));
+  page.on("pageerror", ({ message }) => {
+    if (!message.includes(STYLE_OF_SCREENSHOTS)) problems.push(`error: ${message}`);
+  });
   page.on("request", (request) => {
     const asked = request.url().replace(/#.*$/, "");
     // What the page itself made (a picture to save) comes from no network.
@@ -46,8 +54,7 @@ export function useBrowser(): Opener {
   const problems: string[] = [];
 
   beforeAll(async () => {
-    const executablePath = process.env.VANTORELIX_CHROMIUM ?? "/usr/bin/chromium";
-    browser = await chromium.launch({ executablePath, args: BROWSER_ARGUMENTS });
+    browser = await launch();
   });
   afterAll(() => browser?.close());
   beforeEach(({ task, skip }) => {

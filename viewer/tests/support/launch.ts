@@ -1,0 +1,12 @@
+// The browser that the tests run in: a headless Chromium, or the Firefox that VANTORELIX_FIREFOX names. A Firefox
+// without a screen has no WebGL, so it needs one, real or not (xvfb-run).
+
+import { chromium, firefox, type Browser } from "playwright-core";
+import { BROWSER_ARGUMENTS } from "./browser_arguments";
+
+export const IN_FIREFOX = Boolean(process.env.VANTORELIX_FIREFOX);
+
+export function launch(): Promise<Browser> {
+  if (IN_FIREFOX) return firefox.launch({ channel: "moz-firefox", executablePath: process.env.VANTORELIX_FIREFOX, headless: false });
+  return chromium.launch({ executablePath: process.env.VANTORELIX_CHROMIUM ?? "/usr/bin/chromium", args: BROWSER_ARGUMENTS });
+}
