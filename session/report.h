@@ -13,6 +13,15 @@
 
 namespace vantorelix::session {
 
+// The same object in another scene, beside a trail (session/compare.h).
+struct Comparison {
+  std::string source;             // its long path there
+  Vectors points;                 // its positions there at the trail's frames, in the trail's unit and up axis
+  std::vector<double> distances;  // one a sample; not a number where a position is not finite
+  double largest;                 // of the distances; not a number where none is known
+  double frame;                   // where it is largest first
+};
+
 // One trail as its viz node shows it. The arrays share the node's storage.
 struct TrailView {
   std::string viz;                    // short name of the viz transform
@@ -32,6 +41,7 @@ struct TrailView {
   Vectors points, colors, key_points, key_colors;
   std::vector<double> key_times;
   std::vector<std::string> warnings;
+  std::optional<Comparison> compare = {};
 };
 
 // A node that does not move and has geometry, as the box around it.
@@ -39,6 +49,12 @@ struct StaticBox {
   std::string name;  // long path
   Affine world;
   Vector low, high;  // corners in the node's own space
+};
+
+// What the trails were compared with.
+struct ComparedScene {
+  std::string scene;                // the file as it was named
+  std::optional<std::string> take;  // as it was named
 };
 
 // What a scene says whose format knows no unit.
@@ -54,7 +70,8 @@ struct TrailReport {
   std::vector<TrailView> trails;
   double current = 0.0;                 // the scene's current frame
   std::vector<StaticBox> statics = {};  // only where they were asked for
-  bool color_mode_chosen = false;       // by an option or a preference, rather than by the engine's default
+  std::optional<ComparedScene> compared = {};
+  bool color_mode_chosen = false;  // by an option or a preference, rather than by the engine's default
 };
 
 // The unit as texts name it: "units" where it is unknown.

@@ -17,23 +17,25 @@ namespace {
 
 bool is_surface(const std::string& type) { return type == "mesh" || type == "nurbsSurface" || type == "subdiv"; }
 
-struct Corners {
-  Vector low, high;
-};
+using Corners = std::vector<Vector>;  // low and high
 
+// Nothing where the reader did not look; no corners where the surface is deformed.
 std::optional<Corners> found_by_reader(const Scene& scene, NodeId node) {
   const Vectors bounds = scene.attributes.vectors(node, standalone::kBounds);
-  if (!bounds || bounds->size() != 2) return std::nullopt;
-  return Corners{bounds->front(), bounds->back()};
+  if (!bounds || (bounds->size() != 2 && !bounds->empty())) return std::nullopt;
+  return *bounds;
 }
 
-// Of the first surface that a transform has.
-std::optional<Corners> corners_of(const Scene& scene, NodeId transform) {
-  if (const auto own = found_by_reader(scene, transform)) return own;
-  for (const NodeId shape : scene.nodes.shapes(transform))
-    if (is_surface(scene.nodes.type(shape)))
-      return found_by_reader(scene, shape).value_or(Corners{standalone::kUnitCube[0], standalone::kUnitCube[1]});
-  return std::nullopt;
+// Of the first surface that a transform has; none where any is deformed, which may leave its original beside it.
+Corners corners_of(const Scene& scene, NodeId transform) {
+  std::optional<Corners> result = found_by_reader(scene, transform);
+  for (const NodeId shape : scene.nodes.shapes(transform)) {
+    if (!is_surface(scene.nodes.type(shape))) continue;
+    const auto found = found_by_reader(scene, shape);
+    if (found && found->empty()) return {};
+    if (!result) result = found.value_or(Corners{standalone::kUnitCube[0], standalone::kUnitCube[1]});
+  }
+  return result.value_or(Corners{});
 }
 
 // The sum of what the three sides of the box are long in the world.
@@ -66,9 +68,9 @@ std::vector<StaticBox> static_boxes(const Scene& scene, double frame) {
   std::vector<StaticBox> boxes;
   for (const NodeId node : scene.nodes.all()) {
     if (!scene.nodes.is_transform(node) || scene.evaluation.is_animated(node)) continue;
-    const auto corners = corners_of(scene, node);
-    if (!corners) continue;
-    StaticBox box{scene.names.long_name(node), scene.evaluation.world_matrix(node, frame), corners->low, corners->high};
+    const Corners corners = corners_of(scene, node);
+    if (corners.empty()) continue;
+    StaticBox box{scene.names.long_name(node), scene.evaluation.world_matrix(node, frame), corners[0], corners[1]};
     if (std::isfinite(size_of(box)) && is_finite(box.world.translation())) boxes.push_back(std::move(box));
   }
   keep_largest(boxes);

@@ -58,6 +58,18 @@ TEST(Statics, StandWhereTheyAreInTheWorldWithTheBoundsThatAreKnown) {
   EXPECT_EQ(static_boxes(scene, 1.0).at(0).high, (Vector{3, 4, 5}));
 }
 
+TEST(Statics, AreNotWhatADeformerMovesNorTheOriginalBesideIt) {
+  Scene scene;
+  const auto no_corners = std::make_shared<const std::vector<Vector>>();
+  const NodeId body = add(scene, "body");
+  scene.nodes.create("mesh", "bodyShapeOrig", body);
+  scene.attributes.set_vectors(scene.nodes.shapes(body)[0], standalone::kBounds, no_corners);
+  const NodeId skinned = scene.nodes.create("transform", "skinned");
+  scene.attributes.set_vectors(skinned, standalone::kBounds, no_corners);
+  add(scene, "floor");
+  EXPECT_THAT(names(static_boxes(scene, 1.0)), testing::ElementsAre("|floor"));
+}
+
 TEST(Statics, AreTheLargestOfTooManyInTheScenesOrder) {
   Scene scene;
   for (std::size_t i = 0; i < kMaxStatics + 10; ++i) {

@@ -50,12 +50,12 @@ standalone::ReadOptions SceneOptions::read_options() const {
   const bool fbx = extension == ".fbx", gltf = extension == ".gltf" || extension == ".glb";
   const auto refuse = [&](const char* option, const std::string& value, bool used, const char* formats) {
     if (!value.empty() && !used)
-      throw UsageError(file + ": " + option + " is for " + formats + " scenes; leave it out");
+      throw UsageError(file + ": " + prefix + option + " is for " + formats + " scenes; leave it out");
   };
-  refuse("--take", take, fbx || gltf, "FBX and glTF");
-  refuse("--fps", fps, gltf, "glTF");
-  refuse("--axis", axis, fbx, "FBX");
-  refuse("--unit", unit, fbx, "FBX");
+  refuse("take", take, fbx || gltf, "FBX and glTF");
+  refuse("fps", fps, gltf, "glTF");
+  refuse("axis", axis, fbx, "FBX");
+  refuse("unit", unit, fbx, "FBX");
   standalone::ReadOptions options;
   options.take = take;
   if (!fps.empty()) options.frames_per_second = *parse_number(fps);
@@ -84,15 +84,7 @@ void add_scene_argument(CLI::App& command, SceneOptions& options) {
       ->required();
   command.add_option("--take", options.take, "The FBX take or glTF clip (default: the first; info lists them)")
       ->type_name("NAME");
-  command.add_option("--fps", options.fps, "Frames a second of a glTF scene, which has none (default: 24)")
-      ->type_name("RATE")
-      ->check(CLI::Validator(
-          [](std::string& text) {
-            const auto rate = parse_number(text);
-            return rate && *rate > 0.0 ? std::string()
-                                       : "'" + text + "' is not a valid rate; write a number above 0, as 30";
-          },
-          ""));
+  add_rate(command, "--fps", options.fps, "Frames a second of a glTF scene, which has none (default: 24)");
   add_choice(command, "--axis", options.axis, {"y-up", "z-up"}, "Turn an FBX scene (default: its own axes)");
   add_choice(command, "--unit", options.unit, {"mm", "cm", "m", "km", "in", "ft", "yd"},
              "Convert an FBX scene's lengths (default: its own unit)");
@@ -162,6 +154,18 @@ CLI::Option* add_integer(CLI::App& command, const std::string& name, std::option
             return fits ? std::string()
                         : "'" + text + "' is not a whole number from " + std::to_string(minimum) + " to " +
                               std::to_string(maximum);
+          },
+          ""));
+}
+
+CLI::Option* add_rate(CLI::App& command, const std::string& name, std::string& value, const std::string& description) {
+  return command.add_option(name, value, description)
+      ->type_name("RATE")
+      ->check(CLI::Validator(
+          [](std::string& text) {
+            const auto rate = parse_number(text);
+            return rate && *rate > 0.0 ? std::string()
+                                       : "'" + text + "' is not a valid rate; write a number above 0, as 30";
           },
           ""));
 }

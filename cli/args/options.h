@@ -28,6 +28,7 @@ void add_common_options(CLI::App& command, CommonOptions& options);
 struct SceneOptions {
   std::string file;
   std::string take, fps, axis, unit;
+  std::string prefix = "--";  // of the four before, as they were typed
   Selection selection;
   std::string range;
 
@@ -57,6 +58,9 @@ std::vector<std::string> choices_of(const CLI::Option& option);
 // An option that takes a whole number from `minimum` to `maximum`.
 CLI::Option* add_integer(CLI::App& command, const std::string& name, std::optional<std::int64_t>& value,
                          std::int64_t minimum, std::int64_t maximum, const std::string& description);
+
+// An option that takes frames a second.
+CLI::Option* add_rate(CLI::App& command, const std::string& name, std::string& value, const std::string& description);
 
 // An option that can be given several times, one value each.
 CLI::Option* add_repeated(CLI::App& command, const std::string& name, std::vector<std::string>& values,

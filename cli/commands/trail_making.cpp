@@ -2,7 +2,6 @@
 #include "base/number_text.h"
 
 #include <filesystem>
-#include <unordered_map>
 #include <vector>
 
 #include "cli/commands/scene_file.h"
@@ -15,16 +14,6 @@ namespace vantorelix::cli {
 namespace {
 
 const std::vector<std::string> kColorModes = {"standard", "spacing", "flow", "beats", "0", "1", "2", "3"};
-
-void warn_of_inexact(const session::TrailReport& report, Terminal& terminal) {
-  std::unordered_map<std::string, std::size_t> counts;
-  std::vector<std::string> order;
-  for (const session::TrailView& trail : report.trails)
-    for (const std::string& text : trail.warnings)
-      if (counts[text]++ == 0) order.push_back(text);
-  for (const std::string& text : order)
-    terminal.warn(counted(counts[text], "trail") + " may differ from the scene's own motion: " + text);
-}
 
 std::optional<std::filesystem::path> preferences_file(const std::string& name) {
   if (name.empty()) return std::nullopt;
@@ -50,6 +39,7 @@ session::TrailSettings TrailOptions::settings() const {
 void add_trail_options(CLI::App& command, TrailOptions& options) {
   add_scene_argument(command, options.scene);
   add_selection_options(command, options.scene);
+  add_compare_options(command, options.compare);
   add_integer(command, "--samples-per-frame", options.samples_per_frame, 1, 1'000'000'000,
               "Samples a frame, at least 1");
   add_choice(command, "--color-mode", options.color_mode, kColorModes,
@@ -67,6 +57,8 @@ void add_trail_options(CLI::App& command, TrailOptions& options) {
 
 void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
                  const std::function<void(const session::TrailReport&)>& use) {
+  if (!options.compare.fps.empty() && !options.compare.wanted())
+    throw UsageError("--compare-fps: there is no second scene; name it with --compare");
   standalone::Scene scene = load_scene(options.scene, terminal, statics);
   const auto objects = choose(scene, options.scene.selection, options.scene.file);
   options.scene.apply_range(scene, objects.size());
@@ -81,7 +73,8 @@ void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
   session::TrailReport report = session::read_trails(session.scene(), trails, options.scene.file);
   report.color_mode_chosen = session.names_color_mode(settings);
   if (statics) report.statics = session::static_boxes(session.scene(), report.current);
-  warn_of_inexact(report, terminal);
+  warn_of_inexact(report, "", terminal);
+  if (options.compare.wanted()) compare_with(options.compare, options.scene, report, terminal);
   use(report);
 }
 

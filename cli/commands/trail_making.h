@@ -6,6 +6,7 @@
 #include <string>
 
 #include "cli/args/options.h"
+#include "cli/commands/comparing.h"
 #include "cli/terminal/terminal.h"
 #include "session/report.h"
 #include "session/session.h"
@@ -14,6 +15,7 @@ namespace vantorelix::cli {
 
 struct TrailOptions {
   SceneOptions scene;
+  CompareOptions compare;
   std::optional<std::int64_t> samples_per_frame;
   std::string color_mode;
   std::optional<double> line_width, point_size;
@@ -26,8 +28,8 @@ struct TrailOptions {
 // The scene and everything above.
 void add_trail_options(CLI::App& command, TrailOptions& options);
 
-// Makes the trails and hands them to `use`. With `statics` the report has
-// what stands around them too. Warns of trails that may not be exact.
+// Makes the trails, beside those of a second scene where one was named, and hands them to `use`. With `statics` the
+// report has what stands around them too. Warns of trails that may not be exact.
 void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
                  const std::function<void(const session::TrailReport&)>& use);
 

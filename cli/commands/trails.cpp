@@ -23,6 +23,7 @@ Without --out a table goes to standard output. The extension of a file names its
 
 Examples:
   vantorelix trails bounce.ma
+  vantorelix trails before.ma --compare after.ma --out apart.json
   vantorelix trails walk.bvh --select LeftHand --select RightHand --range 0:60 --out hands.svg
   vantorelix trails arm.ma --select 'arm|wrist' --samples-per-frame 4 --color-mode spacing --out wrist.json)";
 

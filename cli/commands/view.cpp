@@ -25,6 +25,8 @@ a new folder among the system's temporary files. The variable BROWSER names anot
 Examples:
   vantorelix view bounce.ma
   vantorelix view walk.bvh --select '*Foot' --color-mode spacing
+  vantorelix view before.ma --compare after.ma
+  vantorelix view robot.fbx --take reach --compare-take wave
   vantorelix view arm.ma --out arm.html --no-open)";
 
 struct ViewOptions {

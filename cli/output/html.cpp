@@ -1,6 +1,7 @@
 #include "cli/output/html.h"
 
 #include <array>
+#include <optional>
 #include <string>
 
 #include "base/json_writer.h"
@@ -23,8 +24,15 @@ void write_layout(JsonWriter& json, const DataLayout& layout) {
     json.field("key_positions", layout.key_positions);
     json.field("key_times", layout.key_times);
     json.field("colors", layout.colors);
+    json.field("compared", layout.compared);
   });
   json.field("bytes", layout.bytes);
+}
+
+template <class T, class Body>
+void write_or_null(JsonWriter& json, const char* name, const std::optional<T>& item, const Body& body) {
+  json.key(name);
+  item ? json.object({}, [&] { body(*item); }) : json.value(std::optional<double>());
 }
 
 void write_trail(JsonWriter& json, const session::TrailView& trail, const TrailLayout& layout) {
@@ -47,6 +55,11 @@ void write_trail(JsonWriter& json, const session::TrailView& trail, const TrailL
   json.field("keys", layout.keys);
   json.field("keys_on_samples", layout.keys_on_samples);
   json.field("warnings", trail.warnings);
+  write_or_null(json, "compare", trail.compare, [&](const session::Comparison& compare) {
+    json.field("source", compare.source);
+    json.field("low", layout.compared.low);
+    json.field("step", layout.compared.step);
+  });
 }
 
 void write_static(JsonWriter& json, const session::StaticBox& box) {
@@ -71,6 +84,10 @@ void write_header(TextSink& out, const session::TrailReport& report, const DataL
     json.field("unit", report.unit);
     json.field("up_axis", std::string(1, report.up_axis));
     json.field("color_mode_chosen", report.color_mode_chosen);
+    write_or_null(json, "compare", report.compared, [&](const session::ComparedScene& compared) {
+      json.field("scene", compared.scene);
+      json.field("take", compared.take);
+    });
     write_layout(json, layout);
     json.key("trails");
     json.list(kTrails, [&] {

@@ -9,13 +9,15 @@
 // ends the block; bytes that are not UTF-8 are replaced; a number that is not finite is null.
 //
 //   format 1, scene, fps, range [first, last], current (frame), unit, up_axis
+//   compare          {scene, take (or null)} of the second scene; null where there is none
 //   color_mode_chosen  whether an option or a preference named the colour mode
 //   key_time_bytes   4 or 8
-//   sections         {positions, key_positions, key_times, colors}: bytes from the start of the data
+//   sections         {positions, key_positions, key_times, colors, compared}: bytes from the start of the data
 //   bytes            of all sections
 //   trails           [{viz, source, name, parent (or null), samples_per_frame, color_mode, start_frame, frame_step,
 //                    line_width, point_size, show_line, show_dots, ghost, count (samples), low [x, y, z], step [x, y,
-//                    z], keys (how many), keys_on_samples, warnings}]
+//                    z], keys (how many), keys_on_samples, warnings, compare (or null): {source, low,
+//                    step} of the same object in the second scene}]
 //   statics          [{name, matrix (16 numbers, row vectors), low, high}]
 #pragma once
 

@@ -202,9 +202,28 @@ TEST(Html, SectionsBeginAtMultiplesOfEightAndFillTheData) {
   add_keys(trail, {0.5}, {{0.5, 0, 0}});
   const Written page(report_of({trail}));
   EXPECT_EQ(page.header["sections"],
-            json({{"positions", 0}, {"key_positions", 40}, {"key_times", 56}, {"colors", 64}}));
+            json({{"positions", 0}, {"key_positions", 40}, {"key_times", 56}, {"colors", 64}, {"compared", 80}}));
   EXPECT_EQ(page.header["bytes"], 80);
   EXPECT_EQ(page.bytes.size(), 80u);
+}
+
+TEST(Html, PositionsOfASecondSceneFollowForTheTrailsThatHaveThem) {
+  session::TrailView alone = trail_of({{0, 0, 0}, {1, 0, 0}}), both = trail_of({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}});
+  const auto there = spiral(3, 2.0, 50.0);
+  both.compare = session::Comparison{"|take2:a", shared(there), {}, 0.0, 0.0};
+  session::TrailReport report = report_of({alone, both, both});
+  report.trails[2].compare->points = shared({{7, 8, 9}, {7, kNan, 9}});
+  report.compared = session::ComparedScene{"after.ma", "run"};
+  const Written page(report);
+  EXPECT_EQ(page.header["compare"], json({{"scene", "after.ma"}, {"take", "run"}}));
+  const json& trails = page.header["trails"];
+  EXPECT_TRUE(trails[0]["compare"].is_null());
+  EXPECT_EQ(trails[1]["compare"]["source"], "|take2:a");
+  expect_positions(page, "compared", trails[1]["compare"], 0, there);
+  expect_positions(page, "compared", trails[2]["compare"], 3, {{7, 8, 9}});
+  for (const std::size_t missing : {4, 5}) EXPECT_EQ(page.number("compared", 3 * missing, 4), 0xffffffffu) << missing;
+  EXPECT_EQ(page.bytes.size(), page.header["sections"]["compared"].get<std::size_t>() + 6 * 12);
+  EXPECT_TRUE(Written(report_of({alone})).header["compare"].is_null());
 }
 
 TEST(Html, TheHeaderSaysWhatTheSceneAndItsNodesHold) {

@@ -7,7 +7,14 @@ namespace vantorelix::cli {
 
 namespace {
 
-void write_trail(JsonWriter& json, const session::TrailView& trail) {
+void write_comparison(JsonWriter& json, const session::Comparison& compare) {
+  json.field("source", compare.source);
+  json.field("distances", compare.distances);
+  json.field("largest", compare.largest);
+  json.field("frame", compare.frame);
+}
+
+void write_trail(JsonWriter& json, const session::TrailView& trail, bool compared) {
   json.field("viz", trail.viz);
   json.field("source", trail.source);
   json.field("name", trail.name);
@@ -23,6 +30,12 @@ void write_trail(JsonWriter& json, const session::TrailView& trail) {
   json.field("key_points", *trail.key_points);
   json.field("key_colors", *trail.key_colors);
   json.field("warnings", trail.warnings);
+  if (!compared) return;
+  json.key("compare");
+  if (trail.compare)
+    json.object({}, [&] { write_comparison(json, *trail.compare); });
+  else
+    json.value(std::optional<double>());
 }
 
 }  // namespace
@@ -35,10 +48,17 @@ void write_json(TextSink& out, const session::TrailReport& report) {
     json.field("range", std::array{report.first, report.last});
     json.field("unit", report.unit);
     json.field("up_axis", std::string(1, report.up_axis));
+    if (report.compared) {
+      json.key("compare");
+      json.object({}, [&] {
+        json.field("scene", report.compared->scene);
+        json.field("take", report.compared->take);
+      });
+    }
     json.key("trails");
     json.list(JsonLayout::lines(4), [&] {
       for (const session::TrailView& trail : report.trails)
-        json.object(JsonLayout::lines(6), [&] { write_trail(json, trail); });
+        json.object(JsonLayout::lines(6), [&] { write_trail(json, trail, report.compared.has_value()); });
     });
   });
   out << '\n';

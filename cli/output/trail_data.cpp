@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <initializer_list>
+#include <limits>
 
 namespace vantorelix::cli {
 
@@ -26,9 +28,9 @@ struct Range {
   }
 };
 
-PositionScale scale_of(const session::TrailView& trail) {
+PositionScale scale_of(std::initializer_list<Vectors> positions) {
   std::array<Range, 3> box;
-  for (const Vectors& points : {trail.points, trail.key_points})
+  for (const Vectors& points : positions)
     for (const Vector& p : *points)
       if (is_finite(p))
         for (std::size_t k = 0; k < 3; ++k) box[k].add(p.*kAxes[k]);
@@ -59,7 +61,9 @@ bool is_on_sample(const session::TrailView& trail, double time, const Vector& ke
 }
 
 TrailLayout lay_out(const session::TrailView& trail) {
-  TrailLayout layout{scale_of(trail), std::min(trail.key_times.size(), trail.key_points->size()), true};
+  TrailLayout layout{scale_of({trail.points, trail.key_points}),
+                     std::min(trail.key_times.size(), trail.key_points->size()), true};
+  if (trail.compare) layout.compared = scale_of({trail.compare->points});
   for (std::size_t i = 0; layout.keys_on_samples && i < layout.keys; ++i)
     layout.keys_on_samples = is_on_sample(trail, trail.key_times[i], (*trail.key_points)[i]);
   return layout;
@@ -88,19 +92,21 @@ void write_color(Base64& out, const Vector& color) {
 
 DataLayout lay_out(const session::TrailReport& report) {
   DataLayout layout;
-  std::uint64_t samples = 0, keys = 0, stored_keys = 0;
+  std::uint64_t samples = 0, keys = 0, stored_keys = 0, compared = 0;
   for (const session::TrailView& trail : report.trails) {
     const TrailLayout& one = layout.trails.emplace_back(lay_out(trail));
     samples += trail.points->size();
     keys += one.keys;
     if (!one.keys_on_samples) stored_keys += one.keys;
+    if (trail.compare) compared += trail.points->size();
     layout.double_times =
         layout.double_times || !std::all_of(trail.key_times.begin(), trail.key_times.end(), fits_float);
   }
   layout.key_positions = aligned(samples * kPositionBytes);
   layout.key_times = aligned(layout.key_positions + stored_keys * kPositionBytes);
   layout.colors = aligned(layout.key_times + keys * (layout.double_times ? sizeof(double) : sizeof(float)));
-  layout.bytes = aligned(layout.colors + samples * kColorBytes);
+  layout.compared = aligned(layout.colors + samples * kColorBytes);
+  layout.bytes = aligned(layout.compared + compared * kPositionBytes);
   return layout;
 }
 
@@ -123,6 +129,13 @@ void write_data(Base64& out, const session::TrailReport& report, const DataLayou
   for_each([&](const session::TrailView& trail, const TrailLayout&) {
     for (std::size_t i = 0; i < trail.points->size(); ++i)
       write_color(out, i < trail.colors->size() ? (*trail.colors)[i] : Vector{});
+  });
+  constexpr double kNowhere = std::numeric_limits<double>::quiet_NaN();
+  for_each([&](const session::TrailView& trail, const TrailLayout& one) {
+    for (std::size_t i = 0; trail.compare && i < trail.points->size(); ++i) {
+      const auto& points = *trail.compare->points;
+      write_position(out, one.compared, i < points.size() ? points[i] : Vector{kNowhere, kNowhere, kNowhere});
+    }
   });
 }
 

@@ -5,6 +5,9 @@
 //   key positions  the same a key, of the trails whose keys are not on their samples
 //   key times      a float a key, or a double where one would lose something
 //   colours        3 bytes a sample, 255 for 1
+//   compared       the positions of the same objects in another scene, where there are any: of each trail that has
+//   some,
+//                  as many as its own, packed likewise in a box of their own
 // Key colours are white and not stored.
 #pragma once
 
@@ -31,12 +34,13 @@ struct TrailLayout {
   std::size_t keys = 0;
   // Every key is at a sample's frame, and where that sample is.
   bool keys_on_samples = true;
+  PositionScale compared = {};
 };
 
 struct DataLayout {
   std::vector<TrailLayout> trails;
-  std::uint64_t positions = 0, key_positions = 0, key_times = 0, colors = 0;  // bytes from the start
-  std::uint64_t bytes = 0;                                                    // of all sections
+  std::uint64_t positions = 0, key_positions = 0, key_times = 0, colors = 0, compared = 0;  // bytes from the start
+  std::uint64_t bytes = 0;                                                                  // of all sections
   bool double_times = false;
 };
 

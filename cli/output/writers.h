@@ -6,8 +6,8 @@
 
 namespace vantorelix::cli {
 
-// One object: scene, fps, range, unit, up_axis, trails. Numbers read back to the same double; a value that is not
-// finite is null.
+// One object: scene, fps, range, unit, up_axis, compare where there is a second scene, trails. Numbers read back to the
+// same double; a value that is not finite is null.
 void write_json(TextSink& out, const session::TrailReport& report);
 
 // "source,sample,frame,x,y,z,r,g,b", a line a sample; a value that is not finite is an empty field.

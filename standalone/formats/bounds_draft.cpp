@@ -29,4 +29,8 @@ void BoundsDraft::assign_to(Scene& scene, NodeId node) const {
                                std::make_shared<const std::vector<Vector>>(std::vector<Vector>{low, high}));
 }
 
+void mark_deformed(Scene& scene, NodeId node) {
+  scene.attributes.set_vectors(node, kBounds, std::make_shared<const std::vector<Vector>>());
+}
+
 }  // namespace vantorelix::standalone

@@ -22,4 +22,7 @@ class BoundsDraft {
   bool empty_ = true;
 };
 
+// Gives the node an empty kBounds: its surface is not where the node is.
+void mark_deformed(Scene& scene, NodeId node);
+
 }  // namespace vantorelix::standalone

@@ -71,6 +71,36 @@ TEST(Bounds, OfAGltfMeshWhosePositionsAreNoFloatsAreAUnitCube) {
   EXPECT_THAT(bounds_of(scene, "ball"), kUnitCube);
 }
 
+// Whether the reader says that something deforms the surface.
+bool is_deformed(const Scene& scene, const std::string& node) {
+  const Vectors bounds = scene.attributes.vectors(scene.names.require(node), kBounds);
+  return bounds && bounds->empty();
+}
+
+TEST(Bounds, OfADeformedFbxMeshAreNone) {
+  for (const std::string kind : {"Skin", "BlendShape"}) {
+    FbxText file = fbx();
+    file.deformer("ball", kind);
+    EXPECT_TRUE(is_deformed(read(file, with_bounds()), "ball")) << kind;
+    EXPECT_FALSE(is_deformed(read(fbx(), with_bounds()), "ball"));
+  }
+}
+
+TEST(Bounds, OfASkinnedGltfMeshAreNone) {
+  GltfFile file;
+  file.node(R"("name": "body", "mesh": 0, "skin": 0)").node(R"("name": "bone")").node(R"("name": "hat", "mesh": 0)");
+  file.accessor(R"("componentType": 5126, "type": "VEC3", "count": 3, "min": [-1, 0, -2], "max": [1, 2, 3])");
+  file.add(R"("meshes": [{"primitives": [{"attributes": {"POSITION": 0}}]}], "skins": [{"joints": [1]}])");
+  const Scene scene = read_gltf(file.text(), "scene.gltf", {}, with_bounds());
+  EXPECT_TRUE(is_deformed(scene, "body"));
+  EXPECT_THAT(bounds_of(scene, "hat"), ElementsAre(Vector{-1, 0, -2}, Vector{1, 2, 3}));
+}
+
+TEST(Bounds, OfAGltfMeshWithMorphTargetsAreNone) {
+  const std::string part = R"({"attributes": {"POSITION": 0}, "targets": [{"POSITION": 1}]})";
+  EXPECT_TRUE(is_deformed(read_gltf(gltf_mesh(part), "scene.gltf", {}, with_bounds()), "ball"));
+}
+
 Scene maya(const std::string& text, const ReadOptions& options = with_bounds()) {
   return read_maya_ascii("createNode transform -n \"ball\";\ncreateNode mesh -n \"ballShape\" -p \"ball\";\n" + text,
                          "scene.ma", options);
@@ -91,6 +121,43 @@ TEST(Bounds, OfAMayaCubeAndPlaneAreOfTheNumbersThatTheyAreMadeOf) {
                         "ballShape"),
               ElementsAre(Vector{-2, 0, -5}, Vector{2, 0, 5}));
   EXPECT_THAT(bounds_of(maya("createNode polySphere -n \"maker\";\n" + link), "ballShape"), testing::IsEmpty());
+}
+
+constexpr const char* kVertices = "setAttr \".vt[0:1]\" -1 0 2 3 -4 5;\n";
+
+TEST(Bounds, OfAMayaMeshThatADeformerMovesAreNone) {
+  for (const std::string type : {"skinCluster", "blendShape", "someStudiosDeformer"}) {
+    const std::string deformer = "createNode " + type + " -n \"d\";\n";
+    EXPECT_TRUE(is_deformed(maya(kVertices + deformer + "connectAttr \"d.og[0]\" \"ballShape.i\";\n"), "ballShape"));
+    EXPECT_TRUE(is_deformed(maya(kVertices + deformer + "connectAttr \"d.outputGeometry[0]\" \"ballShape.inMesh\";\n"),
+                            "ballShape"));
+  }
+}
+
+TEST(Bounds, OfAMayaMeshBehindADeformerAreNoneWhateverLiesBetween) {
+  const Scene scene =
+      maya(std::string(kVertices) + "createNode transform -n \"hat\";\ncreateNode mesh -n \"hatShape\" -p \"hat\";\n" +
+           kVertices +
+           "createNode skinCluster -n \"skin\";\ncreateNode polySoftEdge -n \"soft\";\n"
+           "createNode tweak -n \"tweak\";\n"
+           "connectAttr \"soft.out\" \"ballShape.i\";\nconnectAttr \"skin.og[0]\" \"soft.ip\";\n"
+           "connectAttr \"tweak.og[0]\" \"hatShape.i\";\nparent -add \"|ball|ballShape\" \"hat\";\n");
+  EXPECT_TRUE(is_deformed(scene, "|ball|ballShape"));
+  // A second path of it is deformed too; single vertices that were moved deform nothing.
+  EXPECT_TRUE(is_deformed(scene, "|hat|ballShape"));
+  EXPECT_THAT(bounds_of(scene, "hatShape"), ElementsAre(Vector{-1, -4, 2}, Vector{3, 0, 5}));
+}
+
+TEST(Bounds, OfAMayaMeshAreNotLostToAConstraintOnADeformedOne) {
+  const Scene scene =
+      maya(std::string(kVertices) + "createNode transform -n \"hat\";\ncreateNode mesh -n \"hatShape\" -p \"hat\";\n" +
+           kVertices +
+           "createNode cluster -n \"d\";\nconnectAttr \"d.og[0]\" \"ballShape.i\";\n"
+           "createNode pointOnPolyConstraint -n \"hold\" -p \"hat\";\n"
+           "connectAttr \"ballShape.w\" \"hold.tg[0].tm\";\nconnectAttr \"hold.ctx\" \"hat.tx\";\n"
+           "connectAttr \"hat.wm\" \"hatShape.x\";\n");
+  EXPECT_TRUE(is_deformed(scene, "ballShape"));
+  EXPECT_FALSE(is_deformed(scene, "hatShape"));
 }
 
 }  // namespace

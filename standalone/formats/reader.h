@@ -57,6 +57,7 @@ std::string name_in_file(const Scene& scene, NodeId node);
 // in the file. In order of creation.
 std::vector<NodeId> match_in_file(const Scene& scene, std::string_view pattern);
 // Two corners, low and high, of the box around a node's or shape's surface, in the node's own space, as a vector array.
+// Empty where a skin, a blend shape or another deformer moves the surface: no box stands for it.
 inline constexpr std::string_view kBounds = "bounds";
 // That box where the surface is not known: low, high.
 inline constexpr Vector kUnitCube[] = {{-0.5, -0.5, -0.5}, {0.5, 0.5, 0.5}};

@@ -111,9 +111,10 @@ void FbxReader::place(const ufbx_node& node, NodeId id) {
     scene_.attributes.set_channel(id, Channel::segmentScaleCompensate, inherits ? 0.0 : 1.0);
 }
 
-// Of the mesh as its file has it, without skins and the like. None where geometry is not read.
+// None where geometry is not read.
 void FbxReader::find_bounds(const ufbx_node& node, NodeId id) {
   if (!options_.bounds) return;
+  if (node.mesh->all_deformers.count != 0) return mark_deformed(scene_, id);
   BoundsDraft draft;
   for (const ufbx_vec3& vertex : node.mesh->vertices) {
     const ufbx_vec3 p = ufbx_transform_position(&node.geometry_to_node, vertex);

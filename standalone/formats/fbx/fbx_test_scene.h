@@ -86,6 +86,14 @@ class FbxText {
     for (std::size_t i = 0; i < corners.size(); ++i) objects_ << (i == 0 ? "" : ",") << corners[i];
     objects_ << "\n}\nPolygonVertexIndex: *3 {\na: 0,1,-3\n}\n}\n";
     connect(id, nodes_.at(node));
+    geometries_[node] = id;
+    return *this;
+  }
+  // A "Skin" or "BlendShape" on a node's geometry.
+  FbxText& deformer(const std::string& node, const std::string& kind) {
+    const int id = begin("Deformer", "Deformer", "", kind);
+    objects_ << "Version: 101\n}\n";
+    connect(id, geometries_.at(node));
     return *this;
   }
   FbxText& constraint(const std::string& type, const std::string& node) {
@@ -179,7 +187,7 @@ class FbxText {
   }
 
   std::ostringstream settings_, objects_, connections_;
-  std::map<std::string, int> nodes_;
+  std::map<std::string, int> nodes_, geometries_;
   std::map<std::pair<std::string, std::string>, int> driven_;
   int last_id_ = 1000, take_ = 0, layer_ = 0;
 };

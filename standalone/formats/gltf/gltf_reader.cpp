@@ -140,11 +140,19 @@ class GltfReader {
     } else {
       place(source, node);
     }
-    if (options_.bounds && source.mesh != nullptr) find_bounds(*source.mesh, node);
+    if (options_.bounds && source.mesh != nullptr) find_bounds(source, node);
+  }
+
+  static bool is_deformed(const cgltf_node& source) {
+    const cgltf_mesh& mesh = *source.mesh;
+    const auto has_targets = [](const cgltf_primitive& part) { return part.targets_count != 0; };
+    return source.skin != nullptr || std::any_of(mesh.primitives, mesh.primitives + mesh.primitives_count, has_targets);
   }
 
   // As the file tells them beside the positions, which need not be read.
-  void find_bounds(const cgltf_mesh& mesh, NodeId node) {
+  void find_bounds(const cgltf_node& source, NodeId node) {
+    if (is_deformed(source)) return mark_deformed(scene_, node);
+    const cgltf_mesh& mesh = *source.mesh;
     BoundsDraft draft;
     for (const cgltf_primitive* part = mesh.primitives; part != mesh.primitives + mesh.primitives_count; ++part) {
       for (const cgltf_attribute* a = part->attributes; a != part->attributes + part->attributes_count; ++a) {

@@ -74,6 +74,7 @@ void MayaReader::connect(std::string_view source, std::string_view destination) 
     driver = scene_.nodes.create("unknown", from_name);
   }
   if (bounds_ && scene_.nodes.type(target) == "mesh") add_primitive(driver, target);
+  note_deformer(driver, from);
   scene_.connections.connect(driver, declared(driver, from), target, declared(target, to));
   if (scene_.nodes.type(target) == "reference" && scene_.curves.is_curve(driver)) {
     note("an animation curve moves only something in the missing reference '" +

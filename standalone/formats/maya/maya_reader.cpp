@@ -344,6 +344,7 @@ void MayaReader::finish() {
   name_all("animClip", "the clip", "the clips");
   note_time_warp();
   note_limits();
+  mark_deformed_surfaces();
   make_instances();
 }
 

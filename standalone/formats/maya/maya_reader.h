@@ -80,6 +80,10 @@ class MayaReader {
   bool set_time(std::string_view attribute);
   void note_time_warp();
 
+  // --- maya_deformers.cpp
+  void note_deformer(NodeId driver, std::string_view attribute);
+  void mark_deformed_surfaces();
+
   // --- maya_instances.cpp
   void add_instances(const std::vector<std::string>& names, NodeId above);
   NodeId find_by_second_path(std::string_view path);
@@ -138,6 +142,7 @@ class MayaReader {
   std::unordered_map<std::string, std::string> declared_;               // "<node id>.<short name>" to the long one
   std::unordered_map<std::string, std::unordered_set<NodeId>> driven_;  // by the type of what drives them
   std::unordered_set<std::string> notes_;
+  std::unordered_set<NodeId> deformers_;  // where bounds are wanted; in the end with all that hangs on them
   // Values of channels that were set on nodes of unknown types, which have no channels yet. They are given to the node
   // when it becomes the parent of another, and so turns out to be a transform (moved_into_dag).
   std::unordered_map<NodeId, std::vector<std::pair<Channel, double>>> held_channels_;
