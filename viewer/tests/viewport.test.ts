@@ -180,7 +180,7 @@ describe("dots and markers", () => {
 
   test("the current position follows the frame", async () => {
     const page = await browser.open(plain, { hash: `${bare}&color=object&frame=7&${poseHash(poses.front)}` });
-    await page.evaluate(() => window.vantorelixViewer.store.set({ showLine: false }));
+    await page.evaluate(() => window.vantorelixViewer.store.set({ showLine: false, showDots: true, pointSize: 0.5 }));
     const orange: Vec3 = [230, 159, 0];
     for (const frame of [7, 19]) {
       await page.evaluate((f) => window.vantorelixViewer.store.set({ frame: f }), frame);
@@ -197,23 +197,42 @@ describe("depth", () => {
     trails: [{ ...plain.trails[0], points: arc.map(([x, y]) => [x, y, -5] as Vec3) }],
     statics: [{ name: "|wall", matrix: [6, 0, 0, 0, 0, 20, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1], low: [-0.5, -0.5, -0.5], high: [0.5, 0.5, 0.5] }],
   };
-  const shown = async (hash: string) => {
-    const picture = await Picture.ofViewport(await browser.open(behind, { hash: `${bare}&${hash}&${poseHash(poses.front)}` }));
-    return [12, 3].map((i) => near(picture.at(place(picture, poses.front, arc[i])), TEAL));
+  const wall: Vec3 = [217, 222, 230];
+  const veiled = TEAL.map((c, k) => 0.6 * c + 0.4 * wall[k]) as unknown as Vec3;
+  const shown = async (hash: string, scene = behind) => {
+    const picture = await Picture.ofViewport(await browser.open(scene, { hash: `${bare}&${hash}&${poseHash(poses.front)}` }));
+    return [12, 3].map((i) => picture.at(place(picture, poses.front, arc[i])))
+      .map((color) => (near(color, TEAL) ? "full" : near(color, veiled) ? "veiled" : "hidden"));
   };
 
-  test("a box hides what is behind it", async () => expect(await shown("ghost=0")).toEqual([false, true]));
-  test("a ghost is drawn through it", async () => expect(await shown("ghost=1")).toEqual([true, true]));
-  test("without boxes nothing is hidden", async () => expect(await shown("ghost=0&boxes=0")).toEqual([true, true]));
+  test("a box veils what is behind it, and hides it not", async () => expect(await shown("ghost=0")).toEqual(["veiled", "full"]));
+  test("a ghost is drawn over it", async () => expect(await shown("ghost=1")).toEqual(["full", "full"]));
+  test("without boxes nothing is veiled", async () => expect(await shown("ghost=0&boxes=0")).toEqual(["full", "full"]));
 
-  test("the ground hides what is below it, but no ghost", async () => {
+  test("many boxes veil no more than one", async () => {
+    const wall = behind.statics![0];
+    const more = [1, 2, 3, 4, 5].map((z) => ({ ...wall, matrix: wall.matrix.map((v, i) => (i === 14 ? z : v)) }));
+    expect(await shown("ghost=0", { ...behind, statics: [wall, ...more] })).toEqual(["veiled", "full"]);
+  });
+
+  test("a box that holds a sample is drawn as edges only", async () => {
+    const holds = { ...behind, trails: [...behind.trails, { ...plain.trails[0], name: "still", points: arc.map(() => [0, 0, 0.2] as Vec3) }] };
+    expect(await shown("ghost=0&select=", holds)).toEqual(["full", "full"]);
+    const picture = await Picture.ofViewport(await browser.open(holds, { hash: `${bare}&select=&${poseHash(poses.front)}` }));
+    const edge = project(poses.front, [3, 1, 0.5], picture.width, picture.height);
+    const darkest = (x: number) => Math.min(...[-2, -1, 0, 1, 2].map((more) => picture.at({ x: edge.x + x + more, y: edge.y })[0]));
+    expect(darkest(-20) - darkest(0)).toBeGreaterThan(25);
+    expect(near(picture.at({ x: edge.x - 20, y: edge.y + 7 }), picture.at({ x: edge.x + 40, y: edge.y + 7 }), 3)).toBe(true);
+  });
+
+  test("the ground hides nothing that is below it", async () => {
     const below: SceneInput = { ...plain, trails: [{ ...plain.trails[0], points: [...arc, [0, -1.5, 0], [2, -1.5, 1]] }] };
     const view: Pose = { ...poses.persp, azimuth: 0, elevation: 30 };
     const seen = async (hash: string) => {
       const picture = await Picture.ofViewport(await browser.open(below, { hash: `${bare}&${hash}&${poseHash(view)}` }));
       return near(picture.at(place(picture, view, [1, -1.5, 0.5])), TEAL);
     };
-    expect(await seen("ghost=0")).toBe(false);
+    expect(await seen("ghost=0")).toBe(true);
     expect(await seen("ghost=1")).toBe(true);
   });
 });
@@ -366,7 +385,7 @@ test("a thousand trails of a thousand samples are drawn plainly while they turn"
     ...plain.trails[0], name: `o${t}`,
     points: Array.from({ length: 1000 }, (_, i) => [(t % 32) * 4 + Math.sin(i / 50), Math.cos(i / 30), Math.floor(t / 32) * 4] as Vec3),
   }));
-  const page = await browser.open({ range: [1, 1000], trails });
+  const page = await browser.open({ range: [1, 1000], trails }, { hash: "select=" });
   const stride = () => page.locator(".viewport").getAttribute("data-stride");
   expect(Number(await stride())).toBeGreaterThan(1);
   await page.keyboard.press("l");

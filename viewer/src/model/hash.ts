@@ -25,6 +25,11 @@ const finite = (text: string): number | undefined => {
 
 const flag = { write: (value: boolean) => (value ? "1" : "0"), read: (t: string) => (t === "1" ? true : t === "0" ? false : undefined) };
 const number = { write: String, read: finite };
+/** A whole number from `least` to 999. */
+const count = (least: number) => ({
+  write: String,
+  read: (text: string) => (/^\d{1,3}$/.test(text) && Number(text) >= least ? Number(text) : undefined),
+});
 const index = {
   write: String,
   read: (text: string, trails: number) => (/^\d+$/.test(text) && Number(text) < trails ? Number(text) : undefined),
@@ -101,6 +106,14 @@ const FIELDS: Fields = {
   showKeys: { name: "keys", ...flag },
   showLabels: { name: "labels", ...flag },
   showStatics: { name: "boxes", ...flag },
+  showBones: { name: "bones", ...flag },
+  window: { name: "window", ...flag },
+  windowBefore: { name: "windowBefore", ...count(0) },
+  windowAfter: { name: "windowAfter", ...count(0) },
+  onion: { name: "onion", ...oneOf("off", "frames", "keys") },
+  onionEvery: { name: "onionEvery", ...count(1) },
+  onionBefore: { name: "onionBefore", ...count(0) },
+  onionAfter: { name: "onionAfter", ...count(0) },
   palette: { name: "palette", ...oneOf("engine", "safe") },
   theme: { name: "theme", ...oneOf("auto", "light", "dark") },
 };

@@ -4,7 +4,8 @@
 import type { Trail, Vec3 } from "../source/trail";
 import { moving, reachOf, type Reach } from "./reach";
 
-export const sampleFrame = (trail: Trail, sample: number): number => trail.startFrame + sample * trail.frameStep;
+export const sampleFrame = (trail: Pick<Trail, "startFrame" | "frameStep">, sample: number): number =>
+  trail.startFrame + sample * trail.frameStep;
 
 /** The sample nearest to a frame. */
 export function nearestSample(trail: Trail, frame: number): number {

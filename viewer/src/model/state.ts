@@ -50,6 +50,17 @@ export interface ViewState {
   readonly showKeys: boolean;
   readonly showLabels: boolean;
   readonly showStatics: boolean;
+  /** Lines from objects to those that they hang from. */
+  readonly showBones: boolean;
+  /** Only frames around the current one: so many before and after it. */
+  readonly window: boolean;
+  readonly windowBefore: number;
+  readonly windowAfter: number;
+  /** The figure once more, every so many frames or at keys, so many times before and after the current frame. */
+  readonly onion: "off" | "frames" | "keys";
+  readonly onionEvery: number;
+  readonly onionBefore: number;
+  readonly onionAfter: number;
   readonly palette: Palette;
   readonly theme: Theme;
   readonly search: string;
@@ -79,6 +90,14 @@ export function initialState(scene: Scene, motion: Motion, camera: CameraPose): 
     showKeys: true,
     showLabels: true,
     showStatics: true,
+    showBones: true,
+    window: false,
+    windowBefore: 12,
+    windowAfter: 12,
+    onion: "off",
+    onionEvery: 4,
+    onionBefore: 3,
+    onionAfter: 3,
     palette: "engine",
     theme: "auto",
     search: "",

@@ -15,7 +15,7 @@ function follow<K extends Key>(app: App, key: K, show: (value: ViewState[K]) => 
 
 const patch = <K extends Key>(key: K, value: ViewState[K]) => ({ [key]: value }) as Pick<ViewState, K>;
 
-export function checkbox(app: App, key: "showKeys" | "showLabels" | "showStatics", text: string): HTMLElement {
+export function checkbox(app: App, key: "showKeys" | "showLabels" | "showStatics" | "showBones" | "window", text: string): HTMLElement {
   const box = el("input", { type: "checkbox", "data-setting": key });
   box.addEventListener("change", () => app.store.set(patch(key, box.checked)));
   follow(app, key, (value) => (box.checked = value));
@@ -55,6 +55,27 @@ export interface Size {
   largest: number;
   /** What the scene has; several trails may differ. */
   ofScene(): readonly number[];
+}
+
+/** A whole number, with what it counts. */
+export interface Count {
+  key: "windowBefore" | "windowAfter" | "onionEvery" | "onionBefore" | "onionAfter";
+  text: string;
+  least: number;
+  most: number;
+  of: string;
+}
+
+export function count(app: App, { key, text, least, most, of }: Count): HTMLElement {
+  const slider = el("input", { type: "range", min: least, max: most, step: 1, "data-setting": key });
+  const number = el("output", { class: "number" });
+  slider.addEventListener("input", () => app.store.set(patch(key, Number(slider.value))));
+  follow(app, key, (value) => {
+    slider.value = String(value);
+    number.textContent = `${value} ${of}`;
+    slider.setAttribute("aria-valuetext", number.textContent);
+  });
+  return labelled(text, slider, number);
 }
 
 const STEP = 0.5;

@@ -5,7 +5,7 @@ import { KEPT } from "../model/hash";
 import { initialState, type ViewState } from "../model/state";
 import { COLOR_MODES, type ColorMode } from "../source/trail";
 import { button, el } from "./dom";
-import { checkbox, choice, select, size, type Option } from "./fields";
+import { checkbox, choice, count, select, size, type Option } from "./fields";
 import { buildLegend } from "./legend";
 
 const AS_IN_SCENE: readonly Option<boolean | null>[] = [[null, "Scene"], [true, "On"], [false, "Off"]];
@@ -63,6 +63,20 @@ export function buildSettings(app: App): SettingsPanel {
       checkbox(app, "showKeys", "Keys"),
       checkbox(app, "showLabels", "Frame numbers and names"),
       checkbox(app, "showStatics", "Boxes of what does not move"),
+      checkbox(app, "showBones", "Bones"),
+    ),
+    part(
+      "Window in time",
+      checkbox(app, "window", "Only around the current frame"),
+      count(app, { key: "windowBefore", text: "Before", least: 0, most: 120, of: "frames" }),
+      count(app, { key: "windowAfter", text: "After", least: 0, most: 120, of: "frames" }),
+    ),
+    part(
+      "Onion skins",
+      choice(app, "onion", "Onion skins", [["off", "Off"], ["frames", "Frames"], ["keys", "Keys"]]),
+      count(app, { key: "onionEvery", text: "Every", least: 1, most: 60, of: "frames" }),
+      count(app, { key: "onionBefore", text: "Skins before", least: 0, most: 12, of: "skins" }),
+      count(app, { key: "onionAfter", text: "Skins after", least: 0, most: 12, of: "skins" }),
     ),
     button({ text: "Reset settings", class: "button reset" }, () => reset(app)),
   );

@@ -2,17 +2,23 @@
 
 import type { Camera } from "three";
 import type { App } from "../model/app";
-import { objectColor, rgbText } from "../model/colors";
-import { numberText, unitName } from "../model/format";
+import { rgbText } from "../model/colors";
+import { dimming } from "../model/emphasis";
+import { onionSkins } from "../model/figure";
+import { frameText, numberText, unitName } from "../model/format";
 import { isFinitePoint, nearestSample } from "../model/motion";
+import { distinctNames } from "../model/names";
 import { yUp } from "../model/pose";
 import type { Hover } from "../model/state";
 import type { Vec3 } from "../source/trail";
 import type { DrawnTrail } from "./batch";
 import type { Grid } from "./ground";
-import { hasDenseKeys, type Drawing, type TrailLayers } from "./layers";
-import type { Label, Overlay } from "./overlay";
+import type { Drawing, TrailLayers } from "./layers";
+import { hasDenseKeys } from "./places";
+import type { Label, Mark, Overlay } from "./overlay";
 import type { Projection, Spot } from "./projection";
+import { skinColor, type Skeleton } from "./skeleton";
+import type { Colors } from "./theme";
 
 /** Up to this many trails, every object has its name in the picture. */
 const MOST_NAMED = 12;
@@ -27,6 +33,8 @@ export interface Picture {
   readonly origin: Vec3;
   readonly grid: Grid;
   readonly drawing: Drawing;
+  readonly skeleton: Skeleton;
+  readonly colors: Colors;
 }
 
 function spotOf({ app, projection, origin }: Picture, place: Vec3): Spot | null {
@@ -35,38 +43,61 @@ function spotOf({ app, projection, origin }: Picture, place: Vec3): Spot | null 
   return projection.spot(turned[0] - origin[0], turned[1] - origin[1], turned[2] - origin[2]);
 }
 
-function sampleSpot({ projection }: Picture, { places }: DrawnTrail, sample: number): Spot | null {
-  const [x, y, z] = places.subarray(3 * sample, 3 * sample + 3);
+function sampleSpot({ projection }: Picture, { places, first }: DrawnTrail, sample: number): Spot | null {
+  const [x, y, z] = sample < first ? [NaN] : places.subarray(3 * (sample - first), 3 * (sample - first) + 3);
   return Number.isFinite(x) ? projection.spot(x, y, z) : null;
 }
 
-function drawMarks(overlay: Overlay, picture: Picture): Label[] {
-  const { app, layers } = picture;
-  const { frame, selected, colorBy, showLabels } = app.store.state;
-  const names: Label[] = [];
+/** Whether a ring tells something: of selected trails which they are, of a few where they are. */
+function kindOf({ app, layers }: Picture, index: number, dim: boolean): Mark["kind"] {
   const few = layers.trails.length <= MOST_NAMED;
-  for (const { index } of layers.trails.slice(0, MOST_MARKS)) {
-    const at = spotOf(picture, app.motion.shownPosition(index, frame));
-    if (!at) continue;
-    const trail = app.motion.trails[index];
-    const strong = selected.has(index);
-    const color = colorBy === "object" ? objectColor(index) : rgbText(layers.colorsOf(index).values, nearestSample(trail, frame));
-    overlay.mark({ at, color, strong });
-    if (showLabels && (few || strong)) names.push({ at, text: trail.name, strong: true });
-  }
-  return names;
+  const all = layers.trails.length === app.store.state.selected.size;
+  if (dim) return "dot";
+  if (app.store.state.selected.has(index) && (few || !all)) return "selected";
+  return few ? "ring" : "dot";
 }
 
-function drawKeyLabels(overlay: Overlay, picture: Picture): void {
-  const { app, layers, projection } = picture;
-  const { selected } = app.store.state;
-  const first = [...layers.trails].sort((a, b) => Number(selected.has(b.index)) - Number(selected.has(a.index)));
-  for (const { index, keyPlaces } of first) {
-    const times = app.motion.trails[index].keyTimes;
+function drawMarks(overlay: Overlay, picture: Picture): Label[] {
+  const { app, layers, skeleton } = picture;
+  const { frame } = app.store.state;
+  const dimmed = dimming(app.store.state);
+  const text = distinctNames(app.motion.trails);
+  const names: Label[] = [];
+  const few = layers.trails.length <= MOST_NAMED;
+  for (const { index } of layers.seen.slice(0, MOST_MARKS)) {
+    const kind = kindOf(picture, index, dimmed(index));
+    if (kind === "dot" && skeleton.has(index)) continue;
+    const at = spotOf(picture, app.motion.shownPosition(index, frame));
+    if (!at) continue;
+    const { values } = layers.colorsOf(index);
+    overlay.mark({ at, color: rgbText(values, nearestSample(app.motion.trails[index], frame)), kind });
+    if ((few || kind === "selected")) names.push({ at, text: text[index], strong: !dimmed(index) });
+  }
+  return names.sort((a, b) => Number(b.strong) - Number(a.strong));
+}
+
+/** Where there is no figure: the selected objects, before and after. */
+function drawGhosts(overlay: Overlay, picture: Picture): void {
+  const { app, layers, skeleton, colors } = picture;
+  if (skeleton.exists) return;
+  const dimmed = dimming(app.store.state);
+  const lit = layers.trails.filter(({ index }) => !dimmed(index)).slice(0, MOST_NAMED);
+  for (const skin of onionSkins(app))
+    for (const { index } of lit) {
+      const at = spotOf(picture, app.motion.shownPosition(index, skin.frame));
+      if (at) overlay.ghost(at, skinColor(skin, colors));
+    }
+}
+
+/** Of the lit trails: the numbers of others would only hide what is selected. */
+function drawKeyLabels(overlay: Overlay, { app, layers, projection }: Picture): void {
+  const dimmed = dimming(app.store.state);
+  for (const { index, keyPlaces, keyTimes } of layers.seen) {
+    if (dimmed(index)) continue;
     for (let i = 0; 3 * i < keyPlaces.length; ++i) {
       if (!Number.isFinite(keyPlaces[3 * i])) continue;
       const at = projection.spot(keyPlaces[3 * i], keyPlaces[3 * i + 1], keyPlaces[3 * i + 2]);
-      if (at) overlay.label({ at, text: numberText(times[i], 7) });
+      if (at) overlay.label({ at, text: numberText(keyTimes[i], 7) });
     }
   }
 }
@@ -81,15 +112,17 @@ function drawAxes(overlay: Overlay, { app, camera, projection }: Picture): void 
   }));
 }
 
-function notes({ app, layers, grid, drawing }: Picture): string {
-  const { relativeTo, showKeys } = app.store.state;
+function notes({ app, layers, grid, drawing }: Picture): string[] {
+  const { relativeTo, showKeys, frame, window, windowBefore, windowAfter } = app.store.state;
   const parts = [`squares of ${numberText(grid.step, 6)} ${unitName(app.scene.unit)}`, `${app.scene.upAxis} is up`];
   if (relativeTo !== null) parts.push(`relative to ${app.motion.trails[relativeTo].name}`);
   if (showKeys && layers.trails.some(({ index }) => hasDenseKeys(app.motion.trails[index])))
     parts.push("keys at nearly every frame are not marked");
-  const { plain, stride } = drawing;
+  const { plain, stride, dotEvery } = drawing;
+  if (dotEvery > 1 && layers.hasDots(drawing)) parts.push(`a dot every ${dotEvery} frames`);
+  if (window) parts.push(`frames ${frameText(frame - windowBefore)} to ${frameText(frame + windowAfter)}`);
   if (plain) parts.push(`simple drawing, to be quick${stride > 1 ? `: one sample in ${stride}` : ""}`);
-  return parts.join(" · ");
+  return parts;
 }
 
 /** The sample that is pointed at, and where it is; null when it is not to be seen. */
@@ -104,12 +137,13 @@ function hoveredSpot(picture: Picture): { hover: Hover; at: Spot } | null {
 export function annotate(overlay: Overlay, picture: Picture): ReturnType<typeof hoveredSpot> {
   const { app, projection } = picture;
   const { showKeys, showLabels } = app.store.state;
+  drawAxes(overlay, picture);
+  overlay.note(notes(picture), 100, projection.height - 12);
+  drawGhosts(overlay, picture);
   const names = drawMarks(overlay, picture);
-  names.forEach((name) => overlay.label(name));
+  if (showLabels) names.forEach((name) => overlay.label(name));
   if (showKeys && showLabels) drawKeyLabels(overlay, picture);
   const hovered = hoveredSpot(picture);
   if (hovered) overlay.ring(hovered.at);
-  drawAxes(overlay, picture);
-  overlay.note(notes(picture), 100, projection.height - 12);
   return hovered;
 }

@@ -19,7 +19,14 @@ import type { ColorMode } from "../source/trail";
 export interface DrawnTrail {
   readonly index: number;
   readonly places: Float32Array;
+  /** The trail's sample at which the places begin. */
+  readonly first: number;
+  /** Frame of that sample, and frames from place to place. */
+  readonly startFrame: number;
+  readonly frameStep: number;
   readonly keyPlaces: Float32Array;
+  /** As many as key places. */
+  readonly keyTimes: Float64Array;
 }
 
 /** Colours of a trail's samples, 0..255, and what they mean: it decides how a stretch between two samples looks. */
@@ -39,9 +46,13 @@ export function eachStretch(places: Float32Array, stride: number, visit: (from: 
   }
 }
 
-/** Samples that get a dot. */
-export function eachDot(places: Float32Array, stride: number, visit: (sample: number) => void): void {
-  for (let sample = 0; 3 * sample < places.length; sample += stride) if (finiteAt(places, sample)) visit(sample);
+/** Calls `visit` with the samples that get a dot: those at whole frames that `every` divides. */
+export function eachDot({ places, startFrame, frameStep }: DrawnTrail, every: number, visit: (sample: number) => void): void {
+  for (let sample = 0; 3 * sample < places.length; ++sample) {
+    const frame = startFrame + sample * frameStep;
+    const whole = Math.round(frame);
+    if (Math.abs(frame - whole) < 1e-4 && whole % every === 0 && finiteAt(places, sample)) visit(sample);
+  }
 }
 
 function copy(to: Uint8Array, at: number, from: Uint8Array, sample: number): void {
@@ -133,11 +144,11 @@ export class Dots {
   private readonly colors: BufferAttribute;
 
   constructor(
-    private readonly trails: readonly DrawnTrail[], private readonly stride: number, material: ShaderMaterial,
+    private readonly trails: readonly DrawnTrail[], private readonly every: number, material: ShaderMaterial,
   ) {
     const places: number[] = [];
     for (const trail of trails)
-      eachDot(trail.places, stride, (s) => places.push(trail.places[3 * s], trail.places[3 * s + 1], trail.places[3 * s + 2]));
+      eachDot(trail, every, (s) => places.push(trail.places[3 * s], trail.places[3 * s + 1], trail.places[3 * s + 2]));
     this.object = pointsOf(Float32Array.from(places), material);
     this.colors = new BufferAttribute(new Uint8Array(places.length), 3, true);
     this.object.geometry.setAttribute("color", this.colors);
@@ -146,9 +157,9 @@ export class Dots {
   recolor(colorsOf: (trail: number) => SampleColors): void {
     const colors = this.colors.array as Uint8Array;
     let at = 0;
-    for (const { index, places } of this.trails) {
-      const { values } = colorsOf(index);
-      eachDot(places, this.stride, (sample) => {
+    for (const trail of this.trails) {
+      const { values } = colorsOf(trail.index);
+      eachDot(trail, this.every, (sample) => {
         copy(colors, at, values, sample);
         at += 3;
       });

@@ -1,6 +1,6 @@
 // How much is drawn: everything while it is quick, a part while something moves, more again when all is still.
 
-import type { Drawing } from "./layers";
+import type { Amount } from "./layers";
 
 /** The power of two such that a drawing of one sample in so many holds at most `budget` samples. */
 export function strideFor(samples: number, budget: number): number {
@@ -29,7 +29,7 @@ export class Detail {
 
   constructor(private readonly samples: () => number) {}
 
-  drawing(moving: boolean): Drawing {
+  drawing(moving: boolean): Amount {
     const samples = this.samples();
     const plain = samples > FEW && (moving || samples * this.cost * RICHNESS > STILL);
     if (!plain) return { stride: 1, plain };
@@ -42,7 +42,7 @@ export class Detail {
   }
 
   /** Tells how long a drawing of so many stretches took. */
-  learn({ plain }: Drawing, stretches: number, milliseconds: number): void {
+  learn({ plain }: Amount, stretches: number, milliseconds: number): void {
     if (plain && stretches > LEAST / 2) this.cost = 0.7 * this.cost + 0.3 * (milliseconds / stretches);
   }
 }

@@ -1,13 +1,17 @@
 // What stands still: a grid in the scene's unit, the ground, and boxes for nodes that do not move.
 
 import {
-  BoxGeometry, BufferAttribute, BufferGeometry, Color, DoubleSide, EdgesGeometry, Group, LineBasicMaterial, LineSegments,
-  Matrix4, Mesh, MeshBasicMaterial, PlaneGeometry,
+  BoxGeometry, BufferAttribute, BufferGeometry, Color, CustomBlending, DoubleSide, EdgesGeometry, Group, LineBasicMaterial,
+  LineSegments, Matrix4, Mesh, MeshBasicMaterial, NotEqualStencilFunc, OneFactor, PlaneGeometry, ReplaceStencilOp, ZeroFactor,
 } from "three";
 import type { StaticBox, Vec3 } from "../source/trail";
 import type { Bounds } from "../model/framing";
 import type { ViewName } from "../model/state";
+import { BOX_ORDER } from "./layers";
 import type { Colors } from "./theme";
+
+/** How much of what lies behind boxes they cover. */
+const VEIL = 0.4;
 
 /** The largest of 1, 2, 5 times a power of ten that is at most `size`, which is above 0. */
 function stepUpTo(size: number): number {
@@ -72,16 +76,15 @@ function gridLines(grid: Grid, origin: Vec3, colors: Colors): LineSegments {
   const geometry = new BufferGeometry();
   geometry.setAttribute("position", new BufferAttribute(Float32Array.from(places), 3));
   geometry.setAttribute("color", new BufferAttribute(Float32Array.from(shades), 3));
-  const lines = new LineSegments(geometry, new LineBasicMaterial({ vertexColors: true }));
+  const lines = new LineSegments(geometry, new LineBasicMaterial({ vertexColors: true, depthWrite: false }));
   lines.renderOrder = -8;
   return lines;
 }
 
-/** The ground, which hides what is below it. */
+/** The ground. It hides nothing that is below it. */
 function plane(grid: Grid, origin: Vec3, colors: Colors): Mesh {
   const [width, depth] = [grid.high[0] - grid.low[0], grid.high[1] - grid.low[1]];
-  const material = new MeshBasicMaterial({ color: colors.ground, side: DoubleSide, polygonOffset: true });
-  material.polygonOffsetFactor = material.polygonOffsetUnits = 2;
+  const material = new MeshBasicMaterial({ color: colors.ground, side: DoubleSide, depthWrite: false });
   const mesh = new Mesh(new PlaneGeometry(width, depth), material);
   mesh.rotation.x = -Math.PI / 2;
   mesh.position.set(grid.low[0] + width / 2 - origin[0], grid.height - origin[1], grid.low[1] + depth / 2 - origin[2]);
@@ -89,25 +92,42 @@ function plane(grid: Grid, origin: Vec3, colors: Colors): Mesh {
   return mesh;
 }
 
-function box(node: StaticBox, turn: Matrix4, colors: Colors): Group {
+/** The faces of a box, through which everything is seen: all boxes together veil a pixel once. */
+function veil(geometry: BoxGeometry, colors: Colors): Mesh {
+  const material = new MeshBasicMaterial({
+    color: colors.box, opacity: VEIL, depthWrite: false, side: DoubleSide,
+    blending: CustomBlending, blendSrcAlpha: ZeroFactor, blendDstAlpha: OneFactor, // the picture stays opaque
+    stencilWrite: true, stencilRef: 1, stencilFunc: NotEqualStencilFunc, stencilZPass: ReplaceStencilOp,
+  });
+  const mesh = new Mesh(geometry, material);
+  mesh.renderOrder = BOX_ORDER;
+  return mesh;
+}
+
+/** The edges lie below every trail; a box that holds samples is nothing else. */
+function box(node: StagedBox, turn: Matrix4, colors: Colors): Group {
   const size = node.high.map((h, k) => Math.max(h - node.low[k], 1e-9));
   const geometry = new BoxGeometry(...(size as [number, number, number]));
   geometry.translate(...(node.low.map((l, k) => l + size[k] / 2) as [number, number, number]));
-  const material = new MeshBasicMaterial({ color: colors.box, polygonOffset: true });
-  material.polygonOffsetFactor = material.polygonOffsetUnits = 1;
   const group = new Group();
-  group.add(new Mesh(geometry, material));
-  group.add(new LineSegments(new EdgesGeometry(geometry), new LineBasicMaterial({ color: colors.boxEdge })));
-  group.children.forEach((child) => (child.renderOrder = -7));
+  const edges = new LineSegments(new EdgesGeometry(geometry), new LineBasicMaterial({ color: colors.boxEdge, depthWrite: false }));
+  edges.renderOrder = -7;
+  group.add(edges);
+  if (!node.holds) group.add(veil(geometry, colors));
   // A matrix for row vectors, row by row, is the same list of numbers as that for column vectors, column by column.
   group.matrixAutoUpdate = false;
   group.matrix.fromArray(node.matrix as number[]).premultiply(turn);
   return group;
 }
 
+export interface StagedBox extends StaticBox {
+  /** Whether samples lie in it. */
+  readonly holds: boolean;
+}
+
 export interface Stage {
   readonly grid: Grid;
-  readonly boxes: readonly StaticBox[];
+  readonly boxes: readonly StagedBox[];
   readonly upAxis: "y" | "z";
   /** Subtracted from everything. */
   readonly origin: Vec3;

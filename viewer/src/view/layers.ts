@@ -1,21 +1,30 @@
 // The drawn trails: batches of a style each, at the details that were asked for, with the colours of the moment.
 
-import { Group, type LineBasicMaterial, type Object3D } from "three";
+import { Group, LineBasicMaterial, type Object3D } from "three";
 import type { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
 import type { App } from "../model/app";
 import { objectColor, trailColors } from "../model/colors";
-import { yUp } from "../model/pose";
+import { dimming } from "../model/emphasis";
 import { isVisible } from "../model/state";
-import type { Trail, Vec3 } from "../source/trail";
+import type { Vec3 } from "../source/trail";
 import { Dots, eachStretch, keyMarkers, Lines, type DrawnTrail, type SampleColors } from "./batch";
+import { framesBetweenDots } from "./dot_spacing";
 import { dotMaterial, keyMaterial, lineMaterial, thinMaterial } from "./materials";
+import { between, wholeTrail, windowOf, windowStrength } from "./places";
+import type { Projection } from "./projection";
+import { channels, DIMMED, shade, shaded } from "./shades";
 import type { Colors } from "./theme";
 
 /** Up to this many stretches, every line has a casing and every dot a rim. */
 const MOST_CASED = 60_000;
 
-/** Ghosts come last, over everything. */
-const order = (ghost: boolean, place: number) => (ghost ? 10 : 0) + place;
+/** Up to this many stretches, lit trails keep their width in plain drawing. */
+const MOST_LIT = 12_000;
+
+/** Dimmed trails come first, then the figure and what is lit; ghosts last, over everything. */
+export const FIGURE_ORDER = 8;
+export const BOX_ORDER = 20;
+const order = ({ ghost, dim }: Look, place: number) => (ghost ? 30 : 0) + (dim ? 0 : 10) + place;
 
 export interface DrawnStyle {
   readonly lineWidth: number;
@@ -38,28 +47,26 @@ export function styleOf(app: App, index: number): DrawnStyle {
   };
 }
 
-function places(points: Float64Array, upAxis: "y" | "z", origin: Vec3): Float32Array {
-  const result = new Float32Array(points.length);
-  for (let i = 0; i < points.length; i += 3) {
-    const turned = yUp([points[i], points[i + 1], points[i + 2]], upAxis);
-    for (let k = 0; k < 3; ++k) result[i + k] = turned[k] - origin[k];
-  }
-  return result;
+/** What is drawn together. */
+interface Look extends DrawnStyle {
+  readonly dim: boolean;
 }
 
-/** Whether keys are nearly everywhere, as in a recorded motion: markers would tell nothing and hide the trail. */
-export const hasDenseKeys = (trail: Trail): boolean => trail.keyTimes.length > 24 && trail.keyTimes.length > 0.4 * trail.count;
-
-/** How much of the trails is drawn: through every `stride`th sample; plain is lines of a pixel and nothing else. */
-export interface Drawing {
+/** How much of the trails is drawn: through every `stride`th sample; plain is lines of a pixel, but for lit trails. */
+export interface Amount {
   readonly stride: number;
   readonly plain: boolean;
+}
+
+export interface Drawing extends Amount {
+  /** Frames from dot to dot. */
+  readonly dotEvery: number;
 }
 
 /** Everything that is drawn of the trails in one way. */
 interface Level {
   readonly group: Group;
-  readonly colored: (Lines | Dots)[];
+  readonly colored: { readonly batch: Lines | Dots; readonly colors: (trail: number) => SampleColors }[];
   readonly disposables: { dispose(): void }[];
   stretches: number;
   /** Which colours it has. */
@@ -78,7 +85,12 @@ function grouped<T>(items: readonly T[], key: (item: T) => string): T[][] {
 
 export class TrailLayers {
   readonly group = new Group();
+  private whole: readonly DrawnTrail[] | null = null;
   private drawn: readonly DrawnTrail[] | null = null;
+  private dots = 0;
+  private readonly looks = new Map<number, Look>();
+  private dims: ((trail: number) => boolean) | null = null;
+  private readonly places = new Map<number, DrawnTrail>();
   private readonly levels = new Map<string, Level>();
   private readonly samples = new Map<number, SampleColors>();
   private version = 1;
@@ -86,19 +98,40 @@ export class TrailLayers {
   constructor(private readonly app: App, private readonly origin: () => Vec3, private readonly colors: () => Colors,
               private readonly ratio: () => number) {}
 
-  /** The visible trails. */
+  /** The visible trails, or what of them lies in the window in time. */
   get trails(): readonly DrawnTrail[] {
     const { app } = this;
-    return (this.drawn ??= app.motion.trails
+    const { state } = app.store;
+    this.whole ??= app.motion.trails
       .map((_, index) => index)
-      .filter((index) => isVisible(app.store.state, index))
-      .map((index) => ({
-        index,
-        places: places(app.motion.shownPoints(index), app.scene.upAxis, this.origin()),
-        keyPlaces: hasDenseKeys(app.motion.trails[index])
-          ? new Float32Array()
-          : places(app.motion.shownKeyPoints(index), app.scene.upAxis, this.origin()),
-      })));
+      .filter((index) => isVisible(state, index))
+      .map((index) => wholeTrail(app, index, this.origin()));
+    const { from, to } = windowOf(state);
+    if (this.drawn) return this.drawn;
+    this.drawn = state.window ? this.whole.map((trail) => between(trail, from, to)) : this.whole;
+    for (const trail of this.drawn) this.places.set(trail.index, trail);
+    return this.drawn;
+  }
+
+  /** Those that are drawn as a line or as dots: without these, keys and marks would be of nothing. */
+  get seen(): readonly DrawnTrail[] {
+    return this.trails.filter(({ index }) => {
+      const { showLine, showDots, lineWidth, pointSize } = styleOf(this.app, index);
+      return (showLine && lineWidth > 0) || (showDots && pointSize > 0);
+    });
+  }
+
+  /** Frames from dot to dot, so that dots do not touch; as before while something moves, so that it stays quick. */
+  dotEvery(projection: Projection, moving: boolean): number {
+    if (moving && this.dots > 0) return this.dots;
+    const dotted = this.trails.filter(({ index }) => this.look(index).showDots && !this.look(index).dim);
+    return (this.dots = framesBetweenDots(dotted, (index) => styleOf(this.app, index).pointSize, projection));
+  }
+
+  /** Whether dots are drawn at all. */
+  hasDots({ plain }: Amount): boolean {
+    const styles = this.trails.map(({ index }) => styleOf(this.app, index));
+    return styles.some(({ showDots }) => showDots) && (!plain || !styles.some(({ showLine }) => showLine));
   }
 
   get sampleCount(): number {
@@ -107,20 +140,28 @@ export class TrailLayers {
 
   /** Forget where everything is. */
   moved(): void {
+    this.whole = null;
+    this.windowMoved();
+    this.recolored();
+  }
+
+  /** Forget which part of the trails is drawn. */
+  windowMoved(): void {
     this.drawn = null;
-    this.restyled();
+    this.dropLevels();
   }
 
   /** Forget how everything looks. */
   restyled(): void {
-    for (const level of this.levels.values()) this.drop(level);
-    this.levels.clear();
+    this.dropLevels();
     this.recolored();
   }
 
   recolored(): void {
     ++this.version;
     this.samples.clear();
+    this.looks.clear();
+    this.dims = null;
   }
 
   /** Puts the trails into the group; returns the number of stretches. */
@@ -132,7 +173,7 @@ export class TrailLayers {
       this.levels.set(name, (level = this.build(drawing)));
     }
     if (level.version !== this.version) {
-      for (const batch of level.colored) batch.recolor((trail) => this.colorsOf(trail));
+      for (const { batch, colors } of level.colored) batch.recolor(colors);
       level.version = this.version;
     }
     if (this.group.children[0] !== level.group) {
@@ -158,9 +199,37 @@ export class TrailLayers {
     } else {
       values = trailColors(trail, mode, state.frame, state.palette);
     }
+    if (this.look(index).dim) values = shaded(values, this.colors().background, () => DIMMED);
     const result: SampleColors = { values, mode: state.colorBy === "object" ? 0 : mode };
     this.samples.set(index, result);
     return result;
+  }
+
+  private look(index: number): Look {
+    const { looks } = this;
+    let look = looks.get(index);
+    if (!look) looks.set(index, (look = { ...styleOf(this.app, index), dim: (this.dims ??= dimming(this.app.store.state))(index) }));
+    return look;
+  }
+
+  /** Colours of what is drawn of a trail: in a window in time they fade away from the current frame. */
+  private readonly drawnColors = (index: number): SampleColors => {
+    const { values, mode } = this.colorsOf(index);
+    return this.app.store.state.window ? { values: this.faded(index, (sample) => 3 * sample, values), mode } : { values, mode };
+  };
+
+  /** A single colour for all of a trail, fading likewise. */
+  private fadingColor(color: string): (index: number) => SampleColors {
+    const single = Uint8Array.from(channels(color));
+    return (index) => ({ values: this.faded(index, () => 0, single), mode: 0 });
+  }
+
+  private faded(index: number, place: (sample: number) => number, values: Uint8Array): Uint8Array {
+    const { state } = this.app.store;
+    const { first, places, startFrame, frameStep } = this.places.get(index)!;
+    const own = new Uint8Array(places.length);
+    for (let i = 0; i < own.length; i += 3) own.set(values.subarray(place(first + i / 3), place(first + i / 3) + 3), i);
+    return shaded(own, this.colors().background, (i) => windowStrength(state, startFrame + i * frameStep));
   }
 
   private forgetOldest(): void {
@@ -169,71 +238,101 @@ export class TrailLayers {
     this.levels.delete(name);
   }
 
+  private dropLevels(): void {
+    for (const level of this.levels.values()) this.drop(level);
+    this.levels.clear();
+  }
+
   private drop(level: Level): void {
     level.disposables.forEach((each) => each.dispose());
     level.group.removeFromParent();
   }
 
-  private build({ stride, plain }: Drawing): Level {
+  private build({ stride, plain, dotEvery }: Drawing): Level {
     const level: Level = { group: new Group(), colored: [], disposables: [], stretches: 0, version: 0 };
-    const style = (trail: DrawnTrail) => styleOf(this.app, trail.index);
-    const lined = this.trails.filter((trail) => style(trail).showLine && style(trail).lineWidth > 0);
+    const look = ({ index }: DrawnTrail) => this.look(index);
+    const lined = this.trails.filter((trail) => look(trail).showLine && look(trail).lineWidth > 0);
     for (const trail of lined) eachStretch(trail.places, stride, () => ++level.stretches);
-    if (!plain) this.addCasings(level, lined, stride);
-    for (const batch of grouped(lined, (trail) => `${style(trail).lineWidth} ${style(trail).ghost}`)) {
-      const { lineWidth, ghost } = style(batch[0]);
-      const material = plain ? thinMaterial(ghost) : lineMaterial({ width: lineWidth, ghost });
-      this.addLines(level, batch, stride, material, order(ghost, 2));
+    const wide = new Set(plain ? this.lit(lined, stride) : lined);
+    this.addCasings(level, lined, [...wide], stride);
+    for (const batch of grouped(lined, (trail) => `${JSON.stringify(look(trail))} ${wide.has(trail)}`)) {
+      const { lineWidth, ghost, dim } = look(batch[0]);
+      const material = wide.has(batch[0]) ? lineMaterial({ width: lineWidth, ghost }) : thinMaterial(ghost);
+      material.depthWrite = !dim;
+      this.addLines(level, batch, stride, material, order(look(batch[0]), 2), this.drawnColors);
     }
-    const dotted = this.trails.filter((trail) => style(trail).showDots && style(trail).pointSize > 0);
+    const dotted = this.trails.filter((trail) => look(trail).showDots && look(trail).pointSize > 0);
     // Where there are no lines, dots are all that there is.
     if (!plain || lined.length === 0)
-      for (const batch of grouped(dotted, (trail) => `${style(trail).pointSize} ${style(trail).ghost}`))
-        this.addDots(level, batch, stride);
+      for (const batch of grouped(dotted, (trail) => JSON.stringify(look(trail))))
+        this.addDots(level, batch, Math.max(dotEvery, stride));
     if (this.app.store.state.showKeys && !plain)
-      for (const batch of grouped(this.trails, (trail) => String(style(trail).ghost))) this.addKeys(level, batch);
+      for (const batch of grouped(this.seen, (trail) => JSON.stringify(look(trail)))) this.addKeys(level, batch);
     return level;
   }
 
-  /** Casings around all lines while these are few, and around selected trails unless every trail is selected. */
-  private addCasings(level: Level, lined: readonly DrawnTrail[], stride: number): void {
+  /** The trails that keep their width in plain drawing: the selected ones, if others are dimmed beside them. */
+  private lit(lined: readonly DrawnTrail[], stride: number): readonly DrawnTrail[] {
+    const lit = lined.filter(({ index }) => !this.look(index).dim);
+    let stretches = 0;
+    for (const { places } of lit) stretches += places.length / 3 / stride;
+    return lit.length < lined.length && stretches <= MOST_LIT ? lit : [];
+  }
+
+  /** Casings around the wide lines while all lines are few, and around selected trails unless every trail is selected. */
+  private addCasings(level: Level, lined: readonly DrawnTrail[], wide: readonly DrawnTrail[], stride: number): void {
     const { selected } = this.app.store.state;
     const { casing, selected: accent } = this.colors();
-    const add = (trails: readonly DrawnTrail[], more: number, color: string, place: number) => {
-      for (const batch of grouped(trails, ({ index }) => JSON.stringify(styleOf(this.app, index)))) {
-        const { lineWidth, ghost } = styleOf(this.app, batch[0].index);
-        const material = lineMaterial({ width: lineWidth + more, ghost, color });
-        this.addLines(level, batch, stride, material, order(ghost, place));
-      }
-    };
-    const chosen = lined.filter((trail) => selected.has(trail.index));
-    if (lined.length > 1 && chosen.length < lined.length) add(chosen, 5, accent, 0);
-    if (level.stretches <= MOST_CASED) add(lined, 1.6, casing, 1);
+    const chosen = wide.filter((trail) => selected.has(trail.index));
+    if (lined.length > 1 && chosen.length < lined.length) this.addCasing(level, chosen, stride, 2.8, accent);
+    if (level.stretches <= MOST_CASED) this.addCasing(level, wide, stride, 1.6, casing);
   }
 
-  private addLines(level: Level, trails: readonly DrawnTrail[], stride: number,
-                   material: LineMaterial | LineBasicMaterial, renderOrder: number): void {
-    const lines = new Lines(trails, stride, material);
-    if (material.vertexColors) level.colored.push(lines);
-    else material.depthWrite = false;
-    this.add(level, lines.object, renderOrder, [lines, material]);
+  private addCasing(level: Level, trails: readonly DrawnTrail[], stride: number, more: number, color: string): void {
+    const fades = this.app.store.state.window;
+    for (const batch of grouped(trails, ({ index }) => JSON.stringify(this.look(index)))) {
+      const look = this.look(batch[0].index);
+      const shown = this.shownColor(color, look.dim);
+      const material = lineMaterial({ width: look.lineWidth + more, ghost: look.ghost, ...(fades ? {} : { color: shown }) });
+      material.depthWrite = false;
+      this.addLines(level, batch, stride, material, order(look, more > 2 ? 0 : 1), this.fadingColor(shown));
+    }
   }
 
-  private addDots(level: Level, trails: readonly DrawnTrail[], stride: number): void {
-    const { pointSize, ghost } = styleOf(this.app, trails[0].index);
-    const rim = level.stretches <= MOST_CASED && pointSize >= 4 ? 0.8 : 0;
-    const material = dotMaterial({ size: (pointSize + rim) * this.ratio(), ghost, edge: rim * this.ratio(), rim: this.colors().casing });
-    const dots = new Dots(trails, stride, material);
-    level.colored.push(dots);
-    this.add(level, dots.object, order(ghost, 3), [dots, material]);
+  private addLines(level: Level, trails: readonly DrawnTrail[], stride: number, material: LineMaterial | LineBasicMaterial,
+                   renderOrder: number, colors: (trail: number) => SampleColors): void {
+    const batch = new Lines(trails, stride, material);
+    if (material.vertexColors) level.colored.push({ batch, colors });
+    this.add(level, batch.object, renderOrder, [batch, material]);
+  }
+
+  private addDots(level: Level, trails: readonly DrawnTrail[], every: number): void {
+    const look = this.look(trails[0].index);
+    const { pointSize, ghost, dim } = look;
+    const rim = level.stretches <= MOST_CASED && pointSize >= 4 && !this.app.store.state.window ? 0.8 : 0;
+    const material = dotMaterial({
+      size: (pointSize + rim) * this.ratio(), ghost, edge: rim * this.ratio(), rim: this.shownColor(this.colors().casing, dim),
+    });
+    material.depthWrite = !dim;
+    const batch = new Dots(trails, every, material);
+    level.colored.push({ batch, colors: this.drawnColors });
+    this.add(level, batch.object, order(look, 3), [batch, material]);
   }
 
   private addKeys(level: Level, trails: readonly DrawnTrail[]): void {
-    const { pointSize, ghost } = styleOf(this.app, trails[0].index);
-    const size = Math.max(9, pointSize + 5) * this.ratio();
-    const material = keyMaterial({ size, ghost, edge: 1.4 * this.ratio(), rim: "#1c2430" });
+    const look = this.look(trails[0].index);
+    const { pointSize, ghost, dim } = look;
+    const size = Math.max(9, pointSize + 5) * (dim ? 0.65 : 1) * this.ratio();
+    const material = keyMaterial({
+      size, ghost, edge: 1.4 * this.ratio(), rim: this.shownColor("#1c2430", dim), fill: this.shownColor("#ffffff", dim),
+    });
+    material.depthWrite = !dim;
     const points = keyMarkers(trails, material);
-    this.add(level, points, order(ghost, 4), [points.geometry, material]);
+    this.add(level, points, order(look, 4), [points.geometry, material]);
+  }
+
+  private shownColor(color: string, dim: boolean): string {
+    return dim ? shade(color, this.colors().background, DIMMED) : color;
   }
 
   private add(level: Level, object: Object3D, renderOrder: number, owned: { dispose(): void }[]): void {

@@ -70,6 +70,10 @@ const pointMaterial = (color: string, fragmentShader: string, lift: number, styl
     depthTest: !style.ghost,
   });
 
-/** Dots lie a hair before their line, key markers before both; these are white, as the engine colours keys. */
+/** Dots lie a hair before their line, key markers before both. */
 export const dotMaterial = (style: PointStyle) => pointMaterial("attribute vec3 color;", ROUND, 2e-5, style);
-export const keyMaterial = (style: PointStyle) => pointMaterial("const vec3 color = vec3(1.0);", DIAMOND, 4e-5, style);
+export function keyMaterial(style: PointStyle & { readonly fill: string }): ShaderMaterial {
+  const material = pointMaterial("uniform vec3 color;", DIAMOND, 4e-5, style);
+  material.uniforms.color = { value: new Color(style.fill) };
+  return material;
+}

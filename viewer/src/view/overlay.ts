@@ -1,5 +1,6 @@
 // Text and marks that are drawn over the trails, at the size of text.
 
+import { Room, shortened } from "./labels";
 import type { Colors } from "./theme";
 import type { Spot } from "./projection";
 
@@ -12,33 +13,27 @@ export interface Label {
 export interface Mark {
   readonly at: Spot;
   readonly color: string;
-  readonly strong: boolean;
+  /** A ring with the selection's colour, a ring, or a small dot. */
+  readonly kind: "selected" | "ring" | "dot";
 }
 
 /** The most labels that are drawn: nobody would read more. */
 const MOST_LABELS = 250;
 
-/** The squares of the picture that already hold a label. */
-class Occupied {
-  private readonly cells = new Set<number>();
+/** Widths to which a label is shortened, one after the other, until there is room for it. */
+const WIDTHS = [180, 110, 64];
 
-  /** Whether the box was free; it is taken now. */
-  take(left: number, top: number, width: number, height: number): boolean {
-    const cells: number[] = [];
-    for (let x = Math.floor(left / 8); x <= (left + width) / 8; ++x)
-      for (let y = Math.floor(top / 8); y <= (top + height) / 8; ++y) cells.push(x * 65_536 + y);
-    if (cells.some((cell) => this.cells.has(cell))) return false;
-    cells.forEach((cell) => this.cells.add(cell));
-    return true;
-  }
-}
+const NOTE = "11px system-ui, sans-serif";
+const LINE = 15;
 
 export class Overlay {
   readonly canvas = document.createElement("canvas");
   private readonly context = this.canvas.getContext("2d")!;
   private colors!: Colors;
-  private occupied = new Occupied();
+  private room = new Room(0, 0);
   private labels = 0;
+  private width = 0;
+  private height = 0;
 
   begin(width: number, height: number, ratio: number, colors: Colors): void {
     const { canvas, context } = this;
@@ -47,20 +42,34 @@ export class Overlay {
     context.setTransform(ratio, 0, 0, ratio, 0, 0);
     context.clearRect(0, 0, width, height);
     this.colors = colors;
-    this.occupied = new Occupied();
+    this.room = new Room(width, height);
+    [this.width, this.height] = [width, height];
     this.labels = 0;
   }
 
-  /** Where an object is now: a ring that no sample has. */
-  mark({ at, color, strong }: Mark): void {
+  /** Where an object is now: a ring that no sample has, or a small dot. */
+  mark({ at, color, kind }: Mark): void {
     const { context, colors } = this;
-    const radius = strong ? 6.5 : 5;
+    const strong = kind === "selected";
+    const radius = kind === "dot" ? 2.5 : strong ? 6 : 5;
     context.beginPath();
     context.arc(at.x, at.y, radius, 0, 2 * Math.PI);
     context.fillStyle = color;
     context.fill();
+    if (kind === "dot") return;
     context.lineWidth = strong ? 3 : 2;
     context.strokeStyle = strong ? colors.selected : colors.ink;
+    context.stroke();
+    this.room.take(at.x - radius, at.y - radius, 2 * radius, 2 * radius);
+  }
+
+  /** A ring where an object was or will be. */
+  ghost(at: Spot, color: string): void {
+    const { context } = this;
+    context.beginPath();
+    context.arc(at.x, at.y, 6, 0, 2 * Math.PI);
+    context.lineWidth = 2;
+    context.strokeStyle = color;
     context.stroke();
   }
 
@@ -74,22 +83,29 @@ export class Overlay {
     context.stroke();
   }
 
-  /** Drawn beside its place if no other label is there; otherwise not at all. */
+  /** Drawn beside its place, shortened where it must be; not at all where there is no room. */
   label({ at, text, strong }: Label): void {
-    if (this.labels >= MOST_LABELS) return;
+    if (this.labels >= MOST_LABELS || !this.inside(at)) return;
     const { context, colors } = this;
     context.font = `${strong ? "600 13px" : "11px"} system-ui, sans-serif`;
-    const width = context.measureText(text).width;
-    const place = [[9, -5], [9, 13], [-9 - width, -5], [-9 - width, 13]].find(([dx, dy]) =>
-      this.occupied.take(at.x + dx, at.y + dy - 11, width, 13));
-    if (!place) return;
-    ++this.labels;
-    context.lineWidth = 3.5;
-    context.lineJoin = "round";
-    context.strokeStyle = colors.background;
-    context.fillStyle = strong ? colors.ink : colors.soft;
-    context.strokeText(text, at.x + place[0], at.y + place[1]);
-    context.fillText(text, at.x + place[0], at.y + place[1]);
+    const widthOf = (part: string) => context.measureText(part).width;
+    for (const most of WIDTHS) {
+      const shown = shortened(text, most, widthOf);
+      const place = this.room.beside(at, widthOf(shown));
+      if (!place) continue;
+      ++this.labels;
+      context.lineWidth = 3.5;
+      context.lineJoin = "round";
+      context.strokeStyle = colors.background;
+      context.fillStyle = strong ? colors.ink : colors.soft;
+      context.strokeText(shown, place.x, place.y);
+      context.fillText(shown, place.x, place.y);
+      return;
+    }
+  }
+
+  private inside({ x, y }: Spot): boolean {
+    return x >= 0 && y >= 0 && x <= this.width && y <= this.height;
   }
 
   /** The directions of the axes, in a corner: name and direction in the picture (right, down; at most 1 long). */
@@ -108,13 +124,22 @@ export class Overlay {
       context.fillText(name, x + 33 * direction.x, y + 33 * direction.y + 4);
     }
     context.textAlign = "start";
+    this.room.take(x - 40, y - 40, 80, 80);
   }
 
-  /** A line of small text at the lower edge. */
-  note(text: string, x: number, y: number): void {
+  /** Small text at the lower edge, in as many lines as it needs; the last one ends at `y`. */
+  note(parts: readonly string[], x: number, y: number): void {
     const { context, colors } = this;
-    context.font = "11px system-ui, sans-serif";
+    context.font = NOTE;
     context.fillStyle = colors.soft;
-    context.fillText(text, x, y);
+    const lines: string[] = [];
+    for (const part of parts) {
+      const longer = lines.length > 0 ? `${lines[lines.length - 1]} · ${part}` : part;
+      const fits = lines.length > 0 && context.measureText(longer).width <= this.width - x - 12;
+      lines.splice(fits ? -1 : lines.length, 1, fits ? longer : part);
+    }
+    lines.forEach((line, i) => context.fillText(line, x, y - LINE * (lines.length - 1 - i)));
+    const widest = Math.max(0, ...lines.map((line) => context.measureText(line).width));
+    this.room.take(x, y - LINE * lines.length, widest, LINE * lines.length + 4);
   }
 }

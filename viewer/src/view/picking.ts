@@ -35,5 +35,5 @@ export function pick(trails: readonly DrawnTrail[], projection: Projection, at: 
     const { trail, sample } = best;
     best = search(trail, Math.max(0, sample - stride), Math.min(trail.places.length / 3, sample + stride), 1, projection, at, best);
   }
-  return best && best.distance <= NEAR ? { trail: best.trail.index, sample: best.sample } : null;
+  return best && best.distance <= NEAR ? { trail: best.trail.index, sample: best.trail.first + best.sample } : null;
 }

@@ -11,10 +11,12 @@ import { annotate, type Picture } from "./annotations";
 import { CameraRig } from "./camera";
 import { Detail } from "./detail";
 import { acrossOf, buildStage, disposeAll, gridFor, type Grid } from "./ground";
+import { holdsSamples } from "./held";
 import { TrailLayers, type Drawing } from "./layers";
 import { Overlay } from "./overlay";
 import { pick } from "./picking";
 import { Projection } from "./projection";
+import { Skeleton } from "./skeleton";
 import { colorsOf } from "./theme";
 import { describe, Tooltip } from "./tooltip";
 
@@ -30,6 +32,7 @@ const MOVES: readonly (keyof ViewState)[] = ["relativeTo", "hidden", "solo"];
 const STYLES: readonly (keyof ViewState)[] = [
   "lineWidth", "pointSize", "showLine", "showDots", "ghost", "showKeys", "selected", "theme",
 ];
+const WINDOW: readonly (keyof ViewState)[] = ["window", "windowBefore", "windowAfter"];
 const COLORS: readonly (keyof ViewState)[] = ["colorBy", "mode", "palette"];
 
 const touches = (changed: Change, keys: readonly (keyof ViewState)[]) => keys.some((key) => changed.has(key));
@@ -41,6 +44,7 @@ export class Viewport {
   private readonly overlay = new Overlay();
   private readonly tooltip = new Tooltip();
   private readonly layers: TrailLayers;
+  private readonly skeleton: Skeleton;
   private readonly rig: CameraRig;
   private readonly detail: Detail;
   /** Around all trails as they are shown, and its middle. */
@@ -64,11 +68,12 @@ export class Viewport {
     this.renderer.domElement.setAttribute("aria-hidden", "true");
     host.append(this.renderer.domElement, canvas, this.tooltip.element);
     this.layers = new TrailLayers(app, () => this.origin, () => this.colors, () => this.ratio);
+    this.skeleton = new Skeleton(app, () => this.origin, () => this.colors, this.ratio);
     this.detail = new Detail(() => this.layers.sampleCount);
     this.rig = new CameraRig(this.renderer.domElement, app.store.state.camera, () => this.origin,
       (camera) => app.store.set({ camera }));
     this.rig.onGesture(() => this.setGesture(true), () => this.setGesture(false));
-    this.three.add(this.stage, this.layers.group);
+    this.three.add(this.stage, this.layers.group, this.skeleton.group);
     this.rebuild();
     this.listen();
   }
@@ -143,6 +148,7 @@ export class Viewport {
     if (changed.has("relativeTo")) this.rebuild();
     else if (touches(changed, MOVES)) this.layers.moved();
     else if (touches(changed, STYLES)) this.layers.restyled();
+    if (touches(changed, WINDOW) || (changed.has("frame") && state.window)) this.layers.windowMoved();
     if (touches(changed, COLORS) || (changed.has("frame") && this.followsFrame(state))) this.layers.recolored();
     if (changed.has("theme") || changed.has("showStatics")) this.rebuildStage();
     if (changed.has("camera")) {
@@ -172,7 +178,8 @@ export class Viewport {
     const { box } = this;
     this.grid = gridFor(box, store.state.camera.view);
     disposeAll(this.stage);
-    const boxes = store.state.showStatics && store.state.relativeTo === null ? scene.statics : [];
+    const statics = store.state.showStatics && store.state.relativeTo === null ? scene.statics : [];
+    const boxes = statics.map((each) => ({ ...each, holds: holdsSamples(each, this.app.motion) }));
     this.stage.add(buildStage({ grid: this.grid, boxes, upAxis: scene.upAxis, origin: this.origin }, this.colors));
     const size = Math.hypot(...box.high.map((high, k) => high - box.low[k]));
     const away = boxes.map(({ matrix }) => Math.hypot(matrix[12] - this.origin[0], matrix[13] - this.origin[1], matrix[14] - this.origin[2]));
@@ -233,8 +240,9 @@ export class Viewport {
   }
 
   private draw(moving: boolean): void {
-    const drawing = this.detail.drawing(moving);
+    const drawing = { ...this.detail.drawing(moving), dotEvery: this.layers.dotEvery(this.projection(), moving) };
     const stretches = this.layers.show(drawing);
+    this.skeleton.update();
     const start = performance.now();
     this.renderer.setClearColor(this.colors.background);
     this.renderer.render(this.three, this.rig.camera);
@@ -248,8 +256,10 @@ export class Viewport {
   }
 
   private drawOverlay(drawing: Drawing): void {
-    const { app, layers, origin, grid } = this;
-    const picture: Picture = { app, layers, projection: this.projection(), camera: this.rig.camera, origin, grid, drawing };
+    const { app, layers, origin, grid, skeleton, colors } = this;
+    const picture: Picture = {
+      app, layers, skeleton, colors, projection: this.projection(), camera: this.rig.camera, origin, grid, drawing,
+    };
     this.overlay.begin(this.width, this.height, this.ratio, this.colors);
     const hovered = annotate(this.overlay, picture);
     if (hovered) this.tooltip.show(describe(app, hovered.hover), hovered.at, this.width, this.height);
@@ -259,7 +269,7 @@ export class Viewport {
 
 function makeRenderer(): WebGLRenderer {
   try {
-    const renderer = new WebGLRenderer({ antialias: true });
+    const renderer = new WebGLRenderer({ antialias: true, stencil: true });
     renderer.outputColorSpace = LinearSRGBColorSpace;
     return renderer;
   } catch {

@@ -1,0 +1,42 @@
+// How many frames lie between two dots, so that dots do not touch in the picture.
+
+import type { DrawnTrail } from "./batch";
+import type { Projection } from "./projection";
+
+/** Pairs of samples that are looked at. */
+const LOOKS = 3000;
+/** Pixels a frame under which an object holds: its dots lie upon each other however few they are. */
+const HOLD = 0.05;
+/** The part of the pairs that may touch: where an object eases, dots are to lie close. */
+const MAY_TOUCH = 0.25;
+
+/** 1, 2, 5, 10, 20, 50 ...: the smallest that is at least `least`. */
+export function niceStep(least: number): number {
+  for (let power = 1; power < 1e9; power *= 10)
+    for (const head of [1, 2, 5]) if (head * power >= least * (1 - 1e-9)) return head * power;
+  return 1e9;
+}
+
+/** For each pair of neighbouring samples in the picture: its distance a frame, in parts of what dots need. */
+function gaps(trails: readonly DrawnTrail[], sizeOf: (trail: number) => number, projection: Projection): number[] {
+  const total = trails.reduce((sum, { places }) => sum + places.length / 3, 0);
+  const stride = Math.max(1, Math.ceil(total / LOOKS));
+  const found: number[] = [];
+  for (const { index, places, frameStep } of trails) {
+    const need = sizeOf(index) + 1;
+    const spot = (i: number) => (Number.isFinite(places[i]) ? projection.spot(places[i], places[i + 1], places[i + 2]) : null);
+    for (let i = 0; i + 3 < places.length; i += 3 * stride) {
+      const [a, b] = [spot(i), spot(i + 3)];
+      if (!a || !b || a.x < 0 || a.y < 0 || a.x > projection.width || a.y > projection.height) continue;
+      const pixels = Math.hypot(b.x - a.x, b.y - a.y) / frameStep;
+      if (pixels >= HOLD) found.push(pixels / need);
+    }
+  }
+  return found;
+}
+
+/** A dot at every so many frames; 1 where nothing moves in the picture. `sizeOf` gives a dot's pixels. */
+export function framesBetweenDots(trails: readonly DrawnTrail[], sizeOf: (trail: number) => number, projection: Projection): number {
+  const found = gaps(trails, sizeOf, projection).sort((a, b) => a - b);
+  return found.length === 0 ? 1 : niceStep(1 / found[Math.floor(MAY_TOUCH * found.length)]);
+}

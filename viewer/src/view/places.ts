@@ -1,0 +1,60 @@
+// Where the trails are drawn: relative to the viewport's origin, y up; all of them, or a window in time.
+
+import type { App } from "../model/app";
+import { sampleFrame } from "../model/motion";
+import { yUp } from "../model/pose";
+import type { ViewState } from "../model/state";
+import type { Trail, Vec3 } from "../source/trail";
+import type { DrawnTrail } from "./batch";
+
+/** Whether keys are nearly everywhere, as in a recorded motion: markers would tell nothing and hide the trail. */
+export const hasDenseKeys = (trail: Trail): boolean => trail.keyTimes.length > 24 && trail.keyTimes.length > 0.4 * trail.count;
+
+function placed(points: Float64Array, upAxis: "y" | "z", origin: Vec3): Float32Array {
+  const result = new Float32Array(points.length);
+  for (let i = 0; i < points.length; i += 3) {
+    const turned = yUp([points[i], points[i + 1], points[i + 2]], upAxis);
+    for (let k = 0; k < 3; ++k) result[i + k] = turned[k] - origin[k];
+  }
+  return result;
+}
+
+/** A trail as it is shown, all of it. */
+export function wholeTrail({ motion, scene }: App, index: number, origin: Vec3): DrawnTrail {
+  const trail = motion.trails[index];
+  const { keyTimes, startFrame, frameStep } = trail;
+  const dense = hasDenseKeys(trail);
+  return {
+    index, startFrame, frameStep, first: 0,
+    places: placed(motion.shownPoints(index), scene.upAxis, origin),
+    keyPlaces: dense ? new Float32Array() : placed(motion.shownKeyPoints(index), scene.upAxis, origin),
+    keyTimes: dense ? new Float64Array() : keyTimes,
+  };
+}
+
+/** The frames around the current one that are drawn. */
+export const windowOf = ({ frame, windowBefore, windowAfter }: ViewState) =>
+  ({ from: frame - windowBefore, to: frame + windowAfter });
+
+/** How much of its strength a sample keeps in the window: all of it at the current frame, a little at the window's ends. */
+export function windowStrength(state: ViewState, frame: number): number {
+  const away = frame - state.frame;
+  const reach = (away < 0 ? state.windowBefore : state.windowAfter) + 1;
+  return 1 - 0.85 * Math.min(1, Math.abs(away) / reach);
+}
+
+/** What of a whole trail lies between two frames. */
+export function between(trail: DrawnTrail, from: number, to: number): DrawnTrail {
+  const { places, keyPlaces, keyTimes, startFrame, frameStep } = trail;
+  const count = places.length / 3;
+  const first = Math.max(0, Math.ceil((from - startFrame) / frameStep - 1e-6));
+  const end = Math.max(first, Math.min(count, Math.floor((to - startFrame) / frameStep + 1e-6) + 1));
+  const kept = [...keyTimes.keys()].filter((i) => keyTimes[i] >= from && keyTimes[i] <= to);
+  return {
+    ...trail, first,
+    startFrame: sampleFrame({ startFrame, frameStep }, first),
+    places: places.subarray(3 * first, 3 * end),
+    keyPlaces: Float32Array.from(kept.flatMap((i) => [...keyPlaces.subarray(3 * i, 3 * i + 3)])),
+    keyTimes: Float64Array.from(kept, (i) => keyTimes[i]),
+  };
+}
