@@ -1,7 +1,7 @@
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import { useBrowser } from "./support/browser";
-import { expectState, press, stateOf } from "./support/read";
+import { expectState, inkOf, press, stateOf } from "./support/read";
 import { arc, figures, tree } from "./support/scenes";
 
 const browser = useBrowser();
@@ -105,6 +105,20 @@ describe("the list of objects", () => {
     await page.keyboard.press("c");
     expect(await background("hand_L")).toContain("rgb(230, 159, 0)");
     expect(await background("head")).toContain("rgb(204, 121, 167)");
+  });
+
+  test("marks several selected objects with the colours that their curves have in the graph", async () => {
+    const page = await browser.open({ trails: Array.from({ length: 12 }, (_, i) => arc(`o${i}`)) }, { hash: "select=0.8.3" });
+    const color = (selector: string) => page.locator(selector).evaluateAll((all) => all.map((e) => getComputedStyle(e).backgroundColor));
+    const inGraph = await color(".graph-names .legend-swatch");
+    expect(new Set(inGraph).size).toBe(3); // though the first and the ninth object have one colour of their own
+    const inList = await color('.object[aria-selected="true"] .swatch');
+    expect([inList[0], inList[2], inList[1]]).toEqual(inGraph);
+    await expect.poll(async () => Object.keys(await inkOf(page, ".curves"))).toEqual(
+      expect.arrayContaining(inGraph.map((text) => text.match(/\d+/g)!.join(","))));
+    await cell(page, "o8").click(); // alone, it has the colours of its mode
+    expect(await page.locator(".legend-swatch.small").count()).toBe(0);
+    expect(await row(page, "o8").locator(".swatch").evaluate((e) => getComputedStyle(e).backgroundImage)).toContain("gradient");
   });
 
   test("marks the object whose sample is pointed at", async () => {

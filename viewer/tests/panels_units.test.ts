@@ -198,8 +198,8 @@ describe("the part of the time that is seen", () => {
   test("turns on to a frame that leaves it", () => {
     expect(following([20, 40], whole, 30)).toEqual([20, 40]);
     expect(following([20, 40], whole, 41)).toEqual([40, 60]);
-    expect(following([20, 40], whole, 1)).toEqual([1, 21]);
-    expect(following([20, 40], whole, 19)).toEqual([0 + 1, 20 + 1]);
+    expect(following([50, 70], whole, 49)).toEqual([30, 50]);
+    expect(following([50, 70], whole, 5)).toEqual([4, 24]); // from far away, as where playing begins again
   });
 });
 

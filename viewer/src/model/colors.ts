@@ -162,7 +162,8 @@ function spread(selected: ReadonlySet<number>): ReadonlyMap<number, string> {
 
 /**
  * The colour that marks an object in the list, in the graph and beside it in the viewport: its own, or the next one
- * where another selected object has that. So up to eight selected objects have eight colours.
+ * where another selected object has that. So up to eight selected objects have eight colours. One that is selected alone
+ * needs no mark: its curve has the colours of its trail.
  */
 export function markColor(trail: number, selected: ReadonlySet<number>): string {
   if (marked.of !== selected) marked = { of: selected, colors: spread(selected) };

@@ -8,11 +8,18 @@ function ending(source: string, parts: number): string {
   return source.split(separator).slice(-parts).join(separator);
 }
 
+let known: { of: readonly Trail[]; names: readonly string[] } = { of: [], names: [] };
+
 /**
  * By trail: its name; where several have the same name, so much of the path before it that no other has it. Paths that
  * are the same get their number in the list.
  */
 export function distinctNames(trails: readonly Trail[]): readonly string[] {
+  if (known.of !== trails) known = { of: trails, names: tellApart(trails) };
+  return known.names;
+}
+
+function tellApart(trails: readonly Trail[]): readonly string[] {
   const names = trails.map(({ name }) => name);
   const deepest = trails.reduce((most, { source }) => Math.max(most, source.split(/[|/]/).length), 0);
   for (let parts = 2; parts <= deepest; ++parts) {

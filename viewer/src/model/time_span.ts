@@ -1,5 +1,8 @@
 // The part of the scene's time that the timeline and the graph show.
 
+import type { Scene } from "../source/trail";
+import type { App } from "./app";
+
 /** From its first frame to its last. */
 export type TimeSpan = readonly [first: number, last: number];
 
@@ -25,10 +28,31 @@ export function zoomed([first, last]: TimeSpan, whole: TimeSpan, at: number, fac
 export const panned = ([first, last]: TimeSpan, whole: TimeSpan, by: number): TimeSpan | null =>
   within([first + by, last + by], whole);
 
-/** Turned on like a page, so that the frame is seen: near the start when it comes from before, else near the end. */
+/** Turned on like a page, so that the frame is seen: near the end when it comes from a little after, else near the start. */
 export function following(span: TimeSpan, whole: TimeSpan, frame: number): TimeSpan | null {
   const [first, last] = span;
   if (frame >= first && frame <= last) return span;
   const margin = 0.05 * (last - first);
-  return panned(span, whole, frame > last ? frame - margin - first : frame + margin - last);
+  const back = frame < first && frame > first - (last - first);
+  return panned(span, whole, back ? frame + margin - last : frame - margin - first);
+}
+
+export const wholeTime = ({ first, last }: Scene): TimeSpan => [first, last];
+
+/** What is seen now. */
+export const seenTime = ({ scene, store }: App): TimeSpan => store.state.timeSpan ?? wholeTime(scene);
+
+/** Zooms around a frame; by default around the current one. */
+export function zoomTime(app: App, factor: number, at = app.store.state.frame): void {
+  app.store.set({ timeSpan: zoomed(seenTime(app), wholeTime(app.scene), at, factor) });
+}
+
+/** Moves on by so many frames. */
+export function panTime(app: App, by: number): void {
+  app.store.set({ timeSpan: panned(seenTime(app), wholeTime(app.scene), by) });
+}
+
+/** Keeps the current frame in sight from now on. */
+export function followFrame(app: App): void {
+  app.store.subscribe(({ frame }) => app.store.set({ timeSpan: following(seenTime(app), wholeTime(app.scene), frame) }), ["frame"]);
 }

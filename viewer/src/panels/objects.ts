@@ -119,9 +119,10 @@ export function buildObjects(app: App): ObjectsPanel {
   );
   const colour = () => {
     grid.element.dataset.colorBy = store.state.colorBy;
+    grid.element.toggleAttribute("data-marks", store.state.selected.size > 1); // the graph has a colour for each then
     for (const mode of [0, 1, 2, 3] as const) grid.element.style.setProperty(`--mode-${mode}`, swatchStyle(mode, store.state.palette));
   };
-  store.subscribe(colour, ["colorBy", "palette"]);
+  store.subscribe(colour, ["colorBy", "palette", "selected"]);
   store.subscribe(filter, ["movingOnly", "relativeTo"]);
   colour();
   filter();
