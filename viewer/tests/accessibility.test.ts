@@ -101,7 +101,7 @@ describe("a screen reader", () => {
     expect(names("main").length).toBe(1);
     expect(names("region").sort()).toEqual(["Also show", "Colour", "Lines and dots", "Objects", "Settings", "Spacing graph", "Time"]);
     expect(names("application")).toEqual(["Trails"]);
-    expect(names("grid")).toEqual(["Objects"]);
+    expect(names("treegrid")).toEqual(["Objects"]);
     expect(names("row").length).toBe(4);
     expect(nodes.filter((node) => node.role === "heading").map((node) => node.name)[0]).toBe("walk.usda");
   });

@@ -1,8 +1,8 @@
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import { useBrowser } from "./support/browser";
-import { expectState, press, stateOf } from "./support/read";
-import { arc, figures } from "./support/scenes";
+import { expectState, inkOf, press, stateOf } from "./support/read";
+import { arc, figures, tree } from "./support/scenes";
 
 const browser = useBrowser();
 
@@ -98,7 +98,7 @@ describe("the list of objects", () => {
   });
 
   test("shows the colour of the object, or of its mode", async () => {
-    const page = await browser.open(figures());
+    const page = await browser.open(figures(), { hash: "select=" });
     const background = (name: string) => row(page, name).locator(".swatch").evaluate((e) => getComputedStyle(e).background);
     expect(await background("hand_L")).toContain("rgb(0, 0, 255)"); // slow, in mode Spacing
     expect(await background("head")).toContain("rgb(38, 191, 166)"); // Standard
@@ -107,12 +107,128 @@ describe("the list of objects", () => {
     expect(await background("head")).toContain("rgb(204, 121, 167)");
   });
 
+  test("marks several selected objects with the colours that their curves have in the graph", async () => {
+    const page = await browser.open({ trails: Array.from({ length: 12 }, (_, i) => arc(`o${i}`)) }, { hash: "select=0.8.3" });
+    const color = (selector: string) => page.locator(selector).evaluateAll((all) => all.map((e) => getComputedStyle(e).backgroundColor));
+    const inGraph = await color(".graph-names .legend-swatch");
+    expect(new Set(inGraph).size).toBe(3); // though the first and the ninth object have one colour of their own
+    const inList = await color('.object[aria-selected="true"] .swatch');
+    expect([inList[0], inList[2], inList[1]]).toEqual(inGraph);
+    await expect.poll(async () => Object.keys(await inkOf(page, ".curves"))).toEqual(
+      expect.arrayContaining(inGraph.map((text) => text.match(/\d+/g)!.join(","))));
+    await cell(page, "o8").click(); // alone, it has the colours of its mode
+    expect(await page.locator(".legend-swatch.small").count()).toBe(0);
+    expect(await row(page, "o8").locator(".swatch").evaluate((e) => getComputedStyle(e).backgroundImage)).toContain("gradient");
+  });
+
   test("marks the object whose sample is pointed at", async () => {
     const page = await browser.open(figures());
     await page.evaluate(() => window.vantorelixViewer.store.set({ hover: { trail: 2, sample: 3 } }));
     expect(await row(page, "Foot.L").getAttribute("data-hovered")).toBe("");
     expect(await page.locator("[data-hovered]").count()).toBe(1);
   });
+});
+
+describe("the list as a hierarchy", () => {
+  const shape = (page: Page) => page.locator(".object").evaluateAll((all) =>
+    all.map((e) => `${"  ".repeat(Number(e.getAttribute("aria-level")) - 1)}${e.querySelector(".name")!.textContent}`));
+  const twisty = (page: Page, name: string) => row(page, name).locator(".twisty");
+  const MOVING = ["rig", "  hips", "    spine", "      head", "    leg"];
+  const ALL = ["rig", "  cam", "    aim", "  hips", "    spine", "      head", "    leg", "light"];
+
+  test("lists what moves and what it hangs from, and says how much it leaves out", async () => {
+    const page = await browser.open(tree());
+    expect(await shape(page)).toEqual(MOVING);
+    expect(await page.locator(".left-out").textContent()).toBe("4 left out");
+    expect(await row(page, "rig").getAttribute("data-path")).toBe("");
+    await page.getByRole("checkbox", { name: "Moving only" }).uncheck();
+    expect(await shape(page)).toEqual(ALL.filter((name) => name !== "    aim")); // what is still is folded
+    expect(await page.locator(".left-out").textContent()).toBe("4 do not move");
+    await page.getByRole("button", { name: "Open all" }).click();
+    expect(await shape(page)).toEqual(ALL);
+  });
+
+  test("folds by pointer and by keyboard, one or all", async () => {
+    const page = await browser.open(tree(), { hash: "select=" });
+    await twisty(page, "hips").click();
+    expect(await shape(page)).toEqual(["rig", "  hips"]);
+    expect(await row(page, "hips").getAttribute("aria-expanded")).toBe("false");
+    await expectState(page, "selected", []);
+    await cell(page, "hips").focus();
+    await press(page, "ArrowRight");
+    expect(await shape(page)).toEqual(MOVING);
+    await cell(page, "head").focus();
+    await press(page, "ArrowLeft", "ArrowLeft"); // to the spine, which folds
+    expect(await shape(page)).toEqual(["rig", "  hips", "    spine", "    leg"]);
+    expect(await page.evaluate(() => document.activeElement!.querySelector(".name")!.textContent)).toBe("spine");
+    await page.getByRole("button", { name: "Fold all" }).click();
+    expect(await shape(page)).toEqual(["rig"]);
+    await twisty(page, "rig").click();
+    expect(await shape(page)).toEqual(["rig", "  hips"]); // the rest stays folded
+    await page.getByRole("button", { name: "Open all" }).click();
+    expect(await shape(page)).toEqual(MOVING);
+  });
+
+  test("a search opens what it finds, with what that hangs from, and leaves the rest folded for later", async () => {
+    const page = await browser.open(tree(), { hash: "fold=0-7" });
+    expect(await shape(page)).toEqual(["rig"]);
+    await page.getByRole("searchbox").fill("head");
+    expect(await shape(page)).toEqual(["rig", "  hips", "    spine", "      head"]);
+    expect(await page.locator(".object:not([data-path]) .name").allTextContents()).toEqual(["head"]);
+    await page.getByRole("button", { name: "All", exact: true }).click();
+    await expectState(page, "selected", [5]);
+    await page.getByRole("searchbox").fill("");
+    await page.getByRole("button", { name: "None" }).click();
+    await page.getByRole("searchbox").fill("aim");
+    expect(await page.locator(".none").first().textContent()).toBe(
+      "Of what moves, no name matches the search. One object that does not move would: turn off “Moving only”.");
+    await page.getByRole("searchbox").fill("");
+    expect((await shape(page)).length).toBeLessThan(8);
+  });
+
+  test("shows what is selected elsewhere, though it was folded", async () => {
+    const page = await browser.open(tree(), { hash: "select=&fold=0.3.4" });
+    await page.evaluate(() => window.vantorelixViewer.store.set({ selected: new Set([5]) }));
+    expect(await shape(page)).toEqual(MOVING);
+  });
+
+  test("says what does not move, and what may only turn", async () => {
+    const page = await browser.open(tree(), { hash: "moving=0&fold=" });
+    expect(await cell(page, "light").getAttribute("title")).toBe("|light\ndoes not move");
+    expect(await cell(page, "aim").getAttribute("title")).toBe("|rig|cam|aim\nhas keys but does not travel: it may only turn");
+    expect(await cell(page, "hips").getAttribute("title")).toBe("|rig|hips");
+    expect(await row(page, "aim").getByRole("img", { name: "has keys but does not travel: it may only turn" }).isVisible()).toBe(true);
+    expect(await page.locator(".still:visible").allTextContents()).toEqual(["still", "still", "turns?", "still"]);
+  });
+
+  test("keeps deep names readable", async () => {
+    const chain = Array.from({ length: 21 }, (_, i) => arc(`joint_${i}`, { parent: i > 0 ? `|joint_${i - 1}` : undefined }));
+    const page = await browser.open({ trails: chain });
+    const widths = await page.locator(".object .name").evaluateAll((all) => all.map((e) => [e.scrollWidth, e.clientWidth]));
+    expect(widths.length).toBe(21);
+    for (const [wanted, given] of widths) expect(given).toBeGreaterThanOrEqual(wanted);
+    const x = await page.locator(".object .name").evaluateAll((all) => all.map((e) => e.getBoundingClientRect().x));
+    for (let i = 1; i < x.length; ++i) expect(x[i] - x[i - 1]).toBeGreaterThan(2);
+  });
+
+  test("is the same when a link is opened", async () => {
+    const page = await browser.open(tree());
+    await page.getByRole("checkbox", { name: "Moving only" }).uncheck();
+    await twisty(page, "hips").click();
+    const left = await shape(page);
+    await expect.poll(() => page.evaluate(() => location.hash)).toContain("moving=0&fold=1.3");
+    await page.reload();
+    await page.waitForSelector("html[data-ready=true]", { state: "attached" });
+    expect(await shape(page)).toEqual(left);
+    await page.getByRole("searchbox").fill("e");
+    await expect.poll(() => page.evaluate(() => location.hash)).toContain("search=e");
+  });
+});
+
+test("objects of the same name have buttons of different names", async () => {
+  const page = await browser.open({ trails: ["|a|hand", "|b|hand"].map((source) => arc("hand", { source })) });
+  expect(await page.locator(".toggle").evaluateAll((all) => all.map((e) => e.getAttribute("aria-label")))).toEqual(
+    ["Show a|hand", "Solo a|hand", "Show b|hand", "Solo b|hand"]);
 });
 
 describe("the list by keyboard", () => {
@@ -126,10 +242,10 @@ describe("the list by keyboard", () => {
     expect(await focused(page)).toBe("Foot.L");
     await press(page, "End", "ArrowUp", "ArrowUp");
     expect(await focused(page)).toBe("hand_R");
-    await press(page, "ArrowLeft");
-    expect(await focused(page)).toBe("Solo hand_R");
-    await press(page, "ArrowLeft", "ArrowLeft", "ArrowUp");
-    expect(await focused(page)).toBe("Show hand_L");
+    await press(page, "ArrowRight");
+    expect(await focused(page)).toBe("Show hand_R");
+    await press(page, "ArrowRight", "ArrowRight", "ArrowUp");
+    expect(await focused(page)).toBe("Solo hand_L");
     expect(await page.locator('.objects [tabindex="0"]').count()).toBe(1);
     await expectState(page, "frame", 1); // the arrows were the list's
   });
@@ -151,10 +267,10 @@ describe("the list by keyboard", () => {
   test("presses the buttons of a row", async () => {
     const page = await browser.open(figures());
     await cell(page, "hand_L").focus();
-    await press(page, "ArrowDown", "ArrowLeft", "Enter");
-    await expectState(page, "solo", [1]);
-    await press(page, "ArrowLeft", " ");
+    await press(page, "ArrowDown", "ArrowRight", "Enter");
     await expectState(page, "hidden", [1]);
+    await press(page, "ArrowRight", " ");
+    await expectState(page, "solo", [1]);
     await expectState(page, "playing", false);
   });
 

@@ -167,6 +167,106 @@ describe("the timeline", () => {
   });
 });
 
+describe("the time that is seen", () => {
+  const span = async (page: Page) => (await stateOf(page, "timeSpan")) as [number, number] | null;
+  const hoverAt = async (page: Page, selector: string, frame: number) => {
+    const box = (await page.locator(selector).boundingBox())!;
+    await page.mouse.move(box.x + frameX(frame), box.y + box.height - 8);
+  };
+  const spanX = (frame: number, [first, last]: [number, number]) => frameScale(first, last, 1280).x(frame);
+
+  for (const selector of [".track", ".plot"])
+    test(`is zoomed by the wheel over ${selector}, at the pointer, and is whole again by double click`, async () => {
+      const page = await browser.open(figures(), { hash: "select=0" });
+      await hoverAt(page, selector, 8);
+      await page.mouse.wheel(0, -400);
+      await expect.poll(() => span(page)).not.toBeNull();
+      const seen = (await span(page))!;
+      expect(seen[1] - seen[0]).toBeCloseTo(23 * Math.exp(-0.8), 6);
+      expect(Math.abs(spanX(8, seen) - frameX(8))).toBeLessThan(1); // the pointer is on whole pixels
+      for (const place of [".track", ".plot"]) { // both show the same
+        const box = (await page.locator(place).boundingBox())!;
+        await page.mouse.click(box.x + spanX(10, seen), box.y + box.height - 8);
+        await expectState(page, "frame", 10);
+        await page.mouse.click(box.x + spanX(7, seen), box.y + box.height - 8);
+        await expectState(page, "frame", 7);
+      }
+      await page.locator(selector).dblclick({ position: { x: 500, y: 40 } });
+      expect(await span(page)).toBeNull();
+    });
+
+  test("moves with Shift and the wheel, and with the middle button", async () => {
+    const page = await browser.open(figures(), { hash: "time=5,11" });
+    await hoverAt(page, ".plot", 12);
+    await page.keyboard.down("Shift");
+    await page.mouse.wheel(0, (1280 - 64 - 32) / 3); // a third of what is seen
+    await expect.poll(async () => (await span(page))![0]).toBeCloseTo(7, 6);
+    await page.keyboard.up("Shift");
+    const { x, y } = (await page.locator(".track").boundingBox())!;
+    await page.mouse.move(x + 600, y + 40);
+    await page.mouse.down({ button: "middle" });
+    await page.mouse.move(x + 600 + (1280 - 64 - 32) / 6, y + 40);
+    await page.mouse.up({ button: "middle" });
+    expect((await span(page))!.map((frame) => Number(frame.toFixed(6)))).toEqual([6, 12]);
+    await expectState(page, "frame", 1); // nothing of this is a step in time
+  });
+
+  test("changes by buttons and by keys", async () => {
+    const page = await browser.open(figures(), { hash: "frame=1" });
+    const whole = page.getByRole("button", { name: "Show all of the time" });
+    expect(await whole.isDisabled()).toBe(true);
+    await page.getByRole("button", { name: "Show less time, larger" }).click();
+    expect((await span(page))![1]).toBeCloseTo(1 + 23 / 1.5, 9);
+    await press(page, "t");
+    expect((await span(page))![1]).toBeCloseTo(1 + 23 / 2.25, 9);
+    await press(page, "b");
+    expect((await span(page))![0]).toBeCloseTo(1 + 23 / 4.5, 9);
+    await press(page, "v", "Shift+T");
+    expect((await span(page))![1]).toBeCloseTo(1 + 23 / 1.5, 9);
+    await whole.click();
+    expect(await span(page)).toBeNull();
+  });
+
+  test("is pinched with two fingers", async () => {
+    const page = await browser.open(figures());
+    const { x, y } = (await page.locator(".plot").boundingBox())!;
+    const frameAt500 = Math.round(frameScale(1, 24, 1280).frame(500));
+    const session = await page.context().newCDPSession(page);
+    const touch = (type: "touchStart" | "touchMove" | "touchEnd", ...places: number[]) =>
+      session.send("Input.dispatchTouchEvent", { type, touchPoints: places.map((at, id) => ({ x: x + at, y: y + 40, id })) });
+    await touch("touchStart", 500, 700);
+    await touch("touchMove", 400, 800);
+    await touch("touchEnd");
+    await expect.poll(() => span(page)).not.toBeNull();
+    const [first, last] = (await span(page))!;
+    expect(last - first).toBeCloseTo(11.5, 6);
+    expect(spanX(frameScale(1, 24, 1280).frame(600), [first, last])).toBeCloseTo(600, 4);
+    await expectState(page, "frame", frameAt500); // that of the first finger
+  });
+
+  test("follows the current frame", async () => {
+    const page = await browser.open(figures(), { hash: "time=1,8&frame=8" });
+    await press(page, "ArrowRight");
+    const seen = (await span(page))!;
+    expect(seen[0]).toBeGreaterThan(8);
+    expect(seen[0]).toBeLessThanOrEqual(9);
+    await page.evaluate(() => window.vantorelixViewer.store.set({ playing: true }));
+    await expect.poll(async () => (await span(page))![1], { timeout: 5000 }).toBe(24);
+    await page.evaluate(() => window.vantorelixViewer.store.set({ playing: false }));
+  });
+
+  test("hides the ends of the range that it does not have, and is kept in the address", async () => {
+    const page = await browser.open(figures(), { hash: "time=5,11" });
+    expect(await page.locator(".handle:visible").count()).toBe(0);
+    await press(page, "w");
+    expect(await page.locator(".handle:visible").count()).toBe(2);
+    await press(page, "t");
+    await expect.poll(() => page.evaluate(() => location.hash)).toMatch(/time=1%2C16\.33/);
+    const wrong = await browser.open(figures(), { hash: "time=9,3" });
+    expect(await span(wrong)).toBeNull();
+  });
+});
+
 describe("the spacing graph", () => {
   test("says in words what it draws", async () => {
     const page = await browser.open(figures(), { hash: "select=2" });

@@ -1,9 +1,14 @@
 import { describe, expect, test } from "vitest";
+import { markColor, objectColor } from "../src/model/colors";
 import { frameText, lengthText, unitName } from "../src/model/format";
+import { hierarchyOf } from "../src/model/hierarchy";
+import { distinctNames } from "../src/model/names";
+import { outline } from "../src/model/outline";
+import { following, panned, zoomed } from "../src/model/time_span";
 import { frameScale, LEFT, niceStep, RIGHT, ticks } from "../src/panels/frame_scale";
 import { summary } from "../src/panels/graph";
 import { curveOf, extremes } from "../src/panels/graph_curves";
-import { matcher } from "../src/panels/search";
+import { matcher } from "../src/model/search";
 import { isCrowded, keyPlaces } from "../src/panels/timeline_drawing";
 import type { Trail } from "../src/source/trail";
 import { makeApp } from "./support/app";
@@ -129,6 +134,76 @@ describe("key marks", () => {
     expect(isCrowded([0, 12, 24], 11)).toBe(false);
     expect(isCrowded([5], 11)).toBe(false);
   });
+});
+
+describe("names", () => {
+  const names = (...sources: string[]) => distinctNames(sources.map((source) => ({ name: source.split("|").pop()!, source }) as Trail));
+
+  test("are told apart by as much of the path as that needs", () => {
+    expect(names("|a|x", "|b|y")).toEqual(["x", "y"]);
+    expect(names("|a|x", "|b|x", "|b|y")).toEqual(["a|x", "b|x", "y"]);
+    expect(names("|l|arm|x", "|r|arm|x", "|r|leg|x")).toEqual(["l|arm|x", "r|arm|x", "leg|x"]);
+    expect(names("|x", "|g|x")).toEqual(["x", "g|x"]);
+  });
+});
+
+describe("the outline", () => {
+  const trails = (...parents: (string | null)[]) => parents.map((parent, i) => ({ source: `${i}`, parent }) as Trail);
+  const rows = (list: Trail[], fits: (i: number) => boolean, folded: number[]) =>
+    outline(hierarchyOf(list), fits, (i) => folded.includes(i)).map(({ trail, depth, fits, open, place, siblings }) =>
+      [trail, depth, fits, open, `${place}/${siblings}`]);
+
+  test("puts what hangs from an object under it, though it comes earlier in the scene", () => {
+    expect(rows(trails("2", null, null, "2"), () => true, [])).toEqual([
+      [1, 0, true, undefined, "1/2"], [2, 0, true, true, "2/2"], [0, 1, true, undefined, "1/2"], [3, 1, true, undefined, "2/2"]]);
+  });
+
+  test("leaves out what does not fit, but for what leads to what fits", () => {
+    expect(rows(trails(null, "0", "1", "0"), (i) => i === 2, [])).toEqual([
+      [0, 0, false, true, "1/1"], [1, 1, false, true, "1/1"], [2, 2, true, undefined, "1/1"]]);
+    expect(rows(trails(null, "0", "1", "0"), (i) => i === 2, [1])).toEqual([[0, 0, false, true, "1/1"], [1, 1, false, false, "1/1"]]);
+  });
+});
+
+describe("the colours that mark objects", () => {
+  test("differ among eight that are selected, and are their own where they can be", () => {
+    const selected = new Set([0, 8, 1, 16, 2, 3, 4, 5]);
+    const colors = [...selected].map((trail) => markColor(trail, selected));
+    expect(new Set(colors).size).toBe(8);
+    expect(markColor(0, selected)).toBe(objectColor(0));
+    expect(markColor(9, selected)).toBe(objectColor(1)); // not selected
+    const few = new Set([4, 12]);
+    expect([markColor(4, few), markColor(12, few)]).toEqual([objectColor(4), objectColor(5)]);
+  });
+});
+
+describe("the part of the time that is seen", () => {
+  const whole = [1, 101] as const;
+
+  test("is zoomed around a frame, which keeps its place", () => {
+    const [first, last] = zoomed(whole, whole, 26, 0.5)!;
+    expect([first, last]).toEqual([13.5, 63.5]);
+    expect((26 - first) / (last - first)).toBe(0.25);
+    expect(zoomed([13.5, 63.5], whole, 26, 4)).toBeNull(); // everything
+    expect(zoomed([10, 13], whole, 11, 0.1)).toEqual([11 - 2 / 3, 13 - 2 / 3]); // never under two frames
+  });
+
+  test("stays within the whole", () => {
+    expect(panned([20, 40], whole, 500)).toEqual([81, 101]);
+    expect(panned([20, 40], whole, -500)).toEqual([1, 21]);
+  });
+
+  test("turns on to a frame that leaves it", () => {
+    expect(following([20, 40], whole, 30)).toEqual([20, 40]);
+    expect(following([20, 40], whole, 41)).toEqual([40, 60]);
+    expect(following([50, 70], whole, 49)).toEqual([30, 50]);
+    expect(following([50, 70], whole, 5)).toEqual([4, 24]); // from far away, as where playing begins again
+  });
+});
+
+test("numbers of any size can be read", () => {
+  expect([1e300, 1e-30, 1e12, 88.99992, -1.23456e20, 0, 12345678].map(lengthText)).toEqual(["1e300", "1e-30", "1e12", "89", "-1.235e20", "0", "1.235e7"]);
+  expect([1e300, 1e-30, 1e12, 88.99992, -0.0001].map(frameText)).toEqual(["1e300", "0", "1000000000000", "89", "0"]);
 });
 
 test("numbers have the digits that count", () => {

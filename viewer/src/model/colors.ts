@@ -145,3 +145,27 @@ export const OBJECT_COLORS: readonly string[] = [
   "#e69f00", "#56b4e9", "#009e73", "#cc79a7", "#d55e00", "#0072b2", "#b8a910", "#8a6fd1",
 ];
 export const objectColor = (trail: number): string => OBJECT_COLORS[trail % OBJECT_COLORS.length];
+
+let marked: { of: ReadonlySet<number>; colors: ReadonlyMap<number, string> } = { of: new Set(), colors: new Map() };
+
+function spread(selected: ReadonlySet<number>): ReadonlyMap<number, string> {
+  const found = new Map<number, string>();
+  const uses = new Map(OBJECT_COLORS.map((color) => [color, 0]));
+  for (const trail of [...selected].sort((a, b) => a - b)) {
+    const least = Math.min(...uses.values());
+    const own = OBJECT_COLORS.map((_, i) => objectColor(trail + i)).find((color) => uses.get(color) === least)!;
+    uses.set(own, least + 1);
+    found.set(trail, own);
+  }
+  return found;
+}
+
+/**
+ * The colour that marks an object in the list, in the graph and beside it in the viewport: its own, or the next one
+ * where another selected object has that. So up to eight selected objects have eight colours. One that is selected alone
+ * needs no mark: its curve has the colours of its trail.
+ */
+export function markColor(trail: number, selected: ReadonlySet<number>): string {
+  if (marked.of !== selected) marked = { of: selected, colors: spread(selected) };
+  return marked.colors.get(trail) ?? objectColor(trail);
+}

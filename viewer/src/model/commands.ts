@@ -8,6 +8,7 @@ import { baseName } from "./format";
 import { bestDirection, framing } from "./framing";
 import { movedTarget, visibleTrails } from "./pose";
 import { isVisible, toggled, type ViewName } from "./state";
+import { panTime, seenTime, zoomTime } from "./time_span";
 
 export interface Command {
   readonly id: string;
@@ -109,6 +110,12 @@ function setMode(app: App, mode: ColorMode): void {
 const fileName = (app: App, ending: string) =>
   (baseName(app.scene.name).replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
 
+/** Moves what the timeline shows by half of it. */
+function turnTime(app: App, direction: 1 | -1): void {
+  const [first, last] = seenTime(app);
+  panTime(app, (direction * (last - first)) / 2);
+}
+
 const view = (id: ViewName, title: string, key: string): Command => ({
   id: `view-${id}`, title, keys: [key], run: (app) => look(app, id),
 });
@@ -132,6 +139,11 @@ export const COMMANDS: readonly Command[] = [
     run: (app) => app.store.set({ playLast: Math.max(app.store.state.frame, app.store.state.playFirst) }) },
   { id: "range-all", title: "Whole range", keys: ["p"],
     run: (app) => app.store.set({ playFirst: app.scene.first, playLast: app.scene.last }) },
+  { id: "time-in", title: "Show less time, larger", keys: ["t"], run: (app) => zoomTime(app, 1 / 1.5) },
+  { id: "time-out", title: "Show more time", keys: ["Shift+T"], run: (app) => zoomTime(app, 1.5) },
+  { id: "time-all", title: "Show all of the time", keys: ["w"], run: (app) => app.store.set({ timeSpan: null }) },
+  { id: "time-earlier", title: "Show earlier time", keys: ["v"], run: (app) => turnTime(app, -1) },
+  { id: "time-later", title: "Show later time", keys: ["b"], run: (app) => turnTime(app, 1) },
   { id: "frame-selected", title: "Frame what is selected", keys: ["f"], run: frameSelected },
   { id: "frame-all", title: "Frame all", keys: ["a"],
     run: (app) => frameTrails(app, visibleTrails(app.motion, app.store.state)) },
@@ -189,6 +201,9 @@ export function keyName({ key, code, shiftKey }: Pick<KeyboardEvent, "key" | "co
   return key.length > 1 || /\p{L}/u.test(key) ? `Shift+${key.length > 1 ? key : key.toUpperCase()}` : key;
 }
 
+/** Whether a key types something: such keys can be switched off, for who dictates. Space is for pressing. */
+export const typesCharacter = ({ key }: Pick<KeyboardEvent, "key">): boolean => key.length === 1 && key !== " ";
+
 /** A key as a person reads it. */
 export const keyLabel = (key: string): string =>
   key.replace("Arrow", "").replace("Right", "→").replace("Left", "←").replace(/^ $/, "Space").replace(/^[a-z]$/, (k) => k.toUpperCase());
@@ -203,7 +218,7 @@ export function listenToKeys(app: App): void {
     if (event.key === " " && target.closest("button, input, summary, a")) return;
     if (/^(Arrow|Home|End)/.test(event.key) && target.closest("[data-own-arrows], input[type=radio]")) return;
     const found = byKey.get(keyName(event));
-    if (!found) return;
+    if (!found || (typesCharacter(event) && !app.store.state.letterKeys)) return;
     event.preventDefault();
     found.run(app);
   });

@@ -2,11 +2,24 @@
 
 export const unitName = (unit: string): string => (unit === "unknown" ? "units" : unit);
 
-export const frameText = (frame: number): string => String(Number(frame.toFixed(3)));
+/** Beyond these, a number is written with its power of ten: nobody counts zeros. */
+const [LEAST, MOST] = [1e-4, 1e7];
+
+const short = (text: string) => text.replace("e+", "e");
 
 /** A number with so many digits that count; "none" for what is not finite. */
-export const numberText = (value: number, digits: number): string =>
-  Number.isFinite(value) ? String(Number(value.toPrecision(digits))) : "none";
+export function numberText(value: number, digits: number): string {
+  if (!Number.isFinite(value)) return "none";
+  const rounded = Number(value.toPrecision(digits));
+  const size = Math.abs(rounded);
+  return short(size !== 0 && (size < LEAST || size >= MOST) ? rounded.toExponential() : String(rounded));
+}
+
+/** Frames differ by little however large they are, and a thousandth of one is nothing. */
+export const frameText = (frame: number): string => {
+  const rounded = Number(frame.toFixed(3));
+  return short(String(Math.abs(rounded) >= 1e15 ? Number(rounded.toPrecision(9)) : rounded || 0));
+};
 
 export const lengthText = (value: number): string => numberText(value, 4);
 

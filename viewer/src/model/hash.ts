@@ -3,6 +3,7 @@
 
 import type { ColorMode, Vec3 } from "../source/trail";
 import type { CameraPose, ViewState } from "./state";
+import { within, type TimeSpan } from "./time_span";
 
 interface Field<K extends keyof ViewState> {
   name: string;
@@ -87,6 +88,16 @@ const mode = {
   read: (text: string): ColorMode | undefined => (/^[0-3]$/.test(text) ? (Number(text) as ColorMode) : undefined),
 };
 
+const text = { write: (value: string) => value, read: (value: string): string | undefined => value.slice(0, 200) };
+
+const span = {
+  write: ([first, last]: TimeSpan) => `${rounded(first)},${rounded(last)}`,
+  read(value: string): TimeSpan | undefined {
+    const [first, last, ...more] = value.split(",").map(finite);
+    return first !== undefined && last !== undefined && more.length === 0 && first < last ? [first, last] : undefined;
+  },
+};
+
 const FIELDS: Fields = {
   frame: { name: "frame", ...number },
   playFirst: { name: "from", ...number },
@@ -116,6 +127,13 @@ const FIELDS: Fields = {
   onionAfter: { name: "onionAfter", ...count(0) },
   palette: { name: "palette", ...oneOf("engine", "safe") },
   theme: { name: "theme", ...oneOf("auto", "light", "dark") },
+  search: { name: "search", ...text },
+  movingOnly: { name: "moving", ...flag },
+  folded: { name: "fold", ...indices },
+  timeSpan: { name: "time", ...optional(span) },
+  showList: { name: "list", ...optional(flag) },
+  showSettings: { name: "settings", ...optional(flag) },
+  letterKeys: { name: "letters", ...flag },
 };
 
 /** The fields that a hash keeps. */
@@ -142,12 +160,11 @@ export function readHash(hash: string, initial: ViewState, trailCount: number): 
     if (value !== undefined) result[key] = value;
   }
   const patch = result as { -readonly [K in keyof ViewState]?: ViewState[K] };
-  const within = (frame: number | undefined) =>
-    frame === undefined ? undefined : Math.max(initial.playFirst, Math.min(initial.playLast, frame));
   for (const key of ["frame", "playFirst", "playLast"] as const) {
-    const frame = within(patch[key]);
-    if (frame !== undefined) patch[key] = frame;
+    const frame = patch[key];
+    if (frame !== undefined) patch[key] = Math.max(initial.playFirst, Math.min(initial.playLast, frame));
   }
+  if (patch.timeSpan) patch.timeSpan = within(patch.timeSpan, [initial.playFirst, initial.playLast]);
   if ((patch.playFirst ?? initial.playFirst) > (patch.playLast ?? initial.playLast)) {
     delete patch.playFirst;
     delete patch.playLast;

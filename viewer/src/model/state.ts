@@ -5,6 +5,8 @@ import type { ColorMode, Scene, Vec3 } from "../source/trail";
 import type { Palette } from "./colors";
 import { firstSelection } from "./first_look";
 import type { Motion } from "./motion";
+import { stillBranches } from "./outline";
+import type { TimeSpan } from "./time_span";
 
 export type ViewName = "persp" | "front" | "side" | "top";
 export type Theme = "auto" | "light" | "dark";
@@ -64,6 +66,17 @@ export interface ViewState {
   readonly palette: Palette;
   readonly theme: Theme;
   readonly search: string;
+  /** Whether the list leaves out what does not move. */
+  readonly movingOnly: boolean;
+  /** Trails in the list below which nothing is listed. */
+  readonly folded: ReadonlySet<number>;
+  /** What the timeline and the graph show; null: all of the scene's time. */
+  readonly timeSpan: TimeSpan | null;
+  /** Whether a panel is open; null: where there is room for it. */
+  readonly showList: boolean | null;
+  readonly showSettings: boolean | null;
+  /** Whether keys that type a character do anything. */
+  readonly letterKeys: boolean;
   /** The sample under the pointer, in the viewport or in the graph. */
   readonly hover: Hover | null;
 }
@@ -101,6 +114,12 @@ export function initialState(scene: Scene, motion: Motion, camera: CameraPose): 
     palette: "engine",
     theme: "auto",
     search: "",
+    movingOnly: true,
+    folded: stillBranches(motion),
+    timeSpan: null,
+    showList: null,
+    showSettings: null,
+    letterKeys: true,
     hover: null,
   };
 }

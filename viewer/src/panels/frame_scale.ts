@@ -1,5 +1,8 @@
 // Where frames are, from left to right: the same for the timeline and for the graph under it.
 
+import type { App } from "../model/app";
+import { seenTime } from "../model/time_span";
+
 /** Room for the numbers of the graph's axis, and for the handles at the ends of the range. */
 export const LEFT = 64;
 export const RIGHT = 32;
@@ -8,6 +11,12 @@ export interface FrameScale {
   x(frame: number): number;
   frame(x: number): number;
   readonly pixelsPerFrame: number;
+}
+
+/** Of the part of the time that is seen. */
+export function seenScale(app: App, width: number): FrameScale {
+  const [first, last] = seenTime(app);
+  return frameScale(first, last, width);
 }
 
 export function frameScale(first: number, last: number, width: number): FrameScale {
@@ -19,6 +28,12 @@ export function frameScale(first: number, last: number, width: number): FrameSca
     pixelsPerFrame,
   };
 }
+
+/** Whether a frame is between the two ends of the picture. */
+export const isSeen = (app: App, frame: number): boolean => {
+  const [first, last] = seenTime(app);
+  return frame >= first && frame <= last;
+};
 
 /** The smallest of 1, 2, 5, 10, 20 ... (also .1, .2, .5 ...) that is not below `least`. */
 export function niceStep(least: number): number {

@@ -2,14 +2,17 @@
 
 import type { App } from "../model/app";
 import { goTo } from "../model/commands";
-import { objectColor } from "../model/colors";
+import { markColor } from "../model/colors";
 import { frameText, lengthText, unitName } from "../model/format";
 import { nearestSample, sampleFrame } from "../model/motion";
+import { distinctNames } from "../model/names";
 import type { Hover } from "../model/state";
 import { el, setAttributes, setText } from "./dom";
 import { extremes } from "./graph_curves";
 import { drawCurves, drawMoving, largestSpacing, placeOf, type Place } from "./graph_drawing";
 import { Layer, onDrag } from "./layer";
+import { zoomsTime } from "./time_zoom";
+import { frameAt } from "./timeline";
 
 /** The most curves that are drawn: nobody could tell more apart. */
 const MOST_CURVES = 50;
@@ -26,25 +29,27 @@ export function summary(app: App, trails: readonly number[]): string {
   if (trails.length === 0) return "Spacing graph: nothing is selected.";
   const sentences = trails.slice(0, MOST_NAMES).map((index) => {
     const trail = motion.trails[index];
+    const name = distinctNames(motion.trails)[index];
     const spacing = motion.spacing(index);
     const found = extremes(spacing);
-    if (!found) return `${trail.name} has no spacing.`;
+    if (!found) return `${name} has no spacing.`;
     const at = (i: number) => `${perFrame(app, spacing[i])} from frame ${frameText(sampleFrame(trail, i))}`;
-    return `${trail.name}: fastest ${at(found.fastest)}, slowest ${at(found.slowest)}.`;
+    return `${name}: fastest ${at(found.fastest)}, slowest ${at(found.slowest)}.`;
   });
   if (trails.length > MOST_NAMES) sentences.push(`And ${trails.length - MOST_NAMES} more.`);
   return `Spacing graph. ${sentences.join(" ")}`;
 }
 
 function names(app: App, trails: readonly number[]): Node[] {
+  const called = distinctNames(app.motion.trails);
   const item = (index: number) => {
     const swatch = el("span", { class: "legend-swatch small", "aria-hidden": "true" });
-    swatch.style.background = objectColor(index);
-    return el("li", {}, swatch, el("span", { class: "name" }, app.motion.trails[index].name));
+    swatch.style.background = markColor(index, app.store.state.selected);
+    return el("li", { title: app.motion.trails[index].source }, swatch, el("span", { class: "name" }, called[index]));
   };
+  if (trails.length < 2) return trails.map((index) => el("li", {}, el("span", { class: "name" }, called[index]))); // in its trail's colours
   const more = app.store.state.selected.size - Math.min(trails.length, MOST_NAMES);
   const rest = app.store.state.selected.size > trails.length ? `and ${more} more; the first ${trails.length} are drawn` : `and ${more} more`;
-  if (trails.length < 2) return trails.map((index) => el("li", {}, el("span", { class: "name" }, app.motion.trails[index].name)));
   return [...trails.slice(0, MOST_NAMES).map(item), ...(more > 0 ? [el("li", {}, rest)] : [])];
 }
 
@@ -68,7 +73,7 @@ function reading(app: App, trails: readonly number[]): string {
   const of = app.motion.trails[trail];
   if (!of) return "";
   const sample = hover?.sample ?? nearestSample(of, frame);
-  const named = trails.length === 1 && trail === trails[0] ? "Frame" : `${of.name}, frame`;
+  const named = trails.length === 1 && trail === trails[0] ? "Frame" : `${distinctNames(app.motion.trails)[trail]}, frame`;
   return `${named} ${frameText(sampleFrame(of, sample))}: ${perFrame(app, app.motion.speed(trail, sample))}`;
 }
 
@@ -112,9 +117,11 @@ export function buildGraph(app: App): Graph {
     if (found?.trail !== hover?.trail || found?.sample !== hover?.sample) store.set({ hover: found });
   });
   plot.addEventListener("pointerleave", () => store.set({ hover: null }));
-  onDrag(plot, (x) => goTo(app, Math.round(place().scale.frame(x))));
+  zoomsTime(app, plot);
+  onDrag(plot, (x) => goTo(app, frameAt(app, place().scale, x)));
   store.subscribe(follow, ["frame", "hover"]);
   store.subscribe(redraw, ["selected", "relativeTo", "palette", "theme"]);
+  store.subscribe(() => (curves.invalidate(), moving.invalidate()), ["timeSpan"]);
   redraw();
   const unit = `Spacing, ${unitName(app.scene.unit)} per frame`;
   const element = el(

@@ -1,11 +1,11 @@
 // How the graph of spacing looks: the curves, which change with the selection, and above them what moves.
 
 import type { App } from "../model/app";
-import { objectColor, rgbText, trailColors } from "../model/colors";
+import { markColor, rgbText, trailColors } from "../model/colors";
 import { lengthText } from "../model/format";
 import { nearestSample, sampleFrame } from "../model/motion";
 import type { Hover } from "../model/state";
-import { frameScale, LEFT, niceStep, RIGHT, ticks, type FrameScale } from "./frame_scale";
+import { isSeen, LEFT, niceStep, RIGHT, seenScale, ticks, type FrameScale } from "./frame_scale";
 import { curveOf, extremes, type Curve } from "./graph_curves";
 import { styleColors } from "./theme";
 import { isCrowded, keyPlaces } from "./timeline_drawing";
@@ -37,7 +37,7 @@ export function placeOf(app: App, largest: number, width: number, height: number
   const step = niceStep(reach / Math.max(2, Math.floor((height - TOP - BOTTOM) / 34)));
   const most = Math.ceil(reach / step - 1e-6) * step; // rounding opens no new step
   return {
-    scale: frameScale(app.scene.first, app.scene.last, width), most, step,
+    scale: seenScale(app, width), most, step,
     y: (value) => height - BOTTOM - (value / most) * (height - TOP - BOTTOM),
   };
 }
@@ -126,7 +126,7 @@ export function drawCurves(
     const { startFrame, frameStep } = motion.trails[index];
     const curve = curveOf({ spacing: motion.spacing(index), startFrame, frameStep }, place.scale, width);
     if (trails.length === 1) fillCurve(context, app, index, curve, place, colors.surface);
-    strokeCurve(context, curve, place, trails.length === 1 ? colors.text : objectColor(index), trails.length === 1 ? 1 : 1.75);
+    strokeCurve(context, curve, place, trails.length === 1 ? colors.text : markColor(index, app.store.state.selected), trails.length === 1 ? 1 : 2);
   }
   context.restore();
   drawAxis(context, place, width, colors);
@@ -145,7 +145,7 @@ function drawHover(context: Context, app: App, { trail, sample }: Hover, place: 
   if (!Number.isFinite(value)) return;
   context.beginPath();
   context.arc(x, place.y(value), 4.5, 0, 2 * Math.PI);
-  context.fillStyle = objectColor(trail);
+  context.fillStyle = markColor(trail, app.store.state.selected);
   context.fill();
   context.lineWidth = 2;
   context.strokeStyle = colors.text;
@@ -157,6 +157,7 @@ export function drawMoving(context: Context, app: App, place: Place, height: num
   const colors = styleColors("accent", "text", "surface");
   const { frame, hover } = app.store.state;
   context.fillStyle = colors.accent;
-  context.fillRect(Math.round(place.scale.x(frame)) - 1, 0, 2, height);
-  if (hover && app.motion.trails[hover.trail]) drawHover(context, app, hover, place, colors);
+  if (isSeen(app, frame)) context.fillRect(Math.round(place.scale.x(frame)) - 1, 0, 2, height);
+  const of = hover && app.motion.trails[hover.trail];
+  if (of && isSeen(app, sampleFrame(of, hover.sample))) drawHover(context, app, hover, place, colors);
 }

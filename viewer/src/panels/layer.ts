@@ -45,6 +45,6 @@ export function onDrag(element: HTMLElement, moved: (x: number, begins: boolean)
     moved(place(event), true);
   });
   element.addEventListener("pointermove", (event) => {
-    if (element.hasPointerCapture(event.pointerId)) moved(place(event), false);
+    if (event.buttons & 1 && element.hasPointerCapture(event.pointerId)) moved(place(event), false);
   });
 }

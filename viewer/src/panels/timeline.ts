@@ -5,9 +5,11 @@ import { command, goTo, shownKeyTimes } from "../model/commands";
 import { countUpTo } from "../model/colors";
 import { frameText } from "../model/format";
 import { el, setAttributes } from "./dom";
-import { frameScale, type FrameScale } from "./frame_scale";
+import { followFrame, seenTime } from "../model/time_span";
+import { isSeen, seenScale, type FrameScale } from "./frame_scale";
 import { Layer, onDrag } from "./layer";
 import { drawTimeline } from "./timeline_drawing";
+import { zoomsTime } from "./time_zoom";
 
 export interface Timeline {
   readonly element: HTMLElement;
@@ -32,6 +34,12 @@ function trackKeys(app: App, event: KeyboardEvent): void {
   event.preventDefault();
 }
 
+/** The whole frame that is at a place, among those that are seen. */
+export function frameAt(app: App, scale: FrameScale, x: number): number {
+  const [first, last] = seenTime(app);
+  return Math.max(Math.ceil(first), Math.min(Math.floor(last), Math.round(scale.frame(x))));
+}
+
 function buildTrack(app: App, canvas: HTMLCanvasElement, scale: () => FrameScale): HTMLElement {
   const { scene, store } = app;
   const track = el("div", {
@@ -39,7 +47,8 @@ function buildTrack(app: App, canvas: HTMLCanvasElement, scale: () => FrameScale
     "aria-valuemin": scene.first, "aria-valuemax": scene.last,
   }, canvas);
   track.addEventListener("keydown", (event) => trackKeys(app, event));
-  onDrag(track, (x) => goTo(app, Math.round(scale().frame(x))));
+  zoomsTime(app, track);
+  onDrag(track, (x) => goTo(app, frameAt(app, scale(), x)));
   const update = () => {
     const { frame } = store.state;
     const times = shownKeyTimes(app);
@@ -79,6 +88,7 @@ function buildHandle(app: App, end: "playFirst" | "playLast", scale: () => Frame
   const place = () => {
     const { playFirst, playLast } = store.state;
     element.style.left = `${scale().x(store.state[end])}px`;
+    element.hidden = !isSeen(app, store.state[end]);
     setAttributes(element, {
       "aria-valuemin": end === "playFirst" ? scene.first : playFirst, "aria-valuemax": end === "playFirst" ? playLast : scene.last,
       "aria-valuenow": frameText(store.state[end]), "aria-valuetext": `Frame ${frameText(store.state[end])}`,
@@ -88,16 +98,17 @@ function buildHandle(app: App, end: "playFirst" | "playLast", scale: () => Frame
 }
 
 export function buildTimeline(app: App): Timeline {
-  const { scene, store } = app;
+  const { store } = app;
   const layer = new Layer("timeline-layer", (context, width, height) => {
     handles.forEach((handle) => handle.place());
-    drawTimeline(context, app, frameScale(scene.first, scene.last, width), height);
+    drawTimeline(context, app, seenScale(app, width), width, height);
   });
-  const scale = () => frameScale(scene.first, scene.last, layer.width);
+  const scale = () => seenScale(app, layer.width);
   const handles = [buildHandle(app, "playFirst", scale), buildHandle(app, "playLast", scale)];
   const redraw = () => layer.invalidate();
-  store.subscribe(redraw, ["frame", "playFirst", "playLast", "selected", "hidden", "solo"]);
-  store.subscribe(() => handles.forEach((handle) => handle.place()), ["playFirst", "playLast"]);
+  store.subscribe(redraw, ["frame", "playFirst", "playLast", "selected", "hidden", "solo", "timeSpan"]);
+  store.subscribe(() => handles.forEach((handle) => handle.place()), ["playFirst", "playLast", "timeSpan"]);
+  followFrame(app);
   handles.forEach((handle) => handle.place());
   const element = el("div", { class: "timeline" }, buildTrack(app, layer.canvas, scale), ...handles.map((handle) => handle.element));
   return { element, redraw };

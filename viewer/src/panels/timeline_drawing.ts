@@ -3,7 +3,8 @@
 import type { App } from "../model/app";
 import { shownKeyTimes } from "../model/commands";
 import { frameText } from "../model/format";
-import { niceStep, ticks, type FrameScale } from "./frame_scale";
+import { seenTime } from "../model/time_span";
+import { frameScale, isSeen, niceStep, ticks, type FrameScale } from "./frame_scale";
 import { styleColors } from "./theme";
 
 /** From the top: the range with its handles, the keys, the numbers and ticks. */
@@ -25,9 +26,10 @@ function verticals(context: CanvasRenderingContext2D, places: readonly number[],
 }
 
 function drawRuler(context: CanvasRenderingContext2D, app: App, scale: FrameScale, height: number, colors: Record<"line" | "muted", string>): void {
-  const { first, last } = app.scene;
+  const [first, last] = seenTime(app);
   const small = niceStep(Math.max(1, CLOSEST / scale.pixelsPerFrame));
-  const large = niceStep(Math.max(small, 56 / scale.pixelsPerFrame));
+  const widest = Math.max(36, ...[first, last].map((frame) => context.measureText(frameText(Math.round(frame))).width));
+  const large = niceStep(Math.max(small, (widest + 20) / scale.pixelsPerFrame));
   context.lineWidth = 1;
   context.strokeStyle = colors.line;
   verticals(context, ticks(first, last, small).map(scale.x), height - 5, height);
@@ -44,8 +46,7 @@ export function keyPlaces(app: App, scale: FrameScale): number[] {
   const places: number[] = [];
   for (const time of shownKeyTimes(app)) {
     const x = scale.x(time);
-    const inside = time >= app.scene.first && time <= app.scene.last;
-    if (inside && !(x - places[places.length - 1] < 1)) places.push(x);
+    if (isSeen(app, time) && !(x - places[places.length - 1] < 1)) places.push(x);
   }
   return places;
 }
@@ -84,17 +85,36 @@ function drawNow(context: CanvasRenderingContext2D, x: number, height: number, t
   context.fillText(text, x, TEXT);
 }
 
-export function drawTimeline(context: CanvasRenderingContext2D, app: App, scale: FrameScale, height: number): void {
-  const colors = styleColors("line", "muted", "key", "accent", "on-accent", "track", "range");
-  const { frame, playFirst, playLast } = app.store.state;
-  const bar = (from: number, to: number, color: string) => {
+type Bar = (from: number, to: number, color: string) => void;
+
+/** Which part of all the time is seen: a line over the bar, as long as that part is of the whole. */
+function drawOverview(context: CanvasRenderingContext2D, app: App, width: number, color: string): void {
+  if (app.store.state.timeSpan === null) return;
+  const all = frameScale(app.scene.first, app.scene.last, width);
+  const [first, last] = seenTime(app);
+  context.fillStyle = color;
+  context.fillRect(all.x(first), 0, Math.max(6, all.x(last) - all.x(first)), 2);
+}
+
+/** From the handle at the start to that at the end; where one is out of sight, to the edge. */
+function drawRange(app: App, bar: Bar, colors: Record<"track" | "range", string>): void {
+  const [first, last] = seenTime(app);
+  const { playFirst, playLast } = app.store.state;
+  bar(first, last, colors.track);
+  const [from, to] = [Math.max(first, playFirst), Math.min(last, playLast)];
+  if (from <= to) bar(from, to, colors.range);
+}
+
+export function drawTimeline(context: CanvasRenderingContext2D, app: App, scale: FrameScale, width: number, height: number): void {
+  const colors = styleColors("line", "muted", "key", "accent", "on-accent", "track", "range", "edge");
+  const { frame } = app.store.state;
+  context.font = "12px system-ui, sans-serif";
+  drawRange(app, (from, to, color) => {
     context.fillStyle = color;
     context.fillRect(scale.x(from), RANGE.top, Math.max(1, scale.x(to) - scale.x(from)), RANGE.height);
-  };
-  context.font = "12px system-ui, sans-serif";
-  bar(app.scene.first, app.scene.last, colors.track);
-  bar(playFirst, playLast, colors.range);
+  }, colors);
+  drawOverview(context, app, width, colors.edge);
   drawRuler(context, app, scale, height, colors);
   drawKeys(context, app, scale, colors.key);
-  drawNow(context, scale.x(frame), height, frameText(frame), colors);
+  if (isSeen(app, frame)) drawNow(context, scale.x(frame), height, frameText(frame), colors);
 }

@@ -5,6 +5,7 @@ import { goTo } from "../model/commands";
 import { frameText } from "../model/format";
 import { commandButton, commandTitle, el, labelled, setAttributes, setText } from "./dom";
 import { setIcon, type IconName } from "./icons";
+import { timeZoomButtons } from "./time_zoom";
 
 const BUTTONS: readonly (readonly [id: string, icon: IconName])[] = [
   ["first-frame", "first"], ["previous-key", "previousKey"], ["previous-frame", "previous"], ["play", "play"],
@@ -69,6 +70,7 @@ export function buildTransport(app: App): HTMLElement {
     frameField(app, { text: "Frame", key: "frame", set: (frame) => goTo(app, frame) }),
     seconds,
     el("span", { class: "space" }),
+    timeZoomButtons(app),
     el("div", { class: "range-fields", role: "group", "aria-label": "Range that is played" },
       frameField(app, { text: "Range", title: commandTitle("range-start"), key: "playFirst",
         set: (frame) => store.set({ playFirst: within(frame, scene.first, store.state.playLast) }) }),

@@ -24,3 +24,19 @@ export const figures = (): SceneInput => ({
     arc("head", { source: "|rig|head", colorMode: 0, lineWidth: 3, points: points(24, (i) => [0, i * i * 0.05, 2]) }),
   ],
 });
+
+/** A rig that stands still, with a camera that only turns and hips that walk; and a light beside it. */
+export const tree = (): SceneInput => {
+  const at = (source: string, more: Partial<TrailInput> = {}): TrailInput => {
+    const above = source.slice(0, source.lastIndexOf("|"));
+    return arc(source.slice(above.length + 1), { source, parent: above || undefined, ...more });
+  };
+  const still = { points: points(24, () => [1, 2, 3]), keyTimes: [] };
+  return {
+    scene: "tree.usda", fps: 24, range: [1, 24], current: 1, unit: "cm",
+    trails: [
+      at("|rig", still), at("|rig|cam", still), at("|rig|cam|aim", { ...still, keyTimes: [1, 24] }), at("|rig|hips"),
+      at("|rig|hips|spine"), at("|rig|hips|spine|head"), at("|rig|hips|leg"), at("|light", still),
+    ],
+  };
+};
