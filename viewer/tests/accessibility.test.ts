@@ -2,7 +2,7 @@ import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import { chromiumTest, useBrowser } from "./support/browser";
 import { expectState, inkOf, press } from "./support/read";
-import { arc, figures } from "./support/scenes";
+import { arc, figures, tree } from "./support/scenes";
 import type { SceneInput } from "./support/trails";
 
 const browser = useBrowser();
@@ -47,7 +47,8 @@ function targets(page: Page): Promise<{ what: string; x: number; y: number; widt
       return { x: box.left, y: box.top, width: box.right - box.left, height: box.bottom - box.top };
     };
     const all = [...document.querySelectorAll<HTMLElement>("button, input, select, .name-cell, .plot, .viewport")];
-    return all.filter((e) => e.checkVisibility() && !e.closest("dialog"))
+    const sheet = [...document.querySelectorAll<HTMLElement>(".panel")].find((e) => !e.hidden && getComputedStyle(e).position === "fixed");
+    return all.filter((e) => e.checkVisibility() && !e.closest("dialog") && (!sheet || sheet.contains(e)))
       .map((e) => ({
         what: e.getAttribute("aria-label") ?? e.dataset.setting ?? (e.textContent || e.className),
         ...seen(e.closest("label.check, label.segment") ?? e),
@@ -66,7 +67,7 @@ async function expectReadable(page: Page, width: number): Promise<void> {
     all.filter((e) => e.scrollWidth > e.clientWidth).map((e) => e.className));
   expect(wide).toEqual([]);
   const visible = await targets(page);
-  expect(visible.length).toBeGreaterThan(20);
+  expect(visible.length).toBeGreaterThan(7);
   const clashes = visible.flatMap((a, i) => visible.slice(i + 1).filter((b) => overlap(a, b)).map((b) => `${a.what} / ${b.what}`));
   expect(clashes).toEqual([]);
   expect(visible.filter((box) => box.x < 0 || box.x + box.width > width + 0.5).map((box) => box.what)).toEqual([]);
@@ -99,7 +100,7 @@ describe("a screen reader", () => {
     const names = (role: string) => nodes.filter((node) => node.role === role).map((node) => node.name);
     expect(names("banner").length).toBe(1);
     expect(names("main").length).toBe(1);
-    expect(names("region").sort()).toEqual(["Also show", "Colour", "Lines and dots", "Objects", "Settings", "Spacing graph", "Time"]);
+    expect(names("region").sort()).toEqual(["Also show", "Colour", "Keyboard", "Lines and dots", "Objects", "Settings", "Spacing graph", "Time"]);
     expect(names("application")).toEqual(["Trails"]);
     expect(names("treegrid")).toEqual(["Objects"]);
     expect(names("row").length).toBe(4);
@@ -119,7 +120,7 @@ describe("the keyboard", () => {
   test("reaches everything in the order in which it is read, and shows where it is", async () => {
     const page = await browser.open(figures());
     const seen: string[] = [];
-    for (let i = 0; i < 60; ++i) {
+    for (let i = 0; i < 70; ++i) {
       await press(page, "Tab");
       const at = await page.evaluate(() => {
         const e = document.activeElement as HTMLElement;
@@ -133,7 +134,7 @@ describe("the keyboard", () => {
       expect(at.outline, `focus ${i} in ${at.area}`).toBe(true);
       if (seen[seen.length - 1] !== at.area) seen.push(at.area);
     }
-    expect(seen).toEqual(["skip", "toolbar", "panel list", "stage", "panel settings", "time-panel"]);
+    expect(seen).toEqual(["skip", "toolbar", "panel list", "stage", "time-panel", "panel settings"]);
   });
 
   test("skips to the trails first", async () => {
@@ -148,23 +149,63 @@ describe("the keyboard", () => {
   });
 });
 
-describe("at 200 %", () => {
-  test("nothing is cut off or covered, and the viewport has its height", async () => {
-    const page = await browser.open(long(), { viewport: SMALL });
-    await expectReadable(page, SMALL.width);
-    expect((await page.locator(".viewport").boundingBox())!.height).toBeGreaterThanOrEqual(260);
-    expect(await page.evaluate(() => document.documentElement.scrollHeight > innerHeight)).toBe(true);
-    await page.getByRole("button", { name: "Objects" }).click();
-    await page.getByRole("button", { name: "Settings" }).click();
-    await expectReadable(page, SMALL.width);
-    expect(await page.locator(".settings").isVisible()).toBe(true);
+/** Opens a panel where it is a sheet; what it covers is not looked at. */
+async function expectReadableSheet(page: Page, name: string, width: number): Promise<void> {
+  await page.getByRole("button", { name, exact: true }).click();
+  const sheet = page.getByRole("region", { name, exact: true });
+  const { x, y, width: wide, height } = (await sheet.boundingBox())!;
+  const size = page.viewportSize()!;
+  expect([x >= 0, y >= 0, x + wide <= size.width, y + height <= size.height]).toEqual([true, true, true, true]);
+  await expectReadable(page, width);
+  await page.getByRole("button", { name: `Close ${name}` }).click();
+  expect(await sheet.count()).toBe(0);
+}
+
+const SCREENS = [["200 %", SMALL, 2], ["a phone", { width: 390, height: 844 }, 3], ["400 %", { width: 320, height: 512 }, 4]] as const;
+
+describe("on a small screen", () => {
+  for (const [name, viewport, deviceScaleFactor] of SCREENS)
+    test(`nothing is cut off or covered, and nearly half is the viewport: ${name}`, async () => {
+      const page = await browser.open(long(), { viewport, deviceScaleFactor });
+      await expectReadable(page, viewport.width);
+      const stage = (await page.locator(".viewport").boundingBox())!;
+      expect(Math.min(stage.y + stage.height, viewport.height) - stage.y).toBeGreaterThanOrEqual(0.45 * viewport.height - 0.5);
+      for (const panel of ["Objects", "Settings"]) await expectReadableSheet(page, panel, viewport.width);
+    });
+
+  test("one sheet at a time is open", async () => {
+    const page = await browser.open(figures(), { viewport: { width: 390, height: 844 } });
+    for (const panel of ["Objects", "Settings", "Objects"]) {
+      await page.getByRole("button", { name: panel, exact: true }).click();
+      expect(await page.locator(".panel:visible").evaluateAll((all) => all.map((e) => e.getAttribute("aria-label")))).toEqual([panel]);
+    }
   });
 
-  test("and at 400 % neither", async () => {
-    const page = await browser.open(long(), { viewport: { width: 320, height: 512 } });
-    await page.getByRole("button", { name: "Objects" }).click();
-    await page.getByRole("button", { name: "Settings" }).click();
-    await expectReadable(page, 320);
+  test("a sheet takes the focus and gives it back, by button and by Escape", async () => {
+    const page = await browser.open(figures(), { viewport: { width: 390, height: 844 } });
+    const opener = page.getByRole("button", { name: "Objects", exact: true });
+    const focused = () => page.evaluate(() => document.activeElement!.getAttribute("aria-label") ?? document.activeElement!.textContent);
+    await opener.click();
+    expect(await focused()).toBe("Close Objects");
+    await press(page, "Tab");
+    await page.keyboard.type("hand");
+    await press(page, "Escape"); // empties the search
+    await expectState(page, "search", "");
+    expect(await page.locator("#objects").isVisible()).toBe(true);
+    await press(page, "Escape");
+    expect(await page.locator("#objects").isVisible()).toBe(false);
+    expect(await focused()).toBe("Objects");
+    await press(page, "Enter", "Enter");
+    expect(await page.locator("#objects").isVisible()).toBe(false);
+  });
+
+  test("a sheet goes away when the focus moves to what it covers", async () => {
+    const page = await browser.open(figures(), { viewport: { width: 390, height: 844 }, hash: "settings=1" });
+    expect(await page.locator("#settings").isVisible()).toBe(true);
+    await page.locator(".viewport").focus();
+    expect(await page.locator("#settings").isVisible()).toBe(true);
+    await page.getByRole("slider", { name: "Current frame" }).focus();
+    expect(await page.locator("#settings").isVisible()).toBe(false);
   });
 
   test("the help can be read to its end", async () => {
@@ -179,12 +220,51 @@ describe("at 200 %", () => {
 });
 
 test("what is pressed has 24 pixels or more", async () => {
-  const page = await browser.open(figures());
+  const page = await browser.open(tree(), { hash: "moving=0" });
   await page.setViewportSize({ width: 1280, height: 1600 }); // nothing is scrolled
   const small = (await targets(page)).filter(({ width, height }) => width < 24 || height < 24);
   expect(small).toEqual([]);
+  const triangles = await page.locator("[aria-expanded] > .name-cell > .twisty").evaluateAll((all) => all.map((e) => [e.clientWidth, e.clientHeight]));
+  expect(triangles.length).toBeGreaterThan(1);
+  expect(triangles.flat().filter((side) => side < 24)).toEqual([]);
+  await page.setViewportSize({ width: 390, height: 2400 });
+  expect((await targets(page)).filter(({ width, height }) => width < 24 || height < 24)).toEqual([]);
   const handles = await page.locator(".handle").evaluateAll((all) => all.map((e) => [e.clientWidth, e.clientHeight]));
   expect(handles).toEqual([[24, 24], [24, 24]]);
+});
+
+describe("keys that type a character", () => {
+  const keys = (page: Page) => page.getByRole("checkbox", { name: "Shortcuts of one letter, digit or sign" });
+
+  test("can be switched off; Space, arrows and keys with Ctrl still work, and so do the buttons", async () => {
+    const page = await browser.open(figures(), { hash: "select=0&mode=0" });
+    await keys(page).uncheck();
+    await page.locator(".viewport").focus();
+    await press(page, "c", "Shift+Digit4", "h", "Shift+P", "?", ".", "1", "t");
+    for (const [key, value] of [["colorBy", "mode"], ["mode", 0], ["hidden", []], ["frame", 1], ["timeSpan", null]] as const) await expectState(page, key, value);
+    expect(await page.getByRole("dialog").count()).toBe(0);
+    await press(page, "ArrowRight", "Shift+ArrowRight");
+    await expectState(page, "frame", 12);
+    await press(page, "End");
+    await expectState(page, "frame", 24);
+    await press(page, "Home", " ");
+    await expectState(page, "playing", true);
+    await press(page, " ");
+    await page.locator(".name-cell").first().focus();
+    await press(page, "Control+a");
+    await expectState(page, "selected", [0, 1, 2, 3]);
+    await page.getByRole("button", { name: "Help" }).click();
+    expect(await page.getByRole("dialog").isVisible()).toBe(true);
+  });
+
+  test("stay off when a link is opened, and are on again with the settings reset", async () => {
+    const page = await browser.open(figures(), { hash: "letters=0" });
+    expect(await keys(page).isChecked()).toBe(false);
+    await page.getByRole("button", { name: "Reset settings" }).click();
+    expect(await keys(page).isChecked()).toBe(true);
+    await press(page, "c");
+    await expectState(page, "colorBy", "object");
+  });
 });
 
 test("on a large page nothing is covered either", async () => {

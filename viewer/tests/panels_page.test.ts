@@ -64,6 +64,21 @@ describe("the toolbar", () => {
   });
 });
 
+describe("which panels are open", () => {
+  test("is kept in the address, as far as it was chosen", async () => {
+    const page = await browser.open(figures());
+    await page.getByRole("button", { name: "Settings", exact: true }).click();
+    await expect.poll(() => page.evaluate(() => location.hash)).toContain("settings=0");
+    await page.reload();
+    await page.waitForSelector("html[data-ready=true]", { state: "attached" });
+    expect([await page.locator("#objects").isVisible(), await page.locator("#settings").isVisible()]).toEqual([true, false]);
+    await page.getByRole("button", { name: "Settings", exact: true }).click();
+    await expect.poll(() => page.evaluate(() => location.hash)).not.toContain("settings"); // as the page has it anyway
+    await page.setViewportSize({ width: 390, height: 844 });
+    await expect.poll(() => page.locator(".panel:visible").count()).toBe(0); // so a phone begins with the viewport
+  });
+});
+
 describe("the theme", () => {
   const background = (page: Page) => page.evaluate(() => getComputedStyle(document.body).backgroundColor);
 

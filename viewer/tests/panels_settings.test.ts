@@ -83,10 +83,11 @@ describe("the settings", () => {
   });
 
   test("are reset together, and leave what one looks at", async () => {
-    const page = await browser.open(figures(), { hash: "mode=3&width=5&ghost=1&palette=safe&keys=0&color=object&select=2&frame=9&hide=1&theme=dark" });
+    const page = await browser.open(figures(), { hash: "mode=3&width=5&ghost=1&palette=safe&keys=0&color=object&select=2&frame=9&hide=1&theme=dark&search=a&moving=0&fold=1&time=3,9&list=0&letters=0" });
     await page.getByRole("button", { name: "Reset settings" }).click();
     for (const [key, value] of [["mode", null], ["lineWidth", null], ["ghost", null], ["palette", "engine"], ["showKeys", true], ["colorBy", "mode"],
-      ["selected", [2]], ["frame", 9], ["hidden", [1]], ["theme", "dark"]] as const)
+      ["selected", [2]], ["frame", 9], ["hidden", [1]], ["theme", "dark"],
+      ["letterKeys", true], ["search", "a"], ["movingOnly", false], ["folded", [1]], ["timeSpan", [3, 9]], ["showList", false]] as const)
       await expectState(page, key, value);
   });
 });

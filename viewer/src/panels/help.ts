@@ -1,5 +1,6 @@
 // What the keys and the mouse do, and what the colours mean.
 
+import type { App } from "../model/app";
 import { COMMANDS, keyLabel } from "../model/commands";
 import { button, el, freshId } from "./dom";
 
@@ -12,6 +13,18 @@ const MOUSE: readonly Row[] = [
   ["Click", "Select a trail; with Ctrl or Shift, one more"],
   ["Point at a trail", "Object, frame, position and speed"],
   ["Click or drag in the timeline or graph", "Go to that frame"],
+  ["Wheel over the timeline or graph, or two fingers", "Show less or more of the time"],
+  ["There with Shift and the wheel, or the middle button", "Move along the time"],
+  ["There a double click", "Show all of the time"],
+  ["In the list: click a triangle", "Fold or open; with Alt, all that is below"],
+];
+
+const PAGE: readonly Row[] = [
+  ["Moving only", "The list leaves out what does not travel, and says how much that is."],
+  ["still, turns?", "An object that does not move; one that has keys but does not travel: it may only turn."],
+  ["Round marks", "Of several selected objects: the colours of their curves in the graph."],
+  ["Reset settings", "Colours, sizes, marks and keys as at first. What is selected, listed and seen stays."],
+  ["The address", "Keeps all of this: a link opens the page as it is."],
 ];
 
 const MODES: readonly Row[] = [
@@ -23,7 +36,8 @@ const MODES: readonly Row[] = [
 
 const CONTROLS: readonly Row[] = [
   ["In the list: ↑ ↓", "Another object; with Shift, select on the way"],
-  ["In the list: ← →", "Show, solo and name of an object"],
+  ["In the list: →", "Open, then to the buttons Show and Solo"],
+  ["In the list: ←", "Back, fold, then to what it hangs from"],
   ["In the list: Space or Enter", "Select, or press the button"],
   ["On the timeline: ← → Page ↑ Page ↓", "One frame, or ten"],
 ];
@@ -54,7 +68,7 @@ export interface Help {
 const inText = (target: EventTarget | null) =>
   target instanceof Element && target.closest("input:not([type=checkbox]):not([type=radio]):not([type=range]), select, textarea") !== null;
 
-export function buildHelp(): Help {
+export function buildHelp(app: App): Help {
   const heading = el("h2", { id: freshId("help") }, "Help");
   const close = button({ icon: "close", name: "Close" }, () => element.close());
   const part = (title: string, ...content: Node[]) => el("section", {}, el("h3", {}, title), ...content);
@@ -62,11 +76,13 @@ export function buildHelp(): Help {
     "dialog", { class: "help", "aria-labelledby": heading.id },
     el("div", { class: "help-head" }, heading, close),
     el("div", { class: "help-body", tabindex: 0, role: "region", "aria-label": "Keys, mouse and colours" },
-      part("Keys", table(["Key", "Does"], keyRows(), keyCaps)),
+      part("Keys", table(["Key", "Does"], keyRows(), keyCaps),
+        el("p", { class: "note" }, "Keys that type a letter, a digit or a sign can be switched off in the settings: for who speaks to the computer.")),
       el("div", {},
         part("Keys of single controls", table(["Key", "Does"], CONTROLS)),
         part("Mouse", table(["Mouse", "Does"], MOUSE)),
-        part("Colour modes", table(["Mode", "Means"], MODES)))),
+        part("Colour modes", table(["Mode", "Means"], MODES)),
+        part("On the page", table(["What", "Means"], PAGE)))),
   );
   element.addEventListener("click", (event) => {
     if (event.target === element) element.close(); // beside the dialog
@@ -76,6 +92,7 @@ export function buildHelp(): Help {
   };
   document.addEventListener("keydown", (event) => {
     if (event.key !== "?" || event.ctrlKey || event.metaKey || event.altKey || event.defaultPrevented || inText(event.target)) return;
+    if (!app.store.state.letterKeys) return;
     event.preventDefault();
     open();
   });

@@ -19,7 +19,9 @@ function searchField(app: App, changed: () => void): HTMLInputElement {
   });
   field.addEventListener("input", () => app.store.set({ search: field.value }));
   field.addEventListener("keydown", (event) => {
-    if (event.key === "Escape") app.store.set({ search: "" });
+    if (event.key !== "Escape" || field.value === "") return;
+    event.preventDefault(); // it closes nothing else
+    app.store.set({ search: "" });
   });
   app.store.subscribe(({ search }) => {
     if (field.value !== search) field.value = search;

@@ -7,9 +7,10 @@ import { buildHelp } from "./help";
 import { buildLive } from "./live";
 import { buildObjects } from "./objects";
 import { buildSettings } from "./settings";
+import { panelButton } from "./sheets";
 import { followTheme } from "./theme";
 import { buildTimeline } from "./timeline";
-import { buildToolbar, panelButton } from "./toolbar";
+import { buildToolbar } from "./toolbar";
 import { buildTransport } from "./transport";
 
 export interface Page {
@@ -46,20 +47,20 @@ function viewportElement(): { viewport: HTMLElement; description: HTMLElement } 
 export function buildPage(app: App, root: HTMLElement): Page {
   const { viewport, description } = viewportElement();
   const live = buildLive();
-  const help = buildHelp();
+  const help = buildHelp(app);
   const objects = buildObjects(app);
   const settings = buildSettings(app);
   const timeline = buildTimeline(app);
   const graph = buildGraph(app);
   const toolbar = buildToolbar(app, {
-    listButton: panelButton("Objects", "list", objects.element),
-    settingsButton: panelButton("Settings", "settings", settings.element),
+    listButton: panelButton(app, { key: "showList", name: "Objects", icon: "list", element: objects.element }),
+    settingsButton: panelButton(app, { key: "showSettings", name: "Settings", icon: "settings", element: settings.element }),
     openHelp: help.open,
   });
   const stage = el("main", { class: "stage" }, viewport, description, live.element);
   const time = el("section", { class: "time-panel", "aria-label": "Time" }, buildTransport(app), timeline.element, graph.element);
   root.classList.add("page");
-  root.replaceChildren(skipLink(viewport), toolbar, objects.element, stage, settings.element, time, help.element);
+  root.replaceChildren(skipLink(viewport), toolbar, objects.element, stage, time, settings.element, help.element);
   const redraw = () => {
     timeline.redraw();
     graph.redraw();

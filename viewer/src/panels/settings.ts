@@ -13,12 +13,13 @@ const AS_IN_SCENE: readonly Option<boolean | null>[] = [[null, "Scene"], [true, 
 /** What is not a setting, and stays when the settings are reset. */
 const STAY: readonly (keyof ViewState)[] = [
   "frame", "playFirst", "playLast", "camera", "selected", "hidden", "solo", "relativeTo", "theme",
+  "search", "movingOnly", "folded", "timeSpan", "showList", "showSettings",
 ];
 
 function reset(app: App): void {
   const initial = initialState(app.scene, app.motion, app.store.state.camera);
   app.store.set(Object.fromEntries(KEPT.filter((key) => !STAY.includes(key)).map((key) => [key, initial[key]])));
-  app.announce("All settings are those of the scene again");
+  app.announce("All settings are as at first; what is selected, listed and seen stays");
 }
 
 const part = (title: string, ...content: Node[]) =>
@@ -78,7 +79,8 @@ export function buildSettings(app: App): SettingsPanel {
       count(app, { key: "onionBefore", text: "Skins before", least: 0, most: 12, of: "skins" }),
       count(app, { key: "onionAfter", text: "Skins after", least: 0, most: 12, of: "skins" }),
     ),
-    button({ text: "Reset settings", class: "button reset" }, () => reset(app)),
+    part("Keyboard", checkbox(app, "letterKeys", "Shortcuts of one letter, digit or sign")),
+    button({ text: "Reset settings", title: "Colours, sizes, marks and keys as at first; what is selected, listed and seen stays", class: "button reset" }, () => reset(app)),
   );
   return { element, trailsChanged: legend.update };
 }

@@ -38,20 +38,6 @@ function themeButton(app: App): HTMLButtonElement {
   return made;
 }
 
-/** Opens and closes a panel. On a narrow page it is closed at first. */
-export function panelButton(name: string, picture: "list" | "settings", panel: HTMLElement): HTMLButtonElement {
-  const made = button({ icon: picture, text: name, title: `Show or hide the panel ${name}` }, () => show(panel.hidden));
-  const show = (shown: boolean) => {
-    panel.hidden = !shown;
-    made.setAttribute("aria-expanded", String(shown));
-  };
-  made.setAttribute("aria-controls", panel.id);
-  const narrow = window.matchMedia("(max-width: 860px)");
-  narrow.addEventListener("change", () => show(!narrow.matches));
-  show(!narrow.matches);
-  return made;
-}
-
 export interface ToolbarParts {
   listButton: HTMLButtonElement;
   settingsButton: HTMLButtonElement;

@@ -38,6 +38,8 @@ function frameField(app: App, { text, title, key, set }: FrameField): HTMLElemen
   const field = el("input", {
     type: "number", class: "frame", title, step: "any", min: scene.first, max: scene.last, "data-setting": key,
   });
+  const longest = Math.max(frameText(scene.first).length, frameText(scene.last).length);
+  if (longest > 6) field.style.width = `${longest + 4}ch`;
   const show = () => (field.value = frameText(store.state[key]));
   field.addEventListener("change", () => {
     if (field.value !== "" && Number.isFinite(field.valueAsNumber)) set(field.valueAsNumber);

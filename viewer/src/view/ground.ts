@@ -8,6 +8,7 @@ import type { StaticBox, Vec3 } from "../source/trail";
 import type { Bounds } from "../model/framing";
 import type { ViewName } from "../model/state";
 import { BOX_ORDER } from "./layers";
+import { isDrawable } from "./projection";
 import type { Colors } from "./theme";
 
 /** How much of what lies behind boxes they cover. */
@@ -135,6 +136,7 @@ export interface Stage {
 
 export function buildStage({ grid, boxes, upAxis, origin }: Stage, colors: Colors): Group {
   const group = new Group();
+  if (!isDrawable(grid.step)) return group;
   if (grid.across === 1) group.add(plane(grid, origin, colors));
   group.add(gridLines(grid, origin, colors));
   const turn = new Matrix4().makeTranslation(-origin[0], -origin[1], -origin[2]);

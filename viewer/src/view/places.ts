@@ -6,6 +6,7 @@ import { yUp } from "../model/pose";
 import type { ViewState } from "../model/state";
 import type { Trail, Vec3 } from "../source/trail";
 import type { DrawnTrail } from "./batch";
+import { isDrawable } from "./projection";
 
 /** Whether keys are nearly everywhere, as in a recorded motion: markers would tell nothing and hide the trail. */
 export const hasDenseKeys = (trail: Trail): boolean => trail.keyTimes.length > 24 && trail.keyTimes.length > 0.4 * trail.count;
@@ -15,6 +16,7 @@ function placed(points: Float64Array, upAxis: "y" | "z", origin: Vec3): Float32A
   for (let i = 0; i < points.length; i += 3) {
     const turned = yUp([points[i], points[i + 1], points[i + 2]], upAxis);
     for (let k = 0; k < 3; ++k) result[i + k] = turned[k] - origin[k];
+    if (!isDrawable(result[i]) || !isDrawable(result[i + 1]) || !isDrawable(result[i + 2])) result.fill(NaN, i, i + 3);
   }
   return result;
 }

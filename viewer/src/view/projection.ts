@@ -25,3 +25,6 @@ export class Projection {
     };
   }
 }
+
+/** Whether the numbers of the drawing, which have 32 bits, hold this and what is computed from it. */
+export const isDrawable = (length: number): boolean => Math.abs(length) < 1e18;
