@@ -1,5 +1,6 @@
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
+import type { Vec3 } from "../src/source/trail";
 import { useBrowser } from "./support/browser";
 import { expectState, inkOf, press, stateOf } from "./support/read";
 import { arc, figures, tree } from "./support/scenes";
@@ -63,7 +64,7 @@ describe("the list of objects", () => {
     await expectState(page, "solo", [3]);
     expect(await page.locator(".object[data-off]").count()).toBe(3);
     expect(await stateOf(page, "selected")).toEqual([0]); // a button selects nothing
-    await page.getByRole("button", { name: "Show all" }).click();
+    await page.getByRole("button", { name: "Show all", exact: true }).click();
     await expectState(page, "hidden", []);
     await expectState(page, "solo", []);
     expect(await page.locator(".object[data-off]").count()).toBe(0);
@@ -108,7 +109,8 @@ describe("the list of objects", () => {
   });
 
   test("marks several selected objects with the colours that their curves have in the graph", async () => {
-    const page = await browser.open({ trails: Array.from({ length: 12 }, (_, i) => arc(`o${i}`)) }, { hash: "select=0.8.3" });
+    const faster = (i: number) => arc("").points.map((p) => p.map((c) => c * (1 + i / 4)) as unknown as Vec3); // curves apart
+    const page = await browser.open({ trails: Array.from({ length: 12 }, (_, i) => arc(`o${i}`, { points: faster(i) })) }, { hash: "select=0.8.3" });
     const color = (selector: string) => page.locator(selector).evaluateAll((all) => all.map((e) => getComputedStyle(e).backgroundColor));
     const inGraph = await color(".graph-names .legend-swatch");
     expect(new Set(inGraph).size).toBe(3); // though the first and the ninth object have one colour of their own
