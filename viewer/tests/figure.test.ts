@@ -7,9 +7,10 @@ import { KEPT, readHash, writeHash } from "../src/model/hash";
 import { distinctNames } from "../src/model/names";
 import type { Vec3 } from "../src/source/trail";
 import { eachDot } from "../src/view/batch";
-import { niceStep } from "../src/view/dot_spacing";
+import { framesBetweenDots, niceStep } from "../src/view/dot_spacing";
 import { holdsSamples } from "../src/view/held";
 import { Room, shortened } from "../src/view/labels";
+import type { Projection } from "../src/view/projection";
 import { between, wholeTrail, windowStrength } from "../src/view/places";
 import { makeApp } from "./support/app";
 import { arc, figures, points } from "./support/scenes";
@@ -108,6 +109,23 @@ describe("dots", () => {
   });
   test("come every 1, 2, 5, 10, 20 ... frames", () =>
     expect([0.2, 1, 1.1, 2.5, 5.1, 11, 21, 99].map(niceStep)).toEqual([1, 1, 2, 5, 10, 20, 50, 100]));
+});
+
+describe("the frames between dots", () => {
+  /** A camera that shows a unit as 10 pixels. */
+  const projection = { width: 1000, height: 500, spot: (x: number, y: number) => ({ x: 10 * x, y: 250 + 10 * y }) } as unknown as Projection;
+  const between = (at: (i: number) => number, more: Partial<TrailInput> = {}) =>
+    framesBetweenDots([wholeTrail(appOf({ name: "a", points: points(200, (i) => [at(i), 0, 0]), ...more }), 0, [0, 0, 0])], () => 4, projection);
+  test("leave a pixel between dots", () => {
+    expect(between((i) => i * 0.5)).toBe(1);
+    expect(between((i) => i * 0.49)).toBe(2);
+    expect(between((i) => i * 0.11)).toBe(5);
+    expect(between((i) => i * 0.49, { frameStep: 0.25 })).toBe(1);
+  });
+  test("do not come from where an object holds, nor from what is a spot in the picture", () => {
+    expect(between((i) => Math.max(0, i - 100) * 0.6)).toBe(1);
+    expect(between((i) => i * 0.005)).toBe(1);
+  });
 });
 
 describe("a window in time", () => {

@@ -68,6 +68,31 @@ describe("the settings", () => {
     }
   });
 
+  test("show bones, a window in time and onion skins", async () => {
+    const scene = figures();
+    const page = await browser.open({ ...scene, trails: scene.trails.map((trail, i) => (i > 0 ? { ...trail, parent: scene.trails[0].source } : trail)) });
+    for (const [name, key, at] of [["Bones", "showBones", true], ["Only around the current frame", "window", false]] as const) {
+      await expectState(page, key, at);
+      await page.getByRole("checkbox", { name }).click();
+      await expectState(page, key, !at);
+    }
+    for (const kind of ["Frames", "Keys", "Off"]) {
+      await choose(page, "Onion skins", kind);
+      await expectState(page, "onion", kind.toLowerCase());
+    }
+    for (const [name, key, of] of [["Before", "windowBefore", "frames"], ["After", "windowAfter", "frames"], ["Every", "onionEvery", "frames"],
+      ["Skins before", "onionBefore", "skins"], ["Skins after", "onionAfter", "skins"]] as const) {
+      const slider = page.getByRole("slider", { name, exact: true });
+      await slider.fill("7");
+      await slider.press("ArrowRight");
+      await expectState(page, key, 8);
+      expect(await slider.getAttribute("aria-valuetext")).toBe(`8 ${of}`);
+    }
+    await page.getByRole("button", { name: "Reset settings" }).click();
+    for (const [key, value] of [["showBones", true], ["window", false], ["windowBefore", 12], ["onionEvery", 4]] as const)
+      await expectState(page, key, value);
+  });
+
   test("are worked by keyboard alone", async () => {
     const page = await browser.open(figures());
     await page.getByRole("radio", { name: "Mode" }).focus();

@@ -7,6 +7,8 @@ import type { Projection } from "./projection";
 const LOOKS = 3000;
 /** Pixels a frame under which an object holds: its dots lie upon each other however few they are. */
 const HOLD = 0.05;
+/** Dots that lie side by side along a trail's way in the picture; a shorter way is a spot, however few dots it has. */
+const SPOT = 4;
 /** The part of the pairs that may touch: where an object eases, dots are to lie close. */
 const MAY_TOUCH = 0.25;
 
@@ -24,13 +26,17 @@ function gaps(trails: readonly DrawnTrail[], sizeOf: (trail: number) => number, 
   const found: number[] = [];
   for (const { index, places, frameStep } of trails) {
     const need = sizeOf(index) + 1;
+    const own: number[] = [];
+    let way = 0;
     const spot = (i: number) => (Number.isFinite(places[i]) ? projection.spot(places[i], places[i + 1], places[i + 2]) : null);
     for (let i = 0; i + 3 < places.length; i += 3 * stride) {
       const [a, b] = [spot(i), spot(i + 3)];
       if (!a || !b || a.x < 0 || a.y < 0 || a.x > projection.width || a.y > projection.height) continue;
       const pixels = Math.hypot(b.x - a.x, b.y - a.y) / frameStep;
-      if (pixels >= HOLD) found.push(pixels / need);
+      way += pixels * frameStep * stride;
+      if (pixels >= HOLD) own.push(pixels / need);
     }
+    if (way >= SPOT * need) found.push(...own);
   }
   return found;
 }

@@ -1,6 +1,8 @@
 // Draws the figure: bones and joints at the current frame, and its onion skins. One buffer, filled anew when it moves.
 
-import { Group, InterleavedBufferAttribute, InstancedInterleavedBuffer, BufferAttribute, BufferGeometry, Points } from "three";
+import {
+  BufferAttribute, BufferGeometry, Group, InstancedInterleavedBuffer, InterleavedBufferAttribute, LineSegments, Points,
+} from "three";
 import { LineSegments2 } from "three/examples/jsm/lines/LineSegments2.js";
 import { LineSegmentsGeometry } from "three/examples/jsm/lines/LineSegmentsGeometry.js";
 import type { App } from "../model/app";
@@ -9,12 +11,14 @@ import { isFinitePoint } from "../model/motion";
 import { yUp } from "../model/pose";
 import type { Vec3 } from "../source/trail";
 import { FIGURE_ORDER } from "./layers";
-import { dotMaterial, lineMaterial } from "./materials";
+import { dotMaterial, lineMaterial, thinMaterial } from "./materials";
 import { channels, shade } from "./shades";
 import type { Colors } from "./theme";
 
 const BONE_WIDTH = 1.6;
 const JOINT_SIZE = 4.5;
+/** Of more bones, lines of one pixel are drawn and no joints: software draws these many times faster. */
+const MOST_WIDE = 1500;
 
 /** The figure at a frame, in a colour. */
 export interface Pose {
@@ -56,7 +60,9 @@ export class Skeleton {
   private readonly line = lineMaterial({ width: BONE_WIDTH, ghost: true });
   private readonly joint;
   private lines = new LineSegments2(new LineSegmentsGeometry(), this.line);
+  private readonly thin = thinMaterial(true);
   private points: Points;
+  private thinLines = new LineSegments(new BufferGeometry(), this.thin);
   private drawnOf: readonly unknown[] = [];
   private bones: readonly Bone[] = [];
   private members: ReadonlySet<number> = new Set();
@@ -108,8 +114,10 @@ export class Skeleton {
         if (a && b) buffers.add(a, b, shade);
       }
     }
+    this.lines.visible = this.points.visible = buffers.count > 0 && buffers.count <= MOST_WIDE;
+    this.thinLines.visible = buffers.count > MOST_WIDE;
     this.lines.geometry.instanceCount = buffers.count;
-    this.points.geometry.setDrawRange(0, 2 * buffers.count);
+    this.points.geometry.setDrawRange(0, 2 * buffers.count); // also what the thin lines draw
     this.touch();
   }
 
@@ -137,9 +145,10 @@ export class Skeleton {
     joints.setAttribute("position", new BufferAttribute(ends, 3));
     joints.setAttribute("color", new BufferAttribute(colors, 3, true));
     this.points = new Points(joints, this.joint);
-    this.line.depthWrite = this.joint.depthWrite = false;
+    this.thinLines = new LineSegments(joints, this.thin);
+    this.line.depthWrite = this.joint.depthWrite = this.thin.depthWrite = false;
     this.group.clear();
-    for (const [i, object] of [this.lines, this.points].entries()) {
+    for (const [i, object] of [this.lines, this.points, this.thinLines].entries()) {
       object.frustumCulled = false;
       object.renderOrder = FIGURE_ORDER + i / 10;
       this.group.add(object);
