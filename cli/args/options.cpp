@@ -18,14 +18,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::optional<double> parse_number(std::string_view text) {
-  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-  double value = 0.0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
-  return value;
-}
-
 bool same_file(const std::string& a, const std::string& b) {
   if (fs::path(a).lexically_normal() == fs::path(b).lexically_normal()) return true;
   std::error_code ignored;
@@ -33,6 +25,14 @@ bool same_file(const std::string& a, const std::string& b) {
 }
 
 }  // namespace
+
+std::optional<double> parse_number(std::string_view text) {
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  double value = 0.0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) return std::nullopt;
+  return value;
+}
 
 ColorUse CommonOptions::color_use() const {
   return color == "always" ? ColorUse::always : color == "never" ? ColorUse::never : ColorUse::automatic;
@@ -111,6 +111,14 @@ std::optional<FrameRange> parse_range(const std::string& text) {
   const auto last = parse_number(std::string_view(text).substr(colon + 1));
   if (!first || !last || !(*first < *last)) return std::nullopt;
   return FrameRange{*first, *last};
+}
+
+CLI::Option* add_number(CLI::App& command, const std::string& name, std::string& value, const std::string& type,
+                        const std::string& description) {
+  return command.add_option(name, value, description)
+      ->type_name(type)
+      ->check(CLI::Validator(
+          [](std::string& text) { return parse_number(text) ? std::string() : "'" + text + "' is not a number"; }, ""));
 }
 
 CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string& value,

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/args/selection.h"
@@ -48,6 +49,13 @@ struct FrameRange {
 };
 // "A:B" with A < B, decimals and signs allowed; nothing for anything else.
 std::optional<FrameRange> parse_range(const std::string& text);
+
+// A finite number; nothing for anything else.
+std::optional<double> parse_number(std::string_view text);
+
+// An option that takes a finite number, which stays a text until it is used: empty when it was not given.
+CLI::Option* add_number(CLI::App& command, const std::string& name, std::string& value, const std::string& type,
+                        const std::string& description);
 
 // An option that takes one of these words, offered to the completion of shells too.
 CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string& value,

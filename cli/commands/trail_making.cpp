@@ -1,6 +1,7 @@
 #include "cli/commands/trail_making.h"
 #include "base/number_text.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <vector>
 
@@ -19,6 +20,17 @@ std::optional<std::filesystem::path> preferences_file(const std::string& name) {
   if (name.empty()) return std::nullopt;
   if (!std::filesystem::exists(name)) throw Failure(name + ": no such file; check the path after --preferences");
   return name;
+}
+
+// Turns the scene to the frame that was asked for.
+void apply_frame(standalone::Scene& scene, const std::string& text) {
+  const auto frame = parse_number(text);
+  if (!frame) return;
+  const double first = scene.settings.playback_min(), last = scene.settings.playback_max();
+  if (*frame < first || *frame > last)
+    throw Failure("--frame " + text + ": the frames are " + readable(first, 8) + " to " + readable(last, 8) +
+                  "; name one of them, or widen --range");
+  scene.settings.set_current_time(*frame);
 }
 
 }  // namespace
@@ -50,6 +62,8 @@ void add_trail_options(CLI::App& command, TrailOptions& options) {
   command.add_flag("--no-line", options.no_line, "Leave the line out");
   command.add_flag("--no-dots", options.no_dots, "Leave the dots out");
   command.add_flag("--ghost,!--no-ghost", options.ghost, "Mark the trails to be drawn through geometry, or not");
+  add_number(command, "--frame", options.frame, "FRAME",
+             "The current frame, at which objects are shown (default: the scene's own)");
   command
       .add_option("--preferences", options.preferences, "JSON file of preferences, for settings that no option gives")
       ->type_name("FILE");
@@ -62,6 +76,7 @@ void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
   standalone::Scene scene = load_scene(options.scene, terminal, statics);
   const auto objects = choose(scene, options.scene.selection, options.scene.file);
   options.scene.apply_range(scene, objects.size());
+  apply_frame(scene, options.frame);
   session::Options session_options = cli::session_options(terminal);
   session_options.preferences = preferences_file(options.preferences);
   session::Session session(std::move(scene), std::move(session_options));
@@ -71,6 +86,7 @@ void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
   const auto trails = session.create(objects, settings);
   terminal.end_progress();
   session::TrailReport report = session::read_trails(session.scene(), trails, options.scene.file);
+  report.current = std::clamp(report.current, report.first, report.last);
   report.color_mode_chosen = session.names_color_mode(settings);
   if (statics) report.statics = session::static_boxes(session.scene(), report.current);
   warn_of_inexact(report, "", terminal);

@@ -22,6 +22,7 @@ struct TrailOptions {
   bool no_line = false, no_dots = false;
   std::optional<bool> ghost;
   std::string preferences;
+  std::string frame;
 
   session::TrailSettings settings() const;
 };

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "base/number_text.h"
+#include "cli/args/picture.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/trail_making.h"
 #include "cli/output/html.h"
@@ -10,6 +11,7 @@
 #include "cli/output/svg/svg.h"
 #include "cli/output/text.h"
 #include "cli/output/writers.h"
+#include "cli/terminal/screenshot.h"
 
 namespace vantorelix::cli {
 
@@ -19,19 +21,29 @@ constexpr const char* kFooter = R"(
 Without --out a table goes to standard output. The extension of a file names its format:
   .json  everything: points, colours, keys of each trail     .csv  a line a sample
   .svg   a picture, light and dark                           .html  a page to look at them from every side
+  .png   the same as pixels, drawn by a browser of yours
 '--out=-.json' writes to standard output.
 
 Examples:
   vantorelix trails bounce.ma
   vantorelix trails before.ma --compare after.ma --out apart.json
   vantorelix trails walk.bvh --select LeftHand --select RightHand --range 0:60 --out hands.svg
-  vantorelix trails arm.ma --select 'arm|wrist' --samples-per-frame 4 --color-mode spacing --out wrist.json)";
+  vantorelix trails arm.ma --select 'arm|wrist' --samples-per-frame 4 --color-mode spacing --out wrist.json
+  vantorelix trails walk.bvh --frame 12 --onion every:6 --title 'The walk' --size 1920x1080 --out walk.png)";
 
 struct TrailsOptions {
   TrailOptions trails;
   std::vector<std::string> outputs;
-  std::string view = "persp", theme = "auto";
+  PictureOptions picture;
 };
+
+// The picture of the .svg as pixels.
+void write_png(TextSink& out, const session::TrailReport& report, SvgOptions options) {
+  if (options.theme == "auto") options.theme = "light";
+  StringSink svg;
+  const PictureSize size = write_svg(svg, report, options);
+  out << png_of(svg.text(), size.width, size.height);
+}
 
 void write(OutputFile& out, const session::TrailReport& report, const SvgOptions& svg) {
   const std::string extension = extension_of(out.path().string());
@@ -41,6 +53,8 @@ void write(OutputFile& out, const session::TrailReport& report, const SvgOptions
     write_csv(out, report);
   else if (extension == ".html")
     write_html(out, report);
+  else if (extension == ".png")
+    write_png(out, report, svg);
   else
     write_svg(out, report, svg);
 }
@@ -69,14 +83,14 @@ bool is_page(const std::string& output) { return extension_of(output) == ".html"
 
 void run_trails(const TrailsOptions& options, Terminal& terminal) {
   const std::vector<std::string>& outputs = options.outputs;
-  check_outputs(outputs, {".json", ".csv", ".svg", ".html"}, options.trails.scene.file);
+  check_outputs(outputs, {".json", ".csv", ".svg", ".png", ".html"}, options.trails.scene.file);
   for (const std::string& output : outputs) check_destination(output);
   const bool statics = std::any_of(outputs.begin(), outputs.end(), is_page);
   with_trails(options.trails, statics, terminal, [&](const session::TrailReport& report) {
     if (outputs.empty())
       print_table(report, terminal);
     else
-      write_all(outputs, report, {options.view, options.theme}, terminal);
+      write_all(outputs, report, options.picture.svg(), terminal);
   });
 }
 
@@ -86,11 +100,9 @@ Command add_trails(CLI::App& program) {
   CLI::App& command = *program.add_subcommand("trails", "Sample the trails of animated objects and write them");
   const auto options = std::make_shared<TrailsOptions>();
   add_trail_options(command, options->trails);
-  add_repeated(command, "--out", options->outputs, "Write .json, .csv, .svg or .html; may be repeated")
+  add_repeated(command, "--out", options->outputs, "Write .json, .csv, .svg, .png or .html; may be repeated")
       ->type_name("FILE");
-  add_choice(command, "--view", options->view, {"persp", "front", "side", "top"}, "How a picture looks at the scene");
-  add_choice(command, "--theme", options->theme, {"auto", "light", "dark"},
-             "Background of a picture; auto follows the reader's setting");
+  add_picture_options(command, options->picture);
   command.footer(kFooter);
   return {&command, [options](Terminal& terminal) { run_trails(*options, terminal); }};
 }

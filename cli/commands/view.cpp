@@ -1,7 +1,5 @@
 #include <filesystem>
 #include <memory>
-#include <random>
-#include <system_error>
 
 #include "base/number_text.h"
 #include "cli/commands/commands.h"
@@ -11,6 +9,7 @@
 #include "cli/output/text.h"
 #include "cli/terminal/browser.h"
 #include "cli/terminal/failure.h"
+#include "cli/terminal/private_folder.h"
 
 namespace vantorelix::cli {
 
@@ -35,17 +34,8 @@ struct ViewOptions {
   bool no_open = false;
 };
 
-// A page in a folder of its own that nobody else can have made or can look into.
 fs::path temporary_page(const std::string& scene) {
-  std::error_code error;
-  const fs::path all = fs::temp_directory_path(error);
-  for (int attempt = 0; !error && attempt < 100; ++attempt) {
-    const fs::path folder = all / ("vantorelix-" + std::to_string(std::random_device{}()));
-    if (!fs::create_directory(folder, error)) continue;
-    fs::permissions(folder, fs::perms::owner_all, error);
-    if (!error) return folder / (fs::path(scene).filename().string() + ".html");
-  }
-  throw Failure("no folder can be made for temporary files (" + error.message() + "); name a file with --out");
+  return make_private_folder("name a file with --out") / (fs::path(scene).filename().string() + ".html");
 }
 
 void run_view(const ViewOptions& options, Terminal& terminal) {

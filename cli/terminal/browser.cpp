@@ -11,12 +11,10 @@
 
 #include <shellapi.h>
 #else
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
-#include <thread>
+#include <utility>
+
+#include "cli/terminal/process.h"
 #endif
 
 namespace vantorelix::cli {
@@ -90,32 +88,8 @@ std::vector<Words> commands(const std::string& address) {
   return all;
 }
 
-// In the child: becomes the browser, away from our terminal.
-[[noreturn]] void become(const std::vector<char*>& words) {
-  setsid();
-  const int nowhere = open("/dev/null", O_RDWR);
-  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(nowhere, stream);
-  execvp(words[0], words.data());
-  _exit(127);
-}
-
 // A browser that still runs after a while, or ended well, has the address.
-bool start(Words words) {
-  constexpr auto kWhile = std::chrono::seconds(2);
-  constexpr auto kMoment = std::chrono::milliseconds(10);
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  const pid_t child = fork();
-  if (child == 0) become(arguments);
-  if (child < 0) return false;
-  for (auto waited = kMoment; waited < kWhile; waited += kMoment) {
-    int status = 0;
-    if (waitpid(child, &status, WNOHANG) != 0) return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    std::this_thread::sleep_for(kMoment);
-  }
-  return true;
-}
+bool start(Words words) { return Process(std::move(words)).wait(std::chrono::seconds(2)).value_or(true); }
 
 }  // namespace
 

@@ -15,16 +15,16 @@ Vector minus(const Vector& a, const Vector& b) { return {a.x - b.x, a.y - b.y, a
 
 // Calls `visit` with every finite sample, y up.
 template <class Visit>
-void for_each_point(const session::TrailReport& report, const Visit& visit) {
-  for (const session::TrailView& trail : report.trails)
-    for (const Vector& p : *trail.points)
-      if (is_finite(p)) visit(y_up(p, report.up_axis));
+void for_each_point(const Fitted& fitted, const Visit& visit) {
+  for (const std::size_t trail : fitted.trails)
+    for (const Vector& p : *fitted.report.trails[trail].points)
+      if (is_finite(p)) visit(y_up(p, fitted.report.up_axis));
 }
 
 // The angle in the ground plane along which the motion is longest; nothing clear gives `otherwise`.
-double main_direction(const session::TrailReport& report, const Vector& centre, double otherwise) {
+double main_direction(const Fitted& fitted, const Vector& centre, double otherwise) {
   double xx = 0.0, zz = 0.0, xz = 0.0;
-  for_each_point(report, [&](const Vector& p) {
+  for_each_point(fitted, [&](const Vector& p) {
     const double x = p.x - centre.x, z = p.z - centre.z;
     xx += x * x;
     zz += z * z;
@@ -36,11 +36,13 @@ double main_direction(const session::TrailReport& report, const Vector& centre, 
 }
 
 // Sum over the trails of the way from the first sample to the last.
-Vector net_motion(const session::TrailReport& report) {
+Vector net_motion(const Fitted& fitted) {
   Vector sum;
-  for (const session::TrailView& trail : report.trails) {
-    if (trail.points->empty()) continue;
-    const Vector way = minus(y_up(trail.points->back(), report.up_axis), y_up(trail.points->front(), report.up_axis));
+  for (const std::size_t trail : fitted.trails) {
+    const auto& points = *fitted.report.trails[trail].points;
+    if (points.empty()) continue;
+    const char up = fitted.report.up_axis;
+    const Vector way = minus(y_up(points.back(), up), y_up(points.front(), up));
     if (is_finite(way)) sum = {sum.x + way.x, sum.y + way.y, sum.z + way.z};
   }
   return sum;
@@ -67,10 +69,10 @@ Vector Bounds::centre() const {
 
 Vector y_up(const Vector& v, char up_axis) { return up_axis == 'z' ? Vector{v.x, v.z, -v.y} : v; }
 
-Bounds bounds_of(const session::TrailReport& report) {
+Bounds bounds_of(const Fitted& fitted) {
   constexpr double kFar = std::numeric_limits<double>::infinity();
   Bounds b{{kFar, kFar, kFar}, {-kFar, -kFar, -kFar}};
-  for_each_point(report, [&](const Vector& p) {
+  for_each_point(fitted, [&](const Vector& p) {
     b.low = {std::min(b.low.x, p.x), std::min(b.low.y, p.y), std::min(b.low.z, p.z)};
     b.high = {std::max(b.high.x, p.x), std::max(b.high.y, p.y), std::max(b.high.z, p.z)};
   });
@@ -82,8 +84,7 @@ Bounds bounds_of(const session::TrailReport& report) {
   return b;
 }
 
-Camera::Camera(const std::string& view, const session::TrailReport& report, const Bounds& bounds)
-    : centre_(bounds.centre()) {
+Camera::Camera(const std::string& view, const Fitted& fitted, const Bounds& bounds) : centre_(bounds.centre()) {
   constexpr double kDegree = std::numbers::pi / 180.0;
   if (view != "persp") {
     look(view == "side" ? 90.0 * kDegree : 0.0, view == "top" ? 90.0 * kDegree : 0.0);
@@ -92,11 +93,9 @@ Camera::Camera(const std::string& view, const session::TrailReport& report, cons
   const bool flat = bounds.high.y - bounds.low.y < 0.15 * bounds.horizontal();
   const double elevation = (flat ? 38.0 : 18.0) * kDegree;
   // The picture's right is (cos a, -sin a) in x and z: 22 degrees off the main direction, which shows its depth too.
-  double azimuth = 30.0 * kDegree;
-  if (bounds.horizontal() > 0.02 * bounds.extent())
-    azimuth = 22.0 * kDegree - main_direction(report, centre_, -8.0 * kDegree);
+  const double azimuth = 22.0 * kDegree - main_direction(fitted, centre_, -8.0 * kDegree);
   look(azimuth, elevation);
-  if (dot(net_motion(report), right_) < -0.05 * bounds.extent()) look(azimuth + std::numbers::pi, elevation);
+  if (dot(net_motion(fitted), right_) < -0.05 * bounds.extent()) look(azimuth + std::numbers::pi, elevation);
   const Vector d = minus(bounds.high, bounds.low);
   distance_ = 3.4 * 0.5 * std::sqrt(dot(d, d));
 }

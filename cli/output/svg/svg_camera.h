@@ -3,6 +3,7 @@
 
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "base/vector.h"
 #include "session/report.h"
@@ -21,13 +22,22 @@ struct Box2 {
   double bottom = -std::numeric_limits<double>::infinity();
 
   void include(const Point2& p);
+  // Whether it holds anything.
+  explicit operator bool() const { return left <= right; }
+  bool contains(const Point2& p) const { return p.x >= left && p.x <= right && p.y >= top && p.y <= bottom; }
   double width() const { return right - left; }
   double height() const { return bottom - top; }
   bool overlaps(const Box2& other) const;
 };
 
-// Bounds of all samples that are finite, in the scene's axes turned so that y is up. Never empty: a scene without
-// extent gets a box of one unit around its place.
+// The trails that a picture is fitted to, by their places in the report.
+struct Fitted {
+  const session::TrailReport& report;
+  const std::vector<std::size_t>& trails;
+};
+
+// Bounds of the samples that are finite, in the scene's axes turned so that y is up. Never empty: trails without
+// extent get a box of one unit around their place.
 struct Bounds {
   Vector low, high;
   double extent() const;  // the longest side
@@ -37,13 +47,13 @@ struct Bounds {
 
 // Turned so that y is up.
 Vector y_up(const Vector& v, char up_axis);
-Bounds bounds_of(const session::TrailReport& report);
+Bounds bounds_of(const Fitted& fitted);
 
 // Looks at the bounds. The perspective looks down a little, from where the main direction of the motion runs across
 // the picture, from left to right. Front looks along -z, side along -x, top along -y.
 class Camera {
  public:
-  Camera(const std::string& view, const session::TrailReport& report, const Bounds& bounds);
+  Camera(const std::string& view, const Fitted& fitted, const Bounds& bounds);
   // On the picture's plane, y downwards, in no particular unit. Takes points with y up.
   Point2 project(const Vector& p) const;
   bool is_perspective() const { return distance_ > 0.0; }
@@ -64,6 +74,14 @@ struct Placement {
   double scale = 1.0;
   Point2 shift;
   Point2 apply(const Point2& p) const { return {p.x * scale + shift.x, p.y * scale + shift.y}; }
+};
+
+// From the scene's own axes to pixels.
+struct Lens {
+  Camera camera;
+  Placement placement;
+  char up_axis;
+  Point2 operator()(const Vector& p) const { return placement.apply(camera.project(y_up(p, up_axis))); }
 };
 
 // The largest of 1, 2, 5 times a power of ten that is at most `size`, which is above 0.

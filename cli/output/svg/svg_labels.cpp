@@ -22,8 +22,6 @@ constexpr std::size_t kManyKeys = 24;
 // Up to here names are written large.
 constexpr std::size_t kFewTrails = 8;
 
-Box2 box_around(const Point2& p, double radius) { return {p.x - radius, p.x + radius, p.y - radius, p.y + radius}; }
-
 // How telling a frame number is: multiples of 100 before those of 50, 20, 10, 5, 2, then whole ones, then the rest.
 int roundness(double frame) {
   constexpr std::array<double, 7> kSteps = {100, 50, 20, 10, 5, 2, 1};
@@ -54,7 +52,25 @@ void add_candidates(const DrawnTrail& drawn, bool ends_only, std::vector<Candida
   }
 }
 
+// The last `parts` names of a path, where it has so many.
+std::string path_end(const std::string& path, std::size_t parts) {
+  std::size_t at = path.size();
+  for (; parts > 0 && at != std::string::npos && at > 0; --parts) at = path.rfind('|', at - 1);
+  return at == std::string::npos || at == 0 ? path : path.substr(at + 1);
+}
+
 }  // namespace
+
+std::string shortened(const std::string& text, std::size_t most) {
+  if (width(text) <= most) return text;
+  std::size_t at = text.size();
+  for (std::size_t n = 0; n + 1 < most; ++n) do
+      --at;
+    while (at > 0 && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80);
+  return "\u2026" + text.substr(at);
+}
+
+Box2 box_around(const Point2& p, double radius) { return {p.x - radius, p.x + radius, p.y - radius, p.y + radius}; }
 
 Occupancy::Occupancy(const Box2& area)
     : area_(area),
@@ -89,9 +105,9 @@ bool Occupancy::is_free(const Box2& box) const {
   return std::none_of(taken_.begin(), taken_.end(), [&](const Box2& other) { return other.overlaps(box); });
 }
 
-bool draw_label(TextSink& out, Occupancy& occupancy, const Point2& at, const std::string& text, const char* classes,
-                double size) {
-  const double w = 0.62 * size * static_cast<double>(width(text)) + 2.0, h = size + 1.0, gap = 7.0;
+std::optional<Label> place_label(Occupancy& occupancy, const Point2& at, const std::string& text,
+                                 const Lettering& how) {
+  const double w = 0.62 * how.size * static_cast<double>(width(text)) + 2.0, h = how.size + 1.0, gap = how.gap;
   const std::array<Point2, 8> offsets = {{{gap, -gap - h},
                                           {-gap - w, -gap - h},
                                           {gap, gap},
@@ -100,27 +116,38 @@ bool draw_label(TextSink& out, Occupancy& occupancy, const Point2& at, const std
                                           {-w / 2, gap + 2},
                                           {gap + 3, -h / 2},
                                           {-gap - 3 - w, -h / 2}}};
-  const Box2* best = nullptr;
-  std::array<Box2, 8> boxes;
-  for (std::size_t i = 0; i < offsets.size(); ++i) {
-    const Point2 corner{at.x + offsets[i].x, at.y + offsets[i].y};
-    boxes[i] = {corner.x, corner.x + w, corner.y, corner.y + h};
-    if (!occupancy.is_free(boxes[i])) continue;
-    const bool clear = !occupancy.crosses_line(boxes[i]);
-    if (clear || best == nullptr) best = &boxes[i];
+  std::optional<Box2> best;
+  for (const Point2& offset : offsets) {
+    const Point2 corner{at.x + offset.x, at.y + offset.y};
+    const Box2 box{corner.x, corner.x + w, corner.y, corner.y + h};
+    if (!occupancy.is_free(box)) continue;
+    const bool clear = !occupancy.crosses_line(box);
+    if (clear || !best) best = box;
     if (clear) break;
   }
-  if (best == nullptr) return false;
+  if (!best) return std::nullopt;
   occupancy.take(*best);
-  out << "<text class=\"label " << classes << "\" x=\"" << pixel(best->left + 1.0) << "\" y=\""
-      << pixel(best->bottom - 0.2 * h) << "\">" << xml_text(text) << "</text>\n";
-  return true;
+  return Label{{best->left + 1.0, best->bottom - 0.2 * h}, text, how.classes, {}};
+}
+
+void draw_labels(TextSink& out, const std::vector<Label>& labels) {
+  PathData leaders;
+  for (const Label& label : labels) {
+    if (!label.leader) continue;
+    leaders.move(label.leader->from);
+    leaders.line(label.leader->to);
+  }
+  if (!leaders.empty()) out << "<path class=\"leader\" d=\"" << leaders.text() << "\"/>\n";
+  for (const Label& label : labels)
+    out << "<text class=\"label " << label.classes << "\" x=\"" << pixel(label.at.x) << "\" y=\"" << pixel(label.at.y)
+        << "\">" << xml_text(label.text) << "</text>\n";
 }
 
 std::vector<KeyMark> choose_keys(const std::vector<DrawnTrail>& trails, Occupancy& occupancy) {
+  const bool few = trails.size() <= kFewTrails;
   std::vector<Candidate> candidates;
   for (const DrawnTrail& drawn : trails)
-    if (!drawn.trail().key_times.empty()) add_candidates(drawn, trails.size() > kFewTrails, candidates);
+    if (!drawn.trail().key_times.empty() && (few || drawn.lit())) add_candidates(drawn, !few, candidates);
   std::stable_sort(candidates.begin(), candidates.end(),
                    [](const Candidate& a, const Candidate& b) { return a.rank < b.rank; });
   std::vector<KeyMark> marks;
@@ -149,28 +176,68 @@ void draw_keys(TextSink& out, const std::vector<KeyMark>& marks) {
   out << "<path class=\"diamond\" style=\"fill:" << color << "\" d=\"" << path.text() << "\"/>\n";
 }
 
-std::size_t label_keys(TextSink& out, const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t limit) {
-  std::size_t done = 0;
-  for (const KeyMark& mark : marks)
-    if (done < limit && draw_label(out, occupancy, mark.at, readable(mark.time, 7), "soft key", 10.5)) ++done;
-  return marks.size() - done;
+std::vector<Label> label_keys(const std::vector<KeyMark>& marks, Occupancy& occupancy, std::size_t limit) {
+  std::vector<Label> labels;
+  for (const KeyMark& mark : marks) {
+    if (labels.size() == limit) break;
+    if (auto label = place_label(occupancy, mark.at, readable(mark.time, 7), {"soft key", 10.5}))
+      labels.push_back(std::move(*label));
+  }
+  return labels;
 }
 
-void label_trails(TextSink& out, const std::vector<DrawnTrail>& trails, Occupancy& occupancy) {
-  std::unordered_map<std::string, int> uses;
-  for (const DrawnTrail& drawn : trails) ++uses[drawn.trail().name];
-  for (const DrawnTrail& drawn : trails) {
-    const session::TrailView& trail = drawn.trail();
-    const auto last =
-        std::find_if(trail.points->rbegin(), trail.points->rend(), [](const Vector& p) { return is_finite(p); });
-    if (last == trail.points->rend()) continue;
-    const std::string text = uses[trail.name] > 1 ? trail.source : trail.name;
-    const std::string shown = trail.warnings.empty() ? text : text + " \u26a0";
-    if (trails.size() <= kFewTrails)
-      draw_label(out, occupancy, drawn.place(*last), shown, "ink name", 13.0);
-    else
-      draw_label(out, occupancy, drawn.place(*last), shown, "ink small", 11.0);
+std::vector<std::string> names_of(const session::TrailReport& report) {
+  std::vector<std::string> names;
+  for (const session::TrailView& trail : report.trails) names.push_back(trail.name);
+  std::vector<std::size_t> alike(names.size());
+  for (std::size_t i = 0; i < alike.size(); ++i) alike[i] = i;
+  // Each round adds a name of the path to those that are still alike; it ends with whole paths, which differ.
+  for (std::size_t parts = 2; parts < 1000 && !alike.empty(); ++parts) {
+    std::unordered_map<std::string, int> uses;
+    for (const std::size_t i : alike) ++uses[names[i]];
+    std::erase_if(alike, [&](std::size_t i) { return uses[names[i]] == 1; });
+    for (const std::size_t i : alike) names[i] = path_end(report.trails[i].source, parts);
   }
+  for (std::size_t i = 0; i < names.size(); ++i)
+    if (!report.trails[i].warnings.empty()) names[i] += " \u26a0";
+  return names;
+}
+
+namespace {
+
+// As near to a point as there is room; from afar a line leads to it.
+std::optional<Label> place_number(Occupancy& occupancy, const Point2& at, std::size_t number) {
+  constexpr std::array<double, 7> kGaps = {4.0, 12.0, 22.0, 34.0, 48.0, 64.0, 82.0};
+  for (const double gap : kGaps) {
+    auto label = place_label(occupancy, at, std::to_string(number), {"ink number", 10.0, gap});
+    if (!label) continue;
+    const Point2 middle{label->at.x + 3.0 * static_cast<double>(label->text.size()), label->at.y - 3.5};
+    if (gap > kGaps.front()) label->leader = Line{at, middle};
+    return label;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+Names place_names(const std::vector<Named>& objects, const std::vector<std::string>& names, Occupancy& occupancy,
+                  std::size_t limit) {
+  constexpr std::size_t kMostLetters = 32;
+  Names result;
+  for (const Named& object : objects) {
+    const bool large = object.lit || objects.size() <= kFewTrails;
+    const Lettering how = large ? Lettering{"ink name", 13.0, 9.0} : Lettering{"ink small", 11.0, 5.0};
+    auto label = place_label(occupancy, object.at, shortened(names[object.trail], kMostLetters), how);
+    if (!label && result.numbered.size() < limit) {
+      label = place_number(occupancy, object.at, result.numbered.size() + 1);
+      if (label) result.numbered.push_back(object.trail);
+    }
+    if (label)
+      result.labels.push_back(std::move(*label));
+    else
+      ++result.left_out;
+  }
+  return result;
 }
 
 }  // namespace vantorelix::cli

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <filesystem>
 
+#include "cli/output/svg/svg_labels.h"
 #include "cli/output/svg/svg_path.h"
 #include "cli/output/text.h"
 #include "engine/colour/colour.h"
@@ -14,9 +15,12 @@ namespace vantorelix::cli {
 
 namespace {
 
-constexpr std::size_t kMaxRows = 8;
 constexpr double kRow = 18.0;
 constexpr double kHead = 24.0;
+// The table of measures stands beside the rest where there is so much room, else below it.
+constexpr double kTable = 620.0, kBeside = 900.0;
+constexpr double kSignWidth = 215.0, kNumberWidth = 185.0;
+constexpr std::size_t kNumberLetters = 26;
 
 void draw_text(TextSink& out, double x, double y, const char* classes, const std::string& text,
                const char* anchor = "start") {
@@ -30,46 +34,50 @@ void draw_swatch(TextSink& out, double x, double y, const Vector& color) {
 }
 
 // The engine's ramp, with what a trail's usual speed and 2.5 times it look like.
-void draw_ramp(TextSink& out, double x, double y) {
-  constexpr double kWidth = 240.0;
+void draw_ramp(TextSink& out, double x, double y, const Coloring& coloring) {
+  constexpr double kWidth = 380.0;
   out << "<defs><linearGradient id=\"ramp\">";
   for (const RampStop& stop : _RAMP_STOPS)
-    out << "<stop offset=\"" << stop.t << "\" stop-color=\"" << hex_color(stop.colour) << "\"/>";
+    out << "<stop offset=\"" << stop.t << "\" stop-color=\"" << hex_color(speed_color(stop.t, coloring)) << "\"/>";
   out << "</linearGradient></defs>\n<rect x=\"" << pixel(x) << "\" y=\"" << pixel(y - 5.0) << "\" width=\""
       << pixel(kWidth) << "\" height=\"10\" rx=\"5\" fill=\"url(#ramp)\"/>\n";
   const double usual = x + kWidth / _SPACING_RED_MULT;
   draw_text(out, x, y + 20.0, "soft small", "at rest");
-  draw_text(out, usual, y + 20.0, "soft small", "trail's mean speed", "middle");
+  draw_text(out, usual, y + 20.0, "soft small", "typical speed while moving", "middle");
   draw_text(out, x + kWidth, y + 20.0, "soft small", fixed(_SPACING_RED_MULT, 1) + "\u00d7", "end");
 }
 
 // Heading and samples of the mode that the trails are shown in; returns the y below.
-double draw_meaning(TextSink& out, const session::TrailReport& report, double x, double y) {
-  const std::int64_t mode = report.trails.empty() ? 0 : report.trails.front().color_mode;
+double draw_meaning(TextSink& out, const Legend& legend, double x, double y) {
+  const auto& trails = legend.report.trails;
+  const std::int64_t mode = trails.empty() ? 0 : trails.front().color_mode;
   const auto head = [&](const char* text) { draw_text(out, x, y, "ink", text); };
   const auto sample = [&](int row, const Vector& color, const std::string& text) {
     const double at = y + kHead + kRow * row;
     draw_swatch(out, x + 3.0, at - 4.0, color);
     draw_text(out, x + 40.0, at, "soft", text);
   };
+  if (legend.coloring.by_object) {
+    head("Colour: each object its own");
+    return y + kHead;
+  }
   if (mode == 1) {
     head("Colour: speed");
-    draw_ramp(out, x, y + 18.0);
+    draw_ramp(out, x, y + 18.0, legend.coloring);
     return y + 18.0 + 46.0;
   }
   if (mode == 2) {
-    // One sample long before the current frame, one long after it.
-    const auto colors = compute_temperature_colors(2, -1e9, 1e12);
+    const auto colors = flow_colors(legend.coloring);
     head("Colour: flow");
-    sample(0, colors.front(), "up to the current frame");
-    sample(1, colors.back(), "after it");
+    sample(0, colors.past, "up to the current frame");
+    sample(1, colors.future, "after it");
     return y + kHead + 2 * kRow;
   }
   if (mode == 3) {
-    const auto colors = compute_beats_colors(2, 0.0, 1.0, {1.0});
+    const auto colors = beat_colors(legend.coloring);
     head("Colour: beats, changing at each key");
-    sample(0, colors.back(), "after an odd key");
-    sample(1, colors.front(), "after an even key, and before the first");
+    sample(0, colors.odd, "after an odd key");
+    sample(1, colors.even, "after an even key, and before the first");
     return y + kHead + 2 * kRow;
   }
   head("Colour: standard");
@@ -77,54 +85,132 @@ double draw_meaning(TextSink& out, const session::TrailReport& report, double x,
   return y + kHead + kRow;
 }
 
-double draw_marker_key(TextSink& out, double x, double y) {
-  out << "<path class=\"diamond\" d=\"M" << pixel(x + 16.0) << ' ' << pixel(y - 8.5)
-      << "l4.5 4.5-4.5 4.5-4.5-4.5z\"/>\n";
-  draw_text(out, x + 40.0, y, "soft", "key, with its frame");
-  return y + kRow;
+// The height of the above.
+double meaning_height(const Legend& legend) {
+  const auto& trails = legend.report.trails;
+  if (legend.coloring.by_object) return kHead;
+  const std::int64_t mode = trails.empty() ? 0 : trails.front().color_mode;
+  return mode == 1 ? 64.0 : kHead + kRow * (mode == 2 || mode == 3 ? 2.0 : 1.0);
 }
 
-bool has_keys(const session::TrailReport& report) {
-  return std::any_of(report.trails.begin(), report.trails.end(),
-                     [](const session::TrailView& trail) { return !trail.key_times.empty(); });
+void draw_sign(TextSink& out, Sign sign, double x, double y, const session::TrailReport& report) {
+  const std::string at = pixel(x + 16.0) + " " + pixel(y - 4.0);
+  const std::string circle = "cx=\"" + pixel(x + 16.0) + "\" cy=\"" + pixel(y - 4.0) + "\"";
+  const auto text = [&](const std::string& words) { draw_text(out, x + 40.0, y, "soft", words); };
+  switch (sign) {
+    case Sign::place:
+      out << "<circle class=\"ring lit\" " << circle << " r=\"5.5\" fill=\"none\"/>\n";
+      return text("object at frame " + readable(report.current, 8));
+    case Sign::key:
+      out << "<path class=\"diamond\" d=\"M" << pixel(x + 16.0) << ' ' << pixel(y - 8.5)
+          << "l4.5 4.5-4.5 4.5-4.5-4.5z\"/>\n";
+      return text("key, with its frame");
+    case Sign::arrow:
+      out << "<path class=\"arrow\" d=\"M" << at << "m6 0l-10 4.5 2-4.5-2-4.5z\"/>\n";
+      return text("direction of the motion");
+    case Sign::hold:
+      out << "<rect class=\"hold\" x=\"" << pixel(x + 9.0) << "\" y=\"" << pixel(y - 11.0)
+          << "\" width=\"14\" height=\"14\" rx=\"3\"/>\n";
+      return text("where it holds");
+    case Sign::before:
+    case Sign::after:
+      out << "<g class=\"skin " << (sign == Sign::before ? "before" : "after") << "\"><path d=\"M" << at
+          << "m-10 0h20\"/></g>\n";
+      return text(sign == Sign::before ? "the figure before that" : "the figure after that");
+    case Sign::faint:
+      out << "<path class=\"soft-line\" d=\"M" << at << "m-13 0h26\"/>\n";
+      return text("other trails, without dots");
+  }
 }
 
-// The path where it fits, else the name alone.
-std::string row_name(const session::TrailView& trail) {
-  const std::string path = width(trail.source) <= 36 ? trail.source : "\u2026|" + trail.name;
-  return trail.warnings.empty() ? path : path + " \u26a0";
+std::size_t columns(double width, double column) {
+  return static_cast<std::size_t>(std::max(1.0, std::floor(width / column)));
 }
 
-// Name, keys, length, speeds of the first few trails.
-void draw_measures(TextSink& out, const session::TrailReport& report, double right, double y) {
+std::size_t rows_of(std::size_t n, std::size_t across) { return (n + across - 1) / across; }
+
+// Signs and notes; returns the y below.
+double draw_remarks(TextSink& out, const Legend& legend, double x, double y, double width) {
+  const std::size_t across = columns(width, kSignWidth);
+  for (std::size_t i = 0; i < legend.signs.size(); ++i)
+    draw_sign(out, legend.signs[i], x + kSignWidth * static_cast<double>(i % across),
+              y + kRow * static_cast<double>(i / across), legend.report);
+  y += kRow * static_cast<double>(rows_of(legend.signs.size(), across));
+  for (const std::string& note : legend.notes) {
+    draw_text(out, x, y, "soft small", note);
+    y += kRow;
+  }
+  return y;
+}
+
+double left_height(const Legend& legend, double width) {
+  const std::size_t rows = rows_of(legend.signs.size(), columns(width, kSignWidth)) + legend.notes.size();
+  return meaning_height(legend) + kRow * static_cast<double>(rows);
+}
+
+std::size_t table_rows(const Legend& legend) { return std::min(legend.order.size(), legend.rows); }
+
+double table_height(const Legend& legend) {
+  return legend.rows == 0 ? 0.0 : kHead + kRow * static_cast<double>(table_rows(legend));
+}
+
+bool table_is_beside(double width) { return width >= kBeside; }
+double left_width(double width) { return table_is_beside(width) ? width - kTable : width; }
+
+double numbers_height(const Legend& legend, double width) {
+  if (legend.numbered.empty()) return 0.0;
+  return kHead + kRow * static_cast<double>(rows_of(legend.numbered.size(), columns(width, kNumberWidth)));
+}
+
+// Down the columns, as lists are read.
+void draw_numbered(TextSink& out, const Legend& legend, double x, double y, double width) {
+  if (legend.numbered.empty()) return;
+  draw_text(out, x, y, "ink", "Numbers in the picture");
+  const std::size_t rows = rows_of(legend.numbered.size(), columns(width, kNumberWidth));
+  for (std::size_t i = 0; i < legend.numbered.size(); ++i) {
+    const double at = x + kNumberWidth * static_cast<double>(i / rows);
+    const double row = y + kHead + kRow * static_cast<double>(i % rows);
+    draw_text(out, at + 18.0, row, "ink number", std::to_string(i + 1), "end");
+    draw_text(out, at + 24.0, row, "soft small", shortened(legend.names[legend.numbered[i]], kNumberLetters));
+  }
+}
+
+// Name, keys, length and speeds of the first few trails; a narrow table has fewer columns.
+void draw_measures(TextSink& out, const Legend& legend, double left, double right, double y) {
+  const session::TrailReport& report = legend.report;
+  const std::string unit = session::unit_text(report);
   const double keys = right - 340.0, length = right - 225.0, mean = right - 110.0, fastest = right;
-  const double name = right - 620.0;
-  draw_text(out, name, y, "ink", counted(report.trails.size(), "trail"));
-  draw_text(out, keys, y, "soft small", "keys", "end");
-  draw_text(out, length, y, "soft small", "length, " + session::unit_text(report), "end");
-  draw_text(out, mean, y, "soft small", "mean " + session::unit_text(report) + "/s", "end");
-  draw_text(out, fastest, y, "soft small", "fastest " + session::unit_text(report) + "/s", "end");
-  const std::size_t rows = report.trails.size() <= kMaxRows ? report.trails.size() : kMaxRows - 1;
+  const bool full = right - left >= kTable - 1.0;
+  if (legend.rows == 0) return;
+  draw_text(out, left, y, "ink", counted(report.trails.size(), "trail"));
+  if (full) draw_text(out, keys, y, "soft small", "keys", "end");
+  if (full) draw_text(out, length, y, "soft small", "length, " + unit, "end");
+  draw_text(out, mean, y, "soft small", "mean " + unit + "/s", "end");
+  draw_text(out, fastest, y, "soft small", "fastest " + unit + "/s", "end");
+  const std::size_t n = table_rows(legend), rows = n < report.trails.size() ? n - 1 : n;
   for (std::size_t i = 0; i < rows; ++i) {
-    const session::TrailView& trail = report.trails[i];
+    const session::TrailView& trail = report.trails[legend.order[i]];
     const session::TrailMeasure m = session::measure(trail, report.fps);
     const double at = y + kHead + kRow * static_cast<double>(i);
-    draw_text(out, name, at, trail.warnings.empty() ? "soft" : "warn", row_name(trail));
-    draw_text(out, keys, at, "soft", std::to_string(trail.key_times.size()), "end");
-    draw_text(out, length, at, "soft", readable(m.length), "end");
+    const double indent = legend.coloring.by_object ? 40.0 : 0.0;
+    if (indent > 0.0) draw_swatch(out, left + 3.0, at - 4.0, object_color(legend.order[i]));
+    draw_text(out, left + indent, at, trail.warnings.empty() ? "soft" : "warn",
+              shortened(legend.names[legend.order[i]], full ? 36 : 26));
+    if (full) draw_text(out, keys, at, "soft", std::to_string(trail.key_times.size()), "end");
+    if (full) draw_text(out, length, at, "soft", readable(m.length), "end");
     draw_text(out, mean, at, "soft", readable(m.mean), "end");
     draw_text(out, fastest, at, "soft", readable(m.fastest), "end");
   }
   if (rows < report.trails.size())
-    draw_text(out, name, y + kHead + kRow * static_cast<double>(rows), "soft",
+    draw_text(out, left, y + kHead + kRow * static_cast<double>(rows), "soft",
               "and " + std::to_string(report.trails.size() - rows) + " more");
 }
 
 }  // namespace
 
-void draw_title(TextSink& out, const session::TrailReport& report, double left, double top) {
+void draw_title(TextSink& out, const session::TrailReport& report, const std::string& title, double left, double top) {
   const std::string file = std::filesystem::path(report.scene).filename().string();
-  draw_text(out, left, top + 22.0, "ink title", file);
+  draw_text(out, left, top + 22.0, "ink title", title.empty() ? file : title);
   const double seconds = (report.last - report.first) / report.fps;
   draw_text(out, left, top + 44.0, "soft",
             counted(report.trails.size(), "trail") + "  \u00b7  frames " + readable(report.first, 8) + " to " +
@@ -132,24 +218,24 @@ void draw_title(TextSink& out, const session::TrailReport& report, double left, 
                 readable(seconds, 4) + " s");
 }
 
-double legend_height(const session::TrailReport& report, const std::vector<std::string>& notes) {
-  const double measures = kHead + kRow * static_cast<double>(std::min(report.trails.size(), kMaxRows));
-  const double meaning = 90.0 + kRow * static_cast<double>(notes.size());
-  return std::max(measures, meaning) + 34.0;
+double legend_height(const Legend& legend, double width) {
+  const double left = left_height(legend, left_width(width)), table = table_height(legend);
+  const double both = table_is_beside(width) ? std::max(left, table) : left + (table > 0.0 ? table + kRow : 0.0);
+  const double numbers = numbers_height(legend, width);
+  return 34.0 + both + (numbers > 0.0 ? numbers + 10.0 : 0.0);
 }
 
-void draw_legend(TextSink& out, const session::TrailReport& report, const std::vector<std::string>& notes,
-                 const Box2& area) {
+void draw_legend(TextSink& out, const Legend& legend, const Box2& area) {
   out << "<line class=\"frame\" x1=\"" << pixel(area.left) << "\" y1=\"" << pixel(area.top) << "\" x2=\""
       << pixel(area.right) << "\" y2=\"" << pixel(area.top) << "\"/>\n";
-  const double top = area.top + 28.0;
-  double y = draw_meaning(out, report, area.left, top);
-  if (has_keys(report)) y = draw_marker_key(out, area.left, y);
-  for (const std::string& note : notes) {
-    draw_text(out, area.left, y, "soft small", note);
-    y += kRow;
-  }
-  draw_measures(out, report, area.right, top);
+  const double top = area.top + 28.0, width = area.width();
+  const bool beside = table_is_beside(width);
+  const double meaning = draw_meaning(out, legend, area.left, top);
+  const double below = draw_remarks(out, legend, area.left, meaning, left_width(width));
+  const double table = beside ? top : below + kRow;
+  draw_measures(out, legend, beside ? area.right - kTable : area.left, area.right, table);
+  const double numbers = legend.rows == 0 ? below : std::max(below, table + table_height(legend));
+  draw_numbered(out, legend, area.left, numbers + 10.0, width);
 }
 
 }  // namespace vantorelix::cli

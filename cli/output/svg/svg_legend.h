@@ -1,4 +1,4 @@
-// The words around a picture: title above, meaning of the colours and measures of the trails below.
+// The words around a picture: title above, meaning of the colours and signs and measures of the trails below.
 #pragma once
 
 #include <string>
@@ -6,16 +6,29 @@
 
 #include "base/text_sink.h"
 #include "cli/output/svg/svg_camera.h"
+#include "cli/output/svg/svg_colors.h"
 #include "session/report.h"
 
 namespace vantorelix::cli {
 
-void draw_title(TextSink& out, const session::TrailReport& report, double left, double top);
+// Marks in a picture that the legend explains.
+enum class Sign { place, key, arrow, hold, before, after, faint };
 
-// Height that the legend needs.
-double legend_height(const session::TrailReport& report, const std::vector<std::string>& notes);
-// `notes` are remarks on how the picture was made.
-void draw_legend(TextSink& out, const session::TrailReport& report, const std::vector<std::string>& notes,
-                 const Box2& area);
+struct Legend {
+  const session::TrailReport& report;
+  Coloring coloring;
+  std::vector<std::size_t> order;  // of the trails: those that matter first
+  std::vector<std::string> names;  // by trail
+  std::vector<Sign> signs;
+  std::vector<std::string> notes;     // remarks on how the picture was made
+  std::vector<std::size_t> numbered;  // the trails whose objects have a number in the picture, from 1 on
+  std::size_t rows = 0;               // of the table of measures, at most
+};
+
+void draw_title(TextSink& out, const session::TrailReport& report, const std::string& title, double left, double top);
+
+// Height that the legend needs in this width.
+double legend_height(const Legend& legend, double width);
+void draw_legend(TextSink& out, const Legend& legend, const Box2& area);
 
 }  // namespace vantorelix::cli

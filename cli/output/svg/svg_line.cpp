@@ -1,42 +1,21 @@
 #include "cli/output/svg/svg_line.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "base/mathematics/mathematics.h"
 #include "cli/output/svg/svg_path.h"
-#include "engine/colour/colour.h"
 
 namespace vantorelix::cli {
 
 namespace {
 
-enum Mode { kStandard = 0, kSpacing = 1, kFlow = 2, kBeats = 3 };
-
-// Steps of a colour channel. Speeds change from sample to sample: coarser than the eye can tell apart in a thin line,
-// so that neighbours share a path.
-int color_levels(const session::TrailView& trail) { return trail.color_mode == kSpacing ? 51 : 255; }
+enum Mode { kSpacing = 1, kFlow = 2 };
 
 }  // namespace
 
-Vectors mode_colors(const session::TrailView& trail) {
-  const host::Value n(static_cast<std::int64_t>(trail.points->size()));
-  const auto shared = [](std::vector<Vector> colors) {
-    return std::make_shared<const std::vector<Vector>>(std::move(colors));
-  };
-  switch (trail.color_mode) {
-    case kSpacing:
-      return trail.colors;
-    case kFlow:
-      return shared(compute_temperature_colors(n, trail.start_frame, trail.frame_step));
-    case kBeats:
-      return shared(compute_beats_colors(n, trail.start_frame, trail.frame_step, trail.key_times));
-    default:
-      return shared(compute_standard_colors(n));
-  }
-}
-
-DrawnTrail::DrawnTrail(const session::TrailView& trail, Vectors colors, Project project)
-    : trail_(trail), colors_(std::move(colors)), project_(std::move(project)) {}
+DrawnTrail::DrawnTrail(const session::TrailView& trail, Look look, Project project)
+    : trail_(trail), look_(std::move(look)), project_(std::move(project)) {}
 
 template <class Visit>
 void DrawnTrail::for_each_kept(const Thinning& thinning, const Project& project, const Visit& visit) const {
@@ -98,7 +77,7 @@ void DrawnTrail::draw_casing(TextSink& out, const Thinning& thinning) const {
 
 // A band of the beats starts with its key; the future starts behind the current frame; speeds blend.
 Vector DrawnTrail::segment_color(std::size_t from, std::size_t to) const {
-  const auto& colors = *colors_;
+  const auto& colors = *look_.colors;
   if (to >= colors.size()) return {};
   if (trail_.color_mode == kFlow) return colors[to];
   if (trail_.color_mode != kSpacing) return colors[from];
@@ -120,7 +99,7 @@ void DrawnTrail::draw_line(TextSink& out, const Thinning& thinning) const {
       finish();
       color.clear();
     } else {
-      const std::string next = hex_color(segment_color(from, to), color_levels(trail_));
+      const std::string next = hex_color(segment_color(from, to), look_.levels);
       if (next != color) {
         finish();
         path.move(last);
@@ -134,28 +113,44 @@ void DrawnTrail::draw_line(TextSink& out, const Thinning& thinning) const {
   out << "</g>\n";
 }
 
-void DrawnTrail::draw_dots(TextSink& out, std::size_t stride) const {
+void DrawnTrail::for_each_dot(const DotFrames& frames, const std::function<void(std::size_t)>& visit) const {
+  const auto& points = *trail_.points;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const double frame = trail_.start_frame + static_cast<double>(i) * trail_.frame_step;
+    const double steps = (std::round(frame) - frames.first) / static_cast<double>(frames.stride);
+    const bool whole = std::abs(frame - std::round(frame)) < 1e-6 && steps == std::round(steps);
+    if (whole && is_finite(points[i]) && i < look_.colors->size()) visit(i);
+  }
+}
+
+void DrawnTrail::draw_dots(TextSink& out, const DotFrames& frames) const {
   PathData halo, path;
   std::string color, dots;
   const auto finish = [&] {
     if (!path.empty()) dots += "<path stroke=\"" + color + "\" d=\"" + path.text() + "\"/>\n";
     path.clear();
   };
-  const auto& points = *trail_.points;
-  for (std::size_t i = 0; i < points.size(); i += stride) {
-    if (!is_finite(points[i]) || i >= colors_->size()) continue;
-    const Point2 p = project_(points[i]);
-    const std::string next = hex_color((*colors_)[i], color_levels(trail_));
+  for_each_dot(frames, [&](std::size_t i) {
+    const Point2 p = project_((*trail_.points)[i]);
+    const std::string next = hex_color((*look_.colors)[i], look_.levels);
     if (next != color) finish();
     color = next;
     halo.dot(p);
     path.dot(p);
-  }
+  });
   finish();
+  if (halo.empty()) return;
   const double width = 0.9 * trail_.point_size;
   out << "<path class=\"case\" stroke-width=\"" << pixel(width + 1.6) << "\" d=\"" << halo.text() << "\"/>\n"
       << "<g stroke-width=\"" << pixel(width) << "\">\n"
       << dots << "</g>\n";
+}
+
+Vector DrawnTrail::color_at(double frame) const {
+  if (look_.colors->empty()) return {};
+  const double place = std::round((frame - trail_.start_frame) / trail_.frame_step);
+  return (
+      *look_.colors)[static_cast<std::size_t>(std::clamp(place, 0.0, static_cast<double>(look_.colors->size() - 1)))];
 }
 
 }  // namespace vantorelix::cli

@@ -17,15 +17,27 @@ struct Thinning {
   std::size_t every = 1;
 };
 
+// The whole frames that get a dot: every `stride`-th from `first` on.
+struct DotFrames {
+  double first = 0.0;
+  std::size_t stride = 1;
+};
+
+struct Look {
+  Vectors colors;    // one a sample
+  int levels = 255;  // steps of a colour channel
+  bool lit = true;   // in full strength, with its dots
+};
+
 // A trail as the picture sees it: no copy of its samples.
 class DrawnTrail {
  public:
   using Project = std::function<Point2(const Vector&)>;  // from the scene's axes to pixels
 
-  // `colors`: one a sample, by the trail's colour mode.
-  DrawnTrail(const session::TrailView& trail, Vectors colors, Project project);
+  DrawnTrail(const session::TrailView& trail, Look look, Project project);
 
   const session::TrailView& trail() const { return trail_; }
+  bool lit() const { return look_.lit; }
   Point2 place(const Vector& p) const { return project_(p); }
 
   // How long the line is in the picture, in pixels.
@@ -38,8 +50,11 @@ class DrawnTrail {
 
   void draw_casing(TextSink& out, const Thinning& thinning) const;
   void draw_line(TextSink& out, const Thinning& thinning) const;
-  // Every `stride`-th sample.
-  void draw_dots(TextSink& out, std::size_t stride) const;
+  // Calls visit(sample) for each that lies on a whole frame of `frames`.
+  void for_each_dot(const DotFrames& frames, const std::function<void(std::size_t)>& visit) const;
+  void draw_dots(TextSink& out, const DotFrames& frames) const;
+  // The colour at the sample nearest to a frame.
+  Vector color_at(double frame) const;
   // The line as `project` has it, in the style of `kind`.
   void draw_outline(TextSink& out, const Thinning& thinning, const char* kind, const Project& project) const;
 
@@ -50,11 +65,8 @@ class DrawnTrail {
   Vector segment_color(std::size_t from, std::size_t to) const;
 
   const session::TrailView& trail_;
-  Vectors colors_;
+  Look look_;
   Project project_;
 };
-
-// The colours that a trail's mode shows: the node's own for spacing, the engine's generators for the rest.
-Vectors mode_colors(const session::TrailView& trail);
 
 }  // namespace vantorelix::cli

@@ -1,0 +1,183 @@
+#include "cli/terminal/screenshot.h"
+
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string_view>
+#include <vector>
+
+#include "cli/terminal/browser.h"
+#include "cli/terminal/failure.h"
+#include "cli/terminal/interrupt.h"
+#include "cli/terminal/private_folder.h"
+#include "cli/terminal/process.h"
+
+#ifndef _WIN32
+#include <unistd.h>
+#endif
+
+namespace vantorelix::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::chrono::seconds kLimit(60);
+constexpr const char* kRemedy =
+    "name a Chromium, Chrome, Edge or Firefox in the variable BROWSER, or write a .svg, which needs none";
+
+struct Job {
+  fs::path folder;
+  int width, height;
+  fs::path page() const { return folder / "picture.html"; }
+  fs::path picture() const { return folder / "picture.png"; }
+};
+
+// Gone with all that it holds; a browser may still be putting its things away.
+class Folder {
+ public:
+  explicit Folder(fs::path path) : path_(std::move(path)) {}
+  ~Folder() {
+    std::error_code error;
+    fs::remove_all(path_, error);
+    if (error) fs::remove_all(path_, error);
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+
+ private:
+  fs::path path_;
+};
+
+std::vector<std::string> own_places() {
+#ifdef _WIN32
+  std::vector<std::string> places;
+  for (const char* variable : {"ProgramFiles", "ProgramFiles(x86)", "LocalAppData"}) {
+    const char* folder = std::getenv(variable);
+    if (folder == nullptr) continue;
+    for (const char* program :
+         {"\\Google\\Chrome\\Application\\chrome.exe", "\\Microsoft\\Edge\\Application\\msedge.exe",
+          "\\Chromium\\Application\\chrome.exe", "\\Mozilla Firefox\\firefox.exe"})
+      places.push_back(std::string(folder) + program);
+  }
+  return places;
+#elif defined(__APPLE__)
+  return {"/Applications/Google Chrome.app/Contents/MacOS/Google Chrome",
+          "/Applications/Chromium.app/Contents/MacOS/Chromium",
+          "/Applications/Microsoft Edge.app/Contents/MacOS/Microsoft Edge",
+          "/Applications/Firefox.app/Contents/MacOS/firefox"};
+#else
+  return {"chromium",       "chromium-browser",      "google-chrome", "google-chrome-stable",
+          "microsoft-edge", "microsoft-edge-stable", "firefox"};
+#endif
+}
+
+std::string lower_name(const std::string& program) {
+  std::string name = fs::path(program).filename().string();
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return name;
+}
+
+bool is_firefox(const std::string& program) { return lower_name(program).find("firefox") != std::string::npos; }
+
+bool is_known(const std::string& program) {
+  const std::string name = lower_name(program);
+  return is_firefox(program) || name.find("chrom") != std::string::npos || name.find("edge") != std::string::npos;
+}
+
+std::vector<std::string> browsers() {
+  std::vector<std::string> all;
+  const char* named = std::getenv("BROWSER");
+  std::istringstream stream(named == nullptr ? "" : named);
+#ifdef _WIN32
+  constexpr char kBetween = ';';  // a colon follows the letter of a drive
+#else
+  constexpr char kBetween = ':';
+#endif
+  for (std::string one; std::getline(stream, one, kBetween);) {
+    std::string program;
+    if (std::istringstream(one) >> program && is_known(program)) all.push_back(program);
+  }
+  for (std::string& place : own_places()) all.push_back(std::move(place));
+  return all;
+}
+
+std::vector<std::string> command(const std::string& program, const Job& job) {
+  const std::string size = std::to_string(job.width) + "," + std::to_string(job.height);
+  const std::string profile = (job.folder / "profile").string(), picture = job.picture().string();
+  const std::string address = file_address(fs::absolute(job.page()));
+  if (is_firefox(program))
+    return {program,         "--headless", "--no-remote",  "--profile", profile,
+            "--window-size", size,         "--screenshot", picture,     address};
+  std::vector<std::string> words = {program,
+                                    "--headless",
+                                    "--disable-gpu",
+                                    "--hide-scrollbars",
+                                    "--no-first-run",
+                                    "--no-default-browser-check",
+                                    "--disable-background-networking",
+                                    "--force-device-scale-factor=1",
+                                    "--user-data-dir=" + profile,
+                                    "--window-size=" + size,
+                                    "--screenshot=" + picture};
+#ifndef _WIN32
+  // For the superuser Chromium starts only so; the page is our own and has no script.
+  if (geteuid() == 0) words.push_back("--no-sandbox");
+#endif
+  words.push_back(address);
+  return words;
+}
+
+// Whether it ended well in time.
+bool runs(const std::vector<std::string>& words) {
+  Process process(words);
+  for (auto waited = std::chrono::milliseconds(0); waited < kLimit; waited += std::chrono::milliseconds(100)) {
+    if (const auto ended = process.wait(std::chrono::milliseconds(100))) return *ended;
+    if (interrupted()) break;
+  }
+  process.end();
+  return false;
+}
+
+std::string content_of(const fs::path& file) {
+  std::ostringstream content;
+  content << std::ifstream(file, std::ios::binary).rdbuf();
+  return content.str();
+}
+
+// The number of four bytes from a place on, the largest first.
+long number_at(std::string_view bytes, std::size_t place) {
+  long value = 0;
+  for (std::size_t i = 0; i < 4; ++i) value = value * 256 + static_cast<unsigned char>(bytes[place + i]);
+  return value;
+}
+
+// Whether it is a complete PNG file of the size: it begins with its sign and size and ends with its last chunk.
+bool is_picture(std::string_view bytes, const Job& job) {
+  constexpr std::string_view kSign = "\x89PNG\r\n\x1a\n", kEnd = "IEND\xae\x42\x60\x82";
+  return bytes.size() > 24 && bytes.starts_with(kSign) && bytes.ends_with(kEnd) && number_at(bytes, 16) == job.width &&
+         number_at(bytes, 20) == job.height;
+}
+
+}  // namespace
+
+std::string png_of(const std::string& svg, int width, int height) {
+  const Job job{make_private_folder("write a .svg, which needs none"), width, height};
+  const Folder folder(job.folder);
+  std::ofstream(job.page(), std::ios::binary)
+      << "<!DOCTYPE html><meta charset=\"utf-8\"><style>html,body{margin:0}svg{display:block}</style>" << svg;
+  for (const std::string& program : browsers()) {
+    const bool done = runs(command(program, job));
+    check_interrupt();
+    std::string picture = done ? content_of(job.picture()) : "";
+    if (is_picture(picture, job)) return picture;
+  }
+  throw Failure(std::string("no browser could be found that turns a picture into a .png; ") + kRemedy);
+}
+
+}  // namespace vantorelix::cli
