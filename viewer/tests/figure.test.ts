@@ -45,7 +45,7 @@ describe("a label", () => {
     const widthOf = (text: string) => 10 * [...text].length;
     expect(shortened("LeftHandIndex", 130, widthOf)).toBe("LeftHandIndex");
     const short = shortened("LeftHandIndex", 90, widthOf);
-    expect([short.length, short.startsWith("Left"), short.endsWith("ndex")]).toEqual([9, true, true]);
+    expect([short.length, short.startsWith("Left…"), short.endsWith("ndex")]).toEqual([9, true, true]);
   });
   test("stands inside the picture and over no other", () => {
     const room = new Room(200, 100);

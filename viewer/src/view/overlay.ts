@@ -21,7 +21,7 @@ export interface Mark {
 const MOST_LABELS = 250;
 
 /** Widths to which a label is shortened, one after the other, until there is room for it. */
-const WIDTHS = [180, 110, 64];
+const WIDTHS = [180, 110];
 
 const NOTE = "11px system-ui, sans-serif";
 const LINE = 15;
