@@ -100,7 +100,7 @@ describe("a screen reader", () => {
     const names = (role: string) => nodes.filter((node) => node.role === role).map((node) => node.name);
     expect(names("banner").length).toBe(1);
     expect(names("main").length).toBe(1);
-    expect(names("region").sort()).toEqual(["Also show", "Colour", "Keyboard", "Lines and dots", "Objects", "Settings", "Spacing graph", "Time", "Window in time"]);
+    expect(names("region").sort()).toEqual(["Also show", "Colour", "Keyboard", "Lines and dots", "Objects", "Onion skins", "Settings", "Spacing graph", "Time", "Window in time"]);
     expect(names("application")).toEqual(["Trails"]);
     expect(names("treegrid")).toEqual(["Objects"]);
     expect(names("row").length).toBe(4);
