@@ -1,9 +1,9 @@
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
-import type { Vec3 } from "../src/source/trail";
 import { useBrowser } from "./support/browser";
 import { expectState, inkOf, press, stateOf } from "./support/read";
-import { arc, figures, tree } from "./support/scenes";
+import { settle } from "./support/picture";
+import { arc, figures, points, tree } from "./support/scenes";
 
 const browser = useBrowser();
 
@@ -109,14 +109,17 @@ describe("the list of objects", () => {
   });
 
   test("marks several selected objects with the colours that their curves have in the graph", async () => {
-    const faster = (i: number) => arc("").points.map((p) => p.map((c) => c * (1 + i / 4)) as unknown as Vec3); // curves apart
-    const page = await browser.open({ trails: Array.from({ length: 12 }, (_, i) => arc(`o${i}`, { points: faster(i) })) }, { hash: "select=0.8.3" });
+    const page = await browser.open({ trails: Array.from({ length: 12 }, (_, i) =>
+      arc(`o${i}`, { points: points(24, (k) => [k * (1 + 0.2 * i), 4 * i + Math.sin(k), 0]) })) }, { hash: "select=0.8.3" });
     const color = (selector: string) => page.locator(selector).evaluateAll((all) => all.map((e) => getComputedStyle(e).backgroundColor));
     const inGraph = await color(".graph-names .legend-swatch");
     expect(new Set(inGraph).size).toBe(3); // though the first and the ninth object have one colour of their own
     const inList = await color('.object[aria-selected="true"] .swatch');
     expect([inList[0], inList[2], inList[1]]).toEqual(inGraph);
     await expect.poll(async () => Object.keys(await inkOf(page, ".curves"))).toEqual(
+      expect.arrayContaining(inGraph.map((text) => text.match(/\d+/g)!.join(","))));
+    await settle(page);
+    expect(Object.keys(await inkOf(page, "canvas.overlay"))).toEqual( // the rings around where they are now
       expect.arrayContaining(inGraph.map((text) => text.match(/\d+/g)!.join(","))));
     await cell(page, "o8").click(); // alone, it has the colours of its mode
     expect(await page.locator(".legend-swatch.small").count()).toBe(0);

@@ -2,7 +2,7 @@
 
 import type { Camera } from "three";
 import type { App } from "../model/app";
-import { rgbText } from "../model/colors";
+import { markColor, rgbText } from "../model/colors";
 import { dimming } from "../model/emphasis";
 import { onionSkins } from "../model/figure";
 import { frameText, numberText, unitName } from "../model/format";
@@ -59,7 +59,7 @@ function kindOf({ app, layers }: Picture, index: number, dim: boolean): Mark["ki
 
 function drawMarks(overlay: Overlay, picture: Picture): Label[] {
   const { app, layers, skeleton } = picture;
-  const { frame } = app.store.state;
+  const { frame, selected } = app.store.state;
   const dimmed = dimming(app.store.state);
   const text = distinctNames(app.motion.trails);
   const names: Label[] = [];
@@ -70,7 +70,8 @@ function drawMarks(overlay: Overlay, picture: Picture): Label[] {
     const at = spotOf(picture, app.motion.shownPosition(index, frame));
     if (!at) continue;
     const { values } = layers.colorsOf(index);
-    overlay.mark({ at, color: rgbText(values, nearestSample(app.motion.trails[index], frame)), kind });
+    const color = rgbText(values, nearestSample(app.motion.trails[index], frame));
+    overlay.mark({ at, color, kind, ring: selected.size > 1 ? markColor(index, selected) : undefined });
     if ((few || kind === "selected")) names.push({ at, text: text[index], strong: !dimmed(index) });
   }
   return names.sort((a, b) => Number(b.strong) - Number(a.strong));

@@ -3,7 +3,7 @@
 import { Group, LineBasicMaterial, type Object3D } from "three";
 import type { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
 import type { App } from "../model/app";
-import { objectColor, trailColors } from "../model/colors";
+import { markColor, trailColors } from "../model/colors";
 import { dimming } from "../model/emphasis";
 import { isVisible } from "../model/state";
 import type { Vec3 } from "../source/trail";
@@ -192,7 +192,7 @@ export class TrailLayers {
     const mode = state.mode ?? trail.colorMode;
     let values: Uint8Array;
     if (state.colorBy === "object") {
-      const color = parseInt(objectColor(index).slice(1), 16);
+      const color = parseInt(markColor(index, state.selected).slice(1), 16);
       values = new Uint8Array(3 * trail.count);
       for (let i = 0; i < values.length; i += 3)
         [values[i], values[i + 1], values[i + 2]] = [color >> 16, (color >> 8) & 255, color & 255];

@@ -15,6 +15,8 @@ export interface Mark {
   readonly color: string;
   /** A ring with the selection's colour, a ring, or a small dot. */
   readonly kind: "selected" | "ring" | "dot";
+  /** Of the ring, where it tells one selected object from the others. */
+  readonly ring?: string;
 }
 
 /** The most labels that are drawn: nobody would read more. */
@@ -48,7 +50,7 @@ export class Overlay {
   }
 
   /** Where an object is now: a ring that no sample has, or a small dot. */
-  mark({ at, color, kind }: Mark): void {
+  mark({ at, color, kind, ring }: Mark): void {
     const { context, colors } = this;
     const strong = kind === "selected";
     const radius = kind === "dot" ? 2.5 : strong ? 6 : 5;
@@ -58,7 +60,7 @@ export class Overlay {
     context.fill();
     if (kind === "dot") return;
     context.lineWidth = strong ? 3 : 2;
-    context.strokeStyle = strong ? colors.selected : colors.ink;
+    context.strokeStyle = strong ? (ring ?? colors.selected) : colors.ink;
     context.stroke();
     this.room.take(at.x - radius, at.y - radius, 2 * radius, 2 * radius);
   }
