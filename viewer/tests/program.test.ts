@@ -74,7 +74,10 @@ describe.each(["front", "side", "top", "persp"] as const)("the %s view", (view) 
     const select = scene === "arm.ma" ? ["--select", "*wrist*"] : ["--select", "*"];
     const json = written(scene, ...select, "--color-mode", "standard", "--no-dots", "--line-width", "3", "--view", view);
     const points = json.trails.flatMap((trail) => trail.points.map((p) => turned(p, json.up_axis)));
-    const edge = (pick: (...values: number[]) => number) => [0, 1, 2].map((k) => pick(...points.map((p) => p[k])));
+    // Both look at what moves.
+    const reach = (ps: Vec3[]) => Math.max(...[0, 1, 2].map((k) => Math.max(...ps.map((p) => p[k])) - Math.min(...ps.map((p) => p[k]))));
+    const moving = json.trails.filter((trail) => reach(trail.points) > 1e-4).flatMap((trail) => trail.points.map((p) => turned(p, json.up_axis)));
+    const edge = (pick: (...values: number[]) => number) => [0, 1, 2].map((k) => pick(...moving.map((p) => p[k])));
     const [low, high] = [edge(Math.min), edge(Math.max)];
     const target = low.map((l, k) => (l + high[k]) / 2) as unknown as Vec3;
     const distance = 1.7 * Math.hypot(...high.map((h, k) => h - low[k]));
@@ -83,7 +86,7 @@ describe.each(["front", "side", "top", "persp"] as const)("the %s view", (view) 
       view === "persp" ? await opening.evaluate(() => window.vantorelixViewer.store.state.camera)
         : { azimuth: view === "side" ? 90 : 0, elevation: view === "top" ? 90 : 0 };
     const pose: Pose = { view, target, distance, azimuth, elevation };
-    const page = await browser.openFile(file("x.html"), { hash: `keys=0&labels=0&boxes=0&ghost=1&${poseHash(pose)}` });
+    const page = await browser.openFile(file("x.html"), { hash: `keys=0&labels=0&boxes=0&bones=0&ghost=1&select=0-${json.trails.length - 1}&${poseHash(pose)}` });
     const picture = await Picture.ofViewport(page);
     const drawn = picture.pixelsOf(TEAL, 30);
 

@@ -52,11 +52,14 @@ void add_candidates(const DrawnTrail& drawn, bool ends_only, std::vector<Candida
   }
 }
 
-// The last `parts` names of a path, where it has so many.
-std::string path_end(const std::string& path, std::size_t parts) {
-  std::size_t at = path.size();
-  for (; parts > 0 && at != std::string::npos && at > 0; --parts) at = path.rfind('|', at - 1);
-  return at == std::string::npos || at == 0 ? path : path.substr(at + 1);
+// The name with so many names of the path above it, where there are so many.
+std::string with_path(const session::TrailView& trail, std::size_t above) {
+  std::size_t at = trail.source.rfind('|');
+  if (at == std::string::npos) return trail.name;
+  std::size_t from = at;
+  for (; above > 0 && from != std::string::npos && from > 0; --above) from = trail.source.rfind('|', from - 1);
+  const std::size_t begin = from == std::string::npos ? 0 : from + 1;
+  return begin > at ? trail.name : trail.source.substr(begin, at + 1 - begin) + trail.name;
 }
 
 }  // namespace
@@ -192,11 +195,11 @@ std::vector<std::string> names_of(const session::TrailReport& report) {
   std::vector<std::size_t> alike(names.size());
   for (std::size_t i = 0; i < alike.size(); ++i) alike[i] = i;
   // Each round adds a name of the path to those that are still alike; it ends with whole paths, which differ.
-  for (std::size_t parts = 2; parts < 1000 && !alike.empty(); ++parts) {
+  for (std::size_t above = 1; above < 1000 && !alike.empty(); ++above) {
     std::unordered_map<std::string, int> uses;
     for (const std::size_t i : alike) ++uses[names[i]];
     std::erase_if(alike, [&](std::size_t i) { return uses[names[i]] == 1; });
-    for (const std::size_t i : alike) names[i] = path_end(report.trails[i].source, parts);
+    for (const std::size_t i : alike) names[i] = with_path(report.trails[i], above);
   }
   for (std::size_t i = 0; i < names.size(); ++i)
     if (!report.trails[i].warnings.empty()) names[i] += " \u26a0";

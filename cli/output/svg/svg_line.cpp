@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/mathematics/mathematics.h"
 #include "cli/output/svg/svg_path.h"
 
 namespace vantorelix::cli {
@@ -48,12 +47,6 @@ void DrawnTrail::for_each_stretch(const Thinning& thinning,
     if (on) visit(last, p);
     last = p;
   });
-}
-
-double DrawnTrail::screen_length() const {
-  double length = 0.0;
-  for_each_stretch({0.0, 1}, [&](const Point2& a, const Point2& b) { length += base::hypot(b.x - a.x, b.y - a.y); });
-  return length;
 }
 
 std::size_t DrawnTrail::kept(const Thinning& thinning) const {
@@ -117,8 +110,8 @@ void DrawnTrail::for_each_dot(const DotFrames& frames, const std::function<void(
   const auto& points = *trail_.points;
   for (std::size_t i = 0; i < points.size(); ++i) {
     const double frame = trail_.start_frame + static_cast<double>(i) * trail_.frame_step;
-    const double steps = (std::round(frame) - frames.first) / static_cast<double>(frames.stride);
-    const bool whole = std::abs(frame - std::round(frame)) < 1e-6 && steps == std::round(steps);
+    const double steps = std::round(frame) / static_cast<double>(frames.every);
+    const bool whole = std::abs(frame - std::round(frame)) < 1e-4 && steps == std::round(steps);
     if (whole && is_finite(points[i]) && i < look_.colors->size()) visit(i);
   }
 }

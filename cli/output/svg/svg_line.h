@@ -17,10 +17,9 @@ struct Thinning {
   std::size_t every = 1;
 };
 
-// The whole frames that get a dot: every `stride`-th from `first` on.
+// The whole frames that get a dot: those that `every` divides.
 struct DotFrames {
-  double first = 0.0;
-  std::size_t stride = 1;
+  std::size_t every = 1;
 };
 
 struct Look {
@@ -40,8 +39,6 @@ class DrawnTrail {
   bool lit() const { return look_.lit; }
   Point2 place(const Vector& p) const { return project_(p); }
 
-  // How long the line is in the picture, in pixels.
-  double screen_length() const;
   // How many points the line keeps.
   std::size_t kept(const Thinning& thinning) const;
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/mathematics/mathematics.h"
 #include "base/number_text.h"
 #include "cli/output/text.h"
 
@@ -143,21 +144,29 @@ void Sheet::thin_lines() {
   while (kept() > kMaxPoints && thinning.every < 1'000'000'000) thinning.every *= 2;
 }
 
-// Dots tell speed only while they can be told apart.
+// So that dots do not touch, but for where an object eases: the page has the same rule
+// (viewer/src/view/dot_spacing.ts).
 void Sheet::thin_dots() {
-  dots.first = std::ceil(subject.report.first - 1e-6);
-  double length = 0.0, size = 1.0;
+  constexpr double kHolds = 0.05;  // pixels a frame below which the dots lie upon each other however few they are
+  constexpr double kMayTouch = 0.25;
+  std::vector<double> gaps;  // of stretches: distance a frame, in parts of what dots need
   std::size_t frames = 0;
-  for (std::size_t i = 0; i < trails.size(); ++i) {
-    if (!trails[i].lit() || !subject.motion.moves[i]) continue;
-    length += trails[i].screen_length();
-    trails[i].for_each_dot(dots, [&](std::size_t) { ++frames; });
-    size = std::max(size, trails[i].trail().point_size);
+  for (const DrawnTrail& drawn : trails) {
+    const session::TrailView& trail = drawn.trail();
+    if (!drawn.lit() || !trail.show_dots) continue;
+    drawn.for_each_stretch({0.0, 1}, [&](const Point2& from, const Point2& to) {
+      const double pixels = base::hypot(to.x - from.x, to.y - from.y) / trail.frame_step;
+      if (pixels >= kHolds) gaps.push_back(pixels / (trail.point_size + 1.0));
+    });
+    drawn.for_each_dot(dots, [&](std::size_t) { ++frames; });
   }
-  const double spacing = std::max(length / std::max<double>(1.0, static_cast<double>(frames)), 1e-6);
-  const double crowd = 2.0 * size / spacing;  // an eased motion has dots at half of their mean distance
-  const double many = static_cast<double>(frames) / static_cast<double>(kMaxDots);
-  dots.stride = nice_stride(std::max(crowd, many));
+  double crowd = 1.0;
+  if (!gaps.empty()) {
+    const auto quarter = gaps.begin() + static_cast<std::ptrdiff_t>(kMayTouch * static_cast<double>(gaps.size()));
+    std::nth_element(gaps.begin(), quarter, gaps.end());
+    crowd = 1.0 / *quarter;
+  }
+  dots.every = nice_stride(std::max(crowd, static_cast<double>(frames) / static_cast<double>(kMaxDots)));
 }
 
 // Finds places for everything that must not lie on something else, the most telling first.
@@ -197,7 +206,7 @@ std::string dots_note(const Sheet& sheet) {
   }
   if (!shown) return "";
   if (!any) return "no dots: no sample lies on a whole frame";
-  return sheet.dots.stride == 1 ? "a dot every frame" : "a dot every " + std::to_string(sheet.dots.stride) + " frames";
+  return sheet.dots.every == 1 ? "a dot every frame" : "a dot every " + std::to_string(sheet.dots.every) + " frames";
 }
 
 std::string skins_note(const Sheet& sheet) {
