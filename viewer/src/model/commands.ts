@@ -4,6 +4,7 @@ import { COLOR_MODES, type ColorMode } from "../source/trail";
 import { selectionCsv } from "./csv";
 import type { App } from "./app";
 import { countUpTo } from "./colors";
+import { comparisonOf, shownComparison, withSecond } from "./compare";
 import { baseName } from "./format";
 import { bestDirection, framing } from "./framing";
 import { movedTarget, visibleTrails } from "./pose";
@@ -60,7 +61,8 @@ function stepKey(app: App, by: 1 | -1): void {
 
 function frameTrails(app: App, trails: readonly number[]): void {
   const { camera, aspect } = app.store.state;
-  app.store.set({ camera: framing(app.motion, app.motion.thatMove(trails), app.scene.upAxis, camera.view, aspect, camera) });
+  const [shown, framed] = withSecond(app.motion, shownComparison(app), app.motion.thatMove(trails));
+  app.store.set({ camera: framing(shown, framed, app.scene.upAxis, camera.view, aspect, camera) });
 }
 
 function frameSelected(app: App): void {
@@ -71,9 +73,9 @@ function frameSelected(app: App): void {
 
 function look(app: App, view: ViewName): void {
   const { motion, scene, store } = app;
-  const trails = motion.thatMove(visibleTrails(motion, store.state));
-  const direction = view === "persp" ? bestDirection(motion, trails, scene.upAxis) : store.state.camera;
-  store.set({ camera: framing(motion, trails, scene.upAxis, view, store.state.aspect, direction) });
+  const [shown, trails] = withSecond(motion, shownComparison(app), motion.thatMove(visibleTrails(motion, store.state)));
+  const direction = view === "persp" ? bestDirection(shown, trails, scene.upAxis) : store.state.camera;
+  store.set({ camera: framing(shown, trails, scene.upAxis, view, store.state.aspect, direction) });
 }
 
 /** Turns around the target; views along an axis stay as they are. */
@@ -184,7 +186,7 @@ export const COMMANDS: readonly Command[] = [
       (picture) => app.save(fileName(app, ".png"), picture), (error: Error) => app.announce(error.message)) },
   { id: "csv", title: "Save the selected trails (CSV)", keys: ["Shift+C"],
     run: (app) => eachSelected(app, (trails) =>
-      app.save(fileName(app, ".csv"), new Blob([selectionCsv(app.motion, trails)], { type: "text/csv" }))) },
+      app.save(fileName(app, ".csv"), new Blob([selectionCsv(app.motion, trails, comparisonOf(app))], { type: "text/csv" }))) },
 ];
 
 export const command = (id: string): Command => {

@@ -11,8 +11,11 @@ export interface Bounds {
   readonly high: Vec3;
 }
 
+/** What is framed: positions of trails as they are shown, and how far each reaches. */
+export type Shown = Pick<Motion, "shownPoints" | "reach">;
+
 /** The box around these trails as they are shown, y up; a point where they do not move, null when no sample is finite. */
-export function boundsOf(motion: Motion, trails: readonly number[], upAxis: "y" | "z"): Bounds | null {
+export function boundsOf(motion: Shown, trails: readonly number[], upAxis: "y" | "z"): Bounds | null {
   const reach = together(trails.map((trail) => motion.reach[trail]));
   if (!(reach.low[0] <= reach.high[0])) return null;
   const [a, b] = [yUp(reach.low, upAxis), yUp(hasExtent(reach) ? reach.high : reach.low, upAxis)];
@@ -24,7 +27,7 @@ const longest = ({ low, high }: Bounds) => Math.max(...low.map((l, k) => high[k]
 
 /** The samples of some trails. */
 interface Samples {
-  readonly motion: Motion;
+  readonly motion: Shown;
   readonly trails: readonly number[];
   readonly upAxis: "y" | "z";
 }
@@ -73,7 +76,7 @@ const AWAY = 0.1;
  * left side counts; each edge has such a direction. In a parallel view the edges do not lean, and the same holds.
  */
 export function framing(
-  motion: Motion, trails: readonly number[], upAxis: "y" | "z", view: ViewName, aspect: number, from: Direction,
+  motion: Shown, trails: readonly number[], upAxis: "y" | "z", view: ViewName, aspect: number, from: Direction,
 ): CameraPose {
   const { azimuth, elevation } = view === "persp" ? from : ANGLES[view];
   const [right, up, towards] = directions(azimuth, elevation);
@@ -125,7 +128,7 @@ function netWay({ motion, trails, upAxis }: Samples): [number, number] {
 }
 
 /** The direction from which a perspective view shows these trails best: they run across the picture, to the right. */
-export function bestDirection(motion: Motion, trails: readonly number[], upAxis: "y" | "z"): Direction {
+export function bestDirection(motion: Shown, trails: readonly number[], upAxis: "y" | "z"): Direction {
   const box = boundsOf(motion, trails, upAxis);
   if (!box) return { azimuth: 30, elevation: 18 };
   const samples = { motion, trails, upAxis };

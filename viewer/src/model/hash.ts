@@ -125,6 +125,7 @@ const FIELDS: Fields = {
   onionEvery: { name: "onionEvery", ...count(1) },
   onionBefore: { name: "onionBefore", ...count(0) },
   onionAfter: { name: "onionAfter", ...count(0) },
+  showCompared: { name: "compare", ...flag },
   palette: { name: "palette", ...oneOf("engine", "safe") },
   theme: { name: "theme", ...oneOf("auto", "light", "dark") },
   search: { name: "search", ...text },

@@ -62,6 +62,11 @@ export class Motion {
     this.forget();
   }
 
+  /** The trail that positions are relative to. */
+  get relation(): number | null {
+    return this.related;
+  }
+
   /** Flat triples, a sample each. */
   shownPoints(index: number): Float64Array {
     return this.kept(this.points, index, (trail, reference) =>

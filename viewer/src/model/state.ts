@@ -63,6 +63,8 @@ export interface ViewState {
   readonly onionEvery: number;
   readonly onionBefore: number;
   readonly onionAfter: number;
+  /** The second scene, where there is one. */
+  readonly showCompared: boolean;
   readonly palette: Palette;
   readonly theme: Theme;
   readonly search: string;
@@ -111,6 +113,7 @@ export function initialState(scene: Scene, motion: Motion, camera: CameraPose): 
     onionEvery: 4,
     onionBefore: 3,
     onionAfter: 3,
+    showCompared: true,
     palette: "engine",
     theme: "auto",
     search: "",

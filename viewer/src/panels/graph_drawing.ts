@@ -44,7 +44,7 @@ export function placeOf(app: App, largest: number, width: number, height: number
 
 type Context = CanvasRenderingContext2D;
 
-function drawAxis(context: Context, place: Place, width: number, colors: Record<"line" | "muted", string>): void {
+export function drawAxis(context: Context, place: Place, width: number, colors: Record<"line" | "muted", string>): void {
   context.font = "11px system-ui, sans-serif";
   context.textAlign = "right";
   context.textBaseline = "middle";
@@ -94,7 +94,7 @@ function fillCurve(context: Context, app: App, index: number, curve: Curve, { sc
   columns((top) => Math.min(top + 4, y(0)));
 }
 
-function strokeCurve(context: Context, { low, high }: Curve, { y }: Place, color: string, width: number): void {
+export function strokeCurve(context: Context, { low, high }: Curve, { y }: Place, color: string, width: number): void {
   context.strokeStyle = color;
   context.lineWidth = width;
   context.lineJoin = "round";

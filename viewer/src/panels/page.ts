@@ -2,6 +2,7 @@
 
 import type { App } from "../model/app";
 import { el } from "./dom";
+import { buildCompareGraph } from "./compare_graph";
 import { buildGraph } from "./graph";
 import { buildHelp } from "./help";
 import { buildLive } from "./live";
@@ -52,6 +53,7 @@ export function buildPage(app: App, root: HTMLElement): Page {
   const settings = buildSettings(app);
   const timeline = buildTimeline(app);
   const graph = buildGraph(app);
+  const compareGraph = buildCompareGraph(app);
   const toolbar = buildToolbar(app, {
     listButton: panelButton(app, { key: "showList", name: "Objects", icon: "list", element: objects.element }),
     settingsButton: panelButton(app, { key: "showSettings", name: "Settings", icon: "settings", element: settings.element }),
@@ -59,11 +61,13 @@ export function buildPage(app: App, root: HTMLElement): Page {
   });
   const stage = el("main", { class: "stage" }, viewport, description, live.element);
   const time = el("section", { class: "time-panel", "aria-label": "Time" }, buildTransport(app), timeline.element, graph.element);
+  if (compareGraph) time.append(compareGraph.element);
   root.classList.add("page");
   root.replaceChildren(skipLink(viewport), toolbar, objects.element, stage, time, settings.element, help.element);
   const redraw = () => {
     timeline.redraw();
     graph.redraw();
+    compareGraph?.redraw();
   };
   followTheme(app, redraw);
   return {

@@ -1,6 +1,7 @@
 // The panel with the settings: those of the trails, which the page can override, and those of the page itself.
 
 import type { App } from "../model/app";
+import { secondName } from "../model/compare";
 import { KEPT } from "../model/hash";
 import { initialState, type ViewState } from "../model/state";
 import { COLOR_MODES, type ColorMode } from "../source/trail";
@@ -65,6 +66,7 @@ export function buildSettings(app: App): SettingsPanel {
       checkbox(app, "showLabels", "Frame numbers and names"),
       checkbox(app, "showStatics", "Boxes of what does not move"),
       checkbox(app, "showBones", "Bones"),
+      ...(app.scene.compared ? [checkbox(app, "showCompared", `The second scene: ${secondName(app)}`)] : []),
     ),
     part(
       "Window in time",

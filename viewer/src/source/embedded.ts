@@ -25,6 +25,7 @@ interface TrailHeader {
   keys: number;
   keys_on_samples: boolean;
   warnings: string[];
+  compare: { source: string; low: [number, number, number]; step: [number, number, number] } | null;
 }
 
 export interface Header {
@@ -36,8 +37,9 @@ export interface Header {
   unit: string;
   up_axis: "y" | "z";
   color_mode_chosen: boolean;
+  compare: { scene: string; take: string | null } | null;
   key_time_bytes: 4 | 8;
-  sections: { positions: number; key_positions: number; key_times: number; colors: number };
+  sections: { positions: number; key_positions: number; key_times: number; colors: number; compared: number };
   bytes: number;
   trails: TrailHeader[];
   statics: StaticBox[];
@@ -96,6 +98,7 @@ export function readTrails(header: Header, data: ArrayBuffer): Trail[] {
   const keyPositions = new Cursor(sections.key_positions, 4);
   const keyTimes = new Cursor(sections.key_times, header.key_time_bytes);
   const colors = new Cursor(sections.colors, 1);
+  const compared = new Cursor(sections.compared, 4);
   const words = (cursor: Cursor, count: number) => new Uint32Array(data, cursor.take(count), count);
   return header.trails.map((h) => {
     const points = unpack(words(positions, 3 * h.count), h.low, h.step);
@@ -126,6 +129,7 @@ export function readTrails(header: Header, data: ArrayBuffer): Trail[] {
         ? pick(points, times, h.start_frame, h.frame_step)
         : unpack(words(keyPositions, 3 * h.keys), h.low, h.step),
       warnings: h.warnings,
+      compare: h.compare && { source: h.compare.source, points: unpack(words(compared, 3 * h.count), h.compare.low, h.compare.step) },
     };
   });
 }
@@ -140,6 +144,7 @@ function readScene(header: Header): Scene {
     unit: header.unit,
     upAxis: header.up_axis,
     colorModeChosen: header.color_mode_chosen,
+    compared: header.compare,
     statics: header.statics,
   };
 }

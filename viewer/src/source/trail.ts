@@ -6,6 +6,14 @@ export type ColorMode = 0 | 1 | 2 | 3;
 
 export const COLOR_MODES = ["Standard", "Spacing", "Flow", "Beats"] as const;
 
+/** The same object in a second scene. */
+export interface Counterpart {
+  /** Its long path there. */
+  readonly source: string;
+  /** Its world positions there at the trail's frames, in the trail's unit and axes; NaN as in Trail.points. */
+  readonly points: Float64Array;
+}
+
 /** One trail as its viz node shows it. Arrays of triples are flat: x y z x y z ... */
 export interface Trail {
   readonly viz: string;
@@ -35,6 +43,8 @@ export interface Trail {
   readonly keyPoints: Float64Array;
   /** Why the trail may differ from the scene's own motion. */
   readonly warnings: readonly string[];
+  /** Where the scene is compared with a second one that has this object. */
+  readonly compare?: Counterpart | null;
 }
 
 /** A node that does not move: a box in its own space and the matrix to the world (row vectors, translation last). */
@@ -58,6 +68,8 @@ export interface Scene {
   readonly upAxis: "y" | "z";
   /** Whether somebody asked for the trails' colour mode, rather than leaving it to the engine. */
   readonly colorModeChosen: boolean;
+  /** The second scene that the trails are compared with: its file, and the take of it that was asked for. */
+  readonly compared?: { readonly scene: string; readonly take: string | null } | null;
   readonly statics: readonly StaticBox[];
 }
 

@@ -3,6 +3,7 @@
 import type { Camera } from "three";
 import type { App } from "../model/app";
 import { markColor, rgbText } from "../model/colors";
+import { secondName, shownComparison } from "../model/compare";
 import { dimming } from "../model/emphasis";
 import { onionSkins } from "../model/figure";
 import { frameText, numberText, unitName } from "../model/format";
@@ -12,6 +13,7 @@ import { yUp } from "../model/pose";
 import type { Hover } from "../model/state";
 import type { Vec3 } from "../source/trail";
 import type { DrawnTrail } from "./batch";
+import { drawCompared } from "./compare_lines";
 import type { Grid } from "./ground";
 import type { Drawing, TrailLayers } from "./layers";
 import { hasDenseKeys } from "./places";
@@ -119,6 +121,7 @@ function notes({ app, layers, grid, drawing }: Picture): string[] {
   if (relativeTo !== null) parts.push(`relative to ${app.motion.trails[relativeTo].name}`);
   if (showKeys && layers.trails.some(({ index }) => hasDenseKeys(app.motion.trails[index])))
     parts.push("keys at nearly every frame are not marked");
+  if (shownComparison(app)) parts.push(`thin and grey: ${secondName(app)}`);
   const { plain, stride, dotEvery } = drawing;
   if (dotEvery > 1 && layers.hasDots(drawing)) parts.push(`a dot every ${dotEvery} frames`);
   if (window) parts.push(`frames ${frameText(frame - windowBefore)} to ${frameText(frame + windowAfter)}`);
@@ -140,6 +143,7 @@ export function annotate(overlay: Overlay, picture: Picture): ReturnType<typeof 
   const { showKeys, showLabels } = app.store.state;
   drawAxes(overlay, picture);
   overlay.note(notes(picture), 100, projection.height - 12);
+  drawCompared(overlay, picture);
   drawGhosts(overlay, picture);
   const names = drawMarks(overlay, picture);
   if (showLabels) names.forEach((name) => overlay.label(name));

@@ -110,6 +110,36 @@ export class Overlay {
     return x >= 0 && y >= 0 && x <= this.width && y <= this.height;
   }
 
+  /** A thin grey line, broken where there is no spot; dashes in pixels. */
+  mutedLine(spots: readonly (Spot | null)[], { dash = [], strength = 1 }: { dash?: number[]; strength?: number } = {}): void {
+    const { context, colors } = this;
+    context.beginPath();
+    spots.forEach((spot, i) => {
+      if (spot && spots[i - 1]) context.lineTo(spot.x, spot.y);
+      else if (spot) context.moveTo(spot.x, spot.y);
+    });
+    context.setLineDash(dash);
+    context.globalAlpha = strength;
+    context.lineWidth = 1.25;
+    context.lineJoin = "round";
+    context.strokeStyle = colors.soft;
+    context.stroke();
+    context.globalAlpha = 1;
+    context.setLineDash([]);
+  }
+
+  /** A small grey ring. */
+  mutedMark(at: Spot): void {
+    const { context, colors } = this;
+    context.beginPath();
+    context.arc(at.x, at.y, 3.5, 0, 2 * Math.PI);
+    context.fillStyle = colors.background;
+    context.fill();
+    context.lineWidth = 1.5;
+    context.strokeStyle = colors.soft;
+    context.stroke();
+  }
+
   /** The directions of the axes, in a corner: name and direction in the picture (right, down; at most 1 long). */
   axes(x: number, y: number, directions: readonly (readonly [string, Spot])[]): void {
     const { context, colors } = this;

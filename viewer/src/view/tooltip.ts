@@ -1,6 +1,7 @@
 // What is known of the sample under the pointer.
 
 import type { App } from "../model/app";
+import { distanceText, secondName, shownComparison } from "../model/compare";
 import { numberText, unitName } from "../model/format";
 import { sampleFrame, triple } from "../model/motion";
 import type { Hover } from "../model/state";
@@ -15,11 +16,14 @@ export function describe(app: App, { trail: index, sample }: Hover): string {
   const place = triple(app.motion.shownPoints(index), sample).map(short).join(", ");
   const spacing = app.motion.speed(index, sample);
   const { relativeTo } = app.store.state;
+  const comparison = shownComparison(app);
+  const apart = comparison?.has(index) ? [`Distance to ${secondName(app)} ${distanceText(app, comparison.apart(index)[sample])}`] : [];
   return [
     trail.name,
     `Frame ${short(sampleFrame(trail, sample))}`,
     `${relativeTo === null ? "Position" : `From ${app.motion.trails[relativeTo].name}`} ${place} ${unit}`,
     `Speed ${short(spacing * app.scene.fps)} ${unit} per second, ${short(spacing)} per frame`,
+    ...apart,
   ].join("\n");
 }
 

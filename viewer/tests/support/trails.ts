@@ -26,6 +26,8 @@ export interface TrailInput {
   showDots?: boolean;
   ghost?: boolean;
   warnings?: string[];
+  /** World positions of the same object in a second scene, as many as `points`. */
+  compare?: Vec3[];
 }
 
 export interface SceneInput {
@@ -38,6 +40,8 @@ export interface SceneInput {
   /** Left out: yes, so that trails show their own modes. */
   colorModeChosen?: boolean;
   keyTimeBytes?: 4 | 8;
+  /** The second scene, where there is one. */
+  compared?: { scene: string; take: string | null };
   statics?: StaticBox[];
   trails: TrailInput[];
 }
@@ -78,6 +82,7 @@ function speedColors(points: readonly Vec3[]): Vec3[] {
 function encodeTrail(trail: TrailInput, keyTimeBytes: 4 | 8) {
   const { points, keyTimes = [], keyPoints } = trail;
   const place = box([...points, ...(keyPoints ?? [])]);
+  const there = box(trail.compare ?? []);
   const times = keyTimeBytes === 4 ? Float32Array.from(keyTimes) : Float64Array.from(keyTimes);
   return {
     header: {
@@ -88,7 +93,11 @@ function encodeTrail(trail: TrailInput, keyTimeBytes: 4 | 8) {
       show_dots: trail.showDots ?? true, ghost: trail.ghost ?? false, count: points.length,
       low: [...place.low] as [number, number, number], step: [...place.step] as [number, number, number],
       keys: keyTimes.length, keys_on_samples: !keyPoints, warnings: trail.warnings ?? [],
+      compare: trail.compare
+        ? { source: `|second:${trail.name}`, low: [...there.low] as [number, number, number], step: [...there.step] as [number, number, number] }
+        : null,
     },
+    compared: pack(trail.compare ?? [], there),
     positions: pack(points, place),
     keyPositions: pack(keyPoints ?? [], place),
     keyTimes: Buffer.from(times.buffer),
@@ -102,17 +111,20 @@ const aligned = (part: Buffer) => Buffer.concat([part, Buffer.alloc((8 - (part.l
 export function encodeScene(input: SceneInput): { header: Header; data: Buffer } {
   const bytes = input.keyTimeBytes ?? 4;
   const trails = input.trails.map((trail) => encodeTrail(trail, bytes));
-  const part = (name: "positions" | "keyPositions" | "keyTimes" | "colors") =>
+  const part = (name: "positions" | "keyPositions" | "keyTimes" | "colors" | "compared") =>
     aligned(Buffer.concat(trails.map((trail) => trail[name])));
   const [positions, keyPositions, keyTimes] = [part("positions"), part("keyPositions"), part("keyTimes")];
-  const data = Buffer.concat([positions, keyPositions, keyTimes, part("colors")]);
+  const colors = part("colors");
+  const data = Buffer.concat([positions, keyPositions, keyTimes, colors, part("compared")]);
   const afterKeys = positions.length + keyPositions.length;
+  const afterTimes = afterKeys + keyTimes.length;
   const header: Header = {
     format: 1, scene: input.scene ?? "scenes/test.usda", fps: input.fps ?? 24, range: input.range ?? [1, 48],
     current: input.current ?? 1, unit: input.unit ?? "cm", up_axis: input.upAxis ?? "y",
-    color_mode_chosen: input.colorModeChosen ?? true, key_time_bytes: bytes,
+    color_mode_chosen: input.colorModeChosen ?? true, compare: input.compared ?? null, key_time_bytes: bytes,
     sections: {
-      positions: 0, key_positions: positions.length, key_times: afterKeys, colors: afterKeys + keyTimes.length,
+      positions: 0, key_positions: positions.length, key_times: afterKeys, colors: afterTimes,
+      compared: afterTimes + colors.length,
     },
     bytes: data.length,
     trails: trails.map((trail) => trail.header),

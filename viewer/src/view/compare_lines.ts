@@ -1,0 +1,72 @@
+// The second scene in the picture, muted: where the objects go there, where they are now, and how far that is from here.
+
+import { shownComparison, type Comparison } from "../model/compare";
+import { bonesOf, hierarchyIn } from "../model/figure";
+import { isFinitePoint, sampleFrame, triple } from "../model/motion";
+import { yUp } from "../model/pose";
+import type { Vec3 } from "../source/trail";
+import type { Picture } from "./annotations";
+import type { Overlay } from "./overlay";
+import { windowOf } from "./places";
+import type { Spot } from "./projection";
+
+/** The most samples that are drawn of the second scene's lines; of more, every second, third ... */
+const MOST_SAMPLES = 20_000;
+/** The most markers of current positions, and the most bones. */
+const MOST_MARKS = 500;
+
+function spotOf({ app, projection, origin }: Picture, place: Vec3): Spot | null {
+  if (!isFinitePoint(place)) return null;
+  const [x, y, z] = yUp(place, app.scene.upAxis);
+  return projection.spot(x - origin[0], y - origin[1], z - origin[2]);
+}
+
+/** Of the samples in the window in time, where there is one. */
+function spots(picture: Picture, comparison: Comparison, trail: number, stride: number): (Spot | null)[] {
+  const { state } = picture.app.store;
+  const { from, to } = state.window ? windowOf(state) : { from: -Infinity, to: Infinity };
+  const points = comparison.second.shownPoints(trail);
+  const of = comparison.second.trails[trail];
+  const result: (Spot | null)[] = [];
+  for (let i = 0; i < of.count; i += stride) {
+    const frame = sampleFrame(of, i);
+    if (frame >= from && frame <= to) result.push(spotOf(picture, triple(points, i)));
+  }
+  return result;
+}
+
+/** The bones of the figure that both scenes have, as it is in the second one now. */
+function drawBones(overlay: Overlay, picture: Picture, comparison: Comparison): void {
+  const { app } = picture;
+  const { state } = app.store;
+  if (!state.showBones) return;
+  const bones = bonesOf(hierarchyIn(app), state).filter((bone) => bone.every((trail) => comparison.has(trail)));
+  for (const bone of bones.slice(0, MOST_MARKS))
+    overlay.mutedLine(bone.map((trail) => spotOf(picture, comparison.second.shownPosition(trail, state.frame))), { strength: 0.5 });
+}
+
+/** The selected objects that both scenes have; all of them where nothing is selected. */
+function drawnTrails({ app, layers }: Picture, comparison: Comparison): number[] {
+  const { selected } = app.store.state;
+  return layers.trails.map(({ index }) => index)
+    .filter((index) => comparison.has(index) && (selected.size === 0 || selected.has(index)));
+}
+
+/** Goes under what is drawn after it. */
+export function drawCompared(overlay: Overlay, picture: Picture): void {
+  const { app } = picture;
+  const comparison = shownComparison(app);
+  if (!comparison) return;
+  const trails = drawnTrails(picture, comparison);
+  const samples = trails.reduce((sum, trail) => sum + app.motion.trails[trail].count, 0);
+  const stride = Math.max(1, Math.ceil(samples / MOST_SAMPLES));
+  for (const trail of trails) overlay.mutedLine(spots(picture, comparison, trail, stride));
+  drawBones(overlay, picture, comparison);
+  const { frame } = app.store.state;
+  for (const trail of trails.slice(0, MOST_MARKS)) {
+    const here = spotOf(picture, app.motion.shownPosition(trail, frame));
+    const second = spotOf(picture, comparison.second.shownPosition(trail, frame));
+    if (here && second) overlay.mutedLine([here, second], { dash: [4, 3] });
+    if (second) overlay.mutedMark(second);
+  }
+}
