@@ -27,7 +27,7 @@ declare global {
 
 /** Milliseconds of each of many frames while the left button drags. */
 export const turning = (page: Page): Promise<number[]> => page.evaluate(async () => {
-  const canvas = document.querySelector(".viewport canvas")!;
+  const canvas = document.querySelector(".viewport .overlay")!;
   const box = canvas.getBoundingClientRect();
   const send = (type: string, x: number) =>
     canvas.dispatchEvent(new PointerEvent(type, {
@@ -51,7 +51,7 @@ export const turning = (page: Page): Promise<number[]> => page.evaluate(async ()
  * does before the next picture. The wait for that picture does not count.
  */
 export const hovering = (page: Page): Promise<number[]> => page.evaluate(async () => {
-  const canvas = document.querySelector(".viewport canvas")!;
+  const canvas = document.querySelector(".viewport .overlay")!;
   const box = canvas.getBoundingClientRect();
   const answers: number[] = [];
   for (let i = 0; i < 40; ++i) {
