@@ -235,10 +235,11 @@ export function listenToKeys(app: App): void {
     const others = event.altKey || event.defaultPrevented || takesText(event.target as Element);
     return off || others ? undefined : byKey.get(keyName(event));
   };
-  let pointer = false; // whether it was used last
+  let pointer = false; // whether it is pressed, its click included: what takes the focus then was clicked
   let clicked = false; // whether it brought the focus
   let held = ""; // a key that ran a command where a control would act when it is let go
   document.addEventListener("pointerdown", () => (pointer = clicked = true), true);
+  document.addEventListener("pointerup", () => setTimeout(() => (pointer = false)), true);
   document.addEventListener("focusin", () => (clicked = pointer), true);
   document.addEventListener("keydown", (event) => {
     pointer = false;
