@@ -164,6 +164,10 @@ export const COMMANDS: readonly Command[] = [
   view("side", "Side", "3"),
   view("top", "Top", "4"),
   mode(0), mode(1), mode(2), mode(3),
+  { id: "select-all", title: "Select all that are shown", keys: ["Ctrl+a"],
+    run: (app) => app.store.set({ selected: new Set(visibleTrails(app.motion, app.store.state)) }) },
+  { id: "select-none", title: "Select nothing", keys: ["Escape"],
+    run: (app) => app.store.set({ selected: new Set() }) },
   { id: "hide", title: "Hide or show what is selected", keys: ["h"],
     run: (app) => eachSelected(app, (trails) =>
       app.store.set({ hidden: trails.reduce(toggled, app.store.state.hidden) })) },
@@ -196,7 +200,8 @@ export const command = (id: string): Command => {
 };
 
 /** The name of a key event in the table. Where Shift and a key type another character ("+", "?"), that is the name. */
-export function keyName({ key, code, shiftKey }: Pick<KeyboardEvent, "key" | "code" | "shiftKey">): string {
+export function keyName({ key, code, shiftKey, ctrlKey, metaKey }: Pick<KeyboardEvent, "key" | "code" | "shiftKey"> & Partial<KeyboardEvent>): string {
+  if (ctrlKey || metaKey) return `Ctrl+${shiftKey ? "Shift+" : ""}${key.toLowerCase()}`;
   if (!shiftKey) return key;
   const digit = /^Digit(\d)$/.exec(code);
   if (digit) return `Shift+${digit[1]}`;
@@ -208,19 +213,52 @@ export const typesCharacter = ({ key }: Pick<KeyboardEvent, "key">): boolean => 
 
 /** A key as a person reads it. */
 export const keyLabel = (key: string): string =>
-  key.replace("Arrow", "").replace("Right", "→").replace("Left", "←").replace(/^ $/, "Space").replace(/^[a-z]$/, (k) => k.toUpperCase());
+  key.replace("Arrow", "").replace("Right", "→").replace("Left", "←").replace(/^ $/, "Space").replace(/(?<=^|\+)[a-z]$/, (k) => k.toUpperCase());
 
-/** Runs the commands of keys, unless a control of the page uses the key itself. */
+/** Whether typing belongs to what has the focus, however it got it. */
+const takesText = (target: Element) =>
+  target.closest("input:not([type=checkbox]):not([type=radio]):not([type=range]), select, textarea, dialog") !== null;
+
+/** Whether a control that the keyboard reached uses the key itself. */
+function usesKey(target: Element, key: string): boolean {
+  if (target.closest("input[type=range]")) return true;
+  if (key === " ") return target.closest("button, input, summary, a") !== null;
+  return /^(Arrow|Home|End)/.test(key) && target.closest("[data-own-arrows], input[type=radio]") !== null;
+}
+
+/**
+ * Runs the commands of keys. A control that the keyboard reached uses its own keys first; one that was only clicked
+ * does not keep them: Space plays after a click on any button.
+ */
 export function listenToKeys(app: App): void {
   const byKey = new Map(COMMANDS.flatMap((each) => each.keys.map((key) => [key, each] as const)));
+  const commandOf = (event: KeyboardEvent) => {
+    const off = typesCharacter(event) && !event.ctrlKey && !event.metaKey && !app.store.state.letterKeys;
+    const others = event.altKey || event.defaultPrevented || takesText(event.target as Element);
+    return off || others ? undefined : byKey.get(keyName(event));
+  };
+  let pointer = false; // whether it is pressed, its click included: what takes the focus then was clicked
+  let clicked = false; // whether it brought the focus
+  let held = ""; // a key that ran a command where a control would act when it is let go
+  document.addEventListener("pointerdown", () => (pointer = clicked = true), true);
+  document.addEventListener("pointerup", () => setTimeout(() => (pointer = false)), true);
+  document.addEventListener("focusin", () => (clicked = pointer), true);
   document.addEventListener("keydown", (event) => {
-    if (event.ctrlKey || event.metaKey || event.altKey || event.defaultPrevented) return;
-    const target = event.target as HTMLElement;
-    if (target.closest("input:not([type=checkbox]):not([type=radio]), select, textarea, dialog")) return;
-    if (event.key === " " && target.closest("button, input, summary, a")) return;
-    if (/^(Arrow|Home|End)/.test(event.key) && target.closest("[data-own-arrows], input[type=radio]")) return;
-    const found = byKey.get(keyName(event));
-    if (!found || (typesCharacter(event) && !app.store.state.letterKeys)) return;
+    pointer = false;
+    const found = clicked ? commandOf(event) : undefined;
+    if (!found) return;
+    event.preventDefault();
+    event.stopPropagation();
+    held = event.key;
+    found.run(app);
+  }, true);
+  document.addEventListener("keyup", (event) => {
+    if (event.key === held) event.preventDefault();
+    held = "";
+  }, true);
+  document.addEventListener("keydown", (event) => {
+    const found = usesKey(event.target as Element, event.key) ? undefined : commandOf(event);
+    if (!found) return;
     event.preventDefault();
     found.run(app);
   });

@@ -32,31 +32,45 @@ interface Samples {
   readonly upAxis: "y" | "z";
 }
 
-/** Calls `visit` with every finite sample, y up. */
-function eachSample({ motion, trails, upAxis }: Samples, visit: (x: number, y: number, z: number) => void): void {
-  const turned = upAxis === "z";
-  for (const trail of trails) {
-    const points = motion.shownPoints(trail);
-    for (let i = 0; i < points.length; i += 3) {
-      const [x, y, z] = [points[i], points[i + 1], points[i + 2]];
-      if (Number.isFinite(x) && Number.isFinite(y) && Number.isFinite(z)) visit(x, turned ? z : y, turned ? -y : z);
-    }
-  }
+/** A place or direction of the viewport's space in the scene's own axes. */
+const inScene = (d: Vec3, upAxis: "y" | "z"): Vec3 => (upAxis === "z" ? [d[0], -d[2], d[1]] : d);
+
+interface Span {
+  low: number;
+  high: number;
 }
 
-/** The least and the most of the samples along each of some directions, from a point. */
-function spans(samples: Samples, from: Vec3, along: readonly Vec3[]): { low: number; high: number }[] {
-  const result = along.map(() => ({ low: Infinity, high: -Infinity }));
-  eachSample(samples, (px, py, pz) => {
-    const [x, y, z] = [px - from[0], py - from[1], pz - from[2]];
-    for (let i = 0; i < along.length; ++i) {
-      const [a, b, c] = along[i];
-      const value = x * a + y * b + z * c;
-      if (value < result[i].low) result[i].low = value;
-      if (value > result[i].high) result[i].high = value;
-    }
+/** The least and the most of a trail's finite samples along a direction, from a point, together with what was found before. */
+function widen(span: Span, points: Float64Array, [x, y, z]: Vec3, [fromX, fromY, fromZ]: Vec3): void {
+  let { low, high } = span;
+  for (let i = 0; i < points.length; i += 3) {
+    const value = (points[i] - fromX) * x + (points[i + 1] - fromY) * y + (points[i + 2] - fromZ) * z;
+    if (value < low && value > -Infinity) low = value;
+    if (value > high && value < Infinity) high = value;
+  }
+  [span.low, span.high] = [low, high];
+}
+
+/** Whether a box reaches beyond a span along a direction. */
+function reachesBeyond({ low, high }: Span, box: Bounds, along: Vec3, from: Vec3): boolean {
+  const side = (most: boolean) =>
+    along.reduce((sum, a, k) => sum + a * ((a > 0 === most ? box.high[k] : box.low[k]) - from[k]), 0);
+  return !(side(true) <= high && side(false) >= low);
+}
+
+/**
+ * The least and the most of the samples along each of some directions, from a point. Trails whose box stays within what
+ * was found before are not looked at: of many trails, few remain.
+ */
+function spans({ motion, trails, upAxis }: Samples, from: Vec3, directionsAlong: readonly Vec3[]): Span[] {
+  return directionsAlong.map((direction) => {
+    const along = inScene(direction, upAxis);
+    const start = inScene(from, upAxis);
+    const span = { low: Infinity, high: -Infinity };
+    for (const trail of trails)
+      if (reachesBeyond(span, motion.reach[trail], along, start)) widen(span, motion.shownPoints(trail), along, start);
+    return span;
   });
-  return result;
 }
 
 const plus = (a: Vec3, b: Vec3, times: number): Vec3 => [a[0] + b[0] * times, a[1] + b[1] * times, a[2] + b[2] * times];
@@ -102,15 +116,25 @@ export function framing(
   };
 }
 
+/** The most samples of which the main direction is told; of more, some of each trail tell it as well. */
+const MOST_TELLING = 50_000;
+
 /** What of the motion's plane tells its main direction: sums over the samples, from the middle of their box. */
-function spread(samples: Samples, middle: Vec3): { xx: number; zz: number; xz: number } {
+function spread({ motion, trails, upAxis }: Samples, middle: Vec3): { xx: number; zz: number; xz: number } {
   let [xx, zz, xz] = [0, 0, 0];
-  eachSample(samples, (px, _, pz) => {
-    const [x, z] = [px - middle[0], pz - middle[2]];
-    xx += x * x;
-    zz += z * z;
-    xz += x * z;
-  });
+  const total = trails.reduce((sum, trail) => sum + motion.trails[trail].count, 0);
+  const stride = 3 * Math.max(1, Math.floor(total / MOST_TELLING));
+  const [depth, sign] = upAxis === "z" ? [1, -1] : [2, 1];
+  for (const trail of trails) {
+    const points = motion.shownPoints(trail);
+    for (let i = 0; i < points.length; i += stride) {
+      const [x, z] = [points[i] - middle[0], sign * points[i + depth] - middle[2]];
+      if (!Number.isFinite(x) || !Number.isFinite(z)) continue;
+      xx += x * x;
+      zz += z * z;
+      xz += x * z;
+    }
+  }
   return { xx, zz, xz };
 }
 

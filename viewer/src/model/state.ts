@@ -67,6 +67,11 @@ export interface ViewState {
   readonly showCompared: boolean;
   readonly palette: Palette;
   readonly theme: Theme;
+  /** A saved picture: times the size on the screen, and what stands around it. */
+  readonly pictureScale: number;
+  readonly pictureTitle: boolean;
+  readonly pictureLegend: boolean;
+  readonly pictureFrame: boolean;
   readonly search: string;
   /** Whether the list leaves out what does not move. */
   readonly movingOnly: boolean;
@@ -116,6 +121,10 @@ export function initialState(scene: Scene, motion: Motion, camera: CameraPose): 
     showCompared: true,
     palette: "engine",
     theme: "auto",
+    pictureScale: 1,
+    pictureTitle: false,
+    pictureLegend: false,
+    pictureFrame: false,
     search: "",
     movingOnly: true,
     folded: stillBranches(motion),

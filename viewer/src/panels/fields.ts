@@ -15,7 +15,11 @@ function follow<K extends Key>(app: App, key: K, show: (value: ViewState[K]) => 
 
 const patch = <K extends Key>(key: K, value: ViewState[K]) => ({ [key]: value }) as Pick<ViewState, K>;
 
-export function checkbox(app: App, key: "showKeys" | "showLabels" | "showStatics" | "showBones" | "showCompared" | "window" | "letterKeys", text: string): HTMLElement {
+type Flag =
+  | "showKeys" | "showLabels" | "showStatics" | "showBones" | "showCompared" | "window" | "letterKeys"
+  | "pictureTitle" | "pictureLegend" | "pictureFrame";
+
+export function checkbox(app: App, key: Flag, text: string): HTMLElement {
   const box = el("input", { type: "checkbox", "data-setting": key });
   box.addEventListener("change", () => app.store.set(patch(key, box.checked)));
   follow(app, key, (value) => (box.checked = value));

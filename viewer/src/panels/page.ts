@@ -7,6 +7,7 @@ import { buildGraph } from "./graph";
 import { buildHelp } from "./help";
 import { buildLive } from "./live";
 import { buildObjects } from "./objects";
+import { buildPictureDialog } from "./picture_dialog";
 import { buildSettings } from "./settings";
 import { panelButton } from "./sheets";
 import { followTheme } from "./theme";
@@ -49,6 +50,7 @@ export function buildPage(app: App, root: HTMLElement): Page {
   const { viewport, description } = viewportElement();
   const live = buildLive();
   const help = buildHelp(app);
+  const picture = buildPictureDialog(app);
   const objects = buildObjects(app);
   const settings = buildSettings(app);
   const timeline = buildTimeline(app);
@@ -58,12 +60,13 @@ export function buildPage(app: App, root: HTMLElement): Page {
     listButton: panelButton(app, { key: "showList", name: "Objects", icon: "list", element: objects.element }),
     settingsButton: panelButton(app, { key: "showSettings", name: "Settings", icon: "settings", element: settings.element }),
     openHelp: help.open,
+    openPicture: picture.open,
   });
   const stage = el("main", { class: "stage" }, viewport, description, live.element);
   const time = el("section", { class: "time-panel", "aria-label": "Time" }, buildTransport(app), timeline.element, graph.element);
   if (compareGraph) time.append(compareGraph.element);
   root.classList.add("page");
-  root.replaceChildren(skipLink(viewport), toolbar, objects.element, stage, time, settings.element, help.element);
+  root.replaceChildren(skipLink(viewport), toolbar, objects.element, stage, time, settings.element, help.element, picture.element);
   const redraw = () => {
     timeline.redraw();
     graph.redraw();

@@ -42,6 +42,7 @@ export interface ToolbarParts {
   listButton: HTMLButtonElement;
   settingsButton: HTMLButtonElement;
   openHelp(): void;
+  openPicture(): void;
 }
 
 export function buildToolbar(app: App, parts: ToolbarParts): HTMLElement {
@@ -54,7 +55,8 @@ export function buildToolbar(app: App, parts: ToolbarParts): HTMLElement {
     viewButtons(app),
     group("Frame", commandButton(app, "frame-all", { icon: "frameAll" }), commandButton(app, "frame-selected", { icon: "frameSelected" })),
     el("span", { class: "space" }),
-    group("Save", commandButton(app, "png", { icon: "picture", text: "PNG" }), commandButton(app, "csv", { icon: "table", text: "CSV" })),
+    group("Save", commandButton(app, "png", { icon: "picture", text: "PNG" }),
+      button({ text: "…", name: "Picture options" }, parts.openPicture), commandButton(app, "csv", { icon: "table", text: "CSV" })),
     themeButton(app),
     help,
     parts.settingsButton,

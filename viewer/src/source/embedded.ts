@@ -58,11 +58,13 @@ export function decodeBase64(text: string): ArrayBuffer {
 /** Coordinates from their place in the trail's box. */
 function unpack(codes: Uint32Array, low: readonly number[], step: readonly number[]): Float64Array {
   const values = new Float64Array(codes.length);
-  for (let i = 0; i < codes.length; i += 3)
-    for (let k = 0; k < 3; ++k) {
-      const code = codes[i + k];
-      values[i + k] = code === NOT_FINITE ? NaN : low[k] + code * step[k];
-    }
+  const [lowX, lowY, lowZ] = low;
+  const [stepX, stepY, stepZ] = step;
+  for (let i = 0; i < codes.length; i += 3) {
+    values[i] = codes[i] === NOT_FINITE ? NaN : lowX + codes[i] * stepX;
+    values[i + 1] = codes[i + 1] === NOT_FINITE ? NaN : lowY + codes[i + 1] * stepY;
+    values[i + 2] = codes[i + 2] === NOT_FINITE ? NaN : lowZ + codes[i + 2] * stepZ;
+  }
   return values;
 }
 

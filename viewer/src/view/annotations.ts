@@ -24,8 +24,9 @@ import type { Colors } from "./theme";
 
 /** Up to this many trails, every object has its name in the picture. */
 const MOST_NAMED = 12;
-/** The most markers of current positions that are drawn. */
+/** The most markers of current positions that are drawn, and in a plain drawing. */
 const MOST_MARKS = 2000;
+const MOST_PLAIN_MARKS = 100;
 
 export interface Picture {
   readonly app: App;
@@ -37,6 +38,8 @@ export interface Picture {
   readonly drawing: Drawing;
   readonly skeleton: Skeleton;
   readonly colors: Colors;
+  /** Whether only the trails are drawn, without what stands around them. */
+  readonly flat: boolean;
 }
 
 function spotOf({ app, projection, origin }: Picture, place: Vec3): Spot | null {
@@ -45,9 +48,20 @@ function spotOf({ app, projection, origin }: Picture, place: Vec3): Spot | null 
   return projection.spot(turned[0] - origin[0], turned[1] - origin[1], turned[2] - origin[2]);
 }
 
-function sampleSpot({ projection }: Picture, { places, first }: DrawnTrail, sample: number): Spot | null {
+type Pointed = Pick<Picture, "app" | "layers" | "projection">;
+
+function sampleSpot({ projection }: Pointed, { places, first }: DrawnTrail, sample: number): Spot | null {
   const [x, y, z] = sample < first ? [NaN] : places.subarray(3 * (sample - first), 3 * (sample - first) + 3);
   return Number.isFinite(x) ? projection.spot(x, y, z) : null;
+}
+
+/** The trails whose current position is marked: if not all, then those that are selected and some more. */
+function marked({ app, layers, drawing }: Picture): readonly DrawnTrail[] {
+  const most = drawing.plain ? MOST_PLAIN_MARKS : MOST_MARKS;
+  const { seen } = layers;
+  if (seen.length <= most) return seen;
+  const chosen = ({ index }: DrawnTrail) => app.store.state.selected.has(index);
+  return [...seen.filter(chosen), ...seen.filter((trail) => !chosen(trail))].slice(0, most);
 }
 
 /** Whether a ring tells something: of selected trails which they are, of a few where they are. */
@@ -66,7 +80,7 @@ function drawMarks(overlay: Overlay, picture: Picture): Label[] {
   const text = distinctNames(app.motion.trails);
   const names: Label[] = [];
   const few = layers.trails.length <= MOST_NAMED;
-  for (const { index } of layers.seen.slice(0, MOST_MARKS)) {
+  for (const { index } of marked(picture)) {
     const kind = kindOf(picture, index, dimmed(index));
     if (kind === "dot" && skeleton.has(index)) continue;
     const at = spotOf(picture, app.motion.shownPosition(index, frame));
@@ -115,9 +129,10 @@ function drawAxes(overlay: Overlay, { app, camera, projection }: Picture): void 
   }));
 }
 
-function notes({ app, layers, grid, drawing }: Picture): string[] {
+function notes(picture: Picture): string[] {
+  const { app, layers, grid, drawing, flat } = picture;
   const { relativeTo, showKeys, frame, window, windowBefore, windowAfter } = app.store.state;
-  const parts = [`squares of ${numberText(grid.step, 6)} ${unitName(app.scene.unit)}`, `${app.scene.upAxis} is up`];
+  const parts = [...(flat ? [] : [`squares of ${numberText(grid.step, 6)} ${unitName(app.scene.unit)}`]), `${app.scene.upAxis} is up`];
   if (relativeTo !== null) parts.push(`relative to ${app.motion.trails[relativeTo].name}`);
   if (showKeys && layers.trails.some(({ index }) => hasDenseKeys(app.motion.trails[index])))
     parts.push("keys at nearly every frame are not marked");
@@ -126,19 +141,20 @@ function notes({ app, layers, grid, drawing }: Picture): string[] {
   if (dotEvery > 1 && layers.hasDots(drawing)) parts.push(`a dot every ${dotEvery} frames`);
   if (window) parts.push(`frames ${frameText(frame - windowBefore)} to ${frameText(frame + windowAfter)}`);
   if (plain) parts.push(`simple drawing, to be quick${stride > 1 ? `: one sample in ${stride}` : ""}`);
+  const [marks, all] = [marked(picture).length, layers.seen.length];
+  if (marks < all) parts.push(`current positions of ${marks} of ${all} objects`);
   return parts;
 }
 
 /** The sample that is pointed at, and where it is; null when it is not to be seen. */
-function hoveredSpot(picture: Picture): { hover: Hover; at: Spot } | null {
+export function hoveredSpot(picture: Pointed): { hover: Hover; at: Spot } | null {
   const { hover } = picture.app.store.state;
   const trail = hover && picture.layers.trails.find(({ index }) => index === hover.trail);
   const at = trail && sampleSpot(picture, trail, hover.sample);
   return at ? { hover, at } : null;
 }
 
-/** Gives back the sample that is pointed at, with a ring around it now. */
-export function annotate(overlay: Overlay, picture: Picture): ReturnType<typeof hoveredSpot> {
+export function annotate(overlay: Overlay, picture: Picture): void {
   const { app, projection } = picture;
   const { showKeys, showLabels } = app.store.state;
   drawAxes(overlay, picture);
@@ -147,8 +163,5 @@ export function annotate(overlay: Overlay, picture: Picture): ReturnType<typeof 
   drawGhosts(overlay, picture);
   const names = drawMarks(overlay, picture);
   if (showLabels) names.forEach((name) => overlay.label(name));
-  if (showKeys && showLabels) drawKeyLabels(overlay, picture);
-  const hovered = hoveredSpot(picture);
-  if (hovered) overlay.ring(hovered.at);
-  return hovered;
+  if (showKeys && showLabels && !picture.drawing.plain) drawKeyLabels(overlay, picture);
 }

@@ -1,18 +1,7 @@
 // Many trails drawn at once: one object for all lines of a style, one for their dots, one for their key markers.
 
-import {
-  BufferAttribute,
-  BufferGeometry,
-  InstancedInterleavedBuffer,
-  InterleavedBufferAttribute,
-  LineBasicMaterial,
-  LineSegments,
-  Points,
-  type ShaderMaterial,
-} from "three";
-import type { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
-import { LineSegments2 } from "three/examples/jsm/lines/LineSegments2.js";
-import { LineSegmentsGeometry } from "three/examples/jsm/lines/LineSegmentsGeometry.js";
+import { BufferAttribute, BufferGeometry, LineBasicMaterial, LineSegments, Points, Sphere, type Mesh, type ShaderMaterial } from "three";
+import { FatLines, type FatLineMaterial } from "./fat_lines";
 import type { ColorMode } from "../source/trail";
 
 /** A trail as it is drawn: places relative to the viewport's origin, y up, NaN where there is none. */
@@ -35,15 +24,20 @@ export interface SampleColors {
   readonly mode: ColorMode;
 }
 
-const finiteAt = (places: Float32Array, sample: number) => Number.isFinite(places[3 * sample]);
+const finiteAt = (places: Float32Array, sample: number) => places[3 * sample] === places[3 * sample]; // not NaN
 
-/** Calls `visit` with the two end samples of each stretch of a line through every `stride`th sample. */
-export function eachStretch(places: Float32Array, stride: number, visit: (from: number, to: number) => void): void {
+/** The two end samples of each stretch of a line through every `stride`th sample: from, to, from, to ... */
+export function stretchesOf(places: Float32Array, stride: number): Uint32Array {
   const last = places.length / 3 - 1;
+  const stretches = new Uint32Array(2 * Math.max(0, Math.ceil(last / stride)));
+  let at = 0;
   for (let from = 0; from < last; from += stride) {
     const to = Math.min(from + stride, last);
-    if (finiteAt(places, from) && finiteAt(places, to)) visit(from, to);
+    if (!finiteAt(places, from) || !finiteAt(places, to)) continue;
+    stretches[at++] = from;
+    stretches[at++] = to;
   }
+  return stretches.subarray(0, at);
 }
 
 /** Calls `visit` with the samples that get a dot: those at whole frames that `every` divides. */
@@ -61,69 +55,59 @@ function copy(to: Uint8Array, at: number, from: Uint8Array, sample: number): voi
   to[at + 2] = from[3 * sample + 2];
 }
 
-/** The ends of all stretches, x y z x y z each. */
-function endsOf(trails: readonly DrawnTrail[], stride: number): Float32Array {
-  let count = 0;
-  for (const trail of trails) eachStretch(trail.places, stride, () => ++count);
-  const ends = new Float32Array(6 * count);
-  let at = 0;
-  for (const { places } of trails)
-    eachStretch(places, stride, (from, to) => {
-      for (let k = 0; k < 3; ++k) {
-        ends[at + k] = places[3 * from + k];
-        ends[at + 3 + k] = places[3 * to + k];
-      }
-      at += 6;
-    });
-  return ends;
-}
-
 /** Lines of a given width, or of one pixel, which software draws much faster. */
 export class Lines {
-  readonly object: LineSegments2 | LineSegments;
+  readonly object: Mesh | LineSegments;
+  /** How many there are. */
+  readonly count: number;
+  private readonly stretches: readonly Uint32Array[];
+  private readonly fat: FatLines | null = null;
+  /** Colours of both ends of each stretch; of a trail after the other. */
   private readonly colors: Uint8Array;
-  private readonly colorBuffer: InstancedInterleavedBuffer | BufferAttribute;
 
   constructor(
-    private readonly trails: readonly DrawnTrail[], private readonly stride: number,
-    material: LineMaterial | LineBasicMaterial,
+    private readonly trails: readonly DrawnTrail[], stride: number, material: FatLineMaterial | LineBasicMaterial,
   ) {
-    const ends = endsOf(trails, stride);
+    this.stretches = trails.map(({ places }) => stretchesOf(places, stride));
+    this.count = this.stretches.reduce((sum, { length }) => sum + length / 2, 0);
+    const ends = new Float32Array(6 * this.count);
+    let at = 0;
+    this.stretches.forEach((samples, i) => {
+      const { places } = trails[i];
+      for (let k = 0; k < samples.length; ++k) {
+        const from = 3 * samples[k];
+        ends[at++] = places[from];
+        ends[at++] = places[from + 1];
+        ends[at++] = places[from + 2];
+      }
+    });
     this.colors = new Uint8Array(material.vertexColors ? ends.length : 0);
     if (material instanceof LineBasicMaterial) {
       const geometry = new BufferGeometry();
       geometry.setAttribute("position", new BufferAttribute(ends, 3));
-      this.colorBuffer = new BufferAttribute(this.colors, 3, true);
-      geometry.setAttribute("color", this.colorBuffer);
+      geometry.boundingSphere = new Sphere(); // of use to nobody, and three would look for it in all samples
+      if (material.vertexColors) geometry.setAttribute("color", new BufferAttribute(this.colors, 3, true));
       this.object = new LineSegments(geometry, material);
     } else {
-      const geometry = new LineSegmentsGeometry();
-      const buffer = new InstancedInterleavedBuffer(ends, 6, 1);
-      geometry.setAttribute("instanceStart", new InterleavedBufferAttribute(buffer, 3, 0));
-      geometry.setAttribute("instanceEnd", new InterleavedBufferAttribute(buffer, 3, 3));
-      geometry.instanceCount = ends.length / 6;
-      this.colorBuffer = new InstancedInterleavedBuffer(this.colors, 6, 1);
-      if (material.vertexColors) {
-        geometry.setAttribute("instanceColorStart", new InterleavedBufferAttribute(this.colorBuffer, 3, 0, true));
-        geometry.setAttribute("instanceColorEnd", new InterleavedBufferAttribute(this.colorBuffer, 3, 3, true));
-      }
-      this.object = new LineSegments2(geometry, material);
+      this.fat = new FatLines(ends, material);
+      this.object = this.fat.object;
     }
     this.object.frustumCulled = false;
   }
 
   /** In Beats a stretch has the colour of its first sample, in Flow that of its last; in other modes the two blend. */
   recolor(colorsOf: (trail: number) => SampleColors): void {
+    const { colors } = this;
     let at = 0;
-    for (const { index, places } of this.trails) {
-      const { values, mode } = colorsOf(index);
-      eachStretch(places, this.stride, (from, to) => {
-        copy(this.colors, at, values, mode === 2 ? to : from);
-        copy(this.colors, at + 3, values, mode === 3 ? from : to);
-        at += 6;
-      });
-    }
-    this.colorBuffer.needsUpdate = true;
+    this.stretches.forEach((samples, i) => {
+      const { values, mode } = colorsOf(this.trails[i].index);
+      for (let k = 0; k < samples.length; k += 2, at += 6) {
+        copy(colors, at, values, samples[mode === 2 ? k + 1 : k]);
+        copy(colors, at + 3, values, samples[mode === 3 ? k : k + 1]);
+      }
+    });
+    if (this.fat) this.fat.recolor(colors);
+    else this.object.geometry.getAttribute("color").needsUpdate = true;
   }
 
   dispose(): void {
@@ -134,6 +118,7 @@ export class Lines {
 function pointsOf(places: Float32Array, material: ShaderMaterial): Points {
   const geometry = new BufferGeometry();
   geometry.setAttribute("position", new BufferAttribute(places, 3));
+  geometry.boundingSphere = new Sphere();
   const points = new Points(geometry, material);
   points.frustumCulled = false;
   return points;

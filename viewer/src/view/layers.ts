@@ -1,15 +1,16 @@
 // The drawn trails: batches of a style each, at the details that were asked for, with the colours of the moment.
 
-import { Group, LineBasicMaterial, type Object3D } from "three";
-import type { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
+import { Group, type LineBasicMaterial, type Object3D } from "three";
 import type { App } from "../model/app";
 import { markColor, trailColors } from "../model/colors";
 import { dimming } from "../model/emphasis";
 import { isVisible } from "../model/state";
 import type { Vec3 } from "../source/trail";
-import { Dots, eachStretch, keyMarkers, Lines, type DrawnTrail, type SampleColors } from "./batch";
+import { Dots, keyMarkers, Lines, stretchesOf, type DrawnTrail, type SampleColors } from "./batch";
 import { framesBetweenDots } from "./dot_spacing";
+import type { FatLineMaterial } from "./fat_lines";
 import { dotMaterial, keyMaterial, lineMaterial, thinMaterial } from "./materials";
+import type { Pickable } from "./picking";
 import { between, wholeTrail, windowOf, windowStrength } from "./places";
 import type { Projection } from "./projection";
 import { channels, DIMMED, shade, shaded } from "./shades";
@@ -56,6 +57,8 @@ interface Look extends DrawnStyle {
 export interface Amount {
   readonly stride: number;
   readonly plain: boolean;
+  /** Whether edges are smooth. */
+  readonly smooth: boolean;
 }
 
 export interface Drawing extends Amount {
@@ -91,6 +94,7 @@ export class TrailLayers {
   private readonly looks = new Map<number, Look>();
   private dims: ((trail: number) => boolean) | null = null;
   private readonly places = new Map<number, DrawnTrail>();
+  private hits: readonly Pickable[] | null = null;
   private readonly levels = new Map<string, Level>();
   private readonly samples = new Map<number, SampleColors>();
   private version = 1;
@@ -134,6 +138,14 @@ export class TrailLayers {
     return styles.some(({ showDots }) => showDots) && (!plain || !styles.some(({ showLine }) => showLine));
   }
 
+  /** What the pointer can hit. */
+  get pickable(): readonly Pickable[] {
+    return (this.hits ??= this.trails.map((trail) => {
+      const { showLine, lineWidth } = styleOf(this.app, trail.index);
+      return { trail, lined: showLine && lineWidth > 0 };
+    }));
+  }
+
   get sampleCount(): number {
     return this.trails.reduce((sum, trail) => sum + trail.places.length / 3, 0);
   }
@@ -147,7 +159,7 @@ export class TrailLayers {
 
   /** Forget which part of the trails is drawn. */
   windowMoved(): void {
-    this.drawn = null;
+    this.drawn = this.hits = null;
     this.dropLevels();
   }
 
@@ -158,6 +170,7 @@ export class TrailLayers {
   }
 
   recolored(): void {
+    this.hits = null;
     ++this.version;
     this.samples.clear();
     this.looks.clear();
@@ -166,7 +179,7 @@ export class TrailLayers {
 
   /** Puts the trails into the group; returns the number of stretches. */
   show(drawing: Drawing): number {
-    const name = JSON.stringify(drawing);
+    const name = JSON.stringify({ ...drawing, smooth: null }); // what is drawn is the same
     let level = this.levels.get(name);
     if (!level) {
       if (this.levels.size >= 3) this.forgetOldest();
@@ -213,7 +226,7 @@ export class TrailLayers {
   }
 
   /** Colours of what is drawn of a trail: in a window in time they fade away from the current frame. */
-  private readonly drawnColors = (index: number): SampleColors => {
+  readonly drawnColors = (index: number): SampleColors => {
     const { values, mode } = this.colorsOf(index);
     return this.app.store.state.window ? { values: this.faded(index, (sample) => 3 * sample, values), mode } : { values, mode };
   };
@@ -252,7 +265,7 @@ export class TrailLayers {
     const level: Level = { group: new Group(), colored: [], disposables: [], stretches: 0, version: 0 };
     const look = ({ index }: DrawnTrail) => this.look(index);
     const lined = this.trails.filter((trail) => look(trail).showLine && look(trail).lineWidth > 0);
-    for (const trail of lined) eachStretch(trail.places, stride, () => ++level.stretches);
+    for (const trail of lined) level.stretches += stretchesOf(trail.places, stride).length / 2;
     const wide = new Set(plain ? this.lit(lined, stride) : lined);
     this.addCasings(level, lined, [...wide], stride);
     for (const batch of grouped(lined, (trail) => `${JSON.stringify(look(trail))} ${wide.has(trail)}`)) {
@@ -299,7 +312,7 @@ export class TrailLayers {
     }
   }
 
-  private addLines(level: Level, trails: readonly DrawnTrail[], stride: number, material: LineMaterial | LineBasicMaterial,
+  private addLines(level: Level, trails: readonly DrawnTrail[], stride: number, material: FatLineMaterial | LineBasicMaterial,
                    renderOrder: number, colors: (trail: number) => SampleColors): void {
     const batch = new Lines(trails, stride, material);
     if (material.vertexColors) level.colored.push({ batch, colors });

@@ -1,21 +1,9 @@
 // How lines, dots and key markers look.
 
 import { Color, LineBasicMaterial, ShaderMaterial } from "three";
-import { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
+import { FatLineMaterial, type FatLineStyle } from "./fat_lines";
 
-export interface LineStyle {
-  /** Pixels. */
-  readonly width: number;
-  readonly ghost: boolean;
-  /** One colour for all; without it every sample has its own. */
-  readonly color?: string;
-}
-
-export function lineMaterial({ width, ghost, color }: LineStyle): LineMaterial {
-  const material = new LineMaterial({ linewidth: width, vertexColors: color === undefined, depthTest: !ghost });
-  if (color !== undefined) material.color = new Color(color);
-  return material;
-}
+export const lineMaterial = (style: FatLineStyle): FatLineMaterial => new FatLineMaterial(style);
 
 /** Of one pixel, in the samples' colours. */
 export const thinMaterial = (ghost: boolean): LineBasicMaterial =>

@@ -75,16 +75,6 @@ export class Overlay {
     context.stroke();
   }
 
-  /** A ring around the sample that is pointed at. */
-  ring(at: Spot): void {
-    const { context, colors } = this;
-    context.beginPath();
-    context.arc(at.x, at.y, 9, 0, 2 * Math.PI);
-    context.lineWidth = 2;
-    context.strokeStyle = colors.ink;
-    context.stroke();
-  }
-
   /** Drawn beside its place, shortened where it must be; not at all where there is no room. */
   label({ at, text, strong }: Label): void {
     if (this.labels >= MOST_LABELS || !this.inside(at)) return;

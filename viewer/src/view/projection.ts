@@ -1,4 +1,4 @@
-// From places in the viewport's space to pixels.
+// From places in the viewport's space to pixels, and from pixels to what lies behind them.
 
 import { Matrix4, type Camera } from "three";
 
@@ -7,8 +7,20 @@ export interface Spot {
   y: number;
 }
 
+/** A part of the picture, CSS pixels. */
+export interface Area {
+  readonly left: number;
+  readonly top: number;
+  readonly right: number;
+  readonly bottom: number;
+}
+
+/** What lies behind an area: five planes, a b c d each, with a x + b y + c z + d >= 0 inside. */
+export type Region = Float64Array;
+
 export class Projection {
-  private readonly m: readonly number[];
+  /** Of clip space, column by column. */
+  readonly m: readonly number[];
 
   constructor(camera: Camera, readonly width: number, readonly height: number) {
     this.m = new Matrix4().multiplyMatrices(camera.projectionMatrix, camera.matrixWorldInverse).elements;
@@ -23,6 +35,22 @@ export class Projection {
       x: (((m[0] * x + m[4] * y + m[8] * z + m[12]) / w + 1) / 2) * this.width,
       y: ((1 - (m[1] * x + m[5] * y + m[9] * z + m[13]) / w) / 2) * this.height,
     };
+  }
+
+  /** The four sides of the area, seen from the eye, and where the picture begins in depth. */
+  region({ left, top, right, bottom }: Area): Region {
+    const across = (x: number) => (2 * x) / this.width - 1;
+    const up = (y: number) => 1 - (2 * y) / this.height;
+    const region = new Float64Array(20);
+    for (let k = 0; k < 4; ++k) {
+      const [x, y, z, w] = this.m.slice(4 * k, 4 * k + 4);
+      region[k] = x - across(left) * w;
+      region[4 + k] = across(right) * w - x;
+      region[8 + k] = y - up(bottom) * w;
+      region[12 + k] = up(top) * w - y;
+      region[16 + k] = z + w;
+    }
+    return region;
   }
 }
 

@@ -3,6 +3,7 @@
 import {
   BufferAttribute, BufferGeometry, Group, InstancedInterleavedBuffer, InterleavedBufferAttribute, LineSegments, Points,
 } from "three";
+import { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
 import { LineSegments2 } from "three/examples/jsm/lines/LineSegments2.js";
 import { LineSegmentsGeometry } from "three/examples/jsm/lines/LineSegmentsGeometry.js";
 import type { App } from "../model/app";
@@ -11,7 +12,7 @@ import { isFinitePoint } from "../model/motion";
 import { yUp } from "../model/pose";
 import type { Vec3 } from "../source/trail";
 import { FIGURE_ORDER } from "./layers";
-import { dotMaterial, lineMaterial, thinMaterial } from "./materials";
+import { dotMaterial, thinMaterial } from "./materials";
 import { channels, shade } from "./shades";
 import type { Colors } from "./theme";
 
@@ -57,7 +58,7 @@ class Buffers {
 export class Skeleton {
   readonly group = new Group();
   private readonly buffers = new Buffers();
-  private readonly line = lineMaterial({ width: BONE_WIDTH, ghost: true });
+  private readonly line = new LineMaterial({ linewidth: BONE_WIDTH, vertexColors: true, depthTest: false });
   private readonly joint;
   private lines = new LineSegments2(new LineSegmentsGeometry(), this.line);
   private readonly thin = thinMaterial(true);

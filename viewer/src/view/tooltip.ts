@@ -27,26 +27,33 @@ export function describe(app: App, { trail: index, sample }: Hover): string {
   ].join("\n");
 }
 
+/** The text, and a ring around the sample. They are elements, so that pointing at a sample draws nothing again. */
 export class Tooltip {
   readonly element = document.createElement("div");
+  readonly ring = document.createElement("div");
 
   constructor() {
+    this.ring.className = "pointed-at";
+    this.ring.hidden = true;
     this.element.className = "tooltip";
     this.element.setAttribute("role", "tooltip");
     this.element.hidden = true;
   }
 
   show(text: string, at: Spot, width: number, height: number): void {
-    const { element } = this;
+    const { element, ring } = this;
     element.textContent = text;
-    element.hidden = false;
+    element.hidden = ring.hidden = false;
+    ring.style.left = `${at.x}px`;
+    ring.style.top = `${at.y}px`;
     const right = at.x + 16 + element.offsetWidth < width;
     const below = at.y + 16 + element.offsetHeight < height;
-    element.style.left = `${Math.max(4, right ? at.x + 16 : at.x - 16 - element.offsetWidth)}px`;
-    element.style.top = `${Math.max(4, below ? at.y + 16 : at.y - 16 - element.offsetHeight)}px`;
+    const inside = (place: number, most: number) => `${Math.max(4, Math.min(place, most - 4))}px`;
+    element.style.left = inside(right ? at.x + 16 : at.x - 16 - element.offsetWidth, width - element.offsetWidth);
+    element.style.top = inside(below ? at.y + 16 : at.y - 16 - element.offsetHeight, height - element.offsetHeight);
   }
 
   hide(): void {
-    this.element.hidden = true;
+    this.element.hidden = this.ring.hidden = true;
   }
 }

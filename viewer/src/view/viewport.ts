@@ -1,22 +1,26 @@
 // The view of the trails in space. It draws only when something has changed.
 
 import "./viewport.css";
-import { ColorManagement, Group, LinearSRGBColorSpace, Scene, WebGLRenderer } from "three";
+import { ColorManagement, Group, Scene } from "three";
 import type { App } from "../model/app";
 import { boundsOf, type Bounds } from "../model/framing";
 import type { Change, ViewState } from "../model/state";
 import { onPreferenceChange } from "../model/theme";
 import type { Vec3 } from "../source/trail";
-import { annotate, type Picture } from "./annotations";
+import { annotate, hoveredSpot, type Picture } from "./annotations";
 import { CameraRig } from "./camera";
 import { Detail } from "./detail";
+import { FlatSurface } from "./flat_surface";
 import { acrossOf, buildStage, disposeAll, gridFor, type Grid } from "./ground";
 import { holdsSamples } from "./held";
 import { TrailLayers, type Drawing } from "./layers";
 import { Overlay } from "./overlay";
-import { pick } from "./picking";
+import { passing, pick } from "./picking";
+import { blobOf, framed } from "./picture";
+import { listenToPointer } from "./pointer";
 import { Projection } from "./projection";
 import { Skeleton } from "./skeleton";
+import { GlSurface, type Surface } from "./surface";
 import { colorsOf } from "./theme";
 import { describe, Tooltip } from "./tooltip";
 
@@ -38,7 +42,7 @@ const COLORS: readonly (keyof ViewState)[] = ["colorBy", "mode", "palette"];
 const touches = (changed: Change, keys: readonly (keyof ViewState)[]) => keys.some((key) => changed.has(key));
 
 export class Viewport {
-  private readonly renderer: WebGLRenderer;
+  private surface: Surface;
   private readonly three = new Scene();
   private readonly stage = new Group();
   private readonly overlay = new Overlay();
@@ -57,20 +61,20 @@ export class Viewport {
   private settleTimer = 0;
   private moving = true; // the first picture is a quick one
   private gesture = false;
-  private pointer: { x: number; y: number } | null = null;
+  /** Above 1 while a larger picture is drawn. */
+  private scale = 1;
 
-  /** Throws an Error with a text for the reader if the browser cannot draw in 3D. */
   constructor(private readonly app: App, private readonly host: HTMLElement) {
-    this.renderer = makeRenderer();
     const { canvas } = this.overlay;
     canvas.className = "overlay";
     canvas.setAttribute("aria-hidden", "true");
-    this.renderer.domElement.setAttribute("aria-hidden", "true");
-    host.append(this.renderer.domElement, canvas, this.tooltip.element);
     this.layers = new TrailLayers(app, () => this.origin, () => this.colors, () => this.ratio);
     this.skeleton = new Skeleton(app, () => this.origin, () => this.colors, this.ratio);
+    host.append(canvas, this.tooltip.ring, this.tooltip.element);
+    this.surface = this.makeSurface();
+    host.prepend(this.surface.canvas);
     this.detail = new Detail(() => this.layers.sampleCount);
-    this.rig = new CameraRig(this.renderer.domElement, app.store.state.camera, () => this.origin,
+    this.rig = new CameraRig(canvas, app.store.state.camera, () => this.origin,
       (camera) => app.store.set({ camera }));
     this.rig.onGesture(() => this.setGesture(true), () => this.setGesture(false));
     this.three.add(this.stage, this.layers.group, this.skeleton.group);
@@ -83,16 +87,27 @@ export class Viewport {
     this.changed();
   }
 
-  /** What is seen now, labels included. */
-  picture(): Promise<Blob> {
+  /** What is seen now, labels included, as large and with what around it as is chosen. */
+  async picture(): Promise<Blob> {
+    const { pictureScale } = this.app.store.state;
+    try {
+      this.enlarge(pictureScale);
+      const layers = [this.surface.canvas, this.overlay.canvas];
+      return await blobOf(framed(this.app, this.layers.trails.map(({ index }) => index), layers, this.ratio, this.colors));
+    } finally {
+      if (pictureScale !== 1) this.enlarge(1);
+    }
+  }
+
+  /** Draws everything so many times as large. */
+  private enlarge(scale: number): void {
+    const changes = scale !== this.scale;
+    this.scale = scale;
+    if (changes) {
+      this.layers.restyled();
+      this.surface.resize(this.width, this.height, this.ratio);
+    }
     this.draw(false);
-    const canvas = document.createElement("canvas");
-    [canvas.width, canvas.height] = [this.renderer.domElement.width, this.renderer.domElement.height];
-    const context = canvas.getContext("2d")!;
-    context.drawImage(this.renderer.domElement, 0, 0);
-    context.drawImage(this.overlay.canvas, 0, 0);
-    return new Promise((resolve, reject) =>
-      canvas.toBlob((blob) => (blob ? resolve(blob) : reject(new Error("The picture could not be made: make the window smaller and try again")))));
   }
 
   private get colors() {
@@ -100,7 +115,32 @@ export class Viewport {
   }
 
   private get ratio(): number {
-    return Math.min(window.devicePixelRatio || 1, 2);
+    return this.scale * Math.min(window.devicePixelRatio || 1, 2);
+  }
+
+  private makeSurface(): Surface {
+    try {
+      return new GlSurface(this.three, this.layers, () => this.trailsChanged(), () => this.drawFlat());
+    } catch {
+      return this.flatSurface();
+    }
+  }
+
+  private flatSurface(): Surface {
+    const line = document.createElement("p");
+    line.className = "without-webgl";
+    line.textContent = "This browser draws without WebGL: lines in the order of the list, no depth, ground or boxes.";
+    this.host.append(line);
+    return new FlatSurface(this.app, this.layers, () => this.colors);
+  }
+
+  /** WebGL was there and is gone. */
+  private drawFlat(): void {
+    const { canvas } = this.surface;
+    this.surface = this.flatSurface();
+    canvas.replaceWith(this.surface.canvas);
+    this.surface.resize(this.width, this.height, this.ratio);
+    this.changed();
   }
 
   private listen(): void {
@@ -111,36 +151,11 @@ export class Viewport {
       this.changed();
     });
     new ResizeObserver(() => this.resize()).observe(this.host);
-    this.resize();
+    this.measure();
     this.changed();
-    const canvas = this.renderer.domElement;
-    canvas.addEventListener("pointermove", (event) => {
-      this.pointer = event.buttons === 0 ? { x: event.offsetX, y: event.offsetY } : null;
-      this.ask();
-    });
-    canvas.addEventListener("pointerleave", () => {
-      this.pointer = null;
-      this.app.store.set({ hover: null });
-    });
-    this.listenToClicks(canvas);
-    canvas.addEventListener("webglcontextrestored", () => this.trailsChanged());
-  }
-
-  /** A click without a drag selects what is under it; with Ctrl or Shift it adds or takes away. */
-  private listenToClicks(canvas: HTMLElement): void {
-    let down: { x: number; y: number } | null = null;
-    canvas.addEventListener("pointerdown", (event) => (down = { x: event.offsetX, y: event.offsetY }));
-    canvas.addEventListener("pointerup", (event) => {
-      const still = down && Math.hypot(event.offsetX - down.x, event.offsetY - down.y) < 4;
-      down = null;
-      if (!still || event.button !== 0) return;
-      const hit = pick(this.layers.trails, this.projection(), { x: event.offsetX, y: event.offsetY });
-      if (!hit) return;
-      const add = event.ctrlKey || event.metaKey || event.shiftKey;
-      const { selected } = this.app.store.state;
-      const next = new Set(add ? selected : []);
-      if (!add || !next.delete(hit.trail)) next.add(hit.trail);
-      this.app.store.set({ selected: next, hover: hit });
+    listenToPointer(this.host, this.overlay.canvas, this.app.store, {
+      pick: (at) => pick(this.layers.pickable, this.projection(), at),
+      passing: (area) => passing(this.layers.pickable, this.projection(), area),
     });
   }
 
@@ -155,7 +170,7 @@ export class Viewport {
       if (acrossOf(state.camera.view) !== this.grid.across) this.rebuildStage();
       this.rig.show(state.camera);
     }
-    if (changed.has("hover") && changed.size === 1) this.ask();
+    if (changed.has("hover") && changed.size === 1) this.showHover(); // without drawing anything again
     else this.changed();
   }
 
@@ -186,14 +201,19 @@ export class Viewport {
     this.rig.setReach(Math.max(4 * size, 1e-6, ...away.map((distance) => 2 * distance)));
   }
 
+  /** Takes the host's size; the picture is empty then. Says whether the size is a new one. */
+  private measure(): boolean {
+    const [width, height] = [Math.max(1, this.host.clientWidth), Math.max(1, this.host.clientHeight)];
+    if (width === this.width && height === this.height) return false;
+    [this.width, this.height] = [width, height];
+    this.surface.resize(width, height, this.ratio);
+    this.rig.resize(width, height);
+    this.app.store.set({ aspect: width / height });
+    return true;
+  }
+
   private resize(): void {
-    this.width = Math.max(1, this.host.clientWidth);
-    this.height = Math.max(1, this.host.clientHeight);
-    this.renderer.setPixelRatio(this.ratio);
-    this.renderer.setSize(this.width, this.height, false);
-    this.rig.resize(this.width, this.height);
-    this.app.store.set({ aspect: this.width / this.height });
-    this.draw(this.moving); // at once: setting the size has cleared the picture
+    if (this.measure()) this.draw(this.moving); // at once, because it is empty
   }
 
   private setGesture(on: boolean): void {
@@ -222,17 +242,8 @@ export class Viewport {
   private ask(): void {
     this.frameAsked ||= requestAnimationFrame(() => {
       this.frameAsked = 0;
-      this.pickUnderPointer();
       this.draw(this.moving);
     });
-  }
-
-  private pickUnderPointer(): void {
-    if (!this.pointer) return;
-    const hover = pick(this.layers.trails, this.projection(), this.pointer);
-    const old = this.app.store.state.hover;
-    this.pointer = null;
-    if (hover?.trail !== old?.trail || hover?.sample !== old?.sample) this.app.store.set({ hover });
   }
 
   private projection(): Projection {
@@ -240,45 +251,32 @@ export class Viewport {
   }
 
   private draw(moving: boolean): void {
-    const drawing = { ...this.detail.drawing(moving), dotEvery: this.layers.dotEvery(this.projection(), moving) };
-    const stretches = this.layers.show(drawing);
+    const { detail, surface } = this;
+    const drawing = { ...detail.drawing(moving), dotEvery: this.layers.dotEvery(this.projection(), moving) };
+    const timed = detail.timed(moving);
     this.skeleton.update();
     const start = performance.now();
-    this.renderer.setClearColor(this.colors.background);
-    this.renderer.render(this.three, this.rig.camera);
-    if (this.detail.learns) {
-      waitFor(this.renderer);
-      this.detail.learn(drawing, stretches, performance.now() - start);
+    const stretches = surface.draw({ drawing, camera: this.rig.camera, projection: this.projection(), background: this.colors.background });
+    if (timed) {
+      surface.finish();
+      detail.learn(drawing, stretches, performance.now() - start);
     }
-    this.drawOverlay(drawing);
+    this.overlay.begin(this.width, this.height, this.ratio, this.colors);
+    annotate(this.overlay, this.pictured(drawing));
+    this.showHover();
     this.host.dataset.stride = String(drawing.stride);
     this.host.dataset.drawn = moving ? "moving" : "still";
   }
 
-  private drawOverlay(drawing: Drawing): void {
+  private pictured(drawing: Drawing): Picture {
     const { app, layers, origin, grid, skeleton, colors } = this;
-    const picture: Picture = {
-      app, layers, skeleton, colors, projection: this.projection(), camera: this.rig.camera, origin, grid, drawing,
-    };
-    this.overlay.begin(this.width, this.height, this.ratio, this.colors);
-    const hovered = annotate(this.overlay, picture);
-    if (hovered) this.tooltip.show(describe(app, hovered.hover), hovered.at, this.width, this.height);
+    const flat = this.surface instanceof FlatSurface;
+    return { app, layers, skeleton, colors, projection: this.projection(), camera: this.rig.camera, origin, grid, drawing, flat };
+  }
+
+  private showHover(): void {
+    const hovered = hoveredSpot({ app: this.app, layers: this.layers, projection: this.projection() });
+    if (hovered) this.tooltip.show(describe(this.app, hovered.hover), hovered.at, this.width, this.height);
     else this.tooltip.hide();
   }
-}
-
-function makeRenderer(): WebGLRenderer {
-  try {
-    const renderer = new WebGLRenderer({ antialias: true, stencil: true });
-    renderer.outputColorSpace = LinearSRGBColorSpace;
-    return renderer;
-  } catch {
-    throw new Error("This browser cannot draw in 3D, because WebGL 2 is off: turn on hardware acceleration, or try another browser.");
-  }
-}
-
-/** Returns when everything is drawn. */
-function waitFor(renderer: WebGLRenderer): void {
-  const gl = renderer.getContext();
-  gl.readPixels(0, 0, 1, 1, gl.RGBA, gl.UNSIGNED_BYTE, new Uint8Array(4));
 }

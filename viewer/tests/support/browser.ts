@@ -14,6 +14,8 @@ const FIRST_ONLY = process.env.VANTORELIX_PAGE_TESTS === "first";
 export interface OpenOptions extends BrowserContextOptions {
   /** What stands after the "#". */
   hash?: string;
+  /** Runs in the page before its own script. */
+  before?: () => void;
 }
 
 export interface Opener {
@@ -65,11 +67,12 @@ export function useBrowser(): Opener {
     expect(problems.splice(0)).toEqual([]);
   });
 
-  async function openFile(file: string, { hash = "", ...rest }: OpenOptions = {}): Promise<Page> {
+  async function openFile(file: string, { hash = "", before, ...rest }: OpenOptions = {}): Promise<Page> {
     const context = await browser.newContext({ viewport: { width: 1280, height: 800 }, ...rest });
     const page = await context.newPage();
     const url = pathToFileURL(file).href;
     watch(page, url, problems);
+    if (before) await page.addInitScript(before);
     await page.goto(hash ? `${url}#${hash}` : url);
     await page.waitForSelector("html[data-ready=true]", { state: "attached" });
     return page;
