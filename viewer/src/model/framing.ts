@@ -122,7 +122,7 @@ const MOST_TELLING = 50_000;
 /** What of the motion's plane tells its main direction: sums over the samples, from the middle of their box. */
 function spread({ motion, trails, upAxis }: Samples, middle: Vec3): { xx: number; zz: number; xz: number } {
   let [xx, zz, xz] = [0, 0, 0];
-  const total = trails.reduce((sum, trail) => sum + motion.trails[trail].count, 0);
+  const total = trails.reduce((sum, trail) => sum + motion.shownPoints(trail).length / 3, 0);
   const stride = 3 * Math.max(1, Math.floor(total / MOST_TELLING));
   const [depth, sign] = upAxis === "z" ? [1, -1] : [2, 1];
   for (const trail of trails) {

@@ -10,12 +10,12 @@ import { nearestSample, sampleFrame } from "../model/motion";
 import { distinctNames } from "../model/names";
 import { visibleTrails } from "../model/pose";
 import type { Trail } from "../source/trail";
-import { button, el, setAttributes, setText } from "./dom";
+import { button, el, setAttributes, setText } from "./parts/dom";
 import { isSeen, LEFT, RIGHT } from "./frame_scale";
 import { curveOf } from "./graph_curves";
 import { drawAxis, placeOf, strokeCurve, type Place } from "./graph_drawing";
-import { Layer, onDrag } from "./layer";
-import { styleColors } from "./theme";
+import { Layer, onDrag } from "./parts/layer";
+import { styleColors } from "./parts/theme";
 import { zoomsTime } from "./time_zoom";
 import { frameAt } from "./timeline";
 

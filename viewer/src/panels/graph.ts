@@ -7,10 +7,10 @@ import { frameText, lengthText, unitName } from "../model/format";
 import { nearestSample, sampleFrame } from "../model/motion";
 import { distinctNames } from "../model/names";
 import type { Hover } from "../model/state";
-import { el, setAttributes, setText } from "./dom";
+import { el, setAttributes, setText } from "./parts/dom";
 import { extremes } from "./graph_curves";
 import { drawCurves, drawMoving, largestSpacing, placeOf, type Place } from "./graph_drawing";
-import { Layer, onDrag } from "./layer";
+import { Layer, onDrag } from "./parts/layer";
 import { zoomsTime } from "./time_zoom";
 import { frameAt } from "./timeline";
 

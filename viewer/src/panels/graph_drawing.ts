@@ -7,7 +7,7 @@ import { nearestSample, sampleFrame } from "../model/motion";
 import type { Hover } from "../model/state";
 import { isSeen, LEFT, niceStep, RIGHT, seenScale, ticks, type FrameScale } from "./frame_scale";
 import { curveOf, extremes, type Curve } from "./graph_curves";
-import { styleColors } from "./theme";
+import { styleColors } from "./parts/theme";
 import { isCrowded, keyPlaces } from "./timeline_drawing";
 
 const TOP = 10;

@@ -2,7 +2,7 @@
 
 import type { App } from "../model/app";
 import { COMMANDS, keyLabel } from "../model/commands";
-import { button, el, freshId } from "./dom";
+import { button, el, freshId } from "./parts/dom";
 
 type Row = readonly [string, string];
 

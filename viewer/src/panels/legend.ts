@@ -4,7 +4,7 @@ import type { Palette } from "../model/colors";
 import { legendColors, legendItems } from "../model/legend";
 import { COLOR_MODES, type ColorMode } from "../source/trail";
 import type { App } from "../model/app";
-import { el } from "./dom";
+import { el } from "./parts/dom";
 
 /** Where the ramp has a trail's typical speed. */
 const TYPICAL = 0.4;

@@ -5,7 +5,7 @@ import { distinctNames } from "../model/names";
 import { foundTrails, outline, type OutlineRow } from "../model/outline";
 import { hierarchyOf, type Hierarchy } from "../model/hierarchy";
 import { toggled } from "../model/state";
-import { el } from "./dom";
+import { el } from "./parts/dom";
 import { buildRow, type ObjectRow } from "./object_row";
 
 const NAME = 0;

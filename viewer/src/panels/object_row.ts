@@ -5,8 +5,8 @@ import { markColor, objectColor } from "../model/colors";
 import type { OutlineRow } from "../model/outline";
 import { isVisible, toggled, type ViewState } from "../model/state";
 import type { Trail } from "../source/trail";
-import { el, setAttributes, setText } from "./dom";
-import { icon } from "./icons";
+import { el, setAttributes, setText } from "./parts/dom";
+import { icon } from "./parts/icons";
 
 export interface ObjectRow {
   readonly element: HTMLElement;

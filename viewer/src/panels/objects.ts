@@ -3,7 +3,7 @@
 import type { App } from "../model/app";
 import { matcher } from "../model/search";
 import { isVisible } from "../model/state";
-import { button, commandButton, el, setText } from "./dom";
+import { button, commandButton, el, setText } from "./parts/dom";
 import { swatchStyle } from "./legend";
 import { ObjectGrid } from "./object_grid";
 

@@ -1,16 +1,16 @@
 // The page around the viewport.
 
 import type { App } from "../model/app";
-import { el } from "./dom";
+import { el } from "./parts/dom";
 import { buildCompareGraph } from "./compare_graph";
 import { buildGraph } from "./graph";
 import { buildHelp } from "./help";
-import { buildLive } from "./live";
+import { buildLive } from "./parts/live";
 import { buildObjects } from "./objects";
 import { buildPictureDialog } from "./picture_dialog";
 import { buildSettings } from "./settings";
 import { panelButton } from "./sheets";
-import { followTheme } from "./theme";
+import { followTheme } from "./parts/theme";
 import { buildTimeline } from "./timeline";
 import { buildToolbar } from "./toolbar";
 import { buildTransport } from "./transport";

@@ -2,8 +2,8 @@
 
 import type { App } from "../model/app";
 import { command } from "../model/commands";
-import { button, el, freshId } from "./dom";
-import { checkbox, choice, type Option } from "./fields";
+import { button, el, freshId } from "./parts/dom";
+import { checkbox, choice, type Option } from "./parts/fields";
 
 const SCALES: readonly Option<number>[] = [[1, "1 ×"], [2, "2 ×"], [3, "3 ×"], [4, "4 ×"]];
 

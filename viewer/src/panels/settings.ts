@@ -5,8 +5,8 @@ import { secondName } from "../model/compare";
 import { KEPT } from "../model/hash";
 import { initialState, type ViewState } from "../model/state";
 import { COLOR_MODES, type ColorMode } from "../source/trail";
-import { button, el } from "./dom";
-import { checkbox, choice, count, select, size, type Option } from "./fields";
+import { button, el } from "./parts/dom";
+import { checkbox, choice, count, select, size, type Option } from "./parts/fields";
 import { buildLegend } from "./legend";
 
 const AS_IN_SCENE: readonly Option<boolean | null>[] = [[null, "Scene"], [true, "On"], [false, "Off"]];

@@ -2,7 +2,7 @@
 // page, one at a time, and closed at first.
 
 import type { App } from "../model/app";
-import { button, el } from "./dom";
+import { button, el } from "./parts/dom";
 
 export type PanelKey = "showList" | "showSettings";
 

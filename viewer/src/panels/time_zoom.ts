@@ -2,7 +2,7 @@
 
 import type { App } from "../model/app";
 import { panTime, zoomTime } from "../model/time_span";
-import { commandButton, el } from "./dom";
+import { commandButton, el } from "./parts/dom";
 import { seenScale } from "./frame_scale";
 
 /** Wheels of all kinds in pixels: some count lines. */

@@ -4,10 +4,10 @@ import type { App } from "../model/app";
 import { command, goTo, shownKeyTimes } from "../model/commands";
 import { countUpTo } from "../model/colors";
 import { frameText } from "../model/format";
-import { el, setAttributes } from "./dom";
+import { el, setAttributes } from "./parts/dom";
 import { followFrame, seenTime } from "../model/time_span";
 import { isSeen, seenScale, type FrameScale } from "./frame_scale";
-import { Layer, onDrag } from "./layer";
+import { Layer, onDrag } from "./parts/layer";
 import { drawTimeline } from "./timeline_drawing";
 import { zoomsTime } from "./time_zoom";
 

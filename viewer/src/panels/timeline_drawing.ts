@@ -5,7 +5,7 @@ import { shownKeyTimes } from "../model/commands";
 import { frameText } from "../model/format";
 import { seenTime } from "../model/time_span";
 import { frameScale, isSeen, niceStep, ticks, type FrameScale } from "./frame_scale";
-import { styleColors } from "./theme";
+import { styleColors } from "./parts/theme";
 
 /** From the top: the range with its handles, the keys, the numbers and ticks. */
 const RANGE = { top: 3, height: 18 };

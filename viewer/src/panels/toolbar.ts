@@ -3,9 +3,9 @@
 import type { App } from "../model/app";
 import { baseName } from "../model/format";
 import type { ViewName } from "../model/state";
-import { button, commandButton, el, setAttributes } from "./dom";
-import { icon } from "./icons";
-import { nextTheme, THEME_NAMES } from "./theme";
+import { button, commandButton, el, setAttributes } from "./parts/dom";
+import { icon } from "./parts/icons";
+import { nextTheme, THEME_NAMES } from "./parts/theme";
 
 const VIEWS: readonly (readonly [ViewName, string])[] = [
   ["persp", "Persp"], ["front", "Front"], ["side", "Side"], ["top", "Top"],

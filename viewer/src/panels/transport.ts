@@ -3,8 +3,8 @@
 import type { App } from "../model/app";
 import { goTo } from "../model/commands";
 import { frameText } from "../model/format";
-import { commandButton, commandTitle, el, labelled, setAttributes, setText } from "./dom";
-import { setIcon, type IconName } from "./icons";
+import { commandButton, commandTitle, el, labelled, setAttributes, setText } from "./parts/dom";
+import { setIcon, type IconName } from "./parts/icons";
 import { timeZoomButtons } from "./time_zoom";
 
 const BUTTONS: readonly (readonly [id: string, icon: IconName])[] = [

@@ -12,13 +12,13 @@ import { distinctNames } from "../model/names";
 import { yUp } from "../model/pose";
 import type { Hover } from "../model/state";
 import type { Vec3 } from "../source/trail";
-import type { DrawnTrail } from "./batch";
+import type { DrawnTrail } from "./primitives/batch";
 import { drawCompared } from "./compare_lines";
 import type { Grid } from "./ground";
 import type { Drawing, TrailLayers } from "./layers";
 import { hasDenseKeys } from "./places";
 import type { Label, Mark, Overlay } from "./overlay";
-import type { Projection, Spot } from "./projection";
+import type { Projection, Spot } from "./primitives/projection";
 import { skinColor, type Skeleton } from "./skeleton";
 import type { Colors } from "./theme";
 

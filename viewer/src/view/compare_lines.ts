@@ -8,7 +8,7 @@ import type { Vec3 } from "../source/trail";
 import type { Picture } from "./annotations";
 import type { Overlay } from "./overlay";
 import { windowOf } from "./places";
-import type { Spot } from "./projection";
+import type { Spot } from "./primitives/projection";
 
 /** The most samples that are drawn of the second scene's lines; of more, every second, third ... */
 const MOST_SAMPLES = 20_000;

@@ -1,7 +1,7 @@
 // How many frames lie between two dots, so that dots do not touch in the picture.
 
-import type { DrawnTrail } from "./batch";
-import type { Projection } from "./projection";
+import type { DrawnTrail } from "./primitives/batch";
+import type { Projection } from "./primitives/projection";
 
 /** Pairs of samples that are looked at. */
 const LOOKS = 3000;

@@ -1,9 +1,9 @@
 // Draws the trails on a plain canvas, for browsers without WebGL: lines, dots and keys, without depth and without boxes.
 
 import type { App } from "../model/app";
-import { eachDot, stretchesOf, type DrawnTrail, type SampleColors } from "./batch";
+import { eachDot, stretchesOf, type DrawnTrail, type SampleColors } from "./primitives/batch";
 import { styleOf, type Drawing, type TrailLayers } from "./layers";
-import type { Projection, Spot } from "./projection";
+import type { Projection, Spot } from "./primitives/projection";
 import type { Surface, View } from "./surface";
 import type { Colors } from "./theme";
 

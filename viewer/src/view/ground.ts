@@ -8,7 +8,7 @@ import type { StaticBox, Vec3 } from "../source/trail";
 import type { Bounds } from "../model/framing";
 import type { ViewName } from "../model/state";
 import { BOX_ORDER } from "./layers";
-import { isDrawable } from "./projection";
+import { isDrawable } from "./primitives/projection";
 import type { Colors } from "./theme";
 
 /** How much of what lies behind boxes they cover. */

@@ -1,6 +1,6 @@
 // Room for text in the picture: labels that avoid each other and the edges, and are shortened where they must be.
 
-import type { Spot } from "./projection";
+import type { Spot } from "./primitives/projection";
 
 const CELL = 4;
 /** Pixels that a text keeps from the picture's edges, and its height above and below its base line. */

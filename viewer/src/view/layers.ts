@@ -6,14 +6,14 @@ import { markColor, trailColors } from "../model/colors";
 import { dimming } from "../model/emphasis";
 import { isVisible } from "../model/state";
 import type { Vec3 } from "../source/trail";
-import { Dots, keyMarkers, Lines, stretchesOf, type DrawnTrail, type SampleColors } from "./batch";
+import { Dots, keyMarkers, Lines, stretchesOf, type DrawnTrail, type SampleColors } from "./primitives/batch";
 import { framesBetweenDots } from "./dot_spacing";
-import type { FatLineMaterial } from "./fat_lines";
-import { dotMaterial, keyMaterial, lineMaterial, thinMaterial } from "./materials";
+import type { FatLineMaterial } from "./primitives/fat_lines";
+import { dotMaterial, keyMaterial, lineMaterial, thinMaterial } from "./primitives/materials";
 import type { Pickable } from "./picking";
 import { between, wholeTrail, windowOf, windowStrength } from "./places";
-import type { Projection } from "./projection";
-import { channels, DIMMED, shade, shaded } from "./shades";
+import type { Projection } from "./primitives/projection";
+import { channels, DIMMED, shade, shaded } from "./primitives/shades";
 import type { Colors } from "./theme";
 
 /** Up to this many stretches, every line has a casing and every dot a rim. */

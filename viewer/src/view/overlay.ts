@@ -2,7 +2,7 @@
 
 import { Room, shortened } from "./labels";
 import type { Colors } from "./theme";
-import type { Spot } from "./projection";
+import type { Spot } from "./primitives/projection";
 
 export interface Label {
   readonly at: Spot;

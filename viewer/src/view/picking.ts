@@ -4,8 +4,8 @@
 // is each run of samples; of a million samples, a few hundred are looked at. The boxes do not depend on the camera.
 
 import type { Hover } from "../model/state";
-import type { DrawnTrail } from "./batch";
-import type { Area, Projection, Region, Spot } from "./projection";
+import type { DrawnTrail } from "./primitives/batch";
+import type { Area, Projection, Region, Spot } from "./primitives/projection";
 
 /** Pixels within which a line is hit, and within which the nearest one still counts as pointed at. */
 const HIT = 5;

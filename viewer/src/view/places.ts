@@ -5,8 +5,8 @@ import { sampleFrame } from "../model/motion";
 import { yUp } from "../model/pose";
 import type { ViewState } from "../model/state";
 import type { Trail, Vec3 } from "../source/trail";
-import type { DrawnTrail } from "./batch";
-import { isDrawable } from "./projection";
+import type { DrawnTrail } from "./primitives/batch";
+import { isDrawable } from "./primitives/projection";
 
 /** Whether keys are nearly everywhere, as in a recorded motion: markers would tell nothing and hide the trail. */
 export const hasDenseKeys = (trail: Trail): boolean => trail.keyTimes.length > 24 && trail.keyTimes.length > 0.4 * trail.count;

@@ -2,7 +2,7 @@
 
 import type { Store } from "../model/state";
 import type { Hover } from "../model/state";
-import type { Area, Spot } from "./projection";
+import type { Area, Spot } from "./primitives/projection";
 
 /** Pixels within which a press is a click and no drag. */
 const STILL = 4;

@@ -12,8 +12,8 @@ import { isFinitePoint } from "../model/motion";
 import { yUp } from "../model/pose";
 import type { Vec3 } from "../source/trail";
 import { FIGURE_ORDER } from "./layers";
-import { dotMaterial, thinMaterial } from "./materials";
-import { channels, shade } from "./shades";
+import { dotMaterial, thinMaterial } from "./primitives/materials";
+import { channels, shade } from "./primitives/shades";
 import type { Colors } from "./theme";
 
 const BONE_WIDTH = 1.6;

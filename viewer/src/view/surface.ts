@@ -4,7 +4,7 @@ import {
   LinearSRGBColorSpace, Mesh, OrthographicCamera, PlaneGeometry, Scene, ShaderMaterial, WebGLRenderer, WebGLRenderTarget, type Camera,
 } from "three";
 import type { Drawing, TrailLayers } from "./layers";
-import type { Projection } from "./projection";
+import type { Projection } from "./primitives/projection";
 
 export interface View {
   readonly drawing: Drawing;

@@ -5,7 +5,7 @@ import { distanceText, secondName, shownComparison } from "../model/compare";
 import { numberText, unitName } from "../model/format";
 import { sampleFrame, triple } from "../model/motion";
 import type { Hover } from "../model/state";
-import type { Spot } from "./projection";
+import type { Spot } from "./primitives/projection";
 
 const short = (value: number) => numberText(value, 6);
 

@@ -18,7 +18,7 @@ import { Overlay } from "./overlay";
 import { passing, pick } from "./picking";
 import { blobOf, framed } from "./picture";
 import { listenToPointer } from "./pointer";
-import { Projection } from "./projection";
+import { Projection } from "./primitives/projection";
 import { Skeleton } from "./skeleton";
 import { GlSurface, type Surface } from "./surface";
 import { colorsOf } from "./theme";

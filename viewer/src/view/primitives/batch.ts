@@ -2,7 +2,7 @@
 
 import { BufferAttribute, BufferGeometry, LineBasicMaterial, LineSegments, Points, Sphere, type Mesh, type ShaderMaterial } from "three";
 import { FatLines, type FatLineMaterial } from "./fat_lines";
-import type { ColorMode } from "../source/trail";
+import type { ColorMode } from "../../source/trail";
 
 /** A trail as it is drawn: places relative to the viewport's origin, y up, NaN where there is none. */
 export interface DrawnTrail {

@@ -1,7 +1,7 @@
 // The kinds of controls that the settings are made of. Each shows a part of the state, and changes it.
 
-import type { App } from "../model/app";
-import type { ViewState } from "../model/state";
+import type { App } from "../../model/app";
+import type { ViewState } from "../../model/state";
 import { button, el, freshId, labelled } from "./dom";
 
 type Key = keyof ViewState;

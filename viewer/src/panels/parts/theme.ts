@@ -1,8 +1,8 @@
 // Light or dark: what the reader chose, else what the system prefers. The style sheet has the colours.
 
-import type { App } from "../model/app";
-import type { Theme } from "../model/state";
-import { isDark, onPreferenceChange } from "../model/theme";
+import type { App } from "../../model/app";
+import type { Theme } from "../../model/state";
+import { isDark, onPreferenceChange } from "../../model/theme";
 
 const ORDER: readonly Theme[] = ["auto", "light", "dark"];
 export const THEME_NAMES: Record<Theme, string> = { auto: "as the system", light: "light", dark: "dark" };

@@ -1,7 +1,7 @@
 // Elements, made with text and attributes only: whatever stands in a scene file stays text.
 
-import { command, keyLabel } from "../model/commands";
-import type { App } from "../model/app";
+import { command, keyLabel } from "../../model/commands";
+import type { App } from "../../model/app";
 import { icon, type IconName } from "./icons";
 
 export type Attributes = Readonly<Record<string, string | number | boolean | undefined>>;
