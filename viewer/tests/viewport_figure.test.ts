@@ -96,7 +96,8 @@ async function texts(page: Page): Promise<{ text: string; x: number; y: number; 
   await page.waitForTimeout(250);
   await page.evaluate(() => {
     (window as unknown as { texts: unknown[] }).texts.length = 0;
-    window.vantorelixViewer.store.set({ hover: { trail: 0, sample: 1e9 } });
+    const { store } = window.vantorelixViewer;
+    store.set({ camera: { ...store.state.camera } }); // draws it again
     return new Promise((drawn) => requestAnimationFrame(() => requestAnimationFrame(drawn)));
   });
   return page.evaluate(() => (window as unknown as { texts: { text: string; x: number; y: number; width: number }[] }).texts);
@@ -250,27 +251,5 @@ describe("a window in time", () => {
     };
     expect(await over(14)).toEqual({ trail: 1, sample: 13 });
     expect(await over(20)).toBe(null);
-  });
-
-  test("of a thousand objects plays nearly as quickly with bones and onion skins as all of them without", async () => {
-    const trails = Array.from({ length: 1000 }, (_, t) => across(`o${t}`, 0, {
-      parent: t > 0 ? `|o${t - 1}` : undefined,
-      points: Array.from({ length: 200 }, (_, i) => [(t % 32) / 2 - 8 + Math.sin(i / 20), Math.floor(t / 32) / 3, 0] as Vec3),
-    }));
-    const page = await browser.open({ range: [1, 200], trails }, { hash: hash("frame=30") });
-    const pictures = (patch: object) => page.evaluate(async (p) => {
-      window.vantorelixViewer.store.set({ ...p, frame: 30, playing: true } as never);
-      await new Promise((next) => setTimeout(next, 700));
-      return new Promise<number>((done) => {
-        const [begin, end] = [performance.now(), performance.now() + 2000];
-        let count = 0;
-        const tick = (now: number) => (++count, now < end ? requestAnimationFrame(tick) : done((1000 * count) / (now - begin)));
-        requestAnimationFrame(tick);
-      });
-    }, patch);
-    const plain = await pictures({ showBones: false });
-    const rich = await pictures({ showBones: true, window: true, onion: "frames" });
-    expect(rich).toBeGreaterThan(plain / 3);
-    expect(await page.evaluate(() => window.vantorelixViewer.store.state.frame)).not.toBe(30);
   });
 });
