@@ -21,12 +21,14 @@ interface Shot {
 const arm = (hash: string): Shot => ({ page: "arm.ma.html", of: ".viewport", hash });
 
 const SHOTS: Record<string, Shot> = {
-  "viewer": { page: "walk.bvh.html", hash: "mode=1&frame=40&select=9" },
+  "viewer": { page: "walk.bvh.html", hash: "frame=40" },
   "viewer-dark": { page: "arm.ma.html", hash: "mode=1&frame=20", dark: true },
-  "viewer-objects": { page: "walk.bvh.html", of: "#objects", hash: "color=object&select=9&hide=3-6" },
+  "viewer-objects": { page: "walk.bvh.html", of: "#objects", hash: "hide=3-6" },
   "viewer-settings": { page: "walk.bvh.html", of: "#settings", hash: "mode=1", size: { width: 1280, height: 1100 } },
   "viewer-time": { page: "arm.ma.html", of: ".time-panel", hash: "mode=1&frame=20&select=3-4&color=object" },
   "viewer-toolbar": { page: "arm.ma.html", of: ".toolbar", hash: "" },
+  "viewer-bones": { page: "walk.bvh.html", of: ".viewport", hash: "frame=40&onion=frames&onionEvery=8" },
+  "viewer-window": { page: "walk.bvh.html", of: ".viewport", hash: "frame=60&window=1" },
   "viewer-standard": arm("mode=0&frame=20"),
   "viewer-spacing": arm("mode=1&frame=20"),
   "viewer-flow": arm("mode=2&frame=20"),
