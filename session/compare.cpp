@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/mathematics/mathematics.h"
+#include "base/number.h"
 #include "base/number_text.h"
 #include "standalone/formats/maya/maya_units.h"
 
@@ -57,7 +58,8 @@ std::optional<double> centimetres(const std::string& unit) {
   if (const auto named = standalone::linear_unit_named(unit)) return named->centimetres;
   const std::size_t blank = unit.find(" cm");  // "2.5 cm", of an FBX file
   if (blank == std::string::npos) return std::nullopt;
-  const double number = std::strtod(unit.substr(0, blank).c_str(), nullptr);
+  double number = 0.0;
+  parse_number(unit.data(), unit.data() + blank, number);
   return number > 0.0 ? std::optional(number) : std::nullopt;
 }
 

@@ -113,12 +113,22 @@ std::optional<FrameRange> parse_range(const std::string& text) {
   return FrameRange{*first, *last};
 }
 
-CLI::Option* add_number(CLI::App& command, const std::string& name, std::string& value, const std::string& type,
-                        const std::string& description) {
+CLI::Option* add_checked(CLI::App& command, const std::string& name, std::string& value, const std::string& type,
+                         const std::string& description, const std::string& wanted,
+                         const std::function<bool(const std::string&)>& understands) {
   return command.add_option(name, value, description)
       ->type_name(type)
       ->check(CLI::Validator(
-          [](std::string& text) { return parse_number(text) ? std::string() : "'" + text + "' is not a number"; }, ""));
+          [understands, wanted](std::string& text) {
+            return understands(text) ? std::string() : "'" + text + "' is not " + wanted;
+          },
+          ""));
+}
+
+CLI::Option* add_number(CLI::App& command, const std::string& name, std::string& value, const std::string& type,
+                        const std::string& description) {
+  return add_checked(command, name, value, type, description, "a number",
+                     [](const std::string& text) { return parse_number(text).has_value(); });
 }
 
 CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string& value,
@@ -167,15 +177,8 @@ CLI::Option* add_integer(CLI::App& command, const std::string& name, std::option
 }
 
 CLI::Option* add_rate(CLI::App& command, const std::string& name, std::string& value, const std::string& description) {
-  return command.add_option(name, value, description)
-      ->type_name("RATE")
-      ->check(CLI::Validator(
-          [](std::string& text) {
-            const auto rate = parse_number(text);
-            return rate && *rate > 0.0 ? std::string()
-                                       : "'" + text + "' is not a valid rate; write a number above 0, as 30";
-          },
-          ""));
+  return add_checked(command, name, value, "RATE", description, "a valid rate; write a number above 0, as 30",
+                     [](const std::string& text) { return parse_number(text).value_or(0.0) > 0.0; });
 }
 
 CLI::Option* add_repeated(CLI::App& command, const std::string& name, std::vector<std::string>& values,

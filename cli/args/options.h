@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,6 +53,11 @@ std::optional<FrameRange> parse_range(const std::string& text);
 
 // A finite number; nothing for anything else.
 std::optional<double> parse_number(std::string_view text);
+
+// An option that takes a text, which has to be understood: otherwise the error says that it "is not" what is wanted.
+CLI::Option* add_checked(CLI::App& command, const std::string& name, std::string& value, const std::string& type,
+                         const std::string& description, const std::string& wanted,
+                         const std::function<bool(const std::string&)>& understands);
 
 // An option that takes a finite number, which stays a text until it is used: empty when it was not given.
 CLI::Option* add_number(CLI::App& command, const std::string& name, std::string& value, const std::string& type,

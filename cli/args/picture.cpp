@@ -14,19 +14,6 @@ std::optional<int> side(const std::string& text, int least) {
   return fits ? std::optional(static_cast<int>(*number)) : std::nullopt;
 }
 
-// An option whose value `parse` understands; otherwise the error says what it should be.
-template <class Parse>
-void add_parsed(CLI::App& command, const std::string& name, std::string& value, const std::string& type,
-                const std::string& description, const std::string& wanted, const Parse& parse) {
-  command.add_option(name, value, description)
-      ->type_name(type)
-      ->check(CLI::Validator(
-          [parse, wanted](std::string& text) {
-            return parse(text) ? std::string() : "'" + text + "' is not " + wanted;
-          },
-          ""));
-}
-
 }  // namespace
 
 std::optional<Onion> parse_onion(const std::string& text) {
@@ -60,11 +47,13 @@ void add_picture_options(CLI::App& command, PictureOptions& options) {
              "Colours of a picture: by the colour mode, or each object its own");
   add_choice(command, "--palette", options.palette, {"engine", "safe"},
              "Colours of a picture: the engine's own, or such as every kind of colour vision tells apart");
-  add_parsed(command, "--onion", options.onion, "every:N|keys",
-             "Show the objects in a picture at frames before and after the current one too",
-             "a choice of frames; write every:N, as every:5, or keys", parse_onion);
-  add_parsed(command, "--size", options.size, "WIDTHxHEIGHT", "Size of a picture in pixels (default: 1200 wide)",
-             "a valid size; write WIDTHxHEIGHT, as 1920x1080, from 480x360 to 10000x10000", parse_size);
+  add_checked(command, "--onion", options.onion, "every:N|keys",
+              "Show the objects in a picture at frames before and after the current one too",
+              "a choice of frames; write every:N, as every:5, or keys",
+              [](const std::string& text) { return parse_onion(text).has_value(); });
+  add_checked(command, "--size", options.size, "WIDTHxHEIGHT", "Size of a picture in pixels (default: 1200 wide)",
+              "a valid size; write WIDTHxHEIGHT, as 1920x1080, from 480x360 to 10000x10000",
+              [](const std::string& text) { return parse_size(text).has_value(); });
   command.add_option("--title", options.title, "Title of a picture (default: the file's name)")->type_name("TEXT");
 }
 

@@ -125,6 +125,12 @@ TEST(Bounds, OfAMayaCubeAndPlaneAreOfTheNumbersThatTheyAreMadeOf) {
 
 constexpr const char* kVertices = "setAttr \".vt[0:1]\" -1 0 2 3 -4 5;\n";
 
+// Two meshes with vertices.
+std::string ball_and_hat() {
+  return std::string(kVertices) + "createNode transform -n \"hat\";\ncreateNode mesh -n \"hatShape\" -p \"hat\";\n" +
+         kVertices;
+}
+
 TEST(Bounds, OfAMayaMeshThatADeformerMovesAreNone) {
   for (const std::string type : {"skinCluster", "blendShape", "someStudiosDeformer"}) {
     const std::string deformer = "createNode " + type + " -n \"d\";\n";
@@ -135,13 +141,11 @@ TEST(Bounds, OfAMayaMeshThatADeformerMovesAreNone) {
 }
 
 TEST(Bounds, OfAMayaMeshBehindADeformerAreNoneWhateverLiesBetween) {
-  const Scene scene =
-      maya(std::string(kVertices) + "createNode transform -n \"hat\";\ncreateNode mesh -n \"hatShape\" -p \"hat\";\n" +
-           kVertices +
-           "createNode skinCluster -n \"skin\";\ncreateNode polySoftEdge -n \"soft\";\n"
-           "createNode tweak -n \"tweak\";\n"
-           "connectAttr \"soft.out\" \"ballShape.i\";\nconnectAttr \"skin.og[0]\" \"soft.ip\";\n"
-           "connectAttr \"tweak.og[0]\" \"hatShape.i\";\nparent -add \"|ball|ballShape\" \"hat\";\n");
+  const Scene scene = maya(ball_and_hat() +
+                           "createNode skinCluster -n \"skin\";\ncreateNode polySoftEdge -n \"soft\";\n"
+                           "createNode tweak -n \"tweak\";\n"
+                           "connectAttr \"soft.out\" \"ballShape.i\";\nconnectAttr \"skin.og[0]\" \"soft.ip\";\n"
+                           "connectAttr \"tweak.og[0]\" \"hatShape.i\";\nparent -add \"|ball|ballShape\" \"hat\";\n");
   EXPECT_TRUE(is_deformed(scene, "|ball|ballShape"));
   // A second path of it is deformed too; single vertices that were moved deform nothing.
   EXPECT_TRUE(is_deformed(scene, "|hat|ballShape"));
@@ -149,13 +153,11 @@ TEST(Bounds, OfAMayaMeshBehindADeformerAreNoneWhateverLiesBetween) {
 }
 
 TEST(Bounds, OfAMayaMeshAreNotLostToAConstraintOnADeformedOne) {
-  const Scene scene =
-      maya(std::string(kVertices) + "createNode transform -n \"hat\";\ncreateNode mesh -n \"hatShape\" -p \"hat\";\n" +
-           kVertices +
-           "createNode cluster -n \"d\";\nconnectAttr \"d.og[0]\" \"ballShape.i\";\n"
-           "createNode pointOnPolyConstraint -n \"hold\" -p \"hat\";\n"
-           "connectAttr \"ballShape.w\" \"hold.tg[0].tm\";\nconnectAttr \"hold.ctx\" \"hat.tx\";\n"
-           "connectAttr \"hat.wm\" \"hatShape.x\";\n");
+  const Scene scene = maya(ball_and_hat() +
+                           "createNode cluster -n \"d\";\nconnectAttr \"d.og[0]\" \"ballShape.i\";\n"
+                           "createNode pointOnPolyConstraint -n \"hold\" -p \"hat\";\n"
+                           "connectAttr \"ballShape.w\" \"hold.tg[0].tm\";\nconnectAttr \"hold.ctx\" \"hat.tx\";\n"
+                           "connectAttr \"hat.wm\" \"hatShape.x\";\n");
   EXPECT_TRUE(is_deformed(scene, "ballShape"));
   EXPECT_FALSE(is_deformed(scene, "hatShape"));
 }

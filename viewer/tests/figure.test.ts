@@ -2,12 +2,13 @@
 
 import { describe, expect, test } from "vitest";
 import { dimming } from "../src/model/emphasis";
-import { bonesOf, hierarchyIn, onionSkins } from "../src/model/figure";
+import { bonesOf, onionSkins } from "../src/model/figure";
 import { KEPT, readHash, writeHash } from "../src/model/hash";
+import { hierarchyOf } from "../src/model/hierarchy";
 import { distinctNames } from "../src/model/names";
 import type { Vec3 } from "../src/source/trail";
 import { eachDot } from "../src/view/primitives/batch";
-import { framesBetweenDots, niceStep } from "../src/view/dot_spacing";
+import { dotStep, framesBetweenDots } from "../src/view/dot_spacing";
 import { holdsSamples } from "../src/view/held";
 import { Room, shortened } from "../src/view/labels";
 import type { Projection } from "../src/view/primitives/projection";
@@ -65,11 +66,11 @@ describe("bones", () => {
     line("hand", { parent: "|arm" }), line("prop"));
   test("go from each object to the nearest one above it that is shown", () => {
     const app = rig();
-    expect(bonesOf(hierarchyIn(app), app.store.state)).toEqual([[1, 0], [2, 1], [3, 2]]);
+    expect(bonesOf(hierarchyOf(app.motion.trails), app.store.state)).toEqual([[1, 0], [2, 1], [3, 2]]);
     app.store.set({ hidden: new Set([1, 2]) });
-    expect(bonesOf(hierarchyIn(app), app.store.state)).toEqual([[3, 0]]);
+    expect(bonesOf(hierarchyOf(app.motion.trails), app.store.state)).toEqual([[3, 0]]);
     app.store.set({ hidden: new Set(), solo: new Set([3, 4]) });
-    expect(bonesOf(hierarchyIn(app), app.store.state)).toEqual([]);
+    expect(bonesOf(hierarchyOf(app.motion.trails), app.store.state)).toEqual([]);
   });
 });
 
@@ -108,7 +109,7 @@ describe("dots", () => {
     expect(dotted({ frameStep: 0.25, startFrame: -2 }, 2)).toEqual([-2, 0, 2]);
   });
   test("come every 1, 2, 5, 10, 20 ... frames", () =>
-    expect([0.2, 1, 1.1, 2.5, 5.1, 11, 21, 99].map(niceStep)).toEqual([1, 1, 2, 5, 10, 20, 50, 100]));
+    expect([0.2, 1, 1.1, 2.5, 5.1, 11, 21, 99].map(dotStep)).toEqual([1, 1, 2, 5, 10, 20, 50, 100]));
 });
 
 describe("the frames between dots", () => {

@@ -1,11 +1,11 @@
 import { describe, expect, test } from "vitest";
 import { markColor, objectColor } from "../src/model/colors";
-import { frameText, lengthText, unitName } from "../src/model/format";
+import { frameText, lengthText, unitName, niceStep } from "../src/model/format";
 import { hierarchyOf } from "../src/model/hierarchy";
 import { distinctNames } from "../src/model/names";
 import { outline } from "../src/model/outline";
 import { following, panned, zoomed } from "../src/model/time_span";
-import { frameScale, LEFT, niceStep, RIGHT, ticks } from "../src/panels/frame_scale";
+import { frameScale, LEFT, RIGHT, ticks } from "../src/panels/frame_scale";
 import { summary } from "../src/panels/graph";
 import { curveOf, extremes } from "../src/panels/graph_curves";
 import { matcher } from "../src/model/search";

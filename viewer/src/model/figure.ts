@@ -2,7 +2,7 @@
 
 import type { App } from "./app";
 import { shownKeyTimes } from "./commands";
-import { hierarchyOf, type Hierarchy } from "./hierarchy";
+import type { Hierarchy } from "./hierarchy";
 import { isVisible, type ViewState } from "./state";
 
 /** An object and its nearest ancestor that is shown. */
@@ -18,14 +18,6 @@ export function bonesOf({ parents }: Hierarchy, state: ViewState): Bone[] {
     if (parent !== null) bones.push([child, parent]);
   });
   return bones;
-}
-
-let last: { trails: unknown; hierarchy: Hierarchy } | null = null;
-
-/** The hierarchy of the app's trails; kept until these change. */
-export function hierarchyIn({ motion: { trails } }: App): Hierarchy {
-  if (last?.trails !== trails) last = { trails, hierarchy: hierarchyOf(trails) };
-  return last.hierarchy;
 }
 
 /** One more drawing of the figure: its frame, and how much of its strength is left; `side` is -1 before the current frame. */

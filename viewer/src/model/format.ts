@@ -25,3 +25,10 @@ export const lengthText = (value: number): string => numberText(value, 4);
 
 /** A file's name without its folders. */
 export const baseName = (path: string): string => path.split(/[\\/]/).pop() || path;
+
+/** The smallest of 1, 2, 5, 10, 20 ... (also .1, .2, .5 ...) that is not below `least`. */
+export function niceStep(least: number): number {
+  const power = 10 ** Math.floor(Math.log10(least));
+  const factor = [1, 2, 5].find((each) => each * power >= least * (1 - 1e-9)) ?? 10;
+  return factor * power;
+}

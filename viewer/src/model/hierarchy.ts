@@ -9,8 +9,16 @@ export interface Hierarchy {
   readonly children: readonly (readonly number[])[];
 }
 
-/** A parent that is not there, or that would close a circle, counts as none. */
+const kept = new WeakMap<readonly Trail[], Hierarchy>();
+
+/** Of these trails; kept as long as their list is. A parent that is not there, or that would close a circle, counts as none. */
 export function hierarchyOf(trails: readonly Trail[]): Hierarchy {
+  let hierarchy = kept.get(trails);
+  if (!hierarchy) kept.set(trails, (hierarchy = makeHierarchy(trails)));
+  return hierarchy;
+}
+
+function makeHierarchy(trails: readonly Trail[]): Hierarchy {
   const places = new Map(trails.map(({ source }, index) => [source, index]));
   const parents = trails.map(({ parent }) => (parent === null ? null : (places.get(parent) ?? null)));
   parents.forEach((_, index) => {

@@ -35,13 +35,6 @@ export const isSeen = (app: App, frame: number): boolean => {
   return frame >= first && frame <= last;
 };
 
-/** The smallest of 1, 2, 5, 10, 20 ... (also .1, .2, .5 ...) that is not below `least`. */
-export function niceStep(least: number): number {
-  const power = 10 ** Math.floor(Math.log10(least));
-  const factor = [1, 2, 5].find((each) => each * power >= least * (1 - 1e-9)) ?? 10;
-  return factor * power;
-}
-
 /** The multiples of a step from `low` to `high`. */
 export function ticks(low: number, high: number, step: number): number[] {
   const begin = Math.ceil(low / step - 1e-9);

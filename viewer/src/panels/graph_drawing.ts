@@ -2,10 +2,10 @@
 
 import type { App } from "../model/app";
 import { markColor, rgbText, trailColors } from "../model/colors";
-import { lengthText } from "../model/format";
+import { lengthText, niceStep } from "../model/format";
 import { nearestSample, sampleFrame } from "../model/motion";
 import type { Hover } from "../model/state";
-import { isSeen, LEFT, niceStep, RIGHT, seenScale, ticks, type FrameScale } from "./frame_scale";
+import { isSeen, LEFT, RIGHT, seenScale, ticks, type FrameScale } from "./frame_scale";
 import { curveOf, extremes, type Curve } from "./graph_curves";
 import { styleColors } from "./parts/theme";
 import { isCrowded, keyPlaces } from "./timeline_drawing";

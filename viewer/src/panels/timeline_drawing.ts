@@ -2,9 +2,9 @@
 
 import type { App } from "../model/app";
 import { shownKeyTimes } from "../model/commands";
-import { frameText } from "../model/format";
+import { frameText, niceStep } from "../model/format";
 import { seenTime } from "../model/time_span";
-import { frameScale, isSeen, niceStep, ticks, type FrameScale } from "./frame_scale";
+import { frameScale, isSeen, ticks, type FrameScale } from "./frame_scale";
 import { styleColors } from "./parts/theme";
 
 /** From the top: the range with its handles, the keys, the numbers and ticks. */

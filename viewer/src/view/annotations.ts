@@ -7,7 +7,7 @@ import { secondName, shownComparison } from "../model/compare";
 import { dimming } from "../model/emphasis";
 import { onionSkins } from "../model/figure";
 import { frameText, numberText, unitName } from "../model/format";
-import { isFinitePoint, nearestSample } from "../model/motion";
+import { nearestSample } from "../model/motion";
 import { distinctNames } from "../model/names";
 import { yUp } from "../model/pose";
 import type { Hover } from "../model/state";
@@ -16,7 +16,7 @@ import type { DrawnTrail } from "./primitives/batch";
 import { drawCompared } from "./compare_lines";
 import type { Grid } from "./ground";
 import type { Drawing, TrailLayers } from "./layers";
-import { hasDenseKeys } from "./places";
+import { hasDenseKeys, spotOf } from "./places";
 import type { Label, Mark, Overlay } from "./overlay";
 import type { Projection, Spot } from "./primitives/projection";
 import { skinColor, type Skeleton } from "./skeleton";
@@ -40,12 +40,6 @@ export interface Picture {
   readonly colors: Colors;
   /** Whether only the trails are drawn, without what stands around them. */
   readonly flat: boolean;
-}
-
-function spotOf({ app, projection, origin }: Picture, place: Vec3): Spot | null {
-  if (!isFinitePoint(place)) return null;
-  const turned = yUp(place, app.scene.upAxis);
-  return projection.spot(turned[0] - origin[0], turned[1] - origin[1], turned[2] - origin[2]);
 }
 
 type Pointed = Pick<Picture, "app" | "layers" | "projection">;

@@ -1,25 +1,18 @@
 // The second scene in the picture, muted: where the objects go there, where they are now, and how far that is from here.
 
 import { shownComparison, type Comparison } from "../model/compare";
-import { bonesOf, hierarchyIn } from "../model/figure";
-import { isFinitePoint, sampleFrame, triple } from "../model/motion";
-import { yUp } from "../model/pose";
-import type { Vec3 } from "../source/trail";
+import { bonesOf } from "../model/figure";
+import { hierarchyOf } from "../model/hierarchy";
+import { sampleFrame, triple } from "../model/motion";
 import type { Picture } from "./annotations";
 import type { Overlay } from "./overlay";
-import { windowOf } from "./places";
+import { spotOf, windowOf } from "./places";
 import type { Spot } from "./primitives/projection";
 
 /** The most samples that are drawn of the second scene's lines; of more, every second, third ... */
 const MOST_SAMPLES = 20_000;
 /** The most markers of current positions, and the most bones. */
 const MOST_MARKS = 500;
-
-function spotOf({ app, projection, origin }: Picture, place: Vec3): Spot | null {
-  if (!isFinitePoint(place)) return null;
-  const [x, y, z] = yUp(place, app.scene.upAxis);
-  return projection.spot(x - origin[0], y - origin[1], z - origin[2]);
-}
 
 /** Of the samples in the window in time, where there is one. */
 function spots(picture: Picture, comparison: Comparison, trail: number, stride: number): (Spot | null)[] {
@@ -40,7 +33,7 @@ function drawBones(overlay: Overlay, picture: Picture, comparison: Comparison): 
   const { app } = picture;
   const { state } = app.store;
   if (!state.showBones) return;
-  const bones = bonesOf(hierarchyIn(app), state).filter((bone) => bone.every((trail) => comparison.has(trail)));
+  const bones = bonesOf(hierarchyOf(app.motion.trails), state).filter((bone) => bone.every((trail) => comparison.has(trail)));
   for (const bone of bones.slice(0, MOST_MARKS))
     overlay.mutedLine(bone.map((trail) => spotOf(picture, comparison.second.shownPosition(trail, state.frame))), { strength: 0.5 });
 }

@@ -1,5 +1,6 @@
 // How many frames lie between two dots, so that dots do not touch in the picture.
 
+import { niceStep } from "../model/format";
 import type { DrawnTrail } from "./primitives/batch";
 import type { Projection } from "./primitives/projection";
 
@@ -12,12 +13,8 @@ const SPOT = 4;
 /** The part of the pairs that may touch: where an object eases, dots are to lie close. */
 const MAY_TOUCH = 0.25;
 
-/** 1, 2, 5, 10, 20, 50 ...: the smallest that is at least `least`. */
-export function niceStep(least: number): number {
-  for (let power = 1; power < 1e9; power *= 10)
-    for (const head of [1, 2, 5]) if (head * power >= least * (1 - 1e-9)) return head * power;
-  return 1e9;
-}
+/** At least so many frames: 1, 2, 5, 10, 20 ... */
+export const dotStep = (least: number): number => niceStep(Math.max(1, least));
 
 /** For each pair of neighbouring samples in the picture: its distance a frame, in parts of what dots need. */
 function gaps(trails: readonly DrawnTrail[], sizeOf: (trail: number) => number, projection: Projection): number[] {
@@ -44,5 +41,5 @@ function gaps(trails: readonly DrawnTrail[], sizeOf: (trail: number) => number, 
 /** A dot at every so many frames; 1 where nothing moves in the picture. `sizeOf` gives a dot's pixels. */
 export function framesBetweenDots(trails: readonly DrawnTrail[], sizeOf: (trail: number) => number, projection: Projection): number {
   const found = gaps(trails, sizeOf, projection).sort((a, b) => a - b);
-  return found.length === 0 ? 1 : niceStep(1 / found[Math.floor(MAY_TOUCH * found.length)]);
+  return found.length === 0 ? 1 : dotStep(1 / found[Math.floor(MAY_TOUCH * found.length)]);
 }

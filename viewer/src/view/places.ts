@@ -1,12 +1,12 @@
 // Where the trails are drawn: relative to the viewport's origin, y up; all of them, or a window in time.
 
 import type { App } from "../model/app";
-import { sampleFrame } from "../model/motion";
+import { isFinitePoint, sampleFrame } from "../model/motion";
 import { yUp } from "../model/pose";
 import type { ViewState } from "../model/state";
 import type { Trail, Vec3 } from "../source/trail";
 import type { DrawnTrail } from "./primitives/batch";
-import { isDrawable } from "./primitives/projection";
+import { isDrawable, type Projection, type Spot } from "./primitives/projection";
 
 /** Whether keys are nearly everywhere, as in a recorded motion: markers would tell nothing and hide the trail. */
 export const hasDenseKeys = (trail: Trail): boolean => trail.keyTimes.length > 24 && trail.keyTimes.length > 0.4 * trail.count;
@@ -19,6 +19,25 @@ function placed(points: Float64Array, upAxis: "y" | "z", origin: Vec3): Float32A
     if (!isDrawable(result[i]) || !isDrawable(result[i + 1]) || !isDrawable(result[i + 2])) result.fill(NaN, i, i + 3);
   }
   return result;
+}
+
+/** Where something is seen from: whose trails, and what is subtracted from every place. */
+interface Standpoint {
+  readonly app: App;
+  readonly origin: Vec3;
+}
+
+/** A place of the scene in the viewport's space; null where it is not finite. */
+export function placeIn({ app, origin }: Standpoint, place: Vec3): Vec3 | null {
+  if (!isFinitePoint(place)) return null;
+  const [x, y, z] = yUp(place, app.scene.upAxis);
+  return [x - origin[0], y - origin[1], z - origin[2]];
+}
+
+/** Where a place of the scene is in the picture; null where it is not to be seen. */
+export function spotOf(view: Standpoint & { readonly projection: Projection }, place: Vec3): Spot | null {
+  const at = placeIn(view, place);
+  return at && view.projection.spot(...at);
 }
 
 /** A trail as it is shown, all of it. */

@@ -7,11 +7,11 @@ import { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
 import { LineSegments2 } from "three/examples/jsm/lines/LineSegments2.js";
 import { LineSegmentsGeometry } from "three/examples/jsm/lines/LineSegmentsGeometry.js";
 import type { App } from "../model/app";
-import { bonesOf, hierarchyIn, onionSkins, type Bone } from "../model/figure";
-import { isFinitePoint } from "../model/motion";
-import { yUp } from "../model/pose";
+import { bonesOf, onionSkins, type Bone } from "../model/figure";
+import { hierarchyOf } from "../model/hierarchy";
 import type { Vec3 } from "../source/trail";
 import { FIGURE_ORDER } from "./layers";
+import { placeIn } from "./places";
 import { dotMaterial, thinMaterial } from "./primitives/materials";
 import { channels, shade } from "./primitives/shades";
 import type { Colors } from "./theme";
@@ -92,7 +92,7 @@ export class Skeleton {
       onionEvery, onionBefore, onionAfter];
     if (of.every((each, i) => each === this.drawnOf[i])) return;
     this.drawnOf = of;
-    this.bones = bonesOf(hierarchyIn(app), state);
+    this.bones = bonesOf(hierarchyOf(app.motion.trails), state);
     this.members = new Set(this.bones.flat());
     this.fill(this.poses());
   }
@@ -123,11 +123,7 @@ export class Skeleton {
   }
 
   private place(trail: number, frame: number): Vec3 | null {
-    const place = this.app.motion.shownPosition(trail, frame);
-    if (!isFinitePoint(place)) return null;
-    const [x, y, z] = yUp(place, this.app.scene.upAxis);
-    const [ox, oy, oz] = this.origin();
-    return [x - ox, y - oy, z - oz];
+    return placeIn({ app: this.app, origin: this.origin() }, this.app.motion.shownPosition(trail, frame));
   }
 
   /** New objects around buffers that have grown. */

@@ -21,7 +21,6 @@ export interface Surface {
   draw(view: View): number;
   /** Returns when everything is drawn. */
   finish(): void;
-  dispose(): void;
 }
 
 /** Milliseconds within which a browser that took WebGL away gives it back, if ever. */
@@ -100,10 +99,5 @@ export class GlSurface implements Surface {
   finish(): void {
     const gl = this.renderer.getContext();
     gl.readPixels(0, 0, 1, 1, gl.RGBA, gl.UNSIGNED_BYTE, new Uint8Array(4));
-  }
-
-  dispose(): void {
-    this.smoothed.dispose();
-    this.renderer.dispose();
   }
 }

@@ -11,7 +11,7 @@ import { annotate, hoveredSpot, type Picture } from "./annotations";
 import { CameraRig } from "./camera";
 import { Detail } from "./detail";
 import { FlatSurface } from "./flat_surface";
-import { acrossOf, buildStage, disposeAll, gridFor, type Grid } from "./ground";
+import { acrossOf, buildStage, disposeAll, gridFor, type Grid, type Stage } from "./ground";
 import { holdsSamples } from "./held";
 import { TrailLayers, type Drawing } from "./layers";
 import { Overlay } from "./overlay";
@@ -55,6 +55,8 @@ export class Viewport {
   private box = NO_BOX;
   private origin: Vec3 = [0, 0, 0];
   private grid!: Grid;
+  /** What stands still, where it can be shown. */
+  private boxes: Stage["boxes"] = [];
   private width = 1;
   private height = 1;
   private frameAsked = 0;
@@ -180,7 +182,9 @@ export class Viewport {
   }
 
   private rebuild(): void {
-    const { motion, scene } = this.app;
+    const { motion, scene, store } = this.app;
+    const statics = store.state.relativeTo === null ? scene.statics : [];
+    this.boxes = statics.map((each) => ({ ...each, holds: holdsSamples(each, motion) }));
     const box = (this.box = boundsOf(motion, motion.thatMove(motion.trails.map((_, index) => index)), scene.upAxis) ?? NO_BOX);
     this.origin = box.low.map((low, k) => low + (box.high[k] - low) / 2) as unknown as Vec3;
     this.layers.moved();
@@ -193,8 +197,7 @@ export class Viewport {
     const { box } = this;
     this.grid = gridFor(box, store.state.camera.view);
     disposeAll(this.stage);
-    const statics = store.state.showStatics && store.state.relativeTo === null ? scene.statics : [];
-    const boxes = statics.map((each) => ({ ...each, holds: holdsSamples(each, this.app.motion) }));
+    const boxes = store.state.showStatics ? this.boxes : [];
     this.stage.add(buildStage({ grid: this.grid, boxes, upAxis: scene.upAxis, origin: this.origin }, this.colors));
     const size = Math.hypot(...box.high.map((high, k) => high - box.low[k]));
     const away = boxes.map(({ matrix }) => Math.hypot(matrix[12] - this.origin[0], matrix[13] - this.origin[1], matrix[14] - this.origin[2]));
