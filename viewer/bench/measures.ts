@@ -6,8 +6,10 @@ import type { Page } from "playwright-core";
 export async function opening(page: Page, url: string): Promise<number> {
   await page.goto("about:blank");
   await page.goto(url);
-  await page.waitForSelector("html[data-ready=true]", { state: "attached" });
-  return page.evaluate(() => window.firstPicture!);
+  return page.evaluate(async () => {
+    while (window.firstPicture === undefined) await new Promise(requestAnimationFrame);
+    return window.firstPicture;
+  });
 }
 
 /** Writes down when the first picture after the page stands is through; runs before the page's own script. */

@@ -30,6 +30,7 @@ async function run(browser: Browser, { file }: BenchPage): Promise<Figures> {
   const fixed = await calibration(browser);
   const page = await browser.newPage({ viewport: { width: 1280, height: 800 } });
   await page.addInitScript(noteFirstPicture);
+  await page.waitForTimeout(1500); // a new window of Chromium runs scripts of its own at first
   const open = await opening(page, pathToFileURL(file).href);
   await page.waitForSelector(".viewport[data-drawn=still]");
   await page.waitForTimeout(1000);

@@ -1,14 +1,17 @@
 // What stands still: a grid in the scene's unit, the ground, and boxes for nodes that do not move.
 
 import {
-  BoxGeometry, BufferAttribute, BufferGeometry, Color, CustomBlending, DoubleSide, EdgesGeometry, Group, LineBasicMaterial,
-  LineSegments, Matrix4, Mesh, MeshBasicMaterial, NotEqualStencilFunc, OneFactor, PlaneGeometry, ReplaceStencilOp, ZeroFactor,
+  BoxGeometry, CustomBlending, EdgesGeometry, Group, LineSegments, Matrix4, Mesh, NotEqualStencilFunc, OneFactor, PlaneGeometry,
+  ReplaceStencilOp, ZeroFactor, type BufferGeometry, type ShaderMaterial,
 } from "three";
 import type { StaticBox, Vec3 } from "../source/trail";
 import type { Bounds } from "../model/framing";
 import type { ViewName } from "../model/state";
 import { BOX_ORDER } from "./layers";
+import { thinLines } from "./primitives/batch";
+import { flatMaterial, oneColor } from "./primitives/materials";
 import { isDrawable } from "./primitives/projection";
+import { channels } from "./primitives/shades";
 import type { Colors } from "./theme";
 
 /** How much of what lies behind boxes they cover. */
@@ -55,8 +58,8 @@ function gridLines(grid: Grid, origin: Vec3, colors: Colors): LineSegments {
   const [u, v] = AXES[grid.across];
   const places: number[] = [];
   const shades: number[] = [];
-  const plain = new Color(colors.grid).toArray();
-  const axis = new Color(colors.axis).toArray();
+  const plain = channels(colors.grid);
+  const axis = channels(colors.axis);
   const end = (along: number, other: number, value: number, at: number) => {
     const p = [0, 0, 0];
     p[grid.across] = grid.height - origin[grid.across];
@@ -74,19 +77,20 @@ function gridLines(grid: Grid, origin: Vec3, colors: Colors): LineSegments {
       shades.push(...shade, ...shade);
     }
   }
-  const geometry = new BufferGeometry();
-  geometry.setAttribute("position", new BufferAttribute(Float32Array.from(places), 3));
-  geometry.setAttribute("color", new BufferAttribute(Float32Array.from(shades), 3));
-  const lines = new LineSegments(geometry, new LineBasicMaterial({ vertexColors: true, depthWrite: false }));
+  const lines = thinLines(Float32Array.from(places), Uint8Array.from(shades), flatMaterial({ depthWrite: false }));
   lines.renderOrder = -8;
   return lines;
+}
+
+function painted(geometry: BufferGeometry, color: string): BufferGeometry {
+  geometry.setAttribute("color", oneColor(color));
+  return geometry;
 }
 
 /** The ground. It hides nothing that is below it. */
 function plane(grid: Grid, origin: Vec3, colors: Colors): Mesh {
   const [width, depth] = [grid.high[0] - grid.low[0], grid.high[1] - grid.low[1]];
-  const material = new MeshBasicMaterial({ color: colors.ground, side: DoubleSide, depthWrite: false });
-  const mesh = new Mesh(new PlaneGeometry(width, depth), material);
+  const mesh = new Mesh(painted(new PlaneGeometry(width, depth), colors.ground), flatMaterial({ depthWrite: false }));
   mesh.rotation.x = -Math.PI / 2;
   mesh.position.set(grid.low[0] + width / 2 - origin[0], grid.height - origin[1], grid.low[1] + depth / 2 - origin[2]);
   mesh.renderOrder = -9;
@@ -95,12 +99,11 @@ function plane(grid: Grid, origin: Vec3, colors: Colors): Mesh {
 
 /** The faces of a box, through which everything is seen: all boxes together veil a pixel once. */
 function veil(geometry: BoxGeometry, colors: Colors): Mesh {
-  const material = new MeshBasicMaterial({
-    color: colors.box, opacity: VEIL, depthWrite: false, side: DoubleSide,
-    blending: CustomBlending, blendSrcAlpha: ZeroFactor, blendDstAlpha: OneFactor, // the picture stays opaque
+  const material = flatMaterial({
+    depthWrite: false, blending: CustomBlending, blendSrcAlpha: ZeroFactor, blendDstAlpha: OneFactor, // the picture stays opaque
     stencilWrite: true, stencilRef: 1, stencilFunc: NotEqualStencilFunc, stencilZPass: ReplaceStencilOp,
-  });
-  const mesh = new Mesh(geometry, material);
+  }, VEIL);
+  const mesh = new Mesh(painted(geometry, colors.box), material);
   mesh.renderOrder = BOX_ORDER;
   return mesh;
 }
@@ -111,7 +114,7 @@ function box(node: StagedBox, turn: Matrix4, colors: Colors): Group {
   const geometry = new BoxGeometry(...(size as [number, number, number]));
   geometry.translate(...(node.low.map((l, k) => l + size[k] / 2) as [number, number, number]));
   const group = new Group();
-  const edges = new LineSegments(new EdgesGeometry(geometry), new LineBasicMaterial({ color: colors.boxEdge, depthWrite: false }));
+  const edges = new LineSegments(painted(new EdgesGeometry(geometry), colors.boxEdge), flatMaterial({ depthWrite: false }));
   edges.renderOrder = -7;
   group.add(edges);
   if (!node.holds) group.add(veil(geometry, colors));
@@ -149,7 +152,7 @@ export function disposeAll(group: Group): void {
   group.traverse((object) => {
     if (!(object instanceof Mesh || object instanceof LineSegments)) return;
     object.geometry.dispose();
-    (object.material as MeshBasicMaterial).dispose();
+    (object.material as ShaderMaterial).dispose();
   });
   group.clear();
 }

@@ -1,6 +1,6 @@
 // The drawn trails: batches of a style each, at the details that were asked for, with the colours of the moment.
 
-import { Group, type LineBasicMaterial, type Object3D } from "three";
+import { Group, type Object3D, type ShaderMaterial } from "three";
 import type { App } from "../model/app";
 import { markColor, trailColors } from "../model/colors";
 import { dimming } from "../model/emphasis";
@@ -8,12 +8,12 @@ import { isVisible } from "../model/state";
 import type { Vec3 } from "../source/trail";
 import { Dots, keyMarkers, Lines, stretchesOf, type DrawnTrail, type SampleColors } from "./primitives/batch";
 import { framesBetweenDots } from "./dot_spacing";
-import type { FatLineMaterial } from "./primitives/fat_lines";
-import { dotMaterial, keyMaterial, lineMaterial, thinMaterial } from "./primitives/materials";
+import { FatLineMaterial } from "./primitives/fat_lines";
+import { dotMaterial, keyMaterial, thinMaterial } from "./primitives/materials";
 import type { Pickable } from "./picking";
 import { between, wholeTrail, windowOf, windowStrength } from "./places";
 import type { Projection } from "./primitives/projection";
-import { channels, DIMMED, shade, shaded } from "./primitives/shades";
+import { channels, DIMMED, evenlyShaded, shade, shaded } from "./primitives/shades";
 import type { Colors } from "./theme";
 
 /** Up to this many stretches, every line has a casing and every dot a rim. */
@@ -179,7 +179,9 @@ export class TrailLayers {
 
   /** Puts the trails into the group; returns the number of stretches. */
   show(drawing: Drawing): number {
-    const name = JSON.stringify({ ...drawing, smooth: null }); // what is drawn is the same
+    const { stride, plain } = drawing;
+    const dotEvery = this.hasDots(drawing) ? drawing.dotEvery : 0;
+    const name = JSON.stringify({ stride, plain, dotEvery }); // smooth edges are drawn of the same
     let level = this.levels.get(name);
     if (!level) {
       if (this.levels.size >= 3) this.forgetOldest();
@@ -212,7 +214,7 @@ export class TrailLayers {
     } else {
       values = trailColors(trail, mode, state.frame, state.palette);
     }
-    if (this.look(index).dim) values = shaded(values, this.colors().background, () => DIMMED);
+    if (this.look(index).dim) values = evenlyShaded(values, this.colors().background, DIMMED);
     const result: SampleColors = { values, mode: state.colorBy === "object" ? 0 : mode };
     this.samples.set(index, result);
     return result;
@@ -270,9 +272,9 @@ export class TrailLayers {
     this.addCasings(level, lined, [...wide], stride);
     for (const batch of grouped(lined, (trail) => `${JSON.stringify(look(trail))} ${wide.has(trail)}`)) {
       const { lineWidth, ghost, dim } = look(batch[0]);
-      const material = wide.has(batch[0]) ? lineMaterial({ width: lineWidth, ghost }) : thinMaterial(ghost);
+      const material = wide.has(batch[0]) ? new FatLineMaterial({ width: lineWidth, ghost }) : thinMaterial(ghost);
       material.depthWrite = !dim;
-      this.addLines(level, batch, stride, material, order(look(batch[0]), 2), this.drawnColors);
+      this.addLines(level, new Lines(batch, stride, material), material, order(look(batch[0]), 2), this.drawnColors);
     }
     const dotted = this.trails.filter((trail) => look(trail).showDots && look(trail).pointSize > 0);
     // Where there are no lines, dots are all that there is.
@@ -306,16 +308,17 @@ export class TrailLayers {
     for (const batch of grouped(trails, ({ index }) => JSON.stringify(this.look(index)))) {
       const look = this.look(batch[0].index);
       const shown = this.shownColor(color, look.dim);
-      const material = lineMaterial({ width: look.lineWidth + more, ghost: look.ghost, ...(fades ? {} : { color: shown }) });
+      const material = new FatLineMaterial({ width: look.lineWidth + more, ghost: look.ghost });
       material.depthWrite = false;
-      this.addLines(level, batch, stride, material, order(look, more > 2 ? 0 : 1), this.fadingColor(shown));
+      const lines = new Lines(batch, stride, material, fades ? undefined : shown);
+      this.addLines(level, lines, material, order(look, more > 2 ? 0 : 1), fades ? this.fadingColor(shown) : null);
     }
   }
 
-  private addLines(level: Level, trails: readonly DrawnTrail[], stride: number, material: FatLineMaterial | LineBasicMaterial,
-                   renderOrder: number, colors: (trail: number) => SampleColors): void {
-    const batch = new Lines(trails, stride, material);
-    if (material.vertexColors) level.colored.push({ batch, colors });
+  /** `colors` is null where the lines have theirs. */
+  private addLines(level: Level, batch: Lines, material: ShaderMaterial, renderOrder: number,
+                   colors: ((trail: number) => SampleColors) | null): void {
+    if (colors) level.colored.push({ batch, colors });
     this.add(level, batch.object, renderOrder, [batch, material]);
   }
 
@@ -337,10 +340,10 @@ export class TrailLayers {
     const { pointSize, ghost, dim } = look;
     const size = Math.max(9, pointSize + 5) * (dim ? 0.65 : 1) * this.ratio();
     const material = keyMaterial({
-      size, ghost, edge: 1.4 * this.ratio(), rim: this.shownColor("#1c2430", dim), fill: this.shownColor("#ffffff", dim),
+      size, ghost, edge: 1.4 * this.ratio(), rim: this.shownColor("#1c2430", dim),
     });
     material.depthWrite = !dim;
-    const points = keyMarkers(trails, material);
+    const points = keyMarkers(trails, this.shownColor("#ffffff", dim), material);
     this.add(level, points, order(look, 4), [points.geometry, material]);
   }
 

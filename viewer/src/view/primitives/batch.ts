@@ -1,8 +1,9 @@
 // Many trails drawn at once: one object for all lines of a style, one for their dots, one for their key markers.
 
-import { BufferAttribute, BufferGeometry, LineBasicMaterial, LineSegments, Points, Sphere, type Mesh, type ShaderMaterial } from "three";
-import { FatLines, type FatLineMaterial } from "./fat_lines";
+import { BufferAttribute, BufferGeometry, LineSegments, Points, Sphere, type InstancedBufferAttribute, type Mesh, type ShaderMaterial } from "three";
 import type { ColorMode } from "../../source/trail";
+import { FatLineMaterial, FatLines } from "./fat_lines";
+import { oneColor } from "./materials";
 
 /** A trail as it is drawn: places relative to the viewport's origin, y up, NaN where there is none. */
 export interface DrawnTrail {
@@ -55,6 +56,27 @@ function copy(to: Uint8Array, at: number, from: Uint8Array, sample: number): voi
   to[at + 2] = from[3 * sample + 2];
 }
 
+/** What is drawn of places and their colours, wherever the camera looks. */
+function geometryOf(places: Float32Array, colors: BufferAttribute | InstancedBufferAttribute): BufferGeometry {
+  const geometry = new BufferGeometry();
+  geometry.setAttribute("position", new BufferAttribute(places, 3));
+  geometry.setAttribute("color", colors);
+  geometry.boundingSphere = new Sphere(); // of use to nobody, and three would look for it in all samples
+  return geometry;
+}
+
+export function thinLines(ends: Float32Array, colors: Uint8Array, material: ShaderMaterial): LineSegments {
+  const lines = new LineSegments(geometryOf(ends, new BufferAttribute(colors, 3, true)), material);
+  lines.frustumCulled = false;
+  return lines;
+}
+
+export function pointsOf(places: Float32Array, colors: BufferAttribute | InstancedBufferAttribute, material: ShaderMaterial): Points {
+  const points = new Points(geometryOf(places, colors), material);
+  points.frustumCulled = false;
+  return points;
+}
+
 /** Lines of a given width, or of one pixel, which software draws much faster. */
 export class Lines {
   readonly object: Mesh | LineSegments;
@@ -65,9 +87,8 @@ export class Lines {
   /** Colours of both ends of each stretch; of a trail after the other. */
   private readonly colors: Uint8Array;
 
-  constructor(
-    private readonly trails: readonly DrawnTrail[], stride: number, material: FatLineMaterial | LineBasicMaterial,
-  ) {
+  /** Wide ones may have one colour for all; other colours come by recolor(). */
+  constructor(private readonly trails: readonly DrawnTrail[], stride: number, material: ShaderMaterial, color?: string) {
     this.stretches = trails.map(({ places }) => stretchesOf(places, stride));
     this.count = this.stretches.reduce((sum, { length }) => sum + length / 2, 0);
     const ends = new Float32Array(6 * this.count);
@@ -81,18 +102,9 @@ export class Lines {
         ends[at++] = places[from + 2];
       }
     });
-    this.colors = new Uint8Array(material.vertexColors ? ends.length : 0);
-    if (material instanceof LineBasicMaterial) {
-      const geometry = new BufferGeometry();
-      geometry.setAttribute("position", new BufferAttribute(ends, 3));
-      geometry.boundingSphere = new Sphere(); // of use to nobody, and three would look for it in all samples
-      if (material.vertexColors) geometry.setAttribute("color", new BufferAttribute(this.colors, 3, true));
-      this.object = new LineSegments(geometry, material);
-    } else {
-      this.fat = new FatLines(ends, material);
-      this.object = this.fat.object;
-    }
-    this.object.frustumCulled = false;
+    this.colors = new Uint8Array(color === undefined ? ends.length : 0);
+    if (material instanceof FatLineMaterial) this.fat = new FatLines(ends, material, color);
+    this.object = this.fat?.object ?? thinLines(ends, this.colors, material);
   }
 
   /** In Beats a stretch has the colour of its first sample, in Flow that of its last; in other modes the two blend. */
@@ -115,15 +127,6 @@ export class Lines {
   }
 }
 
-function pointsOf(places: Float32Array, material: ShaderMaterial): Points {
-  const geometry = new BufferGeometry();
-  geometry.setAttribute("position", new BufferAttribute(places, 3));
-  geometry.boundingSphere = new Sphere();
-  const points = new Points(geometry, material);
-  points.frustumCulled = false;
-  return points;
-}
-
 export class Dots {
   readonly object: Points;
   private readonly colors: BufferAttribute;
@@ -134,9 +137,8 @@ export class Dots {
     const places: number[] = [];
     for (const trail of trails)
       eachDot(trail, every, (s) => places.push(trail.places[3 * s], trail.places[3 * s + 1], trail.places[3 * s + 2]));
-    this.object = pointsOf(Float32Array.from(places), material);
     this.colors = new BufferAttribute(new Uint8Array(places.length), 3, true);
-    this.object.geometry.setAttribute("color", this.colors);
+    this.object = pointsOf(Float32Array.from(places), this.colors, material);
   }
 
   recolor(colorsOf: (trail: number) => SampleColors): void {
@@ -158,7 +160,7 @@ export class Dots {
 }
 
 /** Markers of all keys; they have one look. */
-export function keyMarkers(trails: readonly DrawnTrail[], material: ShaderMaterial): Points {
+export function keyMarkers(trails: readonly DrawnTrail[], color: string, material: ShaderMaterial): Points {
   const total = trails.reduce((sum, trail) => sum + trail.keyPlaces.length, 0);
   const places = new Float32Array(total);
   let at = 0;
@@ -168,5 +170,5 @@ export function keyMarkers(trails: readonly DrawnTrail[], material: ShaderMateri
       places.set(keyPlaces.subarray(i, i + 3), at);
       at += 3;
     }
-  return pointsOf(places.slice(0, at), material);
+  return pointsOf(places.slice(0, at), oneColor(color), material);
 }

@@ -4,27 +4,24 @@
 // do, takes software some 20 microseconds a stretch: it begins anew for each. This takes less than a third of that.
 
 import {
-  BufferAttribute, BufferGeometry, Color, DoubleSide, InterleavedBuffer, InterleavedBufferAttribute, Mesh, ShaderMaterial, Sphere, Vector2,
+  BufferAttribute, BufferGeometry, DoubleSide, InterleavedBuffer, InterleavedBufferAttribute, Mesh, ShaderMaterial, Sphere, Vector2,
   Vector4, type WebGLRenderer,
 } from "three";
+import { oneColor } from "./materials";
 
 export interface FatLineStyle {
   /** CSS pixels. */
   readonly width: number;
   readonly ghost: boolean;
-  /** One colour for all; without it every sample has its own. */
-  readonly color?: string;
 }
 
 const vertex = `
 attribute vec3 from;
 attribute vec3 to;
-#ifdef USE_COLOR
 attribute vec3 colorFrom;
 attribute vec3 colorTo;
 varying vec3 first;
 varying vec3 last;
-#endif
 uniform vec2 viewport;
 uniform float halfWidth;
 varying vec2 place;
@@ -55,42 +52,31 @@ void main() {
   // The round ends go on in the line's own slope, so that its depth is right where the samples are.
   float slope = (d.z / d.w - c.z / c.w) * min(halfWidth / max(span, 1e-4), 4.0);
   gl_Position = vec4(pixel / viewport * 2.0, atEnd ? d.z / d.w + slope : c.z / c.w - slope, 1.0);
-#ifdef USE_COLOR
   first = colorFrom;
   last = colorTo;
-#endif
 }`;
 
 const fragment = `
 uniform float halfWidth;
-uniform vec3 one;
 varying vec2 place;
 varying float span;
-#ifdef USE_COLOR
 varying vec3 first;
 varying vec3 last;
-#endif
 void main() {
   float along = clamp(place.x, 0.0, span);
   if (distance(place, vec2(along, 0.0)) > halfWidth) discard;
-#ifdef USE_COLOR
   gl_FragColor = vec4(mix(first, last, span > 0.0 ? along / span : 0.0), 1.0);
-#else
-  gl_FragColor = vec4(one, 1.0);
-#endif
 }`;
 
 export class FatLineMaterial extends ShaderMaterial {
-  constructor({ width, ghost, color }: FatLineStyle) {
+  constructor({ width, ghost }: FatLineStyle) {
     super({
       vertexShader: vertex,
       fragmentShader: fragment,
       uniforms: {
         viewport: { value: new Vector2(1, 1) },
         halfWidth: { value: width / 2 },
-        one: { value: new Color(color) },
       },
-      vertexColors: color === undefined,
       depthTest: !ghost,
       side: DoubleSide, // the corners turn with the line
     });
@@ -129,22 +115,28 @@ function addPair(geometry: BufferGeometry, names: readonly [string, string], buf
 /** A mesh of such lines. */
 export class FatLines {
   readonly object: Mesh;
-  private readonly colors: InterleavedBuffer;
+  private readonly colors: InterleavedBuffer | null = null;
 
-  /** `ends` holds x y z of both ends of each stretch. */
-  constructor(ends: Float32Array, material: FatLineMaterial) {
+  /** `ends` holds x y z of both ends of each stretch. They have one colour, or those that recolor() gives them. */
+  constructor(ends: Float32Array, material: FatLineMaterial, color?: string) {
     const geometry = new BufferGeometry();
     addPair(geometry, ["from", "to"], new InterleavedBuffer(fillCorners(new Float32Array(4 * ends.length), ends), 6));
-    this.colors = new InterleavedBuffer(new Uint8Array(material.vertexColors ? 4 * ends.length : 0), 6);
-    if (material.vertexColors) addPair(geometry, ["colorFrom", "colorTo"], this.colors, true);
-    geometry.boundingSphere = new Sphere();
+    if (color === undefined) {
+      this.colors = new InterleavedBuffer(new Uint8Array(4 * ends.length), 6);
+      addPair(geometry, ["colorFrom", "colorTo"], this.colors, true);
+    } else {
+      for (const name of ["colorFrom", "colorTo"]) geometry.setAttribute(name, oneColor(color));
+    }
+    geometry.boundingSphere = new Sphere(); // of use to nobody, and three would look for it in all samples
     geometry.setIndex(new BufferAttribute(cornerIndices(ends.length / 6), 1));
     this.object = new Mesh(geometry, material);
+    this.object.frustumCulled = false;
     this.object.onBeforeRender = (renderer) => material.fit(renderer);
   }
 
   /** Colours of both ends of each stretch. */
   recolor(ends: Uint8Array): void {
+    if (!this.colors) return;
     fillCorners(this.colors.array as Uint8Array, ends);
     this.colors.needsUpdate = true;
   }
