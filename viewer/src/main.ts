@@ -12,7 +12,7 @@ import { KEPT, readHash, writeHash } from "./model/hash";
 import { Motion } from "./model/motion";
 import { runPlayer } from "./model/player";
 import { initialState, Store, type CameraPose } from "./model/state";
-import { buildPage, viewportElement } from "./panels/page";
+import { buildPage } from "./panels/page";
 import { Viewport } from "./view/viewport";
 
 declare global {
@@ -72,19 +72,18 @@ function start(root: HTMLElement): void {
   }, ["relativeTo"]);
 
   document.title = `${baseName(scene.name)}: motion trails`;
+  let viewport: Viewport | null = null;
   const app: App = {
     scene, motion, store, save,
     announce: (text) => page.announce(text),
-    picture: () => viewport.picture(),
+    picture: () => viewport!.picture(),
   };
-  const host = viewportElement();
-  const viewport = new Viewport(app, host); // before all that surrounds it, because the browser makes its programs meanwhile
-  const page = buildPage(app, root, host);
-  viewport.placed();
+  const page = buildPage(app, root);
+  viewport = new Viewport(app, page.viewport);
   if (!fromHash.camera) store.set({ camera: open(store.state.aspect) }); // the viewport has a size now
   source.subscribe(() => {
     motion.trails = source.trails();
-    viewport.trailsChanged();
+    viewport!.trailsChanged();
     page.trailsChanged();
   });
   listenToKeys(app);

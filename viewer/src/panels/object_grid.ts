@@ -8,9 +8,6 @@ import { toggled } from "../model/state";
 import { el } from "./parts/dom";
 import { buildRow, type ObjectRow } from "./object_row";
 
-/** How many rows are listed before the next picture; more than a screen holds. */
-const AT_ONCE = 150;
-
 const NAME = 0;
 const LAST_STOP = 2;
 
@@ -24,8 +21,6 @@ export class ObjectGrid {
   });
   /** By trail; made when they are listed for the first time. */
   private rows = new Map<number, ObjectRow>();
-  /** What is listed and not yet in the list: the first picture does not wait for it. */
-  private rest: readonly OutlineRow[] = [];
   private hierarchy!: Hierarchy;
   private names: readonly string[] = [];
   private kept: readonly number[] = [];
@@ -88,23 +83,10 @@ export class ObjectGrid {
     this.element.style.setProperty("--step", `${step}px`);
     const focused = this.element.contains(document.activeElement);
     const scrolled = this.element.scrollTop;
-    this.element.replaceChildren();
-    this.append(this.listed.slice(0, AT_ONCE));
-    this.rest = this.listed.slice(AT_ONCE);
-    this.element.setAttribute("aria-rowcount", String(this.listed.length));
-    if (focused || scrolled > 0) this.appendRest();
-    else if (this.rest.length > 0) requestAnimationFrame(() => setTimeout(() => this.appendRest()));
+    this.element.replaceChildren(...this.listed.map((row) => this.placed(row)));
     this.element.scrollTop = scrolled;
+    this.element.setAttribute("aria-rowcount", String(this.listed.length));
     this.stay(focused);
-  }
-
-  private append(rows: readonly OutlineRow[]): void {
-    this.element.append(...rows.map((row) => this.placed(row)));
-  }
-
-  private appendRest(): void {
-    this.append(this.rest);
-    this.rest = [];
   }
 
   private placed(row: OutlineRow): HTMLElement {
@@ -124,7 +106,6 @@ export class ObjectGrid {
   }
 
   private update(): void {
-    this.appendRest();
     for (const { trail } of this.listed) this.rows.get(trail)!.update(this.app.store.state);
   }
 
@@ -144,7 +125,6 @@ export class ObjectGrid {
     if (chosen === undefined || more.length > 0 || !this.app.motion.trails[chosen]) return;
     this.anchor = chosen;
     this.unfold(chosen);
-    this.appendRest();
     const element = this.rows.get(chosen)?.element;
     if (!element?.isConnected) return;
     const [list, row] = [this.element.getBoundingClientRect(), element.getBoundingClientRect()];
@@ -161,7 +141,6 @@ export class ObjectGrid {
   }
 
   private stop({ row, stop } = this.at): HTMLElement | undefined {
-    if (!this.rows.has(row)) this.appendRest();
     return this.rows.get(row)?.stops[stop];
   }
 

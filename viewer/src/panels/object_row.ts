@@ -5,7 +5,7 @@ import { markColor, objectColor } from "../model/colors";
 import type { OutlineRow } from "../model/outline";
 import { isVisible, toggled, type ViewState } from "../model/state";
 import type { Trail } from "../source/trail";
-import { el, setAttributes, setText, type Attributes } from "./parts/dom";
+import { el, setAttributes, setText } from "./parts/dom";
 import { icon } from "./parts/icons";
 
 export interface ObjectRow {
@@ -18,26 +18,10 @@ export interface ObjectRow {
   place(row: OutlineRow): void;
 }
 
-const cell = (column: number, attributes: Attributes, ...children: Node[]) =>
-  el("div", { role: "gridcell", "aria-colindex": column, ...attributes }, ...children);
-
-const toggle = (content: Node | string) => el("button", { type: "button", class: "toggle", tabindex: -1 }, content);
-
-/** What all rows have. A copy of it takes a third of the time of making it. */
-const blank = (() => {
-  let made: HTMLElement | null = null;
-  const make = () =>
-    el("div", { role: "row", class: "object" },
-      cell(1, { class: "name-cell", tabindex: -1 },
-        el("span", { class: "twisty", "aria-hidden": "true" }, icon("fold")), el("span", { class: "swatch", "aria-hidden": "true" }),
-        el("span", { class: "name" }), el("span", { class: "still" })),
-      cell(2, {}, toggle(icon("eye"))), cell(3, {}, toggle("S")));
-  return () => (made ??= make()).cloneNode(true) as HTMLElement;
-})();
-
-function setToggle(button: Element, label: string, run: () => void): void {
-  setAttributes(button, { "aria-label": label, title: label });
-  button.addEventListener("click", run);
+function toggle(label: string, content: Node | string, run: () => void): HTMLButtonElement {
+  const made = el("button", { type: "button", class: "toggle", tabindex: -1, "aria-label": label, title: label }, content);
+  made.addEventListener("click", run);
+  return made;
 }
 
 function warningMark(trail: Trail): Node[] {
@@ -54,18 +38,21 @@ export function stillness(app: App, index: number): string {
   return app.motion.trails[index].keyTimes.length > 0 ? "has keys but does not travel: it may only turn" : "does not move";
 }
 
+const cell = (attributes: Record<string, string | number>, ...children: Node[]) =>
+  el("div", { role: "gridcell", ...attributes }, ...children);
+
 /** `called` is a name that no other object has. It shows nothing of the state before update() and place(). */
 export function buildRow(app: App, index: number, called: string): ObjectRow {
   const trail = app.motion.trails[index];
   const { store } = app;
-  const element = blank();
-  const [name, shown, alone] = [...element.children].map((each, i) => (i === 0 ? each : each.firstElementChild!) as HTMLElement);
-  const [twisty, swatch, text, still] = [...name.children] as HTMLElement[];
-  element.dataset.trail = String(index);
-  text.textContent = trail.name;
-  name.append(...warningMark(trail));
-  setToggle(shown, `Show ${called}`, () => store.set({ hidden: toggled(store.state.hidden, index) }));
-  setToggle(alone, `Solo ${called}`, () => store.set({ solo: toggled(store.state.solo, index) }));
+  const shown = toggle(`Show ${called}`, icon("eye"), () => store.set({ hidden: toggled(store.state.hidden, index) }));
+  const alone = toggle(`Solo ${called}`, "S", () => store.set({ solo: toggled(store.state.solo, index) }));
+  const twisty = el("span", { class: "twisty", "aria-hidden": "true" }, icon("fold"));
+  const swatch = el("span", { class: "swatch", "aria-hidden": "true" });
+  const still = el("span", { class: "still" });
+  const name = cell({ "aria-colindex": 1, class: "name-cell", tabindex: -1 }, twisty, swatch,
+    el("span", { class: "name" }, trail.name), still, ...warningMark(trail));
+  const element = el("div", { role: "row", class: "object", "data-trail": index }, name, cell({ "aria-colindex": 2 }, shown), cell({ "aria-colindex": 3 }, alone));
   const update = (state: ViewState) => {
     shown.setAttribute("aria-pressed", String(!state.hidden.has(index)));
     alone.setAttribute("aria-pressed", String(state.solo.has(index)));

@@ -16,6 +16,8 @@ import { buildToolbar } from "./toolbar";
 import { buildTransport } from "./transport";
 
 export interface Page {
+  /** The element that the viewport fills. */
+  readonly viewport: HTMLElement;
   announce(text: string): void;
   trailsChanged(): void;
 }
@@ -30,23 +32,22 @@ function skipLink(viewport: HTMLElement): HTMLElement {
   return link;
 }
 
-const DESCRIPTION = "viewport-keys";
-
-/** The element that the viewport fills. It has the role of an application, so that screen readers pass its keys on to the page. */
-export const viewportElement = (): HTMLElement =>
-  el("div", {
-    class: "viewport", id: "viewport", role: "application", tabindex: 0, "aria-label": "Trails", "aria-describedby": DESCRIPTION,
-  });
-
-const viewportDescription = () =>
-  el(
-    "p", { class: "hidden", id: DESCRIPTION },
+/** The viewport has the role of an application, so that screen readers pass its keys on to the page. */
+function viewportElement(): { viewport: HTMLElement; description: HTMLElement } {
+  const description = el(
+    "p", { class: "hidden", id: "viewport-keys" },
     "Space plays, the arrow keys step through the frames, J, K, L and M turn, plus and minus zoom, F frames what is " +
       "selected, question mark lists all keys. " +
       "The list of objects, the timeline and the spacing graph say in words what is drawn here.",
   );
+  const viewport = el("div", {
+    class: "viewport", id: "viewport", role: "application", tabindex: 0, "aria-label": "Trails", "aria-describedby": description.id,
+  });
+  return { viewport, description };
+}
 
-export function buildPage(app: App, root: HTMLElement, viewport: HTMLElement): Page {
+export function buildPage(app: App, root: HTMLElement): Page {
+  const { viewport, description } = viewportElement();
   const live = buildLive();
   const help = buildHelp(app);
   const picture = buildPictureDialog(app);
@@ -61,7 +62,7 @@ export function buildPage(app: App, root: HTMLElement, viewport: HTMLElement): P
     openHelp: help.open,
     openPicture: picture.open,
   });
-  const stage = el("main", { class: "stage" }, viewport, viewportDescription(), live.element);
+  const stage = el("main", { class: "stage" }, viewport, description, live.element);
   const time = el("section", { class: "time-panel", "aria-label": "Time" }, buildTransport(app), timeline.element, graph.element);
   if (compareGraph) time.append(compareGraph.element);
   root.classList.add("page");
@@ -73,6 +74,7 @@ export function buildPage(app: App, root: HTMLElement, viewport: HTMLElement): P
   };
   followTheme(app, redraw);
   return {
+    viewport,
     announce: live.announce,
     trailsChanged() {
       objects.trailsChanged();

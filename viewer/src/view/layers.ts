@@ -13,7 +13,7 @@ import { dotMaterial, keyMaterial, thinMaterial } from "./primitives/materials";
 import type { Pickable } from "./picking";
 import { between, wholeTrail, windowOf, windowStrength } from "./places";
 import type { Projection } from "./primitives/projection";
-import { channels, DIMMED, evenlyShaded, shade, shaded } from "./primitives/shades";
+import { channels, DIMMED, shade, shaded } from "./primitives/shades";
 import type { Colors } from "./theme";
 
 /** Up to this many stretches, every line has a casing and every dot a rim. */
@@ -214,7 +214,7 @@ export class TrailLayers {
     } else {
       values = trailColors(trail, mode, state.frame, state.palette);
     }
-    if (this.look(index).dim) values = evenlyShaded(values, this.colors().background, DIMMED);
+    if (this.look(index).dim) values = shaded(values, this.colors().background, () => DIMMED);
     const result: SampleColors = { values, mode: state.colorBy === "object" ? 0 : mode };
     this.samples.set(index, result);
     return result;

@@ -13,12 +13,9 @@ export const hasDenseKeys = (trail: Trail): boolean => trail.keyTimes.length > 2
 
 function placed(points: Float64Array, upAxis: "y" | "z", origin: Vec3): Float32Array {
   const result = new Float32Array(points.length);
-  const [up, across, side] = upAxis === "y" ? [1, 2, 1] : [2, 1, -1]; // as yUp does, which would make an array for each of a million
-  const [x, y, z] = origin;
   for (let i = 0; i < points.length; i += 3) {
-    result[i] = points[i] - x;
-    result[i + 1] = points[i + up] - y;
-    result[i + 2] = side * points[i + across] - z;
+    const turned = yUp([points[i], points[i + 1], points[i + 2]], upAxis);
+    for (let k = 0; k < 3; ++k) result[i + k] = turned[k] - origin[k];
     if (!isDrawable(result[i]) || !isDrawable(result[i + 1]) || !isDrawable(result[i + 2])) result.fill(NaN, i, i + 3);
   }
   return result;

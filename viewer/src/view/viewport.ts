@@ -82,13 +82,6 @@ export class Viewport {
     this.three.add(this.stage, this.layers.group, this.skeleton.group);
     this.rebuild();
     this.listen();
-    this.rehearse();
-  }
-
-  /** The host is in the page now, and has a size. */
-  placed(): void {
-    this.measure();
-    this.changed();
   }
 
   trailsChanged(): void {
@@ -160,6 +153,8 @@ export class Viewport {
       this.changed();
     });
     new ResizeObserver(() => this.resize()).observe(this.host);
+    this.measure();
+    this.changed();
     listenToPointer(this.host, this.overlay.canvas, this.app.store, {
       pick: (at) => pick(this.layers.pickable, this.projection(), at),
       passing: (area) => passing(this.layers.pickable, this.projection(), area),
@@ -258,27 +253,13 @@ export class Viewport {
     return new Projection(this.rig.camera, this.width, this.height);
   }
 
-  /**
-   * Draws once unseen. Where software draws, a browser takes some 100 ms to make what it needs for that; it does so beside
-   * the page's own script.
-   */
-  private rehearse(): void {
-    if (!(this.surface instanceof GlSurface)) return;
-    this.drawTrails({ ...this.detail.drawing(true), dotEvery: 1 });
-  }
-
-  /** Returns the number of stretches. */
-  private drawTrails(drawing: Drawing): number {
-    this.skeleton.update();
-    return this.surface.draw({ drawing, camera: this.rig.camera, projection: this.projection(), background: this.colors.background });
-  }
-
   private draw(moving: boolean): void {
     const { detail, surface } = this;
     const drawing = { ...detail.drawing(moving), dotEvery: this.layers.dotEvery(this.projection(), moving) };
     const timed = detail.timed(moving);
+    this.skeleton.update();
     const start = performance.now();
-    const stretches = this.drawTrails(drawing);
+    const stretches = surface.draw({ drawing, camera: this.rig.camera, projection: this.projection(), background: this.colors.background });
     if (timed) {
       surface.finish();
       detail.learn(drawing, stretches, performance.now() - start);

@@ -22,20 +22,8 @@ export function shaded(values: Uint8Array, background: string, strength: (sample
   return result;
 }
 
-/** The same for one strength; of the 256 values of a channel each is worked out once. */
-export function evenlyShaded(values: Uint8Array, background: string, strength: number): Uint8Array {
-  const [red, green, blue] = channels(background).map((ground) => Uint8Array.from({ length: 256 }, (_, value) => Math.round(ground + (value - ground) * strength)));
-  const result = new Uint8Array(values.length);
-  for (let i = 0; i < values.length; i += 3) {
-    result[i] = red[values[i]];
-    result[i + 1] = green[values[i + 1]];
-    result[i + 2] = blue[values[i + 2]];
-  }
-  return result;
-}
-
 /** The same for a single colour of a style sheet. */
 export function shade(color: string, background: string, strength: number): string {
-  const [r, g, b] = evenlyShaded(Uint8Array.from(channels(color)), background, strength);
+  const [r, g, b] = shaded(Uint8Array.from(channels(color)), background, () => strength);
   return `rgb(${r},${g},${b})`;
 }
