@@ -30,9 +30,7 @@ std::vector<bool> lit_trails(const session::TrailReport& report, const session::
 // Where the motion is on the camera's plane. A point where the motion has no extent in this view.
 Box2 seen_motion(const Subject& subject) {
   Box2 seen;
-  for (const std::size_t trail : subject.moving)
-    for (const Vector& p : *subject.report.trails[trail].points)
-      if (is_finite(p)) seen.include(subject.camera.project(y_up(p, subject.report.up_axis)));
+  subject.fitted.for_each_point([&](const Vector& p) { seen.include(subject.camera.project(p)); });
   if (!seen) seen.include(subject.camera.project(subject.bounds.centre()));
   return seen;
 }
@@ -71,10 +69,12 @@ Subject subject_of(const session::TrailReport& report, const SvgOptions& options
   session::Motion motion = session::motion_of(report);
   auto moving = motion.that_move();
   auto lit = lit_trails(report, motion, moving);
-  const Fitted fitted{report, moving};
+  Fitted fitted{{}, report.up_axis};
+  for (const std::size_t trail : moving) fitted.lines.push_back(report.trails[trail].points);
   const Bounds bounds = bounds_of(fitted);
   const Camera camera(options.view, fitted, bounds);
-  return {report, options, std::move(motion), std::move(moving), std::move(lit), bounds, camera, ground_under(bounds)};
+  return {report, options, std::move(motion),   std::move(moving), std::move(lit), std::move(fitted),
+          bounds, camera,  ground_under(bounds)};
 }
 
 Sheet::Sheet(const Subject& what, const Room& room)
@@ -148,16 +148,22 @@ void Sheet::thin_lines() {
 // (viewer/src/view/dot_spacing.ts).
 void Sheet::thin_dots() {
   constexpr double kHolds = 0.05;  // pixels a frame below which the dots lie upon each other however few they are
+  constexpr double kSpot = 4.0;    // dots side by side along a trail; a shorter one is a spot, however few dots it has
   constexpr double kMayTouch = 0.25;
   std::vector<double> gaps;  // of stretches: distance a frame, in parts of what dots need
   std::size_t frames = 0;
   for (const DrawnTrail& drawn : trails) {
     const session::TrailView& trail = drawn.trail();
     if (!drawn.lit() || !trail.show_dots) continue;
+    const double need = trail.point_size + 1.0;
+    const std::size_t before = gaps.size();
+    double way = 0.0;
     drawn.for_each_stretch({0.0, 1}, [&](const Point2& from, const Point2& to) {
-      const double pixels = base::hypot(to.x - from.x, to.y - from.y) / trail.frame_step;
-      if (pixels >= kHolds) gaps.push_back(pixels / (trail.point_size + 1.0));
+      const double pixels = base::hypot(to.x - from.x, to.y - from.y);
+      way += pixels;
+      if (pixels >= kHolds * trail.frame_step) gaps.push_back(pixels / trail.frame_step / need);
     });
+    if (way < kSpot * need) gaps.resize(before);
     drawn.for_each_dot(dots, [&](std::size_t) { ++frames; });
   }
   double crowd = 1.0;

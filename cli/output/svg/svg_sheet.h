@@ -28,6 +28,7 @@ struct Subject {
   session::Motion motion;
   std::vector<std::size_t> moving;  // the trails that it is fitted to
   std::vector<bool> lit;
+  Fitted fitted;
   Bounds bounds;
   Camera camera;
   Ground ground;

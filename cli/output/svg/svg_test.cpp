@@ -91,7 +91,7 @@ Fill fill_of(const session::TrailReport& report, const SvgOptions& options, std:
 TEST(Svg, TheMotionFillsThePlotWhereverStillObjectsAre) {
   session::TrailView light = spiral("|light", 1e6, 1e6, 0, 0.0);
   for (const char* view : {"persp", "front", "side", "top"})
-    for (const double size : {1e-6, 1.0, 1e7}) {
+    for (const double size : {1e-4, 1.0, 1e7}) {
       const auto report = report_of({spiral("|a", 5, 3, 1, size), spiral("|b", 5 + 9 * size, 3, 1, size), light});
       const Fill fill = fill_of(report, {view, "auto", {}, {}, {}, {}}, 2);
       EXPECT_GE(fill.share, 0.7) << view << ' ' << size;
@@ -116,6 +116,18 @@ TEST(Svg, AMotionInAnyDirectionFillsEveryViewInWhichItHasAnExtent) {
         const bool seen = std::abs(a.x - b.x) + std::abs(a.y - b.y) > 1e-6;
         EXPECT_GE(fill.share, seen ? 0.7 : 0.0) << view << along.x << along.y;
       }
+}
+
+TEST(Svg, OfManySamplesEverySecondTellsTheBestDirectionAsOnThePage) {
+  std::vector<Vector> all, second;
+  for (int i = 0; i <= 100'000; ++i) {
+    all.push_back(i % 2 == 0 ? Vector{1.0 * i, 0, 0} : Vector{0, 0, 1.0 * i});
+    if (i % 2 == 0) second.push_back(all.back());
+  }
+  const auto right = [](std::vector<Vector> points) {
+    return Camera("persp", {{support::shared(std::move(points))}, 'y'}, {{0, 0, 0}, {1e5, 0, 1e5}}).right();
+  };
+  EXPECT_EQ(right(all), right(second));
 }
 
 // The places of the dots of a colour, which are lines without length.
@@ -149,6 +161,15 @@ TEST(Svg, DotsThatWouldTouchAreThinnedByFramesAndThatIsSaid) {
   const std::string svg = drawn(report, {"front", "auto", {}, {}, {}, {}});
   EXPECT_THAT(svg, testing::HasSubstr("a dot every 5 frames"));
   EXPECT_EQ(dots_of(svg), 97u);
+}
+
+TEST(Svg, ATrailThatIsASpotInThePictureDoesNotThinTheDotsOfOthers) {
+  session::TrailView spot = spiral("|spot", 0, 0, 0, 0.3);
+  std::vector<Vector> line;
+  for (int i = 0; i < 48; ++i) line.push_back({2.0 * i, 0, 0});
+  session::TrailView trail = support::trail_of(line);
+  trail.start_frame = spot.start_frame;
+  EXPECT_THAT(drawn(report_of({spot, trail})), testing::HasSubstr("a dot every frame<"));
 }
 
 TEST(Svg, KeysThatAreNotMarkedAreCounted) {
