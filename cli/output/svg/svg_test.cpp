@@ -130,12 +130,14 @@ TEST(Svg, OfManySamplesEverySecondTellsTheBestDirectionAsOnThePage) {
   EXPECT_EQ(right(all), right(second));
 }
 
-// The places of the dots of a colour, which are lines without length.
-std::size_t dots_of(const std::string& svg) {
+std::size_t count(const std::string& text, const std::string& part) {
   std::size_t n = 0;
-  for (std::size_t at = svg.find("h0"); at != std::string::npos; at = svg.find("h0", at + 1)) ++n;
-  return n / 2;  // each has a casing
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
+  return n;
 }
+
+// Each dot is a line without length, with a casing.
+std::size_t dots_of(const std::string& svg) { return count(svg, "h0") / 2; }
 
 TEST(Svg, DotsLieOnWholeFramesOnly) {
   session::TrailView trail = spiral("|a", 0, 0, 0, 10, 29);
@@ -209,14 +211,9 @@ TEST(Svg, EveryObjectHasItsNameOrANumberThatTheLegendExplains) {
 
 TEST(Svg, WhatIsNotLitIsFaintAndHasNoDots) {
   const std::string svg = drawn(crowd(8));
-  const auto count = [&](const std::string& text) {
-    std::size_t n = 0;
-    for (std::size_t at = svg.find(text); at != std::string::npos; at = svg.find(text, at + 1)) ++n;
-    return n;
-  };
   // Of the root and eight ends, five are lit.
-  EXPECT_EQ(count("<g class=\"faint\">"), 4u);
-  EXPECT_EQ(count("class=\"ring lit\" cx"), 6u);  // and the legend's
+  EXPECT_EQ(count(svg, "<g class=\"faint\">"), 4u);
+  EXPECT_EQ(count(svg, "class=\"ring lit\" cx"), 6u);  // and the legend's
   EXPECT_THAT(svg, testing::HasSubstr(".faint{opacity:.25}"));
   EXPECT_THAT(svg, testing::HasSubstr("class=\"bone\""));
 }
@@ -277,6 +274,82 @@ TEST(Svg, APictureOfAGivenSizeHasItAndSaysWhenItIsTooLow) {
     EXPECT_THAT(drawn(report, {"persp", "auto", {}, {}, PictureSize{480, std::stoi(found[1])}, ""}),
                 testing::HasSubstr("</svg>"));
   }
+}
+
+// A figure beside which a second scene has each object `distances` farther along x, by trail; NaN: it lacks the object.
+session::TrailReport compared(session::TrailReport report, const std::vector<double>& distances) {
+  report.compared = session::ComparedScene{"take/b.ma", std::nullopt};
+  for (std::size_t i = 0; i < report.trails.size(); ++i) {
+    session::TrailView& trail = report.trails[i];
+    if (std::isnan(distances[i])) continue;
+    std::vector<Vector> points = *trail.points;
+    for (Vector& p : points) p.x += distances[i];
+    const std::vector<double> apart(points.size(), distances[i]);
+    trail.compare = session::Comparison{trail.source, support::shared(points), apart, distances[i], 12.0};
+  }
+  return report;
+}
+
+TEST(Svg, ASecondSceneIsThinAndGreyBelowTheFirstAndItsLargestDistanceIsNamed) {
+  const auto report = compared(report_of({spiral("|a", 0, 0, 0, 10), spiral("|b", 5, 0, 0, 10)}), {1.0, 3.25});
+  const std::string svg = drawn(report, {"front", "light", {}, {}, {}, {}});
+  EXPECT_THAT(svg, testing::AllOf(testing::HasSubstr(">b.ma<"), testing::HasSubstr("<title>b.ma</title>"),
+                                  testing::HasSubstr(">largest distance to b.ma: b, 3.25 cm at frame 12<"),
+                                  testing::HasSubstr(">3.25 cm at frame 12<"), testing::HasSubstr("class=\"apart\"")));
+  const std::string lines = svg.substr(svg.find("<title>b.ma</title>"));
+  EXPECT_EQ(count(lines, "<path class=\"second\" "), 3u);  // the legend's too
+  EXPECT_EQ(count(lines, "<circle class=\"second\" "), 3u);
+  EXPECT_LT(svg.find("<path class=\"second\""), svg.find("<title>|a</title>"));
+  EXPECT_THAT(drawn(report_of({spiral("|a", 0, 0, 0, 10)})), testing::Not(testing::HasSubstr("class=\"second")));
+}
+
+TEST(Svg, ASecondSceneIsInThePictureTooWhereItsObjectsAreNow) {
+  auto report = compared(report_of({spiral("|a", 0, 0, 0, 10)}), {200.0});
+  for (const char* view : {"persp", "front", "top"}) {
+    const SvgOptions options{view, "auto", {}, {}, {}, {}};
+    const Subject subject = subject_of(report, options);
+    const Sheet sheet(subject, {});
+    for (const Vector& p : *report.trails[0].compare->points) EXPECT_TRUE(sheet.plot.contains(sheet.lens(p))) << view;
+    const Point2 here = *sheet.figure().spot(0, 1.0), there = *sheet.second_figure().spot(0, 1.0);
+    EXPECT_EQ(there.x, sheet.lens({200, 0, 0}).x);
+    EXPECT_GT(std::abs(there.x - here.x), 0.5 * sheet.plot.width());
+  }
+}
+
+TEST(Svg, LinesOfASecondSceneAreThoseOfLitTrailsAndOfTheOneThatIsFarthestApart) {
+  std::vector<double> distances(9, 0.5);
+  distances[2] = kNan;  // of a root and eight ends, five are lit
+  const auto beside = [&](std::size_t farthest) {
+    distances[farthest] = 4.0;
+    const auto report = compared(crowd(8), distances);
+    distances[farthest] = 0.5;
+    const SvgOptions options;
+    const Subject subject = subject_of(report, options);
+    return Sheet(subject, {}).beside;
+  };
+  EXPECT_THAT(beside(0), testing::ElementsAre(0, 4, 5, 6, 7, 8));
+  EXPECT_THAT(beside(5), testing::ElementsAre(4, 5, 6, 7, 8));
+  distances[0] = 4.0;
+  EXPECT_THAT(drawn(compared(crowd(8), distances)),
+              testing::AllOf(testing::HasSubstr("6 of 8 objects have a line of b.ma"),
+                             testing::HasSubstr("b.ma lacks 1 object<"), testing::HasSubstr("class=\"second bones\"")));
+}
+
+TEST(Svg, ASecondSceneWithoutADifferenceOrWithoutKnownDistancesSaysSo) {
+  const auto report = report_of({spiral("|a", 0, 0, 0, 10)});
+  EXPECT_THAT(drawn(compared(report, {0.0})), testing::HasSubstr("b.ma has the objects in the same places"));
+  auto unknown = compared(report, {1.0});
+  unknown.trails[0].compare->largest = kNan;
+  EXPECT_THAT(drawn(unknown), testing::HasSubstr("no distance to b.ma is known"));
+}
+
+TEST(Svg, ATakeOfTheSameFileIsNamedAsATake) {
+  auto report = report_of({});
+  EXPECT_EQ(second_name(report), "");
+  report.compared = session::ComparedScene{"a.ma", "wave"};
+  EXPECT_EQ(second_name(report), "take wave");
+  report.compared = session::ComparedScene{"x/b.fbx", "wave"};
+  EXPECT_EQ(second_name(report), "b.fbx, take wave");
 }
 
 TEST(Svg, AHoldIsMarkedWithItsFramesAndTheDirectionIsShown) {
