@@ -271,6 +271,18 @@ std::string left_out(std::size_t marked, std::size_t all, const std::string& wha
   return std::to_string(marked) + " of " + std::to_string(all) + " " + what;
 }
 
+// Of what stands still, and so had no say in what the picture fits.
+std::string outside_note(const Sheet& sheet) {
+  const auto is_outside = [&](const Vector& p) { return is_finite(p) && !sheet.plot.contains(sheet.lens(p)); };
+  std::size_t outside = 0;
+  for (std::size_t i = 0; i < sheet.trails.size(); ++i) {
+    const auto& points = *sheet.trails[i].trail().points;
+    if (!sheet.subject.motion.moves[i] && std::any_of(points.begin(), points.end(), is_outside)) ++outside;
+  }
+  if (outside == 0) return "";
+  return counted(outside, "still object") + (outside == 1 ? " is" : " are") + " outside the picture";
+}
+
 void add_comparison_notes(const Sheet& sheet, std::vector<std::string>& notes) {
   const Subject& subject = sheet.subject;
   if (!subject.report.compared) return;
@@ -312,6 +324,7 @@ std::vector<std::string> notes_of(const Sheet& sheet) {
     notes.push_back(left_out(sheet.holds.marks.size(), sheet.holds.all, "holds are marked"));
   if (const std::string skins = skins_note(sheet); !skins.empty()) notes.push_back(skins);
   add_comparison_notes(sheet, notes);
+  if (const std::string outside = outside_note(sheet); !outside.empty()) notes.push_back(outside);
   if (sheet.names.left_out > 0)
     notes.push_back(counted(sheet.names.left_out, "object") + " without a name in the picture");
   if (sheet.thinning.tolerance > Thinning{}.tolerance)

@@ -99,6 +99,17 @@ TEST(Svg, TheMotionFillsThePlotWhereverStillObjectsAre) {
     }
 }
 
+TEST(Svg, StillObjectsOutsideThePictureAreCounted) {
+  const auto still = [](const char* path, double x) { return spiral(path, x, 5, 0, 0.0); };
+  const auto svg = [](std::vector<session::TrailView> trails) { return drawn(report_of(std::move(trails))); };
+  const auto mover = spiral("|a", 0, 0, 0, 10);
+  EXPECT_THAT(svg({mover, still("|b", 1e4), still("|c", 1), still("|d", -1e3)}),
+              testing::HasSubstr(">2 still objects are outside the picture<"));
+  EXPECT_THAT(svg({mover, still("|b", 1e4)}), testing::HasSubstr(">1 still object is outside the picture<"));
+  EXPECT_THAT(svg({mover, still("|c", 1)}), testing::Not(testing::HasSubstr("outside")));
+  EXPECT_THAT(svg({still("|b", 1e4), still("|c", 1)}), testing::Not(testing::HasSubstr("outside")));
+}
+
 TEST(Svg, AMotionInAnyDirectionFillsEveryViewInWhichItHasAnExtent) {
   for (const Vector& along : {Vector{1, 0, 0}, Vector{0, 1, 0}, Vector{0, 0, 1}, Vector{1, 5, 0.1}})
     for (const char* view : {"persp", "front", "side", "top"})
