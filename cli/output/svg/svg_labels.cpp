@@ -110,7 +110,8 @@ bool Occupancy::is_free(const Box2& box) const {
 
 std::optional<Label> place_label(Occupancy& occupancy, const Point2& at, const std::string& text,
                                  const Lettering& how) {
-  const double w = 0.62 * how.size * static_cast<double>(width(text)) + 2.0, h = how.size + 1.0, gap = how.gap;
+  const double w = 0.62 * how.size * static_cast<double>(width(text)) + 2.0 + 2.0 * how.apart, h = how.size + 1.0,
+               gap = how.gap;
   const std::array<Point2, 8> offsets = {{{gap, -gap - h},
                                           {-gap - w, -gap - h},
                                           {gap, gap},
@@ -130,7 +131,7 @@ std::optional<Label> place_label(Occupancy& occupancy, const Point2& at, const s
   }
   if (!best) return std::nullopt;
   occupancy.take(*best);
-  return Label{{best->left + 1.0, best->bottom - 0.2 * h}, text, how.classes, {}};
+  return Label{{best->left + 1.0 + how.apart, best->bottom - 0.2 * h}, text, how.classes, {}};
 }
 
 void draw_labels(TextSink& out, const std::vector<Label>& labels) {
@@ -210,9 +211,9 @@ namespace {
 
 // As near to a point as there is room; from afar a line leads to it.
 std::optional<Label> place_number(Occupancy& occupancy, const Point2& at, std::size_t number) {
-  constexpr std::array<double, 7> kGaps = {4.0, 12.0, 22.0, 34.0, 48.0, 64.0, 82.0};
+  constexpr std::array<double, 4> kGaps = {4.0, 12.0, 22.0, 34.0};
   for (const double gap : kGaps) {
-    auto label = place_label(occupancy, at, std::to_string(number), {"ink number", 10.0, gap});
+    auto label = place_label(occupancy, at, std::to_string(number), {"ink number", 10.0, gap, 2.0});
     if (!label) continue;
     const Point2 middle{label->at.x + 3.0 * static_cast<double>(label->text.size()), label->at.y - 3.5};
     if (gap > kGaps.front()) label->leader = Line{at, middle};
@@ -226,19 +227,26 @@ std::optional<Label> place_number(Occupancy& occupancy, const Point2& at, std::s
 Names place_names(const std::vector<Named>& objects, const std::vector<std::string>& names, Occupancy& occupancy,
                   std::size_t limit) {
   constexpr std::size_t kMostLetters = 32;
+  constexpr double kAsOne = 8.0;  // pixels
   Names result;
+  std::vector<Point2> told;
   for (const Named& object : objects) {
     const bool large = object.lit || objects.size() <= kFewTrails;
     const Lettering how = large ? Lettering{"ink name", 13.0, 9.0} : Lettering{"ink small", 11.0, 5.0};
     auto label = place_label(occupancy, object.at, shortened(names[object.trail], kMostLetters), how);
-    if (!label && result.numbered.size() < limit) {
+    const bool alone = std::none_of(told.begin(), told.end(), [&](const Point2& p) {
+      return base::hypot(p.x - object.at.x, p.y - object.at.y) < kAsOne;
+    });
+    if (!label && alone && result.numbered.size() < limit) {
       label = place_number(occupancy, object.at, result.numbered.size() + 1);
       if (label) result.numbered.push_back(object.trail);
     }
-    if (label)
-      result.labels.push_back(std::move(*label));
-    else
+    if (!label) {
       ++result.left_out;
+      continue;
+    }
+    result.labels.push_back(std::move(*label));
+    told.push_back(object.at);
   }
   return result;
 }

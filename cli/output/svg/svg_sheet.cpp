@@ -228,7 +228,10 @@ void Sheet::mark(const Room& room) {
     const auto at = objects.spot(i, now);
     if (!at || !occupancy.area().contains(*at)) continue;
     named.push_back({i, *at, subject.lit[i]});
-    if (subject.lit[i]) occupancy.take(box_around(*at, ring_radius(true, true)));
+    if (subject.lit[i])
+      occupancy.take(box_around(*at, ring_radius(true, true)));
+    else
+      note(*at, *at);
   }
   if (apart) {
     occupancy.note_line(apart->from, apart->to);
@@ -236,9 +239,9 @@ void Sheet::mark(const Room& room) {
     if (auto label = place_label(occupancy, middle, apart_text(subject), {"ink small", 11.0}))
       labels.push_back(std::move(*label));
   }
-  arrows = choose_arrows(trails, thinning, occupancy);
   names = place_names(named, legend.names, occupancy, room.numbers);
   legend.numbered = names.numbered;
+  arrows = choose_arrows(trails, thinning, occupancy);
   for (Label& label : label_holds(holds.marks, occupancy)) labels.push_back(std::move(label));
   for (Label& label : label_keys(keys, occupancy, trails.size() > kMaxShadows ? 30 : 60))
     labels.push_back(std::move(label));
@@ -326,7 +329,7 @@ std::vector<std::string> notes_of(const Sheet& sheet) {
   add_comparison_notes(sheet, notes);
   if (const std::string outside = outside_note(sheet); !outside.empty()) notes.push_back(outside);
   if (sheet.names.left_out > 0)
-    notes.push_back(counted(sheet.names.left_out, "object") + " without a name in the picture");
+    notes.push_back(counted(sheet.names.left_out, "object") + " without a name or number in the picture");
   if (sheet.thinning.tolerance > Thinning{}.tolerance)
     notes.push_back("lines thinned to points " + fixed(sheet.thinning.tolerance, 1) +
                     " px apart; the data files hold them all");

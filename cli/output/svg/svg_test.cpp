@@ -197,27 +197,58 @@ TEST(Svg, KeysThatAreNotMarkedAreCounted) {
   EXPECT_LT(std::stoi(found[1]), 48);
 }
 
-// A figure of many joints in little room.
-session::TrailReport crowd(int joints) {
+// A figure of many joints, so far from each other.
+session::TrailReport crowd(int joints, double apart = 0.02) {
   std::vector<session::TrailView> trails{spiral("|root", 0, 0, 0, 1)};
   for (int i = 0; i < joints; ++i) {
-    trails.push_back(spiral("|root|joint" + std::to_string(i), 0.02 * (i % 8), 0.02 * (i / 8), 0.01, 1 + 0.01 * i));
+    trails.push_back(spiral("|root|joint" + std::to_string(i), apart * (i % 8), apart * (i / 8), 0.01, 1 + 0.01 * i));
     trails.back().parent = "|root";
   }
   return report_of(std::move(trails));
 }
 
 TEST(Svg, EveryObjectHasItsNameOrANumberThatTheLegendExplains) {
-  const auto report = crowd(60);
+  const auto report = crowd(60, 0.12);
   const SvgOptions options;
   const Subject subject = subject_of(report, options);
   const Sheet sheet(subject, {});
   EXPECT_GT(sheet.names.numbered.size(), 5u);
-  EXPECT_EQ(sheet.names.left_out, 0u);
-  EXPECT_EQ(sheet.names.labels.size(), 61u);
+  EXPECT_EQ(sheet.names.left_out, 1u);  // the first joint, which is where the root is
+  EXPECT_EQ(sheet.names.labels.size(), 60u);
   const std::string svg = drawn(report);
   for (const std::size_t trail : sheet.names.numbered)
     EXPECT_THAT(svg, testing::HasSubstr(">" + report.trails[trail].name + "<"));
+}
+
+TEST(Svg, ObjectsThatLieAsGoodAsTogetherHaveNoNumbersAndAreCounted) {
+  const auto report = crowd(60);
+  const SvgOptions options;
+  const Subject subject = subject_of(report, options);
+  const Sheet sheet(subject, {});
+  const Names& names = sheet.names;
+  EXPECT_GT(names.left_out, 20u);
+  EXPECT_EQ(names.labels.size() + names.left_out, 61u);
+  EXPECT_THAT(drawn(report),
+              testing::HasSubstr(">" + std::to_string(names.left_out) + " objects without a name or number in the"));
+  ASSERT_GT(names.numbered.size(), 1u);
+  for (const std::size_t a : names.numbered)
+    for (const std::size_t b : names.numbered) {
+      const Point2 p = *sheet.figure().spot(a, 1.0), q = *sheet.figure().spot(b, 1.0);
+      EXPECT_TRUE(a == b || std::hypot(p.x - q.x, p.y - q.y) >= 8.0);
+    }
+}
+
+TEST(Svg, NumbersSideBySideDoNotReadAsOne) {
+  Occupancy occupancy({0, 400, 0, 400});
+  std::vector<Named> objects;
+  std::vector<std::string> names(9, std::string(90, 'x'));  // no room for any
+  for (std::size_t i = 0; i < names.size(); ++i)
+    objects.push_back({i, {200.0 + 9.0 * static_cast<double>(i), 200.0}, false});
+  const Names placed = place_names(objects, names, occupancy, 90);
+  ASSERT_EQ(placed.labels.size(), 9u);
+  for (const Label& a : placed.labels)
+    for (const Label& b : placed.labels)
+      EXPECT_TRUE(b.at.x <= a.at.x || std::abs(a.at.y - b.at.y) >= 10.0 || b.at.x - a.at.x >= 6.2 + 4.0);
 }
 
 TEST(Svg, WhatIsNotLitIsFaintAndHasNoDots) {
