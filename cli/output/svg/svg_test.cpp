@@ -251,6 +251,18 @@ TEST(Svg, NumbersSideBySideDoNotReadAsOne) {
       EXPECT_TRUE(b.at.x <= a.at.x || std::abs(a.at.y - b.at.y) >= 10.0 || b.at.x - a.at.x >= 6.2 + 4.0);
 }
 
+TEST(Svg, ANameOfALitObjectWithoutRoomBesideItStandsFartherAwayAtALine) {
+  Occupancy occupancy({0, 400, 0, 400});
+  occupancy.take(box_around({200, 200}, 20));
+  const Names placed = place_names({{0, {200, 200}, true}}, {"hand"}, occupancy, 0);
+  ASSERT_EQ(placed.labels.size(), 1u);
+  const Label& label = placed.labels[0];
+  ASSERT_TRUE(label.leader);
+  EXPECT_EQ(label.leader->from.x, 200.0);
+  EXPECT_GT(std::hypot(label.leader->to.x - 200.0, label.leader->to.y - 200.0), 20.0);
+  EXPECT_LT(std::hypot(label.leader->to.x - label.at.x, label.leader->to.y - label.at.y), 40.0);
+}
+
 TEST(Svg, WhatIsNotLitIsFaintAndHasNoDots) {
   const std::string svg = drawn(crowd(8));
   // Of the root and eight ends, five are lit.
