@@ -155,4 +155,21 @@ std::vector<std::string> compare(TrailReport& report, const std::vector<std::opt
   return doubts(report, other);
 }
 
+std::optional<std::size_t> farthest_apart(const TrailReport& report) {
+  std::optional<std::size_t> farthest;
+  for (std::size_t i = 0; i < report.trails.size(); ++i) {
+    const auto& compare = report.trails[i].compare;
+    if (!compare || std::isnan(compare->largest)) continue;
+    if (!farthest || compare->largest > report.trails[*farthest].compare->largest) farthest = i;
+  }
+  return farthest;
+}
+
+TrailReport second_of(const TrailReport& report) {
+  static const auto kNowhere = std::make_shared<const std::vector<Vector>>();
+  TrailReport second = report;
+  for (TrailView& trail : second.trails) trail.points = trail.compare ? trail.compare->points : kNowhere;
+  return second;
+}
+
 }  // namespace vantorelix::session

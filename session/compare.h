@@ -21,4 +21,10 @@ std::vector<std::optional<standalone::NodeId>> counterparts(const TrailReport& r
 std::vector<std::string> compare(TrailReport& report, const std::vector<std::optional<std::string>>& paths,
                                  const TrailReport& other);
 
+// The trail whose largest distance is the largest of all, the first of equals; none where no distance is known.
+std::optional<std::size_t> farthest_apart(const TrailReport& report);
+
+// The report's trails as the second scene has them: without samples where that lacks the object.
+TrailReport second_of(const TrailReport& report);
+
 }  // namespace vantorelix::session

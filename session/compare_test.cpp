@@ -152,6 +152,19 @@ TEST(Compare, SaysThatAUnitIsNotKnownAndThatRatesDiffer) {
   EXPECT_THAT(compare(report, {"|a"}, other), IsEmpty());
 }
 
+TEST(Compare, KnowsTheTrailThatIsFarthestApartAndWhereTheSecondSceneHasThem) {
+  TrailReport report = report_of({"|a", "|b", "|c", "|d"}), other = report_of({"|a", "|b", "|c"});
+  EXPECT_EQ(farthest_apart(report), std::nullopt);
+  for (std::size_t i = 0; i < 3; ++i)
+    other.trails[i].points = support::shared({{i == 0 ? kNan : i == 1 ? 1.0 : 3.0, 0, 0}});
+  compare(report, {"|a", "|b", "|c", std::nullopt}, other);
+  EXPECT_EQ(farthest_apart(report), 2u);
+  const TrailReport second = second_of(report);
+  EXPECT_EQ(second.trails[2].points, other.trails[2].points);
+  EXPECT_THAT(*second.trails[3].points, IsEmpty());
+  EXPECT_EQ(second.trails[3].source, "|d");
+}
+
 // Two sessions at work at once, over the same frames; the truth is what the scenes evaluate.
 TEST(Compare, OfTwoOpenScenesIsTheDistanceOfTheirWorldMatrices) {
   const auto scene = [](double reach) {

@@ -17,8 +17,9 @@ namespace {
 constexpr double kFar = std::numeric_limits<double>::infinity();
 // What stays within this part of the scene's extent counts as still.
 constexpr double kStill = 1e-4;
-// What stays within this part of its own coordinates moves by their rounding at most.
-constexpr double kRounding = 1e-8;
+// What stays within this part of its own coordinates moves by their rounding at most: files hold 24 bits, and several
+// are composed.
+constexpr double kRounding = 2e-6;
 // Ends that stay nearer to each other than this part of the figure belong to one limb, as fingers to a hand.
 constexpr double kOneLimb = 0.15;
 // How often the figure is looked at, over the range.
@@ -28,11 +29,14 @@ constexpr Reach kNowhere{{kFar, kFar, kFar}, {-kFar, -kFar, -kFar}};
 
 double distance(const Vector& a, const Vector& b) { return base::hypot(a.x - b.x, a.y - b.y, a.z - b.z); }
 
+double longest_side(const Vector& low, const Vector& high) {
+  return std::max({0.0, high.x - low.x, high.y - low.y, high.z - low.z});
+}
+
 void include(Reach& reach, const Vector& low, const Vector& high) {
   reach.low = {std::min(reach.low.x, low.x), std::min(reach.low.y, low.y), std::min(reach.low.z, low.z)};
   reach.high = {std::max(reach.high.x, high.x), std::max(reach.high.y, high.y), std::max(reach.high.z, high.z)};
-  const Vector &l = reach.low, &h = reach.high;
-  reach.extent = std::max({0.0, h.x - l.x, h.y - l.y, h.z - l.z});
+  reach.extent = longest_side(reach.low, reach.high);
 }
 
 Reach reach_of(const TrailView& trail) {
@@ -46,14 +50,11 @@ Reach reach_of(const TrailView& trail) {
   return reach;
 }
 
-double largest_coordinate(const Reach& r) {
-  return std::max({std::abs(r.low.x), std::abs(r.low.y), std::abs(r.low.z), std::abs(r.high.x), std::abs(r.high.y),
-                   std::abs(r.high.z)});
-}
+double largest_coordinate(const Vector& v) { return std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)}); }
 
 // The scene's extent is that of everything that moves at all: a light far away is no measure.
 std::vector<bool> moving(const std::vector<Reach>& reaches) {
-  const auto at_all = [](const Reach& reach) { return reach.extent > kRounding * largest_coordinate(reach); };
+  const auto at_all = [](const Reach& reach) { return has_extent(reach.low, reach.high); };
   Reach all = kNowhere;
   for (const Reach& reach : reaches)
     if (at_all(reach)) include(all, reach.low, reach.high);
@@ -109,6 +110,10 @@ double figure_size(const TrailReport& report, const std::vector<std::size_t>& tr
 }
 
 }  // namespace
+
+bool has_extent(const Vector& low, const Vector& high) {
+  return longest_side(low, high) > kRounding * std::max(largest_coordinate(low), largest_coordinate(high));
+}
 
 std::vector<std::size_t> Motion::that_move() const {
   std::vector<std::size_t> result;

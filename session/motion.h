@@ -19,6 +19,9 @@ struct Reach {
   double length = 0.0;
 };
 
+// Whether there is more to see between the corners of a box than the rounding of coordinates.
+bool has_extent(const Vector& low, const Vector& high);
+
 struct Motion {
   std::vector<Reach> reaches;  // by trail, as all of these
   std::vector<bool> moves;     // not what trembles by less than 1e-4 of the extent of all that moves

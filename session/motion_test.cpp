@@ -83,6 +83,16 @@ TEST(Motion, CountsATrembleAsStillAndASmallMotionBesideALightFarAwayAsMotion) {
   EXPECT_THAT(still, ElementsAre("prop", "light", "tremble"));
 }
 
+// Files hold 24 bits of a coordinate, and several make a position.
+TEST(Motion, CountsTheRoundingOfCoordinatesAsStillHoweverFewThingsMove) {
+  const auto moves = [](double part) -> bool {
+    const double far = 7000.0;
+    return motion_of(scene_of({swing("a", "", far, 2, 0.5 * part * far)})).moves.front();
+  };
+  EXPECT_FALSE(moves(1.5e-6));
+  EXPECT_TRUE(moves(3e-6));
+}
+
 TEST(Motion, TakesAllTrailsWhereNoneMoves) {
   EXPECT_THAT(motion_of(scene_of({swing("a", "", 1, 2, 0), swing("b", "", 3, 2, 0)})).that_move(), ElementsAre(0, 1));
 }

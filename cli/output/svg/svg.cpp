@@ -86,6 +86,40 @@ void draw_trail(TextSink& out, const DrawnTrail& trail, const Sheet& sheet) {
   out << "</g>\n";
 }
 
+// The second scene, muted: where the objects go there, where they are now, and how far that is from here.
+void draw_second(TextSink& out, const Sheet& sheet) {
+  if (sheet.second.empty()) return;
+  out << "<g>\n<title>" << xml_text(second_name(sheet.subject.report)) << "</title>\n";
+  for (const DrawnTrail& trail : sheet.second)
+    trail.draw_outline(out, sheet.thinning, "second", [&](const Vector& p) { return trail.place(p); });
+  const double now = sheet.subject.report.current;
+  const Figure first = sheet.figure(), second = sheet.second_figure();
+  PathData bones, ways;
+  std::string rings;
+  second.for_each_bone(now, [&](const Point2& from, const Point2& to) {
+    bones.move(from);
+    bones.line(to);
+  });
+  for (const std::size_t trail : sheet.beside) {
+    const auto here = first.spot(trail, now), there = second.spot(trail, now);
+    if (!there) continue;
+    rings += "<circle class=\"second\" cx=\"" + pixel(there->x) + "\" cy=\"" + pixel(there->y) + "\" r=\"3.5\"/>\n";
+    if (!here) continue;
+    ways.move(*here);
+    ways.line(*there);
+  }
+  if (!bones.empty()) out << "<path class=\"second bones\" d=\"" << bones.text() << "\"/>\n";
+  if (!ways.empty()) out << "<path class=\"second there\" d=\"" << ways.text() << "\"/>\n";
+  out << rings << "</g>\n";
+}
+
+void draw_apart(TextSink& out, const Line& apart) {
+  PathData path;
+  path.move(apart.from);
+  path.line(apart.to);
+  out << "<path class=\"apart\" d=\"" << path.text() << "\"/>\n";
+}
+
 // Faint trails below the figure, lit ones above it.
 void draw_motion(TextSink& out, const Sheet& sheet) {
   const Figure figure = sheet.figure();
@@ -93,12 +127,14 @@ void draw_motion(TextSink& out, const Sheet& sheet) {
   if (sheet.subject.camera.is_perspective())
     draw_ground(out, sheet.subject.ground, sheet.subject.camera, sheet.lens.placement, sheet.subject.report.up_axis);
   draw_depth_cues(out, sheet);
+  draw_second(out, sheet);
   for (const DrawnTrail& trail : sheet.trails)
     if (!trail.lit()) draw_trail(out, trail, sheet);
   figure.draw_skins(out, sheet.skins.skins);
   figure.draw_bones(out);
   for (const DrawnTrail& trail : sheet.trails)
     if (trail.lit()) draw_trail(out, trail, sheet);
+  if (sheet.apart) draw_apart(out, *sheet.apart);
   draw_holds(out, sheet.holds.marks);
   figure.draw_rings(out, sheet.trails, sheet.plot);
   draw_arrows(out, sheet.arrows);

@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "base/mathematics/mathematics.h"
+#include "session/motion.h"
 
 namespace vantorelix::cli {
 
@@ -13,37 +14,34 @@ namespace {
 double dot(const Vector& a, const Vector& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 Vector minus(const Vector& a, const Vector& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 
-// Calls `visit` with every finite sample, y up.
-template <class Visit>
-void for_each_point(const Fitted& fitted, const Visit& visit) {
-  for (const std::size_t trail : fitted.trails)
-    for (const Vector& p : *fitted.report.trails[trail].points)
-      if (is_finite(p)) visit(y_up(p, fitted.report.up_axis));
-}
-
-// The angle in the ground plane along which the motion is longest; nothing clear gives `otherwise`.
+// The angle in the ground plane along which the motion is longest; nothing clear gives `otherwise`. Of many samples
+// some tell it, the same as on the page (viewer/src/model/framing.ts).
 double main_direction(const Fitted& fitted, const Vector& centre, double otherwise) {
+  constexpr std::size_t kMostTelling = 50'000;
+  std::size_t total = 0;
+  for (const Vectors& line : fitted.lines) total += line->size();
+  const std::size_t stride = std::max<std::size_t>(1, total / kMostTelling);
   double xx = 0.0, zz = 0.0, xz = 0.0;
-  for_each_point(fitted, [&](const Vector& p) {
-    const double x = p.x - centre.x, z = p.z - centre.z;
-    xx += x * x;
-    zz += z * z;
-    xz += x * z;
-  });
+  for (const Vectors& line : fitted.lines)
+    for (std::size_t i = 0; i < line->size(); i += stride) {
+      const Vector p = minus(y_up((*line)[i], fitted.up_axis), centre);
+      if (!std::isfinite(p.x) || !std::isfinite(p.z)) continue;
+      xx += p.x * p.x;
+      zz += p.z * p.z;
+      xz += p.x * p.z;
+    }
   const double spread = base::hypot((xx - zz) / 2.0, xz);
   if (!(spread > 0.15 * (xx + zz))) return otherwise;
   return 0.5 * base::atan2(2.0 * xz, xx - zz);
 }
 
-// Sum over the trails of the way from the first sample to the last.
+// Sum over the lines of the way on the ground from the first sample to the last.
 Vector net_motion(const Fitted& fitted) {
   Vector sum;
-  for (const std::size_t trail : fitted.trails) {
-    const auto& points = *fitted.report.trails[trail].points;
-    if (points.empty()) continue;
-    const char up = fitted.report.up_axis;
-    const Vector way = minus(y_up(points.back(), up), y_up(points.front(), up));
-    if (is_finite(way)) sum = {sum.x + way.x, sum.y + way.y, sum.z + way.z};
+  for (const Vectors& line : fitted.lines) {
+    if (line->empty()) continue;
+    const Vector way = minus(y_up(line->back(), fitted.up_axis), y_up(line->front(), fitted.up_axis));
+    if (std::isfinite(way.x) && std::isfinite(way.z)) sum = {sum.x + way.x, 0.0, sum.z + way.z};
   }
   return sum;
 }
@@ -72,12 +70,12 @@ Vector y_up(const Vector& v, char up_axis) { return up_axis == 'z' ? Vector{v.x,
 Bounds bounds_of(const Fitted& fitted) {
   constexpr double kFar = std::numeric_limits<double>::infinity();
   Bounds b{{kFar, kFar, kFar}, {-kFar, -kFar, -kFar}};
-  for_each_point(fitted, [&](const Vector& p) {
+  fitted.for_each_point([&](const Vector& p) {
     b.low = {std::min(b.low.x, p.x), std::min(b.low.y, p.y), std::min(b.low.z, p.z)};
     b.high = {std::max(b.high.x, p.x), std::max(b.high.y, p.y), std::max(b.high.z, p.z)};
   });
   if (!(b.low.x <= b.high.x)) b = {{0, 0, 0}, {0, 0, 0}};
-  if (!(b.extent() > 1e-9 * (1.0 + std::abs(b.low.x) + std::abs(b.low.y) + std::abs(b.low.z)))) {
+  if (!session::has_extent(b.low, b.high)) {
     const Vector c = b.centre();
     b = {{c.x - 0.5, c.y - 0.5, c.z - 0.5}, {c.x + 0.5, c.y + 0.5, c.z + 0.5}};
   }

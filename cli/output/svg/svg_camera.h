@@ -30,10 +30,17 @@ struct Box2 {
   bool overlaps(const Box2& other) const;
 };
 
-// The trails that a picture is fitted to, by their places in the report.
+// Turned so that y is up.
+Vector y_up(const Vector& v, char up_axis);
+
+// The lines that a picture is fitted to, in the scene's axes.
 struct Fitted {
-  const session::TrailReport& report;
-  const std::vector<std::size_t>& trails;
+  std::vector<Vectors> lines;
+  char up_axis;
+
+  // Calls `visit` with every finite sample, y up.
+  template <class Visit>
+  void for_each_point(const Visit& visit) const;
 };
 
 // Bounds of the samples that are finite, in the scene's axes turned so that y is up. Never empty: trails without
@@ -45,8 +52,6 @@ struct Bounds {
   Vector centre() const;
 };
 
-// Turned so that y is up.
-Vector y_up(const Vector& v, char up_axis);
 Bounds bounds_of(const Fitted& fitted);
 
 // Looks at the bounds. The perspective looks down a little, from where the main direction of the motion runs across
@@ -86,5 +91,12 @@ struct Lens {
 
 // The largest of 1, 2, 5 times a power of ten that is at most `size`, which is above 0.
 double nice_step(double size);
+
+template <class Visit>
+void Fitted::for_each_point(const Visit& visit) const {
+  for (const Vectors& line : lines)
+    for (const Vector& p : *line)
+      if (is_finite(p)) visit(y_up(p, up_axis));
+}
 
 }  // namespace vantorelix::cli

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <initializer_list>
 #include <unordered_map>
 
 #include "base/mathematics/mathematics.h"
@@ -110,7 +111,8 @@ bool Occupancy::is_free(const Box2& box) const {
 
 std::optional<Label> place_label(Occupancy& occupancy, const Point2& at, const std::string& text,
                                  const Lettering& how) {
-  const double w = 0.62 * how.size * static_cast<double>(width(text)) + 2.0, h = how.size + 1.0, gap = how.gap;
+  const double w = 0.62 * how.size * static_cast<double>(width(text)) + 2.0 + 2.0 * how.apart, h = how.size + 1.0,
+               gap = how.gap;
   const std::array<Point2, 8> offsets = {{{gap, -gap - h},
                                           {-gap - w, -gap - h},
                                           {gap, gap},
@@ -130,7 +132,7 @@ std::optional<Label> place_label(Occupancy& occupancy, const Point2& at, const s
   }
   if (!best) return std::nullopt;
   occupancy.take(*best);
-  return Label{{best->left + 1.0, best->bottom - 0.2 * h}, text, how.classes, {}};
+  return Label{{best->left + 1.0 + how.apart, best->bottom - 0.2 * h}, text, how.classes, {}};
 }
 
 void draw_labels(TextSink& out, const std::vector<Label>& labels) {
@@ -208,14 +210,19 @@ std::vector<std::string> names_of(const session::TrailReport& report) {
 
 namespace {
 
-// As near to a point as there is room; from afar a line leads to it.
-std::optional<Label> place_number(Occupancy& occupancy, const Point2& at, std::size_t number) {
-  constexpr std::array<double, 7> kGaps = {4.0, 12.0, 22.0, 34.0, 48.0, 64.0, 82.0};
-  for (const double gap : kGaps) {
-    auto label = place_label(occupancy, at, std::to_string(number), {"ink number", 10.0, gap});
+// As near to a point as there is room, at one of some distances; from afar a line leads to it.
+std::optional<Label> place_near(Occupancy& occupancy, const Point2& at, const std::string& text, Lettering how,
+                                std::initializer_list<double> gaps) {
+  const double nearest = how.gap, letters = 0.62 * how.size * static_cast<double>(width(text));
+  for (const double gap : gaps) {
+    how.gap = gap;
+    auto label = place_label(occupancy, at, text, how);
     if (!label) continue;
-    const Point2 middle{label->at.x + 3.0 * static_cast<double>(label->text.size()), label->at.y - 3.5};
-    if (gap > kGaps.front()) label->leader = Line{at, middle};
+    const Point2& start = label->at;
+    if (gap > nearest)
+      label->leader = Line{
+          at,
+          {std::clamp(at.x, start.x, start.x + letters), at.y > start.y ? start.y + 2.0 : start.y - 0.8 * how.size}};
     return label;
   }
   return std::nullopt;
@@ -226,19 +233,28 @@ std::optional<Label> place_number(Occupancy& occupancy, const Point2& at, std::s
 Names place_names(const std::vector<Named>& objects, const std::vector<std::string>& names, Occupancy& occupancy,
                   std::size_t limit) {
   constexpr std::size_t kMostLetters = 32;
+  constexpr double kAsOne = 8.0;  // pixels
   Names result;
+  std::vector<Point2> told;
   for (const Named& object : objects) {
+    const std::string name = shortened(names[object.trail], kMostLetters);
     const bool large = object.lit || objects.size() <= kFewTrails;
-    const Lettering how = large ? Lettering{"ink name", 13.0, 9.0} : Lettering{"ink small", 11.0, 5.0};
-    auto label = place_label(occupancy, object.at, shortened(names[object.trail], kMostLetters), how);
-    if (!label && result.numbered.size() < limit) {
-      label = place_number(occupancy, object.at, result.numbered.size() + 1);
+    auto label = large ? place_near(occupancy, object.at, name, {"ink name", 13.0, 9.0}, {9.0, 20.0, 34.0})
+                       : place_label(occupancy, object.at, name, {"ink small", 11.0, 5.0});
+    const bool alone = std::none_of(told.begin(), told.end(), [&](const Point2& p) {
+      return base::hypot(p.x - object.at.x, p.y - object.at.y) < kAsOne;
+    });
+    if (!label && alone && result.numbered.size() < limit) {
+      label = place_near(occupancy, object.at, std::to_string(result.numbered.size() + 1),
+                         {"ink number", 10.0, 4.0, 2.0}, {4.0, 12.0, 22.0, 34.0});
       if (label) result.numbered.push_back(object.trail);
     }
-    if (label)
-      result.labels.push_back(std::move(*label));
-    else
+    if (!label) {
       ++result.left_out;
+      continue;
+    }
+    result.labels.push_back(std::move(*label));
+    told.push_back(object.at);
   }
   return result;
 }

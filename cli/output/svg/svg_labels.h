@@ -51,7 +51,8 @@ struct Label {
 struct Lettering {
   const char* classes;
   double size;
-  double gap = 7.0;  // from the point that it names
+  double gap = 7.0;    // from the point that it names
+  double apart = 0.0;  // from what stands on its left and right
 };
 
 // Finds a free place for a text beside a point, off the lines if there is one, and takes it.
@@ -89,7 +90,8 @@ struct Names {
 
 // What the trails are called: the name of each, and as much of its path as tells it apart from others.
 std::vector<std::string> names_of(const session::TrailReport& report);
-// Names for as many as have room, in this order; for those without, numbers, `limit` of them at most.
+// Names for as many as have room, in this order; for those without, numbers, `limit` of them at most. An object that
+// stands so close to one with a name or number that nobody could tell which of them is meant has no number.
 Names place_names(const std::vector<Named>& objects, const std::vector<std::string>& names, Occupancy& occupancy,
                   std::size_t limit);
 

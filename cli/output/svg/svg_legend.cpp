@@ -120,6 +120,10 @@ void draw_sign(TextSink& out, Sign sign, double x, double y, const session::Trai
     case Sign::faint:
       out << "<path class=\"soft-line\" d=\"M" << at << "m-13 0h26\"/>\n";
       return text("other trails, without dots");
+    case Sign::second:
+      out << "<path class=\"second\" d=\"M" << at << "m-13 0h26\"/>\n<circle class=\"second\" " << circle
+          << " r=\"3.5\"/>\n";
+      return text(shortened(second_name(report), 28));
   }
 }
 
@@ -207,6 +211,14 @@ void draw_measures(TextSink& out, const Legend& legend, double left, double righ
 }
 
 }  // namespace
+
+std::string second_name(const session::TrailReport& report) {
+  if (!report.compared) return "";
+  const auto& [scene, take] = *report.compared;
+  if (take && scene == report.scene) return "take " + *take;
+  const std::string file = std::filesystem::path(scene).filename().string();
+  return take ? file + ", take " + *take : file;
+}
 
 void draw_title(TextSink& out, const session::TrailReport& report, const std::string& title, double left, double top) {
   const std::string file = std::filesystem::path(report.scene).filename().string();

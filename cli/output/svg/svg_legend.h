@@ -12,7 +12,7 @@
 namespace vantorelix::cli {
 
 // Marks in a picture that the legend explains.
-enum class Sign { place, key, arrow, hold, before, after, faint };
+enum class Sign { place, key, arrow, hold, before, after, faint, second };
 
 struct Legend {
   const session::TrailReport& report;
@@ -24,6 +24,9 @@ struct Legend {
   std::vector<std::size_t> numbered;  // the trails whose objects have a number in the picture, from 1 on
   std::size_t rows = 0;               // of the table of measures, at most
 };
+
+// What to call the second scene: its take where it is the same file. Empty where there is none.
+std::string second_name(const session::TrailReport& report);
 
 void draw_title(TextSink& out, const session::TrailReport& report, const std::string& title, double left, double top);
 

@@ -6,6 +6,7 @@
 #include "base/mathematics/mathematics.h"
 #include "base/number_text.h"
 #include "cli/output/text.h"
+#include "session/compare.h"
 
 namespace vantorelix::cli {
 
@@ -30,9 +31,7 @@ std::vector<bool> lit_trails(const session::TrailReport& report, const session::
 // Where the motion is on the camera's plane. A point where the motion has no extent in this view.
 Box2 seen_motion(const Subject& subject) {
   Box2 seen;
-  for (const std::size_t trail : subject.moving)
-    for (const Vector& p : *subject.report.trails[trail].points)
-      if (is_finite(p)) seen.include(subject.camera.project(y_up(p, subject.report.up_axis)));
+  subject.fitted.for_each_point([&](const Vector& p) { seen.include(subject.camera.project(p)); });
   if (!seen) seen.include(subject.camera.project(subject.bounds.centre()));
   return seen;
 }
@@ -71,10 +70,24 @@ Subject subject_of(const session::TrailReport& report, const SvgOptions& options
   session::Motion motion = session::motion_of(report);
   auto moving = motion.that_move();
   auto lit = lit_trails(report, motion, moving);
-  const Fitted fitted{report, moving};
+  Fitted fitted{{}, report.up_axis};
+  auto second = session::second_of(report);
+  for (const std::size_t trail : moving) fitted.lines.push_back(report.trails[trail].points);
+  for (const std::size_t trail : moving)
+    if (report.trails[trail].compare) fitted.lines.push_back(second.trails[trail].points);
   const Bounds bounds = bounds_of(fitted);
   const Camera camera(options.view, fitted, bounds);
-  return {report, options, std::move(motion), std::move(moving), std::move(lit), bounds, camera, ground_under(bounds)};
+  return {report,
+          options,
+          std::move(motion),
+          std::move(moving),
+          std::move(lit),
+          std::move(second),
+          session::farthest_apart(report),
+          std::move(fitted),
+          bounds,
+          camera,
+          ground_under(bounds)};
 }
 
 Sheet::Sheet(const Subject& what, const Room& room)
@@ -88,6 +101,7 @@ Sheet::Sheet(const Subject& what, const Room& room)
                                                                         room.rows} {
   place(room);
   add_trails();
+  add_second();
   thin_lines();
   thin_dots();
   if (subject.options.onion) skins = choose_skins(subject.report, *subject.options.onion);
@@ -132,11 +146,27 @@ void Sheet::add_trails() {
     trails.emplace_back(views[i], look_of(subject.report, i, subject.options.coloring, subject.lit[i]), lens);
 }
 
+// Of the lit trails, as on the page, and of the one that is farthest apart.
+void Sheet::add_second() {
+  const auto& views = subject.second.trails;
+  for (std::size_t i = 0; i < views.size(); ++i)
+    if (views[i].compare && (subject.lit[i] || (subject.farthest == i && views[i].compare->largest > 0.0)))
+      beside.push_back(i);
+  second.reserve(beside.size());
+  for (const std::size_t i : beside) second.emplace_back(views[i], Look{}, lens);
+  if (!subject.farthest) return;
+  const session::Comparison& most = *views[*subject.farthest].compare;
+  const auto here = figure().spot(*subject.farthest, most.frame);
+  const auto there = second_figure().spot(*subject.farthest, most.frame);
+  if (most.largest > 0.0 && here && there) apart = Line{*here, *there};
+}
+
 // Thins until the lines keep few enough points.
 void Sheet::thin_lines() {
   const auto kept = [&] {
     std::size_t n = 0;
-    for (const DrawnTrail& trail : trails) n += trail.kept(thinning);
+    for (const auto* lines : {&trails, &second})
+      for (const DrawnTrail& trail : *lines) n += trail.kept(thinning);
     return n;
   };
   while (kept() > kMaxPoints && thinning.tolerance < 10.0) thinning.tolerance *= 1.6;
@@ -148,16 +178,22 @@ void Sheet::thin_lines() {
 // (viewer/src/view/dot_spacing.ts).
 void Sheet::thin_dots() {
   constexpr double kHolds = 0.05;  // pixels a frame below which the dots lie upon each other however few they are
+  constexpr double kSpot = 4.0;    // dots side by side along a trail; a shorter one is a spot, however few dots it has
   constexpr double kMayTouch = 0.25;
   std::vector<double> gaps;  // of stretches: distance a frame, in parts of what dots need
   std::size_t frames = 0;
   for (const DrawnTrail& drawn : trails) {
     const session::TrailView& trail = drawn.trail();
     if (!drawn.lit() || !trail.show_dots) continue;
+    const double need = trail.point_size + 1.0;
+    const std::size_t before = gaps.size();
+    double way = 0.0;
     drawn.for_each_stretch({0.0, 1}, [&](const Point2& from, const Point2& to) {
-      const double pixels = base::hypot(to.x - from.x, to.y - from.y) / trail.frame_step;
-      if (pixels >= kHolds) gaps.push_back(pixels / (trail.point_size + 1.0));
+      const double pixels = base::hypot(to.x - from.x, to.y - from.y);
+      way += pixels;
+      if (pixels >= kHolds * trail.frame_step) gaps.push_back(pixels / trail.frame_step / need);
     });
+    if (way < kSpot * need) gaps.resize(before);
     drawn.for_each_dot(dots, [&](std::size_t) { ++frames; });
   }
   double crowd = 1.0;
@@ -169,6 +205,12 @@ void Sheet::thin_dots() {
   dots.every = nice_stride(std::max(crowd, static_cast<double>(frames) / static_cast<double>(kMaxDots)));
 }
 
+// "3.2 cm at frame 12", of the largest distance to the second scene.
+std::string apart_text(const Subject& subject) {
+  const session::Comparison& most = *subject.second.trails[*subject.farthest].compare;
+  return readable(most.largest) + " " + session::unit_text(subject.report) + " at frame " + readable(most.frame, 8);
+}
+
 // Finds places for everything that must not lie on something else, the most telling first.
 void Sheet::mark(const Room& room) {
   const Figure objects = figure();
@@ -177,6 +219,7 @@ void Sheet::mark(const Room& room) {
   const auto note = [&](const Point2& from, const Point2& to) { occupancy.note_line(from, to); };
   for (const DrawnTrail& trail : trails)
     if (trail.lit()) trail.for_each_stretch(thinning, note);
+  for (const DrawnTrail& trail : second) trail.for_each_stretch(thinning, note);
   objects.for_each_bone(now, note);
   keys = choose_keys(trails, occupancy);
   holds = choose_holds(trails, occupancy.area());
@@ -185,12 +228,21 @@ void Sheet::mark(const Room& room) {
     const auto at = objects.spot(i, now);
     if (!at || !occupancy.area().contains(*at)) continue;
     named.push_back({i, *at, subject.lit[i]});
-    if (subject.lit[i]) occupancy.take(box_around(*at, ring_radius(true, true)));
+    if (subject.lit[i])
+      occupancy.take(box_around(*at, ring_radius(true, true)));
+    else
+      note(*at, *at);
   }
-  arrows = choose_arrows(trails, thinning, occupancy);
+  if (apart) {
+    occupancy.note_line(apart->from, apart->to);
+    const Point2 middle{(apart->from.x + apart->to.x) / 2.0, (apart->from.y + apart->to.y) / 2.0};
+    if (auto label = place_label(occupancy, middle, apart_text(subject), {"ink small", 11.0}))
+      labels.push_back(std::move(*label));
+  }
   names = place_names(named, legend.names, occupancy, room.numbers);
   legend.numbered = names.numbered;
-  labels = label_holds(holds.marks, occupancy);
+  arrows = choose_arrows(trails, thinning, occupancy);
+  for (Label& label : label_holds(holds.marks, occupancy)) labels.push_back(std::move(label));
   for (Label& label : label_keys(keys, occupancy, trails.size() > kMaxShadows ? 30 : 60))
     labels.push_back(std::move(label));
 }
@@ -222,6 +274,37 @@ std::string left_out(std::size_t marked, std::size_t all, const std::string& wha
   return std::to_string(marked) + " of " + std::to_string(all) + " " + what;
 }
 
+// Of what stands still, and so had no say in what the picture fits.
+std::string outside_note(const Sheet& sheet) {
+  const auto is_outside = [&](const Vector& p) { return is_finite(p) && !sheet.plot.contains(sheet.lens(p)); };
+  std::size_t outside = 0;
+  for (std::size_t i = 0; i < sheet.trails.size(); ++i) {
+    const auto& points = *sheet.trails[i].trail().points;
+    if (!sheet.subject.motion.moves[i] && std::any_of(points.begin(), points.end(), is_outside)) ++outside;
+  }
+  if (outside == 0) return "";
+  return counted(outside, "still object") + (outside == 1 ? " is" : " are") + " outside the picture";
+}
+
+void add_comparison_notes(const Sheet& sheet, std::vector<std::string>& notes) {
+  const Subject& subject = sheet.subject;
+  if (!subject.report.compared) return;
+  const std::string name = second_name(subject.report);
+  const auto& trails = subject.report.trails;
+  const auto both = static_cast<std::size_t>(
+      std::count_if(trails.begin(), trails.end(), [](const session::TrailView& t) { return t.compare.has_value(); }));
+  if (!subject.farthest)
+    notes.push_back("no distance to " + name + " is known");
+  else if (trails[*subject.farthest].compare->largest > 0.0)
+    notes.push_back("largest distance to " + name + ": " + sheet.legend.names[*subject.farthest] + ", " +
+                    apart_text(subject));
+  else
+    notes.push_back(name + " has the objects in the same places");
+  if (sheet.second.size() < both)
+    notes.push_back(left_out(sheet.second.size(), both, "objects have a line of " + name));
+  if (both < trails.size()) notes.push_back(name + " lacks " + counted(trails.size() - both, "object"));
+}
+
 // What stands beside the picture's signs, and what the picture leaves out.
 std::vector<std::string> notes_of(const Sheet& sheet) {
   const Subject& subject = sheet.subject;
@@ -243,8 +326,10 @@ std::vector<std::string> notes_of(const Sheet& sheet) {
   if (sheet.holds.marks.size() < sheet.holds.all)
     notes.push_back(left_out(sheet.holds.marks.size(), sheet.holds.all, "holds are marked"));
   if (const std::string skins = skins_note(sheet); !skins.empty()) notes.push_back(skins);
+  add_comparison_notes(sheet, notes);
+  if (const std::string outside = outside_note(sheet); !outside.empty()) notes.push_back(outside);
   if (sheet.names.left_out > 0)
-    notes.push_back(counted(sheet.names.left_out, "object") + " without a name in the picture");
+    notes.push_back(counted(sheet.names.left_out, "object") + " without a name or number in the picture");
   if (sheet.thinning.tolerance > Thinning{}.tolerance)
     notes.push_back("lines thinned to points " + fixed(sheet.thinning.tolerance, 1) +
                     " px apart; the data files hold them all");
@@ -277,6 +362,7 @@ void Sheet::explain() {
   show(skin(false), Sign::after);
   show(std::any_of(subject.moving.begin(), subject.moving.end(), [&](std::size_t i) { return !subject.lit[i]; }),
        Sign::faint);
+  show(!second.empty(), Sign::second);
   legend.notes = notes_of(*this);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,9 @@ struct Subject {
   session::Motion motion;
   std::vector<std::size_t> moving;  // the trails that it is fitted to
   std::vector<bool> lit;
+  session::TrailReport second;          // the report's trails in the second scene, without samples where there is none
+  std::optional<std::size_t> farthest;  // the trail that is farthest apart in the two scenes
+  Fitted fitted;
   Bounds bounds;
   Camera camera;
   Ground ground;
@@ -50,6 +54,9 @@ struct Sheet {
   Lens lens;
   double ruled_step = 0.0;  // of the paper; 0 in perspective
   std::vector<DrawnTrail> trails;
+  std::vector<std::size_t> beside;  // the trails whose lines in the second scene are drawn
+  std::vector<DrawnTrail> second;   // these lines
+  std::optional<Line> apart;        // the largest distance between the scenes
   Thinning thinning;
   DotFrames dots;
   Skins skins;
@@ -61,11 +68,14 @@ struct Sheet {
   Legend legend;
 
   Figure figure() const { return {subject.report, subject.motion, lens}; }
+  // As it is in the second scene.
+  Figure second_figure() const { return {subject.second, subject.motion, lens}; }
   double foot() const { return plot.bottom + (subject.camera.is_perspective() ? 20.0 : 40.0); }
 
  private:
   void place(const Room& room);
   void add_trails();
+  void add_second();
   void thin_lines();
   void thin_dots();
   void mark(const Room& room);

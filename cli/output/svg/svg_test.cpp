@@ -91,12 +91,23 @@ Fill fill_of(const session::TrailReport& report, const SvgOptions& options, std:
 TEST(Svg, TheMotionFillsThePlotWhereverStillObjectsAre) {
   session::TrailView light = spiral("|light", 1e6, 1e6, 0, 0.0);
   for (const char* view : {"persp", "front", "side", "top"})
-    for (const double size : {1e-6, 1.0, 1e7}) {
+    for (const double size : {1e-4, 1.0, 1e7}) {
       const auto report = report_of({spiral("|a", 5, 3, 1, size), spiral("|b", 5 + 9 * size, 3, 1, size), light});
       const Fill fill = fill_of(report, {view, "auto", {}, {}, {}, {}}, 2);
       EXPECT_GE(fill.share, 0.7) << view << ' ' << size;
       EXPECT_TRUE(fill.inside) << view << ' ' << size;
     }
+}
+
+TEST(Svg, StillObjectsOutsideThePictureAreCounted) {
+  const auto still = [](const char* path, double x) { return spiral(path, x, 5, 0, 0.0); };
+  const auto svg = [](std::vector<session::TrailView> trails) { return drawn(report_of(std::move(trails))); };
+  const auto mover = spiral("|a", 0, 0, 0, 10);
+  EXPECT_THAT(svg({mover, still("|b", 1e4), still("|c", 1), still("|d", -1e3)}),
+              testing::HasSubstr(">2 still objects are outside the picture<"));
+  EXPECT_THAT(svg({mover, still("|b", 1e4)}), testing::HasSubstr(">1 still object is outside the picture<"));
+  EXPECT_THAT(svg({mover, still("|c", 1)}), testing::Not(testing::HasSubstr("outside")));
+  EXPECT_THAT(svg({still("|b", 1e4), still("|c", 1)}), testing::Not(testing::HasSubstr("outside")));
 }
 
 TEST(Svg, AMotionInAnyDirectionFillsEveryViewInWhichItHasAnExtent) {
@@ -118,12 +129,26 @@ TEST(Svg, AMotionInAnyDirectionFillsEveryViewInWhichItHasAnExtent) {
       }
 }
 
-// The places of the dots of a colour, which are lines without length.
-std::size_t dots_of(const std::string& svg) {
-  std::size_t n = 0;
-  for (std::size_t at = svg.find("h0"); at != std::string::npos; at = svg.find("h0", at + 1)) ++n;
-  return n / 2;  // each has a casing
+TEST(Svg, OfManySamplesEverySecondTellsTheBestDirectionAsOnThePage) {
+  std::vector<Vector> all, second;
+  for (int i = 0; i <= 100'000; ++i) {
+    all.push_back(i % 2 == 0 ? Vector{1.0 * i, 0, 0} : Vector{0, 0, 1.0 * i});
+    if (i % 2 == 0) second.push_back(all.back());
+  }
+  const auto right = [](std::vector<Vector> points) {
+    return Camera("persp", {{support::shared(std::move(points))}, 'y'}, {{0, 0, 0}, {1e5, 0, 1e5}}).right();
+  };
+  EXPECT_EQ(right(all), right(second));
 }
+
+std::size_t count(const std::string& text, const std::string& part) {
+  std::size_t n = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
+  return n;
+}
+
+// Each dot is a line without length, with a casing.
+std::size_t dots_of(const std::string& svg) { return count(svg, "h0") / 2; }
 
 TEST(Svg, DotsLieOnWholeFramesOnly) {
   session::TrailView trail = spiral("|a", 0, 0, 0, 10, 29);
@@ -151,6 +176,15 @@ TEST(Svg, DotsThatWouldTouchAreThinnedByFramesAndThatIsSaid) {
   EXPECT_EQ(dots_of(svg), 97u);
 }
 
+TEST(Svg, ATrailThatIsASpotInThePictureDoesNotThinTheDotsOfOthers) {
+  session::TrailView spot = spiral("|spot", 0, 0, 0, 0.3);
+  std::vector<Vector> line;
+  for (int i = 0; i < 48; ++i) line.push_back({2.0 * i, 0, 0});
+  session::TrailView trail = support::trail_of(line);
+  trail.start_frame = spot.start_frame;
+  EXPECT_THAT(drawn(report_of({spot, trail})), testing::HasSubstr("a dot every frame<"));
+}
+
 TEST(Svg, KeysThatAreNotMarkedAreCounted) {
   session::TrailView trail = spiral("|a", 0, 0, 0, 10);
   trail.key_points = trail.points;
@@ -163,39 +197,77 @@ TEST(Svg, KeysThatAreNotMarkedAreCounted) {
   EXPECT_LT(std::stoi(found[1]), 48);
 }
 
-// A figure of many joints in little room.
-session::TrailReport crowd(int joints) {
+// A figure of many joints, so far from each other.
+session::TrailReport crowd(int joints, double apart = 0.02) {
   std::vector<session::TrailView> trails{spiral("|root", 0, 0, 0, 1)};
   for (int i = 0; i < joints; ++i) {
-    trails.push_back(spiral("|root|joint" + std::to_string(i), 0.02 * (i % 8), 0.02 * (i / 8), 0.01, 1 + 0.01 * i));
+    trails.push_back(spiral("|root|joint" + std::to_string(i), apart * (i % 8), apart * (i / 8), 0.01, 1 + 0.01 * i));
     trails.back().parent = "|root";
   }
   return report_of(std::move(trails));
 }
 
 TEST(Svg, EveryObjectHasItsNameOrANumberThatTheLegendExplains) {
-  const auto report = crowd(60);
+  const auto report = crowd(60, 0.12);
   const SvgOptions options;
   const Subject subject = subject_of(report, options);
   const Sheet sheet(subject, {});
   EXPECT_GT(sheet.names.numbered.size(), 5u);
-  EXPECT_EQ(sheet.names.left_out, 0u);
-  EXPECT_EQ(sheet.names.labels.size(), 61u);
+  EXPECT_EQ(sheet.names.left_out, 1u);  // the first joint, which is where the root is
+  EXPECT_EQ(sheet.names.labels.size(), 60u);
   const std::string svg = drawn(report);
   for (const std::size_t trail : sheet.names.numbered)
     EXPECT_THAT(svg, testing::HasSubstr(">" + report.trails[trail].name + "<"));
 }
 
+TEST(Svg, ObjectsThatLieAsGoodAsTogetherHaveNoNumbersAndAreCounted) {
+  const auto report = crowd(60);
+  const SvgOptions options;
+  const Subject subject = subject_of(report, options);
+  const Sheet sheet(subject, {});
+  const Names& names = sheet.names;
+  EXPECT_GT(names.left_out, 20u);
+  EXPECT_EQ(names.labels.size() + names.left_out, 61u);
+  EXPECT_THAT(drawn(report),
+              testing::HasSubstr(">" + std::to_string(names.left_out) + " objects without a name or number in the"));
+  ASSERT_GT(names.numbered.size(), 1u);
+  for (const std::size_t a : names.numbered)
+    for (const std::size_t b : names.numbered) {
+      const Point2 p = *sheet.figure().spot(a, 1.0), q = *sheet.figure().spot(b, 1.0);
+      EXPECT_TRUE(a == b || std::hypot(p.x - q.x, p.y - q.y) >= 8.0);
+    }
+}
+
+TEST(Svg, NumbersSideBySideDoNotReadAsOne) {
+  Occupancy occupancy({0, 400, 0, 400});
+  std::vector<Named> objects;
+  std::vector<std::string> names(9, std::string(90, 'x'));  // no room for any
+  for (std::size_t i = 0; i < names.size(); ++i)
+    objects.push_back({i, {200.0 + 9.0 * static_cast<double>(i), 200.0}, false});
+  const Names placed = place_names(objects, names, occupancy, 90);
+  ASSERT_EQ(placed.labels.size(), 9u);
+  for (const Label& a : placed.labels)
+    for (const Label& b : placed.labels)
+      EXPECT_TRUE(b.at.x <= a.at.x || std::abs(a.at.y - b.at.y) >= 10.0 || b.at.x - a.at.x >= 6.2 + 4.0);
+}
+
+TEST(Svg, ANameOfALitObjectWithoutRoomBesideItStandsFartherAwayAtALine) {
+  Occupancy occupancy({0, 400, 0, 400});
+  occupancy.take(box_around({200, 200}, 20));
+  const Names placed = place_names({{0, {200, 200}, true}}, {"hand"}, occupancy, 0);
+  ASSERT_EQ(placed.labels.size(), 1u);
+  const Label& label = placed.labels[0];
+  ASSERT_TRUE(label.leader);
+  EXPECT_EQ(label.leader->from.x, 200.0);
+  EXPECT_GT(std::hypot(label.leader->to.x - 200.0, label.leader->to.y - 200.0), 20.0);
+  EXPECT_LT(std::hypot(label.leader->to.x - label.at.x, label.leader->to.y - label.at.y), 40.0);
+}
+
 TEST(Svg, WhatIsNotLitIsFaintAndHasNoDots) {
   const std::string svg = drawn(crowd(8));
-  const auto count = [&](const std::string& text) {
-    std::size_t n = 0;
-    for (std::size_t at = svg.find(text); at != std::string::npos; at = svg.find(text, at + 1)) ++n;
-    return n;
-  };
   // Of the root and eight ends, five are lit.
-  EXPECT_EQ(count("<g class=\"faint\">"), 4u);
-  EXPECT_EQ(count("class=\"ring lit\" cx"), 6u);  // and the legend's
+  EXPECT_EQ(count(svg, "<g class=\"faint\">"), 4u);
+  EXPECT_EQ(count(svg, "class=\"ring lit\" cx"), 6u);  // and the legend's
   EXPECT_THAT(svg, testing::HasSubstr(".faint{opacity:.25}"));
   EXPECT_THAT(svg, testing::HasSubstr("class=\"bone\""));
 }
@@ -256,6 +328,82 @@ TEST(Svg, APictureOfAGivenSizeHasItAndSaysWhenItIsTooLow) {
     EXPECT_THAT(drawn(report, {"persp", "auto", {}, {}, PictureSize{480, std::stoi(found[1])}, ""}),
                 testing::HasSubstr("</svg>"));
   }
+}
+
+// A figure beside which a second scene has each object `distances` farther along x, by trail; NaN: it lacks the object.
+session::TrailReport compared(session::TrailReport report, const std::vector<double>& distances) {
+  report.compared = session::ComparedScene{"take/b.ma", std::nullopt};
+  for (std::size_t i = 0; i < report.trails.size(); ++i) {
+    session::TrailView& trail = report.trails[i];
+    if (std::isnan(distances[i])) continue;
+    std::vector<Vector> points = *trail.points;
+    for (Vector& p : points) p.x += distances[i];
+    const std::vector<double> apart(points.size(), distances[i]);
+    trail.compare = session::Comparison{trail.source, support::shared(points), apart, distances[i], 12.0};
+  }
+  return report;
+}
+
+TEST(Svg, ASecondSceneIsThinAndGreyBelowTheFirstAndItsLargestDistanceIsNamed) {
+  const auto report = compared(report_of({spiral("|a", 0, 0, 0, 10), spiral("|b", 5, 0, 0, 10)}), {1.0, 3.25});
+  const std::string svg = drawn(report, {"front", "light", {}, {}, {}, {}});
+  EXPECT_THAT(svg, testing::AllOf(testing::HasSubstr(">b.ma<"), testing::HasSubstr("<title>b.ma</title>"),
+                                  testing::HasSubstr(">largest distance to b.ma: b, 3.25 cm at frame 12<"),
+                                  testing::HasSubstr(">3.25 cm at frame 12<"), testing::HasSubstr("class=\"apart\"")));
+  const std::string lines = svg.substr(svg.find("<title>b.ma</title>"));
+  EXPECT_EQ(count(lines, "<path class=\"second\" "), 3u);  // the legend's too
+  EXPECT_EQ(count(lines, "<circle class=\"second\" "), 3u);
+  EXPECT_LT(svg.find("<path class=\"second\""), svg.find("<title>|a</title>"));
+  EXPECT_THAT(drawn(report_of({spiral("|a", 0, 0, 0, 10)})), testing::Not(testing::HasSubstr("class=\"second")));
+}
+
+TEST(Svg, ASecondSceneIsInThePictureTooWhereItsObjectsAreNow) {
+  auto report = compared(report_of({spiral("|a", 0, 0, 0, 10)}), {200.0});
+  for (const char* view : {"persp", "front", "top"}) {
+    const SvgOptions options{view, "auto", {}, {}, {}, {}};
+    const Subject subject = subject_of(report, options);
+    const Sheet sheet(subject, {});
+    for (const Vector& p : *report.trails[0].compare->points) EXPECT_TRUE(sheet.plot.contains(sheet.lens(p))) << view;
+    const Point2 here = *sheet.figure().spot(0, 1.0), there = *sheet.second_figure().spot(0, 1.0);
+    EXPECT_EQ(there.x, sheet.lens({200, 0, 0}).x);
+    EXPECT_GT(std::abs(there.x - here.x), 0.5 * sheet.plot.width());
+  }
+}
+
+TEST(Svg, LinesOfASecondSceneAreThoseOfLitTrailsAndOfTheOneThatIsFarthestApart) {
+  std::vector<double> distances(9, 0.5);
+  distances[2] = kNan;  // of a root and eight ends, five are lit
+  const auto beside = [&](std::size_t farthest) {
+    distances[farthest] = 4.0;
+    const auto report = compared(crowd(8), distances);
+    distances[farthest] = 0.5;
+    const SvgOptions options;
+    const Subject subject = subject_of(report, options);
+    return Sheet(subject, {}).beside;
+  };
+  EXPECT_THAT(beside(0), testing::ElementsAre(0, 4, 5, 6, 7, 8));
+  EXPECT_THAT(beside(5), testing::ElementsAre(4, 5, 6, 7, 8));
+  distances[0] = 4.0;
+  EXPECT_THAT(drawn(compared(crowd(8), distances)),
+              testing::AllOf(testing::HasSubstr("6 of 8 objects have a line of b.ma"),
+                             testing::HasSubstr("b.ma lacks 1 object<"), testing::HasSubstr("class=\"second bones\"")));
+}
+
+TEST(Svg, ASecondSceneWithoutADifferenceOrWithoutKnownDistancesSaysSo) {
+  const auto report = report_of({spiral("|a", 0, 0, 0, 10)});
+  EXPECT_THAT(drawn(compared(report, {0.0})), testing::HasSubstr("b.ma has the objects in the same places"));
+  auto unknown = compared(report, {1.0});
+  unknown.trails[0].compare->largest = kNan;
+  EXPECT_THAT(drawn(unknown), testing::HasSubstr("no distance to b.ma is known"));
+}
+
+TEST(Svg, ATakeOfTheSameFileIsNamedAsATake) {
+  auto report = report_of({});
+  EXPECT_EQ(second_name(report), "");
+  report.compared = session::ComparedScene{"a.ma", "wave"};
+  EXPECT_EQ(second_name(report), "take wave");
+  report.compared = session::ComparedScene{"x/b.fbx", "wave"};
+  EXPECT_EQ(second_name(report), "b.fbx, take wave");
 }
 
 TEST(Svg, AHoldIsMarkedWithItsFramesAndTheDirectionIsShown) {

@@ -1,5 +1,7 @@
 import json
 import math
+import re
+import xml.etree.ElementTree as xml
 
 
 def read(name):
@@ -43,3 +45,23 @@ assert (turned["unit"], turned["up_axis"]) == ("m", "z")
 assert all(t["compare"]["largest"] < 1e-9 for t in turned["trails"])
 assert all(t["compare"]["largest"] == 0 for t in read("same_rate")["trails"])
 assert max(t["compare"]["largest"] for t in read("rates")["trails"]) > 0.01
+
+# In the picture the ball of the second scene, which is half as fast again, ends 8 farther: a third of its way.
+SVG = "{http://www.w3.org/2000/svg}"
+picture = xml.parse("named.svg").getroot()
+texts = ["".join(t.itertext()) for t in picture.iter(SVG + "text")]
+assert "largest distance to named.ma: ball, 8 cm at frame 8" in texts and "8 cm at frame 8" in texts, texts
+
+
+def ends(kind):
+    """Where a line without bends of this kind begins and ends, from left to right."""
+    d = [p.get("d") for p in picture.iter(SVG + "path") if p.get("class") == kind][0]
+    x, _, *steps = [float(number) for number in re.findall(r"-?(?:\d+\.?\d*|\.\d+)", d)]
+    return x, x + sum(steps[::2])
+
+
+start, end = ends("second")
+assert abs((ends("apart")[1] - ends("apart")[0]) - (end - start) / 3) < 0.3, (ends("apart"), start, end)
+# At frame 4 the ball is half of its way in either scene.
+here, there = ends("second there")
+assert abs(there - (start + end) / 2) < 0.2 and abs((there - here) - (end - start) / 6) < 0.3, (here, there)
