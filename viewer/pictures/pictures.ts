@@ -1,5 +1,5 @@
 // The pictures of docs/viewer.md and of the README: npm run pictures -- FOLDER-OF-PAGES OUT [NAME...]
-// FOLDER-OF-PAGES holds walk.bvh.html and arm.ma.html, as ./dev demo writes them.
+// FOLDER-OF-PAGES holds the pages that ./dev demo writes.
 
 import { mkdirSync } from "node:fs";
 import { join, resolve } from "node:path";
@@ -29,6 +29,7 @@ const SHOTS: Record<string, Shot> = {
   "viewer-toolbar": { page: "arm.ma.html", of: ".toolbar", hash: "" },
   "viewer-bones": { page: "walk.bvh.html", of: ".viewport", hash: "frame=40&onion=frames&onionEvery=8" },
   "viewer-window": { page: "walk.bvh.html", of: ".viewport", hash: "frame=60&window=1" },
+  "viewer-compare": { page: "robot-compared.html", hash: "frame=20" },
   "viewer-standard": arm("mode=0&frame=20"),
   "viewer-spacing": arm("mode=1&frame=20"),
   "viewer-flow": arm("mode=2&frame=20"),

@@ -4,7 +4,7 @@ import "./style.css";
 import { embeddedSource } from "./source/embedded";
 import type { Scene } from "./source/trail";
 import type { App } from "./model/app";
-import { comparisonOf, withSecond } from "./model/compare";
+import { comparisonOf, movingIn } from "./model/compare";
 import { listenToKeys } from "./model/commands";
 import { baseName } from "./model/format";
 import { bestDirection, framing } from "./model/framing";
@@ -39,8 +39,7 @@ function keepStateInHash(store: Store, initial: typeof store.state, trailCount: 
 
 /** The camera with which a page opens, for the aspect of its viewport. Looks at all samples once. */
 function opening(scene: Scene, motion: Motion): (aspect: number) => CameraPose {
-  const moving = motion.thatMove(motion.trails.map((_, index) => index));
-  const [shown, trails] = withSecond(motion, comparisonOf({ scene, motion }), moving);
+  const [shown, trails] = movingIn(motion, comparisonOf({ scene, motion }), motion.trails.map((_, index) => index));
   const direction = bestDirection(shown, trails, scene.upAxis);
   return (aspect) => framing(shown, trails, scene.upAxis, "persp", aspect, direction);
 }

@@ -160,6 +160,18 @@ test("the page opens with both motions in the picture", async () => {
     expect([p.x >= 0 && p.x <= width, p.y >= 0 && p.y <= height]).toEqual([true, true]);
 });
 
+test("what moves only in the second scene is in the picture, too", async () => {
+  const scene = pair();
+  const waved = points(24, (i): Vec3 => [70 + i, 30 + 9 * Math.sin(i / 4), 0]);
+  scene.trails.push({ name: "held", points: points(24, () => [70, 30, 0]), compare: waved });
+  const page = await browser.open(scene);
+  await settle(page);
+  const pose = (await stateOf(page, "camera")) as Pose;
+  const { width, height } = (await page.locator(".viewport").boundingBox())!;
+  for (const p of [...hand, ...waved].map((each) => project(pose, each, width, height)))
+    expect([p.x >= 0 && p.x <= width, p.y >= 0 && p.y <= height]).toEqual([true, true]);
+});
+
 chromiumTest("the table that is saved has the distances", async () => {
   const page = await browser.open(pair(), { hash: "select=0.2" });
   const [download] = await Promise.all([page.waitForEvent("download"), page.getByRole("button", { name: "CSV", exact: true }).click()]);

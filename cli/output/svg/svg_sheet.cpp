@@ -20,6 +20,14 @@ constexpr double kFilled = 0.86, kFilledOverGround = 0.74;
 constexpr std::size_t kMaxPoints = 60'000;
 constexpr std::size_t kMaxDots = 5'000;
 
+// The trails that move, here or in the second scene; all of them when none does.
+std::vector<std::size_t> moving_trails(const session::Motion& here, const session::Motion& second) {
+  std::vector<std::size_t> moving;
+  for (std::size_t i = 0; i < here.moves.size(); ++i)
+    if (here.moves[i] || second.moves[i]) moving.push_back(i);
+  return moving.empty() ? here.that_move() : moving;
+}
+
 std::vector<bool> lit_trails(const session::TrailReport& report, const session::Motion& motion,
                              const std::vector<std::size_t>& moving) {
   const bool few = moving.size() <= session::kMostChosen;
@@ -68,10 +76,10 @@ std::vector<std::size_t> by_weight(const Subject& subject) {
 
 Subject subject_of(const session::TrailReport& report, const SvgOptions& options) {
   session::Motion motion = session::motion_of(report);
-  auto moving = motion.that_move();
+  auto second = session::second_of(report);
+  auto moving = moving_trails(motion, session::motion_of(second));
   auto lit = lit_trails(report, motion, moving);
   Fitted fitted{{}, report.up_axis};
-  auto second = session::second_of(report);
   for (const std::size_t trail : moving) fitted.lines.push_back(report.trails[trail].points);
   for (const std::size_t trail : moving)
     if (report.trails[trail].compare) fitted.lines.push_back(second.trails[trail].points);

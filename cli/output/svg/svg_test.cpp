@@ -370,6 +370,17 @@ TEST(Svg, ASecondSceneIsInThePictureTooWhereItsObjectsAreNow) {
   }
 }
 
+TEST(Svg, WhatMovesOnlyInTheSecondSceneIsInThePictureToo) {
+  auto report = compared(report_of({spiral("|a", 0, 0, 0, 10), spiral("|b", 90, 0, 0, 0.0)}), {0.0, 0.0});
+  const std::vector<Vector> waved = *spiral("|b", 90, 40, 0, 20).points;
+  report.trails[1].compare->points = support::shared(waved);
+  const SvgOptions options{"front", "auto", {}, {}, {}, {}};
+  const Subject subject = subject_of(report, options);
+  const Sheet sheet(subject, {});
+  for (const Vector& p : waved) EXPECT_TRUE(sheet.plot.contains(sheet.lens(p)));
+  EXPECT_TRUE(sheet.plot.contains(sheet.lens({90, 0, 0})));
+}
+
 TEST(Svg, LinesOfASecondSceneAreThoseOfLitTrailsAndOfTheOneThatIsFarthestApart) {
   std::vector<double> distances(9, 0.5);
   distances[2] = kNan;  // of a root and eight ends, five are lit

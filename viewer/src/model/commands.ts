@@ -4,7 +4,7 @@ import { COLOR_MODES, type ColorMode } from "../source/trail";
 import { selectionCsv } from "./csv";
 import type { App } from "./app";
 import { countUpTo } from "./colors";
-import { comparisonOf, shownComparison, withSecond } from "./compare";
+import { comparisonOf, movingIn, shownComparison } from "./compare";
 import { baseName } from "./format";
 import { bestDirection, framing } from "./framing";
 import { movedTarget, visibleTrails } from "./pose";
@@ -61,7 +61,7 @@ function stepKey(app: App, by: 1 | -1): void {
 
 function frameTrails(app: App, trails: readonly number[]): void {
   const { camera, aspect } = app.store.state;
-  const [shown, framed] = withSecond(app.motion, shownComparison(app), app.motion.thatMove(trails));
+  const [shown, framed] = movingIn(app.motion, shownComparison(app), trails);
   app.store.set({ camera: framing(shown, framed, app.scene.upAxis, camera.view, aspect, camera) });
 }
 
@@ -73,7 +73,7 @@ function frameSelected(app: App): void {
 
 function look(app: App, view: ViewName): void {
   const { motion, scene, store } = app;
-  const [shown, trails] = withSecond(motion, shownComparison(app), motion.thatMove(visibleTrails(motion, store.state)));
+  const [shown, trails] = movingIn(motion, shownComparison(app), visibleTrails(motion, store.state));
   const direction = view === "persp" ? bestDirection(shown, trails, scene.upAxis) : store.state.camera;
   store.set({ camera: framing(shown, trails, scene.upAxis, view, store.state.aspect, direction) });
 }

@@ -81,16 +81,18 @@ export function comparisonOf({ scene, motion }: Compared): Comparison | null {
   return found.comparison;
 }
 
-/** These trails and those of the second scene beside them, where there is one: what framing is to fit. */
-export function withSecond(motion: Motion, comparison: Comparison | null, trails: readonly number[]): [Shown, readonly number[]] {
-  if (!comparison) return [motion, trails];
+/** What framing is to fit of these trails: those that move, and in both scenes those that move in one of them. */
+export function movingIn(motion: Motion, comparison: Comparison | null, trails: readonly number[]): [Shown, readonly number[]] {
+  if (!comparison) return [motion, motion.thatMove(trails)];
   const { second } = comparison;
+  const found = trails.filter((trail) => motion.moving[trail] || second.moving[trail]);
+  const framed = found.length > 0 ? found : trails;
   const count = motion.trails.length;
   const both: Shown = {
     shownPoints: (index) => (index < count ? motion.shownPoints(index) : second.shownPoints(index - count)),
     reach: [...motion.reach, ...second.reach],
   };
-  return [both, [...trails, ...trails.filter((trail) => comparison.has(trail)).map((trail) => count + trail)]];
+  return [both, [...framed, ...framed.filter((trail) => comparison.has(trail)).map((trail) => count + trail)]];
 }
 
 /** What to call the second scene: its take where it is the same file. */
