@@ -5,10 +5,12 @@ import { readFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { expect, test } from "vitest";
 import type { Vec3 } from "../src/source/trail";
-import { chromiumTest, useBrowser } from "./support/browser";
+import { useBrowser } from "./support/browser";
+import { temporaryFolder } from "./support/files";
 import { along, distanceTo, Picture, poseHash, project, settle, type Pose } from "./support/picture";
-import { example, run, temporaryFolder } from "./support/program";
+import { example, run } from "./support/program";
 import { expectState, inkOf, stateOf } from "./support/read";
+import { savedBy } from "./support/saved";
 import { points } from "./support/scenes";
 import type { SceneInput } from "./support/trails";
 
@@ -160,10 +162,10 @@ test("the page opens with both motions in the picture", async () => {
     expect([p.x >= 0 && p.x <= width, p.y >= 0 && p.y <= height]).toEqual([true, true]);
 });
 
-chromiumTest("the table that is saved has the distances", async () => {
+test("the table that is saved has the distances", async () => {
   const page = await browser.open(pair(), { hash: "select=0.2" });
-  const [download] = await Promise.all([page.waitForEvent("download"), page.getByRole("button", { name: "CSV", exact: true }).click()]);
-  const rows = readFileSync(await download.path(), "utf8").trim().split("\r\n").map((line) => line.split(","));
+  const { content } = await savedBy(page, () => page.getByRole("button", { name: "CSV", exact: true }).click());
+  const rows = content.toString().trim().split("\r\n").map((line) => line.split(","));
   expect(rows[0].slice(-2)).toEqual(["spacing", "distance"]);
   rows.slice(1, 25).forEach((row, i) => expect(Number(row[7])).toBeCloseTo(5 * part(i), 7));
   expect(rows.slice(25).map((row) => row[7])).toEqual(Array(24).fill(""));
