@@ -227,8 +227,29 @@ function usesKey(target: Element, key: string): boolean {
 }
 
 /**
+ * Whether a click gave the focus, and not the keyboard. A key that opens or closes something moves the focus, too: there,
+ * it stays as it was, so that a button that was clicked does not get the keys when what it opened is closed.
+ */
+function watchFocus(): () => boolean {
+  let pressed = false; // the pointer, its click included
+  let key = ""; // that is pressed, what it does included
+  let clicked = false;
+  document.addEventListener("pointerdown", () => (pressed = clicked = true), true);
+  document.addEventListener("pointerup", () => setTimeout(() => (pressed = false)), true);
+  document.addEventListener("keydown", (event) => {
+    pressed = false;
+    key = event.key;
+  }, true);
+  document.addEventListener("keyup", () => setTimeout(() => (key = "")), true);
+  document.addEventListener("focusin", () => {
+    if (pressed || key === "" || /^(Tab|Arrow|Page|Home|End)/.test(key)) clicked = pressed;
+  }, true);
+  return () => clicked;
+}
+
+/**
  * Runs the commands of keys. A control that the keyboard reached uses its own keys first; one that was only clicked
- * does not keep them: Space plays after a click on any button.
+ * does not keep them: Space plays after a click on any button. Escape closes what is open first.
  */
 export function listenToKeys(app: App): void {
   const byKey = new Map(COMMANDS.flatMap((each) => each.keys.map((key) => [key, each] as const)));
@@ -237,15 +258,10 @@ export function listenToKeys(app: App): void {
     const others = event.altKey || event.defaultPrevented || takesText(event.target as Element);
     return off || others ? undefined : byKey.get(keyName(event));
   };
-  let pointer = false; // whether it is pressed, its click included: what takes the focus then was clicked
-  let clicked = false; // whether it brought the focus
+  const clicked = watchFocus();
   let held = ""; // a key that ran a command where a control would act when it is let go
-  document.addEventListener("pointerdown", () => (pointer = clicked = true), true);
-  document.addEventListener("pointerup", () => setTimeout(() => (pointer = false)), true);
-  document.addEventListener("focusin", () => (clicked = pointer), true);
   document.addEventListener("keydown", (event) => {
-    pointer = false;
-    const found = clicked ? commandOf(event) : undefined;
+    const found = clicked() && event.key !== "Escape" ? commandOf(event) : undefined;
     if (!found) return;
     event.preventDefault();
     event.stopPropagation();
