@@ -108,6 +108,21 @@ function setMode(app: App, mode: ColorMode): void {
   app.announce(`Colour mode ${COLOR_MODES[mode]}`);
 }
 
+function toggle(app: App, key: "showBones" | "window", on: string, off: string): void {
+  const value = !app.store.state[key];
+  app.store.set({ [key]: value });
+  app.announce(value ? on : off);
+}
+
+const ONION_SKINS = [["off", "No onion skins"], ["frames", "Onion skins at frames"], ["keys", "Onion skins at keys"]] as const;
+
+function nextOnionSkins(app: App): void {
+  const at = ONION_SKINS.findIndex(([kind]) => kind === app.store.state.onion);
+  const [onion, said] = ONION_SKINS[(at + 1) % ONION_SKINS.length];
+  app.store.set({ onion });
+  app.announce(said);
+}
+
 /** A file name from the scene's. */
 const fileName = (app: App, ending: string) =>
   (baseName(app.scene.name).replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
@@ -185,6 +200,11 @@ export const COMMANDS: readonly Command[] = [
     run: (app) => app.store.set({ ghost: !(app.store.state.ghost ?? app.motion.trails.some((trail) => trail.ghost)) }) },
   { id: "color-by", title: "Colour by mode or by object", keys: ["c"],
     run: (app) => app.store.set({ colorBy: app.store.state.colorBy === "mode" ? "object" : "mode" }) },
+  { id: "bones", title: "Bones, or none", keys: ["Shift+B"],
+    run: (app) => toggle(app, "showBones", "Bones", "No bones") },
+  { id: "onion", title: "Onion skins at frames, at keys, or none", keys: ["Shift+O"], run: nextOnionSkins },
+  { id: "window", title: "Only the frames around the current one, or the whole range", keys: ["Shift+W"],
+    run: (app) => toggle(app, "window", "Only the frames around the current one", "The whole range") },
   { id: "png", title: "Save a picture (PNG)", keys: ["Shift+P"],
     run: (app) => void app.picture().then(
       (picture) => app.save(fileName(app, ".png"), picture), (error: Error) => app.announce(error.message)) },
