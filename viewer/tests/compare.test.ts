@@ -9,7 +9,7 @@ import { useBrowser } from "./support/browser";
 import { temporaryFolder } from "./support/files";
 import { along, distanceTo, Picture, poseHash, project, settle, type Pose } from "./support/picture";
 import { example, run } from "./support/program";
-import { expectState, inkOf, stateOf } from "./support/read";
+import { expectState, inkOf, stateOf, writeDown, written } from "./support/read";
 import { savedBy } from "./support/saved";
 import { points } from "./support/scenes";
 import type { SceneInput } from "./support/trails";
@@ -160,6 +160,20 @@ test("the page opens with both motions in the picture", async () => {
   const { width, height } = (await page.locator(".viewport").boundingBox())!;
   for (const p of [...hand, ...foot, ...far].map((each) => project(pose, each, width, height)))
     expect([p.x >= 0 && p.x <= width, p.y >= 0 && p.y <= height]).toEqual([true, true]);
+});
+
+test("what is left out of the second scene's lines and positions is told", async () => {
+  const some = await browser.open(pair(), { hash: "select=", before: writeDown });
+  await expect.poll(async () => (await written(some)).join("\n")).toMatch(/thin and grey: after\.ma( ·|\n|$)/);
+  const trails = Array.from({ length: 501 }, (_, t) => {
+    const way = points(100, (i): Vec3 => [i, t, 0]);
+    return { name: `o${t}`, points: way, compare: way };
+  });
+  const many = await browser.open({ ...pair(), range: [1, 100], trails }, { hash: "select=", before: writeDown });
+  const told = "thin and grey: after.ma, one sample in 3, current positions of 500 of 501 objects"; // of 50,100 samples 20,000
+  await expect.poll(async () => (await written(many)).join("\n")).toContain(told);
+  await many.evaluate(() => window.vantorelixViewer.store.set({ selected: new Set([4]) }));
+  await expect.poll(async () => (await written(many)).join("\n")).toMatch(/thin and grey: after\.ma( ·|\n|$)/);
 });
 
 test("the table that is saved has the distances", async () => {
