@@ -240,8 +240,9 @@ describe("keys that type a character", () => {
     const page = await browser.open(figures(), { hash: "select=0&mode=0" });
     await keys(page).uncheck();
     await page.locator(".viewport").focus();
-    await press(page, "c", "Shift+Digit4", "h", "Shift+P", "?", ".", "1", "t");
-    for (const [key, value] of [["colorBy", "mode"], ["mode", 0], ["hidden", []], ["frame", 1], ["timeSpan", null]] as const) await expectState(page, key, value);
+    await press(page, "c", "Shift+Digit4", "h", "Shift+P", "?", ".", "1", "t", "Shift+B", "Shift+O", "Shift+W");
+    for (const [key, value] of [["colorBy", "mode"], ["mode", 0], ["hidden", []], ["frame", 1], ["timeSpan", null], ["showBones", true], ["onion", "off"], ["window", false]] as const)
+      await expectState(page, key, value);
     expect(await page.getByRole("dialog").count()).toBe(0);
     await press(page, "ArrowRight", "Shift+ArrowRight");
     await expectState(page, "frame", 12);
@@ -262,8 +263,8 @@ describe("keys that type a character", () => {
     expect(await keys(page).isChecked()).toBe(false);
     await page.getByRole("button", { name: "Reset settings" }).click();
     expect(await keys(page).isChecked()).toBe(true);
-    await press(page, "c");
-    await expectState(page, "colorBy", "object");
+    await press(page, "c", "Shift+B", "Shift+O", "Shift+W");
+    for (const [key, value] of [["colorBy", "object"], ["showBones", false], ["onion", "frames"], ["window", true]] as const) await expectState(page, key, value);
   });
 });
 

@@ -155,6 +155,8 @@ describe("selecting", () => {
   });
 });
 
+type SizeOfPage = { width: number; height: number };
+
 describe("after a click of the pointer", () => {
   const targets: Record<string, string> = {
     "a button": "[data-command=next-key]", "the list": ".name-cell >> nth=1", "a toggle of the list": ".toggle >> nth=0",
@@ -176,6 +178,46 @@ describe("after a click of the pointer", () => {
       await expectState(page, "playing", false);
       expect(await others()).toEqual(before);
     });
+
+  const openers: Record<string, [opener: string, opened: string, SizeOfPage?]> = {
+    "the help": ["Help", "dialog.help"],
+    "what a picture has": ["Picture options", "dialog.picture-options"],
+    "a sheet": ["Objects", "#objects", { width: 390, height: 844 }],
+  };
+  for (const [name, [opener, opened, viewport]] of Object.entries(openers)) {
+    const open = (hash = "") => browser.open(figures(), { hash, ...(viewport && { viewport }) });
+    test(`on the button that opens ${name}, and Escape, Space plays`, async () => {
+      const page = await open("select=0");
+      await page.getByRole("button", { name: opener, exact: true }).click();
+      expect(await page.locator(opened).isVisible()).toBe(true);
+      await press(page, "Escape");
+      expect(await page.locator(opened).isVisible()).toBe(false);
+      await expectState(page, "selected", [0]);
+      await press(page, " ");
+      await expectState(page, "playing", true);
+      expect(await page.locator(opened).isVisible()).toBe(false);
+    });
+
+    test(`not where the keyboard opened ${name}: there the focus goes back to the button, which Space presses`, async () => {
+      const page = await open();
+      await page.locator(".viewport").click();
+      await page.getByRole("button", { name: opener, exact: true }).focus();
+      await press(page, "Enter");
+      expect(await page.locator(opened).isVisible()).toBe(true);
+      await press(page, "Tab", "Escape");
+      expect(await page.locator(opened).isVisible()).toBe(false);
+      await press(page, " ");
+      expect(await page.locator(opened).isVisible()).toBe(true);
+      await expectState(page, "playing", false);
+    });
+  }
+
+  test("on the list, and the help by its key, the arrows step", async () => {
+    const page = await browser.open(figures());
+    await page.locator(".name-cell").nth(1).click();
+    await press(page, "?", "Escape", "ArrowRight", "ArrowDown");
+    await expectState(page, "frame", 2);
+  });
 
   test("a control that the keyboard reaches has its keys again", async () => {
     const page = await browser.open(figures());

@@ -5,10 +5,12 @@ import { readFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { expect, test } from "vitest";
 import type { Vec3 } from "../src/source/trail";
-import { chromiumTest, useBrowser } from "./support/browser";
+import { useBrowser } from "./support/browser";
+import { temporaryFolder } from "./support/files";
 import { along, distanceTo, Picture, poseHash, project, settle, type Pose } from "./support/picture";
-import { example, run, temporaryFolder } from "./support/program";
-import { expectState, inkOf, stateOf } from "./support/read";
+import { example, run } from "./support/program";
+import { expectState, inkOf, stateOf, writeDown, written } from "./support/read";
+import { savedBy } from "./support/saved";
 import { points } from "./support/scenes";
 import type { SceneInput } from "./support/trails";
 
@@ -172,10 +174,24 @@ test("what moves only in the second scene is in the picture, too", async () => {
     expect([p.x >= 0 && p.x <= width, p.y >= 0 && p.y <= height]).toEqual([true, true]);
 });
 
-chromiumTest("the table that is saved has the distances", async () => {
+test("what is left out of the second scene's lines and positions is told", async () => {
+  const some = await browser.open(pair(), { hash: "select=", before: writeDown });
+  await expect.poll(async () => (await written(some)).join("\n")).toMatch(/thin and grey: after\.ma( ·|\n|$)/);
+  const trails = Array.from({ length: 501 }, (_, t) => {
+    const way = points(100, (i): Vec3 => [i, t, 0]);
+    return { name: `o${t}`, points: way, compare: way };
+  });
+  const many = await browser.open({ ...pair(), range: [1, 100], trails }, { hash: "select=", before: writeDown });
+  const told = "thin and grey: after.ma, one sample in 3, current positions of 500 of 501 objects"; // of 50,100 samples 20,000
+  await expect.poll(async () => (await written(many)).join("\n")).toContain(told);
+  await many.evaluate(() => window.vantorelixViewer.store.set({ selected: new Set([4]) }));
+  await expect.poll(async () => (await written(many)).join("\n")).toMatch(/thin and grey: after\.ma( ·|\n|$)/);
+});
+
+test("the table that is saved has the distances", async () => {
   const page = await browser.open(pair(), { hash: "select=0.2" });
-  const [download] = await Promise.all([page.waitForEvent("download"), page.getByRole("button", { name: "CSV", exact: true }).click()]);
-  const rows = readFileSync(await download.path(), "utf8").trim().split("\r\n").map((line) => line.split(","));
+  const { content } = await savedBy(page, () => page.getByRole("button", { name: "CSV", exact: true }).click());
+  const rows = content.toString().trim().split("\r\n").map((line) => line.split(","));
   expect(rows[0].slice(-2)).toEqual(["spacing", "distance"]);
   rows.slice(1, 25).forEach((row, i) => expect(Number(row[7])).toBeCloseTo(5 * part(i), 7));
   expect(rows.slice(25).map((row) => row[7])).toEqual(Array(24).fill(""));

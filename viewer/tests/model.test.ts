@@ -164,6 +164,21 @@ describe("commands", () => {
     }
   });
 
+  test("show bones, onion skins and a window in time by keys, and say so", () => {
+    const app = makeApp({ trails: [{ name: "a", points: line(3) }] });
+    const pressed = (key: string, setting: "showBones" | "onion" | "window") => {
+      COMMANDS.find(({ keys }) => keys.includes(key))!.run(app);
+      return app.store.state[setting];
+    };
+    expect(["Shift+B", "Shift+B"].map((key) => pressed(key, "showBones"))).toEqual([false, true]);
+    expect(["Shift+O", "Shift+O", "Shift+O"].map((key) => pressed(key, "onion"))).toEqual(["frames", "keys", "off"]);
+    expect(["Shift+W", "Shift+W"].map((key) => pressed(key, "window"))).toEqual([true, false]);
+    expect(app.said).toEqual([
+      "No bones", "Bones", "Onion skins at frames", "Onion skins at keys", "No onion skins",
+      "Only the frames around the current one", "The whole range",
+    ]);
+  });
+
   test("save the selection as a table, named after the scene", async () => {
     const app = makeApp({ scene: "shots/a b.usda", trails: [{ name: 'x,"y"', points: [[0, 0, 0], [1, 2, 2]] }] });
     command("csv").run(app);

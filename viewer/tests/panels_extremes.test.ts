@@ -4,7 +4,7 @@ import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import type { Vec3 } from "../src/source/trail";
 import { useBrowser } from "./support/browser";
-import { expectState, press } from "./support/read";
+import { expectState, press, writeDown, written } from "./support/read";
 import { points } from "./support/scenes";
 import type { SceneInput } from "./support/trails";
 
@@ -16,28 +16,17 @@ const sized = (step: number): SceneInput => ({
     name, points: points(24, (i): Vec3 => [i * step, k * step, (i % 2) * step * 0.1]), keyTimes: [1, 12, 24] })),
 });
 
-/** Whether some of a canvas's text would be wider than there is room for: what it was told to write. */
-async function written(page: Page, hash: string): Promise<string[]> {
-  await page.addInitScript(() => {
-    const texts = ((window as unknown as { texts: string[] }).texts = [] as string[]);
-    const write = CanvasRenderingContext2D.prototype.fillText;
-    CanvasRenderingContext2D.prototype.fillText = function (text: string, ...rest: [number, number]) {
-      texts.push(text);
-      write.call(this, text, ...rest);
-    };
-  });
-  await page.evaluate((text) => (location.hash = text), hash);
-  await page.reload();
-  await page.waitForSelector("html[data-ready=true]", { state: "attached" });
+/** What the canvases of a page are told to write at first. */
+async function opened(scene: SceneInput): Promise<{ page: Page; texts: string[] }> {
+  const page = await browser.open(scene, { hash: "select=0-1", before: writeDown });
   await page.waitForSelector(".viewport[data-drawn=still]");
-  return page.evaluate(() => (window as unknown as { texts: string[] }).texts);
+  return { page, texts: await written(page) };
 }
 
 describe("lengths", () => {
   for (const [size, largest] of [[1e300, "1.005e300"], [1e-30, "1.005e-30"], [1e12, "1.005e12"], [88.99992, "89.44"]] as const)
     test(`of ${size} can be read everywhere`, async () => {
-      const page = await browser.open(sized(size));
-      const texts = await written(page, "select=0-1");
+      const { page, texts } = await opened(sized(size));
       expect(texts.length).toBeGreaterThan(10);
       expect(texts.filter((text) => /NaN|Infinity|undefined/.test(text))).toEqual([]);
       expect(Math.max(...texts.filter((text) => /^[-\d.e]+$/.test(text)).map((text) => text.length))).toBeLessThanOrEqual(9);
@@ -53,9 +42,8 @@ describe("lengths", () => {
 describe("frames", () => {
   test("of 1e12 have labels that leave each other room, and fields in which they can be read", async () => {
     const scene = sized(1);
-    const page = await browser.open({ ...scene, range: [1e12, 1e12 + 23], current: 1e12, keyTimeBytes: 8,
+    const { page, texts } = await opened({ ...scene, range: [1e12, 1e12 + 23], current: 1e12, keyTimeBytes: 8,
       trails: scene.trails.map((trail) => ({ ...trail, startFrame: 1e12, keyTimes: [1e12, 1e12 + 11] })) });
-    const texts = await written(page, "select=0-1");
     const labels = [...new Set(texts.filter((text) => /^1000000000\d{3}$/.test(text)))];
     expect(labels.length).toBeGreaterThan(3);
     expect(labels.length).toBeLessThan(12); // each is some 90 pixels wide

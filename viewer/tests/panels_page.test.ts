@@ -1,9 +1,9 @@
-import { readFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import { COMMANDS } from "../src/model/commands";
 import { chromiumTest, useBrowser } from "./support/browser";
 import { expectState, press, stateOf } from "./support/read";
+import { savedBy } from "./support/saved";
 import { figures } from "./support/scenes";
 
 const browser = useBrowser();
@@ -33,12 +33,9 @@ describe("the toolbar", () => {
     expect(await distance()).toBeCloseTo(all, 6);
   });
 
-  chromiumTest("saves the selection as a table and the viewport as a picture", async () => {
-    const page = await browser.open(figures(), { hash: "select=2-3", acceptDownloads: true });
-    const save = async (name: string) => {
-      const [download] = await Promise.all([page.waitForEvent("download"), page.getByRole("button", { name, exact: true }).click()]);
-      return { name: download.suggestedFilename(), content: readFileSync(await download.path()) };
-    };
+  test("saves the selection as a table and the viewport as a picture", async () => {
+    const page = await browser.open(figures(), { hash: "select=2-3" });
+    const save = (name: string) => savedBy(page, () => page.getByRole("button", { name, exact: true }).click());
     const table = await save("CSV");
     expect(table.name).toBe("walk.usda.csv");
     const lines = table.content.toString().trim().split("\r\n");

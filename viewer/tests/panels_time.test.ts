@@ -2,6 +2,7 @@ import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import { frameScale } from "../src/panels/frame_scale";
 import { chromiumTest, useBrowser } from "./support/browser";
+import { IN_FIREFOX } from "./support/launch";
 import { expectState, inkOf, press, stateOf } from "./support/read";
 import { arc, figures } from "./support/scenes";
 
@@ -18,6 +19,12 @@ async function drag(page: Page, selector: string, from: readonly [number, number
   await page.mouse.down();
   await page.mouse.move(box.x + to[0], box.y + to[1], { steps: 4 });
   await page.mouse.up();
+}
+
+/** Firefox counts no double click when its protocol presses twice (it does when a mouse does): there the event is sent by hand. */
+async function doubleClick(page: Page, selector: string, position: { x: number; y: number }): Promise<void> {
+  await page.locator(selector).dblclick({ position });
+  if (IN_FIREFOX) await page.locator(selector).dispatchEvent("dblclick");
 }
 
 describe("the transport", () => {
@@ -97,11 +104,11 @@ describe("the timeline", () => {
     expect(await said()).toEqual(["1", "24", "2", "Frame 2"]);
   });
 
-  chromiumTest("is scrubbed with the pointer, also beyond its ends", async () => {
+  test("is scrubbed with the pointer, also beyond its ends", async () => {
     const page = await browser.open(figures(), { hash: "select=0" });
     await drag(page, ".track", [frameX(10), 40], [frameX(17) + 2, 40]);
     await expectState(page, "frame", 17);
-    await drag(page, ".track", [frameX(10), 40], [1279, 300]);
+    await drag(page, ".track", [frameX(10), 40], [1279, 90]);
     await expectState(page, "frame", 24);
   });
 
@@ -191,7 +198,7 @@ describe("the time that is seen", () => {
         await page.mouse.click(box.x + spanX(7, seen), box.y + box.height - 8);
         await expectState(page, "frame", 7);
       }
-      await page.locator(selector).dblclick({ position: { x: 500, y: 40 } });
+      await doubleClick(page, selector, { x: 500, y: 40 });
       expect(await span(page)).toBeNull();
     });
 
@@ -199,15 +206,15 @@ describe("the time that is seen", () => {
     const page = await browser.open(figures(), { hash: "time=5,11" });
     await hoverAt(page, ".plot", 12);
     await page.keyboard.down("Shift");
-    await page.mouse.wheel(0, (1280 - 64 - 32) / 3); // a third of what is seen
-    await expect.poll(async () => (await span(page))![0]).toBeCloseTo(7, 6);
+    await page.mouse.wheel(0, (1280 - 64 - 32) / 4); // a quarter of what is seen
+    await expect.poll(async () => (await span(page))![0]).toBeCloseTo(6.5, 6);
     await page.keyboard.up("Shift");
     const { x, y } = (await page.locator(".track").boundingBox())!;
     await page.mouse.move(x + 600, y + 40);
     await page.mouse.down({ button: "middle" });
-    await page.mouse.move(x + 600 + (1280 - 64 - 32) / 6, y + 40);
+    await page.mouse.move(x + 600 + (1280 - 64 - 32) / 8, y + 40);
     await page.mouse.up({ button: "middle" });
-    expect((await span(page))!.map((frame) => Number(frame.toFixed(6)))).toEqual([6, 12]);
+    expect((await span(page))!.map((frame) => Number(frame.toFixed(6)))).toEqual([5.75, 11.75]);
     await expectState(page, "frame", 1); // nothing of this is a step in time
   });
 
@@ -227,7 +234,7 @@ describe("the time that is seen", () => {
     expect(await span(page)).toBeNull();
   });
 
-  test("is pinched with two fingers", async () => {
+  chromiumTest("is pinched with two fingers", async () => {
     const page = await browser.open(figures());
     const { x, y } = (await page.locator(".plot").boundingBox())!;
     const frameAt500 = Math.round(frameScale(1, 24, 1280).frame(500));

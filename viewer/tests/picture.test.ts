@@ -1,6 +1,5 @@
 // A picture that is saved: its size, and what stands around the viewport's own picture.
 
-import { readFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { PNG } from "pngjs";
 import { describe, expect, test } from "vitest";
@@ -8,6 +7,7 @@ import type { Vec3 } from "../src/source/trail";
 import { useBrowser } from "./support/browser";
 import { near, poseHash, project, settle, type Pose } from "./support/picture";
 import { press } from "./support/read";
+import { savedBy } from "./support/saved";
 import type { SceneInput } from "./support/trails";
 
 const browser = useBrowser();
@@ -24,10 +24,7 @@ async function opened(): Promise<{ page: Page; width: number; height: number }> 
   return { page, width, height };
 }
 
-async function saved(page: Page, save: () => Promise<unknown>): Promise<PNG> {
-  const [download] = await Promise.all([page.waitForEvent("download"), save()]);
-  return PNG.sync.read(readFileSync(await download.path()));
-}
+const saved = async (page: Page, save: () => Promise<unknown>): Promise<PNG> => PNG.sync.read((await savedBy(page, save)).content);
 
 const colorAt = ({ data, width }: PNG, x: number, y: number): Vec3 => {
   const i = 4 * (Math.floor(y) * width + Math.floor(x));

@@ -5,8 +5,9 @@ import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import type { Vec3 } from "../src/source/trail";
 import { useBrowser } from "./support/browser";
+import { temporaryFolder } from "./support/files";
 import { distanceTo, Picture, poseHash, project, type Point, type Pose } from "./support/picture";
-import { example, run, temporaryFolder } from "./support/program";
+import { example, run } from "./support/program";
 
 const browser = useBrowser();
 const file = temporaryFolder();

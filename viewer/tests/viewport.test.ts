@@ -3,8 +3,9 @@
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import type { Vec3 } from "../src/source/trail";
-import { chromiumTest, useBrowser } from "./support/browser";
+import { useBrowser } from "./support/browser";
 import { along, distanceTo, near, Picture, poseHash, project, settle, type Pose } from "./support/picture";
+import { savedBy } from "./support/saved";
 import type { SceneInput } from "./support/trails";
 
 const browser = useBrowser();
@@ -369,14 +370,12 @@ test("a trail that is hidden is not drawn, and one that is shown alone is the on
   expect(await drawn("solo=0")).toEqual([true, false]);
 });
 
-chromiumTest("the saved picture is the viewport's", async () => {
+test("the saved picture is the viewport's", async () => {
   const page = await browser.open(plain, { hash: `${bare}&${poseHash(poses.persp)}` });
   await settle(page);
-  const [download] = await Promise.all([page.waitForEvent("download"), page.keyboard.press("Shift+P")]);
-  expect(download.suggestedFilename()).toMatch(/\.png$/);
-  const chunks: Buffer[] = [];
-  for await (const chunk of await download.createReadStream()) chunks.push(chunk as Buffer);
-  const picture = Picture.read(Buffer.concat(chunks));
+  const { name, content } = await savedBy(page, () => page.keyboard.press("Shift+P"));
+  expect(name).toMatch(/\.png$/);
+  const picture = Picture.read(content);
   expectDrawn(picture, arc.map((p) => place(picture, poses.persp, p)), TEAL);
 });
 

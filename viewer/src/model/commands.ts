@@ -108,6 +108,21 @@ function setMode(app: App, mode: ColorMode): void {
   app.announce(`Colour mode ${COLOR_MODES[mode]}`);
 }
 
+function toggle(app: App, key: "showBones" | "window", on: string, off: string): void {
+  const value = !app.store.state[key];
+  app.store.set({ [key]: value });
+  app.announce(value ? on : off);
+}
+
+const ONION_SKINS = [["off", "No onion skins"], ["frames", "Onion skins at frames"], ["keys", "Onion skins at keys"]] as const;
+
+function nextOnionSkins(app: App): void {
+  const at = ONION_SKINS.findIndex(([kind]) => kind === app.store.state.onion);
+  const [onion, said] = ONION_SKINS[(at + 1) % ONION_SKINS.length];
+  app.store.set({ onion });
+  app.announce(said);
+}
+
 /** A file name from the scene's. */
 const fileName = (app: App, ending: string) =>
   (baseName(app.scene.name).replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
@@ -185,6 +200,11 @@ export const COMMANDS: readonly Command[] = [
     run: (app) => app.store.set({ ghost: !(app.store.state.ghost ?? app.motion.trails.some((trail) => trail.ghost)) }) },
   { id: "color-by", title: "Colour by mode or by object", keys: ["c"],
     run: (app) => app.store.set({ colorBy: app.store.state.colorBy === "mode" ? "object" : "mode" }) },
+  { id: "bones", title: "Bones, or none", keys: ["Shift+B"],
+    run: (app) => toggle(app, "showBones", "Bones", "No bones") },
+  { id: "onion", title: "Onion skins at frames, at keys, or none", keys: ["Shift+O"], run: nextOnionSkins },
+  { id: "window", title: "Only the frames around the current one, or the whole range", keys: ["Shift+W"],
+    run: (app) => toggle(app, "window", "Only the frames around the current one", "The whole range") },
   { id: "png", title: "Save a picture (PNG)", keys: ["Shift+P"],
     run: (app) => void app.picture().then(
       (picture) => app.save(fileName(app, ".png"), picture), (error: Error) => app.announce(error.message)) },
@@ -227,8 +247,29 @@ function usesKey(target: Element, key: string): boolean {
 }
 
 /**
+ * Whether a click gave the focus, and not the keyboard. A key that opens or closes something moves the focus, too: there,
+ * it stays as it was, so that a button that was clicked does not get the keys when what it opened is closed.
+ */
+function watchFocus(): () => boolean {
+  let pressed = false; // the pointer, its click included
+  let key = ""; // that is pressed, what it does included
+  let clicked = false;
+  document.addEventListener("pointerdown", () => (pressed = clicked = true), true);
+  document.addEventListener("pointerup", () => setTimeout(() => (pressed = false)), true);
+  document.addEventListener("keydown", (event) => {
+    pressed = false;
+    key = event.key;
+  }, true);
+  document.addEventListener("keyup", () => setTimeout(() => (key = "")), true);
+  document.addEventListener("focusin", () => {
+    if (pressed || key === "" || /^(Tab|Arrow|Page|Home|End)/.test(key)) clicked = pressed;
+  }, true);
+  return () => clicked;
+}
+
+/**
  * Runs the commands of keys. A control that the keyboard reached uses its own keys first; one that was only clicked
- * does not keep them: Space plays after a click on any button.
+ * does not keep them: Space plays after a click on any button. Escape closes what is open first.
  */
 export function listenToKeys(app: App): void {
   const byKey = new Map(COMMANDS.flatMap((each) => each.keys.map((key) => [key, each] as const)));
@@ -237,15 +278,10 @@ export function listenToKeys(app: App): void {
     const others = event.altKey || event.defaultPrevented || takesText(event.target as Element);
     return off || others ? undefined : byKey.get(keyName(event));
   };
-  let pointer = false; // whether it is pressed, its click included: what takes the focus then was clicked
-  let clicked = false; // whether it brought the focus
+  const clicked = watchFocus();
   let held = ""; // a key that ran a command where a control would act when it is let go
-  document.addEventListener("pointerdown", () => (pointer = clicked = true), true);
-  document.addEventListener("pointerup", () => setTimeout(() => (pointer = false)), true);
-  document.addEventListener("focusin", () => (clicked = pointer), true);
   document.addEventListener("keydown", (event) => {
-    pointer = false;
-    const found = clicked ? commandOf(event) : undefined;
+    const found = clicked() && event.key !== "Escape" ? commandOf(event) : undefined;
     if (!found) return;
     event.preventDefault();
     event.stopPropagation();

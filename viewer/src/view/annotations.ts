@@ -3,7 +3,6 @@
 import type { Camera } from "three";
 import type { App } from "../model/app";
 import { markColor, rgbText } from "../model/colors";
-import { secondName, shownComparison } from "../model/compare";
 import { dimming } from "../model/emphasis";
 import { onionSkins } from "../model/figure";
 import { frameText, numberText, unitName } from "../model/format";
@@ -13,7 +12,7 @@ import { yUp } from "../model/pose";
 import type { Hover } from "../model/state";
 import type { Vec3 } from "../source/trail";
 import type { DrawnTrail } from "./primitives/batch";
-import { drawCompared } from "./compare_lines";
+import { comparedNote, drawCompared } from "./compare_lines";
 import type { Grid } from "./ground";
 import type { Drawing, TrailLayers } from "./layers";
 import { hasDenseKeys, spotOf } from "./places";
@@ -130,7 +129,8 @@ function notes(picture: Picture): string[] {
   if (relativeTo !== null) parts.push(`relative to ${app.motion.trails[relativeTo].name}`);
   if (showKeys && layers.trails.some(({ index }) => hasDenseKeys(app.motion.trails[index])))
     parts.push("keys at nearly every frame are not marked");
-  if (shownComparison(app)) parts.push(`thin and grey: ${secondName(app)}`);
+  const compared = comparedNote(picture);
+  if (compared) parts.push(compared);
   const { plain, stride, dotEvery } = drawing;
   if (dotEvery > 1 && layers.hasDots(drawing)) parts.push(`a dot every ${dotEvery} frames`);
   if (window) parts.push(`frames ${frameText(frame - windowBefore)} to ${frameText(frame + windowAfter)}`);

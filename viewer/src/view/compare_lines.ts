@@ -1,6 +1,6 @@
 // The second scene in the picture, muted: where the objects go there, where they are now, and how far that is from here.
 
-import { shownComparison, type Comparison } from "../model/compare";
+import { secondName, shownComparison, type Comparison } from "../model/compare";
 import { bonesOf } from "../model/figure";
 import { hierarchyOf } from "../model/hierarchy";
 import { sampleFrame, triple } from "../model/motion";
@@ -45,14 +45,30 @@ function drawnTrails({ app, layers }: Picture, comparison: Comparison): number[]
     .filter((index) => comparison.has(index) && (selected.size === 0 || selected.has(index)));
 }
 
+/** One sample in so many of these trails' lines. */
+function strideOf(comparison: Comparison, trails: readonly number[]): number {
+  const samples = trails.reduce((sum, trail) => sum + comparison.second.trails[trail].count, 0);
+  return Math.max(1, Math.ceil(samples / MOST_SAMPLES));
+}
+
+/** How the second scene is drawn, and what of it is left out; null where it is not shown. */
+export function comparedNote(picture: Picture): string | null {
+  const comparison = shownComparison(picture.app);
+  if (!comparison) return null;
+  const trails = drawnTrails(picture, comparison);
+  const stride = strideOf(comparison, trails);
+  const thinned = stride > 1 ? `, one sample in ${stride}` : "";
+  const fewer = trails.length > MOST_MARKS ? `, current positions of ${MOST_MARKS} of ${trails.length} objects` : "";
+  return `thin and grey: ${secondName(picture.app)}${thinned}${fewer}`;
+}
+
 /** Goes under what is drawn after it. */
 export function drawCompared(overlay: Overlay, picture: Picture): void {
   const { app } = picture;
   const comparison = shownComparison(app);
   if (!comparison) return;
   const trails = drawnTrails(picture, comparison);
-  const samples = trails.reduce((sum, trail) => sum + app.motion.trails[trail].count, 0);
-  const stride = Math.max(1, Math.ceil(samples / MOST_SAMPLES));
+  const stride = strideOf(comparison, trails);
   for (const trail of trails) overlay.mutedLine(spots(picture, comparison, trail, stride));
   drawBones(overlay, picture, comparison);
   const { frame } = app.store.state;

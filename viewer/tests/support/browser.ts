@@ -29,7 +29,7 @@ export interface Opener {
   openFile(file: string, options?: OpenOptions): Promise<Page>;
 }
 
-/** For what Firefox's protocol cannot do: the tree that screen readers get, downloads, what the system prefers. */
+/** For what Firefox's protocol cannot do: readers' trees, two fingers, what the system prefers, requests of an empty page. */
 export const chromiumTest = test.skipIf(IN_FIREFOX);
 
 /** The style that a screenshot adds to hide the text cursor: the policy of the page stops it in Firefox, and may. */

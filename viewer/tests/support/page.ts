@@ -1,8 +1,8 @@
 // The built page with trails in it, as a file that a browser can open.
 
-import { existsSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
-import { tmpdir } from "node:os";
-import { join, resolve } from "node:path";
+import { existsSync, readFileSync, writeFileSync } from "node:fs";
+import { resolve } from "node:path";
+import { temporaryFolder } from "./files";
 import { encodeScene, type SceneInput } from "./trails";
 
 const MARK = "<!--trails-->";
@@ -24,17 +24,13 @@ export function pageText(input: SceneInput): string {
   );
 }
 
-let folder: string | null = null;
+let inFolder: ((name: string) => string) | null = null;
 let written = 0;
 
 /** Writes the page that shows this scene; the file is gone when the tests' process ends. */
 export function writePage(input: SceneInput): string {
-  if (!folder) {
-    const made = mkdtempSync(join(tmpdir(), "vantorelix-page-"));
-    process.on("exit", () => rmSync(made, { recursive: true, force: true }));
-    folder = made;
-  }
-  const file = join(folder, `${++written}.html`);
+  inFolder ??= temporaryFolder();
+  const file = inFolder(`${++written}.html`);
   writeFileSync(file, pageText(input));
   return file;
 }

@@ -1,9 +1,7 @@
 // The program itself, run on the examples.
 
 import { execFileSync } from "node:child_process";
-import { mkdtempSync, rmSync } from "node:fs";
-import { tmpdir } from "node:os";
-import { join, resolve } from "node:path";
+import { resolve } from "node:path";
 
 const program = () => resolve(process.env.VANTORELIX_PROGRAM ?? "../build/bin/vantorelix");
 
@@ -12,10 +10,3 @@ export const example = (name: string): string => resolve("..", process.env.VANTO
 /** Runs the program; standard output. Throws when it fails. */
 export const run = (...args: string[]): string =>
   execFileSync(program(), args, { encoding: "utf8", maxBuffer: 1 << 28, stdio: ["ignore", "pipe", "pipe"] });
-
-/** A folder that is gone when the tests end. */
-export function temporaryFolder(): (name: string) => string {
-  const folder = mkdtempSync(join(tmpdir(), "vantorelix-test-"));
-  process.on("exit", () => rmSync(folder, { recursive: true, force: true }));
-  return (name) => join(folder, name);
-}

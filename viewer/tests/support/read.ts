@@ -36,3 +36,16 @@ export function inkOf(page: Page, selector: string): Promise<Record<string, numb
     return found;
   }, selector);
 }
+
+/** Runs in a page before its own script: keeps the texts that its canvases are given to write. */
+export function writeDown(): void {
+  const texts: string[] = ((window as unknown as { texts: string[] }).texts = []);
+  const { fillText } = CanvasRenderingContext2D.prototype;
+  CanvasRenderingContext2D.prototype.fillText = function (text: string, ...rest: [number, number]) {
+    texts.push(text);
+    fillText.call(this, text, ...rest);
+  };
+}
+
+/** The texts written so far, in a page that writes them down. */
+export const written = (page: Page): Promise<string[]> => page.evaluate(() => (window as unknown as { texts: string[] }).texts);
