@@ -5,7 +5,9 @@ import { describe, expect, test } from "vitest";
 import type { Vec3 } from "../src/source/trail";
 import { useBrowser } from "./support/browser";
 import { along, distanceTo, near, Picture, poseHash, project, settle, type Pose } from "./support/picture";
+import { writeDown, written } from "./support/read";
 import { savedBy } from "./support/saved";
+import { points } from "./support/scenes";
 import type { SceneInput } from "./support/trails";
 
 const browser = useBrowser();
@@ -377,6 +379,20 @@ test("the saved picture is the viewport's", async () => {
   expect(name).toMatch(/\.png$/);
   const picture = Picture.read(content);
   expectDrawn(picture, arc.map((p) => place(picture, poses.persp, p)), TEAL);
+});
+
+test("what only turns stands on a ground, says so, and its rounding is no spacing", async () => {
+  const turning: SceneInput = {
+    range: [1, 24], trails: [{ name: "wheel", points: points(24, (i): Vec3 => [0.5 + 1e-8 * (i % 3), 3, 2]), keyTimes: [1, 24] }],
+  };
+  const pose: Pose = { view: "top", target: [0.5, 3, 2], distance: 4, azimuth: 0, elevation: 90 };
+  const page = await browser.open(turning, { hash: `${bare}&${poseHash(pose)}`, before: writeDown });
+  const picture = await Picture.ofViewport(page);
+  const ground = picture.at(project(pose, [1.13, 3, 2.53], picture.width, picture.height));
+  expect(near(ground, picture.at({ x: 2, y: 2 }), 2)).toBe(false);
+  const texts = (await written(page)).join("\n");
+  expect(texts).toContain("nothing travels: what has keys may only turn");
+  expect(texts).not.toMatch(/\de-\d/);
 });
 
 test("a thousand trails of a thousand samples are drawn plainly while they turn", async () => {

@@ -4,6 +4,7 @@ import type { App } from "../model/app";
 import { markColor, rgbText, trailColors } from "../model/colors";
 import { lengthText, niceStep } from "../model/format";
 import { nearestSample, sampleFrame } from "../model/motion";
+import { hasExtent } from "../model/reach";
 import type { Hover } from "../model/state";
 import { isSeen, LEFT, RIGHT, seenScale, ticks, type FrameScale } from "./frame_scale";
 import { curveOf, extremes, type Curve } from "./graph_curves";
@@ -21,9 +22,9 @@ export interface Place {
   y(value: number): number;
 }
 
-/** The largest spacing of these trails. */
+/** The largest spacing of these trails; what moves by the rounding of its coordinates has none. */
 export function largestSpacing(app: App, trails: readonly number[]): number {
-  const values = trails.map((trail) => {
+  const values = trails.filter((trail) => hasExtent(app.motion.reach[trail])).map((trail) => {
     const spacing = app.motion.spacing(trail);
     const found = extremes(spacing);
     return found ? spacing[found.fastest] : 0;

@@ -122,10 +122,18 @@ function drawAxes(overlay: Overlay, { app, camera, projection }: Picture): void 
   }));
 }
 
+/** Said of trails of which none moves; empty for others. */
+function nothingMoves({ motion }: App, trails: readonly number[]): string {
+  if (trails.length === 0 || trails.some((trail) => motion.moving[trail])) return "";
+  return trails.some((trail) => motion.trails[trail].keyTimes.length > 0) ? "nothing travels: what has keys may only turn" : "nothing moves";
+}
+
 function notes(picture: Picture): string[] {
   const { app, layers, grid, drawing, flat } = picture;
   const { relativeTo, showKeys, frame, window, windowBefore, windowAfter } = app.store.state;
   const parts = [...(flat ? [] : [`squares of ${numberText(grid.step, 6)} ${unitName(app.scene.unit)}`]), `${app.scene.upAxis} is up`];
+  const nothing = nothingMoves(app, layers.trails.map(({ index }) => index));
+  if (nothing) parts.push(nothing);
   if (relativeTo !== null) parts.push(`relative to ${app.motion.trails[relativeTo].name}`);
   if (showKeys && layers.trails.some(({ index }) => hasDenseKeys(app.motion.trails[index])))
     parts.push("keys at nearly every frame are not marked");

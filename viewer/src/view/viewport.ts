@@ -32,6 +32,10 @@ const SETTLED = 200;
 
 const NO_BOX: Bounds = { low: [-1, -1, -1], high: [1, 1, 1] };
 
+/** The same box; where it is a point, with room for a ground around it. */
+const withRoom = ({ low, high }: Bounds): Bounds =>
+  low.some((l, k) => l < high[k]) ? { low, high } : { low: [low[0] - 1, low[1], low[2] - 1], high: [low[0] + 1, low[1], low[2] + 1] };
+
 const MOVES: readonly (keyof ViewState)[] = ["relativeTo", "hidden", "solo"];
 const STYLES: readonly (keyof ViewState)[] = [
   "lineWidth", "pointSize", "showLine", "showDots", "ghost", "showKeys", "selected", "theme",
@@ -185,7 +189,7 @@ export class Viewport {
     const { motion, scene, store } = this.app;
     const statics = store.state.relativeTo === null ? scene.statics : [];
     this.boxes = statics.map((each) => ({ ...each, holds: holdsSamples(each, motion) }));
-    const box = (this.box = boundsOf(motion, motion.thatMove(motion.trails.map((_, index) => index)), scene.upAxis) ?? NO_BOX);
+    const box = (this.box = withRoom(boundsOf(motion, motion.thatMove(motion.trails.map((_, index) => index)), scene.upAxis) ?? NO_BOX));
     this.origin = box.low.map((low, k) => low + (box.high[k] - low) / 2) as unknown as Vec3;
     this.layers.moved();
     this.rebuildStage();
