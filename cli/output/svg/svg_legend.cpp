@@ -136,9 +136,11 @@ std::size_t rows_of(std::size_t n, std::size_t across) { return (n + across - 1)
 // Signs and notes; returns the y below.
 double draw_remarks(TextSink& out, const Legend& legend, double x, double y, double width) {
   const std::size_t across = columns(width, kSignWidth);
-  for (std::size_t i = 0; i < legend.signs.size(); ++i)
+  for (std::size_t i = 0; i < legend.signs.size(); ++i) {
+    const std::size_t row = i / across;
     draw_sign(out, legend.signs[i], x + kSignWidth * static_cast<double>(i % across),
-              y + kRow * static_cast<double>(i / across), legend.report);
+              y + kRow * static_cast<double>(row), legend.report);
+  }
   y += kRow * static_cast<double>(rows_of(legend.signs.size(), across));
   for (const std::string& note : legend.notes) {
     draw_text(out, x, y, "soft small", note);
@@ -172,7 +174,8 @@ void draw_numbered(TextSink& out, const Legend& legend, double x, double y, doub
   draw_text(out, x, y, "ink", "Numbers in the picture");
   const std::size_t rows = rows_of(legend.numbered.size(), columns(width, kNumberWidth));
   for (std::size_t i = 0; i < legend.numbered.size(); ++i) {
-    const double at = x + kNumberWidth * static_cast<double>(i / rows);
+    const std::size_t column = i / rows;
+    const double at = x + kNumberWidth * static_cast<double>(column);
     const double row = y + kHead + kRow * static_cast<double>(i % rows);
     draw_text(out, at + 18.0, row, "ink number", std::to_string(i + 1), "end");
     draw_text(out, at + 24.0, row, "soft small", shortened(legend.names[legend.numbered[i]], kNumberLetters));
