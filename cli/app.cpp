@@ -1,12 +1,14 @@
 #include "cli/app.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
 #include <vector>
 
 #include "cli/args/options.h"
+#include "cli/args/suggestion.h"
 #include "cli/commands/commands.h"
 #include "cli/terminal/failure.h"
 #include "cli/terminal/interrupt.h"
@@ -29,7 +31,7 @@ Examples:
 
 Exit codes: 0 done, 1 error, 2 wrong usage, 3 done with warnings (under --strict), 128 + N ended by signal N
 (130: Ctrl-C).
-'vantorelix COMMAND --help' tells more about a command.)";
+'vantorelix help COMMAND' tells more about a command.)";
 
 // Reports what is wrong with the command line; CLI11 itself would print the full help.
 int usage_error(const std::string& text, const CLI::App& program) {
@@ -39,14 +41,62 @@ int usage_error(const std::string& text, const CLI::App& program) {
   return kUsage;
 }
 
-std::string what_is_wrong(const CLI::ParseError& error, const CLI::App& program, const std::vector<Command>& commands) {
-  if (!program.get_subcommands().empty() || error.get_exit_code() != static_cast<int>(CLI::ExitCodes::RequiredError))
-    return error.what();
-  std::string names;
-  for (const Command& command : commands) names += (names.empty() ? "" : ", ") + command.app->get_name();
+std::string joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
+  return text;
+}
+
+std::string did_you_mean(const std::string& word, const std::vector<std::string>& words) {
+  const auto nearest = nearest_word(word, words);
+  return nearest ? " (did you mean '" + *nearest + "'?)" : "";
+}
+
+std::vector<std::string> names_of(const std::vector<Command>& commands) {
+  std::vector<std::string> names;
+  for (const Command& command : commands) names.push_back(command.app->get_name());
+  return names;
+}
+
+std::string unknown_command(const CLI::App& program, const std::vector<Command>& commands) {
+  const std::vector<std::string> names = names_of(commands);
   const auto rest = program.remaining();
-  return (rest.empty() ? "no command was given" : "'" + rest.front() + "' is not a command") +
-         std::string("; use one of ") + names;
+  if (rest.empty()) return "no command was given; use one of " + joined(names);
+  return "'" + rest.front() + "' is not a command" + did_you_mean(rest.front(), names) + "; use one of " +
+         joined(names);
+}
+
+// The first argument that the command has no use for.
+std::string unknown_argument(const CLI::App& command) {
+  std::vector<std::string> options;
+  for (const CLI::Option* option : command.get_options())
+    for (const std::string& name : option->get_lnames()) options.push_back("--" + name);
+  const auto rest = command.remaining();
+  const auto option =
+      std::find_if(rest.begin(), rest.end(), [](const std::string& each) { return each.starts_with("-"); });
+  if (option == rest.end()) return "'" + rest.front() + "' is one argument too many";
+  const std::string name = option->substr(0, option->find('='));
+  return "'" + name + "' is not an option" + did_you_mean(name, options);
+}
+
+std::string what_is_wrong(const CLI::ParseError& error, const CLI::App& program, const std::vector<Command>& commands) {
+  const auto is = [&](CLI::ExitCodes code) { return error.get_exit_code() == static_cast<int>(code); };
+  const auto chosen = program.get_subcommands();
+  if (chosen.empty() && is(CLI::ExitCodes::RequiredError)) return unknown_command(program, commands);
+  if (!chosen.empty() && is(CLI::ExitCodes::ExtrasError)) return unknown_argument(*chosen.front());
+  return error.what();
+}
+
+// "help" and "help COMMAND" stand for "--help" and "COMMAND --help". Help of what is not a command is an unknown
+// command.
+std::vector<std::string> arguments_of(int argc, const char* const* argv, const std::vector<std::string>& commands) {
+  std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  if (arguments.empty() || arguments.front() != "help") return arguments;
+  arguments.erase(arguments.begin());
+  const bool known =
+      arguments.empty() || std::find(commands.begin(), commands.end(), arguments.front()) != commands.end();
+  if (known) arguments.push_back("--help");
+  return arguments;
 }
 
 // What to do about a session's failure, in terms of this program's options.
@@ -95,7 +145,7 @@ int run(int argc, const char* const* argv) {
   CLI::App program("Motion trails of animated scenes: where each object goes, frame by frame, and how fast.",
                    "vantorelix");
   CommonOptions common;
-  program.set_version_flag("--version", "vantorelix " VANTORELIX_VERSION " (engine " + SCRIPT_VERSION + ")");
+  program.set_version_flag("-V,--version", "vantorelix " VANTORELIX_VERSION " (engine " + SCRIPT_VERSION + ")");
   program.require_subcommand(1);
   program.footer(kFooter);
   add_common_options(program, common);
@@ -105,7 +155,9 @@ int run(int argc, const char* const* argv) {
   for (const Command& command : commands) add_common_options(*command.app, common);
 
   try {
-    program.parse(argc, argv);
+    auto arguments = arguments_of(argc, argv, names_of(commands));
+    std::reverse(arguments.begin(), arguments.end());  // as CLI11 wants them
+    program.parse(std::move(arguments));
   } catch (const CLI::Success& wanted) {
     program.exit(wanted);
     return kDone;

@@ -65,12 +65,17 @@ standalone::ReadOptions SceneOptions::read_options() const {
 }
 
 void SceneOptions::apply_range(standalone::Scene& scene, std::size_t trails) const {
-  if (const auto frames = parse_range(range)) {
-    scene.settings.set_playback_range(frames->first, frames->last);
+  const FrameRange asked = parse_range(range).value_or(FrameRange{});
+  const double min = scene.settings.playback_min(), max = scene.settings.playback_max();
+  const double first = asked.first.value_or(min), last = asked.last.value_or(max);
+  const double frames = last - first;
+  if ((asked.first || asked.last) && !(frames > 0.0))
+    throw Failure(file + ": --range " + range + " leaves nothing of its frames, " + readable(min, 8) + " to " +
+                  readable(max, 8) + "; name both ends");
+  if ((asked.first && asked.last) || !(frames > kMaxFramesUnasked)) {
+    if (asked.first || asked.last) scene.settings.set_playback_range(first, last);
     return;
   }
-  const double frames = scene.settings.playback_max() - scene.settings.playback_min();
-  if (!(frames > kMaxFramesUnasked)) return;
   constexpr double kBytes = 100.0;  // of a sample while its trail is made
   throw Failure(file + ": its range of " + readable(frames, 8) + " frames is longer than a million; " +
                 counted(trails, "trail") + " over it would take about " +
@@ -95,22 +100,22 @@ void add_selection_options(CLI::App& command, SceneOptions& options) {
                "Objects by name or path, * and ? allowed; may be repeated (default: what is animated)")
       ->type_name("PATTERN");
   command.add_flag("--all", options.selection.all, "Every transform, animated or not");
-  command.add_option("--range", options.range, "First and last frame, as 1:48 (default: the scene's own)")
-      ->type_name("FIRST:LAST")
-      ->check(CLI::Validator(
-          [](std::string& text) {
-            return parse_range(text) ? std::string() : "'" + text + "' is not a valid range; write FIRST:LAST, as 1:48";
-          },
-          ""));
+  add_checked(command, "--range", options.range, "FIRST:LAST",
+              "First and last frame, as 1:48, 10: or :20 (default: the scene's own)",
+              "a valid range; write FIRST:LAST, as 1:48",
+              [](const std::string& text) { return parse_range(text).has_value(); });
 }
 
 std::optional<FrameRange> parse_range(const std::string& text) {
   const std::size_t colon = text.find(':');
   if (colon == std::string::npos) return std::nullopt;
-  const auto first = parse_number(std::string_view(text).substr(0, colon));
-  const auto last = parse_number(std::string_view(text).substr(colon + 1));
-  if (!first || !last || !(*first < *last)) return std::nullopt;
-  return FrameRange{*first, *last};
+  const std::string_view before = std::string_view(text).substr(0, colon),
+                         after = std::string_view(text).substr(colon + 1);
+  const FrameRange range{parse_number(before), parse_number(after)};
+  const bool understood =
+      (range.first || before.empty()) && (range.last || after.empty()) && (range.first || range.last);
+  if (!understood || (range.first && range.last && !(*range.first < *range.last))) return std::nullopt;
+  return range;
 }
 
 CLI::Option* add_checked(CLI::App& command, const std::string& name, std::string& value, const std::string& type,

@@ -36,19 +36,19 @@ struct SceneOptions {
 
   // Throws UsageError for an option that the file's format has no use for.
   standalone::ReadOptions read_options() const;
-  // Sets the playback range when one was asked for. Throws Failure when none was and the scene's own is longer than
-  // kMaxFramesUnasked, with what so many trails of it would take.
+  // Sets the playback range when one was asked for. Throws Failure when that leaves nothing of the scene's own, and
+  // when an end of more than kMaxFramesUnasked frames is the scene's own, with what so many trails of it would take.
   void apply_range(standalone::Scene& scene, std::size_t trails) const;
 };
 inline constexpr double kMaxFramesUnasked = 1'000'000.0;
 void add_scene_argument(CLI::App& command, SceneOptions& options);
 void add_selection_options(CLI::App& command, SceneOptions& options);
 
+// An end that is missing is that of the scene's own range.
 struct FrameRange {
-  double first;
-  double last;
+  std::optional<double> first, last;
 };
-// "A:B" with A < B, decimals and signs allowed; nothing for anything else.
+// "A:B" with A < B, "A:" or ":B", decimals and signs allowed; nothing for anything else.
 std::optional<FrameRange> parse_range(const std::string& text);
 
 // A finite number; nothing for anything else.

@@ -8,3 +8,13 @@ assert [(r["source"], int(r["sample"]), float(r["frame"]), float(r["x"])) for r 
 assert all(float(r["y"]) == 0 == float(r["z"]) for r in rows)
 # What rests is blue.
 assert all((float(r["r"]), float(r["g"]), float(r["b"])) == (0, 0, 1) for r in rows[3:]), rows
+
+
+def frames(name):
+    with open(name, newline="") as file:
+        return [float(row["frame"]) for row in csv.DictReader(file)]
+
+
+# An open range ends, or begins, where the scene's own does: at 8, and at 0.
+assert frames("late.csv") == [6, 7, 8], frames("late.csv")
+assert frames("early.csv") == [0, 1], frames("early.csv")
