@@ -41,12 +41,6 @@ int usage_error(const std::string& text, const CLI::App& program) {
   return kUsage;
 }
 
-std::string joined(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
-  return text;
-}
-
 std::string did_you_mean(const std::string& word, const std::vector<std::string>& words) {
   const auto nearest = nearest_word(word, words);
   return nearest ? " (did you mean '" + *nearest + "'?)" : "";

@@ -104,8 +104,8 @@ std::string bash_script(const std::vector<CommandInfo>& commands, const CommandI
          "\" -- \"$word\")) ;;\n  esac\n}\ncomplete -F _vantorelix vantorelix\n";
 }
 
-// The text in single quotes for a shell. In a specification for zsh's _arguments, colons, brackets and backslashes have
-// a meaning of their own and are escaped too.
+// The text in single quotes for a shell. In what zsh's _arguments reads, colons, brackets and backslashes have a
+// meaning of their own and are escaped too.
 std::string quoted(const std::string& text, bool for_zsh) {
   std::string out = "'";
   for (const char c : text) {

@@ -69,11 +69,11 @@ void SceneOptions::apply_range(standalone::Scene& scene, std::size_t trails) con
   const double min = scene.settings.playback_min(), max = scene.settings.playback_max();
   const double first = asked.first.value_or(min), last = asked.last.value_or(max);
   const double frames = last - first;
-  if ((asked.first || asked.last) && !(frames > 0.0))
+  if (!range.empty() && !(frames > 0.0))
     throw Failure(file + ": --range " + range + " leaves nothing of its frames, " + readable(min, 8) + " to " +
                   readable(max, 8) + "; name both ends");
   if ((asked.first && asked.last) || !(frames > kMaxFramesUnasked)) {
-    if (asked.first || asked.last) scene.settings.set_playback_range(first, last);
+    if (!range.empty()) scene.settings.set_playback_range(first, last);
     return;
   }
   constexpr double kBytes = 100.0;  // of a sample while its trail is made
@@ -136,15 +136,17 @@ CLI::Option* add_number(CLI::App& command, const std::string& name, std::string&
                      [](const std::string& text) { return parse_number(text).has_value(); });
 }
 
+std::string joined(const std::vector<std::string>& words, const char* separator) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : separator) + word;
+  return text;
+}
+
 CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string& value,
                         const std::vector<std::string>& words, const std::string& description) {
-  std::string joined, listed;
-  for (const std::string& word : words) {
-    joined += (joined.empty() ? "" : "|") + word;
-    listed += (listed.empty() ? "" : ", ") + word;
-  }
+  const std::string listed = joined(words);
   return command.add_option(name, value, description)
-      ->type_name(joined)
+      ->type_name(joined(words, "|"))
       ->check(CLI::Validator(
           [words, listed](std::string& text) {
             const bool known = std::find(words.begin(), words.end(), text) != words.end();
@@ -204,11 +206,8 @@ void check_outputs(const std::vector<std::string>& outputs, const std::vector<st
                    const std::string& scene) {
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     const std::string& out = outputs[i];
-    if (std::find(extensions.begin(), extensions.end(), extension_of(out)) == extensions.end()) {
-      std::string known;
-      for (const std::string& extension : extensions) known += (known.empty() ? "" : ", ") + extension;
-      throw UsageError("--out " + out + ": its extension must name the format; use one of " + known);
-    }
+    if (std::find(extensions.begin(), extensions.end(), extension_of(out)) == extensions.end())
+      throw UsageError("--out " + out + ": its extension must name the format; use one of " + joined(extensions));
     for (std::size_t k = 0; k < i; ++k) {
       if (same_file(outputs[k], out)) throw UsageError("--out " + out + ": named twice; write to different files");
       if (OutputFile::means_stdout(outputs[k]) && OutputFile::means_stdout(out))

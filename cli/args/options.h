@@ -63,6 +63,9 @@ CLI::Option* add_checked(CLI::App& command, const std::string& name, std::string
 CLI::Option* add_number(CLI::App& command, const std::string& name, std::string& value, const std::string& type,
                         const std::string& description);
 
+// The words in a row: "trails, view, info".
+std::string joined(const std::vector<std::string>& words, const char* separator = ", ");
+
 // An option that takes one of these words, offered to the completion of shells too.
 CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string& value,
                         const std::vector<std::string>& words, const std::string& description);

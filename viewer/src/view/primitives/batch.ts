@@ -1,9 +1,10 @@
 // Many trails drawn at once: one object for all lines of a style, one for their dots, one for their key markers.
 
-import { BufferAttribute, BufferGeometry, LineSegments, Points, Sphere, type InstancedBufferAttribute, type Mesh, type ShaderMaterial } from "three";
+import { BufferAttribute, BufferGeometry, LineSegments, Points, type InstancedBufferAttribute, type Mesh, type ShaderMaterial } from "three";
 import type { ColorMode } from "../../source/trail";
 import { FatLineMaterial, FatLines } from "./fat_lines";
 import { oneColor } from "./materials";
+import { unculled } from "./unculled";
 
 /** A trail as it is drawn: places relative to the viewport's origin, y up, NaN where there is none. */
 export interface DrawnTrail {
@@ -56,32 +57,23 @@ function copy(to: Uint8Array, at: number, from: Uint8Array, sample: number): voi
   to[at + 2] = from[3 * sample + 2];
 }
 
-/** What is drawn of places and their colours, wherever the camera looks. */
 function geometryOf(places: Float32Array, colors: BufferAttribute | InstancedBufferAttribute): BufferGeometry {
   const geometry = new BufferGeometry();
   geometry.setAttribute("position", new BufferAttribute(places, 3));
   geometry.setAttribute("color", colors);
-  geometry.boundingSphere = new Sphere(); // of use to nobody, and three would look for it in all samples
   return geometry;
 }
 
-export function thinLines(ends: Float32Array, colors: Uint8Array, material: ShaderMaterial): LineSegments {
-  const lines = new LineSegments(geometryOf(ends, new BufferAttribute(colors, 3, true)), material);
-  lines.frustumCulled = false;
-  return lines;
-}
+export const thinLines = (ends: Float32Array, colors: Uint8Array, material: ShaderMaterial): LineSegments =>
+  unculled(new LineSegments(geometryOf(ends, new BufferAttribute(colors, 3, true)), material));
 
-export function pointsOf(places: Float32Array, colors: BufferAttribute | InstancedBufferAttribute, material: ShaderMaterial): Points {
-  const points = new Points(geometryOf(places, colors), material);
-  points.frustumCulled = false;
-  return points;
-}
+export const pointsOf = (
+  places: Float32Array, colors: BufferAttribute | InstancedBufferAttribute, material: ShaderMaterial,
+): Points => unculled(new Points(geometryOf(places, colors), material));
 
 /** Lines of a given width, or of one pixel, which software draws much faster. */
 export class Lines {
   readonly object: Mesh | LineSegments;
-  /** How many there are. */
-  readonly count: number;
   private readonly stretches: readonly Uint32Array[];
   private readonly fat: FatLines | null = null;
   /** Colours of both ends of each stretch; of a trail after the other. */
@@ -90,8 +82,7 @@ export class Lines {
   /** Wide ones may have one colour for all; other colours come by recolor(). */
   constructor(private readonly trails: readonly DrawnTrail[], stride: number, material: ShaderMaterial, color?: string) {
     this.stretches = trails.map(({ places }) => stretchesOf(places, stride));
-    this.count = this.stretches.reduce((sum, { length }) => sum + length / 2, 0);
-    const ends = new Float32Array(6 * this.count);
+    const ends = new Float32Array(3 * this.stretches.reduce((sum, { length }) => sum + length, 0));
     let at = 0;
     this.stretches.forEach((samples, i) => {
       const { places } = trails[i];
