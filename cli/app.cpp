@@ -21,7 +21,7 @@ namespace vantorelix::cli {
 
 namespace {
 
-constexpr const char* kFooter = R"(
+constexpr const char* kProgramFooter = R"(
 Examples:
   vantorelix trails bounce.ma                       what moves, and how fast
   vantorelix trails bounce.ma --out bounce.svg      a picture of it
@@ -141,7 +141,7 @@ int run(int argc, const char* const* argv) {
   CommonOptions common;
   program.set_version_flag("-V,--version", "vantorelix " VANTORELIX_VERSION " (engine " + SCRIPT_VERSION + ")");
   program.require_subcommand(1);
-  program.footer(kFooter);
+  program.footer(kProgramFooter);
   add_common_options(program, common);
   std::vector<Command> commands;
   for (const auto add : {add_trails, add_view, add_info, add_curves, add_live, add_completion})

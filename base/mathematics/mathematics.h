@@ -7,7 +7,12 @@
 // base/mathematics/mathematics_accuracy.cpp measures the errors against a library of many digits.
 #pragma once
 
+#include <numbers>
+
 namespace vantorelix::base {
+
+// In radians.
+inline constexpr double kDegree = std::numbers::pi / 180.0;
 
 struct SinCos {
   double sin, cos;

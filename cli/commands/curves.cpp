@@ -17,7 +17,7 @@ using standalone::Scene;
 
 namespace {
 
-constexpr const char* kFooter = R"(
+constexpr const char* kCurvesFooter = R"(
 One NURBS curve per object, named "vlx_OBJECT_curve", with a control vertex a sample.
 
 Examples:
@@ -91,7 +91,7 @@ Command add_curves(CLI::App& program) {
   add_integer(command, "--samples-per-frame", options->samples_per_frame, 1, 1'000'000'000,
               "Control vertices a frame, at least 1");
   add_repeated(command, "--out", options->outputs, "Write .ma or .csv; may be repeated")->type_name("FILE")->required();
-  command.footer(kFooter);
+  command.footer(kCurvesFooter);
   return {&command, [options](Terminal& terminal) { run_curves(*options, terminal); }};
 }
 

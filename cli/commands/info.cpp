@@ -19,7 +19,7 @@ using standalone::Scene;
 
 namespace {
 
-constexpr const char* kFooter = R"(
+constexpr const char* kInfoFooter = R"(
 Examples:
   vantorelix info walk.bvh
   vantorelix info rig.ma --all
@@ -229,7 +229,7 @@ Command add_info(CLI::App& program) {
   add_scene_argument(command, options->scene);
   command.add_flag("--json", options->json, "As JSON, every object");
   command.add_flag("--all", options->all, "List every object, the still ones too");
-  command.footer(kFooter);
+  command.footer(kInfoFooter);
   return {&command, [options](Terminal& terminal) { run_info(*options, terminal); }};
 }
 

@@ -19,7 +19,7 @@ using standalone::Scene;
 
 namespace {
 
-constexpr const char* kFooter = R"(
+constexpr const char* kLiveFooter = R"(
 The edits are a JSON file, {"edits": [...]}; each has "at", seconds from the start, and one of
   "set_key": "ball.translateY", "frame": 12, "value": 9.5     value in degrees on angles
   "move_key": "ball.translateY", "frame": 12, "to": 14        tangents go along
@@ -131,7 +131,7 @@ Command add_live(CLI::App& program) {
               "Samples a frame, at least 1");
   command.add_option("--edits", options->edits, "JSON file of timed edits, see below")->type_name("FILE")->required();
   command.add_option("--report", options->report, "Write the figures as .json too")->type_name("FILE");
-  command.footer(kFooter);
+  command.footer(kLiveFooter);
   return {&command, [options](Terminal& terminal) { run(*options, terminal); }};
 }
 

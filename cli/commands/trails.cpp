@@ -17,7 +17,7 @@ namespace vantorelix::cli {
 
 namespace {
 
-constexpr const char* kFooter = R"(
+constexpr const char* kTrailsFooter = R"(
 Without --out a table goes to standard output. The extension of a file names its format:
   .json  everything: points, colours, keys of each trail     .csv  a line a sample
   .svg   a picture, light and dark                           .html  a page to look at them from every side
@@ -103,7 +103,7 @@ Command add_trails(CLI::App& program) {
   add_repeated(command, "--out", options->outputs, "Write .json, .csv, .svg, .png or .html; may be repeated")
       ->type_name("FILE");
   add_picture_options(command, options->picture);
-  command.footer(kFooter);
+  command.footer(kTrailsFooter);
   return {&command, [options](Terminal& terminal) { run_trails(*options, terminal); }};
 }
 

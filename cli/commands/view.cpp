@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kFooter = R"(
+constexpr const char* kViewFooter = R"(
 The page is one file that needs no network and nothing else: look at it, keep it, send it. Without --out it goes into
 a new folder among the system's temporary files. The variable BROWSER names another browser.
 
@@ -68,7 +68,7 @@ Command add_view(CLI::App& program) {
   add_trail_options(command, options->trails);
   command.add_option("--out", options->output, "Where the page goes (default: a temporary file)")->type_name("FILE");
   command.add_flag("--no-open", options->no_open, "Only write the page");
-  command.footer(kFooter);
+  command.footer(kViewFooter);
   return {&command, [options](Terminal& terminal) { run_view(*options, terminal); }};
 }
 

@@ -1,6 +1,7 @@
 // Opening a scene file of any format.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -41,6 +42,9 @@ struct ReadOptions {
   // Also finds how large the surfaces are that hang on the nodes (kBounds).
   bool bounds = false;
 };
+
+// How deep nodes may lie inside each other in a file of any format. What people make comes nowhere near.
+inline constexpr std::size_t kMaxDepth = 2000;
 
 // Reads a scene by its extension (".bvh", ".ma", ".fbx", ".gltf", ".glb", in any case). Throws FormatError; an unknown
 // extension names the ones that are read. What the file holds that cannot be followed ends in Scene::warnings.

@@ -83,7 +83,7 @@ Bounds bounds_of(const Fitted& fitted) {
 }
 
 Camera::Camera(const std::string& view, const Fitted& fitted, const Bounds& bounds) : centre_(bounds.centre()) {
-  constexpr double kDegree = std::numbers::pi / 180.0;
+  using base::kDegree;
   if (view != "persp") {
     look(view == "side" ? 90.0 * kDegree : 0.0, view == "top" ? 90.0 * kDegree : 0.0);
     return;

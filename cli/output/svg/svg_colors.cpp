@@ -12,8 +12,6 @@ namespace vantorelix::cli {
 
 namespace {
 
-enum Mode { kSpacing = 1, kFlow = 2, kBeats = 3 };
-
 // Steps of a colour channel. Speeds change from sample to sample: coarser than the eye can tell apart in a thin line,
 // so that neighbours share a path.
 constexpr int kSpeedLevels = 51, kAllLevels = 255;

@@ -7,12 +7,6 @@
 
 namespace vantorelix::cli {
 
-namespace {
-
-enum Mode { kSpacing = 1, kFlow = 2 };
-
-}  // namespace
-
 DrawnTrail::DrawnTrail(const session::TrailView& trail, Look look, Project project)
     : trail_(trail), look_(std::move(look)), project_(std::move(project)) {}
 

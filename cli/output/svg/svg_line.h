@@ -10,6 +10,9 @@
 
 namespace vantorelix::cli {
 
+// What a trail's color_mode means.
+enum ColorMode { kStandard = 0, kSpacing = 1, kFlow = 2, kBeats = 3 };
+
 // What a line leaves out: points closer than `tolerance` pixels to the last one kept, and all but every `every`-th
 // sample.
 struct Thinning {

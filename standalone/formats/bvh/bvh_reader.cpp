@@ -6,12 +6,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numbers>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "base/mathematics/mathematics.h"
 #include "base/number.h"
 #include "host/error.h"
 #include "standalone/formats/text_input.h"
@@ -20,9 +20,7 @@ namespace vantorelix::standalone {
 namespace {
 
 constexpr std::size_t kMaxJoints = 4'000'000;
-constexpr std::size_t kMaxDepth = 2000;
 constexpr std::size_t kMaxName = 65536;
-constexpr double kRadians = std::numbers::pi / 180.0;
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -293,7 +291,7 @@ class BvhReader {
       const char* const next = parse_number(begin, in_.end(), value);
       if (next == begin || !std::isfinite(value)) fail_in_row(done, next == begin);
       in_.advance(next);
-      if (column.is_rotation()) value *= kRadians;
+      if (column.is_rotation()) value *= base::kDegree;
       column.keys.push_back({row, value, Tangent::linear, Tangent::linear});
       ++done;
     }

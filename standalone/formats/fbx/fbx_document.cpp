@@ -11,8 +11,6 @@
 namespace vantorelix::standalone {
 namespace {
 
-constexpr std::uint32_t kMaxDepth = 2000;
-
 // Passes the library's progress on, a few times a second. What the listener throws waits until the library is through:
 // it cleans up only when it returns by itself.
 class Progress {
@@ -122,7 +120,7 @@ FbxDocument load_fbx(std::string_view bytes, const std::string& name, const Read
   ufbx_load_opts load = {};
   load.ignore_geometry = !options.bounds;
   load.ignore_embedded = true;
-  load.node_depth_limit = kMaxDepth;
+  load.node_depth_limit = static_cast<std::uint32_t>(kMaxDepth);
   load.temp_allocator.memory_limit = kFbxMemoryBase + kFbxMemoryMultiple * bytes.size();
   load.result_allocator.memory_limit = load.temp_allocator.memory_limit;
   if (options.progress) {

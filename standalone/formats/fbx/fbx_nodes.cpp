@@ -2,7 +2,6 @@
 #include <ufbx.h>
 
 #include <algorithm>
-#include <numbers>
 
 #include "base/mathematics/mathematics.h"
 #include "standalone/formats/bounds_draft.h"
@@ -12,8 +11,6 @@
 
 namespace vantorelix::standalone {
 namespace {
-
-constexpr double kRadians = std::numbers::pi / 180.0;
 
 std::array<double, 3> read_triple(const ufbx_node& node, const char* name, double rest) {
   ufbx_vec3 otherwise;
@@ -58,7 +55,7 @@ std::array<double, 3> inverse_angles(const std::array<double, 3>& angles) {
 
 std::array<double, 3> numbers_of(const ufbx_vec3& v) { return {v.x, v.y, v.z}; }
 
-double fbx_unit(const FbxNodeProperty& property) { return property.kind == CurveKind::angular ? kRadians : 1.0; }
+double fbx_unit(const FbxNodeProperty& property) { return property.kind == CurveKind::angular ? base::kDegree : 1.0; }
 
 bool FbxReader::is_joint(const ufbx_node& node) const {
   if (node.bone != nullptr || node.inherit_mode != UFBX_INHERIT_MODE_NORMAL) return true;
@@ -99,7 +96,7 @@ void FbxReader::place(const ufbx_node& node, NodeId id) {
   scene_.attributes.set_channel(id, Channel::rotateOrder, rotate_order(node));
   if (node.use_rotation_space) {
     std::array<double, 3> angles = read_triple(node, kFbxPostRotation, 0.0);
-    for (double& angle : angles) angle *= kRadians;
+    for (double& angle : angles) angle *= base::kDegree;
     scene_.attributes.set_channels(id, Channel::rotateAxisX, inverse_angles(angles));
     if (node.rotation_order == UFBX_ROTATION_ORDER_SPHERIC) {
       scene_.warnings.add(

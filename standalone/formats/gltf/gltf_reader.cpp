@@ -23,8 +23,6 @@
 namespace vantorelix::standalone {
 namespace {
 
-constexpr std::size_t kMaxDepth = 2000;
-
 // Extensions that change how things look or how meshes are stored, not where nodes are.
 bool is_harmless(std::string_view extension) {
   static constexpr std::array<std::string_view, 12> kBeginnings = {

@@ -12,7 +12,6 @@ namespace {
 
 // Instances of instances multiply: a small file could ask for any number of nodes.
 constexpr std::size_t kMaxTwins = 100'000;
-constexpr std::ptrdiff_t kMaxDepth = 2000;
 
 std::string second_path(NodeId above, std::string_view name) { return std::to_string(above) + "|" + std::string(name); }
 
@@ -51,7 +50,8 @@ void MayaReader::add_instances(const std::vector<std::string>& names, NodeId abo
 // The node of a path that goes through a second parent.
 NodeId MayaReader::find_by_second_path(std::string_view path) {
   const std::size_t bar = path.rfind('|');
-  if (bar == std::string_view::npos || std::count(path.begin(), path.end(), '|') > kMaxDepth) return kNoNode;
+  if (bar == std::string_view::npos || static_cast<std::size_t>(std::count(path.begin(), path.end(), '|')) > kMaxDepth)
+    return kNoNode;
   const std::string_view name = path.substr(bar + 1);
   const NodeId above = bar == 0 ? kWorld : find(path.substr(0, bar));
   if (above == kNoNode) return kNoNode;
@@ -81,7 +81,7 @@ void MayaReader::make_twins(NodeId node, NodeId above, NodeId first_twin) {
   if (!twin_path_.insert(node).second)
     return note(
         "a node is an instance of itself below itself, and is left out there; delete that instance before saving");
-  if (twins_left_ == 0 || twin_path_.size() > static_cast<std::size_t>(kMaxDepth)) {
+  if (twins_left_ == 0 || twin_path_.size() > kMaxDepth) {
     note("instances make more than " + std::to_string(kMaxTwins) +
          " nodes, or 2000 inside each other; the others are missing: bake or delete some of them before saving");
   } else {

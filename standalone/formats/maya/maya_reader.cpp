@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numbers>
 #include <utility>
 
+#include "base/mathematics/mathematics.h"
 #include "base/number.h"
 #include "host/error.h"
 #include "standalone/formats/maya/maya_units.h"
@@ -15,7 +15,6 @@ namespace vantorelix::standalone {
 namespace {
 
 constexpr std::size_t kMaxNodes = 4'000'000;
-constexpr std::uint16_t kMaxDepth = 2000;
 // Damaged files could make every statement a kind of its own.
 constexpr std::size_t kMaxNotes = 200;
 
@@ -45,7 +44,7 @@ bool is_switched_on(const std::string& word) { return word != "off" && word != "
 }  // namespace
 
 MayaReader::MayaReader(ByteSource& source, const ReadOptions& options, std::size_t window)
-    : in_(source, options, window), words_(in_), bounds_(options.bounds), radians_(std::numbers::pi / 180.0) {}
+    : in_(source, options, window), words_(in_), bounds_(options.bounds), radians_(base::kDegree) {}
 
 Scene MayaReader::read() {
   check_kind_of_file();

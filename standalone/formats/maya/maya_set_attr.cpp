@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numbers>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "base/mathematics/mathematics.h"
 #include "base/number.h"
 #include "host/error.h"
 #include "standalone/formats/bounds_draft.h"
@@ -169,7 +169,7 @@ void MayaReader::set_number(NodeId node, const std::string& attribute) {
   if (!words_.next_number(value)) return;
   const bool angle =
       scene_.nodes.type(node) == "pairBlend" && (attribute.starts_with("ir") || attribute.starts_with("inRot"));
-  if (angle) value *= radians_ / (std::numbers::pi / 180.0);
+  if (angle) value *= radians_ / base::kDegree;
   if (std::isfinite(value)) scene_.attributes.add(node, attribute, host::Value(value));
 }
 

@@ -4,14 +4,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <numbers>
 #include <string>
 
+#include "base/mathematics/mathematics.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::standalone {
 
-inline constexpr double kDegree = std::numbers::pi / 180.0;
+using base::kDegree;
 
 inline Scene read(const std::string& text) { return read_maya_ascii(text, "scene.ma"); }
 

@@ -1,8 +1,8 @@
 #include "standalone/formats/maya/maya_units.h"
 
 #include <array>
-#include <numbers>
 
+#include "base/mathematics/mathematics.h"
 #include "base/number.h"
 
 namespace vantorelix::standalone {
@@ -55,11 +55,10 @@ std::optional<LinearUnit> linear_unit_named(std::string_view name) {
 }
 
 std::optional<double> angular_unit_named(std::string_view name) {
-  constexpr double kDegree = std::numbers::pi / 180.0;
-  if (name == "deg" || name == "degree") return kDegree;
+  if (name == "deg" || name == "degree") return base::kDegree;
   if (name == "rad" || name == "radian") return 1.0;
-  if (name == "min" || name == "minute") return kDegree / 60.0;
-  if (name == "sec" || name == "second") return kDegree / 3600.0;
+  if (name == "min" || name == "minute") return base::kDegree / 60.0;
+  if (name == "sec" || name == "second") return base::kDegree / 3600.0;
   return std::nullopt;
 }
 
