@@ -10,6 +10,7 @@
 #include "cli/args/options.h"
 #include "cli/args/suggestion.h"
 #include "cli/commands/commands.h"
+#include "cli/output/licences.h"
 #include "cli/terminal/failure.h"
 #include "cli/terminal/interrupt.h"
 #include "cli/terminal/terminal.h"
@@ -93,6 +94,15 @@ std::vector<std::string> arguments_of(int argc, const char* const* argv, const s
   return arguments;
 }
 
+std::string licence_texts() {
+  std::string text = "The program holds parts of these libraries, under the terms that follow.\n";
+  for (const Licence& licence : licences()) {
+    const std::string title(licence.library);
+    text += "\n" + title + "\n" + std::string(title.size(), '=') + "\n\n" + std::string(licence.notice);
+  }
+  return text;
+}
+
 // What to do about a session's failure, in terms of this program's options.
 std::string remedy(session::Failure::Kind kind) {
   using Kind = session::Failure::Kind;
@@ -140,11 +150,14 @@ int run(int argc, const char* const* argv) {
                    "vantorelix");
   CommonOptions common;
   program.set_version_flag("-V,--version", "vantorelix " VANTORELIX_VERSION " (engine " + SCRIPT_VERSION + ")");
+  program.add_flag_callback(
+      "--licences,--licenses", [] { throw CLI::CallForVersion(licence_texts(), kDone); },
+      "Print the licences of what the program holds and exit");
   program.require_subcommand(1);
   program.footer(kProgramFooter);
   add_common_options(program, common);
   std::vector<Command> commands;
-  for (const auto add : {add_trails, add_view, add_info, add_curves, add_live, add_completion})
+  for (const auto add : {add_trails, add_view, add_info, add_curves, add_live, add_completion, add_manual})
     commands.push_back(add(program));
   for (const Command& command : commands) add_common_options(*command.app, common);
 

@@ -4,6 +4,7 @@
 # Debian has, decodes every image and buffer by itself, and runs out of stack on 200,000 brackets in a row.
 include(cmake/third_party.cmake)
 vantorelix_third_party(cgltf cgltf_folder)
+vantorelix_licence(cgltf)
 
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/cgltf.cpp CONTENT "#define CGLTF_IMPLEMENTATION\n#include <cgltf.h>\n")
 add_library(vantorelix_cgltf STATIC ${PROJECT_BINARY_DIR}/cgltf.cpp)

@@ -11,6 +11,7 @@ if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux" OR VANTORELIX_SANITIZE)
   return()
 endif()
 vantorelix_third_party(mimalloc mimalloc_folder)
+vantorelix_licence(mimalloc)
 
 # What was freed stays with the program: a rebuild frees as much as it takes, and memory that is given back meanwhile comes
 # again in the midst of a slice, a page fault each time: without the call 5500 instead of 250 in

@@ -19,5 +19,6 @@ endif()
 add_custom_command(OUTPUT ${page_code} COMMAND ${page_tool} VERBATIM COMMENT "Building the page"
                    DEPENDS ${page_sources} ${PROJECT_SOURCE_DIR}/tools/page.py)
 
+vantorelix_licence(three)
 add_library(vantorelix_page STATIC ${page_code})
 target_link_libraries(vantorelix_page PUBLIC vantorelix_flags)

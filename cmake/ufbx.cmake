@@ -1,6 +1,7 @@
 # vantorelix_ufbx: the library that reads FBX, compiled from its source.
 include(cmake/third_party.cmake)
 vantorelix_third_party(ufbx ufbx_folder)
+vantorelix_licence(ufbx)
 
 # As C++, which C compilers and toolchains without one need not be found for, and with our sine and its like.
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/ufbx.cpp CONTENT "#include \"standalone/formats/fbx/fbx_mathematics.h\"

@@ -1,4 +1,4 @@
-# A toolchain for modules that load on any Linux of the last decade: zig's C++ compiler with its own C++ library linked in,
+# A toolchain for programs and modules that run on any Linux of the last decade: zig's C++ compiler with its own C++ library linked in,
 # and no symbol of glibc newer than 2.17. VANTORELIX_ZIG is the program.
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VANTORELIX_ZIG)
 set(CMAKE_CXX_COMPILER ${VANTORELIX_ZIG} c++)
@@ -6,8 +6,17 @@ set(CMAKE_CXX_COMPILER_TARGET x86_64-linux-gnu.2.17)
 # Compiling is question enough: linking builds zig's C++ library, once more for every set of processor flags asked for.
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 
-# Nothing of the C++ library inside is seen from outside, where the process may have another one; no debug symbols.
+# No debug symbols.
+set(CMAKE_EXE_LINKER_FLAGS_INIT -s)
+# Nothing of the C++ library inside is seen from outside, where the process may have another one.
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "-s -Wl,--version-script=${CMAKE_CURRENT_LIST_DIR}/module_exports.map")
+
+# What is linked in besides our own libraries.
+get_filename_component(zig_folder ${VANTORELIX_ZIG} DIRECTORY)
+set(VANTORELIX_LINKED_LICENCES
+    libc++=${zig_folder}/lib/libcxx/LICENSE.TXT libc++abi=${zig_folder}/lib/libcxxabi/LICENSE.TXT
+    libunwind=${zig_folder}/lib/libunwind/LICENSE.TXT zig=${zig_folder}/LICENSE
+    glibc=${zig_folder}/lib/libc/glibc/io/stat-2.32.c)
 
 # The header of CPython 3.7 includes one of glibc's that zig does not have, and uses nothing of it.
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/absent/crypt.h CONTENT "")

@@ -6,7 +6,7 @@ What is there already is not fetched again. Afterwards a build needs no network.
   sources   of the C libraries in the program, from cargo and pip (tools/sources.py)
   page      npm's packages that the page is built and tested with, and Node.js where it is missing or too old
   browser   a Chromium for the page's tests, where the machine has none that runs
-  compiler  what ./dev package compiles and writes its manual with
+  compiler  what ./dev release and ./dev package compile with
   stubs     two descriptions of Maya, for ./dev lint
 
 The exit code is 1 if a part could not be fetched; the others are fetched all the same. The browser and the compiler are
@@ -17,10 +17,10 @@ import os
 import sys
 
 import browser
-import package
 import page
 import packages
 import sources
+import zig
 from clients import Failure
 from rules import maya_stubs
 
@@ -36,7 +36,7 @@ PARTS = {
     "sources": sources.fetch,
     "page": _page,
     "browser": browser.tell,
-    "compiler": package.compiler,
+    "compiler": zig.compiler,
     "stubs": lambda: maya_stubs.fetch(page.ROOT),
 }
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes dist/vantorelix-<version>-linux-x86_64.zip: the module for every CPython found, with all that goes into Maya.
 
-The modules are compiled by zig (tools/package.txt, cmake/zig.cmake), so that they load on older versions of Linux, too.
+The modules are compiled by zig (tools/zig.py), so that they load on older versions of Linux, too.
 The package also has the manual, which is made from pages of docs, and the licences of what zig links into the modules.
 """
 
@@ -11,18 +11,15 @@ import hashlib
 import json
 import os
 import re
-import subprocess
 import sys
-import zipfile
 
+import archives
 import manual
 import pypi
 import pythons
-from clients import Failure
+import zig
 
-ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-BUILD = os.path.join(ROOT, "build", "package")
-TOOLS = os.path.join(BUILD, "tools")  # an environment for what comes from PyPI
+ROOT = zig.ROOT
 PLUGIN = "Vantorelix_plugin.py"
 DESCRIPTION = os.path.join("maya", "package", "Vantorelix.mod")
 # Where the version stands.
@@ -54,31 +51,12 @@ def required():
     return sorted({tuple(map(int, v)) for v in re.findall(r"PYTHONPATH\+:=python-(\d+)\.(\d+)", read(DESCRIPTION))})
 
 
-def compiler():
-    """The path of zig, which is installed if it is missing; None, with the reason on standard error, if that fails."""
-    question = "import os, ziglang; print(os.path.join(os.path.dirname(ziglang.__file__), 'zig'))"
-    try:
-        pypi.pip(TOOLS, "install", os.path.join(ROOT, "tools", "package.txt"))
-        return subprocess.run([pypi.interpreter(TOOLS), "-c", question], check=True, stdout=subprocess.PIPE,
-                              universal_newlines=True).stdout.strip()
-    except (Failure, OSError, subprocess.CalledProcessError) as error:
-        print("package: THE COMPILER COULD NOT BE FETCHED, SO THE PACKAGE IS NOT MADE: %s" % error, file=sys.stderr)
-        return None
-
-
-def compile_modules(zig, interpreters):
-    """Leaves module-X.Y in BUILD for each of {version: interpreter}."""
-    environment = dict(os.environ, ZIG_GLOBAL_CACHE_DIR=os.path.join(BUILD, "zig-cache"))
-    environment.pop("CMAKE_CXX_COMPILER_LAUNCHER", None)  # ccache would take "c++" in "zig c++" for a source file
-    tree = os.path.join(BUILD, "cmake")
-    subprocess.run(["cmake", "-S", ROOT, "-B", tree, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release", "-DVANTORELIX_TESTS=OFF",
-                    "-DCMAKE_UNITY_BUILD=ON",
-                    "-DCMAKE_TOOLCHAIN_FILE=" + os.path.join(ROOT, "cmake", "zig.cmake"), "-DVANTORELIX_ZIG=" + zig,
-                    "-DVANTORELIX_MODULE_FOLDER=" + BUILD,
-                    "-DVANTORELIX_PYTHONS=" + ";".join(interpreters[v] for v in sorted(interpreters))],
-                   check=True, env=environment)
-    subprocess.run(["cmake", "--build", tree, "--target"] + ["module-%d.%d" % v for v in sorted(interpreters)],
-                   check=True, env=environment)
+def compile_modules(compiler, interpreters):
+    """Leaves module-X.Y in zig.FOLDER for each of {version: interpreter}."""
+    versions = sorted(interpreters)
+    zig.build(compiler, "cmake", {"VANTORELIX_MODULE_FOLDER": zig.FOLDER,
+                                  "VANTORELIX_PYTHONS": ";".join(interpreters[v] for v in versions)},
+              ["module-%d.%d" % v for v in versions])
 
 
 def only(pattern):
@@ -88,9 +66,9 @@ def only(pattern):
     return found[0]
 
 
-def licences(zig):
+def licences(compiler):
     """{path in the package: the file} for our licence, if there is one, and those of what is linked in."""
-    library = os.path.join(os.path.dirname(zig), "lib")
+    library = os.path.join(os.path.dirname(compiler), "lib")
     files = {"licences/%s.txt" % name: os.path.join(library, path) for name, path in LICENCES.items()}
     files["licences/README.txt"] = os.path.join(ROOT, "maya", "package", "licences.txt")
     files.update((os.path.basename(path), path) for path in glob.glob(os.path.join(ROOT, "LICENSE*")))
@@ -99,7 +77,7 @@ def licences(zig):
 
 def pages():
     """{path in the package: the file} for the manual."""
-    files = manual.write(pypi.interpreter(TOOLS), os.path.join(ROOT, "docs"), PAGES, os.path.join(BUILD, "manual"))
+    files = manual.write(pypi.interpreter(zig.TOOLS), os.path.join(ROOT, "docs"), PAGES, os.path.join(zig.FOLDER, "manual"))
     return {"manual/" + name: path for name, path in files.items()}
 
 
@@ -110,7 +88,7 @@ def modules(versions):
     for name in ("Vantorelix.mod", "install_vantorelix.py"):
         files[name] = os.path.join(ROOT, "maya", "package", name)
     for version in versions:
-        module = os.path.join(BUILD, "module-%d.%d" % version)
+        module = os.path.join(zig.FOLDER, "module-%d.%d" % version)
         parts = [only(os.path.join(module, "_vantorelix*.so"))]
         parts += [os.path.join(module, "Vantorelix_engine." + kind) for kind in ("py", "pyi")]
         for part in parts + [path for path in companions if os.path.basename(path) != PLUGIN]:
@@ -118,28 +96,20 @@ def modules(versions):
     return files
 
 
-def write_package(path, top, files):
-    """A zip of `files` below the folder `top`, with a list of their hashes; the same files give the same zip."""
-    data = {}
-    for name, source in files.items():
-        with open(source, "rb") as file:
-            data[name] = file.read()
-    hashes = {name: hashlib.sha256(content).hexdigest() for name, content in data.items()}
-    data["manifest.json"] = json.dumps(hashes, indent=2, sort_keys=True).encode()
-    os.makedirs(os.path.dirname(path), exist_ok=True)
-    with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as package:
-        for name in sorted(data):
-            entry = zipfile.ZipInfo(top + "/" + name)  # dated 1980, the first year that a zip knows
-            entry.external_attr = 0o644 << 16
-            entry.create_system = 3
-            package.writestr(entry, data[name], zipfile.ZIP_DEFLATED)
+def package(top, files):
+    """The bytes of a zip of `files` below the folder `top`, with a list of their hashes."""
+    hashes = {}
+    for name, path in files.items():
+        with open(path, "rb") as file:
+            hashes[name] = hashlib.sha256(file.read()).hexdigest()
+    manifest = {"manifest.json": json.dumps(hashes, indent=2, sort_keys=True).encode()}
+    return archives.as_zip({top + "/" + name: content for name, content in dict(files, **manifest).items()})
 
 
 def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--dist", default=os.path.join(ROOT, "dist"), help="the folder for the package")
     parser.add_argument("--partial", action="store_true", help="make the package even if a version that Maya needs is missing")
-    parser.add_argument("--compiler", action="store_true", help="only fetch the compiler")
     parser.add_argument("--pythons", action="store_true", help="only print the versions of Python that Maya needs")
     options = parser.parse_args(arguments)
     if options.pythons:
@@ -147,21 +117,19 @@ def main(arguments):
         return 0
     interpreters, _ = pythons.interpreters()
     missing = ", ".join("%d.%d" % v for v in required() if v not in interpreters)
-    if missing and not options.compiler:
+    if missing:
         print("package: THIS MACHINE HAS NO CPYTHON WITH Python.h FOR %s: install it, or leave it out with --partial" % missing,
               file=sys.stderr)
         if not options.partial:
             return 1
-    zig = compiler()
-    if not zig or options.compiler:
-        return 0 if zig else 1
+    compiler = zig.compiler()
+    if not compiler:
+        return 1
     top = "vantorelix-" + project_version()
-    files = dict(pages(), **licences(zig))
-    compile_modules(zig, interpreters)
+    files = dict(pages(), **licences(compiler))
+    compile_modules(compiler, interpreters)
     files.update(modules(sorted(interpreters)))
-    path = os.path.join(options.dist, top + "-linux-x86_64.zip")
-    write_package(path, top, files)
-    print("%s: %d bytes" % (os.path.relpath(path), os.path.getsize(path)))
+    archives.write(os.path.join(options.dist, top + "-linux-x86_64.zip"), package(top, files))
     return 0
 
 

@@ -1,10 +1,19 @@
 // Builds one file: script and style inside the page, and a policy that forbids everything else.
 
 import { createHash } from "node:crypto";
+import { readFileSync } from "node:fs";
+import { createRequire } from "node:module";
+import { dirname, join } from "node:path";
 import { defineConfig } from "vitest/config";
 import type { Plugin } from "vite";
 
 const hash = (text: string) => `'sha256-${createHash("sha256").update(text).digest("base64")}'`;
+
+/** The licence of the library in the page, which has to go wherever the page goes. */
+const notice = () => {
+  const library = dirname(createRequire(import.meta.url).resolve("three"));
+  return `<!--\nThis page holds parts of three.js.\n\n${readFileSync(join(library, "..", "LICENSE"), "utf8").trim()}\n-->\n`;
+};
 
 /** Puts the one script and the one style sheet of the build into the page, and their hashes into its policy. */
 function oneFile(): Plugin {
@@ -36,7 +45,7 @@ function oneFile(): Plugin {
       page.source = without
         .replace("<!--policy-->", () => `<meta http-equiv="Content-Security-Policy" content="${policy}">`)
         .replace("<!--style-->", () => `<style>${style}</style>`)
-        .replace("<!--script-->", () => `<script type="module">${script}</script>`);
+        .replace("<!--script-->", () => `${notice()}<script type="module">${script}</script>`);
       if ((page.source.match(/<!--trails-->/g) ?? []).length !== 1)
         throw new Error("the page needs exactly one <!--trails-->");
     },

@@ -2,55 +2,12 @@
 
 #include <vector>
 
+#include "cli/args/command_info.h"
 #include "cli/args/options.h"
 
 namespace vantorelix::cli {
 
 namespace {
-
-struct OptionInfo {
-  std::vector<std::string> names;  // with their dashes
-  std::string description;
-  std::vector<std::string> choices;
-  bool takes_value;
-  bool takes_file;
-};
-
-struct CommandInfo {
-  std::string name;
-  std::string description;
-  std::vector<OptionInfo> options;
-  std::vector<std::string> words;  // what its positional argument may be; empty: a file
-};
-
-std::string joined(const std::vector<std::string>& words, const std::string& separator) {
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : separator) + word;
-  return text;
-}
-
-CommandInfo describe(const CLI::App& app) {
-  CommandInfo command{app.get_name(), app.get_description(), {}, {}};
-  for (const CLI::Option* option : app.get_options()) {
-    if (option->get_positional()) {
-      command.words = choices_of(*option);
-      continue;
-    }
-    OptionInfo info{{}, option->get_description(), choices_of(*option), option->get_items_expected_max() > 0, false};
-    for (const std::string& name : option->get_snames()) info.names.push_back("-" + name);
-    for (const std::string& name : option->get_lnames()) info.names.push_back("--" + name);
-    info.takes_file = info.takes_value && option->get_type_name() == "FILE";
-    command.options.push_back(info);
-  }
-  return command;
-}
-
-std::vector<CommandInfo> commands_of(const CLI::App& program) {
-  std::vector<CommandInfo> commands;
-  for (const CLI::App* app : program.get_subcommands([](const CLI::App*) { return true; }))
-    commands.push_back(describe(*app));
-  return commands;
-}
 
 std::string option_words(const CommandInfo& command) {
   std::vector<std::string> names;
@@ -90,7 +47,7 @@ std::string bash_script(const std::vector<CommandInfo>& commands, const CommandI
       ") command=${COMP_WORDS[i]}; break ;; esac\n"
       "  done\n"
       "  case $command:$before in\n" +
-      bash_values({"", "", program.options, {}});
+      bash_values({"", "", program.options, {}, {}, {}});
   for (const CommandInfo& command : commands) text += bash_values(command);
   text += "  esac\n  case $command in\n";
   for (const CommandInfo& command : commands) {

@@ -136,9 +136,12 @@ CLI::Option* add_number(CLI::App& command, const std::string& name, std::string&
                      [](const std::string& text) { return parse_number(text).has_value(); });
 }
 
-std::string joined(const std::vector<std::string>& words, const char* separator) {
+std::string joined(const std::vector<std::string>& words, std::string_view separator) {
   std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : separator) + word;
+  for (const std::string& word : words) {
+    if (!text.empty()) text += separator;
+    text += word;
+  }
   return text;
 }
 

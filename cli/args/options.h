@@ -64,7 +64,7 @@ CLI::Option* add_number(CLI::App& command, const std::string& name, std::string&
                         const std::string& description);
 
 // The words in a row: "trails, view, info".
-std::string joined(const std::vector<std::string>& words, const char* separator = ", ");
+std::string joined(const std::vector<std::string>& words, std::string_view separator = ", ");
 
 // An option that takes one of these words, offered to the completion of shells too.
 CLI::Option* add_choice(CLI::App& command, const std::string& name, std::string& value,

@@ -23,5 +23,6 @@ Command add_info(CLI::App& program);
 Command add_curves(CLI::App& program);
 Command add_live(CLI::App& program);
 Command add_completion(CLI::App& program);
+Command add_manual(CLI::App& program);
 
 }  // namespace vantorelix::cli

@@ -7,15 +7,15 @@ common = {"--quiet", "--strict", "--color", "--help"}
 of_scenes = set(re.findall(r"^\| `(--[a-z-]+)", manual.split("\n## ")[0], re.M))
 assert "--take" in of_scenes
 sections = dict(re.findall(r"^## `vantorelix (\w+)[^\n]*\n(.*?)(?=^## |\Z)", manual, re.M | re.S))
-assert set(sections) == {"trails", "view", "info", "curves", "live", "completion"}, set(sections)
+assert set(sections) == {"trails", "view", "info", "curves", "live", "completion", "manual"}, set(sections)
 for command, text in sections.items():
-    promised = set(re.findall(r"^\| `(--[a-z-]+)", text, re.M)) | common | (set() if command == "completion" else of_scenes)
+    promised = set(re.findall(r"^\| `(--[a-z-]+)", text, re.M)) | common | (set() if command in ("completion", "manual") else of_scenes)
     helped = open(command + ".txt").read()
-    options = helped.split("Examples:")[0].split("Options:")[1]
+    options = re.split("Examples?:", helped)[0].split("Options:")[1]
     told = set(re.findall(r"(--[a-z][a-z-]*)", re.sub(r"'--out=[^']*'", "", options.split("Without --out")[0])))
     told.discard("--no-ghost")
     assert told == promised, (command, told ^ promised)
-    assert "Examples:" in helped, command
+    assert re.search("Examples?:", helped), command
     for shell in ("bash", "zsh", "fish"):
         script = open(shell + ".txt").read()
         for option in promised:
