@@ -115,6 +115,13 @@ std::string remedy(session::Failure::Kind kind) {
       return "; 'vantorelix info' lists the frames of the first and last keys";
     case Kind::no_trail:
       return "; choose other objects with --select";
+    case Kind::bad_pattern:
+    case Kind::no_match:
+    case Kind::no_object:
+    case Kind::nothing_animated:
+    case Kind::nothing_followed:
+    case Kind::all_excluded:
+      return "";  // choose_objects says it, which knows the file
   }
   return "";
 }

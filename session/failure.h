@@ -13,6 +13,13 @@ struct Failure : std::runtime_error {
     too_many_samples,  // more than memory holds
     no_trail,          // the engine made none, or warned
     no_such_key,
+    // Of choosing objects:
+    bad_pattern,       // not a valid one
+    no_match,          // a pattern that matches no object
+    no_object,         // the scene has none
+    nothing_animated,  // nor anything chosen by name
+    nothing_followed,  // what is animated is driven by what cannot be followed
+    all_excluded,
   };
 
   Failure(Kind what_kind, const std::string& text) : std::runtime_error(text), kind(what_kind) {}

@@ -97,9 +97,12 @@ void add_scene_argument(CLI::App& command, SceneOptions& options) {
 
 void add_selection_options(CLI::App& command, SceneOptions& options) {
   add_repeated(command, "--select", options.selection.patterns,
-               "Objects by name or path, * and ? allowed; may be repeated (default: what is animated)")
+               "Objects by name or path, or patterns as '*_L', 'Hips|**'; may be repeated (default: what is animated)")
       ->type_name("PATTERN");
   command.add_flag("--all", options.selection.all, "Every transform, animated or not");
+  add_repeated(command, "--exclude", options.selection.exclude, "Objects to leave out; may be repeated")
+      ->type_name("PATTERN");
+  command.add_flag("--ignore-case", options.selection.ignore_case, "Patterns take a to z for A to Z");
   add_checked(command, "--range", options.range, "FIRST:LAST",
               "First and last frame, as 1:48, 10: or :20 (default: the scene's own)",
               "a valid range; write FIRST:LAST, as 1:48",

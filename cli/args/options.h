@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/args/selection.h"
 #include "cli/terminal/terminal.h"
+#include "session/selection.h"
 #include "standalone/formats/reader.h"
 #include "standalone/scene/scene.h"
 
@@ -31,7 +31,7 @@ struct SceneOptions {
   std::string file;
   std::string take, fps, axis, unit;
   std::string prefix = "--";  // of the four before, as they were typed
-  Selection selection;
+  session::Selection selection;
   std::string range;
 
   // Throws UsageError for an option that the file's format has no use for.

@@ -60,7 +60,7 @@ void run_curves(const CurvesOptions& options, Terminal& terminal) {
   check_outputs(options.outputs, {".ma", ".csv"}, options.scene.file);
   for (const std::string& output : options.outputs) check_destination(output);
   Scene loaded = load_scene(options.scene, terminal);
-  const auto objects = choose(loaded, options.scene.selection, options.scene.file);
+  const auto objects = choose_objects(loaded, options.scene);
   options.scene.apply_range(loaded, objects.size());
   const auto old = loaded.nodes.of_type("nurbsCurve");
   const std::unordered_set<NodeId> known(old.begin(), old.end());

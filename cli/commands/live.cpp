@@ -96,7 +96,7 @@ void run(const LiveOptions& options, Terminal& terminal) {
     check_destination(options.report);
   }
   Scene loaded = load_scene(options.scene, terminal);
-  const auto objects = choose(loaded, options.scene.selection, options.scene.file);
+  const auto objects = choose_objects(loaded, options.scene);
   options.scene.apply_range(loaded, objects.size());
   check_distinct(loaded, objects);
   const auto events = read_edits(options.edits, loaded);

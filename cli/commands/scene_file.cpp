@@ -4,11 +4,28 @@
 
 #include "cli/terminal/failure.h"
 #include "cli/terminal/interrupt.h"
+#include "session/failure.h"
+#include "session/selection.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::cli {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+std::string remedy(session::Failure::Kind kind, const std::string& file) {
+  using Kind = session::Failure::Kind;
+  if (kind == Kind::no_match)
+    return "; see 'vantorelix info " + file + " --all' for the names, and quote patterns with * or ?";
+  if (kind == Kind::nothing_followed)
+    return "; 'vantorelix info " + file + "' shows what drives its objects: bake that before saving, or use --all";
+  if (kind == Kind::nothing_animated) return "; name objects with --select, or use --all for every object";
+  if (kind == Kind::no_object) return "; open a scene with transforms or joints";
+  return "; exclude fewer with --exclude";
+}
+
+}  // namespace
 
 std::string format_name(const fs::path& file) {
   const std::string extension = extension_of(file.string());
@@ -39,6 +56,16 @@ standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, boo
   terminal.end_progress();
   for (const auto& warning : scene.warnings.all()) terminal.warn(file.string() + ": " + warning_text(warning));
   return scene;
+}
+
+std::vector<standalone::NodeId> choose_objects(const standalone::Scene& scene, const SceneOptions& options) {
+  try {
+    return session::choose(scene, options.selection);
+  } catch (const session::Failure& failure) {
+    if (failure.kind == session::Failure::Kind::bad_pattern)
+      throw UsageError(failure.what() + std::string("; write [[], [{] or [}] for one that is a part of a name"));
+    throw Failure(options.file + ": " + failure.what() + remedy(failure.kind, options.file));
+  }
 }
 
 session::Options session_options(Terminal& terminal) {

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "cli/args/options.h"
 #include "cli/terminal/terminal.h"
@@ -14,6 +15,10 @@ namespace vantorelix::cli {
 // Reads the scene, with progress, and passes its warnings on; with `bounds` also how large its surfaces are. Throws
 // Failure, UsageError or standalone::FormatError.
 standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, bool bounds = false);
+
+// The objects that the options choose. Throws Failure when there are none, and UsageError for a pattern that is not
+// valid.
+std::vector<standalone::NodeId> choose_objects(const standalone::Scene& scene, const SceneOptions& options);
 
 // A session's progress on the terminal; an interrupt cancels it.
 session::Options session_options(Terminal& terminal);

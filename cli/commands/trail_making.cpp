@@ -74,7 +74,7 @@ void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
   if (!options.compare.fps.empty() && !options.compare.wanted())
     throw UsageError("--compare-fps: there is no second scene; name it with --compare");
   standalone::Scene scene = load_scene(options.scene, terminal, statics);
-  const auto objects = choose(scene, options.scene.selection, options.scene.file);
+  const auto objects = choose_objects(scene, options.scene);
   options.scene.apply_range(scene, objects.size());
   apply_frame(scene, options.frame);
   session::Options session_options = cli::session_options(terminal);

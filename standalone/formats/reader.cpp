@@ -1,9 +1,7 @@
 #include "standalone/formats/reader.h"
 
 #include <algorithm>
-#include <iterator>
 
-#include "base/pattern.h"
 #include "standalone/formats/text_input.h"
 
 namespace vantorelix::standalone {
@@ -47,18 +45,6 @@ void keep_name_in_file(Scene& scene, NodeId node, const std::string& name) {
 std::string name_in_file(const Scene& scene, NodeId node) {
   if (!scene.attributes.has(node, kNameInFile)) return std::string(scene.names.short_name(node));
   return scene.attributes.value(node, kNameInFile).text();
-}
-
-std::vector<NodeId> match_in_file(const Scene& scene, std::string_view pattern) {
-  std::vector<NodeId> found = scene.names.match(pattern);
-  const auto is_named = [&](NodeId node) {
-    return scene.attributes.has(node, kNameInFile) && matches(pattern, name_in_file(scene, node));
-  };
-  const std::vector<NodeId> all = scene.nodes.all();
-  std::copy_if(all.begin(), all.end(), std::back_inserter(found), is_named);
-  std::sort(found.begin(), found.end());
-  found.erase(std::unique(found.begin(), found.end()), found.end());
-  return found;
 }
 
 }  // namespace vantorelix::standalone

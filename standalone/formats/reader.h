@@ -57,9 +57,6 @@ inline constexpr std::string_view kNameInFile = "nameInFile";
 void keep_name_in_file(Scene& scene, NodeId node, const std::string& name);
 // The node's own name in the file, unchanged. A BVH end site, which has none, is "End Site of <joint>".
 std::string name_in_file(const Scene& scene, NodeId node);
-// Every node that a pattern with "*" and "?" stands for, be it by the scene's name of it (Scene::match) or by its name
-// in the file. In order of creation.
-std::vector<NodeId> match_in_file(const Scene& scene, std::string_view pattern);
 // Two corners, low and high, of the box around a node's or shape's surface, in the node's own space, as a vector array.
 // Empty where a skin, a blend shape or another deformer moves the surface: no box stands for it.
 inline constexpr std::string_view kBounds = "bounds";
