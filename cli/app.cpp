@@ -17,6 +17,7 @@
 #include "engine/state/constants.h"
 #include "host/error.h"
 #include "session/failure.h"
+#include "standalone/formats/reader.h"
 
 namespace vantorelix::cli {
 
@@ -35,10 +36,10 @@ Exit codes: 0 done, 1 error, 2 wrong usage, 3 done with warnings (under --strict
 'vantorelix help COMMAND' tells more about a command.)";
 
 // Reports what is wrong with the command line; CLI11 itself would print the full help.
-int usage_error(const std::string& text, const CLI::App& program) {
+int usage_error(const std::string& text, const CLI::App& program, LogFormat log) {
   std::string command = "vantorelix";
   for (const CLI::App* sub : program.get_subcommands()) command += " " + sub->get_name();
-  Terminal(ColorUse::automatic, false).error(text + "; see '" + command + " --help'");
+  Terminal(ColorUse::automatic, false, log).error(text + "; see '" + command + " --help'");
   return kUsage;
 }
 
@@ -103,6 +104,18 @@ std::string licence_texts() {
   return text;
 }
 
+// Of a command line that may be wrong in other ways.
+LogFormat asked_log_format(const std::vector<std::string>& arguments) {
+  LogFormat asked = LogFormat::text;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const bool apart = arguments[i] == "--log-format" && i + 1 < arguments.size();
+    const std::string word = apart ? "--log-format=" + arguments[i + 1] : arguments[i];
+    if (word == "--log-format=json") asked = LogFormat::json;
+    if (word == "--log-format=text") asked = LogFormat::text;
+  }
+  return asked;
+}
+
 // What to do about a session's failure, in terms of this program's options.
 std::string remedy(session::Failure::Kind kind) {
   using Kind = session::Failure::Kind;
@@ -137,8 +150,13 @@ int run_command(const Run& command, Terminal& terminal) {
   } catch (const UsageError& error) {
     terminal.error(error.what());
     return kUsage;
+  } catch (const standalone::FormatError& error) {
+    terminal.error(error.what(), {error.file(), error.line()});
   } catch (const session::Failure& failure) {
     terminal.error(failure.what() + remedy(failure.kind));
+  } catch (const PartlyDone& interrupt) {
+    terminal.error(interrupt.text());
+    return interrupt_exit_code();
   } catch (const host::Interrupt&) {
     if (!reader_is_gone()) terminal.error("interrupted; no file was written");
     return interrupt_exit_code();
@@ -168,18 +186,17 @@ int run(int argc, const char* const* argv) {
     commands.push_back(add(program));
   for (const Command& command : commands) add_common_options(*command.app, common);
 
+  const auto arguments = arguments_of(argc, argv, names_of(commands));
   try {
-    auto arguments = arguments_of(argc, argv, names_of(commands));
-    std::reverse(arguments.begin(), arguments.end());  // as CLI11 wants them
-    program.parse(std::move(arguments));
+    program.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // as CLI11 wants them
   } catch (const CLI::Success& wanted) {
     program.exit(wanted);
     return kDone;
   } catch (const CLI::ParseError& error) {
-    return usage_error(what_is_wrong(error, program, commands), program);
+    return usage_error(what_is_wrong(error, program, commands), program, asked_log_format(arguments));
   }
   catch_interrupts();
-  Terminal terminal(common.color_use(), common.quiet);
+  Terminal terminal(common.color_use(), common.quiet, common.log_lines());
   for (const Command& command : commands) {
     if (!command.app->parsed()) continue;
     const int code = run_command(command.run, terminal);

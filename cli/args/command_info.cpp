@@ -5,10 +5,11 @@
 namespace vantorelix::cli {
 
 CommandInfo describe(const CLI::App& app) {
-  CommandInfo command{app.get_name(), app.get_description(), {}, {}, {}, app.get_footer()};
+  CommandInfo command{app.get_name(), app.get_description(), {}, {}, {}, false, app.get_footer()};
   for (const CLI::Option* option : app.get_options()) {
     if (option->get_positional()) {
       command.words = choices_of(*option);
+      command.several = option->get_items_expected_max() > 1;
       command.argument = option->get_single_name();
       continue;
     }

@@ -20,9 +20,10 @@ struct CommandInfo {
   std::string name;
   std::string description;
   std::vector<OptionInfo> options;
-  std::vector<std::string> words;  // what its positional argument may be; empty: anything
+  std::vector<std::string> words;  // what its positional argument may be; empty: a file
   std::string argument;            // its positional argument's name; empty where it has none
-  std::string footer;              // what its help ends with
+  bool several = false;            // of these arguments
+  std::string footer = {};         // what its help ends with
 };
 
 CommandInfo describe(const CLI::App& app);

@@ -47,7 +47,7 @@ std::string bash_script(const std::vector<CommandInfo>& commands, const CommandI
       ") command=${COMP_WORDS[i]}; break ;; esac\n"
       "  done\n"
       "  case $command:$before in\n" +
-      bash_values({"", "", program.options, {}, {}, {}});
+      bash_values({"", "", program.options, {}, {}});
   for (const CommandInfo& command : commands) text += bash_values(command);
   text += "  esac\n  case $command in\n";
   for (const CommandInfo& command : commands) {
@@ -102,8 +102,8 @@ std::string zsh_script(const std::vector<CommandInfo>& commands, const CommandIn
   for (const CommandInfo& command : commands) {
     text += "      " + command.name + ") _arguments";
     for (const OptionInfo& option : command.options) text += zsh_option(option);
-    text += command.words.empty() ? " \\\n        '1:scene:_files' ;;\n"
-                                  : " \\\n        '1:word:(" + joined(command.words, " ") + ")' ;;\n";
+    text += std::string(" \\\n        '") + (command.several ? "*" : "1") +
+            (command.words.empty() ? ":scene:_files" : ":word:(" + joined(command.words, " ") + ")") + "' ;;\n";
   }
   return text +
          "      esac ;;\n  esac\n}\nif [[ $funcstack[1] == _vantorelix ]]; then _vantorelix \"$@\"; else compdef "

@@ -43,6 +43,8 @@ void add_common_options(CLI::App& command, CommonOptions& options) {
   command.add_flag("--strict", options.strict, "End with exit code 3 when there were warnings");
   add_choice(command, "--color", options.color, {"auto", "always", "never"},
              "Colour in texts; auto: on a terminal, unless NO_COLOR is set");
+  add_choice(command, "--log-format", options.log_format, {"text", "json"},
+             "Errors and warnings as text, or as JSON lines");
 }
 
 standalone::ReadOptions SceneOptions::read_options() const {
@@ -83,16 +85,29 @@ void SceneOptions::apply_range(standalone::Scene& scene, std::size_t trails) con
                 " GB; name the frames with --range FIRST:LAST");
 }
 
-void add_scene_argument(CLI::App& command, SceneOptions& options) {
-  command
-      .add_option("SCENE", options.file, "The scene: Maya ASCII (.ma), FBX (.fbx), glTF (.gltf, .glb) or BVH (.bvh)")
-      ->required();
+namespace {
+
+constexpr const char* kScene = "The scene: Maya ASCII (.ma), FBX (.fbx), glTF (.gltf, .glb) or BVH (.bvh)";
+
+void add_reading_options(CLI::App& command, SceneOptions& options) {
   command.add_option("--take", options.take, "The FBX take or glTF clip (default: the first; info lists them)")
       ->type_name("NAME");
   add_rate(command, "--fps", options.fps, "Frames a second of a glTF scene, which has none (default: 24)");
   add_choice(command, "--axis", options.axis, {"y-up", "z-up"}, "Turn an FBX scene (default: its own axes)");
   add_choice(command, "--unit", options.unit, {"mm", "cm", "m", "km", "in", "ft", "yd"},
              "Convert an FBX scene's lengths (default: its own unit)");
+}
+
+}  // namespace
+
+void add_scene_argument(CLI::App& command, SceneOptions& options) {
+  command.add_option("SCENE", options.file, kScene)->required();
+  add_reading_options(command, options);
+}
+
+void add_scene_arguments(CLI::App& command, std::vector<std::string>& scenes, SceneOptions& options) {
+  command.add_option("SCENE", scenes, std::string(kScene) + "; several are done one by one")->required();
+  add_reading_options(command, options);
 }
 
 void add_selection_options(CLI::App& command, SceneOptions& options) {

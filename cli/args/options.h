@@ -21,8 +21,10 @@ struct CommonOptions {
   bool quiet = false;
   bool strict = false;
   std::string color = "auto";
+  std::string log_format = "text";
 
   ColorUse color_use() const;
+  LogFormat log_lines() const { return log_format == "json" ? LogFormat::json : LogFormat::text; }
 };
 void add_common_options(CLI::App& command, CommonOptions& options);
 
@@ -42,6 +44,8 @@ struct SceneOptions {
 };
 inline constexpr double kMaxFramesUnasked = 1'000'000.0;
 void add_scene_argument(CLI::App& command, SceneOptions& options);
+// Of a command that takes any number of scenes.
+void add_scene_arguments(CLI::App& command, std::vector<std::string>& scenes, SceneOptions& options);
 void add_selection_options(CLI::App& command, SceneOptions& options);
 
 // An end that is missing is that of the scene's own range.

@@ -57,6 +57,7 @@ void write_all(const CurvesOptions& options, const std::vector<CurveView>& curve
 }
 
 void run_curves(const CurvesOptions& options, Terminal& terminal) {
+  terminal.set_scene(options.scene.file);
   check_outputs(options.outputs, {".ma", ".csv"}, options.scene.file);
   for (const std::string& output : options.outputs) check_destination(output);
   Scene loaded = load_scene(options.scene, terminal);

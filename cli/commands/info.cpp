@@ -213,6 +213,7 @@ void print_json(const SceneInfo& info) {
 }
 
 void run_info(const InfoOptions& options, Terminal& terminal) {
+  terminal.set_scene(options.scene.file);
   const Scene scene = load_scene(options.scene, terminal);
   const SceneInfo info = describe(scene, options.scene.file);
   if (options.json)

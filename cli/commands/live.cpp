@@ -91,6 +91,7 @@ void write_report(TextSink& out, const session::LiveReport& r, const std::string
 }
 
 void run(const LiveOptions& options, Terminal& terminal) {
+  terminal.set_scene(options.scene.file);
   if (!options.report.empty()) {
     check_outputs({options.report}, {".json"}, options.scene.file);
     check_destination(options.report);

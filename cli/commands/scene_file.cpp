@@ -54,7 +54,8 @@ standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, boo
   };
   standalone::Scene scene = standalone::read_scene(file, options);
   terminal.end_progress();
-  for (const auto& warning : scene.warnings.all()) terminal.warn(file.string() + ": " + warning_text(warning));
+  for (const auto& warning : scene.warnings.all())
+    terminal.warn(file.string() + ": " + warning_text(warning), {file.string()});
   return scene;
 }
 

@@ -49,7 +49,6 @@ session::TrailSettings TrailOptions::settings() const {
 }
 
 void add_trail_options(CLI::App& command, TrailOptions& options) {
-  add_scene_argument(command, options.scene);
   add_selection_options(command, options.scene);
   add_compare_options(command, options.compare);
   add_integer(command, "--samples-per-frame", options.samples_per_frame, 1, 1'000'000'000,

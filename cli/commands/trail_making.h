@@ -26,7 +26,7 @@ struct TrailOptions {
 
   session::TrailSettings settings() const;
 };
-// The scene and everything above.
+// Everything above but the scene itself.
 void add_trail_options(CLI::App& command, TrailOptions& options);
 
 // Makes the trails, beside those of a second scene where one was named, and hands them to `use`. With `statics` the

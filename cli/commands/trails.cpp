@@ -1,9 +1,12 @@
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <memory>
 
 #include "base/number_text.h"
 #include "cli/args/picture.h"
+#include "cli/args/placeholders.h"
+#include "cli/commands/batch.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/trail_making.h"
 #include "cli/output/html.h"
@@ -11,6 +14,7 @@
 #include "cli/output/svg/svg.h"
 #include "cli/output/text.h"
 #include "cli/output/writers.h"
+#include "cli/terminal/failure.h"
 #include "cli/terminal/screenshot.h"
 
 namespace vantorelix::cli {
@@ -29,10 +33,15 @@ Examples:
   vantorelix trails before.ma --compare after.ma --out apart.json
   vantorelix trails walk.bvh --select LeftHand --select RightHand --range 0:60 --out hands.svg
   vantorelix trails arm.ma --select 'arm|wrist' --samples-per-frame 4 --color-mode spacing --out wrist.json
+  vantorelix trails shots/*.fbx --out 'out/{stem}.json' --jobs 4 --keep-going
   vantorelix trails walk.bvh --frame 12 --onion every:6 --title 'The walk' --size 1920x1080 --out walk.png)";
+
+const std::vector<std::string> kExtensions = {".json", ".csv", ".svg", ".png", ".html"};
 
 struct TrailsOptions {
   TrailOptions trails;
+  std::vector<std::string> scenes;
+  BatchOptions batch;
   std::vector<std::string> outputs;
   PictureOptions picture;
 };
@@ -81,9 +90,11 @@ void print_table(const session::TrailReport& report, const Terminal& terminal) {
 
 bool is_page(const std::string& output) { return extension_of(output) == ".html"; }
 
-void run_trails(const TrailsOptions& options, Terminal& terminal) {
+void run_one(const TrailsOptions& options, Terminal& terminal) {
+  const auto begun = std::chrono::steady_clock::now();
   const std::vector<std::string>& outputs = options.outputs;
-  check_outputs(outputs, {".json", ".csv", ".svg", ".png", ".html"}, options.trails.scene.file);
+  terminal.set_scene(options.trails.scene.file);
+  check_outputs(outputs, kExtensions, options.trails.scene.file);
   for (const std::string& output : outputs) check_destination(output);
   const bool statics = std::any_of(outputs.begin(), outputs.end(), is_page);
   with_trails(options.trails, statics, terminal, [&](const session::TrailReport& report) {
@@ -91,7 +102,28 @@ void run_trails(const TrailsOptions& options, Terminal& terminal) {
       print_table(report, terminal);
     else
       write_all(outputs, report, options.picture.svg(), terminal);
+    terminal.done(report.trails.size(),
+                  std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count());
   });
+}
+
+void run_several(const CLI::App& command, const TrailsOptions& options, Terminal& terminal) {
+  if (options.batch.skip_existing && options.outputs.empty())
+    throw UsageError("--skip-existing: there are no files to be written; name them with --out");
+  const auto scenes = batch_of(options.scenes, options.outputs);
+  for (const BatchScene& each : scenes) {
+    check_outputs(each.outputs, kExtensions, each.scene);
+    if (!options.batch.keep_going)
+      for (const std::string& output : each.outputs) check_destination(output);
+  }
+  run_batch(command, scenes, options.batch, terminal);
+}
+
+void run_trails(const CLI::App& command, TrailsOptions options, Terminal& terminal) {
+  if (options.scenes.size() > 1 || options.batch.any()) return run_several(command, options, terminal);
+  options.trails.scene.file = options.scenes.front();
+  for (std::string& output : options.outputs) output = fill_in(output, options.scenes.front());
+  run_one(options, terminal);
 }
 
 }  // namespace
@@ -99,12 +131,15 @@ void run_trails(const TrailsOptions& options, Terminal& terminal) {
 Command add_trails(CLI::App& program) {
   CLI::App& command = *program.add_subcommand("trails", "Sample the trails of animated objects and write them");
   const auto options = std::make_shared<TrailsOptions>();
+  add_scene_arguments(command, options->scenes, options->trails.scene);
   add_trail_options(command, options->trails);
-  add_repeated(command, "--out", options->outputs, "Write .json, .csv, .svg, .png or .html; may be repeated")
+  add_repeated(command, "--out", options->outputs,
+               "Write .json, .csv, .svg, .png or .html; may be repeated; {stem} is the scene's name")
       ->type_name("FILE");
+  add_batch_options(command, options->batch);
   add_picture_options(command, options->picture);
   command.footer(kTrailsFooter);
-  return {&command, [options](Terminal& terminal) { run_trails(*options, terminal); }};
+  return {&command, [options, &command](Terminal& terminal) { run_trails(command, *options, terminal); }};
 }
 
 }  // namespace vantorelix::cli

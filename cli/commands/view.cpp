@@ -39,6 +39,7 @@ fs::path temporary_page(const std::string& scene) {
 }
 
 void run_view(const ViewOptions& options, Terminal& terminal) {
+  terminal.set_scene(options.trails.scene.file);
   if (!options.output.empty()) {
     check_outputs({options.output}, {".html"}, options.trails.scene.file);
     check_destination(options.output);
@@ -65,6 +66,7 @@ void run_view(const ViewOptions& options, Terminal& terminal) {
 Command add_view(CLI::App& program) {
   CLI::App& command = *program.add_subcommand("view", "Show the trails of animated objects in the browser");
   const auto options = std::make_shared<ViewOptions>();
+  add_scene_argument(command, options->trails.scene);
   add_trail_options(command, options->trails);
   command.add_option("--out", options->output, "Where the page goes (default: a temporary file)")->type_name("FILE");
   command.add_flag("--no-open", options->no_open, "Only write the page");

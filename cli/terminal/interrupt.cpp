@@ -2,8 +2,6 @@
 
 #include <csignal>
 
-#include "host/error.h"
-
 namespace vantorelix::cli {
 
 namespace {
@@ -16,7 +14,7 @@ extern "C" void note_signal(int number) {
 }
 
 #ifdef _WIN32
-constexpr int kSignals[] = {SIGINT, SIGTERM};
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGBREAK};
 
 bool is_ignored(int number) {
   const auto before = std::signal(number, SIG_DFL);

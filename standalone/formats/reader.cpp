@@ -7,7 +7,9 @@
 namespace vantorelix::standalone {
 
 FormatError::FormatError(const std::string& file, std::size_t line, const std::string& text)
-    : std::runtime_error(file + (line == 0 ? ": " : ":" + std::to_string(line) + ": ") + text), line_(line) {}
+    : std::runtime_error(file + (line == 0 ? ": " : ":" + std::to_string(line) + ": ") + text),
+      file_(file),
+      line_(line) {}
 
 Scene read_scene(const std::filesystem::path& file, const ReadOptions& options) {
   std::string extension = file.extension().string();

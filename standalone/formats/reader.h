@@ -18,9 +18,11 @@ namespace vantorelix::standalone {
 class FormatError : public std::runtime_error {
  public:
   FormatError(const std::string& file, std::size_t line, const std::string& text);
-  std::size_t line() const { return line_; }
+  const std::string& file() const { return file_; }
+  std::size_t line() const { return line_; }  // 0 where it is not known
 
  private:
+  std::string file_;
   std::size_t line_;
 };
 

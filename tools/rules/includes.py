@@ -38,7 +38,7 @@ FOREIGN = [
     (re.compile(r"(x86)?intrin\.h$"), {"base"}, False),
     (re.compile(r"cpuid\.h$"), {"base"}, True),
     (re.compile(r"sys/mman\.h$"), {"base"}, True),
-    (re.compile(r"(unistd\.h|fcntl\.h|windows\.h|shellapi\.h|io\.h|sys/\w+\.h)$"), {"standalone", "cli", "bench", "tests"}, True),
+    (re.compile(r"(unistd\.h|fcntl\.h|windows\.h|shellapi\.h|io\.h|sys/\w+\.h|mach-o/dyld\.h)$"), {"standalone", "cli", "bench", "tests"}, True),
 ]
 
 _INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)

@@ -3,7 +3,7 @@ import re
 
 # The options that the manual promises for each command are those of the help, and every shell completes them.
 manual = open(os.path.join(os.environ["DOCS"], "cli.md"), encoding="utf-8").read()
-common = {"--quiet", "--strict", "--color", "--help"}
+common = {"--quiet", "--strict", "--color", "--log-format", "--help"}
 of_scenes = set(re.findall(r"^\| `(--[a-z-]+)", manual.split("\n## ")[0], re.M))
 assert "--take" in of_scenes
 sections = dict(re.findall(r"^## `vantorelix (\w+)[^\n]*\n(.*?)(?=^## |\Z)", manual, re.M | re.S))
