@@ -152,6 +152,20 @@ void Session::convert_to_nurbs(std::int64_t degree) {
   vantorelix::convert_to_nurbs(degree);
 }
 
+std::vector<Trail> Session::followed() {
+  const OwnState::Turn in_force(state_);
+  return registered_trails();
+}
+
+void Session::remove(const std::vector<Trail>& trails) {
+  const OwnState::Turn in_force(state_);
+  for (const Trail& trail : trails) {
+    if (!scene_.nodes.exists(trail.viz)) continue;
+    _REGISTRY.erase(scene_.names.unique_name(trail.viz));
+    scene_.nodes.remove(trail.viz);
+  }
+}
+
 void Session::edit(const std::function<void(standalone::Host&)>& change) {
   const OwnState::Turn in_force(state_);
   change(host_);
@@ -185,7 +199,12 @@ void Session::run_turn(const std::vector<NodeId>& objects, const TrailSettings& 
   host_.select(objects);
   create_trail(settings.samples_per_frame, settings.line_width, settings.point_size, settings.show_line,
                settings.show_dots, settings.ghost, settings.color_mode);
-  // Nobody edits during create(), so the clock skips the quiet time that the engine would wait after an edit.
+  settle();
+}
+
+void Session::settle() {
+  const OwnState::Turn in_force(state_);
+  // Nobody edits meanwhile, so the clock skips the quiet time that the engine would wait after an edit.
   ahead_ += _DEBOUNCE;
   run_idle_loop();
   if (!failures_.empty()) throw Failure(Failure::Kind::no_trail, std::exchange(failures_, {}).front());

@@ -78,8 +78,16 @@ class Session {
   // A NURBS curve of each registered trail that has enough samples.
   void convert_to_nurbs(std::int64_t degree);
 
+  // The trails that follow edits: those of the last turn of each create(), less those that a later one made anew.
+  std::vector<Trail> followed();
+  // Ends trails: their nodes go. Those that are gone already are left out.
+  void remove(const std::vector<Trail>& trails);
+
   // The one way to change the scene or its host: the trails follow in idle calls.
   void edit(const std::function<void(standalone::Host&)>& change);
+  // Runs the idle loop until every trail that is followed is exact, without the quiet time that the engine waits after
+  // an edit. Throws Failure when a trail could not be computed.
+  void settle();
   // Runs one idle call; false when none is queued. One that throws ends the rebuild until the next edit.
   bool run_idle_once();
   std::size_t idle_count() const { return host_.idle_count(); }

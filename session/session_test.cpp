@@ -168,6 +168,37 @@ TEST(Session, ObjectsOfOneNameEachHaveATrail) {
   EXPECT_EQ(twins.shown(), others.shown());
 }
 
+TEST(Session, ATrailIsFollowedUntilAnotherTakesItsNameOrItIsRemoved) {
+  Work work(scene_of(2, 2.0));
+  Session& session = work.session();
+  const std::vector<NodeId> balls = {session.scene().names.require("ball0"), session.scene().names.require("ball1")};
+  const auto followed = [&] {
+    std::vector<NodeId> nodes;
+    for (const Trail& trail : session.followed()) nodes.push_back(trail.viz);
+    return nodes;
+  };
+  const auto first = session.create(balls, {});
+  EXPECT_THAT(followed(), testing::ElementsAre(first[0].viz, first[1].viz));
+  const auto second = session.create({balls[0]}, {});
+  EXPECT_THAT(followed(), testing::UnorderedElementsAre(first[1].viz, second[0].viz));
+  EXPECT_FALSE(session.scene().nodes.exists(first[0].viz));
+  session.remove(first);
+  EXPECT_THAT(followed(), testing::ElementsAre(second[0].viz));
+  EXPECT_FALSE(session.scene().nodes.exists(first[1].viz));
+}
+
+TEST(Session, SettlingMakesTrailsExactWithoutTheQuietTime) {
+  Work work(scene_of(3, 2.0));
+  work.make();
+  const auto expected = alone(scene_of(3, 2.0), 50.0);
+  work.move(7.0, 50.0);
+  EXPECT_TRUE(work.step());
+  EXPECT_EQ(work.shown(), expected[0]);
+  work.session().settle();
+  EXPECT_EQ(work.shown(), expected[1]);
+  EXPECT_EQ(work.session().idle_count(), 0u);
+}
+
 TEST(Session, ATrailsParentIsTheNearestAncestorThatHasATrail) {
   Scene scene;
   scene.settings.set_playback_range(1.0, 4.0);

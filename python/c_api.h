@@ -1,0 +1,100 @@
+/* Scenes and their trails through plain C, for the Python package, which loads this as a shared library.
+ *
+ * One call at a time in the whole process, whatever the scene. A function that returns an int returns 0 when it did its
+ * work; else vlx_error says what was wrong. Texts are UTF-8 (names as they are in their file) and end with a zero; a
+ * text that is handed out stays as it is until the next call of any function. Numbers are doubles, frames may be
+ * fractions.
+ */
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#if defined(_WIN32)
+#define VLX_API extern "C" __declspec(dllexport)
+#else
+#define VLX_API extern "C" __attribute__((visibility("default")))
+#endif
+
+struct VlxScene;
+struct VlxTrailSet;
+struct VlxTrail;
+
+struct VlxError {
+  /* "format": a file that cannot be read. "no_file": one that is not there. "not_found": a name or pattern that stands
+   * for nothing. "interrupted": the callback of vlx_watch asked for it. "memory". "failed": anything else. */
+  const char* kind;
+  const char* text;
+  std::size_t line; /* of the file, from 1; 0 where none is known */
+};
+
+/* Null or empty texts and numbers that are not above 0 leave a setting to the file. */
+struct VlxReading {
+  const char* take;
+  const char* axis; /* "y-up", "z-up" */
+  const char* unit; /* "mm", "cm", "m", "km", "in", "ft", "yd" */
+  double fps;
+};
+
+struct VlxRequest {
+  const char* const* patterns;
+  std::size_t pattern_count;
+  const char* const* excluded;
+  std::size_t excluded_count;
+  int ignore_case;
+  int all;
+  std::int64_t samples_per_frame; /* below 1: the engine's default */
+  int color_mode;                 /* 0 to 3; below 0: the engine's default */
+  double first, last;             /* frames; not a number: the scene's own end */
+};
+
+struct VlxArray {
+  const double* data; /* null where `count` is 0 */
+  std::size_t count;  /* of doubles */
+};
+
+struct VlxTrailArrays {
+  VlxArray points, colors, key_points, key_colors; /* triples */
+  VlxArray key_times;
+};
+
+VLX_API const char* vlx_version();
+/* Of the last call that failed. */
+VLX_API void vlx_error(VlxError* error);
+
+/* Asked about twenty times a second by the calls from here on while they are at work: anything but 0 ends the call.
+ * Null for none. */
+VLX_API void vlx_watch(int (*asked)());
+
+/* A scene goes with all its sets of trails; a trail lives on its own. */
+VLX_API int vlx_open(const char* file, const VlxReading* reading, VlxScene** scene);
+VLX_API int vlx_close(VlxScene* scene);
+
+/* JSON; see python/texts.h. */
+VLX_API int vlx_description(VlxScene* scene, const char** json);
+VLX_API int vlx_objects(VlxScene* scene, const char** json);
+
+VLX_API int vlx_trails(VlxScene* scene, const VlxRequest* request, VlxTrailSet** set, std::size_t* count);
+/* The set's trails are followed no more. */
+VLX_API int vlx_let_go(VlxScene* scene, VlxTrailSet* set);
+/* A trail of a set as it is now, with arrays that never change. */
+VLX_API int vlx_trail(VlxTrailSet* set, std::size_t index, VlxTrail** trail);
+VLX_API int vlx_trail_text(VlxTrail* trail, const char** json);
+VLX_API int vlx_trail_arrays(VlxTrail* trail, VlxTrailArrays* arrays);
+/* The one function that any thread may call at any time. */
+VLX_API void vlx_trail_free(VlxTrail* trail);
+
+/* 16 doubles a frame, row by row, row vectors; `count` frames. */
+VLX_API int vlx_world_matrices(VlxScene* scene, const char* object, const double* frames, std::size_t count,
+                               double* matrices);
+
+/* The frames of an object's keys in order, each once, of every attribute. They stay until the next call of any
+ * function.
+ */
+VLX_API int vlx_key_times(VlxScene* scene, const char* object, VlxArray* times);
+/* `attribute` is one channel, "translateY" or "ty"; `value` in degrees on angles. */
+VLX_API int vlx_set_key(VlxScene* scene, const char* object, const char* attribute, double frame, double value);
+VLX_API int vlx_move_key(VlxScene* scene, const char* object, const char* attribute, double frame, double to);
+VLX_API int vlx_remove_key(VlxScene* scene, const char* object, const char* attribute, double frame);
+/* Makes every set of trails exact after edits. */
+VLX_API int vlx_follow(VlxScene* scene);

@@ -1,0 +1,104 @@
+#include "python/texts.h"
+
+#include <array>
+#include <cstddef>
+#include <optional>
+
+#include "base/json_writer.h"
+#include "base/text_sink.h"
+#include "standalone/formats/reader.h"
+
+namespace vantorelix::api {
+
+using standalone::NodeId;
+using standalone::Scene;
+
+namespace {
+
+template <class Body>
+std::string object_text(const Body& body) {
+  StringSink out;
+  JsonWriter json(out);
+  json.object({}, [&] { body(json); });
+  return out.text();
+}
+
+std::optional<std::string> path(const Scene& scene, NodeId node) {
+  if (node == standalone::kWorld) return std::nullopt;
+  return scene.names.long_name(node);
+}
+
+std::optional<std::int64_t> number_in_file(const Scene& scene, NodeId node) {
+  if (!scene.attributes.has(node, standalone::kNumberInFile)) return std::nullopt;
+  return scene.attributes.value(node, standalone::kNumberInFile).to_int();
+}
+
+void write_object(JsonWriter& json, const Scene& scene, NodeId node) {
+  json.field("source", scene.names.long_name(node));
+  json.field("name", standalone::name_in_file(scene, node));
+  json.field("node", number_in_file(scene, node));
+  json.field("type", scene.nodes.type(node));
+  json.field("parent", path(scene, scene.nodes.parent(node)));
+  json.field("animated", scene.evaluation.is_animated(node));
+}
+
+void write_take(JsonWriter& json, const standalone::Take& take) {
+  json.field("name", take.name);
+  json.field("first", take.first);
+  json.field("last", take.last);
+}
+
+std::vector<std::string> warnings_of(const Scene& scene) {
+  std::vector<std::string> texts;
+  for (const auto& [kind, count] : scene.warnings.all())
+    texts.push_back(count == 1 ? kind : kind + " (" + std::to_string(count) + " times)");
+  return texts;
+}
+
+}  // namespace
+
+std::string description_of(const OpenScene& open) {
+  const auto& settings = open.scene().settings;
+  return object_text([&](JsonWriter& json) {
+    json.field("fps", settings.frames_per_second());
+    json.field("range", std::array{open.first(), open.last()});
+    json.field("unit", settings.linear_unit());
+    json.field("up_axis", std::string(1, settings.up_axis()));
+    json.key("takes");
+    json.list({}, [&] {
+      for (const auto& take : settings.takes()) json.object({}, [&] { write_take(json, take); });
+    });
+    json.field("take", settings.takes().empty() ? std::nullopt : std::optional<std::size_t>(settings.take()));
+    json.field("warnings", warnings_of(open.scene()));
+  });
+}
+
+std::string objects_of(const OpenScene& open) {
+  StringSink out;
+  JsonWriter json(out);
+  json.list({}, [&] {
+    for (const NodeId node : open.objects()) json.object({}, [&] { write_object(json, open.scene(), node); });
+  });
+  return out.text();
+}
+
+std::string trail_text(const session::TrailView& trail, const session::TrailReport& report) {
+  const session::TrailMeasure measure = session::measure(trail, report.fps);
+  return object_text([&](JsonWriter& json) {
+    json.field("viz", trail.viz);
+    json.field("source", trail.source);
+    json.field("name", trail.name);
+    json.field("node", trail.node);
+    json.field("parent", trail.parent);
+    json.field("samples_per_frame", trail.samples_per_frame);
+    json.field("color_mode", trail.color_mode);
+    json.field("start_frame", trail.start_frame);
+    json.field("frame_step", trail.frame_step);
+    json.field("warnings", trail.warnings);
+    json.field("length", measure.length);
+    json.field("mean_speed", measure.mean);
+    json.field("top_speed", measure.fastest);
+  });
+}
+
+}  // namespace vantorelix::api

@@ -1,0 +1,21 @@
+// What the package is told as JSON: everything but arrays of numbers.
+#pragma once
+
+#include <string>
+
+#include "python/open_scene.h"
+#include "session/report.h"
+
+namespace vantorelix::api {
+
+// {"fps", "range", "unit", "up_axis", "takes": [{"name", "first", "last"}], "take": index or null, "warnings": [text]}
+std::string description_of(const OpenScene& scene);
+
+// A list of {"source", "name", "node", "type", "parent", "animated"}: each object of the file, in its order.
+std::string objects_of(const OpenScene& scene);
+
+// The fields of a trail in the JSON of the program but for its arrays, and its measures in the report's unit and at its
+// rate.
+std::string trail_text(const session::TrailView& trail, const session::TrailReport& report);
+
+}  // namespace vantorelix::api

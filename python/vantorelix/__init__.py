@@ -1,0 +1,58 @@
+"""Motion trails of animated objects: where they have been, how fast, and where their keys are.
+
+    import vantorelix
+
+    scene = vantorelix.open("walk.bvh")
+    for trail in scene.trails("*Foot", samples_per_frame=2):
+        print(trail.source, trail.length, trail.points.shape)
+
+Arrays are read-only memory views of float64, which numpy.asarray takes without a copy. Positions are in the scene's unit,
+times in frames, speeds in units a second, angles in degrees.
+"""
+
+from __future__ import annotations
+
+import os
+from typing import Optional, Union
+
+from ._errors import ClosedError, Error, FormatError, MissingFileError, NotFoundError
+from ._library import library as _library
+from ._scene import COLOR_MODES, Scene, SceneObject, Take
+from ._scene import open_scene as _open_scene
+from ._scene import reading_of as _reading_of
+from ._trail import Trail
+
+__all__ = [
+    "COLOR_MODES",
+    "ClosedError",
+    "Error",
+    "FormatError",
+    "MissingFileError",
+    "NotFoundError",
+    "Scene",
+    "SceneObject",
+    "Take",
+    "Trail",
+    "open",
+]
+
+__version__: str = _library.vlx_version().decode()
+
+
+def open(
+    path: Union[str, "os.PathLike[str]"],
+    take: Optional[str] = None,
+    fps: Optional[float] = None,
+    axis: Optional[str] = None,
+    unit: Optional[str] = None,
+) -> Scene:
+    """Reads a scene file: Maya ASCII (.ma), FBX (.fbx), glTF (.gltf, .glb) or BVH (.bvh).
+
+    take: the FBX take or glTF clip (default: the first).
+    fps: frames a second of a glTF scene, which has none (default: 24).
+    axis: "y-up" or "z-up" turns an FBX scene (default: its own axes).
+    unit: "mm", "cm", "m", "km", "in", "ft" or "yd" converts the lengths of an FBX scene (default: its own unit).
+
+    Raises MissingFileError, FormatError, or Error for an option that the format has no use for.
+    """
+    return _open_scene(path, _reading_of(take, fps, axis, unit))
