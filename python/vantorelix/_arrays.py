@@ -14,15 +14,21 @@ def view(count: int, row: Tuple[int, ...] = (), address: Optional[int] = None, o
     The format is "d". Only where there is no row and `row` is not (), it is "<d", which Python itself does not read.
     """
     shape = (count,) + row
-    if count == 0 and row:
-        empty: Any = ctypes.c_double
-        for length in reversed(shape):
-            empty = empty * length
-        return memoryview(empty()).toreadonly()
+    if count == 0:
+        return _without_rows(shape).toreadonly()
     items = ctypes.c_double * _product(shape)
     memory = items.from_address(address) if address else items()
     memory.owner = owner
     return memoryview(memory).cast("B").cast("d", shape).toreadonly()
+
+
+def _without_rows(shape: Tuple[int, ...]) -> memoryview:
+    if len(shape) == 1:
+        return memoryview(array("d"))
+    kind: Any = ctypes.c_double
+    for length in reversed(shape):
+        kind = kind * length
+    return memoryview(kind())
 
 
 def address_of(memory: memoryview) -> int:

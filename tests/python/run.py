@@ -1,6 +1,7 @@
-"""Runs the tests beside this file: run.py [--report FILE] [PATTERN]
+"""Runs the tests beside this file: run.py [--report FILE] [--folder FOLDER] [PATTERN]
 
-The report is in the form of JUnit. PATTERN picks test files (test_*.py). Exit code 1 when a test failed.
+The report is in the form of JUnit. --folder names other tests. PATTERN picks test files (test_*.py). Exit code 1 when a
+test failed.
 """
 
 import argparse
@@ -58,10 +59,10 @@ class Recorded(unittest.TextTestResult):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--report", metavar="FILE")
+    parser.add_argument("--folder", default=os.path.dirname(os.path.abspath(__file__)))
     parser.add_argument("pattern", nargs="?", default="test_*.py")
     options = parser.parse_args()
-    here = os.path.dirname(os.path.abspath(__file__))
-    suite = unittest.defaultTestLoader.discover(here, options.pattern, here)
+    suite = unittest.defaultTestLoader.discover(options.folder, options.pattern, options.folder)
     start = time.time()
     result = unittest.TextTestRunner(resultclass=Recorded).run(suite)
     if options.report:
