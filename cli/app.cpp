@@ -179,6 +179,7 @@ int run(int argc, const char* const* argv) {
       "--licences,--licenses", [] { throw CLI::CallForVersion(licence_texts(), kDone); },
       "Print the licences of what the program holds and exit");
   program.require_subcommand(1);
+  program.allow_windows_style_options(false);  // "/" begins a path there, too
   program.footer(kProgramFooter);
   add_common_options(program, common);
   std::vector<Command> commands;

@@ -21,10 +21,16 @@ else()
   endif()
 endif()
 
-# The sources below a folder that are neither tests nor a shared library of their own.
+# The sources below a folder that are neither tests nor a shared library of their own. NAME_windows.cpp and NAME_posix.cpp
+# are one or the other.
+if(WIN32)
+  set(vantorelix_elsewhere posix)
+else()
+  set(vantorelix_elsewhere windows)
+endif()
 function(vantorelix_sources result folder)
   file(GLOB_RECURSE found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
-  list(FILTER found EXCLUDE REGEX "_test\\.cpp$|/main\\.cpp$")
+  list(FILTER found EXCLUDE REGEX "_test\\.cpp$|/main\\.cpp$|_${vantorelix_elsewhere}\\.cpp$")
   set(${result} ${found} PARENT_SCOPE)
 endfunction()
 

@@ -10,15 +10,12 @@
 #include <string_view>
 #include <vector>
 
+#include "base/paths.h"
 #include "cli/terminal/browser.h"
 #include "cli/terminal/failure.h"
 #include "cli/terminal/interrupt.h"
 #include "cli/terminal/private_folder.h"
 #include "cli/terminal/process.h"
-
-#ifndef _WIN32
-#include <unistd.h>
-#endif
 
 namespace vantorelix::cli {
 
@@ -53,29 +50,6 @@ class Folder {
   fs::path path_;
 };
 
-std::vector<std::string> own_places() {
-#ifdef _WIN32
-  std::vector<std::string> places;
-  for (const char* variable : {"ProgramFiles", "ProgramFiles(x86)", "LocalAppData"}) {
-    const char* folder = std::getenv(variable);
-    if (folder == nullptr) continue;
-    for (const char* program :
-         {"\\Google\\Chrome\\Application\\chrome.exe", "\\Microsoft\\Edge\\Application\\msedge.exe",
-          "\\Chromium\\Application\\chrome.exe", "\\Mozilla Firefox\\firefox.exe"})
-      places.push_back(std::string(folder) + program);
-  }
-  return places;
-#elif defined(__APPLE__)
-  return {"/Applications/Google Chrome.app/Contents/MacOS/Google Chrome",
-          "/Applications/Chromium.app/Contents/MacOS/Chromium",
-          "/Applications/Microsoft Edge.app/Contents/MacOS/Microsoft Edge",
-          "/Applications/Firefox.app/Contents/MacOS/firefox"};
-#else
-  return {"chromium",       "chromium-browser",      "google-chrome", "google-chrome-stable",
-          "microsoft-edge", "microsoft-edge-stable", "firefox"};
-#endif
-}
-
 std::string lower_name(const std::string& program) {
   std::string name = fs::path(program).filename().string();
   std::transform(name.begin(), name.end(), name.begin(),
@@ -94,16 +68,11 @@ std::vector<std::string> browsers() {
   std::vector<std::string> all;
   const char* named = std::getenv("BROWSER");
   std::istringstream stream(named == nullptr ? "" : named);
-#ifdef _WIN32
-  constexpr char kBetween = ';';  // a colon follows the letter of a drive
-#else
-  constexpr char kBetween = ':';
-#endif
-  for (std::string one; std::getline(stream, one, kBetween);) {
+  for (std::string one; std::getline(stream, one, paths::kNative.list_separator);) {
     std::string program;
     if (std::istringstream(one) >> program && is_known(program)) all.push_back(program);
   }
-  for (std::string& place : own_places()) all.push_back(std::move(place));
+  for (std::string& place : installed_browsers()) all.push_back(std::move(place));
   return all;
 }
 
@@ -125,10 +94,7 @@ std::vector<std::string> command(const std::string& program, const Job& job) {
                                     "--user-data-dir=" + profile,
                                     "--window-size=" + size,
                                     "--screenshot=" + picture};
-#ifndef _WIN32
-  // For the superuser Chromium starts only so; the page is our own and has no script.
-  if (geteuid() == 0) words.push_back("--no-sandbox");
-#endif
+  for (std::string& option : chromium_options()) words.push_back(std::move(option));
   words.push_back(address);
   return words;
 }

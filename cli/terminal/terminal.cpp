@@ -5,29 +5,9 @@
 
 #include "base/json_writer.h"
 #include "base/text_sink.h"
-
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include "cli/terminal/streams.h"
 
 namespace vantorelix::cli {
-
-namespace {
-
-bool is_terminal(std::FILE* stream) {
-#ifdef _WIN32
-  return _isatty(_fileno(stream)) != 0;
-#else
-  return isatty(fileno(stream)) != 0;
-#endif
-}
-
-}  // namespace
-
-bool is_terminal_stdout() { return is_terminal(stdout); }
-bool is_terminal_stderr() { return is_terminal(stderr); }
 
 bool use_color(ColorUse wish, bool terminal) {
   if (wish != ColorUse::automatic) return wish == ColorUse::always;
@@ -38,9 +18,9 @@ bool use_color(ColorUse wish, bool terminal) {
 Terminal::Terminal(ColorUse color, bool quiet, LogFormat format)
     : quiet_(quiet),
       json_(format == LogFormat::json),
-      color_stdout_(use_color(color, is_terminal_stdout())),
-      color_stderr_(use_color(color, is_terminal_stderr())),
-      progress_allowed_(!quiet && !json_ && is_terminal_stderr()),
+      color_stdout_(use_color(color, is_terminal(stdout))),
+      color_stderr_(use_color(color, is_terminal(stderr))),
+      progress_allowed_(!quiet && !json_ && is_terminal(stderr)),
       next_progress_(std::chrono::steady_clock::now() + std::chrono::seconds(1)) {}
 
 void Terminal::note(const std::string& text) {

@@ -20,8 +20,6 @@ struct Place {
 // Whether texts for a stream are coloured: always and never are obeyed; automatic asks for a terminal, and for
 // NO_COLOR unset or empty.
 bool use_color(ColorUse wish, bool is_terminal);
-bool is_terminal_stdout();
-bool is_terminal_stderr();
 
 class Terminal {
  public:

@@ -1,53 +1,13 @@
 #include "cli/terminal/process.h"
 
-#include <thread>
-
-#ifdef _WIN32
-#include <windows.h>
-
-#include <filesystem>
-#else
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#endif
+#include <thread>
 
 namespace vantorelix::cli {
-
-#ifdef _WIN32
-
-Process::Process(std::vector<std::string> words) {
-  std::wstring line;
-  // No path of this system holds a quotation mark.
-  for (const std::string& word : words)
-    line += (line.empty() ? L"\"" : L" \"") + std::filesystem::path(word).wstring() + L'"';
-  STARTUPINFOW start{};
-  start.cb = sizeof start;
-  PROCESS_INFORMATION made{};
-  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr, &start, &made))
-    return;
-  CloseHandle(made.hThread);
-  id_ = reinterpret_cast<std::intptr_t>(made.hProcess);
-}
-
-std::optional<bool> Process::wait(std::chrono::milliseconds time) {
-  if (id_ == -1) return false;
-  const auto handle = reinterpret_cast<HANDLE>(id_);
-  if (WaitForSingleObject(handle, static_cast<DWORD>(time.count())) != WAIT_OBJECT_0) return std::nullopt;
-  DWORD code = 1;
-  GetExitCodeProcess(handle, &code);
-  CloseHandle(handle);
-  id_ = -1;
-  return code == 0;
-}
-
-void Process::end() {
-  if (id_ != -1) TerminateProcess(reinterpret_cast<HANDLE>(id_), 1);
-}
-
-#else
 
 namespace {
 
@@ -90,7 +50,5 @@ void Process::end() {
   waitpid(static_cast<pid_t>(id_), nullptr, 0);
   id_ = -1;
 }
-
-#endif
 
 }  // namespace vantorelix::cli
