@@ -13,7 +13,8 @@ BUNDLES = ("/etc/ssl/certs/ca-certificates.crt", "/etc/pki/tls/certs/ca-bundle.c
 # For clients that bring their own certificates and do not read the system's: the variable that names more certificates,
 # and other variables by which the user may have chosen some. A client's settings file has precedence over all of these.
 CERTIFICATES = {"NODE_EXTRA_CA_CERTS": (), "REQUESTS_CA_BUNDLE": ("CURL_CA_BUNDLE",)}
-OWN_CERTIFICATE = {"npm": "NODE_EXTRA_CA_CERTS", "pip": "PIP_CERT", "cargo": "CARGO_HTTP_CAINFO"}
+OWN_CERTIFICATE = {"npm": "NODE_EXTRA_CA_CERTS", "pip": "PIP_CERT", "cargo": "CARGO_HTTP_CAINFO",
+                   "mvn": "-Djavax.net.ssl.trustStore in MAVEN_OPTS"}
 
 # Causes by what a client prints: (pattern, whether another attempt may help, what to do).
 CAUSES = (
