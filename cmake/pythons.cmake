@@ -10,6 +10,28 @@ function(vantorelix_ask_python python question result)
   set(${result} ${answer} PARENT_SCOPE)
 endfunction()
 
+# vantorelix_describe_python(PYTHON): sets `version`, `include`, `suffix` and `library`, what a module links with (nothing but
+# on Windows). An interpreter for another system does not run here: there PYTHON is its folder.
+function(vantorelix_describe_python python)
+  set(library "")
+  if(CMAKE_CROSSCOMPILING AND WIN32)
+    set(include ${python}/include)
+    file(STRINGS ${include}/patchlevel.h numbers REGEX "define PY_M(AJOR|INOR)_VERSION")
+    string(REGEX REPLACE ".*MAJOR_VERSION[ \t]+([0-9]+).*MINOR_VERSION[ \t]+([0-9]+).*" "\\1;\\2" numbers "${numbers}")
+    list(JOIN numbers "" digits)
+    list(JOIN numbers "." version)
+    set(suffix .cp${digits}-win_amd64.pyd)
+    set(library ${python}/libs/python${digits}.lib)
+  else()
+    vantorelix_ask_python(${python} "'%d.%d' % sys.version_info[:2]" version)
+    vantorelix_ask_python(${python} "sysconfig.get_path('include')" include)
+    vantorelix_ask_python(${python} "sysconfig.get_config_var('EXT_SUFFIX')" suffix)
+  endif()
+  foreach(name version include suffix library)
+    set(${name} "${${name}}" PARENT_SCOPE)
+  endforeach()
+endfunction()
+
 # The environment in which an interpreter loads what this build makes. Under a sanitizer its runtime comes before the
 # interpreter, which knows nothing of it and leaks by its own choice.
 function(vantorelix_python_environment result)

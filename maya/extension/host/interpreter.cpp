@@ -7,7 +7,7 @@ namespace vantorelix::maya {
 
 namespace {
 
-Ref environ() { return global_attribute<"os", "environ">(); }
+Ref process_environment() { return global_attribute<"os", "environ">(); }
 
 Ref imported(const std::string& module) {
   const Ref named = object_of(module);
@@ -78,14 +78,14 @@ std::vector<host::Value> Interpreter::module_search_path() {
 }
 
 std::optional<std::string> Interpreter::environment(const std::string& name) {
-  const Ref get = attribute(environ().get(), maya::name<"get">());
+  const Ref get = attribute(process_environment().get(), maya::name<"get">());
   const Ref value = call_with<>(get.get(), name);
   if (value.get() == Py_None) return std::nullopt;
   return text_of(value.get());
 }
 
 void Interpreter::set_environment(const std::string& name, const std::string& value) {
-  check(PyObject_SetItem(environ().get(), object_of(name).get(), object_of(value).get()));
+  check(PyObject_SetItem(process_environment().get(), object_of(name).get(), object_of(value).get()));
 }
 
 }  // namespace vantorelix::maya

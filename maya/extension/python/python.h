@@ -26,8 +26,18 @@
 #include <cstddef>
 #include <utility>
 
+#if defined(_WIN32) && PY_VERSION_HEX < 0x03090000
+// The interpreter's library keeps its own function to itself there; this one makes the bound object.
+inline int _PyObject_GetMethod(PyObject* object, PyObject* named, PyObject** method) {
+  *method = PyObject_GetAttr(object, named);
+  return 0;
+}
+#else
 // What the interpreter itself calls methods with. Every version has it, and not every version's header.
-extern "C" int _PyObject_GetMethod(PyObject* object, PyObject* named, PyObject** method);
+extern "C" {
+PyAPI_FUNC(int) _PyObject_GetMethod(PyObject* object, PyObject* named, PyObject** method);
+}
+#endif
 
 namespace vantorelix::maya {
 

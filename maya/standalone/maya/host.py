@@ -15,7 +15,7 @@ import sys
 import threading
 import traceback
 
-_LIBRARY = "libvantorelix_standalone.so"
+_LIBRARY = "vantorelix_standalone.dll" if os.name == "nt" else "libvantorelix_standalone.so"
 _ERRORS = {
     "runtime": RuntimeError,
     "type": TypeError,
