@@ -102,8 +102,10 @@ std::string zsh_script(const std::vector<CommandInfo>& commands, const CommandIn
   for (const CommandInfo& command : commands) {
     text += "      " + command.name + ") _arguments";
     for (const OptionInfo& option : command.options) text += zsh_option(option);
-    text += std::string(" \\\n        '") + (command.several ? "*" : "1") +
-            (command.words.empty() ? ":scene:_files" : ":word:(" + joined(command.words, " ") + ")") + "' ;;\n";
+    if (!command.argument.empty())
+      text += std::string(" \\\n        '") + (command.several ? "*" : "1") +
+              (command.words.empty() ? ":scene:_files" : ":word:(" + joined(command.words, " ") + ")") + "'";
+    text += " ;;\n";
   }
   return text +
          "      esac ;;\n  esac\n}\nif [[ $funcstack[1] == _vantorelix ]]; then _vantorelix \"$@\"; else compdef "

@@ -50,7 +50,7 @@ same(1, about("line.ma", "error", "--frame 100: the frames are 0 to 8; name one 
 same(2, {"level": "error", "message": usage})
 same(2, "vantorelix: " + usage)
 same(2, {"level": "error", "message": "'trials' is not a command (did you mean 'trails'?); use one of trails, view, info, "
-         "curves, live, completion; see 'vantorelix --help'"})
+         "curves, live, completion, manual; see 'vantorelix --help'"})
 same(3, "vantorelix: --log-format: 'yaml' is not one of text, json; see 'vantorelix trails --help'")
 same(1, about("line.ma", "note", "line.ma: line.json: 1 trail"), done("line.ma"), node,
      about("driven.ma", "warning", "driven.ma: " + driven), about("driven.ma", "note", "driven.ma: driven.json: 1 trail"),
