@@ -1,5 +1,6 @@
-"""What a shared library of 64-bit Linux asks of the machine that loads it, and what it offers."""
+"""What a program or shared library of 64-bit Linux asks of the machine that loads it, and what it offers."""
 
+import re
 import struct
 
 _DYNAMIC, _DYNAMIC_SYMBOLS, _VERSIONS_NEEDED, _VERSION_OF_SYMBOLS = 6, 11, 0x6FFFFFFE, 0x6FFFFFFF
@@ -49,3 +50,17 @@ class Library(object):
                 self.versions.append(self._text(names + name))
                 at += following
             offset += step
+
+
+# Of the machine that loads it: glibc in parts, and its loader.
+LIBRARIES = {"libc.so.6", "libm.so.6", "libpthread.so.0", "libdl.so.2", "librt.so.1", "ld-linux-x86-64.so.2"}
+
+
+def problems(library):
+    """Why a machine with glibc 2.17, and no C++ library that is known, would not load it (into Python, if it is a module)."""
+    found = ["needs " + name for name in library.needed if name not in LIBRARIES]
+    for version in library.versions:
+        glibc = re.match(r"GLIBC_(\d+)\.(\d+)", version)
+        if not glibc or tuple(map(int, glibc.groups())) > (2, 17):
+            found.append("needs " + version)
+    return found + ["needs " + name for name in library.unversioned if not re.match("_?Py", name)]

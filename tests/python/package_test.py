@@ -18,7 +18,7 @@ import zipfile
 
 import support
 import test_installer
-from elf import Library
+from elf import Library, problems
 from installer_case import CHECKOUT
 from recording_maya import Maya
 
@@ -26,18 +26,6 @@ PACKAGE = max(glob.glob(os.path.join(os.environ["VANTORELIX_PACKAGE"], "vantorel
               key=os.path.getmtime)
 TOP = os.path.basename(PACKAGE)[:-len("-linux-x86_64.zip")] + "/"
 THIS_VERSION = "python-%d.%d" % sys.version_info[:2]
-# Of the machine that loads it: glibc in parts, and its loader.
-LIBRARIES = {"libc.so.6", "libm.so.6", "libpthread.so.0", "libdl.so.2", "librt.so.1", "ld-linux-x86-64.so.2"}
-
-
-def problems(library):
-    """Why a machine with glibc 2.17, and no C++ library that is known, would not load it."""
-    found = ["needs " + name for name in library.needed if name not in LIBRARIES]
-    for version in library.versions:
-        glibc = re.match(r"GLIBC_(\d+)\.(\d+)", version)
-        if not glibc or tuple(map(int, glibc.groups())) > (2, 17):
-            found.append("needs " + version)
-    return found + ["needs " + name for name in library.unversioned if not re.match("_?Py", name)]
 
 
 class PackageTest(unittest.TestCase):
