@@ -30,13 +30,13 @@ def write(path, text):
     folder = os.path.dirname(path)
     if not os.path.isdir(folder):
         os.makedirs(folder)
-    with open(path, "w") as file:
+    with open(path, "w", newline="") as file:
         file.write(text)
     return path
 
 
 def read(path):
-    with open(path) as file:
+    with open(path, newline="") as file:
         return file.read()
 
 

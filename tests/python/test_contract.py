@@ -349,7 +349,7 @@ class Commands(ContractTest):
 
 class Bootstrap(ContractTest):
     def test_the_plugin_is_staged_loaded_and_looked_for_everywhere(self):
-        folder = self.maya.user_folder = tempfile.mkdtemp()
+        folder = tempfile.mkdtemp().replace(os.sep, "/")  # as Maya has paths, on Windows, too
         self.addCleanup(shutil.rmtree, folder)
         self.addCleanup(os.environ.pop, "MAYA_PLUG_IN_PATH", None)
         self.maya.loaded = False
@@ -363,8 +363,8 @@ class Bootstrap(ContractTest):
                                      "cmds.optionVar(q='SafeModeAllowedlistPaths')",
                                      "cmds.optionVar(stringValueAppend=('SafeModeAllowedlistPaths', %r))" % plug_ins])
         self.assertEqual(calls[-2], "cmds.loadPlugin('Vantorelix_plugin', quiet=True)")
-        self.assertIn("[Vantorelix] Plugin 'Vantorelix_plugin.py' not found. Tried: %s/Vantorelix_plugin.py | "
-                      % plug_ins, warning)
+        self.assertIn("[Vantorelix] Plugin 'Vantorelix_plugin.py' not found. Tried: %s | "
+                      % os.path.join(plug_ins, "Vantorelix_plugin.py"), warning)
         self.assertIn("| last error: Plug-in, ", warning)
         self.assertEqual(os.environ["MAYA_PLUG_IN_PATH"].split(os.pathsep)[-1], plug_ins)
 

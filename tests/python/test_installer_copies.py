@@ -30,9 +30,10 @@ class StagedCopies(InstallerTest):
 
     def test_one_of_two_versions_ago_is_known_still(self):
         self.install()
-        with mock.patch.object(self.installer.os, "replace", wraps=os.replace) as replace:
+        really_replace = os.replace
+        with mock.patch.object(self.installer.os, "replace") as replace:
             copy = self.copy_of_plugin("2025", "plugin 1")
-            replace.side_effect = lambda source, target: fail() if target == copy else os.rename(source, target)
+            replace.side_effect = lambda source, target: fail() if target == copy else really_replace(source, target)
             told, = self.install(self.make_package("2"))
         self.assertIn(copy + " was left: Permission denied.", told)
         self.assertEqual(os.listdir(os.path.dirname(copy)), ["Vantorelix_plugin.py"])

@@ -239,7 +239,8 @@ class Results(EngineTest):
                 self.assertEqual(os.path.normpath(found), os.path.join(folder, *parts + ["plug-ins"]))
 
     def test_an_allowed_list_of_any_kind_is_converted(self):
-        with tempfile.TemporaryDirectory() as folder:
+        with tempfile.TemporaryDirectory() as made:
+            folder = made.replace(os.sep, "/")  # as Maya has paths, on Windows, too
             known = [{folder: 1}, (folder,), {folder}, iter([folder]), folder, folder.encode()]
             for stored in known + [{"elsewhere": 1}, 7, None, []]:
                 added = []
