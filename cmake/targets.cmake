@@ -55,6 +55,8 @@ function(vantorelix_test folder)
   string(REPLACE "/" "_" name ${folder})
   add_executable(${name}_test ${sources})
   target_link_libraries(${name}_test PRIVATE ${ARG_DEPENDS} vantorelix_flags GTest::gtest GTest::gmock GTest::gtest_main)
+  # Tests of one folder may name things alike.
+  set_target_properties(${name}_test PROPERTIES UNITY_BUILD OFF)
   # What tests do themselves need not be fast, and takes twice as long to compile when it is.
   if(NOT MSVC)
     # Without optimising zig checks for undefined behaviour, with a library that it lacks for some systems.

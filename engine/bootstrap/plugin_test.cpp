@@ -146,6 +146,7 @@ TEST_F(PluginTest, WithoutAUserFolderTheSourceIsUsedWhereItLies) {
 // --- candidates ------------------------------------------------------------------------------------------------
 
 TEST_F(PluginTest, CandidatesComeInTheirFixedOrder) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   const std::string suite = temp / "suite";
   const std::string top = paths::directory_name(suite);
   fake.search_path = {"/elsewhere", 7, host::Bytes{"/bytes"}, "/elsewhere", host::Value(), "/last/"};
@@ -156,6 +157,7 @@ TEST_F(PluginTest, CandidatesComeInTheirFixedOrder) {
 }
 
 TEST_F(PluginTest, ASearchPathEntryThatIsTheEnginesFolderAddsNothing) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   const std::vector<std::string> without = _candidate_plugin_paths();
   fake.search_path = {here};
   EXPECT_EQ(_candidate_plugin_paths(), without);
@@ -163,17 +165,20 @@ TEST_F(PluginTest, ASearchPathEntryThatIsTheEnginesFolderAddsNothing) {
 }
 
 TEST_F(PluginTest, FixedCandidatesStayEvenWhereTwoCoincide) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   fake.file = "/modules/Vantorelix_engine.py";  // its folder's parent is the top
   EXPECT_THAT(_candidate_plugin_paths(), ElementsAre(user_folder + "/" + kFile, "/modules/" + kFile,
                                                      "/modules/" + kFile, "/" + kFile, kFile, "Vantorelix_plugin"));
 }
 
 TEST_F(PluginTest, AnEngineWithoutAFileOfItsOwnLeavesThoseCandidatesOut) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   fake.file = "";
   EXPECT_THAT(_candidate_plugin_paths(), ElementsAre(user_folder + "/" + kFile, kFile, "Vantorelix_plugin"));
 }
 
 TEST_F(PluginTest, AnEmptySearchPathEntryIsTheBareFileNameAndTheBareNameStillFollows) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   fake.file = "";
   fake.search_path = {""};
   EXPECT_THAT(_candidate_plugin_paths(), ElementsAre(user_folder + "/" + kFile, kFile, kFile, "Vantorelix_plugin"));
@@ -260,6 +265,7 @@ TEST_F(PluginTest, ALoadedPluginIsLeftAlone) {
 }
 
 TEST_F(PluginTest, AnEmptyUserFolderGetsTheShippedPluginAndTheFirstCandidateLoads) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   const std::string source = ship_plugin();
   loading_works_for(user_folder + "/" + kFile);
   EXPECT_TRUE(_ensure_plugin());
@@ -298,6 +304,7 @@ TEST_F(PluginTest, ThePluginInTheModulesFolderIsStagedWhenNoneLiesBesideTheEngin
 }
 
 TEST_F(PluginTest, WithoutAUserFolderThePluginLoadsFromWhereItLiesAndItsFolderJoinsTheSearchPath) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   temp.write("user", "a file where the folder should be");
   const std::string source = ship_plugin();
   loading_works_for(source);
@@ -315,6 +322,7 @@ TEST_F(PluginTest, AFailedQueryCountsAsNotLoadedAndTheBareNameIsTriedLast) {
 }
 
 TEST_F(PluginTest, WhenNothingLoadsOneWarningNamesEveryPlaceAndTheLastError) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   fake.file = "";
   fake.search_path = {"/nowhere"};
   expect_warning("[Vantorelix] Plugin 'Vantorelix_plugin.py' not found. Tried: " + user_folder +
@@ -325,6 +333,7 @@ TEST_F(PluginTest, WhenNothingLoadsOneWarningNamesEveryPlaceAndTheLastError) {
 }
 
 TEST_F(PluginTest, ALoadThatLeavesNothingLoadedIsNoErrorOfItsOwn) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   fake.file = "";
   fake.on_load_plugin = [](const std::string&) {};
   expect_warning("[Vantorelix] Plugin 'Vantorelix_plugin.py' not found. Tried: " + user_folder +
@@ -333,6 +342,7 @@ TEST_F(PluginTest, ALoadThatLeavesNothingLoadedIsNoErrorOfItsOwn) {
 }
 
 TEST_F(PluginTest, TheLastErrorOfSeveralIsTheOneReported) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   stage_by_hand("broken");
   fake.file = "";
   fake.on_load_plugin = [](const std::string& path) {

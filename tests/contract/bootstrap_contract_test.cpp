@@ -1,5 +1,6 @@
 #include <filesystem>
 
+#include "base/paths.h"
 #include "engine/bootstrap/plugin.h"
 #include "tests/contract/contract_test.h"
 #include "tests/support/temporary_folder.h"
@@ -30,6 +31,7 @@ class BootstrapContract : public ContractTest {
 };
 
 TEST_P(BootstrapContract, stages_the_plugin_beside_the_engine_and_loads_the_copy) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   folder.write("engine/Vantorelix_plugin.py", "# node\n");
   EXPECT_TRUE(_ensure_plugin());
   const std::string copy = plug_ins + "/Vantorelix_plugin.py";
@@ -44,6 +46,7 @@ TEST_P(BootstrapContract, stages_the_plugin_beside_the_engine_and_loads_the_copy
 }
 
 TEST_P(BootstrapContract, names_every_place_it_tried_when_there_is_no_plugin) {
+  if (paths::kNative.windows) GTEST_SKIP() << support::kOtherPathsThere;
   EXPECT_FALSE(_ensure_plugin());
   const std::string engine = folder / "engine";
   const std::string parent = fs::path(engine).parent_path().string();
