@@ -47,9 +47,8 @@ void add_common_options(CLI::App& command, CommonOptions& options) {
              "Errors and warnings as text, or as JSON lines");
 }
 
-standalone::ReadOptions SceneOptions::read_options() const {
-  const std::string extension = extension_of(file);
-  const bool fbx = extension == ".fbx", gltf = extension == ".gltf" || extension == ".glb";
+void SceneOptions::check_format(standalone::Format format) const {
+  const bool fbx = format == standalone::Format::fbx, gltf = format == standalone::Format::gltf;
   const auto refuse = [&](const char* option, const std::string& value, bool used, const char* formats) {
     if (!value.empty() && !used)
       throw UsageError(file + ": " + prefix + option + " is for " + formats + " scenes; leave it out");
@@ -58,10 +57,13 @@ standalone::ReadOptions SceneOptions::read_options() const {
   refuse("fps", fps, gltf, "glTF");
   refuse("axis", axis, fbx, "FBX");
   refuse("unit", unit, fbx, "FBX");
+}
+
+standalone::ReadOptions SceneOptions::read_options() const {
   standalone::ReadOptions options;
   options.take = take;
-  if (!fps.empty()) options.frames_per_second = *parse_number(fps);
-  if (!axis.empty()) options.up_axis = axis.front();
+  options.frames_per_second = fps.empty() ? frames_per_second : *parse_number(fps);
+  options.up_axis = axis.empty() ? up_axis : axis.front();
   options.linear_unit = unit;
   return options;
 }

@@ -36,7 +36,12 @@ struct SceneOptions {
   session::Selection selection;
   std::string range;
 
+  // How the scene is read where no option says it.
+  double frames_per_second = standalone::ReadOptions().frames_per_second;
+  char up_axis = standalone::ReadOptions().up_axis;
+
   // Throws UsageError for an option that the file's format has no use for.
+  void check_format(standalone::Format format) const;
   standalone::ReadOptions read_options() const;
   // Sets the playback range when one was asked for. Throws Failure when that leaves nothing of the scene's own, and
   // when an end of more than kMaxFramesUnasked frames is the scene's own, with what so many trails of it would take.

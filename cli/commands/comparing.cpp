@@ -25,9 +25,8 @@ SceneOptions second_scene(const CompareOptions& options, const SceneOptions& fir
   second.file = options.file.empty() ? first.file : options.file;
   second.take = options.take;
   second.fps = options.fps;
-  const std::string extension = extension_of(second.file);
-  if (second.fps.empty() && (extension == ".gltf" || extension == ".glb")) second.fps = number_text(report.fps);
-  if (extension == ".fbx") second.axis = report.up_axis == 'z' ? "z-up" : "y-up";
+  second.frames_per_second = report.fps;
+  second.up_axis = report.up_axis;
   return second;
 }
 

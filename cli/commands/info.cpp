@@ -71,9 +71,9 @@ ObjectInfo describe(const Scene& scene, NodeId node) {
   return object;
 }
 
-SceneInfo describe(const Scene& scene, const std::string& file) {
+SceneInfo describe(const Scene& scene, const std::string& file, standalone::Format format) {
   SceneInfo info{file,
-                 format_name(file),
+                 format_name(format),
                  scene.settings.linear_unit(),
                  scene.settings.up_axis(),
                  scene.settings.frames_per_second(),
@@ -214,8 +214,9 @@ void print_json(const SceneInfo& info) {
 
 void run_info(const InfoOptions& options, Terminal& terminal) {
   terminal.set_scene(options.scene.file);
-  const Scene scene = load_scene(options.scene, terminal);
-  const SceneInfo info = describe(scene, options.scene.file);
+  standalone::Format format{};
+  const Scene scene = load_scene(options.scene, terminal, false, &format);
+  const SceneInfo info = describe(scene, options.scene.file, format);
   if (options.json)
     print_json(info);
   else

@@ -27,23 +27,27 @@ std::string remedy(session::Failure::Kind kind, const std::string& file) {
 
 }  // namespace
 
-std::string format_name(const fs::path& file) {
-  const std::string extension = extension_of(file.string());
-  if (extension == ".ma") return "Maya ASCII";
-  if (extension == ".bvh") return "BVH";
-  if (extension == ".fbx") return "FBX";
-  if (extension == ".gltf" || extension == ".glb") return "glTF";
-  return extension.empty() ? "unknown" : extension.substr(1);
+std::string format_name(standalone::Format format) {
+  using standalone::Format;
+  return format == Format::maya_ascii ? "Maya ASCII"
+         : format == Format::bvh      ? "BVH"
+         : format == Format::fbx      ? "FBX"
+                                      : "glTF";
 }
 
 std::string warning_text(const standalone::Warning& warning) {
   return warning.count == 1 ? warning.kind : warning.kind + " (" + std::to_string(warning.count) + " times)";
 }
 
-standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, bool bounds) {
+standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, bool bounds, standalone::Format* format) {
   const fs::path file = wanted.file;
+  if (const auto named = standalone::format_by_extension(file)) wanted.check_format(*named);
   standalone::ReadOptions options = wanted.read_options();
   options.bounds = bounds;
+  options.recognised = [&](standalone::Format found) {
+    wanted.check_format(found);
+    if (format) *format = found;
+  };
   std::error_code ignored;
   if (!fs::exists(file, ignored)) throw Failure(file.string() + ": no such file; check the path");
   if (fs::is_directory(file, ignored)) throw Failure(file.string() + ": is a folder; name a scene file in it");

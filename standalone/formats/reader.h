@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -26,7 +27,16 @@ class FormatError : public std::runtime_error {
   std::size_t line_;
 };
 
+enum class Format { bvh, maya_ascii, fbx, gltf };
+// By the extension of a file's name, in any case: ".bvh", ".ma", ".fbx", ".gltf", ".glb". Nothing for any other.
+std::optional<Format> format_by_extension(const std::filesystem::path& file);
+// By what a file begins with. kFirstBytes of it, or all of a shorter file, are enough.
+inline constexpr std::size_t kFirstBytes = 4096;
+std::optional<Format> format_by_content(std::string_view first_bytes);
+
 struct ReadOptions {
+  // Called with the format once it is known, before the scene is read. What it throws comes out of the reading.
+  std::function<void(Format)> recognised;
   // Called with the bytes read so far and the file's size (0 when unknown), at most four times a second. What it throws
   // ends the reading and comes out of it.
   std::function<void(std::uint64_t done, std::uint64_t total)> progress;
@@ -48,8 +58,9 @@ struct ReadOptions {
 // How deep nodes may lie inside each other in a file of any format. What people make comes nowhere near.
 inline constexpr std::size_t kMaxDepth = 2000;
 
-// Reads a scene by its extension (".bvh", ".ma", ".fbx", ".gltf", ".glb", in any case). Throws FormatError; an unknown
-// extension names the ones that are read. What the file holds that cannot be followed ends in Scene::warnings.
+// Reads a scene by its extension, and by its content where it has none of those. Throws FormatError; where the content
+// is not recognised either, that names what is read. What the file holds that cannot be followed ends in
+// Scene::warnings.
 Scene read_scene(const std::filesystem::path& file, const ReadOptions& options = {});
 
 // Where the scene's name of a node differs from the one in the file (illegal characters, clashes, an end site), the
