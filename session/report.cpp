@@ -84,26 +84,34 @@ TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, co
   return report;
 }
 
+double way_after(const TrailView& trail, std::size_t sample) {
+  const auto& points = *trail.points;
+  if (sample + 1 >= points.size()) return std::numeric_limits<double>::quiet_NaN();
+  const Vector &a = points[sample], &b = points[sample + 1];
+  const double way = base::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
+  return std::isfinite(way) ? way : std::numeric_limits<double>::quiet_NaN();
+}
+
+double ways_a_second(const TrailView& trail, double fps) { return fps / trail.frame_step; }
+
 TrailMeasure measure(const TrailView& trail, double fps) {
   TrailMeasure result;
-  const auto& points = *trail.points;
   double shortest = std::numeric_limits<double>::infinity();
   double longest = 0.0;
-  std::size_t segments = 0;
-  for (std::size_t i = 1; i < points.size(); ++i) {
-    const Vector &a = points[i - 1], &b = points[i];
-    const double segment = base::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
-    if (!std::isfinite(segment)) continue;
-    ++segments;
-    result.length += segment;
-    shortest = std::min(shortest, segment);
-    longest = std::max(longest, segment);
+  std::size_t ways = 0;
+  for (std::size_t i = 0; i < trail.points->size(); ++i) {
+    const double way = way_after(trail, i);
+    if (std::isnan(way)) continue;
+    ++ways;
+    result.length += way;
+    shortest = std::min(shortest, way);
+    longest = std::max(longest, way);
   }
-  if (segments == 0) return result;
-  const double per_second = fps / trail.frame_step;
-  result.slowest = shortest * per_second;
-  result.fastest = longest * per_second;
-  result.mean = result.length / static_cast<double>(segments) * per_second;
+  if (ways == 0) return result;
+  const double a_second = ways_a_second(trail, fps);
+  result.slowest = shortest * a_second;
+  result.top_speed = longest * a_second;
+  result.mean_speed = result.length / static_cast<double>(ways) * a_second;
   return result;
 }
 

@@ -79,13 +79,19 @@ std::string unit_text(const TrailReport& report);
 
 TrailReport read_trails(const standalone::Scene& scene, const std::vector<Trail>& trails, const std::string& file);
 
-// Length and speed of a trail. Lengths in the scene's unit, speeds in units a second, over the samples; those
-// that are not finite are left out.
+// The way from a sample to the next, in the scene's unit; not a number after the last, and beside a position that is
+// not finite.
+double way_after(const TrailView& trail, std::size_t sample);
+// What turns such a way into a speed in units a second.
+double ways_a_second(const TrailView& trail, double fps);
+
+// Length and speeds of a trail. The length is in the scene's unit, speeds are in units a second, from sample to sample;
+// ways that are not known are left out.
 struct TrailMeasure {
   double length = 0.0;
   double slowest = 0.0;
-  double mean = 0.0;
-  double fastest = 0.0;
+  double mean_speed = 0.0;
+  double top_speed = 0.0;
 };
 TrailMeasure measure(const TrailView& trail, double fps);
 

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <sstream>
 
 #include "base/number_text.h"
 #include "cli/args/picture.h"
@@ -44,7 +45,20 @@ struct TrailsOptions {
   BatchOptions batch;
   std::vector<std::string> outputs;
   PictureOptions picture;
+  std::string csv_columns;
 };
+
+// "speed,key"; nothing where a word of it is not a column, or comes twice.
+std::optional<std::vector<CsvColumn>> parse_columns(const std::string& text) {
+  std::vector<CsvColumn> columns;
+  std::istringstream words(text + ',');
+  for (std::string word; std::getline(words, word, ',');) {
+    const auto column = csv_column(word);
+    if (!column || std::find(columns.begin(), columns.end(), *column) != columns.end()) return std::nullopt;
+    columns.push_back(*column);
+  }
+  return columns;
+}
 
 // The picture of the .svg as pixels.
 void write_png(TextSink& out, const session::TrailReport& report, SvgOptions options) {
@@ -54,26 +68,26 @@ void write_png(TextSink& out, const session::TrailReport& report, SvgOptions opt
   out << png_of(svg.text(), size.width, size.height);
 }
 
-void write(OutputFile& out, const session::TrailReport& report, const SvgOptions& svg) {
+void write(OutputFile& out, const session::TrailReport& report, const TrailsOptions& options) {
   const std::string extension = extension_of(out.path().string());
   if (extension == ".json")
     write_json(out, report);
   else if (extension == ".csv")
-    write_csv(out, report);
+    write_csv(out, report,
+              options.csv_columns.empty() ? std::vector<CsvColumn>() : *parse_columns(options.csv_columns));
   else if (extension == ".html")
     write_html(out, report);
   else if (extension == ".png")
-    write_png(out, report, svg);
+    write_png(out, report, options.picture.svg());
   else
-    write_svg(out, report, svg);
+    write_svg(out, report, options.picture.svg());
 }
 
-void write_all(const std::vector<std::string>& outputs, const session::TrailReport& report, const SvgOptions& svg,
-               Terminal& terminal) {
+void write_all(const TrailsOptions& options, const session::TrailReport& report, Terminal& terminal) {
   std::vector<std::unique_ptr<OutputFile>> files;
-  for (const std::string& output : outputs) {
+  for (const std::string& output : options.outputs) {
     files.push_back(std::make_unique<OutputFile>(output));
-    write(*files.back(), report, svg);
+    write(*files.back(), report, options);
   }
   OutputFile::commit(files);
   for (const auto& file : files)
@@ -88,6 +102,7 @@ void print_table(const session::TrailReport& report, const Terminal& terminal) {
   std::printf("%s%s", terminal.bold(table.substr(0, heading)).c_str(), table.c_str() + heading);
 }
 
+bool is_csv(const std::string& output) { return extension_of(output) == ".csv"; }
 bool is_page(const std::string& output) { return extension_of(output) == ".html"; }
 
 void run_one(const TrailsOptions& options, Terminal& terminal) {
@@ -101,7 +116,7 @@ void run_one(const TrailsOptions& options, Terminal& terminal) {
     if (outputs.empty())
       print_table(report, terminal);
     else
-      write_all(outputs, report, options.picture.svg(), terminal);
+      write_all(options, report, terminal);
     terminal.done(report.trails.size(),
                   std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count());
   });
@@ -120,6 +135,8 @@ void run_several(const CLI::App& command, const TrailsOptions& options, Terminal
 }
 
 void run_trails(const CLI::App& command, TrailsOptions options, Terminal& terminal) {
+  if (!options.csv_columns.empty() && std::none_of(options.outputs.begin(), options.outputs.end(), is_csv))
+    throw UsageError("--csv-columns: no .csv is written; name one with --out");
   if (options.scenes.size() > 1 || options.batch.any()) return run_several(command, options, terminal);
   options.trails.scene.file = options.scenes.front();
   for (std::string& output : options.outputs) output = fill_in(output, options.scenes.front());
@@ -136,6 +153,11 @@ Command add_trails(CLI::App& program) {
   add_repeated(command, "--out", options->outputs,
                "Write .json, .csv, .svg, .png or .html; may be repeated; {stem} is the scene's name")
       ->type_name("FILE");
+  add_checked(command, "--csv-columns", options->csv_columns, "COLUMNS",
+              "Further columns of a .csv: speed, key, or both as speed,key",
+              "a list of columns; write speed, key or "
+              "speed,key",
+              [](const std::string& text) { return parse_columns(text).has_value(); });
   add_batch_options(command, options->batch);
   add_picture_options(command, options->picture);
   command.footer(kTrailsFooter);

@@ -14,7 +14,23 @@ void write_comparison(JsonWriter& json, const session::Comparison& compare) {
   json.field("frame", compare.frame);
 }
 
-void write_trail(JsonWriter& json, const session::TrailView& trail, bool compared) {
+// As docs/cli.md names them. A frame is 1 / fps seconds.
+void write_measures(JsonWriter& json, const session::TrailView& trail, double fps) {
+  const session::TrailMeasure measure = session::measure(trail, fps);
+  json.field("length", measure.length);
+  json.field("mean_speed", measure.mean_speed);
+  json.field("top_speed", measure.top_speed);
+  json.field("mean_speed_per_frame", measure.mean_speed / fps);
+  json.field("top_speed_per_frame", measure.top_speed / fps);
+}
+
+void write_units(JsonWriter& json, const std::string& unit) {
+  json.field("length", unit);
+  for (const char* speed : {"mean_speed", "top_speed"}) json.field(speed, unit + " per second");
+  for (const char* speed : {"mean_speed_per_frame", "top_speed_per_frame"}) json.field(speed, unit + " per frame");
+}
+
+void write_trail(JsonWriter& json, const session::TrailView& trail, double fps, bool compared) {
   json.field("viz", trail.viz);
   json.field("source", trail.source);
   json.field("name", trail.name);
@@ -30,6 +46,7 @@ void write_trail(JsonWriter& json, const session::TrailView& trail, bool compare
   json.field("key_points", *trail.key_points);
   json.field("key_colors", *trail.key_colors);
   json.field("warnings", trail.warnings);
+  write_measures(json, trail, fps);
   if (!compared) return;
   json.key("compare");
   if (trail.compare)
@@ -48,6 +65,8 @@ void write_json(TextSink& out, const session::TrailReport& report) {
     json.field("range", std::array{report.first, report.last});
     json.field("unit", report.unit);
     json.field("up_axis", std::string(1, report.up_axis));
+    json.key("units");
+    json.object({}, [&] { write_units(json, session::unit_text(report)); });
     if (report.compared) {
       json.key("compare");
       json.object({}, [&] {
@@ -58,7 +77,7 @@ void write_json(TextSink& out, const session::TrailReport& report) {
     json.key("trails");
     json.list(JsonLayout::lines(4), [&] {
       for (const session::TrailView& trail : report.trails)
-        json.object(JsonLayout::lines(6), [&] { write_trail(json, trail, report.compared.has_value()); });
+        json.object(JsonLayout::lines(6), [&] { write_trail(json, trail, report.fps, report.compared.has_value()); });
     });
   });
   out << '\n';

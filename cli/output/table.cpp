@@ -21,7 +21,7 @@ void add_comparison(Row& row, const std::optional<session::Comparison>& compare)
 }  // namespace
 
 std::string trail_table(const session::TrailReport& report) {
-  std::vector<Row> rows = {{"trail", "samples", "frames", "keys", "length", "slowest", "mean", "fastest"}};
+  std::vector<Row> rows = {{"trail", "samples", "frames", "keys", "length", "slowest", "mean speed", "top speed"}};
   if (report.compared) rows[0].insert(rows[0].end(), {"largest distance", "at frame"});
   for (const session::TrailView& trail : report.trails) {
     const session::TrailMeasure m = session::measure(trail, report.fps);
@@ -32,8 +32,8 @@ std::string trail_table(const session::TrailReport& report) {
                std::to_string(trail.key_times.size()),
                readable(m.length),
                readable(m.slowest),
-               readable(m.mean),
-               readable(m.fastest)};
+               readable(m.mean_speed),
+               readable(m.top_speed)};
     if (report.compared) add_comparison(row, trail.compare);
     row.push_back(trail.warnings.empty() ? "" : "! not exact");
     rows.push_back(row);

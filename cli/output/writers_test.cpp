@@ -60,6 +60,57 @@ TEST(WritersTest, CsvQuotesNamesAndLeavesOutWhatIsNotFinite) {
             "source,sample,frame,x,y,z,r,g,b\n\"|a,\"\"b\"\"\",0,0,0,,0.5,0,1,0\n\"|a,\"\"b\"\"\",1,1,1,2,3,0,1,0\n");
 }
 
+// Samples at frames 10, 10.5 and so on, 24 frames a second.
+session::TrailReport stepping() {
+  session::TrailReport report = support::report_of({{0, 0, 0}, {3, 4, 0}, {3, 4, kNan}, {3, 4, 0}, {3, 4, 1}});
+  report.trails[0].start_frame = 10.0;
+  report.trails[0].frame_step = 0.5;
+  report.trails[0].source = "|a";
+  return report;
+}
+
+std::string csv_of(const session::TrailReport& report, const std::vector<CsvColumn>& columns) {
+  StringSink out;
+  write_csv(out, report, columns);
+  return out.text();
+}
+
+TEST(WritersTest, CsvHasTheSpeedOnTheWayToTheNextSampleWhereItIsAskedFor) {
+  EXPECT_EQ(csv_of(stepping(), {CsvColumn::speed}),
+            "source,sample,frame,x,y,z,r,g,b,speed\n"
+            "|a,0,10,0,0,0,0,1,0,240\n"
+            "|a,1,10.5,3,4,0,0,1,0,\n"
+            "|a,2,11,3,4,,0,1,0,\n"
+            "|a,3,11.5,3,4,0,0,1,0,48\n"
+            "|a,4,12,3,4,1,0,1,0,\n");
+}
+
+TEST(WritersTest, CsvCountsTheKeysAtTheirNearestSamples) {
+  session::TrailReport report = stepping();
+  report.trails[0].key_times = {9.9, 10.6, 10.75, 10.8, 12, 99};
+  const std::string keys = csv_of(report, {CsvColumn::speed, CsvColumn::key});
+  EXPECT_THAT(keys, testing::StartsWith("source,sample,frame,x,y,z,r,g,b,speed,key\n|a,0,10,0,0,0,0,1,0,240,1\n"));
+  EXPECT_THAT(keys, testing::HasSubstr("|a,1,10.5,3,4,0,0,1,0,,2\n"));
+  EXPECT_THAT(keys, testing::HasSubstr("|a,2,11,3,4,,0,1,0,,1\n"));
+  EXPECT_THAT(keys, testing::HasSubstr("|a,3,11.5,3,4,0,0,1,0,48,0\n"));
+  EXPECT_THAT(keys, testing::EndsWith("|a,4,12,3,4,1,0,1,0,,2\n"));
+}
+
+TEST(WritersTest, JsonNamesLengthAndSpeedsAndTheirUnits) {
+  StringSink out;
+  write_json(out, stepping());
+  const auto document = nlohmann::json::parse(out.text());
+  const auto& trail = document["trails"][0];
+  // 5 and 1 in half a frame each; what is beside the gap is not known.
+  EXPECT_EQ(trail["length"], 6.0);
+  EXPECT_EQ(trail["mean_speed"], 144.0);
+  EXPECT_EQ(trail["top_speed"], 240.0);
+  EXPECT_EQ(trail["mean_speed_per_frame"], 6.0);
+  EXPECT_EQ(trail["top_speed_per_frame"], 10.0);
+  EXPECT_EQ(document["units"], nlohmann::json::parse(R"({"length": "cm", "mean_speed": "cm per second",
+      "top_speed": "cm per second", "mean_speed_per_frame": "cm per frame", "top_speed_per_frame": "cm per frame"})"));
+}
+
 TEST(WritersTest, AFileAppearsOnlyWhenItIsCommitted) {
   const support::TemporaryFolder folder;
   {

@@ -186,14 +186,14 @@ void draw_numbered(TextSink& out, const Legend& legend, double x, double y, doub
 void draw_measures(TextSink& out, const Legend& legend, double left, double right, double y) {
   const session::TrailReport& report = legend.report;
   const std::string unit = session::unit_text(report);
-  const double keys = right - 340.0, length = right - 225.0, mean = right - 110.0, fastest = right;
+  const double keys = right - 345.0, length = right - 236.0, mean = right - 116.0, top = right;
   const bool full = right - left >= kTable - 1.0;
   if (legend.rows == 0) return;
   draw_text(out, left, y, "ink", counted(report.trails.size(), "trail"));
   if (full) draw_text(out, keys, y, "soft small", "keys", "end");
   if (full) draw_text(out, length, y, "soft small", "length, " + unit, "end");
-  draw_text(out, mean, y, "soft small", "mean " + unit + "/s", "end");
-  draw_text(out, fastest, y, "soft small", "fastest " + unit + "/s", "end");
+  draw_text(out, mean, y, "soft small", "mean speed, " + unit + "/s", "end");
+  draw_text(out, top, y, "soft small", "top speed, " + unit + "/s", "end");
   const std::size_t n = table_rows(legend), rows = n < report.trails.size() ? n - 1 : n;
   for (std::size_t i = 0; i < rows; ++i) {
     const session::TrailView& trail = report.trails[legend.order[i]];
@@ -205,8 +205,8 @@ void draw_measures(TextSink& out, const Legend& legend, double left, double righ
               shortened(legend.names[legend.order[i]], full ? 36 : 26));
     if (full) draw_text(out, keys, at, "soft", std::to_string(trail.key_times.size()), "end");
     if (full) draw_text(out, length, at, "soft", readable(m.length), "end");
-    draw_text(out, mean, at, "soft", readable(m.mean), "end");
-    draw_text(out, fastest, at, "soft", readable(m.fastest), "end");
+    draw_text(out, mean, at, "soft", readable(m.mean_speed), "end");
+    draw_text(out, top, at, "soft", readable(m.top_speed), "end");
   }
   if (rows < report.trails.size())
     draw_text(out, left, y + kHead + kRow * static_cast<double>(rows), "soft",

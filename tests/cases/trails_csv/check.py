@@ -18,3 +18,11 @@ def frames(name):
 # An open range ends, or begins, where the scene's own does: at 8, and at 0.
 assert frames("late.csv") == [6, 7, 8], frames("late.csv")
 assert frames("early.csv") == [0, 1], frames("early.csv")
+
+# 48 units a second, up to the last sample; keys at 0 and 8.
+text = open("more.csv", newline="").read()
+assert text.startswith("source,sample,frame,x,y,z,r,g,b,speed,key\n"), text
+rows = list(csv.DictReader(text.splitlines()))
+assert [row["speed"] for row in rows] == ["48"] * 8 + [""], rows
+assert [row["key"] for row in rows] == ["1"] + ["0"] * 7 + ["1"], rows
+assert open("keys.txt").read() == "b,key\n"

@@ -1,13 +1,14 @@
 import json
 
 pairs = json.load(open("line.json"), object_pairs_hook=list)
-assert [key for key, _ in pairs] == ["scene", "fps", "range", "unit", "up_axis", "trails"], pairs
+assert [key for key, _ in pairs] == ["scene", "fps", "range", "unit", "up_axis", "units", "trails"], pairs
 scene = dict(pairs)
 assert (scene["scene"], scene["fps"], scene["range"], scene["unit"], scene["up_axis"]) == ("line.ma", 24, [0, 8], "cm", "y")
 assert len(scene["trails"]) == 1
 assert [key for key, _ in scene["trails"][0]] == [
     "viz", "source", "name", "node", "parent", "samples_per_frame", "color_mode", "start_frame", "frame_step", "points",
-    "colors", "key_times", "key_points", "key_colors", "warnings"]
+    "colors", "key_times", "key_points", "key_colors", "warnings", "length", "mean_speed",
+    "top_speed", "mean_speed_per_frame", "top_speed_per_frame"]
 trail = dict(scene["trails"][0])
 assert (trail["viz"], trail["source"], trail["name"], trail["node"]) == ("vlx_ball_viz", "|ball", "ball", None)
 assert trail["parent"] is None
@@ -23,3 +24,10 @@ assert trail["key_times"] == [0, 8]
 assert trail["key_points"] == [[0, 0, 0], [16, 0, 0]]
 assert trail["key_colors"] == [[1, 1, 1], [1, 1, 1]]
 assert trail["warnings"] == []
+# Two units a frame at 24 frames a second, eight frames long.
+assert (trail["length"], trail["mean_speed"], trail["top_speed"]) == (16, 48, 48), trail
+assert (trail["mean_speed_per_frame"], trail["top_speed_per_frame"]) == (2, 2), trail
+units = dict(scene["units"])
+assert units["length"] == "cm" and units["top_speed"] == "cm per second", units
+assert units["top_speed_per_frame"] == "cm per frame", units
+assert set(units) == {"length", "mean_speed", "top_speed", "mean_speed_per_frame", "top_speed_per_frame"}
