@@ -10,10 +10,12 @@ function(vantorelix_ask_python python question result)
   set(${result} ${answer} PARENT_SCOPE)
 endfunction()
 
-# vantorelix_describe_python(PYTHON): sets `version`, `include`, `suffix` and `library`, what a module links with (nothing but
-# on Windows). An interpreter for another system does not run here: there PYTHON is its folder.
+# vantorelix_describe_python(PYTHON): sets `version`, `include`, `suffix`, `library`, what a module links with (nothing but
+# on Windows), and `interpreter`, what runs it. An interpreter for another system does not run by itself: there PYTHON is
+# its folder.
 function(vantorelix_describe_python python)
   set(library "")
+  set(interpreter ${python})
   if(CMAKE_CROSSCOMPILING AND WIN32)
     set(include ${python}/include)
     file(STRINGS ${include}/patchlevel.h numbers REGEX "define PY_M(AJOR|INOR)_VERSION")
@@ -22,12 +24,13 @@ function(vantorelix_describe_python python)
     list(JOIN numbers "." version)
     set(suffix .cp${digits}-win_amd64.pyd)
     set(library ${python}/libs/python${digits}.lib)
+    set(interpreter ${CMAKE_CROSSCOMPILING_EMULATOR} ${python}/python.exe)
   else()
     vantorelix_ask_python(${python} "'%d.%d' % sys.version_info[:2]" version)
     vantorelix_ask_python(${python} "sysconfig.get_path('include')" include)
     vantorelix_ask_python(${python} "sysconfig.get_config_var('EXT_SUFFIX')" suffix)
   endif()
-  foreach(name version include suffix library)
+  foreach(name version include suffix library interpreter)
     set(${name} "${${name}}" PARENT_SCOPE)
   endforeach()
 endfunction()

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Makes dist/vantorelix-<version>-linux-x86_64.zip: the module for every CPython found, with all that goes into Maya.
+"""Makes dist/vantorelix-maya-<version>.zip: the modules for every CPython that Maya has, with all that goes into Maya.
 
-The modules are compiled by zig (tools/zig.py), so that they load on older versions of Linux, too.
+The modules are compiled by zig (tools/zig.py), so that they load on older versions of Linux, too, and on Windows. For Linux
+they are built with the CPythons found here, for Windows with those of tools/windows_pythons.py.
 The package also has the manual, which is made from pages of docs, and the licences of what zig links into the modules.
 """
 
@@ -17,7 +18,9 @@ import archives
 import manual
 import pypi
 import pythons
+import windows_pythons
 import zig
+from clients import Failure
 
 ROOT = zig.ROOT
 PLUGIN = "Vantorelix_plugin.py"
@@ -29,7 +32,9 @@ VERSIONS = {"CMakeLists.txt": r"project\(vantorelix VERSION ([\d.]+)",
 PAGES = ("maya.md", "studio.md")
 # The licences of what zig links into a module: their name in the package, and their path in zig.
 LICENCES = {"libc++": "libcxx/LICENSE.TXT", "libc++abi": "libcxxabi/LICENSE.TXT", "libunwind": "libunwind/LICENSE.TXT",
-            "zig": "../LICENSE", "glibc": "libc/glibc/io/stat-2.32.c"}
+            "zig": "../LICENSE", "glibc": "libc/glibc/io/stat-2.32.c", "mingw-w64": "libc/mingw/COPYING"}
+# The systems that a package is for, by the names of their folders: what zig calls them, and the ending of a module.
+SYSTEMS = {"linux": ("x86_64-linux-gnu.2.17", ".so"), "windows": ("x86_64-windows-gnu", ".pyd")}
 
 
 def read(path):
@@ -48,14 +53,26 @@ def project_version():
 
 def required():
     """The versions of Python for which the package tells Maya of a module."""
-    return sorted({tuple(map(int, v)) for v in re.findall(r"PYTHONPATH\+:=python-(\d+)\.(\d+)", read(DESCRIPTION))})
+    return sorted({tuple(map(int, v)) for v in re.findall(r"PYTHONPATH\+:=linux/python-(\d+)\.(\d+)", read(DESCRIPTION))})
 
 
-def compile_modules(compiler, interpreters):
-    """Leaves module-X.Y in zig.FOLDER for each of {version: interpreter}."""
+def windows_interpreters():
+    """{version: folder}, fetched if they are missing; none, with the reason on standard error, if that fails."""
+    try:
+        windows_pythons.fetch()
+    except Failure as failure:
+        print("package: %s" % failure, file=sys.stderr)
+        return {}
+    return {tuple(map(int, v.split("."))): windows_pythons.folder_of(v) for v in windows_pythons.archives()}
+
+
+def compile_modules(compiler, system, interpreters):
+    """Leaves modules-SYSTEM/module-X.Y in zig.FOLDER for each of {version: interpreter}."""
     versions = sorted(interpreters)
-    zig.build(compiler, "cmake", {"VANTORELIX_MODULE_FOLDER": zig.FOLDER,
-                                  "VANTORELIX_PYTHONS": ";".join(interpreters[v] for v in versions)},
+    zig.build(compiler, "cmake-" + system,
+              {"VANTORELIX_MODULE_FOLDER": os.path.join(zig.FOLDER, "modules-" + system),
+               "VANTORELIX_ZIG_TARGET": SYSTEMS[system][0],
+               "VANTORELIX_PYTHONS": ";".join(interpreters[v] for v in versions)},
               ["module-%d.%d" % v for v in versions])
 
 
@@ -81,18 +98,23 @@ def pages():
     return {"manual/" + name: path for name, path in files.items()}
 
 
-def modules(versions):
-    """{path in the package: the file} for what Maya reads, and for the installer."""
+def common():
+    """{path in the package: the file} for what is there once."""
+    files = {name: os.path.join(ROOT, "maya", "package", name) for name in ("Vantorelix.mod", "install_vantorelix.py")}
+    files["contents/plug-ins/" + PLUGIN] = os.path.join(ROOT, "maya", "companion", PLUGIN)
+    return files
+
+
+def modules(system, versions):
+    """{path in the package: the file} for the modules of a system, and what lies beside each."""
     companions = glob.glob(os.path.join(ROOT, "maya", "companion", "*.py"))
-    files = {"contents/plug-ins/" + PLUGIN: os.path.join(ROOT, "maya", "companion", PLUGIN)}
-    for name in ("Vantorelix.mod", "install_vantorelix.py"):
-        files[name] = os.path.join(ROOT, "maya", "package", name)
+    files = {}
     for version in versions:
-        module = os.path.join(zig.FOLDER, "module-%d.%d" % version)
-        parts = [only(os.path.join(module, "_vantorelix*.so"))]
+        module = os.path.join(zig.FOLDER, "modules-" + system, "module-%d.%d" % version)
+        parts = [only(os.path.join(module, "_vantorelix*" + SYSTEMS[system][1]))]
         parts += [os.path.join(module, "Vantorelix_engine." + kind) for kind in ("py", "pyi")]
         for part in parts + [path for path in companions if os.path.basename(path) != PLUGIN]:
-            files["contents/python-%d.%d/%s" % (version + (os.path.basename(part),))] = part
+            files["contents/%s/python-%d.%d/%s" % ((system,) + version + (os.path.basename(part),))] = part
     return files
 
 
@@ -106,6 +128,18 @@ def package(top, files):
     return archives.as_zip({top + "/" + name: content for name, content in dict(files, **manifest).items()})
 
 
+def lacks(interpreters):
+    """Whether a version that Maya has is missing in {system: {version: interpreter}}; says which."""
+    missing = False
+    for system, found in sorted(interpreters.items()):
+        versions = ", ".join("%d.%d" % v for v in required() if v not in found)
+        if versions:
+            missing = True
+            print("package: THIS MACHINE HAS NO CPYTHON FOR %s WITH Python.h FOR %s: install it, or leave it out with --partial"
+                  % (system, versions), file=sys.stderr)
+    return missing
+
+
 def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--dist", default=os.path.join(ROOT, "dist"), help="the folder for the package")
@@ -115,21 +149,20 @@ def main(arguments):
     if options.pythons:
         print(" ".join("%d.%d" % version for version in required()))
         return 0
-    interpreters, _ = pythons.interpreters()
-    missing = ", ".join("%d.%d" % v for v in required() if v not in interpreters)
-    if missing:
-        print("package: THIS MACHINE HAS NO CPYTHON WITH Python.h FOR %s: install it, or leave it out with --partial" % missing,
-              file=sys.stderr)
-        if not options.partial:
-            return 1
+    interpreters = {"linux": pythons.interpreters()[0], "windows": windows_interpreters()}
+    if lacks(interpreters) and not options.partial:
+        return 1
     compiler = zig.compiler()
     if not compiler:
         return 1
-    top = "vantorelix-" + project_version()
+    top = "vantorelix-maya-" + project_version()
     files = dict(pages(), **licences(compiler))
-    compile_modules(compiler, interpreters)
-    files.update(modules(sorted(interpreters)))
-    archives.write(os.path.join(options.dist, top + "-linux-x86_64.zip"), package(top, files))
+    files.update(common())
+    for system, found in sorted(interpreters.items()):
+        if found:
+            compile_modules(compiler, system, found)
+            files.update(modules(system, sorted(found)))
+    archives.write(os.path.join(options.dist, top + ".zip"), package(top, files))
     return 0
 
 

@@ -29,6 +29,7 @@ DESCRIPTION = "Vantorelix.mod"
 MANIFEST = "manifest.json"
 PLUGIN = "Vantorelix_plugin.py"
 PLUGIN_SOURCE = "contents/plug-ins/" + PLUGIN
+ENGINE = "Vantorelix_engine.py"
 EARLIER_PLUGINS = "earlier-plugins.json"
 # How the names of temporary folders begin. They lie beside the final folder, so that a rename puts a version in place.
 # A work folder holds the new version and the old one, and is needed to recover; a rubbish folder is only to be deleted.
@@ -98,7 +99,7 @@ def check_package(folder):
 
 def _beside_engine(files):
     """Paths at which the plug-in is installed as well, because the engine looks for it beside itself first."""
-    folders = {os.path.dirname(path) for path in files if path.startswith("contents/python-")}
+    folders = {os.path.dirname(path) for path in files if os.path.basename(path) == ENGINE}
     return sorted(folder + "/" + PLUGIN for folder in folders)
 
 
@@ -108,7 +109,8 @@ def _beside_engine(files):
 def _folders(modules, patterns, variables):
     """The folders that match a pattern in the user's folder of Maya or beside `modules`, and those that environment
     variables list, each once."""
-    home = os.environ.get("MAYA_APP_DIR") or os.path.join(os.path.expanduser("~"), "maya")
+    own = ("Documents", "maya") if os.name == "nt" else ("maya",)
+    home = os.environ.get("MAYA_APP_DIR") or os.path.join(os.path.expanduser("~"), *own)
     found = [folder for above in (os.path.dirname(os.path.abspath(modules)), home) for pattern in patterns
              for folder in sorted(glob.glob(os.path.join(glob.escape(above), pattern)))]
     for variable in variables:
@@ -353,8 +355,10 @@ def uninstall(modules):
 def explain(error):
     """What to tell the user about an error. Ours say what to do; for the system's, this adds it."""
     if isinstance(error, OSError) and error.filename is not None:
-        return "{0}: {1}. Check that you may write there and that the disk has room, then try again.".format(
-            error.filename, error.strerror)
+        # Windows keeps the module that a running Maya has loaded where it is.
+        closed = "Close every Maya, check" if os.name == "nt" else "Check"
+        return "{0}: {1}. {2} that you may write there and that the disk has room, then try again.".format(
+            error.filename, error.strerror, closed)
     return str(error)
 
 

@@ -63,9 +63,11 @@ class InstallerTest(unittest.TestCase):
 
     def make_package(self, version):
         package = os.path.join(self.folder, "vantorelix-" + version)
-        files = {"contents/python-3.7/_vantorelix.so": "binary " + version,
-                 "contents/python-3.7/Vantorelix_engine.py": "engine " + version,
-                 "contents/python-3.11/Vantorelix_engine.py": "engine " + version,
+        files = {"contents/linux/python-3.7/_vantorelix.so": "binary " + version,
+                 "contents/linux/python-3.7/Vantorelix_engine.py": "engine " + version,
+                 "contents/linux/python-3.11/Vantorelix_engine.py": "engine " + version,
+                 "contents/windows/python-3.7/_vantorelix.pyd": "binary " + version,
+                 "contents/windows/python-3.7/Vantorelix_engine.py": "engine " + version,
                  PLUGIN: "plugin " + version}
         files["install_vantorelix.py"] = read(INSTALLER)
         files["Vantorelix.mod"] = read(os.path.join(PACKAGE, "Vantorelix.mod")) + "// " + version
@@ -79,7 +81,7 @@ class InstallerTest(unittest.TestCase):
         return self.installer.install(package or self.package, self.modules)
 
     def engine(self):
-        return read(os.path.join(self.installed, "contents", "python-3.7", "Vantorelix_engine.py"))
+        return read(os.path.join(self.installed, "contents", "linux", "python-3.7", "Vantorelix_engine.py"))
 
     def copy_of_plugin(self, version, text):
         """What the engine, or somebody else, has put in the plug-ins folder of a version of Maya."""
@@ -98,7 +100,7 @@ class InstallerTest(unittest.TestCase):
 class RealPackageTest(InstallerTest):
     """A package of the module and of what lies beside it, for the interpreter that runs the test."""
 
-    PYTHON = "python-{0}.{1}".format(*sys.version_info[:2])
+    PYTHON = os.path.join("windows" if os.name == "nt" else "linux", "python-{0}.{1}".format(*sys.version_info[:2]))
 
     def make_package(self, version):
         package = super(RealPackageTest, self).make_package(version)

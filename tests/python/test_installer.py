@@ -21,8 +21,8 @@ class Installing(InstallerTest):
         self.assertEqual(self.install(), [])
         self.assertEqual(sorted(os.listdir(self.modules)), ["Vantorelix.mod", "vantorelix"])
         wanted = dict(tree(self.package), **{"earlier-plugins.json": "[]"})
-        for python in ("python-3.7", "python-3.11"):
-            wanted[os.path.join("contents", python, "Vantorelix_plugin.py")] = "plugin 1"
+        for python in ("linux/python-3.7", "linux/python-3.11", "windows/python-3.7"):
+            wanted[os.path.join("contents", os.path.normpath(python), "Vantorelix_plugin.py")] = "plugin 1"
         self.assertEqual(tree(self.installed), wanted)
 
     def test_files_that_the_package_does_not_list_stay_where_they_are(self):
@@ -33,13 +33,13 @@ class Installing(InstallerTest):
     def test_a_newer_version_replaces_all_of_the_older_one(self):
         self.install()
         newer = self.make_package("2")
-        os.remove(os.path.join(newer, "contents", "python-3.11", "Vantorelix_engine.py"))
+        os.remove(os.path.join(newer, "contents", "linux", "python-3.11", "Vantorelix_engine.py"))
         manifest = json.loads(read(os.path.join(newer, "manifest.json")))
-        del manifest["contents/python-3.11/Vantorelix_engine.py"]
+        del manifest["contents/linux/python-3.11/Vantorelix_engine.py"]
         write(os.path.join(newer, "manifest.json"), json.dumps(manifest))
         self.assertEqual(self.install(newer), [])
         self.assertEqual(self.engine(), "engine 2")
-        self.assertFalse(os.path.exists(os.path.join(self.installed, "contents", "python-3.11")))
+        self.assertFalse(os.path.exists(os.path.join(self.installed, "contents", "linux", "python-3.11")))
         self.assertEqual(sorted(os.listdir(self.modules)), ["Vantorelix.mod", "vantorelix"])
 
     def test_what_is_installed_can_install_itself_again(self):
@@ -60,7 +60,7 @@ class Installing(InstallerTest):
         plugin = os.path.join(self.package, PLUGIN)
         os.utime(plugin, (1000, 1000))
         self.install()
-        beside = os.path.join(self.installed, "contents", "python-3.7", "Vantorelix_plugin.py")
+        beside = os.path.join(self.installed, "contents", "linux", "python-3.7", "Vantorelix_plugin.py")
         self.assertGreater(os.stat(beside).st_mtime, 1000)
 
     def test_a_folder_of_somebody_else_is_left_alone(self):
@@ -85,10 +85,10 @@ class Damage(InstallerTest):
 
     def test_every_file_that_is_not_what_it_was_is_named(self):
         write(os.path.join(self.package, PLUGIN), "changed")
-        os.remove(os.path.join(self.package, "contents", "python-3.11", "Vantorelix_engine.py"))
+        os.remove(os.path.join(self.package, "contents", "linux", "python-3.11", "Vantorelix_engine.py"))
         write(os.path.join(self.package, "Vantorelix.mod"), "changed")
-        self.expect_refused(r"(?s)Vantorelix.mod is damaged.*Vantorelix_plugin.py is damaged.*"
-                            r"python-3.11/Vantorelix_engine.py cannot be read.*Unpack the package again")
+        self.expect_refused(r"(?s)Vantorelix.mod is damaged.*python-3.11/Vantorelix_engine.py cannot be read.*"
+                            r"Vantorelix_plugin.py is damaged.*Unpack the package again")
 
     def test_a_package_without_its_list_is_refused(self):
         os.remove(os.path.join(self.package, "manifest.json"))
@@ -329,13 +329,13 @@ class Dropped(InstallerTest):
     def test_an_error_of_the_system_names_the_file_and_what_to_check(self):
         write(self.modules, "a file where the folder of modules should be")
         told = self.drop("Install")[-1].replace(os.sep, "/")  # Maya's own paths have slashes, on Windows, too
-        self.assertRegex(told, re.escape(self.modules.replace(os.sep, "/")) + ".*: .*Check that you may write there")
+        self.assertRegex(told, re.escape(self.modules.replace(os.sep, "/")) + ".*: .*[Cc]heck that you may write there")
 
 
 class CommandLine(InstallerTest):
     def test_installs_verifies_and_uninstalls(self):
         self.assertEqual(self.run_installer(self.modules), (0, "Installed.", ""))
-        self.assertEqual(self.run_installer("--verify", self.modules), (0, "9 files are as they should be.", ""))
+        self.assertEqual(self.run_installer("--verify", self.modules), (0, "12 files are as they should be.", ""))
         self.assertEqual(self.run_installer("--uninstall", self.modules), (0, "Removed.", ""))
         self.assertEqual(self.run_installer("--uninstall", self.modules), (0, "Vantorelix was not installed.", ""))
         code, _, told = self.run_installer("--verify", self.modules)
@@ -414,17 +414,17 @@ class Description(unittest.TestCase):
         lines = read(os.path.join(PACKAGE, "Vantorelix.mod")).splitlines()
         found = {}
         for line in lines:
-            head = re.match(r"\+ MAYAVERSION:(\d+) PLATFORM:linux Vantorelix (\S+) \./vantorelix/contents$", line)
-            path = re.match(r"PYTHONPATH\+:=python-(3\.\d+)$", line)
+            head = re.match(r"\+ MAYAVERSION:(\d+) PLATFORM:(\w+) Vantorelix (\S+) \./vantorelix/contents$", line)
+            path = re.match(r"PYTHONPATH\+:=(\w+)/python-(3\.\d+)$", line)
             if head:
-                version = head.group(1)
-                self.assertIn("VERSION {0} ".format(head.group(2)), read(os.path.join(CHECKOUT, "CMakeLists.txt")))
+                version, system = head.group(1), head.group(2)
+                self.assertIn("VERSION {0} ".format(head.group(3)), read(os.path.join(CHECKOUT, "CMakeLists.txt")))
             elif path:
-                found[version] = path.group(1)
+                found.setdefault((system, path.group(1)), {})[version] = path.group(2)
             else:
                 self.assertTrue(not line or line.startswith("//"), line)
-        self.assertEqual(found, {"2022": "3.7", "2023": "3.9", "2024": "3.10", "2025": "3.11", "2026": "3.11",
-                                 "2027": "3.13"})
+        pythons = {"2022": "3.7", "2023": "3.9", "2024": "3.10", "2025": "3.11", "2026": "3.11", "2027": "3.13"}
+        self.assertEqual(found, {("linux", "linux"): pythons, ("win64", "windows"): pythons})
 
 
 if __name__ == "__main__":

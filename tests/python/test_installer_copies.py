@@ -88,19 +88,19 @@ class Checking(InstallerTest):
 
     def test_a_whole_installation_passes(self):
         self.assertEqual(self.problems(), [])
-        self.assertEqual(self.installer.verify(self.modules), 9)
+        self.assertEqual(self.installer.verify(self.modules), 12)
 
     def test_every_damaged_file_is_named_with_the_remedy(self):
-        for name in (PLUGIN, "contents/python-3.7/_vantorelix.so"):
+        for name in (PLUGIN, "contents/linux/python-3.7/_vantorelix.so"):
             write(os.path.join(self.installed, name), "changed")
         os.remove(os.path.join(self.installed, "Vantorelix.mod"))
         self.assert_found(os.path.join(self.installed, PLUGIN), "is damaged")
-        self.assert_found(os.path.join(self.installed, "contents/python-3.7/_vantorelix.so"), "is damaged")
+        self.assert_found(os.path.join(self.installed, "contents/linux/python-3.7/_vantorelix.so"), "is damaged")
         self.assert_found(os.path.join(self.installed, "Vantorelix.mod"), "cannot be read")
         self.assertEqual(self.problems()[-1], "Install Vantorelix again.")
 
     def test_the_plugin_beside_the_engine_is_checked(self):
-        path = os.path.join(self.installed, "contents/python-3.11/Vantorelix_plugin.py")
+        path = os.path.join(self.installed, "contents/linux/python-3.11/Vantorelix_plugin.py")
         write(path, "changed")
         self.assert_found(path, "is damaged")
 
@@ -152,11 +152,11 @@ class Checking(InstallerTest):
             self.assert_found(path, "differs from the installed file")
             write(path, "engine 1" if "engine" in path else "plugin 1")
         self.assertEqual(self.problems(), [])
-        self.assertEqual(self.installer.verify(self.modules), 9 + len(paths))
+        self.assertEqual(self.installer.verify(self.modules), 12 + len(paths))
 
     def test_what_is_installed_is_no_copy_of_itself(self):
-        os.environ["PYTHONPATH"] = os.path.join(self.installed, "contents", "python-3.7")
-        write(os.path.join(self.installed, "contents/python-3.7/Vantorelix_plugin.py"), "changed")
+        os.environ["PYTHONPATH"] = os.path.join(self.installed, "contents", "linux", "python-3.7")
+        write(os.path.join(self.installed, "contents/linux/python-3.7/Vantorelix_plugin.py"), "changed")
         self.assertEqual(len(self.problems()), 2)
 
 

@@ -37,16 +37,11 @@ class Zip(Package):
         files, written = {"b/c": self.write("c", "see"), "a": self.write("a", "ay")}, []
         for time, order in ((1000000000, sorted(files)), (1500000000, sorted(files, reverse=True))):
             os.utime(files["a"], (time, time))
-            path = os.path.join(self.folder, "dist", "%d.zip" % time)
-            package.write_package(path, "top", {name: files[name] for name in order})
-            with open(path, "rb") as file:
-                written.append(file.read())
+            written.append(package.package("top", {name: files[name] for name in order}))
         self.assertEqual(written[0], written[1])
 
     def test_it_lists_the_hash_of_every_file(self):
-        path = os.path.join(self.folder, "a.zip")
-        package.write_package(path, "top", {"a": self.write("a", "ay")})
-        with zipfile.ZipFile(path) as made:
+        with zipfile.ZipFile(io.BytesIO(package.package("top", {"a": self.write("a", "ay")}))) as made:
             self.assertEqual(made.namelist(), ["top/a", "top/manifest.json"])
             self.assertEqual(made.read("top/a"), b"ay")
             self.assertEqual(json.loads(made.read("top/manifest.json").decode()), {"a": hashlib.sha256(b"ay").hexdigest()})
@@ -60,19 +55,20 @@ class Zip(Package):
 
 class Contents(Package):
     def test_every_companion_but_the_plugin_goes_to_each_python(self):
-        for version in ("3.7", "3.11"):
-            module = os.path.join(self.folder, "module-" + version)
-            os.mkdir(module)
-            for name in ("_vantorelix.so", "Vantorelix_engine.py", "Vantorelix_engine.pyi"):
-                self.write(os.path.join(module, name), "")
-        with mock.patch.object(package, "BUILD", self.folder):
-            files = package.modules([(3, 7), (3, 11)])
         companions = set(os.listdir(os.path.join(package.ROOT, "maya", "companion"))) - {"__pycache__"}
-        for version in ("3.7", "3.11"):
-            top = "contents/python-%s/" % version
-            self.assertEqual({path[len(top):] for path in files if path.startswith(top)},
-                             companions - {"Vantorelix_plugin.py"} | set(os.listdir(module)))
-        self.assertIn("contents/plug-ins/Vantorelix_plugin.py", files)
+        for system, ending in (("linux", "so"), ("windows", "pyd")):
+            for version in ("3.7", "3.11"):
+                module = os.path.join(self.folder, "modules-" + system, "module-" + version)
+                os.makedirs(module)
+                for name in ("_vantorelix." + ending, "Vantorelix_engine.py", "Vantorelix_engine.pyi"):
+                    self.write(os.path.join(module, name), "")
+            with mock.patch.object(package.zig, "FOLDER", self.folder):
+                files = package.modules(system, [(3, 7), (3, 11)])
+            for version in ("3.7", "3.11"):
+                top = "contents/%s/python-%s/" % (system, version)
+                self.assertEqual({path[len(top):] for path in files if path.startswith(top)},
+                                 companions - {"Vantorelix_plugin.py"} | set(os.listdir(module)))
+        self.assertIn("contents/plug-ins/Vantorelix_plugin.py", package.common())
 
     def test_our_licence_goes_along_if_there_is_one(self):
         with mock.patch.object(package, "ROOT", self.folder):
@@ -158,15 +154,18 @@ class Manual(Package):
 
 
 class Missing(Package):
-    """No interpreter but 3.7."""
+    """No interpreter but 3.7 on Linux, none on Windows."""
 
     def run_main(self, *arguments, **replaced):
         """(exit code, what was said on standard error, the versions that were compiled for or None)."""
         said, compiled = io.StringIO(), []
         replaced.setdefault("compiler", lambda: "zig")
+        replaced.setdefault("windows", {})
         with mock.patch.object(pythons, "interpreters", return_value=({(3, 7): "python3.7"}, {})), \
-                mock.patch.multiple(package, pages=dict, licences=lambda zig: {}, modules=lambda versions: {},
-                                    compile_modules=lambda zig, found: compiled.append(sorted(found)), **replaced), \
+                mock.patch.object(package.zig, "compiler", replaced["compiler"]), \
+                mock.patch.multiple(package, pages=dict, licences=lambda zig: {}, modules=lambda system, versions: {},
+                                    windows_interpreters=lambda: replaced["windows"],
+                                    compile_modules=lambda zig, *found: compiled.append((found[0], sorted(found[1])))), \
                 contextlib.redirect_stderr(said), contextlib.redirect_stdout(io.StringIO()):
             code = package.main(["--dist", self.folder] + list(arguments))
         return code, said.getvalue(), compiled
@@ -175,17 +174,22 @@ class Missing(Package):
         self.assertEqual(package.required(), [(3, 7), (3, 9), (3, 10), (3, 11), (3, 13)])
         code, said, compiled = self.run_main()
         self.assertEqual((code, compiled), (1, []))
-        self.assertIn("NO CPYTHON WITH Python.h FOR 3.9, 3.10, 3.11, 3.13", said)
+        self.assertIn("NO CPYTHON FOR linux WITH Python.h FOR 3.9, 3.10, 3.11, 3.13", said)
+        self.assertIn("NO CPYTHON FOR windows WITH Python.h FOR 3.7, 3.9, 3.10, 3.11, 3.13", said)
 
     def test_a_partial_package_says_what_it_lacks(self):
         code, said, compiled = self.run_main("--partial")
-        self.assertEqual((code, compiled), (0, [[(3, 7)]]))
+        self.assertEqual((code, compiled), (0, [("linux", [(3, 7)])]))
         self.assertIn("FOR 3.9, 3.10, 3.11, 3.13", said)
+
+    def test_each_system_gets_its_own(self):
+        self.assertEqual(self.run_main("--partial", windows={(3, 9): "folder"})[2],
+                         [("linux", [(3, 7)]), ("windows", [(3, 9)])])
 
     def test_without_a_compiler_there_is_no_package(self):
         failing = mock.patch.object(pypi, "pip", side_effect=subprocess.CalledProcessError(1, "pip"))
         with failing:
-            code, said, compiled = self.run_main("--partial", compiler=package.compiler)
+            code, said, compiled = self.run_main("--partial", compiler=package.zig.compiler)
         self.assertEqual((code, compiled), (1, []))
         self.assertIn("THE COMPILER COULD NOT BE FETCHED", said)
 
