@@ -11,6 +11,7 @@ install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING
 
 # What the program prints about itself: made where it can be run.
 if(CMAKE_CROSSCOMPILING)
+  install(FILES ${PROJECT_BINARY_DIR}/licences.txt DESTINATION ${CMAKE_INSTALL_DOCDIR})
   return()
 endif()
 set(printed ${PROJECT_BINARY_DIR}/printed)

@@ -9,19 +9,20 @@ set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 
 # No debug symbols.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -s)
+get_filename_component(zig_folder ${VANTORELIX_ZIG} DIRECTORY)
 if(VANTORELIX_ZIG_TARGET MATCHES "windows")
   include(${CMAKE_CURRENT_LIST_DIR}/zig_windows.cmake)
+  set(c_library mingw-w64=${zig_folder}/lib/libc/mingw/COPYING)
 else()
+  set(c_library glibc=${zig_folder}/lib/libc/glibc/io/stat-2.32.c)
   # Nothing of the C++ library inside is seen from outside, where the process may have another one.
   set(CMAKE_MODULE_LINKER_FLAGS_INIT "-s -Wl,--version-script=${CMAKE_CURRENT_LIST_DIR}/module_exports.map")
 endif()
 
 # What is linked in besides our own libraries.
-get_filename_component(zig_folder ${VANTORELIX_ZIG} DIRECTORY)
 set(VANTORELIX_LINKED_LICENCES
     libc++=${zig_folder}/lib/libcxx/LICENSE.TXT libc++abi=${zig_folder}/lib/libcxxabi/LICENSE.TXT
-    libunwind=${zig_folder}/lib/libunwind/LICENSE.TXT zig=${zig_folder}/LICENSE
-    glibc=${zig_folder}/lib/libc/glibc/io/stat-2.32.c)
+    libunwind=${zig_folder}/lib/libunwind/LICENSE.TXT zig=${zig_folder}/LICENSE ${c_library})
 
 # The header of CPython 3.7 includes one of glibc's that zig does not have, and uses nothing of it.
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/absent/crypt.h CONTENT "")

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Makes dist/vantorelix-<version>-linux-x86_64.tar.xz: the program, with its manual page, completions, pages and examples.
+"""Makes dist/vantorelix-<version>-linux-x86_64.tar.xz: the program, with its manual page, completions, pages and examples;
+and dist/vantorelix-<version>-windows-x86_64.zip: the program for Windows, with its pages and examples.
 
-It holds what `cmake --install` puts in place, compiled by zig (tools/zig.py), so that it runs on older versions of Linux.
+They hold what `cmake --install` puts in place, compiled by zig (tools/zig.py), so that it runs on older versions of Linux.
 """
 
 import argparse
@@ -14,7 +15,12 @@ import archives
 import package
 import zig
 
-SYSTEM = "linux-x86_64"
+# For each system what the build is told besides, what makes its archive, and the ending of that.
+SYSTEMS = {
+    "linux-x86_64": ({}, archives.as_tar_xz, ".tar.xz"),
+    "windows-x86_64": ({"VANTORELIX_ZIG_TARGET": "x86_64-windows-gnu", "CMAKE_INSTALL_BINDIR": ".",
+                        "CMAKE_INSTALL_DOCDIR": "docs"}, archives.as_zip, ".zip"),
+}
 
 
 def installed(tree, prefix):
@@ -28,15 +34,21 @@ def installed(tree, prefix):
 def main(arguments):
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--dist", default=os.path.join(zig.ROOT, "dist"), help="the folder for the archive")
+    parser.add_argument("systems", nargs="*", metavar="SYSTEM", help="any of %s (default: all)" % ", ".join(SYSTEMS))
     options = parser.parse_args(arguments)
+    unknown = sorted(set(options.systems) - set(SYSTEMS))
+    if unknown:
+        parser.error("%s is not one of %s" % (unknown[0], ", ".join(SYSTEMS)))
     compiler = zig.compiler()
     if not compiler:
         return 1
-    top = "vantorelix-%s-%s" % (package.project_version(), SYSTEM)
-    tree = zig.build(compiler, SYSTEM, {}, ["all"])
-    files = installed(tree, os.path.join(zig.FOLDER, "installed-" + SYSTEM))
-    archives.write(os.path.join(options.dist, top + ".tar.xz"),
-                   archives.as_tar_xz({top + "/" + name: path for name, path in files.items()}))
+    for system in options.systems or sorted(SYSTEMS):
+        settings, archive, ending = SYSTEMS[system]
+        top = "vantorelix-%s-%s" % (package.project_version(), system)
+        tree = zig.build(compiler, system, settings, ["all"])
+        files = installed(tree, os.path.join(zig.FOLDER, "installed-" + system))
+        archives.write(os.path.join(options.dist, top + ending),
+                       archive({top + "/" + name: path for name, path in files.items()}))
     return 0
 
 
