@@ -33,6 +33,8 @@ class Job {
   std::string errors();
 
  private:
+  [[noreturn]] static void fail_to_start();
+
   File errors_;           // a file without a name, which goes away with it
   std::intptr_t id_ = 0;  // of the process; on Windows its handle. 0 once it has ended
   std::uint32_t group_ = 0;

@@ -3,22 +3,11 @@
 #include <filesystem>
 
 #include "cli/terminal/process.h"
+#include "cli/windows/command_line_windows.h"
 
 namespace vantorelix::cli {
 
 namespace {
-
-// A word as programs take command lines apart here: backslashes are plain, except before a quotation mark.
-std::wstring quoted(const std::wstring& word) {
-  std::wstring text = L"\"";
-  std::size_t backslashes = 0;
-  for (const wchar_t c : word) {
-    if (c == L'"') text.append(backslashes + 1, L'\\');
-    backslashes = c == L'\\' ? backslashes + 1 : 0;
-    text += c;
-  }
-  return text.append(backslashes, L'\\') + L'"';
-}
 
 HANDLE handle_of(std::intptr_t id) {
   return reinterpret_cast<HANDLE>(id);  // NOLINT(performance-no-int-to-ptr): a handle is a number
