@@ -96,11 +96,9 @@ std::vector<std::string> arguments_of(int argc, const char* const* argv, const s
 }
 
 std::string licence_texts() {
-  std::string text = "The program holds parts of these libraries, under the terms that follow.\n";
-  for (const Licence& licence : licences()) {
-    const std::string title(licence.library);
-    text += "\n" + title + "\n" + std::string(title.size(), '=') + "\n\n" + std::string(licence.notice);
-  }
+  std::string text;
+  for (const std::string_view piece : licences()) text += piece;
+  text.pop_back();  // the last line end is printed by who prints the text
   return text;
 }
 

@@ -10,38 +10,40 @@ function(vantorelix_licence name)
   set_property(GLOBAL APPEND PROPERTY vantorelix_licences "${name}=${file}")
 endfunction()
 
-# Sets `result` to a C++ source with the notices (cli/output/licences.h). After the last vantorelix_licence.
+# Sets `result` to a C++ source with the notices (cli/output/licences.h), and writes them to licences.txt in the build folder,
+# for installations of a program that does not run here. After the last vantorelix_licence.
 function(vantorelix_licences_source result)
   get_property(named GLOBAL PROPERTY vantorelix_licences)
-  set(entries "")
-  set(printed "The program holds parts of these libraries, under the terms that follow.\n")
+  set(all "The program holds parts of these libraries, under the terms that follow.\n")
+  set(pieces "")
   foreach(each IN LISTS named VANTORELIX_LINKED_LICENCES)
     string(REGEX MATCH "^([^=]*)=(.*)$" matched "${each}")
-    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_MATCH_2}")
     set(name "${CMAKE_MATCH_1}")
-    file(READ "${CMAKE_MATCH_2}" text)
+    set(file "${CMAKE_MATCH_2}")
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
+    file(READ "${file}" text)
     if(text MATCHES "^/\\*")  # a source, whose first comment it is
       string(FIND "${text}" "*/" end)
       string(SUBSTRING "${text}" 0 ${end} text)
       string(REGEX REPLACE "^/\\* *" "" text "${text}")
     endif()
-    string(LENGTH "${name}" length)
-    string(REPEAT "=" ${length} line)
-    string(APPEND printed "\n${name}\n${line}\n\n${text}")
-    string(APPEND entries "      {\"${name}\", R\"notice(${text})notice\"},\n")
+    string(REGEX REPLACE "." "=" line "${name}")
+    set(text "\n${name}\n${line}\n\n${text}")
+    string(APPEND all "${text}")
+    string(APPEND pieces "\n      R\"notice(${text})notice\",")
   endforeach()
-  # As the program prints them, for archives of one that does not run here.
-  file(WRITE ${PROJECT_BINARY_DIR}/licences.txt "${printed}")
+  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/licences.txt @ONLY CONTENT "@all@")
   set(source ${PROJECT_BINARY_DIR}/licences.cpp)
   file(CONFIGURE OUTPUT ${source} @ONLY CONTENT [[// Made by cmake/licences.cmake.
 #include "cli/output/licences.h"
 
 namespace vantorelix::cli {
 
-const std::vector<Licence>& licences() {
-  static const std::vector<Licence> all = {
-@entries@  };
-  return all;
+const std::vector<std::string_view>& licences() {
+  static const std::vector<std::string_view> pieces = {
+      "The program holds parts of these libraries, under the terms that follow.\n",@pieces@
+  };
+  return pieces;
 }
 
 }  // namespace vantorelix::cli

@@ -6,12 +6,8 @@
 
 namespace vantorelix::cli {
 
-struct Licence {
-  std::string_view library;
-  std::string_view notice;  // with its line ends
-};
-
-// Of every library that is linked or embedded; the build makes it (cmake/licences.cmake).
-const std::vector<Licence>& licences();
+// Of every library that is linked or embedded, one after the other, with their line ends: the pieces make one text. The
+// build makes it (cmake/licences.cmake).
+const std::vector<std::string_view>& licences();
 
 }  // namespace vantorelix::cli
