@@ -29,6 +29,7 @@ Examples:
   vantorelix trails bounce.ma --out bounce.svg      a picture of it
   vantorelix view walk.bvh                          the same in the browser, from every side
   vantorelix trails walk.bvh --select '*Hand' --out hands.json --out hands.csv
+  vantorelix trails shots/*.fbx --out 'out/{stem}.json' --jobs 4   many scenes at once
   vantorelix info walk.bvh                          what is in a scene
 
 Exit codes: 0 done, 1 error, 2 wrong usage, 3 done with warnings (under --strict), 128 + N ended by signal N
