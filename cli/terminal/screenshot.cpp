@@ -27,7 +27,7 @@ constexpr std::chrono::seconds kLimit(60);
 constexpr const char* kRemedy =
     "name a Chromium, Chrome, Edge or Firefox in the variable BROWSER, or write a .svg, which needs none";
 
-struct Job {
+struct Shot {
   fs::path folder;
   int width, height;
   fs::path page() const { return folder / "picture.html"; }
@@ -76,10 +76,10 @@ std::vector<std::string> browsers() {
   return all;
 }
 
-std::vector<std::string> command(const std::string& program, const Job& job) {
-  const std::string size = std::to_string(job.width) + "," + std::to_string(job.height);
-  const std::string profile = (job.folder / "profile").string(), picture = job.picture().string();
-  const std::string address = file_address(fs::absolute(job.page()));
+std::vector<std::string> command(const std::string& program, const Shot& shot) {
+  const std::string size = std::to_string(shot.width) + "," + std::to_string(shot.height);
+  const std::string profile = (shot.folder / "profile").string(), picture = shot.picture().string();
+  const std::string address = file_address(fs::absolute(shot.page()));
   if (is_firefox(program))
     return {program,         "--headless", "--no-remote",  "--profile", profile,
             "--window-size", size,         "--screenshot", picture,     address};
@@ -124,24 +124,24 @@ long number_at(std::string_view bytes, std::size_t place) {
 }
 
 // Whether it is a complete PNG file of the size: it begins with its sign and size and ends with its last chunk.
-bool is_picture(std::string_view bytes, const Job& job) {
+bool is_picture(std::string_view bytes, const Shot& shot) {
   constexpr std::string_view kSign = "\x89PNG\r\n\x1a\n", kEnd = "IEND\xae\x42\x60\x82";
-  return bytes.size() > 24 && bytes.starts_with(kSign) && bytes.ends_with(kEnd) && number_at(bytes, 16) == job.width &&
-         number_at(bytes, 20) == job.height;
+  return bytes.size() > 24 && bytes.starts_with(kSign) && bytes.ends_with(kEnd) && number_at(bytes, 16) == shot.width &&
+         number_at(bytes, 20) == shot.height;
 }
 
 }  // namespace
 
 std::string png_of(const std::string& svg, int width, int height) {
-  const Job job{make_private_folder("write a .svg, which needs none"), width, height};
-  const Folder folder(job.folder);
-  std::ofstream(job.page(), std::ios::binary)
+  const Shot shot{make_private_folder("write a .svg, which needs none"), width, height};
+  const Folder folder(shot.folder);
+  std::ofstream(shot.page(), std::ios::binary)
       << "<!DOCTYPE html><meta charset=\"utf-8\"><style>html,body{margin:0}svg{display:block}</style>" << svg;
   for (const std::string& program : browsers()) {
-    const bool done = runs(command(program, job));
+    const bool done = runs(command(program, shot));
     check_interrupt();
-    std::string picture = done ? content_of(job.picture()) : "";
-    if (is_picture(picture, job)) return picture;
+    std::string picture = done ? content_of(shot.picture()) : "";
+    if (is_picture(picture, shot)) return picture;
   }
   throw Failure(std::string("no browser could be found that turns a picture into a .png; ") + kRemedy);
 }
