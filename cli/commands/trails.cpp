@@ -7,6 +7,7 @@
 #include "base/number_text.h"
 #include "cli/args/picture.h"
 #include "cli/args/placeholders.h"
+#include "cli/args/scene_files.h"
 #include "cli/commands/batch.h"
 #include "cli/commands/commands.h"
 #include "cli/commands/trail_making.h"
@@ -137,6 +138,7 @@ void run_several(const CLI::App& command, const TrailsOptions& options, Terminal
 void run_trails(const CLI::App& command, TrailsOptions options, Terminal& terminal) {
   if (!options.csv_columns.empty() && std::none_of(options.outputs.begin(), options.outputs.end(), is_csv))
     throw UsageError("--csv-columns: no .csv is written; name one with --out");
+  options.scenes = scene_files(options.scenes);
   if (options.scenes.size() > 1 || options.batch.any()) return run_several(command, options, terminal);
   options.trails.scene.file = options.scenes.front();
   for (std::string& output : options.outputs) output = fill_in(output, options.scenes.front());
