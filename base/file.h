@@ -7,8 +7,11 @@
 
 namespace vantorelix {
 
+// Standard input stays open: it is not a File's alone.
 struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
+  void operator()(std::FILE* file) const {
+    if (file != stdin) std::fclose(file);
+  }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 

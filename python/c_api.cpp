@@ -1,6 +1,7 @@
 #include "python/c_api.h"
 
 #include <algorithm>
+#include <bit>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -9,6 +10,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -18,6 +20,7 @@
 #include "python/texts.h"
 #include "session/failure.h"
 #include "standalone/formats/reader.h"
+#include "standalone/formats/samples/sampled_scene.h"
 #include "standalone/scene/attributes/channel_names.h"
 
 namespace api = vantorelix::api;
@@ -121,19 +124,11 @@ int guarded(const Work& work) {
   return 1;
 }
 
-std::string extension_of(const std::string& file) {
-  std::string extension = std::filesystem::path(file).extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return extension;
-}
-
 std::string text_of(const char* text) { return text == nullptr ? std::string() : text; }
 
 // Throws for an option that the file's format has no use for.
-void check_use(const std::string& file, const VlxReading& reading) {
-  const std::string extension = extension_of(file);
-  const bool fbx = extension == ".fbx", gltf = extension == ".gltf" || extension == ".glb";
+void check_use(const std::string& file, sa::Format format, const VlxReading& reading) {
+  const bool fbx = format == sa::Format::fbx, gltf = format == sa::Format::gltf;
   const auto refuse = [&](const char* option, bool given, bool used, const char* formats) {
     if (given && !used) throw std::runtime_error(file + ": " + option + " is for " + formats + " scenes; leave it out");
   };
@@ -143,9 +138,10 @@ void check_use(const std::string& file, const VlxReading& reading) {
   refuse("unit", !text_of(reading.unit).empty(), fbx, "FBX");
 }
 
+// Refers to what it is given.
 sa::ReadOptions options_of(const std::string& file, const VlxReading& reading) {
-  check_use(file, reading);
   sa::ReadOptions options;
+  options.recognised = [&](sa::Format format) { check_use(file, format, reading); };
   options.take = text_of(reading.take);
   if (reading.fps > 0.0) options.frames_per_second = reading.fps;
   const std::string axis = text_of(reading.axis);
@@ -206,11 +202,31 @@ void vlx_watch(int (*asked)()) { watch.set(asked); }
 
 int vlx_open(const char* file, const VlxReading* reading, VlxScene** scene) {
   return guarded([&] {
+    const std::string name = file;
     std::error_code ignored;
     if (!std::filesystem::exists(file, ignored)) throw NoFile(std::string(file) + ": no such file; check the path");
     if (std::filesystem::is_directory(file, ignored))
       throw std::runtime_error(std::string(file) + ": is a folder; name a scene file in it");
-    *scene = new VlxScene(sa::read_scene(file, options_of(file, *reading)), file, [] { return watch.stopped(); });
+    *scene = new VlxScene(sa::read_scene(file, options_of(name, *reading)), file, [] { return watch.stopped(); });
+  });
+}
+
+int vlx_samples(const VlxSamples* given, const double* matrices, const char* name, VlxScene** scene) {
+  static_assert(std::endian::native == std::endian::little, "matrices are taken as they lie in memory");
+  return guarded([&] {
+    sa::SampledObjects objects;
+    objects.names = texts_of(given->names, given->count);
+    objects.parents.assign(given->parents, given->parents + given->count);
+    objects.frames = given->frames;
+    objects.first = given->first;
+    objects.frames_per_second = given->fps;
+    objects.unit = given->unit;
+    objects.up_axis = given->up_axis;
+    sa::ReadOptions options;
+    options.progress = [](std::uint64_t, std::uint64_t) { watch.check(); };
+    const std::string_view bytes(reinterpret_cast<const char*>(matrices),
+                                 given->frames * given->count * 16 * sizeof(double));
+    *scene = new VlxScene(sa::sampled_scene(objects, bytes, name, 0, options), name, [] { return watch.stopped(); });
   });
 }
 

@@ -36,6 +36,15 @@ struct VlxReading {
   double fps;
 };
 
+struct VlxSamples {
+  const char* const* names;
+  const std::int64_t* parents; /* the number of an object before it, or -1 */
+  std::size_t count, frames;
+  double first, fps;
+  const char* unit;
+  char up_axis; /* 'y' or 'z' */
+};
+
 struct VlxRequest {
   const char* const* patterns;
   std::size_t pattern_count;
@@ -68,6 +77,9 @@ VLX_API void vlx_watch(int (*asked)());
 
 /* A scene goes with all its sets of trails; a trail lives on its own. */
 VLX_API int vlx_open(const char* file, const VlxReading* reading, VlxScene** scene);
+/* A scene of objects that the caller has evaluated (standalone/formats/samples/sampled_scene.h): `matrices` holds 16
+ * doubles for each object of each frame. `name` stands in error texts. Nothing that is passed is kept. */
+VLX_API int vlx_samples(const VlxSamples* samples, const double* matrices, const char* name, VlxScene** scene);
 VLX_API int vlx_close(VlxScene* scene);
 
 /* JSON; see python/texts.h. */

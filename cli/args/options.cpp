@@ -61,6 +61,7 @@ void SceneOptions::check_format(standalone::Format format) const {
 
 standalone::ReadOptions SceneOptions::read_options() const {
   standalone::ReadOptions options;
+  if (!format.empty()) options.format = standalone::format_by_extension("scene." + format);
   options.take = take;
   options.frames_per_second = fps.empty() ? frames_per_second : *parse_number(fps);
   options.up_axis = axis.empty() ? up_axis : axis.front();
@@ -89,9 +90,13 @@ void SceneOptions::apply_range(standalone::Scene& scene, std::size_t trails) con
 
 namespace {
 
-constexpr const char* kScene = "The scene: Maya ASCII (.ma), FBX (.fbx), glTF (.gltf, .glb) or BVH (.bvh)";
+constexpr const char* kScene =
+    "The scene: Maya ASCII (.ma), FBX (.fbx), glTF (.gltf, .glb), BVH (.bvh) or samples (.samples); - is standard "
+    "input";
 
 void add_reading_options(CLI::App& command, SceneOptions& options) {
+  add_choice(command, "--format", options.format, {"ma", "fbx", "gltf", "bvh", "samples"},
+             "What the scene is (default: what its extension or its content says)");
   command.add_option("--take", options.take, "The FBX take or glTF clip (default: the first; info lists them)")
       ->type_name("NAME");
   add_rate(command, "--fps", options.fps, "Frames a second of a glTF scene, which has none (default: 24)");

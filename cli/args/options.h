@@ -32,6 +32,7 @@ void add_common_options(CLI::App& command, CommonOptions& options);
 struct SceneOptions {
   std::string file;
   std::string take, fps, axis, unit;
+  std::string format;         // what the file is: "samples"; empty where its name or content says so
   std::string prefix = "--";  // of the four before, as they were typed
   session::Selection selection;
   std::string range;

@@ -23,6 +23,7 @@ SceneOptions second_scene(const CompareOptions& options, const SceneOptions& fir
   SceneOptions second;
   second.prefix = "--compare-";
   second.file = options.file.empty() ? first.file : options.file;
+  if (options.file.empty()) second.format = first.format;
   second.take = options.take;
   second.fps = options.fps;
   second.frames_per_second = report.fps;

@@ -32,6 +32,7 @@ std::string format_name(standalone::Format format) {
   return format == Format::maya_ascii ? "Maya ASCII"
          : format == Format::bvh      ? "BVH"
          : format == Format::fbx      ? "FBX"
+         : format == Format::samples  ? "samples"
                                       : "glTF";
 }
 
@@ -41,15 +42,17 @@ std::string warning_text(const standalone::Warning& warning) {
 
 standalone::Scene load_scene(const SceneOptions& wanted, Terminal& terminal, bool bounds, standalone::Format* format) {
   const fs::path file = wanted.file;
-  if (const auto named = standalone::format_by_extension(file)) wanted.check_format(*named);
   standalone::ReadOptions options = wanted.read_options();
+  if (const auto named = options.format ? options.format : standalone::format_by_extension(file))
+    wanted.check_format(*named);
   options.bounds = bounds;
   options.recognised = [&](standalone::Format found) {
     wanted.check_format(found);
     if (format) *format = found;
   };
   std::error_code ignored;
-  if (!fs::exists(file, ignored)) throw Failure(file.string() + ": no such file; check the path");
+  if (file != standalone::kStandardInput && !fs::exists(file, ignored))
+    throw Failure(file.string() + ": no such file; check the path");
   if (fs::is_directory(file, ignored)) throw Failure(file.string() + ": is a folder; name a scene file in it");
   options.progress = [&](std::uint64_t done, std::uint64_t total) {
     check_interrupt();

@@ -24,7 +24,7 @@ std::vector<standalone::NodeId> choose_objects(const standalone::Scene& scene, c
 // A session's progress on the terminal; an interrupt cancels it.
 session::Options session_options(Terminal& terminal);
 
-// "Maya ASCII", "BVH", "FBX", "glTF".
+// "Maya ASCII", "BVH", "FBX", "glTF", "samples".
 std::string format_name(standalone::Format format);
 
 // "constraint ... (3 times)"

@@ -26,6 +26,19 @@ class Reading(ctypes.Structure):
     _fields_ = [("take", ctypes.c_char_p), ("axis", ctypes.c_char_p), ("unit", ctypes.c_char_p), ("fps", ctypes.c_double)]
 
 
+class Samples(ctypes.Structure):
+    _fields_ = [
+        ("names", ctypes.POINTER(ctypes.c_char_p)),
+        ("parents", ctypes.POINTER(ctypes.c_int64)),
+        ("count", ctypes.c_size_t),
+        ("frames", ctypes.c_size_t),
+        ("first", ctypes.c_double),
+        ("fps", ctypes.c_double),
+        ("unit", ctypes.c_char_p),
+        ("up_axis", ctypes.c_char),
+    ]
+
+
 class Request(ctypes.Structure):
     _fields_ = [
         ("patterns", ctypes.POINTER(ctypes.c_char_p)),
@@ -56,6 +69,7 @@ _FUNCTIONS = {
     "vlx_error": (None, [ctypes.POINTER(Failure)]),
     "vlx_watch": (None, [_ASKED]),
     "vlx_open": (ctypes.c_int, [_text, ctypes.POINTER(Reading), ctypes.POINTER(_handle)]),
+    "vlx_samples": (ctypes.c_int, [ctypes.POINTER(Samples), ctypes.c_void_p, _text, ctypes.POINTER(_handle)]),
     "vlx_close": (ctypes.c_int, [_handle]),
     "vlx_description": (ctypes.c_int, [_handle, ctypes.POINTER(_text)]),
     "vlx_objects": (ctypes.c_int, [_handle, ctypes.POINTER(_text)]),

@@ -46,6 +46,8 @@ Scene read_as(Format format, ByteSource& source, const std::filesystem::path& fo
       return read_fbx(WholeFile(source, options).bytes(), source.name(), options);
     case Format::gltf:
       return read_gltf(WholeFile(source, options).bytes(), source.name(), folder.empty() ? "." : folder, options);
+    case Format::samples:
+      return read_samples(WholeFile(source, options).bytes(), source.name(), options);
     case Format::bvh:
       return read_bvh(source, options);
     case Format::maya_ascii:
@@ -71,6 +73,7 @@ std::optional<Format> format_by_extension(const std::filesystem::path& file) {
   std::string extension = file.extension().string();
   std::transform(extension.begin(), extension.end(), extension.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  if (extension == ".samples") return Format::samples;
   if (extension == ".bvh") return Format::bvh;
   if (extension == ".ma") return Format::maya_ascii;
   if (extension == ".fbx") return Format::fbx;
@@ -90,19 +93,22 @@ std::optional<Format> format_by_content(std::string_view first_bytes) {
   if (begins(text, {"//Maya ASCII"}) || begins(after_comments(text, "//"), {"requires ", "createNode ", "fileInfo "}))
     return Format::maya_ascii;
   if (begins(text, {"; FBX "}) || begins(after_comments(text, ";"), {"FBXHeaderExtension"})) return Format::fbx;
+  if (begins(text, {"{"}) && text.substr(0, text.find('\n')).find("\"vantorelix-samples\"") != std::string_view::npos)
+    return Format::samples;
   if (begins(text, {"{"}) && begins(after_blanks(text.substr(1)), {"\""})) return Format::gltf;
   return std::nullopt;
 }
 
 Scene read_scene(const std::filesystem::path& file, const ReadOptions& options) {
   FileSource source(file, options);
-  if (const auto format = format_by_extension(file)) return read_as(*format, source, file.parent_path(), options);
+  if (const auto format = options.format ? options.format : format_by_extension(file))
+    return read_as(*format, source, file.parent_path(), options);
   BegunSource begun(source);
   const auto format = format_by_content(begun.first());
   if (!format)
     throw FormatError(file.string(), 0,
                       "scene files of this kind are not read; give a BVH clip (.bvh), a Maya ASCII scene (.ma), an FBX "
-                      "scene (.fbx) or a glTF scene (.gltf, .glb)");
+                      "scene (.fbx), a glTF scene (.gltf, .glb) or samples (.samples)");
   return read_as(*format, begun, file.parent_path(), options);
 }
 

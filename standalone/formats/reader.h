@@ -27,14 +27,20 @@ class FormatError : public std::runtime_error {
   std::size_t line_;
 };
 
-enum class Format { bvh, maya_ascii, fbx, gltf };
-// By the extension of a file's name, in any case: ".bvh", ".ma", ".fbx", ".gltf", ".glb". Nothing for any other.
+enum class Format { bvh, maya_ascii, fbx, gltf, samples };
+// By the extension of a file's name, in any case: ".bvh", ".ma", ".fbx", ".gltf", ".glb", ".samples". Nothing for any
+// other.
 std::optional<Format> format_by_extension(const std::filesystem::path& file);
 // By what a file begins with. kFirstBytes of it, or all of a shorter file, are enough.
 inline constexpr std::size_t kFirstBytes = 4096;
 std::optional<Format> format_by_content(std::string_view first_bytes);
 
+// The name of a file that stands for standard input.
+inline constexpr std::string_view kStandardInput = "-";
+
 struct ReadOptions {
+  // What the file is, whatever its name and content say.
+  std::optional<Format> format;
   // Called with the format once it is known, before the scene is read. What it throws comes out of the reading.
   std::function<void(Format)> recognised;
   // Called with the bytes read so far and the file's size (0 when unknown), at most four times a second. What it throws
@@ -58,9 +64,9 @@ struct ReadOptions {
 // How deep nodes may lie inside each other in a file of any format. What people make comes nowhere near.
 inline constexpr std::size_t kMaxDepth = 2000;
 
-// Reads a scene by its extension, and by its content where it has none of those. Throws FormatError; where the content
-// is not recognised either, that names what is read. What the file holds that cannot be followed ends in
-// Scene::warnings.
+// Reads a scene as its format says, else by its extension, and by its content where it has none of those. Throws
+// FormatError; where the content is not recognised either, that names what is read. What the file holds that cannot be
+// followed ends in Scene::warnings.
 Scene read_scene(const std::filesystem::path& file, const ReadOptions& options = {});
 
 // Where the scene's name of a node differs from the one in the file (illegal characters, clashes, an end site), the
@@ -82,6 +88,7 @@ inline constexpr std::string_view kNumberInFile = "numberInFile";
 Scene read_bvh(std::string_view text, const std::string& name, const ReadOptions& options = {});
 Scene read_maya_ascii(std::string_view text, const std::string& name, const ReadOptions& options = {});
 Scene read_fbx(std::string_view bytes, const std::string& name, const ReadOptions& options = {});
+Scene read_samples(std::string_view bytes, const std::string& name, const ReadOptions& options = {});
 // Buffers of their own lie in `folder` or below it; where it is empty, none are read.
 Scene read_gltf(std::string_view bytes, const std::string& name, const std::filesystem::path& folder = {},
                 const ReadOptions& options = {});

@@ -11,6 +11,11 @@ namespace vantorelix::standalone {
 
 FileSource::FileSource(const std::filesystem::path& file, const ReadOptions& options)
     : options_(options), name_(file.string()) {
+  if (name_ == kStandardInput) {
+    name_ = "standard input";
+    file_.reset(stdin);
+    return;
+  }
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) {
     throw FormatError(name_, 0, "is a folder; name the scene file inside it");
