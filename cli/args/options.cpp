@@ -47,8 +47,8 @@ void add_common_options(CLI::App& command, CommonOptions& options) {
              "Errors and warnings as text, or as JSON lines");
 }
 
-void SceneOptions::check_format(standalone::Format format) const {
-  const bool fbx = format == standalone::Format::fbx, gltf = format == standalone::Format::gltf;
+void SceneOptions::check_format(standalone::Format found) const {
+  const bool fbx = found == standalone::Format::fbx, gltf = found == standalone::Format::gltf;
   const auto refuse = [&](const char* option, const std::string& value, bool used, const char* formats) {
     if (!value.empty() && !used)
       throw UsageError(file + ": " + prefix + option + " is for " + formats + " scenes; leave it out");

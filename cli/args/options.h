@@ -42,7 +42,7 @@ struct SceneOptions {
   char up_axis = standalone::ReadOptions().up_axis;
 
   // Throws UsageError for an option that the file's format has no use for.
-  void check_format(standalone::Format format) const;
+  void check_format(standalone::Format found) const;
   standalone::ReadOptions read_options() const;
   // Sets the playback range when one was asked for. Throws Failure when that leaves nothing of the scene's own, and
   // when an end of more than kMaxFramesUnasked frames is the scene's own, with what so many trails of it would take.
