@@ -22,10 +22,10 @@ from elf import Library, problems
 from installer_case import CHECKOUT
 from recording_maya import Maya
 
-PACKAGE = max(glob.glob(os.path.join(os.environ["VANTORELIX_PACKAGE"], "vantorelix-*-linux-x86_64.zip")),
+PACKAGE = max(glob.glob(os.path.join(os.environ["VANTORELIX_PACKAGE"], "vantorelix-maya-*.zip")),
               key=os.path.getmtime)
-TOP = os.path.basename(PACKAGE)[:-len("-linux-x86_64.zip")] + "/"
-THIS_VERSION = "python-%d.%d" % sys.version_info[:2]
+TOP = os.path.basename(PACKAGE)[:-len(".zip")] + "/"
+THIS_VERSION = "linux/python-%d.%d" % sys.version_info[:2]
 
 
 class PackageTest(unittest.TestCase):
