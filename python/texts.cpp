@@ -96,8 +96,10 @@ std::string trail_text(const session::TrailView& trail, const session::TrailRepo
     json.field("frame_step", trail.frame_step);
     json.field("warnings", trail.warnings);
     json.field("length", measure.length);
-    json.field("mean_speed", measure.mean);
-    json.field("top_speed", measure.fastest);
+    json.field("mean_speed", measure.mean_speed);
+    json.field("top_speed", measure.top_speed);
+    json.field("mean_speed_per_frame", measure.mean_speed / report.fps);
+    json.field("top_speed_per_frame", measure.top_speed / report.fps);
   });
 }
 

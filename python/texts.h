@@ -14,8 +14,7 @@ std::string description_of(const OpenScene& scene);
 // A list of {"source", "name", "node", "type", "parent", "animated"}: each object of the file, in its order.
 std::string objects_of(const OpenScene& scene);
 
-// The fields of a trail in the JSON of the program but for its arrays, and its measures in the report's unit and at its
-// rate.
+// The fields of a trail in the JSON of the program but for its arrays.
 std::string trail_text(const session::TrailView& trail, const session::TrailReport& report);
 
 }  // namespace vantorelix::api

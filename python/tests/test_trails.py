@@ -10,7 +10,7 @@ import vantorelix
 from support import ARRAYS, SCENES, TWINS, SceneTest, bvh, example, program_json, rows
 
 FIELDS = ("viz", "source", "name", "node", "parent", "samples_per_frame", "color_mode", "start_frame", "frame_step",
-          "warnings")
+          "warnings", "length", "mean_speed", "top_speed", "mean_speed_per_frame", "top_speed_per_frame")
 
 
 class TrailsOfTheExamples(SceneTest):

@@ -150,6 +150,16 @@ class Trail:
         """The highest speed from one sample to the next, in units a second."""
         return self._data.fields["top_speed"]
 
+    @property
+    def mean_speed_per_frame(self) -> float:
+        """The mean speed, in units a frame."""
+        return self._data.fields["mean_speed_per_frame"]
+
+    @property
+    def top_speed_per_frame(self) -> float:
+        """The highest speed from one sample to the next, in units a frame."""
+        return self._data.fields["top_speed_per_frame"]
+
     def __len__(self) -> int:
         """How many samples the trail has."""
         return len(self._data.points)
