@@ -7,6 +7,7 @@ What is there already is not fetched again. Afterwards a build needs no network.
   page      npm's packages that the page is built and tested with, and Node.js where it is missing or too old
   browser   a Chromium for the page's tests, where the machine has none that runs
   compiler  what ./dev release and ./dev package compile with
+  windows   the CPythons that the modules for Windows are built with and tested on, with Maven
   stubs     two descriptions of Maya, for ./dev lint
 
 The exit code is 1 if a part could not be fetched; the others are fetched all the same. The browser and the compiler are
@@ -20,6 +21,7 @@ import browser
 import page
 import packages
 import sources
+import windows_pythons
 import zig
 from clients import Failure
 from rules import maya_stubs
@@ -37,6 +39,7 @@ PARTS = {
     "page": _page,
     "browser": browser.tell,
     "compiler": zig.compiler,
+    "windows": windows_pythons.fetch,
     "stubs": lambda: maya_stubs.fetch(page.ROOT),
 }
 
