@@ -11,17 +11,18 @@ What is there already is not fetched again. Afterwards a build needs no network.
   stubs     two descriptions of Maya, for ./dev lint
 
 The exit code is 1 if a part could not be fetched; the others are fetched all the same. The browser and the compiler are
-an exception: a failure to fetch them is only reported, because the tests that need them can be left out.
+an exception, and so are the CPythons for Windows: a failure to fetch them is only reported, because what needs them can be
+left out.
 """
 
 import os
 import sys
 
 import browser
+import package
 import page
 import packages
 import sources
-import windows_pythons
 import zig
 from clients import Failure
 from rules import maya_stubs
@@ -33,13 +34,13 @@ def _page():
         page.install(folder)
 
 
-# The browser and the compiler report a failure themselves and raise nothing.
+# The browser, the compiler and the CPythons for Windows report a failure themselves and raise nothing.
 PARTS = {
     "sources": sources.fetch,
     "page": _page,
     "browser": browser.tell,
     "compiler": zig.compiler,
-    "windows": windows_pythons.fetch,
+    "windows": package.windows_interpreters,
     "stubs": lambda: maya_stubs.fetch(page.ROOT),
 }
 
