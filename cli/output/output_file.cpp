@@ -83,14 +83,16 @@ void OutputFile::take_place() {
   if (temporary_.empty()) return;
   std::error_code error;
   fs::rename(temporary_, target_, error);
-  if (error) fail("cannot be put in its place (" + error.message() + ")");
+  if (error)
+    fail("cannot be put in its place (" + error.message() + ")",
+         "see whether another program has the file open, and check");
   temporary_.clear();
 }
 
-void OutputFile::fail(const std::string& what) const {
+void OutputFile::fail(const std::string& what, const std::string& first) const {
   check_interrupt();
-  throw Failure((stdout_ ? std::string("standard output") : path_.string()) + ": " + what +
-                "; check the folder, its permissions and the free space");
+  throw Failure((stdout_ ? std::string("standard output") : path_.string()) + ": " + what + "; " + first +
+                " the folder, its permissions and the free space");
 }
 
 void check_destination(const fs::path& path) {

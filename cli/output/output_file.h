@@ -34,7 +34,8 @@ class OutputFile : public TextSink {
   // Writes what is left and closes. After that only the place is missing.
   void complete();
   void take_place();
-  [[noreturn]] void fail(const std::string& what) const;
+  // Ends the text with what to check, and `first` is how that begins.
+  [[noreturn]] void fail(const std::string& what, const std::string& first = "check") const;
 
   std::filesystem::path path_;       // as it was given
   std::filesystem::path target_;     // where the links of path_ lead
