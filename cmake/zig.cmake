@@ -9,6 +9,7 @@ set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 
 # No debug symbols.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -s)
+set(CMAKE_SHARED_LINKER_FLAGS_INIT -s)
 get_filename_component(zig_folder ${VANTORELIX_ZIG} DIRECTORY)
 if(VANTORELIX_ZIG_TARGET MATCHES "windows")
   include(${CMAKE_CURRENT_LIST_DIR}/zig_windows.cmake)

@@ -9,6 +9,5 @@ set(CMAKE_AR ${CMAKE_BINARY_DIR}/zig-ar)
 set(CMAKE_RANLIB ${CMAKE_BINARY_DIR}/zig-ranlib)
 set(CMAKE_RC_COMPILER ${CMAKE_BINARY_DIR}/zig-rc)
 set(CMAKE_MODULE_LINKER_FLAGS_INIT -s)
-set(CMAKE_SHARED_LINKER_FLAGS_INIT -s)
 # As CMake does for this kind of compiler, but without a path that begins as an option does.
 set(CMAKE_RC_COMPILE_OBJECT "<CMAKE_RC_COMPILER> <DEFINES> <INCLUDES> <FLAGS> /fo <OBJECT> -- <SOURCE>")

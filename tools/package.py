@@ -33,8 +33,8 @@ PAGES = ("maya.md", "studio.md")
 # The licences of what zig links into a module: their name in the package, and their path in zig.
 LICENCES = {"libc++": "libcxx/LICENSE.TXT", "libc++abi": "libcxxabi/LICENSE.TXT", "libunwind": "libunwind/LICENSE.TXT",
             "zig": "../LICENSE", "glibc": "libc/glibc/io/stat-2.32.c", "mingw-w64": "libc/mingw/COPYING"}
-# The systems that a package is for, by the names of their folders: what zig calls them, and the ending of a module.
-SYSTEMS = {"linux": ("x86_64-linux-gnu.2.17", ".so"), "windows": ("x86_64-windows-gnu", ".pyd")}
+# The systems that a package is for, by the names of their folders, and the ending of a module.
+SYSTEMS = {"linux": ".so", "windows": ".pyd"}
 
 
 def read(path):
@@ -67,13 +67,10 @@ def windows_interpreters():
 
 
 def compile_modules(compiler, system, interpreters):
-    """Leaves modules-SYSTEM/module-X.Y in zig.FOLDER for each of {version: interpreter}."""
+    """Leaves module-X.Y in zig.modules_folder(system) for each of {version: interpreter}."""
     versions = sorted(interpreters)
-    zig.build(compiler, "cmake-" + system,
-              {"VANTORELIX_MODULE_FOLDER": os.path.join(zig.FOLDER, "modules-" + system),
-               "VANTORELIX_ZIG_TARGET": SYSTEMS[system][0],
-               "VANTORELIX_PYTHONS": ";".join(interpreters[v] for v in versions)},
-              ["module-%d.%d" % v for v in versions])
+    zig.build(compiler, system, ["module-%d.%d" % v for v in versions],
+              {"VANTORELIX_PYTHONS": ";".join(interpreters[v] for v in versions)})
 
 
 def only(pattern):
@@ -110,8 +107,8 @@ def modules(system, versions):
     companions = glob.glob(os.path.join(ROOT, "maya", "companion", "*.py"))
     files = {}
     for version in versions:
-        module = os.path.join(zig.FOLDER, "modules-" + system, "module-%d.%d" % version)
-        parts = [only(os.path.join(module, "_vantorelix*" + SYSTEMS[system][1]))]
+        module = os.path.join(zig.modules_folder(system), "module-%d.%d" % version)
+        parts = [only(os.path.join(module, "_vantorelix*" + SYSTEMS[system]))]
         parts += [os.path.join(module, "Vantorelix_engine." + kind) for kind in ("py", "pyi")]
         for part in parts + [path for path in companions if os.path.basename(path) != PLUGIN]:
             files["contents/%s/python-%d.%d/%s" % ((system,) + version + (os.path.basename(part),))] = part

@@ -15,11 +15,10 @@ import archives
 import package
 import zig
 
-# For each system what the build is told besides, what makes its archive, and the ending of that.
+# For each system what is built, the settings for that, what makes its archive, and the ending of that.
 SYSTEMS = {
-    "linux-x86_64": ({}, archives.as_tar_xz, ".tar.xz"),
-    "windows-x86_64": ({"VANTORELIX_ZIG_TARGET": "x86_64-windows-gnu", "CMAKE_INSTALL_BINDIR": ".",
-                        "CMAKE_INSTALL_DOCDIR": "docs"}, archives.as_zip, ".zip"),
+    "linux": (["vantorelix", "vantorelix_printed"], {}, archives.as_tar_xz, ".tar.xz"),
+    "windows": (["vantorelix"], {"CMAKE_INSTALL_BINDIR": ".", "CMAKE_INSTALL_DOCDIR": "docs"}, archives.as_zip, ".zip"),
 }
 
 
@@ -43,9 +42,9 @@ def main(arguments):
     if not compiler:
         return 1
     for system in options.systems or sorted(SYSTEMS):
-        settings, archive, ending = SYSTEMS[system]
-        top = "vantorelix-%s-%s" % (package.project_version(), system)
-        tree = zig.build(compiler, system, settings, ["all"])
+        targets, settings, archive, ending = SYSTEMS[system]
+        top = "vantorelix-%s-%s-x86_64" % (package.project_version(), system)
+        tree = zig.build(compiler, system, targets, settings)
         files = installed(tree, os.path.join(zig.FOLDER, "installed-" + system))
         archives.write(os.path.join(options.dist, top + ending),
                        archive({top + "/" + name: path for name, path in files.items()}))

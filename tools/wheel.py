@@ -44,7 +44,8 @@ def metadata(version):
 
 def contents(tree, version):
     """{name in the wheel: the file or its bytes}, but for the list of them."""
-    info, package_folder = "vantorelix-%s.dist-info/" % version, os.path.join(tree, "python-package", "vantorelix")
+    info = "vantorelix-%s.dist-info/" % version
+    package_folder = os.path.join(zig.modules_folder("linux"), "python-package", "vantorelix")
     program = os.path.join(tree, "bin", "vantorelix")
     files = {"vantorelix/" + name: os.path.join(package_folder, name) for name in os.listdir(package_folder)
              if name.endswith((".py", ".so", "py.typed"))}
@@ -81,9 +82,7 @@ def main(arguments):
     if not compiler:
         return 1
     version = package.project_version()
-    settings = {"CMAKE_POSITION_INDEPENDENT_CODE": "ON", "CMAKE_SHARED_LINKER_FLAGS": "-s",
-                "VANTORELIX_MODULE_FOLDER": os.path.join(zig.FOLDER, "wheel")}
-    files = contents(zig.build(compiler, "wheel", settings, ["vantorelix", "vantorelix_python_package"]), version)
+    files = contents(zig.build(compiler, "linux", ["vantorelix", "vantorelix_python_package"]), version)
     name = "vantorelix-%s.dist-info/RECORD" % version
     files[name] = record(files, name)
     archives.write(os.path.join(options.dist, "vantorelix-%s-%s.whl" % (version, TAG)), archives.as_zip(files))

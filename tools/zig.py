@@ -15,6 +15,8 @@ from clients import Failure
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 FOLDER = os.path.join(ROOT, "build", "package")
 TOOLS = os.path.join(FOLDER, "tools")  # an environment for what comes from PyPI
+# The systems that things are made for, all of x86-64, and what zig calls each.
+TARGETS = {"linux": "x86_64-linux-gnu.2.17", "windows": "x86_64-windows-gnu"}
 
 
 def compiler():
@@ -29,17 +31,26 @@ def compiler():
         return None
 
 
-def build(zig, tree, settings, targets):
-    """Configures the folder `tree` below FOLDER with the settings {name: value}, builds the targets, and returns its path."""
+def build(zig, system, targets, settings=None):
+    """Builds CMake's targets for a system, one of TARGETS, with further settings {name: value}; returns the build folder. All
+    that is made for a system comes from one folder, so that what it shares is compiled once; settings stay there."""
     environment = dict(os.environ, ZIG_GLOBAL_CACHE_DIR=os.path.join(FOLDER, "zig-cache"))
     environment.pop("CMAKE_CXX_COMPILER_LAUNCHER", None)  # ccache would take "c++" in "zig c++" for a source file
-    path = os.path.join(FOLDER, tree)
-    common = {"CMAKE_BUILD_TYPE": "Release", "CMAKE_UNITY_BUILD": "ON", "VANTORELIX_TESTS": "OFF", "VANTORELIX_ZIG": zig,
-              "CMAKE_TOOLCHAIN_FILE": os.path.join(ROOT, "cmake", "zig.cmake")}
+    path = os.path.join(FOLDER, system)
+    common = {"CMAKE_BUILD_TYPE": "Release", "CMAKE_UNITY_BUILD": "ON", "CMAKE_POSITION_INDEPENDENT_CODE": "ON",
+              "CMAKE_TOOLCHAIN_FILE": os.path.join(ROOT, "cmake", "zig.cmake"), "VANTORELIX_TESTS": "OFF",
+              "VANTORELIX_ZIG": zig, "VANTORELIX_ZIG_TARGET": TARGETS[system],
+              "VANTORELIX_MODULE_FOLDER": modules_folder(system)}
     subprocess.run(["cmake", "-S", ROOT, "-B", path, "-G", "Ninja"] +
-                   ["-D%s=%s" % setting for setting in sorted(dict(common, **settings).items())], check=True, env=environment)
+                   ["-D%s=%s" % setting for setting in sorted(dict(common, **settings or {}).items())],
+                   check=True, env=environment)
     subprocess.run(["cmake", "--build", path, "--target"] + targets, check=True, env=environment)
     return path
+
+
+def modules_folder(system):
+    """Where the modules and packages of Python are left."""
+    return os.path.join(FOLDER, "modules-" + system)
 
 
 def main():

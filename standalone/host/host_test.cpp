@@ -6,6 +6,7 @@
 #include <chrono>
 #include <fstream>
 
+#include "base/paths.h"
 #include "host/error.h"
 
 namespace vantorelix::standalone {
@@ -254,7 +255,8 @@ TEST_F(HostPlugin, is_found_by_its_bare_names_on_the_search_path) {
   file("Vantorelix_plugin.py");
   for (const char* name : bare_names) {
     Host another{Scene(), unloaded()};
-    another.set_environment("MAYA_PLUG_IN_PATH", ":" + folder.string() + "::nowhere");
+    const std::string separator(1, paths::kNative.list_separator);
+    another.set_environment("MAYA_PLUG_IN_PATH", separator + folder.string() + separator + separator + "nowhere");
     another.cmds().loadPlugin(name);
     EXPECT_TRUE(another.cmds().pluginInfo_loaded("Vantorelix_plugin")) << name;
     another.cmds().loadPlugin(name);

@@ -204,6 +204,9 @@ TEST_F(OptionStoreFile, refuses_a_folder_in_place_of_a_file) {
 }
 
 TEST_F(OptionStoreFile, writes_through_a_symbolic_link_and_keeps_permissions) {
+#ifdef _WIN32
+  GTEST_SKIP() << "files have no such permissions there, and Wine has no such links";
+#endif
   const fs::path link = folder / "link.json";
   write("{}");
   fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
