@@ -2,7 +2,7 @@
 include(GNUInstallDirs)
 
 install(TARGETS vantorelix RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-set(installed_pages cli.md formats.md install.md viewer.md)
+set(installed_pages cli.md formats.md install.md python.md viewer.md)
 list(TRANSFORM installed_pages PREPEND docs/)
 install(FILES ${installed_pages} CHANGES.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN viewer*.png)
