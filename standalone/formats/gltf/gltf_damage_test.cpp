@@ -71,7 +71,7 @@ TEST_F(GltfFolder, BuffersElsewhereAreNot) {
                                               HasSubstr("which is missing")))
         << uri;
   }
-  EXPECT_THAT(error_of((folder_ / "outside.bin").string()), HasSubstr("only files in the scene's folder"));
+  EXPECT_THAT(error_of((folder_ / "outside.bin").generic_string()), HasSubstr("only files in the scene's folder"));
   EXPECT_THAT(error_of("../outside.bin"), HasSubstr("only files in the scene's folder"));
 }
 
