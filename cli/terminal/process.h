@@ -23,8 +23,9 @@ class Process {
   void end();
 
  private:
-  std::intptr_t id_ = -1;     // of the process; on Windows its handle
-  std::intptr_t group_ = -1;  // on Windows the handle of what holds it with all that it starts
+  std::intptr_t id_ = -1;  // of the process; on Windows its handle
+  // On Windows the handle of what holds it with all that it starts.
+  [[maybe_unused]] std::intptr_t group_ = -1;
 };
 
 }  // namespace vantorelix::cli
