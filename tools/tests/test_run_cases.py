@@ -1,6 +1,7 @@
 """A runner that overlooks a wrong result would make every case worthless: each kind of mismatch fails here."""
 
 import pathlib
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -55,6 +56,20 @@ class RunCasesTest(unittest.TestCase):
         check = "assert open('stdout.got').read() == 'hello\\n'"
         self.assertEqual([], self.complaints(cmd="echo hello", stdout="hello\n", check__py=check))
         self.assertTrue(self.complaints(cmd="echo hullo", stdout="hullo\n", check__py=check))
+
+    def test_a_case_for_posix_is_left_out_on_windows_and_only_there(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for name, files in {"both": {"cmd": "true"}, "ours": {"cmd": "false", "posix": "It sends a signal.\n"}}.items():
+                case = pathlib.Path(folder) / name
+                case.mkdir()
+                for file, text in files.items():
+                    (case / file).write_text(text)
+            command = [sys.executable, run_cases.__file__, "--program", sys.executable, "--cases", folder]
+            here = subprocess.run(command, stdout=subprocess.PIPE, universal_newlines=True)
+            self.assertEqual((1, True), (here.returncode, "FAIL ours" in here.stdout))
+            there = subprocess.run(command + ["--windows"], stdout=subprocess.PIPE, universal_newlines=True)
+            self.assertEqual((0, "skip ours: It sends a signal.\nok   both\n1 of 1 cases passed, 1 skipped\n"),
+                             (there.returncode, there.stdout))
 
 
 if __name__ == "__main__":
