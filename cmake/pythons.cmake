@@ -1,4 +1,4 @@
-# Tests that run on a CPython.
+# Tests that run on a CPython, and the Python files beside what is compiled for one.
 
 # What an interpreter says of itself.
 function(vantorelix_ask_python python question result)
@@ -29,6 +29,10 @@ function(vantorelix_describe_python python)
     vantorelix_ask_python(${python} "'%d.%d' % sys.version_info[:2]" version)
     vantorelix_ask_python(${python} "sysconfig.get_path('include')" include)
     vantorelix_ask_python(${python} "sysconfig.get_config_var('EXT_SUFFIX')" suffix)
+    if(CMAKE_CROSSCOMPILING AND APPLE)
+      # The headers of a Linux on the same kind of processor serve: all sizes are the same.
+      string(REGEX REPLACE "-[^-]*-linux-gnu" "-darwin" suffix ${suffix})
+    endif()
   endif()
   foreach(name version include suffix library interpreter)
     set(${name} "${${name}}" PARENT_SCOPE)
@@ -49,4 +53,16 @@ function(vantorelix_python_environment result)
     list(APPEND environment LD_PRELOAD=${runtime} ASAN_OPTIONS=detect_leaks=0 PYTHONMALLOC=malloc)
   endif()
   set(${result} ${environment} PARENT_SCOPE)
+endfunction()
+
+# vantorelix_stage_scripts(TARGET FOLDER SCRIPT...): a target that copies scripts of the current folder, named by their
+# paths in it, to the same paths in another.
+function(vantorelix_stage_scripts target folder)
+  set(staged "")
+  foreach(script IN LISTS ARGN)
+    add_custom_command(OUTPUT ${folder}/${script} DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${script}
+                       COMMAND ${CMAKE_COMMAND} -E copy ${CMAKE_CURRENT_SOURCE_DIR}/${script} ${folder}/${script})
+    list(APPEND staged ${folder}/${script})
+  endforeach()
+  add_custom_target(${target} ALL DEPENDS ${staged})
 endfunction()

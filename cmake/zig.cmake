@@ -1,5 +1,5 @@
 # A toolchain for what is given away: zig's C++ compiler with its own C++ library linked in. VANTORELIX_ZIG is the program,
-# VANTORELIX_ZIG_TARGET the system: Linux, with no symbol of glibc newer than 2.17, or x86_64-windows-gnu.
+# VANTORELIX_ZIG_TARGET the system (tools/zig.py): Linux, with no symbol of glibc newer than 2.17, Windows or macOS.
 set(VANTORELIX_ZIG_TARGET x86_64-linux-gnu.2.17 CACHE STRING "The processor, system and C library, as zig names them")
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VANTORELIX_ZIG VANTORELIX_ZIG_TARGET)
 set(CMAKE_CXX_COMPILER ${VANTORELIX_ZIG} c++)
@@ -14,6 +14,9 @@ get_filename_component(zig_folder ${VANTORELIX_ZIG} DIRECTORY)
 if(VANTORELIX_ZIG_TARGET MATCHES "windows")
   include(${CMAKE_CURRENT_LIST_DIR}/zig_windows.cmake)
   set(c_library mingw-w64=${zig_folder}/lib/libc/mingw/COPYING)
+elseif(VANTORELIX_ZIG_TARGET MATCHES "macos")
+  include(${CMAKE_CURRENT_LIST_DIR}/zig_macos.cmake)
+  set(c_library "")  # the system's own
 else()
   set(c_library glibc=${zig_folder}/lib/libc/glibc/io/stat-2.32.c)
   # Nothing of the C++ library inside is seen from outside, where the process may have another one.

@@ -33,8 +33,8 @@ PAGES = ("maya.md", "studio.md")
 # The licences of what zig links into a module: their name in the package, and their path in zig.
 LICENCES = {"libc++": "libcxx/LICENSE.TXT", "libc++abi": "libcxxabi/LICENSE.TXT", "libunwind": "libunwind/LICENSE.TXT",
             "zig": "../LICENSE", "glibc": "libc/glibc/io/stat-2.32.c", "mingw-w64": "libc/mingw/COPYING"}
-# The systems that a package is for, by the names of their folders, and the ending of a module.
-SYSTEMS = {"linux": ".so", "windows": ".pyd"}
+# The systems that modules are made for, and the ending of a module.
+SYSTEMS = {"linux": ".so", "windows": ".pyd", "macos": ".so", "macos-arm64": ".so"}
 
 
 def read(path):

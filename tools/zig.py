@@ -15,8 +15,9 @@ from clients import Failure
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 FOLDER = os.path.join(ROOT, "build", "package")
 TOOLS = os.path.join(FOLDER, "tools")  # an environment for what comes from PyPI
-# The systems that things are made for, all of x86-64, and what zig calls each.
-TARGETS = {"linux": "x86_64-linux-gnu.2.17", "windows": "x86_64-windows-gnu"}
+# The systems that things are made for, of x86-64 where nothing else is said, and what zig calls each.
+TARGETS = {"linux": "x86_64-linux-gnu.2.17", "windows": "x86_64-windows-gnu",
+           "macos": "x86_64-macos.11.0-none", "macos-arm64": "aarch64-macos.11.0-none"}
 
 
 def compiler():
