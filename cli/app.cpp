@@ -28,6 +28,7 @@ Examples:
   vantorelix trails bounce.ma                       what moves, and how fast
   vantorelix trails bounce.ma --out bounce.svg      a picture of it
   vantorelix view walk.bvh                          the same in the browser, from every side
+  vantorelix measure walk.bvh                       how smooth it is, where it pops, which feet slide
   vantorelix trails walk.bvh --select '*Hand' --out hands.json --out hands.csv
   vantorelix trails shots/*.fbx --out 'out/{stem}.json' --jobs 4   many scenes at once
   vantorelix info walk.bvh                          what is in a scene
@@ -182,7 +183,7 @@ int run(int argc, const char* const* argv) {
   program.footer(kProgramFooter);
   add_common_options(program, common);
   std::vector<Command> commands;
-  for (const auto add : {add_trails, add_view, add_info, add_curves, add_live, add_completion, add_manual})
+  for (const auto add : {add_trails, add_measure, add_view, add_info, add_curves, add_live, add_completion, add_manual})
     commands.push_back(add(program));
   for (const Command& command : commands) add_common_options(*command.app, common);
 

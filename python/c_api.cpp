@@ -35,6 +35,8 @@ struct VlxTrailSet {};  // an api::TrailSet
 struct VlxTrail {
   session::TrailView view;
   std::string text;
+  double fps;
+  session::Ground ground;
 };
 
 namespace {
@@ -258,13 +260,19 @@ int vlx_trail(VlxTrailSet* set, std::size_t index, VlxTrail** trail) {
   return guarded([&] {
     const session::TrailReport& report = own(set)->report();
     const session::TrailView& view = report.trails.at(index);
-    *trail = new VlxTrail{view, api::trail_text(view, report)};
+    *trail = new VlxTrail{view, api::trail_text(view, report), report.fps, session::ground_of(report, view.figure)};
   });
 }
 
 int vlx_trail_text(VlxTrail* trail, const char** json) {
   *json = trail->text.c_str();
   return 0;
+}
+
+int vlx_trail_measures(VlxTrail* trail, const char** json) {
+  return guarded([&] {
+    hand_out(api::measures_text(session::measures_of(session::path_of(trail->view, trail->fps), trail->ground)), json);
+  });
 }
 
 int vlx_trail_arrays(VlxTrail* trail, VlxTrailArrays* arrays) {

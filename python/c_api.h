@@ -92,6 +92,8 @@ VLX_API int vlx_let_go(VlxScene* scene, VlxTrailSet* set);
 /* A trail of a set as it is now, with arrays that never change. */
 VLX_API int vlx_trail(VlxTrailSet* set, std::size_t index, VlxTrail** trail);
 VLX_API int vlx_trail_text(VlxTrail* trail, const char** json);
+/* JSON, worked out now. */
+VLX_API int vlx_trail_measures(VlxTrail* trail, const char** json);
 VLX_API int vlx_trail_arrays(VlxTrail* trail, VlxTrailArrays* arrays);
 /* The one function that any thread may call at any time. */
 VLX_API void vlx_trail_free(VlxTrail* trail);

@@ -107,7 +107,7 @@ void OpenScene::follow() {
     std::vector<TrailSet*> others;
     for (const auto& set : sets_) {
       if (is_followed(*set, followed))
-        set->report_ = session::read_trails(scene(), set->trails_, file_);
+        set->report_ = session::read_trails(scene(), set->trails_, file_, session::Figures::with);
       else
         others.push_back(set.get());
     }
@@ -125,7 +125,7 @@ void OpenScene::make(TrailSet& set) {
   session_.check_size(set.objects_.size(), set.settings_);
   session_.remove(set.trails_);
   set.trails_ = session_.create(set.objects_, set.settings_);
-  set.report_ = session::read_trails(scene(), set.trails_, file_);
+  set.report_ = session::read_trails(scene(), set.trails_, file_, session::Figures::with);
 }
 
 bool OpenScene::is_followed(const TrailSet& set, const std::unordered_set<NodeId>& followed) const {

@@ -6,6 +6,8 @@
 
 #include "base/json_writer.h"
 #include "base/text_sink.h"
+#include "session/measures/kinematics.h"
+#include "session/measuring.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::api {
@@ -83,7 +85,7 @@ std::string objects_of(const OpenScene& open) {
 }
 
 std::string trail_text(const session::TrailView& trail, const session::TrailReport& report) {
-  const session::TrailMeasure measure = session::measure(trail, report.fps);
+  const session::Travel measure = session::travel_of(session::path_of(trail, report.fps));
   return object_text([&](JsonWriter& json) {
     json.field("viz", trail.viz);
     json.field("source", trail.source);
@@ -100,7 +102,18 @@ std::string trail_text(const session::TrailView& trail, const session::TrailRepo
     json.field("top_speed", measure.top_speed);
     json.field("mean_speed_per_frame", measure.mean_speed / report.fps);
     json.field("top_speed_per_frame", measure.top_speed / report.fps);
+    json.key("units");
+    json.object({}, [&] {
+      for (const auto& [name, unit] : session::measure_units(report)) json.field(name, unit);
+    });
   });
+}
+
+std::string measures_text(const session::Measures& measures) {
+  StringSink out;
+  JsonWriter json(out);
+  write_measures(json, measures);
+  return out.text();
 }
 
 }  // namespace vantorelix::api

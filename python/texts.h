@@ -14,7 +14,10 @@ std::string description_of(const OpenScene& scene);
 // A list of {"source", "name", "node", "type", "parent", "animated"}: each object of the file, in its order.
 std::string objects_of(const OpenScene& scene);
 
-// The fields of a trail in the JSON of the program but for its arrays.
+// The fields of a trail in the JSON of the program but for its arrays and measures, and the `units` of its scene.
 std::string trail_text(const session::TrailView& trail, const session::TrailReport& report);
+
+// The field `measures` of a trail in the JSON of the program.
+std::string measures_text(const session::Measures& measures);
 
 }  // namespace vantorelix::api

@@ -1,16 +1,13 @@
 #include "session/compare.h"
 
 #include <cmath>
-#include <limits>
 #include <memory>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
 #include "base/mathematics/mathematics.h"
-#include "base/number.h"
 #include "base/number_text.h"
-#include "standalone/formats/maya/maya_units.h"
 
 namespace vantorelix::session {
 
@@ -54,15 +51,6 @@ std::unordered_map<std::string, std::vector<NodeId>> by_plain_path(const Scene& 
 
 // --- one scene's positions in the other's terms
 
-std::optional<double> centimetres(const std::string& unit) {
-  if (const auto named = standalone::linear_unit_named(unit)) return named->centimetres;
-  const std::size_t blank = unit.find(" cm");  // "2.5 cm", of an FBX file
-  if (blank == std::string::npos) return std::nullopt;
-  double number = 0.0;
-  parse_number(unit.data(), unit.data() + blank, number);
-  return number > 0.0 ? std::optional(number) : std::nullopt;
-}
-
 // Positions of one scene as another would have them.
 struct Conversion {
   double scale = 1.0;
@@ -90,8 +78,8 @@ Vectors converted(const Vectors& points, const Conversion& conversion) {
 }
 
 Comparison compared(const TrailView& trail, const TrailView& other, const Conversion& conversion) {
-  constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
   Comparison result{other.source, converted(other.points, conversion), {}, kUnknown, kUnknown};
+  result.figure = {conversion.scale * other.figure.height, conversion.scale * other.figure.floor};
   const auto &here = *trail.points, &there = *result.points;
   result.distances.reserve(here.size());
   for (std::size_t i = 0; i < here.size(); ++i) {

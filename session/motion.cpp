@@ -9,6 +9,7 @@
 #include <unordered_set>
 
 #include "base/mathematics/mathematics.h"
+#include "session/measures/path.h"
 
 namespace vantorelix::session {
 
@@ -17,9 +18,6 @@ namespace {
 constexpr double kFar = std::numeric_limits<double>::infinity();
 // What stays within this part of the scene's extent counts as still.
 constexpr double kStill = 1e-4;
-// What stays within this part of its own coordinates moves by their rounding at most: files hold 24 bits, and several
-// are composed.
-constexpr double kRounding = 2e-6;
 // Ends that stay nearer to each other than this part of the figure belong to one limb, as fingers to a hand.
 constexpr double kOneLimb = 0.15;
 // How often the figure is looked at, over the range.
@@ -171,31 +169,6 @@ std::vector<std::size_t> first_choice(const TrailReport& report, const Motion& m
   }
   std::sort(chosen.begin(), chosen.end());
   return chosen;
-}
-
-std::vector<Hold> holds_of(const TrailView& trail) {
-  constexpr double kHold = 1e-9;  // as the engine's, whose mean leaves such steps out
-  constexpr double kSlow = 0.01;
-  const auto& points = *trail.points;
-  std::vector<double> steps;
-  double sum = 0.0;
-  std::size_t active = 0;
-  for (std::size_t i = 1; i < points.size(); ++i) {
-    steps.push_back(distance(points[i - 1], points[i]));
-    if (!(steps.back() > kHold) || !std::isfinite(steps.back())) continue;
-    sum += steps.back();
-    ++active;
-  }
-  std::vector<Hold> holds;
-  if (active == 0) return holds;
-  const double still = std::max(kHold, kSlow * sum / static_cast<double>(active));
-  for (std::size_t i = 0, first = 0; i <= steps.size(); ++i) {
-    if (i < steps.size() && steps[i] <= still) continue;
-    const auto frame = [&](std::size_t at) { return trail.start_frame + static_cast<double>(at) * trail.frame_step; };
-    if (frame(i) - frame(first) >= 2.0 - 1e-9) holds.push_back({frame(first), frame(i)});
-    first = i + 1;
-  }
-  return holds;
 }
 
 }  // namespace vantorelix::session

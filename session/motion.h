@@ -41,13 +41,4 @@ Vector place_at(const TrailView& trail, double frame);
 inline constexpr std::size_t kMostChosen = 5;
 std::vector<std::size_t> first_choice(const TrailReport& report, const Motion& motion);
 
-// Frames over which an object stands still.
-struct Hold {
-  double first;
-  double last;
-};
-// The stretches of at least two frames in which each step is under a hundredth of the mean of those that are not; none
-// for a trail that does not move at all.
-std::vector<Hold> holds_of(const TrailView& trail);
-
 }  // namespace vantorelix::session

@@ -107,20 +107,5 @@ TEST(Motion, APlaceIsLinearBetweenSamplesAndHeldBeyondThem) {
   EXPECT_EQ(place_at(trail, 99.0), (Vector{4, 8, 0}));
 }
 
-TEST(Holds, AreWhereAnObjectRestsForTwoFramesOrMore) {
-  std::vector<Vector> points = {{0, 0, 0},     {1, 0, 0}, {2, 0, 0}, {2.001, 0, 0},
-                                {2.001, 0, 0}, {3, 0, 0}, {3, 0, 0}, {4, 0, 0}};
-  TrailView trail = support::trail_of(points);
-  trail.start_frame = 10.0;
-  const auto holds = holds_of(trail);
-  ASSERT_EQ(holds.size(), 1u);
-  EXPECT_EQ(holds[0].first, 12.0);
-  EXPECT_EQ(holds[0].last, 14.0);
-}
-
-TEST(Holds, AnObjectThatNeverMovesHasNone) {
-  EXPECT_THAT(holds_of(support::trail_of(std::vector<Vector>(9, Vector{1, 2, 3}))), IsEmpty());
-}
-
 }  // namespace
 }  // namespace vantorelix::session

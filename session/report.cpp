@@ -6,7 +6,9 @@
 #include <memory>
 #include <unordered_set>
 
-#include "base/mathematics/mathematics.h"
+#include "base/number.h"
+#include "session/figure.h"
+#include "standalone/formats/maya/maya_units.h"
 #include "standalone/formats/reader.h"
 
 namespace vantorelix::session {
@@ -64,11 +66,35 @@ TrailView read_trail(const Scene& scene, const Trail& trail, const Sources& sour
   return data;
 }
 
+void add_figures(TrailReport& report, const Scene& scene, const std::vector<Trail>& trails) {
+  std::vector<NodeId> objects;
+  for (const Trail& trail : trails) objects.push_back(trail.source);
+  const auto found = figures_of(scene, objects);
+  for (std::size_t i = 0; i < found.size(); ++i) report.trails[i].figure = found[i];
+}
+
+ContactLimits limits_of(const TrailReport& report, const Figure& figure) {
+  const bool by_figure = report.contacts == ContactRule::figure;
+  const ContactLimits& limits = by_figure ? kPartsOfFigure : kCentimetres;
+  const double scale = by_figure ? figure.height : 1.0 / centimetres(report.unit).value_or(kUnknown);
+  return {scale * limits.near, scale * limits.fast};
+}
+
 }  // namespace
 
 std::string unit_text(const TrailReport& report) { return report.unit == kUnknownUnit ? "units" : report.unit; }
 
-TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, const std::string& file) {
+std::optional<double> centimetres(const std::string& unit) {
+  if (const auto named = standalone::linear_unit_named(unit)) return named->centimetres;
+  const std::size_t blank = unit.find(" cm");  // "2.5 cm", of an FBX file
+  if (blank == std::string::npos) return std::nullopt;
+  double number = 0.0;
+  parse_number(unit.data(), unit.data() + blank, number);
+  return number > 0.0 ? std::optional(number) : std::nullopt;
+}
+
+TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, const std::string& file,
+                        Figures figures) {
   TrailReport report{file,
                      scene.settings.frames_per_second(),
                      scene.settings.playback_min(),
@@ -81,38 +107,24 @@ TrailReport read_trails(const Scene& scene, const std::vector<Trail>& trails, co
   for (const Trail& trail : trails) sources.insert(trail.source);
   report.trails.reserve(trails.size());
   for (const Trail& trail : trails) report.trails.push_back(read_trail(scene, trail, sources));
+  if (figures == Figures::with) add_figures(report, scene, trails);
   return report;
 }
 
-double way_after(const TrailView& trail, std::size_t sample) {
-  const auto& points = *trail.points;
-  if (sample + 1 >= points.size()) return std::numeric_limits<double>::quiet_NaN();
-  const Vector &a = points[sample], &b = points[sample + 1];
-  const double way = base::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
-  return std::isfinite(way) ? way : std::numeric_limits<double>::quiet_NaN();
+Path path_of(const TrailView& trail, double fps) { return {*trail.points, trail.start_frame, trail.frame_step, fps}; }
+
+Ground ground_of(const TrailReport& report, const Figure& figure) {
+  return {report.up_axis, figure, limits_of(report, figure)};
 }
 
-double ways_a_second(const TrailView& trail, double fps) { return fps / trail.frame_step; }
+Measures measures_of(const TrailView& trail, const TrailReport& report) {
+  return measures_of(path_of(trail, report.fps), ground_of(report, trail.figure));
+}
 
-TrailMeasure measure(const TrailView& trail, double fps) {
-  TrailMeasure result;
-  double shortest = std::numeric_limits<double>::infinity();
-  double longest = 0.0;
-  std::size_t ways = 0;
-  for (std::size_t i = 0; i < trail.points->size(); ++i) {
-    const double way = way_after(trail, i);
-    if (std::isnan(way)) continue;
-    ++ways;
-    result.length += way;
-    shortest = std::min(shortest, way);
-    longest = std::max(longest, way);
-  }
-  if (ways == 0) return result;
-  const double a_second = ways_a_second(trail, fps);
-  result.slowest = shortest * a_second;
-  result.top_speed = longest * a_second;
-  result.mean_speed = result.length / static_cast<double>(ways) * a_second;
-  return result;
+std::optional<Measures> measures_of_second(const TrailView& trail, const TrailReport& report) {
+  if (!trail.compare) return std::nullopt;
+  const Path path{*trail.compare->points, trail.start_frame, trail.frame_step, report.compared->fps};
+  return measures_of(path, ground_of(report, trail.compare->figure));
 }
 
 }  // namespace vantorelix::session

@@ -8,6 +8,7 @@
 
 #include "base/matrix.h"
 #include "base/vector.h"
+#include "session/measures/measures.h"
 #include "session/session.h"
 #include "standalone/scene/scene.h"
 
@@ -20,6 +21,7 @@ struct Comparison {
   std::vector<double> distances;  // one a sample; not a number where a position is not finite
   double largest;                 // of the distances; not a number where none is known
   double frame;                   // where it is largest first
+  Figure figure = {};             // that it belongs to, likewise
 };
 
 // One trail as its viz node shows it. The arrays share the node's storage.
@@ -42,6 +44,7 @@ struct TrailView {
   std::vector<double> key_times;
   std::vector<std::string> warnings;
   std::optional<Comparison> compare = {};
+  Figure figure = {};  // that the object belongs to, where it was asked for
 };
 
 // A node that does not move and has geometry, as the box around it.
@@ -55,7 +58,11 @@ struct StaticBox {
 struct ComparedScene {
   std::string scene;                // the file as it was named
   std::optional<std::string> take;  // as it was named
+  double fps = 0.0;
 };
+
+// What counts as contact with the floor (session/measures/contacts.h).
+enum class ContactRule { figure, centimetres };
 
 // What a scene says whose format knows no unit.
 inline constexpr const char* kUnknownUnit = "unknown";
@@ -71,28 +78,30 @@ struct TrailReport {
   double current = 0.0;                 // the scene's current frame
   std::vector<StaticBox> statics = {};  // only where they were asked for
   std::optional<ComparedScene> compared = {};
+  ContactRule contacts = ContactRule::figure;
   bool color_mode_chosen = false;  // by an option or a preference, rather than by the engine's default
 };
 
 // The unit as texts name it: "units" where it is unknown.
 std::string unit_text(const TrailReport& report);
+// How many centimetres a unit of length has; nothing where that is not known.
+std::optional<double> centimetres(const std::string& unit);
 
-TrailReport read_trails(const standalone::Scene& scene, const std::vector<Trail>& trails, const std::string& file);
+// With figures each trail has its own, which measures of contact need: looking at all parts of them takes a tenth of
+// the time that the trails did.
+enum class Figures { without, with };
+TrailReport read_trails(const standalone::Scene& scene, const std::vector<Trail>& trails, const std::string& file,
+                        Figures figures = Figures::without);
 
-// The way from a sample to the next, in the scene's unit; not a number after the last, and beside a position that is
-// not finite.
-double way_after(const TrailView& trail, std::size_t sample);
-// What turns such a way into a speed in units a second.
-double ways_a_second(const TrailView& trail, double fps);
+// A trail as what measures are taken of; refers to its points.
+Path path_of(const TrailView& trail, double fps);
 
-// Length and speeds of a trail. The length is in the scene's unit, speeds are in units a second, from sample to sample;
-// ways that are not known are left out.
-struct TrailMeasure {
-  double length = 0.0;
-  double slowest = 0.0;
-  double mean_speed = 0.0;
-  double top_speed = 0.0;
-};
-TrailMeasure measure(const TrailView& trail, double fps);
+// What measures of contact need to know about a trail of that figure.
+Ground ground_of(const TrailReport& report, const Figure& figure);
+
+// All measures of a trail of the report.
+Measures measures_of(const TrailView& trail, const TrailReport& report);
+// The same of its object in the second scene; nothing where that lacks it.
+std::optional<Measures> measures_of_second(const TrailView& trail, const TrailReport& report);
 
 }  // namespace vantorelix::session

@@ -250,7 +250,7 @@ double scaled_length(double x, double y, double z, double largest) {
   return std::ldexp(length_of(std::ldexp(x, -scale), std::ldexp(y, -scale), std::ldexp(z, -scale)), scale);
 }
 
-// --- powers ----------------------------------------------------------------------------------------------------------
+// --- logarithms and powers -------------------------------------------------------------------------------------------
 
 // Of a positive finite number, from sides of s = (m - 1) / (m + 1) where m lies between the roots of 1/2 and 2.
 Wide logarithm(double x) {
@@ -320,6 +320,14 @@ double hypot(double x, double y) {
 double hypot(double x, double y, double z) {
   const double largest = std::max({std::abs(x), std::abs(y), std::abs(z)});
   return squares_fit(largest) ? length_of(x, y, z) : scaled_length(x, y, z, largest);
+}
+
+double log(double x) {
+  if (x == 0.0) return -kInfinity;
+  if (!(x > 0.0)) return kNan;
+  if (x == kInfinity) return x;
+  const Wide value = logarithm(x);
+  return value.high + value.low;
 }
 
 double pow(double base, double exponent) {

@@ -34,6 +34,8 @@ double acos(double cosine);
 double hypot(double x, double y);
 double hypot(double x, double y, double z);
 
+// The natural logarithm. Minus infinity of zero; not a number of what is below.
+double log(double x);
 // For a base that is not negative and an exponent in [0, 1]; not a number for others.
 double pow(double base, double exponent);
 

@@ -46,9 +46,9 @@ TEST(Mathematics, ComesWithinAUnitOfTheLastPlaceOfValuesToAHundredDigits) {
 
 // A million values of each, of arguments of every kind.
 TEST(Mathematics, GivesTheSameBitsFromEveryCompilerAndProcessor) {
-  constexpr std::array<std::uint64_t, 8> kHashes = {0xf0055ba53ac03341, 0xda8cfed981213029, 0x58b7b2c63600ad7d,
+  constexpr std::array<std::uint64_t, 9> kHashes = {0xf0055ba53ac03341, 0xda8cfed981213029, 0x58b7b2c63600ad7d,
                                                     0x0a47446e53f0c94c, 0xb39fe3412bac3ed4, 0x4339cd88920ef762,
-                                                    0x5bcd5bcb3afa7978, 0xe67eaa4a2e2b63e7};
+                                                    0x5bcd5bcb3afa7978, 0xe67eaa4a2e2b63e7, 0xb34f6a14a8e2f593};
   for (std::size_t i = 0; i < kHashes.size(); ++i)
     EXPECT_EQ(support::hash_of(support::kMathematics[i], 1000000), kHashes[i]) << support::kMathematics[i].name;
 }
@@ -248,6 +248,18 @@ TEST(Power, OfAHalfIsTheSquareRoot) {
 TEST(Power, IsNotANumberForOtherBasesAndExponents) {
   for (const double base : {-1.0, -kInfinity, kNan}) EXPECT_TRUE(std::isnan(base::pow(base, 0.5)));
   for (const double exponent : {-0.5, next(1.0), kInfinity, kNan}) EXPECT_TRUE(std::isnan(base::pow(2.0, exponent)));
+}
+
+TEST(Logarithm, IsKnownAtItsEnds) {
+  expect_same(base::log(1.0), 0.0);
+  expect_same(base::log(0.0), -kInfinity);
+  expect_same(base::log(-0.0), -kInfinity);
+  expect_same(base::log(kInfinity), kInfinity);
+  for (const double x : {-kSmallest, -1.0, -kInfinity, kNan}) EXPECT_TRUE(std::isnan(base::log(x)));
+}
+
+TEST(Logarithm, RisesWhereOnePieceMeetsTheNext) {
+  for (const double x : {0.5, 0.7071067811865476, 1.0, 1.4142135623730951}) expect_rise(base::log, x);
 }
 
 }  // namespace

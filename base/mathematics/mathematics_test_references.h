@@ -151,6 +151,15 @@ inline constexpr Reference kReferences[] = {
     {"pow", {0x1.6a09e667f3bccp-1, 0x1.ccccccccccccdp-1, 0x0.0p+0}, 0x1.76ce51f6a0bb7p-1, 0x1.7f13f58e2317dp-55},
     {"pow", {0x1.4000000000000p+2, 0x1.56e1fc2f8f359p-997, 0x0.0p+0}, 0x1.0000000000000p+0, 0x1.13ec9bc9df32fp-996},
     {"pow", {0x0.0000000000001p-1022, 0x1.0000000000000p-1, 0x0.0p+0}, 0x1.0000000000000p-537, 0x0.0p+0},
+    {"log", {0x0.0000000000001p-1022, 0x0.0p+0, 0x0.0p+0}, -0x1.74385446d71c3p+9, -0x1.8e569fa8ee781p-45},
+    {"log", {0x0.012688b70e62bp-1022, 0x0.0p+0, 0x0.0p+0}, -0x1.64e69394d9508p+9, -0x1.35918fe61c196p-47},
+    {"log", {0x1.0000000000000p-1, 0x0.0p+0, 0x0.0p+0}, -0x1.62e42fefa39efp-1, -0x1.abc9e3b39803fp-56},
+    {"log", {0x1.6a09e667f3bccp-1, 0x0.0p+0, 0x0.0p+0}, -0x1.62e42fefa39f1p-2, 0x1.8d8f957c3d43cp-57},
+    {"log", {0x1.fffffffffffffp-1, 0x0.0p+0, 0x0.0p+0}, -0x1.0000000000000p-53, -0x1.0000000000000p-107},
+    {"log", {0x1.0000000000001p+0, 0x0.0p+0, 0x0.0p+0}, 0x1.fffffffffffffp-53, 0x1.5555555555554p-158},
+    {"log", {0x1.6a09e667f3bcdp+0, 0x0.0p+0, 0x0.0p+0}, 0x1.62e42fefa39f0p-2, 0x1.c2e0e1b1548c2p-56},
+    {"log", {0x1.999999999999ap+7, 0x0.0p+0, 0x0.0p+0}, 0x1.549c340bd651ep+2, 0x1.c0c06dabdb440p-53},
+    {"log", {0x1.fffffffffffffp+1023, 0x0.0p+0, 0x0.0p+0}, 0x1.62e42fefa39efp+9, 0x1.a9c9e3b39803fp-46},
 };
 
 }  // namespace vantorelix::base

@@ -18,6 +18,7 @@ struct Command {
 };
 
 Command add_trails(CLI::App& program);
+Command add_measure(CLI::App& program);
 Command add_view(CLI::App& program);
 Command add_info(CLI::App& program);
 Command add_curves(CLI::App& program);

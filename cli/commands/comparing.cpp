@@ -69,7 +69,8 @@ void check_range(const standalone::Scene& scene, const session::TrailReport& rep
 }
 
 session::TrailReport sample(standalone::Scene scene, const std::vector<NodeId>& objects,
-                            const session::TrailReport& report, const std::string& file, Terminal& terminal) {
+                            const session::TrailReport& report, const std::string& file, session::Figures figures,
+                            Terminal& terminal) {
   scene.settings.set_playback_range(report.first, report.last);
   session::Session session(std::move(scene), session_options(terminal));
   session::TrailSettings settings;
@@ -77,7 +78,7 @@ session::TrailReport sample(standalone::Scene scene, const std::vector<NodeId>& 
   session.check_size(objects.size(), settings);
   const auto trails = session.create(objects, settings);
   terminal.end_progress();
-  return session::read_trails(session.scene(), trails, file);
+  return session::read_trails(session.scene(), trails, file, figures);
 }
 
 }  // namespace
@@ -93,17 +94,17 @@ void add_compare_options(CLI::App& command, CompareOptions& options) {
 }
 
 void compare_with(const CompareOptions& options, const SceneOptions& first, session::TrailReport& report,
-                  Terminal& terminal) {
+                  session::Figures figures, Terminal& terminal) {
   const SceneOptions second = second_scene(options, first, report);
   standalone::Scene scene = load_scene(second, terminal);
   const auto nodes = session::counterparts(report, scene);
   check_matches(nodes, report, second.file, terminal);
   check_range(scene, report, second.file, terminal);
   const auto paths = paths_of(nodes, scene);
-  const auto other = sample(std::move(scene), found(nodes), report, second.file, terminal);
+  const auto other = sample(std::move(scene), found(nodes), report, second.file, figures, terminal);
   for (const std::string& text : session::compare(report, paths, other)) terminal.warn(second.file + ": " + text);
   warn_of_inexact(other, second.file, terminal);
-  report.compared = {second.file, options.take.empty() ? std::nullopt : std::optional(options.take)};
+  report.compared = {second.file, options.take.empty() ? std::nullopt : std::optional(options.take), other.fps};
 }
 
 void warn_of_inexact(const session::TrailReport& report, const std::string& file, Terminal& terminal) {

@@ -22,7 +22,7 @@ void add_compare_options(CLI::App& command, CompareOptions& options);
 // Warns of objects that it lacks. Throws Failure when it has none of them, and UsageError for an option that its format
 // has no use for.
 void compare_with(const CompareOptions& options, const SceneOptions& first, session::TrailReport& report,
-                  Terminal& terminal);
+                  session::Figures figures, Terminal& terminal);
 
 // Warns of the report's trails that may not be exact; `file` stands in front where it is not empty.
 void warn_of_inexact(const session::TrailReport& report, const std::string& file, Terminal& terminal);

@@ -48,11 +48,15 @@ session::TrailSettings TrailOptions::settings() const {
   return result;
 }
 
-void add_trail_options(CLI::App& command, TrailOptions& options) {
+void add_motion_options(CLI::App& command, TrailOptions& options) {
   add_selection_options(command, options.scene);
   add_compare_options(command, options.compare);
   add_integer(command, "--samples-per-frame", options.samples_per_frame, 1, 1'000'000'000,
               "Samples a frame, at least 1");
+}
+
+void add_trail_options(CLI::App& command, TrailOptions& options) {
+  add_motion_options(command, options);
   add_choice(command, "--color-mode", options.color_mode, kColorModes,
              "What the colours show: nothing (standard), the speed (spacing), past and future (flow), the spans "
              "between keys (beats)");
@@ -68,11 +72,11 @@ void add_trail_options(CLI::App& command, TrailOptions& options) {
       ->type_name("FILE");
 }
 
-void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
+void with_trails(const TrailOptions& options, const Surroundings& around, Terminal& terminal,
                  const std::function<void(const session::TrailReport&)>& use) {
   if (!options.compare.fps.empty() && !options.compare.wanted())
     throw UsageError("--compare-fps: there is no second scene; name it with --compare");
-  standalone::Scene scene = load_scene(options.scene, terminal, statics);
+  standalone::Scene scene = load_scene(options.scene, terminal, around.statics);
   const auto objects = choose_objects(scene, options.scene);
   options.scene.apply_range(scene, objects.size());
   apply_frame(scene, options.frame);
@@ -84,12 +88,13 @@ void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
   session.check_size(objects.size(), settings);
   const auto trails = session.create(objects, settings);
   terminal.end_progress();
-  session::TrailReport report = session::read_trails(session.scene(), trails, options.scene.file);
+  session::TrailReport report = session::read_trails(session.scene(), trails, options.scene.file, around.figures);
   report.current = std::clamp(report.current, report.first, report.last);
+  report.contacts = options.contacts;
   report.color_mode_chosen = session.names_color_mode(settings);
-  if (statics) report.statics = session::static_boxes(session.scene(), report.current);
+  if (around.statics) report.statics = session::static_boxes(session.scene(), report.current);
   warn_of_inexact(report, "", terminal);
-  if (options.compare.wanted()) compare_with(options.compare, options.scene, report, terminal);
+  if (options.compare.wanted()) compare_with(options.compare, options.scene, report, around.figures, terminal);
   use(report);
 }
 

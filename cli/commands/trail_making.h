@@ -23,15 +23,24 @@ struct TrailOptions {
   std::optional<bool> ghost;
   std::string preferences;
   std::string frame;
+  session::ContactRule contacts = session::ContactRule::figure;
 
   session::TrailSettings settings() const;
 };
-// Everything above but the scene itself.
+// Which objects, at which frames, beside which second scene.
+void add_motion_options(CLI::App& command, TrailOptions& options);
+// Everything above but the scene itself and what counts as contact.
 void add_trail_options(CLI::App& command, TrailOptions& options);
 
-// Makes the trails, beside those of a second scene where one was named, and hands them to `use`. With `statics` the
-// report has what stands around them too. Warns of trails that may not be exact.
-void with_trails(const TrailOptions& options, bool statics, Terminal& terminal,
+// What a report has besides its trails.
+struct Surroundings {
+  bool statics = false;  // what stands around them
+  session::Figures figures = session::Figures::without;
+};
+
+// Makes the trails, beside those of a second scene where one was named, and hands them to `use`. Warns of trails that
+// may not be exact.
+void with_trails(const TrailOptions& options, const Surroundings& around, Terminal& terminal,
                  const std::function<void(const session::TrailReport&)>& use);
 
 }  // namespace vantorelix::cli

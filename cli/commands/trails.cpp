@@ -1,20 +1,14 @@
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <memory>
 #include <sstream>
 
-#include "base/number_text.h"
 #include "cli/args/picture.h"
-#include "cli/args/placeholders.h"
-#include "cli/args/scene_files.h"
-#include "cli/commands/batch.h"
 #include "cli/commands/commands.h"
+#include "cli/commands/scene_outputs.h"
 #include "cli/commands/trail_making.h"
 #include "cli/output/html.h"
-#include "cli/output/output_file.h"
 #include "cli/output/svg/svg.h"
-#include "cli/output/text.h"
 #include "cli/output/writers.h"
 #include "cli/terminal/failure.h"
 #include "cli/terminal/screenshot.h"
@@ -38,13 +32,11 @@ Examples:
   vantorelix trails shots/*.fbx --out 'out/{stem}.json' --jobs 4 --keep-going
   vantorelix trails walk.bvh --frame 12 --onion every:6 --title 'The walk' --size 1920x1080 --out walk.png)";
 
-const std::vector<std::string> kExtensions = {".json", ".csv", ".svg", ".png", ".html"};
+const std::vector<std::string> kTrailExtensions = {".json", ".csv", ".svg", ".png", ".html"};
 
 struct TrailsOptions {
   TrailOptions trails;
-  std::vector<std::string> scenes;
-  BatchOptions batch;
-  std::vector<std::string> outputs;
+  SceneOutputs files;
   PictureOptions picture;
   std::string csv_columns;
 };
@@ -84,65 +76,34 @@ void write(OutputFile& out, const session::TrailReport& report, const TrailsOpti
     write_svg(out, report, options.picture.svg());
 }
 
-void write_all(const TrailsOptions& options, const session::TrailReport& report, Terminal& terminal) {
-  std::vector<std::unique_ptr<OutputFile>> files;
-  for (const std::string& output : options.outputs) {
-    files.push_back(std::make_unique<OutputFile>(output));
-    write(*files.back(), report, options);
-  }
-  OutputFile::commit(files);
-  for (const auto& file : files)
-    if (!file->is_stdout())
-      terminal.note(file->path().string() + ": " + counted(report.trails.size(), "trail") + ", " +
-                    readable(static_cast<double>(file->written()) / 1024.0, 3) + " KB");
-}
-
-void print_table(const session::TrailReport& report, const Terminal& terminal) {
-  const std::string table = trail_table(report);
-  const std::size_t heading = table.find('\n');
-  std::printf("%s%s", terminal.bold(table.substr(0, heading)).c_str(), table.c_str() + heading);
-}
-
+bool is_json(const std::string& output) { return extension_of(output) == ".json"; }
 bool is_csv(const std::string& output) { return extension_of(output) == ".csv"; }
 bool is_page(const std::string& output) { return extension_of(output) == ".html"; }
 
-void run_one(const TrailsOptions& options, Terminal& terminal) {
+void run_one(const TrailsOptions& options, const std::vector<std::string>& outputs, Terminal& terminal) {
   const auto begun = std::chrono::steady_clock::now();
-  const std::vector<std::string>& outputs = options.outputs;
-  terminal.set_scene(options.trails.scene.file);
-  check_outputs(outputs, kExtensions, options.trails.scene.file);
-  for (const std::string& output : outputs) check_destination(output);
-  const bool statics = std::any_of(outputs.begin(), outputs.end(), is_page);
-  with_trails(options.trails, statics, terminal, [&](const session::TrailReport& report) {
+  Surroundings around;
+  around.statics = std::any_of(outputs.begin(), outputs.end(), is_page);
+  if (std::any_of(outputs.begin(), outputs.end(), is_json)) around.figures = session::Figures::with;
+  with_trails(options.trails, around, terminal, [&](const session::TrailReport& report) {
     if (outputs.empty())
-      print_table(report, terminal);
+      print_table(trail_table(report), terminal);
     else
-      write_all(options, report, terminal);
+      write_outputs(outputs, report.trails.size(), terminal, [&](OutputFile& out) { write(out, report, options); });
     terminal.done(report.trails.size(),
                   std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count());
   });
 }
 
-void run_several(const CLI::App& command, const TrailsOptions& options, Terminal& terminal) {
-  if (options.batch.skip_existing && options.outputs.empty())
-    throw UsageError("--skip-existing: there are no files to be written; name them with --out");
-  const auto scenes = batch_of(options.scenes, options.outputs);
-  for (const BatchScene& each : scenes) {
-    check_outputs(each.outputs, kExtensions, each.scene);
-    if (!options.batch.keep_going)
-      for (const std::string& output : each.outputs) check_destination(output);
-  }
-  run_batch(command, scenes, options.batch, terminal);
-}
-
 void run_trails(const CLI::App& command, TrailsOptions options, Terminal& terminal) {
-  if (!options.csv_columns.empty() && std::none_of(options.outputs.begin(), options.outputs.end(), is_csv))
+  const auto& outputs = options.files.outputs;
+  if (!options.csv_columns.empty() && std::none_of(outputs.begin(), outputs.end(), is_csv))
     throw UsageError("--csv-columns: no .csv is written; name one with --out");
-  options.scenes = scene_files(options.scenes);
-  if (options.scenes.size() > 1 || options.batch.any()) return run_several(command, options, terminal);
-  options.trails.scene.file = options.scenes.front();
-  for (std::string& output : options.outputs) output = fill_in(output, options.scenes.front());
-  run_one(options, terminal);
+  for_each_scene(command, options.files, kTrailExtensions, terminal,
+                 [&](const std::string& scene, const std::vector<std::string>& files) {
+                   options.trails.scene.file = scene;
+                   run_one(options, files, terminal);
+                 });
 }
 
 }  // namespace
@@ -150,9 +111,9 @@ void run_trails(const CLI::App& command, TrailsOptions options, Terminal& termin
 Command add_trails(CLI::App& program) {
   CLI::App& command = *program.add_subcommand("trails", "Sample the trails of animated objects and write them");
   const auto options = std::make_shared<TrailsOptions>();
-  add_scene_arguments(command, options->scenes, options->trails.scene);
+  add_scene_arguments(command, options->files.scenes, options->trails.scene);
   add_trail_options(command, options->trails);
-  add_repeated(command, "--out", options->outputs,
+  add_repeated(command, "--out", options->files.outputs,
                "Write .json, .csv, .svg, .png or .html; may be repeated; {stem} is the scene's name")
       ->type_name("FILE");
   add_checked(command, "--csv-columns", options->csv_columns, "COLUMNS",
@@ -160,7 +121,7 @@ Command add_trails(CLI::App& program) {
               "a list of columns; write speed, key or "
               "speed,key",
               [](const std::string& text) { return parse_columns(text).has_value(); });
-  add_batch_options(command, options->batch);
+  add_batch_options(command, options->files.batch);
   add_picture_options(command, options->picture);
   command.footer(kTrailsFooter);
   return {&command, [options, &command](Terminal& terminal) { run_trails(command, *options, terminal); }};

@@ -47,7 +47,7 @@ void run_view(const ViewOptions& options, Terminal& terminal) {
       throw UsageError("--out " + options.output + ": a browser cannot open standard output; add --no-open");
   }
   fs::path page;
-  with_trails(options.trails, true, terminal, [&](const session::TrailReport& report) {
+  with_trails(options.trails, {.statics = true}, terminal, [&](const session::TrailReport& report) {
     OutputFile out(options.output.empty() ? temporary_page(report.scene) : fs::path(options.output));
     write_html(out, report);
     out.commit();

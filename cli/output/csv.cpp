@@ -44,7 +44,8 @@ void write_csv(TextSink& out, const session::TrailReport& report, const std::vec
   for (const session::TrailView& trail : report.trails) {
     const std::string source = csv_text(trail.source);
     const auto keys = keys_by_sample(trail);
-    const double a_second = session::ways_a_second(trail, report.fps);
+    const session::Path path = session::path_of(trail, report.fps);
+    const auto& steps = path.steps;
     for (std::size_t i = 0; i < trail.points->size(); ++i) {
       const Vector& p = (*trail.points)[i];
       const Vector c = i < trail.colors->size() ? (*trail.colors)[i] : Vector{NAN, NAN, NAN};
@@ -55,7 +56,7 @@ void write_csv(TextSink& out, const session::TrailReport& report, const std::vec
         if (column == CsvColumn::key)
           out << ',' << keys[i];
         else
-          write_number(out, session::way_after(trail, i) * a_second);
+          write_number(out, i < steps.size() ? steps[i] * path.rate() : session::kUnknown);
       out << '\n';
     }
   }

@@ -2,6 +2,8 @@
 
 #include "base/json_writer.h"
 #include "cli/output/writers.h"
+#include "session/measures/kinematics.h"
+#include "session/measuring.h"
 
 namespace vantorelix::cli {
 
@@ -15,8 +17,8 @@ void write_comparison(JsonWriter& json, const session::Comparison& compare) {
 }
 
 // As docs/cli.md names them. A frame is 1 / fps seconds.
-void write_measures(JsonWriter& json, const session::TrailView& trail, double fps) {
-  const session::TrailMeasure measure = session::measure(trail, fps);
+void write_speeds(JsonWriter& json, const session::TrailView& trail, double fps) {
+  const session::Travel measure = session::travel_of(session::path_of(trail, fps));
   json.field("length", measure.length);
   json.field("mean_speed", measure.mean_speed);
   json.field("top_speed", measure.top_speed);
@@ -24,13 +26,7 @@ void write_measures(JsonWriter& json, const session::TrailView& trail, double fp
   json.field("top_speed_per_frame", measure.top_speed / fps);
 }
 
-void write_units(JsonWriter& json, const std::string& unit) {
-  json.field("length", unit);
-  for (const char* speed : {"mean_speed", "top_speed"}) json.field(speed, unit + " per second");
-  for (const char* speed : {"mean_speed_per_frame", "top_speed_per_frame"}) json.field(speed, unit + " per frame");
-}
-
-void write_trail(JsonWriter& json, const session::TrailView& trail, double fps, bool compared) {
+void write_trail(JsonWriter& json, const session::TrailView& trail, const session::TrailReport& report) {
   json.field("viz", trail.viz);
   json.field("source", trail.source);
   json.field("name", trail.name);
@@ -46,8 +42,10 @@ void write_trail(JsonWriter& json, const session::TrailView& trail, double fps, 
   json.field("key_points", *trail.key_points);
   json.field("key_colors", *trail.key_colors);
   json.field("warnings", trail.warnings);
-  write_measures(json, trail, fps);
-  if (!compared) return;
+  write_speeds(json, trail, report.fps);
+  json.key("measures");
+  write_measures(json, session::measures_of(trail, report));
+  if (!report.compared) return;
   json.key("compare");
   if (trail.compare)
     json.object({}, [&] { write_comparison(json, *trail.compare); });
@@ -57,27 +55,32 @@ void write_trail(JsonWriter& json, const session::TrailView& trail, double fps, 
 
 }  // namespace
 
+void write_scene_fields(JsonWriter& json, const session::TrailReport& report) {
+  json.field("scene", report.scene);
+  json.field("fps", report.fps);
+  json.field("range", std::array{report.first, report.last});
+  json.field("unit", report.unit);
+  json.field("up_axis", std::string(1, report.up_axis));
+  json.key("units");
+  json.object({}, [&] {
+    for (const auto& [name, unit] : session::measure_units(report)) json.field(name, unit);
+  });
+  if (!report.compared) return;
+  json.key("compare");
+  json.object({}, [&] {
+    json.field("scene", report.compared->scene);
+    json.field("take", report.compared->take);
+  });
+}
+
 void write_json(TextSink& out, const session::TrailReport& report) {
   JsonWriter json(out);
   json.object(JsonLayout::lines(2), [&] {
-    json.field("scene", report.scene);
-    json.field("fps", report.fps);
-    json.field("range", std::array{report.first, report.last});
-    json.field("unit", report.unit);
-    json.field("up_axis", std::string(1, report.up_axis));
-    json.key("units");
-    json.object({}, [&] { write_units(json, session::unit_text(report)); });
-    if (report.compared) {
-      json.key("compare");
-      json.object({}, [&] {
-        json.field("scene", report.compared->scene);
-        json.field("take", report.compared->take);
-      });
-    }
+    write_scene_fields(json, report);
     json.key("trails");
     json.list(JsonLayout::lines(4), [&] {
       for (const session::TrailView& trail : report.trails)
-        json.object(JsonLayout::lines(6), [&] { write_trail(json, trail, report.fps, report.compared.has_value()); });
+        json.object(JsonLayout::lines(6), [&] { write_trail(json, trail, report); });
     });
   });
   out << '\n';

@@ -5,6 +5,7 @@
 #include "cli/output/columns.h"
 #include "cli/output/text.h"
 #include "cli/output/writers.h"
+#include "session/measures/kinematics.h"
 
 namespace vantorelix::cli {
 
@@ -24,7 +25,7 @@ std::string trail_table(const session::TrailReport& report) {
   std::vector<Row> rows = {{"trail", "samples", "frames", "keys", "length", "slowest", "mean speed", "top speed"}};
   if (report.compared) rows[0].insert(rows[0].end(), {"largest distance", "at frame"});
   for (const session::TrailView& trail : report.trails) {
-    const session::TrailMeasure m = session::measure(trail, report.fps);
+    const session::Travel m = session::travel_of(session::path_of(trail, report.fps));
     const double last = trail.start_frame + static_cast<double>(trail.points->size() - 1) * trail.frame_step;
     Row row = {valid_utf8(trail.source),
                std::to_string(trail.points->size()),

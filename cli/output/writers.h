@@ -5,12 +5,16 @@
 #include <string_view>
 #include <vector>
 
+#include "base/json_writer.h"
 #include "base/text_sink.h"
 #include "session/report.h"
 
 namespace vantorelix::cli {
 
-// One object: scene, fps, range, unit, up_axis, units, compare where there is a second scene, trails. Numbers read back
+// The fields that a JSON begins with: scene, fps, range, unit, up_axis, units, compare where there is a second scene.
+void write_scene_fields(JsonWriter& json, const session::TrailReport& report);
+
+// One object: the scene's fields, trails. Numbers read back
 // to the same double; a value that is not finite is null.
 void write_json(TextSink& out, const session::TrailReport& report);
 

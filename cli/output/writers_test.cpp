@@ -107,8 +107,22 @@ TEST(WritersTest, JsonNamesLengthAndSpeedsAndTheirUnits) {
   EXPECT_EQ(trail["top_speed"], 240.0);
   EXPECT_EQ(trail["mean_speed_per_frame"], 6.0);
   EXPECT_EQ(trail["top_speed_per_frame"], 10.0);
-  EXPECT_EQ(document["units"], nlohmann::json::parse(R"({"length": "cm", "mean_speed": "cm per second",
-      "top_speed": "cm per second", "mean_speed_per_frame": "cm per frame", "top_speed_per_frame": "cm per frame"})"));
+  const auto wanted = nlohmann::json::parse(R"({"length": "cm", "mean_speed": "cm per second",
+      "top_speed": "cm per second", "mean_speed_per_frame": "cm per frame", "top_speed_per_frame": "cm per frame"})");
+  for (const auto& [name, unit] : wanted.items()) EXPECT_EQ(document["units"][name], unit);
+}
+
+TEST(WritersTest, JsonHasTheMeasuresOfATrailAndAUnitForEach) {
+  StringSink out;
+  write_json(out, stepping());
+  const auto document = nlohmann::json::parse(out.text());
+  const auto& measures = document["trails"][0]["measures"];
+  EXPECT_EQ(measures["length"], 6.0);
+  EXPECT_EQ(measures["top_speed_frame"], 10.0);
+  EXPECT_TRUE(measures["sparc"].is_null());
+  for (const auto& [name, value] : measures.items())
+    EXPECT_NE(document["units"].contains(name), value.is_array()) << name;
+  EXPECT_EQ(document["units"]["top_jerk"], "cm per second cubed");
 }
 
 TEST(WritersTest, AFileAppearsOnlyWhenItIsCommitted) {

@@ -7,10 +7,10 @@ import unittest
 import weakref
 
 import vantorelix
-from support import ARRAYS, SCENES, TWINS, SceneTest, bvh, example, program_json, rows
+from support import ARRAYS, BALL, SCENES, TWINS, SceneTest, bvh, example, program_json, rows
 
 FIELDS = ("viz", "source", "name", "node", "parent", "samples_per_frame", "color_mode", "start_frame", "frame_step",
-          "warnings", "length", "mean_speed", "top_speed", "mean_speed_per_frame", "top_speed_per_frame")
+          "warnings", "length", "mean_speed", "top_speed", "mean_speed_per_frame", "top_speed_per_frame", "measures")
 
 
 class TrailsOfTheExamples(SceneTest):
@@ -24,6 +24,7 @@ class TrailsOfTheExamples(SceneTest):
         self.assertEqual(len(trails), len(written["trails"]))
         self.assertGreater(len(trails), 0)
         for trail, wanted in zip(trails, written["trails"]):
+            self.assertEqual(trail.units, written["units"])
             for field in FIELDS:
                 self.assertEqual(getattr(trail, field), wanted[field], field)
             for field in ARRAYS:
@@ -65,6 +66,28 @@ class TrailsOfTheExamples(SceneTest):
                          "Frames: 3\nFrame Time: 0.5\n0 0 0\n3 4 0\n3 4 2\n")
         (trail,) = self.open(path).trails()
         self.assertEqual((trail.length, trail.mean_speed, trail.top_speed), (7.0, 7.0, 10.0))
+        self.assertEqual([trail.measures[name] for name in ("length", "mean_speed", "top_speed")], [7.0, 7.0, 10.0])
+        self.assertEqual(trail.units["top_jerk"], "units per second cubed")
+
+    def test_measures_that_are_not_known_are_none(self):
+        (trail,) = self.open(self.clip(bvh(BALL, lambda row: [row, 0, 0], 3))).trails()
+        self.assertIsNone(trail.measures["top_jerk"])
+        self.assertIsNone(trail.measures["slide_share"])
+        self.assertEqual((trail.measures["holds"], trail.measures["contacts"]), ([], []))
+
+    def test_measures_follow_edits_and_outlive_the_scene(self):
+        scene = self.open(example("walk.bvh"))
+        (trail,) = scene.trails("LeftFoot")
+        before = trail.measures
+        self.assertGreater(before["contact_share"], 0.3)
+        scene.set_key("Hips", "ty", 40, 300.0)
+        self.assertEqual(trail.measures, before)
+        scene.follow()
+        after = trail.measures
+        self.assertGreater(after["top_pop"], 3 * before["top_pop"])
+        self.assertEqual(after["top_pop_frame"], 40)
+        scene.close()
+        self.assertEqual(trail.measures, after)
 
 
 class Scenes(SceneTest):

@@ -77,6 +77,7 @@ _FUNCTIONS = {
     "vlx_let_go": (ctypes.c_int, [_handle, _handle]),
     "vlx_trail": (ctypes.c_int, [_handle, _size, ctypes.POINTER(_handle)]),
     "vlx_trail_text": (ctypes.c_int, [_handle, ctypes.POINTER(_text)]),
+    "vlx_trail_measures": (ctypes.c_int, [_handle, ctypes.POINTER(_text)]),
     "vlx_trail_arrays": (ctypes.c_int, [_handle, ctypes.POINTER(TrailArrays)]),
     "vlx_trail_free": (None, [_handle]),
     "vlx_world_matrices": (ctypes.c_int, [_handle, _text, ctypes.c_void_p, _size, ctypes.c_void_p]),

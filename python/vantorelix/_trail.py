@@ -5,20 +5,24 @@ from __future__ import annotations
 import ctypes
 import json
 import weakref
-from typing import Any, Dict, List, Optional, Sequence
+from typing import Any, Dict, List, Optional, Sequence, Union
 
 from ._arrays import view
-from ._library import TrailArrays, check, later, library
+from ._library import TrailArrays, at_work, check, later, library
+
+
+# A number, None where it is not known, or a list of such by their names.
+Measures = Dict[str, Union[None, float, List[Dict[str, float]]]]
 
 
 class _Memory:
     """Owns a trail in the library, for as long as a view of it lives."""
 
     def __init__(self, handle: ctypes.c_void_p) -> None:
-        self._handle = handle
+        self.handle = handle
 
     def __del__(self, free: Any = library.vlx_trail_free) -> None:
-        free(self._handle)
+        free(self.handle)
 
 
 class _Data:
@@ -26,6 +30,7 @@ class _Data:
 
     def __init__(self, fields: Dict[str, Any], arrays: TrailArrays, memory: _Memory) -> None:
         self.fields = fields
+        self._memory = memory
 
         def rows(name: str, *row: int) -> memoryview:
             found = getattr(arrays, name)
@@ -34,6 +39,16 @@ class _Data:
         self.points, self.colors = rows("points", 3), rows("colors", 3)
         self.key_points, self.key_colors = rows("key_points", 3), rows("key_colors", 3)
         self.key_times = rows("key_times")
+
+    def measures(self) -> Measures:
+        """What the JSON of the program has as `measures`."""
+
+        def work() -> bytes:
+            found = ctypes.c_char_p()
+            check(library.vlx_trail_measures(self._memory.handle, ctypes.byref(found)))
+            return found.value or b""
+
+        return json.loads(at_work(work))
 
 
 def _taken(trails: Any, index: int) -> _Data:
@@ -159,6 +174,19 @@ class Trail:
     def top_speed_per_frame(self) -> float:
         """The highest speed from one sample to the next, in units a frame."""
         return self._data.fields["top_speed_per_frame"]
+
+    @property
+    def measures(self) -> Measures:
+        """How the object moves, worked out at each asking: the program's `measures`, which docs/measures.md explains.
+
+        A number by each name, None where it is not known; and lists of dicts, `holds`, `pops` and `contacts`.
+        """
+        return self._data.measures()
+
+    @property
+    def units(self) -> Dict[str, str]:
+        """The unit of each measure that is a number, by its name: "cm per second", or "1" for what has none."""
+        return dict(self._data.fields["units"])
 
     def __len__(self) -> int:
         """How many samples the trail has."""

@@ -51,9 +51,9 @@ void length_of_three(Number& result, const Arguments& a) {
 }
 
 // In the order of support::kMathematics.
-constexpr std::array<void (*)(Number&, const Arguments&), 8> kTrue = {
-    of_one<mpfr_sin>,   of_one<mpfr_cos>,   of_one<mpfr_asin>, of_one<mpfr_acos>,
-    of_two<mpfr_atan2>, of_two<mpfr_hypot>, length_of_three,   of_two<mpfr_pow>};
+constexpr std::array<void (*)(Number&, const Arguments&), 9> kTrue = {
+    of_one<mpfr_sin>,   of_one<mpfr_cos>, of_one<mpfr_asin>, of_one<mpfr_acos>, of_two<mpfr_atan2>,
+    of_two<mpfr_hypot>, length_of_three,  of_two<mpfr_pow>,  of_one<mpfr_log>};
 
 double error_in_ulp(double got, Number& wanted) {
   if (std::isinf(mpfr_get_d(wanted.get(), MPFR_RNDN))) return std::isinf(got) ? 0.0 : INFINITY;

@@ -100,13 +100,24 @@ inline Arguments power(Draw& draw) {
   }
 }
 
+inline Arguments positive(Draw& draw) {
+  switch (draw.integer(0, 2)) {
+    case 0:
+      return {5.0 * draw.unit()};
+    case 1:
+      return {std::abs(draw.finite())};
+    default:
+      return {1.0 + draw.sized(-52, -2)};
+  }
+}
+
 struct MathematicsFunction {
   const char* name;
   Arguments (*arguments)(Draw&);
   double (*value)(const Arguments&);
 };
 
-inline constexpr std::array<MathematicsFunction, 8> kMathematics = {{
+inline constexpr std::array<MathematicsFunction, 9> kMathematics = {{
     {"sin", angle, [](const Arguments& a) { return base::sin(a[0]); }},
     {"cos", angle, [](const Arguments& a) { return base::cos(a[0]); }},
     {"asin", side, [](const Arguments& a) { return base::asin(a[0]); }},
@@ -115,6 +126,7 @@ inline constexpr std::array<MathematicsFunction, 8> kMathematics = {{
     {"hypot of two", vector, [](const Arguments& a) { return base::hypot(a[0], a[1]); }},
     {"hypot of three", vector, [](const Arguments& a) { return base::hypot(a[0], a[1], a[2]); }},
     {"pow", power, [](const Arguments& a) { return base::pow(a[0], a[1]); }},
+    {"log", positive, [](const Arguments& a) { return base::log(a[0]); }},
 }};
 
 // Of the bits of `count` values.

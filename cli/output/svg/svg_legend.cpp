@@ -10,6 +10,7 @@
 #include "cli/output/text.h"
 #include "engine/colour/colour.h"
 #include "engine/state/constants.h"
+#include "session/measures/kinematics.h"
 
 namespace vantorelix::cli {
 
@@ -197,7 +198,7 @@ void draw_measures(TextSink& out, const Legend& legend, double left, double righ
   const std::size_t n = table_rows(legend), rows = n < report.trails.size() ? n - 1 : n;
   for (std::size_t i = 0; i < rows; ++i) {
     const session::TrailView& trail = report.trails[legend.order[i]];
-    const session::TrailMeasure m = session::measure(trail, report.fps);
+    const session::Travel m = session::travel_of(session::path_of(trail, report.fps));
     const double at = y + kHead + kRow * static_cast<double>(i);
     const double indent = legend.coloring.by_object ? 40.0 : 0.0;
     if (indent > 0.0) draw_swatch(out, left + 3.0, at - 4.0, object_color(legend.order[i]));
@@ -217,7 +218,8 @@ void draw_measures(TextSink& out, const Legend& legend, double left, double righ
 
 std::string second_name(const session::TrailReport& report) {
   if (!report.compared) return "";
-  const auto& [scene, take] = *report.compared;
+  const std::string& scene = report.compared->scene;
+  const std::optional<std::string>& take = report.compared->take;
   if (take && scene == report.scene) return "take " + *take;
   const std::string file = std::filesystem::path(scene).filename().string();
   return take ? file + ", take " + *take : file;

@@ -68,7 +68,8 @@ Holds choose_holds(const std::vector<DrawnTrail>& trails, const Box2& area) {
   Occupancy taken(area);
   for (const DrawnTrail& trail : trails) {
     if (!trail.lit()) continue;
-    for (const session::Hold& hold : session::holds_of(trail.trail())) {
+    const session::Path path = session::path_of(trail.trail(), 1.0);  // holds are in frames, whatever the rate
+    for (const session::Hold& hold : session::holds_of(path)) {
       ++holds.all;
       const Vector place = session::place_at(trail.trail(), (hold.first + hold.last) / 2.0);
       if (!is_finite(place) || holds.marks.size() == kMaxHolds) continue;

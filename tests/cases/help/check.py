@@ -7,7 +7,7 @@ common = {"--quiet", "--strict", "--color", "--log-format", "--help"}
 of_scenes = set(re.findall(r"^\| `(--[a-z-]+)", manual.split("\n## ")[0], re.M))
 assert "--take" in of_scenes
 sections = dict(re.findall(r"^## `vantorelix (\w+)[^\n]*\n(.*?)(?=^## |\Z)", manual, re.M | re.S))
-assert set(sections) == {"trails", "view", "info", "curves", "live", "completion", "manual"}, set(sections)
+assert set(sections) == {"trails", "measure", "view", "info", "curves", "live", "completion", "manual"}, set(sections)
 for command, text in sections.items():
     promised = set(re.findall(r"^\| `(--[a-z-]+)", text, re.M)) | common | (set() if command in ("completion", "manual") else of_scenes)
     helped = open(command + ".txt").read()

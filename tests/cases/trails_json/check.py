@@ -8,7 +8,7 @@ assert len(scene["trails"]) == 1
 assert [key for key, _ in scene["trails"][0]] == [
     "viz", "source", "name", "node", "parent", "samples_per_frame", "color_mode", "start_frame", "frame_step", "points",
     "colors", "key_times", "key_points", "key_colors", "warnings", "length", "mean_speed",
-    "top_speed", "mean_speed_per_frame", "top_speed_per_frame"]
+    "top_speed", "mean_speed_per_frame", "top_speed_per_frame", "measures"]
 trail = dict(scene["trails"][0])
 assert (trail["viz"], trail["source"], trail["name"], trail["node"]) == ("vlx_ball_viz", "|ball", "ball", None)
 assert trail["parent"] is None
@@ -30,4 +30,11 @@ assert (trail["mean_speed_per_frame"], trail["top_speed_per_frame"]) == (2, 2), 
 units = dict(scene["units"])
 assert units["length"] == "cm" and units["top_speed"] == "cm per second", units
 assert units["top_speed_per_frame"] == "cm per frame", units
-assert set(units) == {"length", "mean_speed", "top_speed", "mean_speed_per_frame", "top_speed_per_frame"}
+measures = dict(trail["measures"])
+# A line at constant speed: no jerk, and so no smoothness of it.
+assert (measures["length"], measures["top_speed"], measures["spacing_variation"]) == (16, 48, 0), measures
+assert measures["top_acceleration"] == measures["top_jerk"] == measures["top_curvature"] == 0, measures
+assert measures["ldlj"] is None and measures["sparc"] < -1, measures
+lists = {name for name, value in measures.items() if isinstance(value, list)}
+assert lists == {"holds", "pops", "contacts"}, lists
+assert set(units) == set(measures) - lists | {"mean_speed_per_frame", "top_speed_per_frame"}, units
