@@ -8,11 +8,12 @@ What is there already is not fetched again. Afterwards a build needs no network.
   browser   a Chromium for the page's tests, where the machine has none that runs
   compiler  what ./dev release and ./dev package compile with
   windows   the CPythons that the modules for Windows are built with and tested on, with Maven
+  shots     what vantorelix-shots is tested with
   stubs     two descriptions of Maya, for ./dev lint
 
 The exit code is 1 if a part could not be fetched; the others are fetched all the same. The browser and the compiler are
-an exception, and so are the CPythons for Windows: a failure to fetch them is only reported, because what needs them can be
-left out.
+an exception, and so are the CPythons for Windows and what vantorelix-shots is tested with: a failure to fetch them is only
+reported, because what needs them can be left out.
 """
 
 import os
@@ -22,6 +23,7 @@ import browser
 import package
 import page
 import packages
+import shots_python
 import sources
 import zig
 from clients import Failure
@@ -34,13 +36,14 @@ def _page():
         page.install(folder)
 
 
-# The browser, the compiler and the CPythons for Windows report a failure themselves and raise nothing.
+# The browser, the compiler, the CPythons for Windows and the packages for shots report a failure themselves.
 PARTS = {
     "sources": sources.fetch,
     "page": _page,
     "browser": browser.tell,
     "compiler": zig.compiler,
     "windows": package.windows_interpreters,
+    "shots": shots_python.tell,
     "stubs": lambda: maya_stubs.fetch(page.ROOT),
 }
 

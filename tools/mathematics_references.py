@@ -67,10 +67,14 @@ def length(*sides):
     return fraction(square_root(fixed(sum((Fraction(s) / scale) ** 2 for s in sides)))) * scale
 
 
+def natural_logarithm(x):
+    mantissa, places = math.frexp(x)
+    return fraction(logarithm(fixed(mantissa)) + places * logarithm(2 * ONE))
+
+
 def power(base, exponent):
     two = logarithm(2 * ONE)
-    mantissa, places = math.frexp(base)
-    log = fraction(logarithm(fixed(mantissa)) + places * two) * Fraction(exponent)
+    log = natural_logarithm(base) * Fraction(exponent)
     whole = int(log / fraction(two))
     return fraction(exponential(int(log * ONE) - whole * two)) * Fraction(2) ** whole
 
@@ -96,6 +100,8 @@ def references():
     for base, exponent in ((2.0, 0.5), (3.7, 0.25), (1e-310, 0.999), (LARGEST, 1 - 2.0 ** -53), (1 - 2.0 ** -53, 0.3),
                            (0.70710678118654746, 0.9), (5.0, 1e-300), (SMALLEST, 0.5)):
         yield "pow", (base, exponent), power(base, exponent)
+    for x in (SMALLEST, 1e-310, 0.5, 0.70710678118654746, 1 - 2.0 ** -53, 1 + 2.0 ** -52, 1.4142135623730951, 204.8, LARGEST):
+        yield "log", (x,), natural_logarithm(x)
 
 
 def row(name, arguments, value):

@@ -29,9 +29,13 @@ Classifier: Operating System :: POSIX :: Linux
 {classifiers}
 Provides-Extra: numpy
 Requires-Dist: numpy; extra == "numpy"
+Provides-Extra: shots
+Requires-Dist: dask[distributed]>=2024.8.0,<2027; extra == "shots"
+Requires-Dist: pyarrow>=17,<27; extra == "shots"
 Description-Content-Type: text/markdown
 
 {description}"""
+_COMMANDS = "[console_scripts]\nvantorelix-shots = vantorelix._shots_command:main\n"
 _WHEEL = "Wheel-Version: 1.0\nGenerator: vantorelix\nRoot-Is-Purelib: false\nTag: %s\n" % TAG
 
 
@@ -42,15 +46,21 @@ def metadata(version):
     return _METADATA.format(version=version, classifiers=classifiers, description=description)
 
 
+def _package(folder):
+    """The files of the package and of those in it."""
+    return [os.path.join(place, name) for place, _, names in os.walk(folder) for name in names
+            if name.endswith((".py", ".so", ".html", "py.typed"))]
+
+
 def contents(tree, version):
     """{name in the wheel: the file or its bytes}, but for the list of them."""
     info = "vantorelix-%s.dist-info/" % version
     package_folder = os.path.join(zig.modules_folder("linux"), "python-package", "vantorelix")
     program = os.path.join(tree, "bin", "vantorelix")
-    files = {"vantorelix/" + name: os.path.join(package_folder, name) for name in os.listdir(package_folder)
-             if name.endswith((".py", ".so", "py.typed"))}
+    files = {os.path.relpath(path, os.path.dirname(package_folder)): path for path in _package(package_folder)}
     files["vantorelix-%s.data/scripts/vantorelix" % version] = program
     files[info + "METADATA"] = metadata(version).encode()
+    files[info + "entry_points.txt"] = _COMMANDS.encode()
     files[info + "WHEEL"] = _WHEEL.encode()
     files[info + "licenses/LICENCES.txt"] = subprocess.run([program, "--licences"], check=True,
                                                            stdout=subprocess.PIPE).stdout

@@ -53,6 +53,12 @@ class Wheel(unittest.TestCase):
         self.assertEqual(shown.split()[:2], ["vantorelix", version])
         self.assertIn("vantorelix-%s-" % version, self.wheel)
 
+    def test_the_command_for_shots_says_what_to_install_without_its_extra(self):
+        run = subprocess.run([os.path.join(self.folder.name, "bin", "vantorelix-shots"), "clips", "--out", "show"],
+                             stdout=subprocess.PIPE, stderr=subprocess.PIPE, universal_newlines=True)
+        self.assertEqual((run.returncode, run.stdout, run.stderr.count("\n")), (1, "", 1), run.stderr)
+        self.assertIn("pip install 'vantorelix[shots]'", run.stderr)
+
     def test_pip_knows_every_file_and_takes_all_away(self):
         listed = self.run_in("-m", "pip", "show", "--files", "vantorelix").stdout
         for name in zipfile.ZipFile(self.wheel).namelist():
