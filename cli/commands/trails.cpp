@@ -76,15 +76,15 @@ void write(OutputFile& out, const session::TrailReport& report, const TrailsOpti
     write_svg(out, report, options.picture.svg());
 }
 
-bool is_json(const std::string& output) { return extension_of(output) == ".json"; }
 bool is_csv(const std::string& output) { return extension_of(output) == ".csv"; }
 bool is_page(const std::string& output) { return extension_of(output) == ".html"; }
+bool has_measures(const std::string& output) { return extension_of(output) == ".json" || is_page(output); }
 
 void run_one(const TrailsOptions& options, const std::vector<std::string>& outputs, Terminal& terminal) {
   const auto begun = std::chrono::steady_clock::now();
   Surroundings around;
   around.statics = std::any_of(outputs.begin(), outputs.end(), is_page);
-  if (std::any_of(outputs.begin(), outputs.end(), is_json)) around.figures = session::Figures::with;
+  if (std::any_of(outputs.begin(), outputs.end(), has_measures)) around.figures = session::Figures::with;
   with_trails(options.trails, around, terminal, [&](const session::TrailReport& report) {
     if (outputs.empty())
       print_table(trail_table(report), terminal);

@@ -47,13 +47,14 @@ void run_view(const ViewOptions& options, Terminal& terminal) {
       throw UsageError("--out " + options.output + ": a browser cannot open standard output; add --no-open");
   }
   fs::path page;
-  with_trails(options.trails, {.statics = true}, terminal, [&](const session::TrailReport& report) {
-    OutputFile out(options.output.empty() ? temporary_page(report.scene) : fs::path(options.output));
-    write_html(out, report);
-    out.commit();
-    page = out.path();
-    if (!out.is_stdout()) terminal.note(page.string() + ": " + counted(report.trails.size(), "trail"));
-  });
+  with_trails(options.trails, {.statics = true, .figures = session::Figures::with}, terminal,
+              [&](const session::TrailReport& report) {
+                OutputFile out(options.output.empty() ? temporary_page(report.scene) : fs::path(options.output));
+                write_html(out, report);
+                out.commit();
+                page = out.path();
+                if (!out.is_stdout()) terminal.note(page.string() + ": " + counted(report.trails.size(), "trail"));
+              });
   if (options.no_open) return;
   if (!open_in_browser(fs::absolute(page)))
     throw Failure(page.string() +

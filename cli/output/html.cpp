@@ -3,11 +3,13 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/json_writer.h"
 #include "cli/output/base64.h"
 #include "cli/output/page.h"
 #include "cli/output/trail_data.h"
+#include "session/measures/measures.h"
 
 namespace vantorelix::cli {
 
@@ -35,7 +37,26 @@ void write_or_null(JsonWriter& json, const char* name, const std::optional<T>& i
   item ? json.object({}, [&] { body(*item); }) : json.value(std::optional<double>());
 }
 
-void write_trail(JsonWriter& json, const session::TrailView& trail, const TrailLayout& layout) {
+// The names and units of what write_measure_values writes.
+void write_measure_fields(JsonWriter& json, const session::TrailReport& report) {
+  json.key("measures");
+  json.list({}, [&] {
+    for (const session::MeasureField& field : session::measure_fields())
+      json.object({}, [&] {
+        json.field("name", field.name);
+        json.field("unit", session::unit_of(field.dimension, session::unit_text(report)));
+      });
+  });
+}
+
+void write_measure_values(JsonWriter& json, const session::Measures& measures) {
+  std::vector<double> values;
+  for (const session::MeasureField& field : session::measure_fields()) values.push_back(measures.*field.value);
+  json.field("measures", values);
+}
+
+void write_trail(JsonWriter& json, const session::TrailReport& report, const session::TrailView& trail,
+                 const TrailLayout& layout) {
   json.field("viz", trail.viz);
   json.field("source", trail.source);
   json.field("name", trail.name);
@@ -55,6 +76,7 @@ void write_trail(JsonWriter& json, const session::TrailView& trail, const TrailL
   json.field("keys", layout.keys);
   json.field("keys_on_samples", layout.keys_on_samples);
   json.field("warnings", trail.warnings);
+  write_measure_values(json, session::measures_of(trail, report));
   write_or_null(json, "compare", trail.compare, [&](const session::Comparison& compare) {
     json.field("source", compare.source);
     json.field("low", layout.compared.low);
@@ -89,10 +111,11 @@ void write_header(TextSink& out, const session::TrailReport& report, const DataL
       json.field("take", compared.take);
     });
     write_layout(json, layout);
+    write_measure_fields(json, report);
     json.key("trails");
     json.list(kTrails, [&] {
       for (std::size_t i = 0; i < report.trails.size(); ++i)
-        json.object({}, [&] { write_trail(json, report.trails[i], layout.trails[i]); });
+        json.object({}, [&] { write_trail(json, report, report.trails[i], layout.trails[i]); });
     });
     json.key("statics");
     json.list(kStatics, [&] {

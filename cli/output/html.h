@@ -14,10 +14,11 @@
 //   key_time_bytes   4 or 8
 //   sections         {positions, key_positions, key_times, colors, compared}: bytes from the start of the data
 //   bytes            of all sections
+//   measures         [{name, unit}], what the measures of the trails are
 //   trails           [{viz, source, name, parent (or null), samples_per_frame, color_mode, start_frame, frame_step,
 //                    line_width, point_size, show_line, show_dots, ghost, count (samples), low [x, y, z], step [x, y,
-//                    z], keys (how many), keys_on_samples, warnings, compare (or null): {source, low,
-//                    step} of the same object in the second scene}]
+//                    z], keys (how many), keys_on_samples, warnings, measures (null where one is not known), compare
+//                    (or null): {source, low, step} of the same object in the second scene}]
 //   statics          [{name, matrix (16 numbers, row vectors), low, high}]
 #pragma once
 

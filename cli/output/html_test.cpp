@@ -257,6 +257,21 @@ TEST(Html, TheHeaderSaysWhatTheSceneAndItsNodesHold) {
   EXPECT_TRUE(box["high"][2].is_null());
 }
 
+TEST(Html, EachTrailHasAMeasureForEachFieldWithItsUnit) {
+  const Written page(report_of({trail_of({{0, 0, 0}, {3, 4, 0}, {3, 4, 2}})}));
+  const json &fields = page.header["measures"], &values = page.header["trails"][0]["measures"];
+  ASSERT_EQ(fields.size(), values.size());
+  const auto of = [&](const std::string& name) {
+    for (std::size_t i = 0; i < fields.size(); ++i)
+      if (fields[i]["name"] == name) return std::pair(values[i], fields[i]["unit"]);
+    ADD_FAILURE() << name << " is not there";
+    return std::pair(json(), json());
+  };
+  EXPECT_EQ(of("length"), std::pair(json(7.0), json("cm")));
+  EXPECT_EQ(of("top_speed"), std::pair(json(120.0), json("cm per second")));
+  EXPECT_EQ(of("top_jerk"), std::pair(json(), json("cm per second cubed")));
+}
+
 TEST(Html, NoNameEndsTheBlockThatItStandsIn) {
   const std::string hostile = "</script><script>alert(1)</script><!--trails-->&amp;\xE2\x80\xA8\xE2\x80\xA9\"\\";
   session::TrailView trail = trail_of({{0, 0, 0}, {1, 0, 0}});

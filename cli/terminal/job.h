@@ -35,8 +35,8 @@ class Job {
  private:
   [[noreturn]] static void fail_to_start();
 
-  File errors_;           // a file without a name, which goes away with it
-  std::intptr_t id_ = 0;  // of the process; on Windows its handle. 0 once it has ended
+  File errors_;                               // a file without a name, which goes away with it
+  std::intptr_t id_ = 0;                      // of the process; on Windows its handle. 0 once it has ended
   [[maybe_unused]] std::uint32_t group_ = 0;  // on Windows its process group
   int exit_code_ = 0;
   bool stopped_ = false;

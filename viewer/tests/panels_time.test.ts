@@ -274,6 +274,80 @@ describe("the time that is seen", () => {
   });
 });
 
+describe("the choice of graph", () => {
+  const chosen = (page: Page) => page.getByLabel("Graph", { exact: true });
+
+  test("is of seven, each with its unit, and is kept in the address", async () => {
+    const page = await browser.open(figures(), { hash: "select=2" });
+    expect(await chosen(page).locator("option").allTextContents()).toEqual([
+      "Spacing, cm per frame", "Speed, cm per second", "Acceleration, cm per second squared", "Jerk, cm per second cubed",
+      "Curvature, per cm", "Pops, times the usual", "Sliding, cm per second"]);
+    await chosen(page).selectOption("Speed, cm per second");
+    expect(await page.getByRole("region", { name: "Speed graph" }).count()).toBe(1);
+    expect(await page.locator(".plot").getAttribute("aria-label")).toContain("Foot.L: fastest 24 cm per second from frame");
+    await expect.poll(() => page.evaluate(() => location.hash)).toContain("graph=speed");
+    await press(page, "Shift+G");
+    expect(await page.getByRole("region", { name: "Acceleration graph" }).count()).toBe(1);
+    expect(await page.locator(".message").textContent()).toBe("Graph of acceleration");
+  });
+
+  test("comes from the address", async () => {
+    const page = await browser.open(figures(), { hash: "select=3&graph=acceleration" });
+    expect(await chosen(page).inputValue()).toBe("2");
+    await page.evaluate(() => window.vantorelixViewer.store.set({ hover: { trail: 3, sample: 10 } }));
+    expect(await page.locator(".graph-value").textContent()).toBe("Frame 11: 57.6 cm per second squared"); // 0.1 * 24 * 24
+  });
+
+  test("draws the values of samples around them", async () => {
+    const page = await browser.open(figures(), { hash: "select=3&graph=acceleration" });
+    const drawn = (frame: number) =>
+      page.evaluate((x) => {
+        const canvas = document.querySelector<HTMLCanvasElement>(".curves")!;
+        const { data } = canvas.getContext("2d")!.getImageData(Math.round(x), 0, 1, 100);
+        return data.some((value, i) => i % 4 === 0 && Math.abs(value - data[i + 2]) > 60); // red or blue, and not the grey of the axis
+      }, frameX(frame));
+    await expect.poll(() => drawn(12)).toBe(true);
+    expect(await drawn(4.3)).toBe(true);
+    expect(await drawn(2.7)).toBe(false);
+  });
+});
+
+describe("the measures", () => {
+  const measured = () => {
+    const scene = figures();
+    const measures = [{ name: "top_speed", unit: "cm per second" }, { name: "top_speed_frame", unit: "frames" }, { name: "sparc", unit: "1" }];
+    return { ...scene, measures, trails: scene.trails.map((trail, i) => ({ ...trail, measures: [i + 0.5, 8 + i, i === 2 ? null : -2.25] })) };
+  };
+  const open = (page: Page) => page.getByRole("button", { name: "Measures" }).click();
+  const dialog = (page: Page) => page.getByRole("dialog", { name: "Measures" });
+
+  test("of the selected objects stand side by side", async () => {
+    const page = await browser.open(measured(), { hash: "select=1.2" });
+    await open(page);
+    expect(await dialog(page).getByRole("row").allTextContents()).toEqual([
+      "Measurehand_RFoot.LUnit", "Top speed1.5 frame 92.5 frame 10cm per second", "SPARC-2.25–"]);
+  });
+
+  test("lead to the frames where they are so", async () => {
+    const page = await browser.open(measured(), { hash: "select=1" });
+    await open(page);
+    await dialog(page).getByRole("button", { name: "frame 9" }).click();
+    await expectState(page, "frame", 9);
+    expect(await dialog(page).count()).toBe(0);
+  });
+
+  test("are of six objects at most, and of some", async () => {
+    const page = await browser.open({ ...figures(), trails: Array.from({ length: 8 }, (_, i) => arc(`o${i}`)) }, { hash: "select=0-7" });
+    await open(page);
+    expect(await dialog(page).getByRole("columnheader").count()).toBe(8);
+    expect(await dialog(page).textContent()).toContain("The first 6 of 8 selected objects.");
+    await page.keyboard.press("Escape");
+    await page.getByRole("button", { name: "None" }).click();
+    await open(page);
+    expect(await dialog(page).textContent()).toContain("Select objects to see their measures.");
+  });
+});
+
 describe("the spacing graph", () => {
   test("says in words what it draws", async () => {
     const page = await browser.open(figures(), { hash: "select=2" });

@@ -75,7 +75,7 @@ describe("the graph's curve", () => {
   const scale = frameScale(0, 10, LEFT + RIGHT + 100); // ten pixels a frame
 
   test("draws each stretch from its sample to the next", () => {
-    const curve = curveOf({ spacing: Float64Array.of(3, 7), startFrame: 2, frameStep: 1 }, scale, LEFT + RIGHT + 100);
+    const curve = curveOf({ values: Float64Array.of(3, 7), startFrame: 2, frameStep: 1 }, scale, LEFT + RIGHT + 100);
     const at = (frame: number) => curve.high[Math.floor(scale.x(frame))];
     expect(at(1.9)).toBeNaN();
     expect([at(2.05), at(2.95), at(3.05), at(3.95)]).toEqual([3, 3, 7, 7]);
@@ -84,22 +84,22 @@ describe("the graph's curve", () => {
 
   test("keeps the least and the most of what shares a pixel", () => {
     const spacing = Float64Array.from({ length: 1000 }, (_, i) => (i === 555 ? 100 : i === 556 ? 0 : 5));
-    const curve = curveOf({ spacing, startFrame: 0, frameStep: 0.01 }, scale, LEFT + RIGHT + 100);
+    const curve = curveOf({ values: spacing, startFrame: 0, frameStep: 0.01 }, scale, LEFT + RIGHT + 100);
     const column = Math.floor(scale.x(5.55));
     expect([curve.low[column], curve.high[column]]).toEqual([0, 100]);
     expect([curve.low[column - 1], curve.high[column - 1]]).toEqual([5, 5]);
   });
 
   test("leaves gaps where nothing is finite", () => {
-    const curve = curveOf({ spacing: Float64Array.of(1, NaN, 2), startFrame: 0, frameStep: 1 }, scale, LEFT + RIGHT + 100);
+    const curve = curveOf({ values: Float64Array.of(1, NaN, 2), startFrame: 0, frameStep: 1 }, scale, LEFT + RIGHT + 100);
     expect(curve.high[Math.floor(scale.x(1.5))]).toBeNaN();
     expect(curve.high[Math.floor(scale.x(2.5))]).toBe(2);
-    const mixed = curveOf({ spacing: Float64Array.of(4, NaN, 2, NaN), startFrame: 5, frameStep: 0.02 }, scale, LEFT + RIGHT + 100);
+    const mixed = curveOf({ values: Float64Array.of(4, NaN, 2, NaN), startFrame: 5, frameStep: 0.02 }, scale, LEFT + RIGHT + 100);
     expect([mixed.low, mixed.high].map((of) => of[Math.floor(scale.x(5))])).toEqual([2, 4]); // all four in one column
   });
 
-  test("knows its fastest and slowest stretch", () => {
-    expect(extremes(Float64Array.of(NaN, 4, 1, 9, 1))).toEqual({ slowest: 2, fastest: 3 });
+  test("knows its least and most", () => {
+    expect(extremes(Float64Array.of(NaN, 4, 1, 9, 1))).toEqual({ least: 2, most: 3 });
     expect(extremes(Float64Array.of(NaN))).toBeNull();
     expect(extremes(new Float64Array())).toBeNull();
   });

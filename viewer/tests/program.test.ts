@@ -3,6 +3,9 @@
 import { readFileSync, statSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
+import type { App } from "../src/model/app";
+import { graphOf } from "../src/model/graphs";
+import { Motion } from "../src/model/motion";
 import type { Vec3 } from "../src/source/trail";
 import { useBrowser } from "./support/browser";
 import { temporaryFolder } from "./support/files";
@@ -17,7 +20,8 @@ interface Json {
   fps: number;
   up_axis: "y" | "z";
   trails: { name: string; source: string; start_frame: number; frame_step: number; points: Vec3[]; colors: Vec3[];
-    key_times: number[]; key_points: Vec3[]; color_mode: number }[];
+    key_times: number[]; key_points: Vec3[]; color_mode: number;
+    measures: Record<string, number | null> & { pops: { frame: number; score: number }[] } }[];
 }
 
 function written(scene: string, ...options: string[]): Json {
@@ -48,6 +52,45 @@ describe.each(["arm.ma", "walk.bvh", "robot.fbx", "crane.gltf"])("the page of %s
       expect(worst(trail.colors, wanted.colors.flat().map((c) => 255 * c))).toBeLessThanOrEqual(0.5 + 1e-9);
     });
   });
+});
+
+describe.each(["arm.ma", "walk.bvh", "robot.fbx", "crane.gltf"])("the graphs of %s", (scene) => {
+  test("reach what the JSON file says", async () => {
+    const json = written(scene);
+    const page = await browser.openFile(file("x.html"));
+    const { scene: held, trails } = await page.evaluate(() => {
+      const { scene, motion } = window.vantorelixViewer;
+      return { scene, trails: motion.trails.map((trail) => ({ ...trail, points: [...trail.points] })) };
+    });
+    const motion = new Motion(trails.map((trail) => ({ ...trail, points: Float64Array.from(trail.points) })));
+    const top = (values: Float64Array) => Math.max(0, ...values.filter(Number.isFinite));
+    json.trails.forEach(({ name, measures }, trail) => {
+      const [speed, acceleration, jerk, curvature, pops, sliding] =
+        (["speed", "acceleration", "jerk", "curvature", "pops", "sliding"] as const).map((graph) =>
+          graphOf({ scene: held, motion } as App, graph).values(trail));
+      const near = (got: number, wanted: number | null, what: string) =>
+        expect(Math.abs(got - (wanted ?? 0)), `${name} ${what}: ${got} instead of ${wanted}`).toBeLessThanOrEqual(1e-4 * Math.abs(wanted ?? 0) + 1e-4);
+      near(top(speed), measures.top_speed, "speed");
+      near(top(acceleration), measures.top_acceleration, "acceleration");
+      near(top(jerk), measures.top_jerk, "jerk");
+      near(top(curvature), measures.top_curvature, "curvature");
+      near(top(pops), measures.top_pop, "pops");
+      const touching = sliding.filter(Number.isFinite);
+      near(touching.length / sliding.length, measures.contact_share, "contact");
+      if (measures.slide_share !== null)
+        near(touching.filter((value) => value > 0.3 * measures.figure_height!).length / touching.length, measures.slide_share, "sliding");
+    });
+  });
+});
+
+test("the page lists the measures of the JSON file", async () => {
+  const json = written("walk.bvh");
+  const page = await browser.openFile(file("x.html"), { hash: "select=0" });
+  await page.getByRole("button", { name: "Measures" }).click();
+  const rows = await page.getByRole("dialog", { name: "Measures" }).getByRole("row").allTextContents();
+  const { top_speed: value, top_speed_frame: frame } = json.trails[0].measures;
+  expect(rows).toContain(`Top speed${Number(value!.toPrecision(4))} frame ${frame}units per second`);
+  expect(rows.length).toBe(1 + Object.keys(json.trails[0].measures).filter((name) => !/_frame$|^(holds|pops|contacts)$/.test(name)).length);
 });
 
 const turned = (p: Vec3, up: string): Vec3 => (up === "z" ? [p[0], p[2], -p[1]] : p);
@@ -119,6 +162,6 @@ test("a page is at most 30 bytes a sample, beside the page itself, with a key at
   const json = written("walk.bvh");
   const samples = json.trails.reduce((sum, trail) => sum + trail.points.length, 0);
   const page = statSync(process.env.VANTORELIX_PAGE ?? "dist/index.html").size;
-  const perTrail = 700; // what a trail's own description may take
+  const perTrail = 1300; // what a trail's own description may take
   expect((statSync(file("x.html")).size - page - perTrail * json.trails.length) / samples).toBeLessThan(30);
 });

@@ -7,6 +7,7 @@ import { countUpTo } from "./colors";
 import { comparisonOf, movingIn, shownComparison } from "./compare";
 import { baseName } from "./format";
 import { bestDirection, framing } from "./framing";
+import { GRAPHS, graphOf } from "./graphs";
 import { movedTarget, visibleTrails } from "./pose";
 import { isVisible, toggled, type ViewName } from "./state";
 import { panTime, seenTime, zoomTime } from "./time_span";
@@ -123,6 +124,12 @@ function nextOnionSkins(app: App): void {
   app.announce(said);
 }
 
+function nextGraph(app: App): void {
+  const graph = GRAPHS[(GRAPHS.indexOf(app.store.state.graph) + 1) % GRAPHS.length];
+  app.store.set({ graph });
+  app.announce(`Graph of ${graphOf(app, graph).title.toLowerCase()}`);
+}
+
 /** A file name from the scene's. */
 const fileName = (app: App, ending: string) =>
   (baseName(app.scene.name).replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
@@ -161,6 +168,7 @@ export const COMMANDS: readonly Command[] = [
   { id: "time-all", title: "Show all of the time", keys: ["w"], run: (app) => app.store.set({ timeSpan: null }) },
   { id: "time-earlier", title: "Show earlier time", keys: ["v"], run: (app) => turnTime(app, -1) },
   { id: "time-later", title: "Show later time", keys: ["b"], run: (app) => turnTime(app, 1) },
+  { id: "graph", title: "The next graph: spacing, speed, and so on", keys: ["Shift+G"], run: nextGraph },
   { id: "frame-selected", title: "Frame what is selected", keys: ["f"], run: frameSelected },
   { id: "frame-all", title: "Frame all", keys: ["a"],
     run: (app) => frameTrails(app, visibleTrails(app.motion, app.store.state)) },

@@ -2,6 +2,7 @@
 // Values that make no sense are ignored.
 
 import type { ColorMode, Vec3 } from "../source/trail";
+import { GRAPHS } from "./graphs";
 import type { CameraPose, ViewState } from "./state";
 import { within, type TimeSpan } from "./time_span";
 
@@ -131,6 +132,7 @@ const FIELDS: Fields = {
   search: { name: "search", ...text },
   movingOnly: { name: "moving", ...flag },
   folded: { name: "fold", ...indices },
+  graph: { name: "graph", ...oneOf(...GRAPHS) },
   timeSpan: { name: "time", ...optional(span) },
   showList: { name: "list", ...optional(flag) },
   showSettings: { name: "settings", ...optional(flag) },

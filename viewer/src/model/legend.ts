@@ -10,7 +10,7 @@ const samples: Trail = {
   viz: "", source: "", name: "", parent: null, samplesPerFrame: 1, colorMode: 1, startFrame: 0, frameStep: 1, lineWidth: 1, pointSize: 1,
   showLine: true, showDots: true, ghost: false, count: STEPS + 1, points: new Float64Array(3 * (STEPS + 1)),
   colors: Uint8Array.from({ length: 3 * (STEPS + 1) }, (_, i) => Math.round(255 * rampColor(Math.floor(i / 3) / STEPS)[i % 3])),
-  keyTimes: Float64Array.of(0, STEPS / 2), keyPoints: new Float64Array(6), warnings: [],
+  keyTimes: Float64Array.of(0, STEPS / 2), keyPoints: new Float64Array(6), warnings: [], measures: [],
 };
 
 /** All colours of a mode, in their order. */

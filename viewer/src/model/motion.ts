@@ -28,6 +28,12 @@ export function worldPosition(trail: Trail, frame: number): Vec3 {
   return [a[0] + (b[0] - a[0]) * part, a[1] + (b[1] - a[1]) * part, a[2] + (b[2] - a[2]) * part];
 }
 
+/** At a sample, of values of the stretches between samples: the mean of those on its two sides. */
+export function meanOfSides(values: Float64Array, sample: number): number {
+  const sides = [values[sample - 1], values[sample]].filter((value) => Number.isFinite(value));
+  return sides.length ? sides.reduce((a, b) => a + b) / sides.length : NaN;
+}
+
 const minus = (a: Vec3, b: Vec3): Vec3 => [a[0] - b[0], a[1] - b[1], a[2] - b[2]];
 
 function subtract(points: Float64Array, at: (i: number) => Vec3): Float64Array {
@@ -116,9 +122,7 @@ export class Motion {
 
   /** Distance a frame at a sample: the mean of the stretches on its two sides. */
   speed(index: number, sample: number): number {
-    const spacing = this.spacing(index);
-    const sides = [spacing[sample - 1], spacing[sample]].filter((s) => Number.isFinite(s));
-    return sides.length ? sides.reduce((a, b) => a + b) / sides.length : NaN;
+    return meanOfSides(this.spacing(index), sample);
   }
 
   private get reference(): Trail | null {

@@ -4,6 +4,7 @@
 import type { ColorMode, Scene, Vec3 } from "../source/trail";
 import type { Palette } from "./colors";
 import { firstSelection } from "./first_look";
+import type { GraphName } from "./graphs";
 import type { Motion } from "./motion";
 import { stillBranches } from "./outline";
 import type { TimeSpan } from "./time_span";
@@ -77,6 +78,8 @@ export interface ViewState {
   readonly movingOnly: boolean;
   /** Trails in the list below which nothing is listed. */
   readonly folded: ReadonlySet<number>;
+  /** What the graph under the timeline is of. */
+  readonly graph: GraphName;
   /** What the timeline and the graph show; null: all of the scene's time. */
   readonly timeSpan: TimeSpan | null;
   /** Whether a panel is open; null: where there is room for it. */
@@ -128,6 +131,7 @@ export function initialState(scene: Scene, motion: Motion, camera: CameraPose): 
     search: "",
     movingOnly: true,
     folded: stillBranches(motion),
+    graph: "spacing",
     timeSpan: null,
     showList: null,
     showSettings: null,

@@ -1,4 +1,4 @@
-// How far apart the selected objects are in the two scenes, frame by frame, under the graph of spacing.
+// How far apart the selected objects are in the two scenes, frame by frame, under the first graph.
 
 import "./compare_graph.css";
 import type { App } from "../model/app";
@@ -77,7 +77,7 @@ function drawLargest(context: Context, app: App, { trail, sample, distance }: Ap
 function drawCurve(context: Context, trail: Trail, apart: Float64Array, place: Place, color: string, width: number): void {
   const { startFrame, frameStep } = trail;
   if (frameStep * place.scale.pixelsPerFrame < 1)
-    return strokeCurve(context, curveOf({ spacing: apart, startFrame, frameStep }, place.scale, width), place, color, 2);
+    return strokeCurve(context, curveOf({ values: apart, startFrame, frameStep }, place.scale, width), place, color, 2);
   context.strokeStyle = color;
   context.lineWidth = 2;
   context.lineJoin = "round";

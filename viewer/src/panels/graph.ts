@@ -1,15 +1,17 @@
-// The distance a frame of the selected trails, under the timeline.
+// What is chosen of model/graphs.ts, of the selected trails, under the timeline.
 
 import type { App } from "../model/app";
 import { goTo } from "../model/commands";
 import { markColor } from "../model/colors";
-import { frameText, lengthText, unitName } from "../model/format";
+import { frameText, lengthText } from "../model/format";
+import { GRAPHS, graphOf, type Graph, type GraphName } from "../model/graphs";
 import { nearestSample, sampleFrame } from "../model/motion";
 import { distinctNames } from "../model/names";
 import type { Hover } from "../model/state";
-import { el, setAttributes, setText } from "./parts/dom";
+import { button, el, setAttributes, setText } from "./parts/dom";
 import { extremes } from "./graph_curves";
-import { drawCurves, drawMoving, largestSpacing, placeOf, type Place } from "./graph_drawing";
+import { drawCurves, drawMoving, largestValue, placeOf, type Place } from "./graph_drawing";
+import { select, type Option } from "./parts/fields";
 import { Layer, onDrag } from "./parts/layer";
 import { zoomsTime } from "./time_zoom";
 import { frameAt } from "./timeline";
@@ -21,23 +23,27 @@ const MOST_NAMES = 6;
 
 const drawnTrails = (app: App): number[] => [...app.store.state.selected].slice(0, MOST_CURVES);
 
-const perFrame = (app: App, value: number) => `${lengthText(value)} ${unitName(app.scene.unit)} per frame`;
+const chosenGraph = (app: App): Graph => graphOf(app, app.store.state.graph);
 
-/** The selection's spacing in words. */
+const withUnit = (graph: Graph, value: number) => `${lengthText(value)} ${graph.unit}`;
+
+/** The graph of the selection in words. */
 export function summary(app: App, trails: readonly number[]): string {
   const { motion } = app;
-  if (trails.length === 0) return "Spacing graph: nothing is selected.";
+  const graph = chosenGraph(app);
+  if (trails.length === 0) return `${graph.title} graph: nothing is selected.`;
   const sentences = trails.slice(0, MOST_NAMES).map((index) => {
     const trail = motion.trails[index];
     const name = distinctNames(motion.trails)[index];
-    const spacing = motion.spacing(index);
-    const found = extremes(spacing);
-    if (!found) return `${name} has no spacing.`;
-    const at = (i: number) => `${perFrame(app, spacing[i])} from frame ${frameText(sampleFrame(trail, i))}`;
-    return `${name}: fastest ${at(found.fastest)}, slowest ${at(found.slowest)}.`;
+    const values = graph.values(index);
+    const found = extremes(values);
+    if (!found) return `${name} has no ${graph.title.toLowerCase()}.`;
+    const at = (i: number) => `${withUnit(graph, values[i])} ${graph.between ? "from" : "at"} frame ${frameText(sampleFrame(trail, i))}`;
+    const [most, least] = graph.words;
+    return `${name}: ${most} ${at(found.most)}, ${least} ${at(found.least)}.`;
   });
   if (trails.length > MOST_NAMES) sentences.push(`And ${trails.length - MOST_NAMES} more.`);
-  return `Spacing graph. ${sentences.join(" ")}`;
+  return `${graph.title} graph. ${sentences.join(" ")}`;
 }
 
 function names(app: App, trails: readonly number[]): Node[] {
@@ -55,12 +61,13 @@ function names(app: App, trails: readonly number[]): Node[] {
 
 /** The sample under the pointer: of the curve that is nearest to it. */
 function sampleAt(app: App, trails: readonly number[], place: Place, x: number, y: number): Hover | null {
+  const graph = chosenGraph(app);
   const frame = place.scale.frame(x);
   let nearest: Hover | null = null;
   let least = Infinity;
   for (const trail of trails) {
     const sample = nearestSample(app.motion.trails[trail], frame);
-    const distance = Math.abs(place.y(app.motion.speed(trail, sample)) - y);
+    const distance = Math.abs(place.y(graph.at(trail, sample)) - y);
     if (distance < least || nearest === null) [nearest, least] = [{ trail, sample }, Number.isFinite(distance) ? distance : Infinity];
   }
   return nearest;
@@ -74,26 +81,28 @@ function reading(app: App, trails: readonly number[]): string {
   if (!of) return "";
   const sample = hover?.sample ?? nearestSample(of, frame);
   const named = trails.length === 1 && trail === trails[0] ? "Frame" : `${distinctNames(app.motion.trails)[trail]}, frame`;
-  return `${named} ${frameText(sampleFrame(of, sample))}: ${perFrame(app, app.motion.speed(trail, sample))}`;
+  const graph = chosenGraph(app);
+  return `${named} ${frameText(sampleFrame(of, sample))}: ${withUnit(graph, graph.at(trail, sample))}`;
 }
 
-export interface Graph {
+export interface GraphPanel {
   readonly element: HTMLElement;
   redraw(): void;
 }
 
-export function buildGraph(app: App): Graph {
+/** `openMeasures` shows the measures of the selection. */
+export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
   const { store } = app;
   let trails = drawnTrails(app);
   let largest = 0;
   const place = () => placeOf(app, largest, plot.clientWidth, plot.clientHeight);
-  const curves = new Layer("curves", (context, width, height) => drawCurves(context, app, trails, place(), width, height));
-  const moving = new Layer("moving", (context, _, height) => drawMoving(context, app, place(), height));
+  const curves = new Layer("curves", (context, width, height) => drawCurves(context, app, chosenGraph(app), trails, place(), width, height));
+  const moving = new Layer("moving", (context, _, height) => drawMoving(context, app, chosenGraph(app), place(), height));
   const plot = el("div", { class: "plot", role: "img" }, curves.canvas, moving.canvas);
   const list = el("ul", { class: "graph-names" });
   const value = el("span", { class: "graph-value" });
   const inWords = el("p", { class: "hidden", role: "status" });
-  const empty = el("p", { class: "none" }, "Select objects to see their spacing.");
+  const empty = el("p", { class: "none" });
 
   const follow = () => {
     setText(value, reading(app, trails));
@@ -101,11 +110,14 @@ export function buildGraph(app: App): Graph {
   };
   const redraw = () => {
     trails = drawnTrails(app);
-    largest = largestSpacing(app, trails);
+    const graph = chosenGraph(app);
+    largest = largestValue(app, graph, trails);
     const text = summary(app, trails);
     setAttributes(plot, { "aria-label": text });
     setText(inWords, text);
     list.replaceChildren(...names(app, trails));
+    setAttributes(element, { "aria-label": `${graph.title} graph` });
+    setText(empty, `Select objects to see their ${graph.title.toLowerCase()}.`);
     empty.hidden = trails.length > 0;
     curves.invalidate();
     follow();
@@ -120,13 +132,17 @@ export function buildGraph(app: App): Graph {
   zoomsTime(app, plot);
   onDrag(plot, (x) => goTo(app, frameAt(app, place().scale, x)));
   store.subscribe(follow, ["frame", "hover"]);
-  store.subscribe(redraw, ["selected", "relativeTo", "palette", "theme"]);
+  store.subscribe(redraw, ["selected", "relativeTo", "palette", "theme", "graph"]);
   store.subscribe(() => (curves.invalidate(), moving.invalidate()), ["timeSpan"]);
-  redraw();
-  const unit = `Spacing, ${unitName(app.scene.unit)} per frame`;
+  const kinds = GRAPHS.map((name): Option<GraphName> => {
+    const { title, unit } = graphOf(app, name);
+    return [name, `${title}, ${unit}`];
+  });
   const element = el(
-    "section", { class: "graph", "aria-label": "Spacing graph" },
-    el("div", { class: "graph-head" }, el("h2", {}, unit), list, value), plot, empty, inWords,
+    "section", { class: "graph" },
+    el("div", { class: "graph-head" }, select(app, "graph", "Graph", kinds),
+      button({ text: "Measures", title: "All measures of the selected objects", class: "button small" }, openMeasures), list, value), plot, empty, inWords,
   );
+  redraw();
   return { element, redraw };
 }

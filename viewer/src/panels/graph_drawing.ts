@@ -1,13 +1,14 @@
-// How the graph of spacing looks: the curves, which change with the selection, and above them what moves.
+// How the graph looks: the curves, which change with the selection, and above them what moves.
 
 import type { App } from "../model/app";
 import { markColor, rgbText, trailColors } from "../model/colors";
 import { lengthText, niceStep } from "../model/format";
+import type { Graph } from "../model/graphs";
 import { nearestSample, sampleFrame } from "../model/motion";
 import { hasExtent } from "../model/reach";
 import type { Hover } from "../model/state";
 import { isSeen, LEFT, RIGHT, seenScale, ticks, type FrameScale } from "./frame_scale";
-import { curveOf, extremes, type Curve } from "./graph_curves";
+import { curveOf, extremes, type Curve, type Stretches } from "./graph_curves";
 import { styleColors } from "./parts/theme";
 import { isCrowded, keyPlaces } from "./timeline_drawing";
 
@@ -22,17 +23,17 @@ export interface Place {
   y(value: number): number;
 }
 
-/** The largest spacing of these trails; what moves by the rounding of its coordinates has none. */
-export function largestSpacing(app: App, trails: readonly number[]): number {
-  const values = trails.filter((trail) => hasExtent(app.motion.reach[trail])).map((trail) => {
-    const spacing = app.motion.spacing(trail);
-    const found = extremes(spacing);
-    return found ? spacing[found.fastest] : 0;
+/** The largest value of these trails; what moves by the rounding of its coordinates has none. */
+export function largestValue(app: App, graph: Graph, trails: readonly number[]): number {
+  const tops = trails.filter((trail) => hasExtent(app.motion.reach[trail])).map((trail) => {
+    const values = graph.values(trail);
+    const found = extremes(values);
+    return found ? values[found.most] : 0;
   });
-  return Math.max(0, ...values);
+  return Math.max(0, ...tops);
 }
 
-/** Axes that reach the largest spacing. */
+/** Axes that reach the largest value. */
 export function placeOf(app: App, largest: number, width: number, height: number): Place {
   const reach = largest > 0 ? largest : 1;
   const step = niceStep(reach / Math.max(2, Math.floor((height - TOP - BOTTOM) / 34)));
@@ -77,6 +78,12 @@ function drawKeyTimes(context: Context, app: App, { scale, y, most }: Place, col
   context.setLineDash([]);
 }
 
+/** The stretches of a graph: where values belong to samples, from half way before each to half way after it. */
+function stretchesOf(app: App, graph: Graph, index: number): Stretches {
+  const { startFrame, frameStep } = app.motion.trails[index];
+  return { values: graph.values(index), startFrame: graph.between ? startFrame : startFrame - frameStep / 2, frameStep };
+}
+
 /** In the colours that spacing gives the samples: pale under the curve, full along its edge. */
 function fillCurve(context: Context, app: App, index: number, curve: Curve, { scale, y }: Place, surface: string): void {
   const trail = app.motion.trails[index];
@@ -115,17 +122,15 @@ export function strokeCurve(context: Context, { low, high }: Curve, { y }: Place
 }
 
 export function drawCurves(
-  context: Context, app: App, trails: readonly number[], place: Place, width: number, height: number,
+  context: Context, app: App, graph: Graph, trails: readonly number[], place: Place, width: number, height: number,
 ): void {
   const colors = styleColors("line", "muted", "key", "text", "surface");
   context.save();
   context.beginPath();
   context.rect(LEFT, 0, width - LEFT - RIGHT, height);
   context.clip();
-  const { motion } = app;
   for (const index of trails) {
-    const { startFrame, frameStep } = motion.trails[index];
-    const curve = curveOf({ spacing: motion.spacing(index), startFrame, frameStep }, place.scale, width);
+    const curve = curveOf(stretchesOf(app, graph, index), place.scale, width);
     if (trails.length === 1) fillCurve(context, app, index, curve, place, colors.surface);
     strokeCurve(context, curve, place, trails.length === 1 ? colors.text : markColor(index, app.store.state.selected), trails.length === 1 ? 1 : 2);
   }
@@ -134,9 +139,9 @@ export function drawCurves(
   if (trails.length > 0) drawKeyTimes(context, app, place, colors.key);
 }
 
-function drawHover(context: Context, app: App, { trail, sample }: Hover, place: Place, colors: Record<"text" | "surface", string>): void {
+function drawHover(context: Context, app: App, graph: Graph, { trail, sample }: Hover, place: Place, colors: Record<"text" | "surface", string>): void {
   const x = place.scale.x(sampleFrame(app.motion.trails[trail], sample));
-  const value = app.motion.speed(trail, sample);
+  const value = graph.at(trail, sample);
   context.strokeStyle = colors.text;
   context.lineWidth = 1;
   context.beginPath();
@@ -154,11 +159,11 @@ function drawHover(context: Context, app: App, { trail, sample }: Hover, place: 
 }
 
 /** The current frame, and the sample that is pointed at. */
-export function drawMoving(context: Context, app: App, place: Place, height: number): void {
+export function drawMoving(context: Context, app: App, graph: Graph, place: Place, height: number): void {
   const colors = styleColors("accent", "text", "surface");
   const { frame, hover } = app.store.state;
   context.fillStyle = colors.accent;
   if (isSeen(app, frame)) context.fillRect(Math.round(place.scale.x(frame)) - 1, 0, 2, height);
   const of = hover && app.motion.trails[hover.trail];
-  if (of && isSeen(app, sampleFrame(of, hover.sample))) drawHover(context, app, hover, place, colors);
+  if (of && isSeen(app, sampleFrame(of, hover.sample))) drawHover(context, app, graph, hover, place, colors);
 }

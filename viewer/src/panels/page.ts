@@ -6,6 +6,7 @@ import { buildCompareGraph } from "./compare_graph";
 import { buildGraph } from "./graph";
 import { buildHelp } from "./help";
 import { buildLive } from "./parts/live";
+import { buildMeasuresDialog } from "./measures_dialog";
 import { buildObjects } from "./objects";
 import { buildPictureDialog } from "./picture_dialog";
 import { buildSettings } from "./settings";
@@ -38,7 +39,7 @@ function viewportElement(): { viewport: HTMLElement; description: HTMLElement } 
     "p", { class: "hidden", id: "viewport-keys" },
     "Space plays, the arrow keys step through the frames, J, K, L and M turn, plus and minus zoom, F frames what is " +
       "selected, question mark lists all keys. " +
-      "The list of objects, the timeline and the spacing graph say in words what is drawn here.",
+      "The list of objects, the timeline and the graph say in words what is drawn here.",
   );
   const viewport = el("div", {
     class: "viewport", id: "viewport", role: "application", tabindex: 0, "aria-label": "Trails", "aria-describedby": description.id,
@@ -54,7 +55,8 @@ export function buildPage(app: App, root: HTMLElement): Page {
   const objects = buildObjects(app);
   const settings = buildSettings(app);
   const timeline = buildTimeline(app);
-  const graph = buildGraph(app);
+  const measures = buildMeasuresDialog(app);
+  const graph = buildGraph(app, measures.open);
   const compareGraph = buildCompareGraph(app);
   const toolbar = buildToolbar(app, {
     listButton: panelButton(app, { key: "showList", name: "Objects", icon: "list", element: objects.element }),
@@ -66,7 +68,7 @@ export function buildPage(app: App, root: HTMLElement): Page {
   const time = el("section", { class: "time-panel", "aria-label": "Time" }, buildTransport(app), timeline.element, graph.element);
   if (compareGraph) time.append(compareGraph.element);
   root.classList.add("page");
-  root.replaceChildren(skipLink(viewport), toolbar, objects.element, stage, time, settings.element, help.element, picture.element);
+  root.replaceChildren(skipLink(viewport), toolbar, objects.element, stage, time, settings.element, help.element, picture.element, measures.element);
   const redraw = () => {
     timeline.redraw();
     graph.redraw();

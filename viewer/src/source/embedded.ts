@@ -1,6 +1,6 @@
 // Trails written into the page by the program: a JSON header and, in base64, the arrays that it describes.
 
-import type { ColorMode, Scene, StaticBox, Trail, TrailSource } from "./trail";
+import type { ColorMode, Measure, Scene, StaticBox, Trail, TrailSource } from "./trail";
 
 /** Marks a coordinate of a sample that is not a finite number. */
 const NOT_FINITE = 0xffffffff;
@@ -25,6 +25,7 @@ interface TrailHeader {
   keys: number;
   keys_on_samples: boolean;
   warnings: string[];
+  measures: (number | null)[];
   compare: { source: string; low: [number, number, number]; step: [number, number, number] } | null;
 }
 
@@ -41,6 +42,7 @@ export interface Header {
   key_time_bytes: 4 | 8;
   sections: { positions: number; key_positions: number; key_times: number; colors: number; compared: number };
   bytes: number;
+  measures: Measure[];
   trails: TrailHeader[];
   statics: StaticBox[];
 }
@@ -131,6 +133,7 @@ export function readTrails(header: Header, data: ArrayBuffer): Trail[] {
         ? pick(points, times, h.start_frame, h.frame_step)
         : unpack(words(keyPositions, 3 * h.keys), h.low, h.step),
       warnings: h.warnings,
+      measures: h.measures,
       compare: h.compare && { source: h.compare.source, points: unpack(words(compared, 3 * h.count), h.compare.low, h.compare.step) },
     };
   });
@@ -147,6 +150,7 @@ function readScene(header: Header): Scene {
     upAxis: header.up_axis,
     colorModeChosen: header.color_mode_chosen,
     compared: header.compare,
+    measures: header.measures,
     statics: header.statics,
   };
 }

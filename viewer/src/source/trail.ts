@@ -43,8 +43,16 @@ export interface Trail {
   readonly keyPoints: Float64Array;
   /** Why the trail may differ from the scene's own motion. */
   readonly warnings: readonly string[];
+  /** In the order of Scene.measures; null where one is not known. */
+  readonly measures: readonly (number | null)[];
   /** Where the scene is compared with a second one that has this object. */
   readonly compare?: Counterpart | null;
+}
+
+/** A number that tells of a trail's whole motion: its name in the program's files, and its unit, "1" where it has none. */
+export interface Measure {
+  readonly name: string;
+  readonly unit: string;
 }
 
 /** A node that does not move: a box in its own space and the matrix to the world (row vectors, translation last). */
@@ -70,6 +78,7 @@ export interface Scene {
   readonly colorModeChosen: boolean;
   /** The second scene that the trails are compared with: its file, and the take of it that was asked for. */
   readonly compared?: { readonly scene: string; readonly take: string | null } | null;
+  readonly measures: readonly Measure[];
   readonly statics: readonly StaticBox[];
 }
 

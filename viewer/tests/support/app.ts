@@ -22,7 +22,7 @@ export function makeApp(input: SceneInput): TestApp {
   const scene = {
     name: header.scene, fps: header.fps, first, last, current: header.current, unit: header.unit, upAxis: header.up_axis,
     colorModeChosen: header.color_mode_chosen,
-    statics: header.statics,
+    measures: header.measures, statics: header.statics,
   };
   const motion = new Motion(trails);
   const store = new Store(initialState(scene, motion, CAMERA));

@@ -1,7 +1,7 @@
 // Trails that tests make up, in the form in which the program writes them into the page.
 
 import { rampColor } from "../../src/model/colors";
-import type { ColorMode, StaticBox, Vec3 } from "../../src/source/trail";
+import type { ColorMode, Measure, StaticBox, Vec3 } from "../../src/source/trail";
 import type { Header } from "../../src/source/embedded";
 
 export interface TrailInput {
@@ -26,6 +26,8 @@ export interface TrailInput {
   showDots?: boolean;
   ghost?: boolean;
   warnings?: string[];
+  /** As many as the scene's `measures`; all unknown when left out. */
+  measures?: (number | null)[];
   /** World positions of the same object in a second scene, as many as `points`. */
   compare?: Vec3[];
 }
@@ -42,6 +44,8 @@ export interface SceneInput {
   keyTimeBytes?: 4 | 8;
   /** The second scene, where there is one. */
   compared?: { scene: string; take: string | null };
+  /** Left out: floor and figure_height alone. */
+  measures?: Measure[];
   statics?: StaticBox[];
   trails: TrailInput[];
 }
@@ -79,7 +83,7 @@ function speedColors(points: readonly Vec3[]): Vec3[] {
   return speed.map((s) => rampColor(s / fastest).map((c) => Math.round(255 * c)) as unknown as Vec3);
 }
 
-function encodeTrail(trail: TrailInput, keyTimeBytes: 4 | 8) {
+function encodeTrail(trail: TrailInput, keyTimeBytes: 4 | 8, measures: readonly Measure[]) {
   const { points, keyTimes = [], keyPoints } = trail;
   const place = box([...points, ...(keyPoints ?? [])]);
   const there = box(trail.compare ?? []);
@@ -93,6 +97,7 @@ function encodeTrail(trail: TrailInput, keyTimeBytes: 4 | 8) {
       show_dots: trail.showDots ?? true, ghost: trail.ghost ?? false, count: points.length,
       low: [...place.low] as [number, number, number], step: [...place.step] as [number, number, number],
       keys: keyTimes.length, keys_on_samples: !keyPoints, warnings: trail.warnings ?? [],
+      measures: trail.measures ?? measures.map(() => null),
       compare: trail.compare
         ? { source: `|second:${trail.name}`, low: [...there.low] as [number, number, number], step: [...there.step] as [number, number, number] }
         : null,
@@ -110,7 +115,9 @@ const aligned = (part: Buffer) => Buffer.concat([part, Buffer.alloc((8 - (part.l
 /** The header and the data of a scene. */
 export function encodeScene(input: SceneInput): { header: Header; data: Buffer } {
   const bytes = input.keyTimeBytes ?? 4;
-  const trails = input.trails.map((trail) => encodeTrail(trail, bytes));
+  const unit = input.unit ?? "cm";
+  const measures = input.measures ?? ["floor", "figure_height"].map((name) => ({ name, unit }));
+  const trails = input.trails.map((trail) => encodeTrail(trail, bytes, measures));
   const part = (name: "positions" | "keyPositions" | "keyTimes" | "colors" | "compared") =>
     aligned(Buffer.concat(trails.map((trail) => trail[name])));
   const [positions, keyPositions, keyTimes] = [part("positions"), part("keyPositions"), part("keyTimes")];
@@ -120,13 +127,14 @@ export function encodeScene(input: SceneInput): { header: Header; data: Buffer }
   const afterTimes = afterKeys + keyTimes.length;
   const header: Header = {
     format: 1, scene: input.scene ?? "scenes/test.usda", fps: input.fps ?? 24, range: input.range ?? [1, 48],
-    current: input.current ?? 1, unit: input.unit ?? "cm", up_axis: input.upAxis ?? "y",
+    current: input.current ?? 1, unit, up_axis: input.upAxis ?? "y",
     color_mode_chosen: input.colorModeChosen ?? true, compare: input.compared ?? null, key_time_bytes: bytes,
     sections: {
       positions: 0, key_positions: positions.length, key_times: afterKeys, colors: afterTimes,
       compared: afterTimes + colors.length,
     },
     bytes: data.length,
+    measures,
     trails: trails.map((trail) => trail.header),
     statics: input.statics ?? [],
   };
