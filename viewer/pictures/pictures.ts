@@ -26,6 +26,8 @@ const SHOTS: Record<string, Shot> = {
   "viewer-objects": { page: "walk.bvh.html", of: "#objects", hash: "hide=3-6" },
   "viewer-settings": { page: "walk.bvh.html", of: "#settings", hash: "mode=1", size: { width: 1280, height: 1100 } },
   "viewer-time": { page: "arm.ma.html", of: ".time-panel", hash: "mode=1&frame=20&select=3-4&color=object" },
+  "viewer-measures": { page: "walk.bvh.html", of: "dialog[open]", hash: "select=3.6",
+    before: (page) => page.getByRole("button", { name: "Measures" }).click() },
   "viewer-toolbar": { page: "arm.ma.html", of: ".toolbar", hash: "" },
   "viewer-bones": { page: "walk.bvh.html", of: ".viewport", hash: "frame=40&onion=frames&onionEvery=8" },
   "viewer-window": { page: "walk.bvh.html", of: ".viewport", hash: "frame=60&window=1" },
@@ -39,7 +41,7 @@ const SHOTS: Record<string, Shot> = {
     ...arm("mode=1&frame=20"),
     before: (page) => page.evaluate(() => window.vantorelixViewer.store.set({ hover: { trail: 0, sample: 10 } })),
   },
-  "viewer-help": { page: "arm.ma.html", of: "dialog", hash: "", before: (page) => page.keyboard.press("Shift+?") },
+  "viewer-help": { page: "arm.ma.html", of: "dialog[open]", hash: "", before: (page) => page.keyboard.press("Shift+?") },
 };
 
 async function main(pages: string, out: string, names: string[]): Promise<void> {
