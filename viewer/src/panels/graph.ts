@@ -103,6 +103,7 @@ export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
   const value = el("span", { class: "graph-value" });
   const inWords = el("p", { class: "hidden", role: "status" });
   const empty = el("p", { class: "none" });
+  const unit = el("span", { class: "graph-unit" });
 
   const follow = () => {
     setText(value, reading(app, trails));
@@ -117,6 +118,7 @@ export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
     setText(inWords, text);
     list.replaceChildren(...names(app, trails));
     setAttributes(element, { "aria-label": `${graph.title} graph` });
+    setText(unit, graph.unit);
     setText(empty, `Select objects to see their ${graph.title.toLowerCase()}.`);
     empty.hidden = trails.length > 0;
     curves.invalidate();
@@ -134,13 +136,10 @@ export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
   store.subscribe(follow, ["frame", "hover"]);
   store.subscribe(redraw, ["selected", "relativeTo", "palette", "theme", "graph"]);
   store.subscribe(() => (curves.invalidate(), moving.invalidate()), ["timeSpan"]);
-  const kinds = GRAPHS.map((name): Option<GraphName> => {
-    const { title, unit } = graphOf(app, name);
-    return [name, `${title}, ${unit}`];
-  });
+  const kinds = GRAPHS.map((name): Option<GraphName> => [name, graphOf(app, name).title]);
   const element = el(
     "section", { class: "graph" },
-    el("div", { class: "graph-head" }, select(app, "graph", "Graph", kinds),
+    el("div", { class: "graph-head" }, select(app, "graph", "Graph", kinds), unit,
       button({ text: "Measures", title: "All measures of the selected objects", class: "button small" }, openMeasures), list, value), plot, empty, inWords,
   );
   redraw();
