@@ -211,7 +211,7 @@ describe("on a small screen", () => {
   test("the help can be read to its end", async () => {
     const page = await browser.open(figures(), { viewport: SMALL });
     await press(page, "?");
-    const body = page.locator(".help-body");
+    const body = page.locator(".help .reading-body");
     expect(await body.evaluate((e) => e.scrollWidth <= e.clientWidth)).toBe(true);
     await body.focus();
     await press(page, "End");

@@ -181,6 +181,7 @@ describe("after a click of the pointer", () => {
 
   const openers: Record<string, [opener: string, opened: string, SizeOfPage?]> = {
     "the help": ["Help", "dialog.help"],
+    "the measures": ["Measures", "dialog.measures"],
     "what a picture has": ["Picture options", "dialog.picture-options"],
     "a sheet": ["Objects", "#objects", { width: 390, height: 844 }],
   };

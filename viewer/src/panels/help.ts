@@ -2,7 +2,8 @@
 
 import type { App } from "../model/app";
 import { COMMANDS, keyLabel } from "../model/commands";
-import { button, el, freshId } from "./parts/dom";
+import { el } from "./parts/dom";
+import { buildReading } from "./parts/reading";
 
 type Row = readonly [string, string];
 
@@ -70,27 +71,17 @@ const inText = (target: EventTarget | null) =>
   target instanceof Element && target.closest("input:not([type=checkbox]):not([type=radio]):not([type=range]), select, textarea") !== null;
 
 export function buildHelp(app: App): Help {
-  const heading = el("h2", { id: freshId("help") }, "Help");
-  const close = button({ icon: "close", name: "Close" }, () => element.close());
   const part = (title: string, ...content: Node[]) => el("section", {}, el("h3", {}, title), ...content);
-  const element = el(
-    "dialog", { class: "help", "aria-labelledby": heading.id },
-    el("div", { class: "help-head" }, heading, close),
-    el("div", { class: "help-body", tabindex: 0, role: "region", "aria-label": "Keys, mouse and colours" },
-      part("Keys", table(["Key", "Does"], keyRows(), keyCaps),
-        el("p", { class: "note" }, "Keys that type a letter, a digit or a sign can be switched off in the settings: for who speaks to the computer.")),
-      el("div", {},
-        part("Keys of single controls", table(["Key", "Does"], CONTROLS)),
-        part("Mouse", table(["Mouse", "Does"], MOUSE)),
-        part("Colour modes", table(["Mode", "Means"], MODES)),
-        part("On the page", table(["What", "Means"], PAGE)))),
+  const { element, open } = buildReading(
+    "help", "Help", "Keys, mouse and colours",
+    part("Keys", table(["Key", "Does"], keyRows(), keyCaps),
+      el("p", { class: "note" }, "Keys that type a letter, a digit or a sign can be switched off in the settings: for who speaks to the computer.")),
+    el("div", {},
+      part("Keys of single controls", table(["Key", "Does"], CONTROLS)),
+      part("Mouse", table(["Mouse", "Does"], MOUSE)),
+      part("Colour modes", table(["Mode", "Means"], MODES)),
+      part("On the page", table(["What", "Means"], PAGE))),
   );
-  element.addEventListener("click", (event) => {
-    if (event.target === element) element.close(); // beside the dialog
-  });
-  const open = () => {
-    if (!element.open) element.showModal();
-  };
   document.addEventListener("keydown", (event) => {
     if (event.key !== "?" || event.ctrlKey || event.metaKey || event.altKey || event.defaultPrevented || inText(event.target)) return;
     if (!app.store.state.letterKeys) return;

@@ -5,7 +5,8 @@ import { goTo } from "../model/commands";
 import { frameText, lengthText } from "../model/format";
 import { measuresOf } from "../model/graphs";
 import { distinctNames } from "../model/names";
-import { button, el, freshId } from "./parts/dom";
+import { button, el } from "./parts/dom";
+import { buildReading } from "./parts/reading";
 
 /** The most objects side by side. */
 const MOST_OBJECTS = 6;
@@ -25,16 +26,7 @@ export interface MeasuresDialog {
 }
 
 export function buildMeasuresDialog(app: App): MeasuresDialog {
-  const heading = el("h2", { id: freshId("measures") }, "Measures");
-  const body = el("div", { class: "measures-body", tabindex: 0, role: "region", "aria-label": "Measures of the selected objects" });
-  const close = button({ icon: "close", name: "Close" }, () => element.close());
-  const element = el(
-    "dialog", { class: "help measures", "aria-labelledby": heading.id }, el("div", { class: "help-head" }, heading, close), body,
-  );
-  element.addEventListener("click", (event) => {
-    if (event.target === element) element.close(); // beside the dialog
-  });
-
+  const { element, body, open } = buildReading("measures", "Measures", "Measures of the selected objects");
   const frameButton = (frame: number) =>
     button({ text: `frame ${frameText(frame)}`, class: "button small" }, () => {
       element.close();
@@ -61,9 +53,9 @@ export function buildMeasuresDialog(app: App): MeasuresDialog {
     if (selected.length > MOST_OBJECTS) notes.push(`The first ${MOST_OBJECTS} of ${selected.length} selected objects.`);
     body.replaceChildren(el("section", {}, el("p", { class: "note" }, notes.join(" ")), table(selected.slice(0, MOST_OBJECTS))));
   };
-  const open = () => {
+  const show = () => {
     fill();
-    element.showModal();
+    open();
   };
-  return { element, open };
+  return { element, open: show };
 }
