@@ -16,13 +16,15 @@ def empty_scene(frames):
 
 def read_clip(path, frames):
     """Opens the clip in an empty scene of so many frames; returns the seconds of reading it."""
-    empty_scene(frames)
+    scene = empty_scene(frames)
     addon_utils.enable("io_anim_bvh")
     # The add-on of Blender 3.4 opens files in a mode that newer versions of Python refuse.
     importlib.import_module("io_anim_bvh.import_bvh").open = lambda path, mode: open(path, mode.replace("U", ""))
     start = time.perf_counter()
     bpy.ops.import_anim.bvh(filepath=path, update_scene_fps=True, update_scene_duration=True)
-    return time.perf_counter() - start
+    seconds = time.perf_counter() - start
+    scene.frame_start, scene.frame_end = 1, frames  # the add-on has added to them
+    return seconds
 
 
 def loop(positions_now):

@@ -55,7 +55,7 @@ def recorded(out):
 def own_scheduler(folder, workers=1):
     """A scheduler and workers of its own: (its process, its address). All are gone in the end."""
     with contextlib.ExitStack() as held:
-        log = held.enter_context(open(os.path.join(folder, "scheduler"), "w+"))
+        log = held.enter_context(open(os.path.join(folder, "scheduler.log"), "w+"))
 
         def start(name, *options):
             words = [sys.executable, "-m", "distributed.cli." + name, *options, "--no-dashboard"]

@@ -68,7 +68,7 @@ def wrong_in(out, shots):
         wrong += ["%s: %s has no file, or one too many" % (kind, name) for name in set(found) ^ set(done)]
         wrong += ["%s: it does not hold one shot, once" % path for name, path in found.items()
                   if name in done and not _holds(path, done[name], kind == "measures")]
-    return wrong + ["%s: left over" % name for name in os.listdir(os.path.join(out, "work"))]
+    return wrong + ["%s: left over" % path for path in files_in(out, "work")]
 
 
 def _holds(path, shot, once):
