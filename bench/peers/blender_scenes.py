@@ -7,17 +7,15 @@ The two ways are the motion-path operator, and a loop that sets each frame and r
 gets the seconds of each, the fastest of three.
 """
 
-import importlib
 import json
 import math
 import os
 import sys
-import time
 
 import bpy
-import addon_utils  # found once bpy is there
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))  # Blender does not do this
+from blender_bvh import empty_scene, joint_positions, loop, read_clip
 from timing import REPEATS, fastest
 
 KEYS = 5
@@ -26,13 +24,6 @@ KEYS = 5
 def key_value(index, channel, key):
     wave = math.sin(1.7 * key + 0.9 * channel + 0.37 * index)
     return 10.0 * wave if channel < 3 else math.radians(45.0 * wave)
-
-
-def empty_scene(frames):
-    bpy.ops.wm.read_factory_settings(use_empty=True)
-    scene = bpy.context.scene
-    scene.frame_start, scene.frame_end = 1, frames
-    return scene
 
 
 def add_keyed(scene, index, parent, frames):
@@ -67,15 +58,6 @@ def binary_tree(count, frames):
     return things
 
 
-def loop(positions_now):
-    """Goes through the frames of the scene; returns what `positions_now` reads at each."""
-    scene, found = bpy.context.scene, []
-    for frame in range(scene.frame_start, scene.frame_end + 1):
-        scene.frame_set(frame)
-        found.append(positions_now())
-    return found
-
-
 def ways_of_objects(things):
     for thing in bpy.context.scene.objects:
         thing.select_set(thing in things)
@@ -98,22 +80,11 @@ def rebuild(things):
     return {"motion paths": fastest(once)}
 
 
-def read_clip(path):
-    empty_scene(1000)
-    addon_utils.enable("io_anim_bvh")
-    # The add-on of Blender 3.4 opens files in a mode that newer versions of Python refuse.
-    importlib.import_module("io_anim_bvh.import_bvh").open = lambda path, mode: open(path, mode.replace("U", ""))
-    start = time.perf_counter()
-    bpy.ops.import_anim.bvh(filepath=path, update_scene_fps=True, update_scene_duration=True)
-    return time.perf_counter() - start
-
-
 def ways_of_clip():
     armature = bpy.context.scene.objects[0]
     bpy.context.view_layer.objects.active = armature
-    bones = armature.pose.bones
-    ways = {"frame_set loop": fastest(lambda: loop(lambda: [(armature.matrix_world @ b.matrix).translation
-                                                            for b in bones]))}
+    positions_now = joint_positions(armature)
+    ways = {"frame_set loop": fastest(lambda: loop(positions_now))}
     bpy.ops.object.mode_set(mode="POSE")
     bpy.ops.pose.select_all(action="SELECT")
     ways["motion paths"] = fastest(lambda: bpy.ops.pose.paths_calculate(display_type="RANGE", range="SCENE"))
@@ -129,7 +100,7 @@ def main(clip, out):
     things = separate_objects(1000, 250)
     scenes["many_objects"] = ways_of_objects(things)
     scenes["rebuild"] = rebuild(things)
-    scenes["clip_load"] = {"import": min(read_clip(clip) for _ in range(REPEATS))}
+    scenes["clip_load"] = {"import": min(read_clip(clip, 1000) for _ in range(REPEATS))}
     scenes["clip_all_joints"] = ways_of_clip()
     with open(out, "w") as file:
         json.dump({"version": "Blender " + bpy.app.version_string, "scenes": scenes}, file)

@@ -1,7 +1,9 @@
 """What is said where the extra `shots` is not installed."""
 
+import os
 import subprocess
 import sys
+import tempfile
 import unittest
 
 WITHOUT = "import sys; sys.modules['distributed'] = None; "
@@ -24,6 +26,16 @@ class WithoutTheExtra(unittest.TestCase):
         code, _, said = run("import vantorelix.shots")
         self.assertEqual(code, 1)
         self.assertIn("ImportError: " + NEEDS, said)
+
+    def test_so_does_python_with_the_name_of_the_module(self):
+        with tempfile.TemporaryDirectory() as folder:
+            with open(os.path.join(folder, "distributed.py"), "w") as file:
+                file.write("raise ImportError('No module named distributed')")
+            paths = os.pathsep.join([folder, os.environ.get("PYTHONPATH", "")])
+            done = subprocess.run([sys.executable, "-m", "vantorelix.shots", "x", "--out", "y"], stdout=subprocess.PIPE,
+                                  stderr=subprocess.PIPE, universal_newlines=True, env=dict(os.environ, PYTHONPATH=paths))
+        self.assertEqual((done.returncode, done.stdout, done.stderr.count("\n")), (1, "", 1), done.stderr)
+        self.assertTrue(done.stderr.startswith(NEEDS), done.stderr)
 
     def test_the_package_itself_does_not_need_it(self):
         self.assertEqual(run("import vantorelix; print(vantorelix.open.__name__)")[:2], (0, "open\n"))

@@ -2,12 +2,9 @@
 
 import contextlib
 import os
-import re
 import signal
 import subprocess
-import sys
 import threading
-import time
 import unittest
 from unittest import mock
 
@@ -16,33 +13,14 @@ import psutil
 from distributed import KilledWorker
 from distributed.comm import CommClosedError
 
-from support import HERE, HOOK, ShotsTest, misbehaving
+from processes import MISBEHAVING, own_scheduler, recorded, wait_until, workers_of
+from support import HERE, HOOK, SLOW, ShotsTest, misbehaving
 from vantorelix.shots import alone, cluster
 from vantorelix.shots.cluster import ClusterError
 from vantorelix.shots.group import Task
 from vantorelix.shots.listing import read_shots
 from vantorelix.shots.shot import Settings
 from vantorelix.shots.store import Store
-
-
-def workers_of(process):
-    """The processes below one that are Dask's workers."""
-    found = []
-    for child in psutil.Process(process).children(recursive=True):
-        try:
-            if "spawn_main" in " ".join(child.cmdline()):
-                found.append(child)
-        except psutil.NoSuchProcess:
-            pass
-    return found
-
-
-def wait_until(true, seconds=180):
-    end = time.monotonic() + seconds
-    while not true():
-        if time.monotonic() > end:
-            raise AssertionError("waited %d s in vain" % seconds)
-        time.sleep(0.05)
 
 
 class ClusterTest(ShotsTest):
@@ -62,8 +40,7 @@ class ClusterTest(ShotsTest):
         self.make_clips(*("s%03d.bvh" % number for number in range(count)))
 
     def recorded(self):
-        folder = os.path.join(self.out, "shots")
-        return len(os.listdir(folder)) if os.path.isdir(folder) else 0
+        return recorded(self.out)
 
 
 class Deaths(ClusterTest):
@@ -80,7 +57,7 @@ class Deaths(ClusterTest):
         self.assertIn("SIGKILL, %d times" % alone.ATTEMPTS, failed["error"])
 
     def test_killed_workers_lose_no_shot_and_mark_none_as_failed(self):
-        self.hook("slow")
+        self.hook(SLOW + " 0.1")
         self.many(24)
         shots = read_shots([self.clips])
         kills = []
@@ -116,7 +93,7 @@ class Deaths(ClusterTest):
         self.assertEqual((progress.done, progress.failed), (3, 1))
 
     def test_a_shot_whose_workers_are_killed_each_time_is_not_to_blame(self):
-        self.hook("slow")
+        self.hook(SLOW + " 0.1")
         self.many(1)
         (shot,) = read_shots([self.clips])
         run = cluster._Run(mock.Mock(), Task([], Settings(), self.out), mock.Mock())
@@ -142,15 +119,9 @@ class Deaths(ClusterTest):
 
 
 class Interrupts(ClusterTest):
-    SCRIPT = ("import sys, support; from vantorelix.shots import command, cluster;"
-              "run = cluster.run;"
-              "cluster.run = lambda groups, task, *rest: run(groups, task._replace(work=support.misbehaving), *rest);"
-              "from vantorelix.shots import plan; plan.GROUP_SECONDS = 0.02;"
-              "sys.exit(command.main(sys.argv[1:]))")
-
     def start(self, *arguments):
         """The command with slow work, in a process group of its own, as a terminal has it."""
-        words = [sys.executable, "-c", self.SCRIPT, self.clips, "--out", self.out] + list(arguments)
+        words = MISBEHAVING + [self.clips, "--out", self.out] + list(arguments)
         run = subprocess.Popen(words, stdout=subprocess.PIPE, stderr=subprocess.PIPE, universal_newlines=True,
                                start_new_session=True)
         self.addCleanup(run.stdout.close)
@@ -177,7 +148,7 @@ class Interrupts(ClusterTest):
         self.assertEqual(sorted(row["shot"] for row in self.rows("shots")), [s.name for s in read_shots([self.clips])])
 
     def test_ctrl_c_leaves_a_state_that_the_next_run_continues(self):
-        self.hook("slow")
+        self.hook(SLOW + " 0.1")
         self.many(40)
         run = self.start("--workers", "2")
         wait_until(lambda: self.recorded() >= 6)
@@ -189,7 +160,7 @@ class Interrupts(ClusterTest):
         self.assertContinues(self.recorded())
 
     def test_after_a_run_that_was_killed_the_next_one_completes(self):
-        self.hook("slow")
+        self.hook(SLOW + " 0.1")
         self.many(40)
         run = self.start("--workers", "2")
         wait_until(lambda: self.recorded() >= 6)
@@ -200,33 +171,15 @@ class Interrupts(ClusterTest):
         self.assertContinues(self.recorded())
 
     def test_a_scheduler_that_is_killed_is_an_error_and_the_next_run_completes(self):
-        self.hook("slow")
+        self.hook(SLOW + " 0.1")
         self.many(40)
-        log = open(os.path.join(self.folder, "scheduler"), "w+")
-        self.addCleanup(log.close)
-        scheduler = subprocess.Popen([sys.executable, "-m", "distributed.cli.dask_scheduler", "--port", "0", "--no-dashboard"],
-                                     stdout=log, stderr=log)
-        self.addCleanup(scheduler.wait)
-        self.addCleanup(scheduler.kill)
-
-        def address():
-            with open(log.name) as file:
-                return re.search(r"tcp://\S+", file.read())
-
-        wait_until(address)
-        at = address().group()
-        worker = subprocess.Popen([sys.executable, "-m", "distributed.cli.dask_worker", at, "--nthreads", "1", "--no-dashboard",
-                                   "--death-timeout", "5"], stdout=log, stderr=log)
-        self.addCleanup(worker.wait)
-        self.addCleanup(worker.terminate)
-        run = self.start("--scheduler", at)
-        wait_until(lambda: self.recorded() >= 4)
-        scheduler.kill()
-        _, said = run.communicate(timeout=120)
+        with own_scheduler(self.folder) as (scheduler, address):
+            run = self.start("--scheduler", address)
+            wait_until(lambda: self.recorded() >= 4)
+            scheduler.kill()
+            _, said = run.communicate(timeout=120)
         self.assertEqual(run.returncode, 1, said)
         self.assertIn("the scheduler is gone", said)
-        worker.terminate()
-        worker.wait()
         self.assertContinues(self.recorded())
 
     def test_a_scheduler_that_is_not_there_is_an_error(self):

@@ -2,19 +2,14 @@
 
 import os
 import resource
-import sys
 import unittest
 
-import pyarrow.parquet
-
-from support import ShotsTest
+from processes import LIMIT, LIMITED
+from support import ShotsTest, broken_in
 from vantorelix.shots.group import Task, do
 from vantorelix.shots.listing import read_shots
 from vantorelix.shots.shot import Settings
 from vantorelix.shots.store import Store, WriteError
-
-LIMITED = ("import resource, sys; resource.setrlimit(resource.RLIMIT_FSIZE, (20000, 20000));"
-           "from vantorelix.shots.command import main; sys.exit(main(sys.argv[1:]))")
 
 
 class FullDisk(ShotsTest):
@@ -25,14 +20,11 @@ class FullDisk(ShotsTest):
         self.shots = read_shots([self.clips])
 
     def assertNothingBroken(self):
-        for place, _, names in os.walk(self.out):
-            for name in names:
-                self.assertTrue(name.endswith(".parquet"), name)
-                pyarrow.parquet.ParquetFile(os.path.join(place, name)).read()
+        self.assertEqual(broken_in(self.out), [])
 
     def limit(self):
         before = resource.getrlimit(resource.RLIMIT_FSIZE)
-        resource.setrlimit(resource.RLIMIT_FSIZE, (20000, before[1]))
+        resource.setrlimit(resource.RLIMIT_FSIZE, (LIMIT, before[1]))
         self.addCleanup(resource.setrlimit, resource.RLIMIT_FSIZE, before)
 
     def test_the_work_ends_with_a_clear_error_and_whole_files(self):
@@ -44,7 +36,7 @@ class FullDisk(ShotsTest):
         self.assertEqual(sorted(row["shot"] for row in self.rows("shots")), ["a.bvh", "b.bvh"])
 
     def test_the_command_says_so_once_and_the_next_run_continues(self):
-        self.words = lambda *rest: [sys.executable, "-c", LIMITED] + list(rest)
+        self.words = lambda *rest: LIMITED + list(rest)
         code, _, said = self.command(self.clips, "--out", self.out, "--workers", "2")
         self.assertEqual(code, 1, said)
         self.assertEqual(said.count("cannot be written"), 1, said)

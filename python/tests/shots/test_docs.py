@@ -4,7 +4,7 @@ import os
 import re
 import unittest
 
-from support import HERE, ShotsTest, write
+from support import CHECKOUT, ShotsTest, write
 from vantorelix.shots import command, schemas
 from vantorelix.shots.listing import read_shots
 
@@ -12,8 +12,6 @@ try:
     import duckdb
 except ImportError:
     duckdb = None
-
-CHECKOUT = os.path.dirname(os.path.dirname(os.path.dirname(HERE)))
 
 
 class ShotsPage(ShotsTest):

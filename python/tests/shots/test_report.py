@@ -5,13 +5,19 @@ import os
 import re
 import shlex
 import subprocess
+import sys
 import unittest
 
-from support import ShotsTest, clip, write
+from support import CHECKOUT, ShotsTest, clip, write
 from vantorelix.shots import pages, report
 from vantorelix.shots.listing import read_shots
 from vantorelix.shots.shot import Settings, Shot
 from vantorelix.shots.store import Store
+
+sys.path.append(os.path.join(CHECKOUT, "tools"))
+import browser  # noqa: E402
+
+CHROMIUM = browser.find()
 
 
 class Report(ShotsTest):
@@ -41,6 +47,42 @@ class Report(ShotsTest):
         place = found["measures"].index("top_speed")
         self.assertEqual({line[0]: line[4][place] for line in found["shots"]},
                          {name: float("%.6g" % value) for name, value in tops.items()})
+
+    def test_it_names_the_object_that_has_the_worst_value(self):
+        self.make_clips("stiff.bvh", swing=0.0)  # every joint moves alike, so the first counts
+        self.shots = read_shots([self.clips])
+        self.do(self.shots)
+        found = self.write()
+        worst = {}
+        for row in self.rows("measures"):
+            for name in found["measures"]:
+                if row[name] and abs(row[name]) > abs(worst.get((row["shot"], name), (0.0,))[0]):
+                    worst[row["shot"], name] = row[name], row["source"]
+        self.assertGreater(len({source for _, source in worst.values()}), 1)
+        for line in found["shots"]:
+            for name, value, place in zip(found["measures"], line[4], line[11]):
+                told = (value, found["objects"][place]) if place is not None else None
+                wanted = worst.get((line[0], name))
+                self.assertEqual(told, wanted and (float("%.6g" % wanted[0]), wanted[1]), (line[0], name))
+
+    def test_it_is_made_of_records_and_measures_alone(self):
+        wanted = self.write()["shots"]
+        for kind in ("samples", "keys"):
+            for name in os.listdir(os.path.join(self.out, kind)):
+                write(os.path.join(self.out, kind, name), "nobody reads this")
+        self.assertEqual(self.write()["shots"], wanted)
+
+    @unittest.skipUnless(CHROMIUM, "there is no browser")
+    def test_a_browser_shows_the_worst_shot_first_with_its_object(self):
+        found = self.write(order="top_speed")
+        place = found["measures"].index("top_speed")
+        worst = max(found["shots"], key=lambda line: line[4][place])
+        source = found["objects"][worst[11][place]]
+        shown = browser.page(CHROMIUM, os.path.join(self.out, "report.html"))
+        rows = re.findall(r"<tr>(<td>.*?)</tr>", shown, re.DOTALL)
+        self.assertEqual(len(rows), 3)
+        self.assertIn(">%s</a>" % worst[0], rows[0])
+        self.assertIn('<td title="%s">%s</td>' % (source, source.split("|")[-1]), rows[0])
 
     def test_it_needs_nothing_beside_it(self):
         self.write()

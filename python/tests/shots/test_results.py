@@ -10,13 +10,12 @@ import unittest
 import pyarrow.parquet
 import vantorelix
 
-from support import HERE, ShotsTest, clip, misbehaving, write
+from support import CHECKOUT, ShotsTest, clip, misbehaving, write
 from vantorelix.shots import plan, schemas
 from vantorelix.shots.listing import read_shots
 from vantorelix.shots.shot import Settings, Shot
 from vantorelix.shots.store import Store, WriteError, file_name
 
-CHECKOUT = os.path.dirname(os.path.dirname(os.path.dirname(HERE)))
 WALK = os.path.join(CHECKOUT, "examples", "walk.bvh")
 CRANE = os.path.join(CHECKOUT, "examples", "crane.gltf")
 

@@ -6,12 +6,17 @@ The command `vantorelix-shots` is made of this package; docs/shots.md describes 
 
 from __future__ import annotations
 
+import sys as _sys
+
 NEEDS = "vantorelix.shots needs Dask and Arrow on CPython 3.10 or later; install them with: pip install 'vantorelix[shots]'"
 
 try:
     import distributed as _distributed
     import pyarrow as _pyarrow
 except ImportError as error:
-    raise ImportError("%s (%s)" % (NEEDS, error)) from None
+    _told = "%s (%s)" % (NEEDS, error)
+    if _sys.argv[:1] == ["-m"]:  # what Python has there while it looks for the module of `python -m`
+        _sys.exit(_told)
+    raise ImportError(_told) from None
 
-del _distributed, _pyarrow
+del _distributed, _pyarrow, _sys

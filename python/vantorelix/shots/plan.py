@@ -8,7 +8,6 @@ from typing import Dict, List, Sequence
 from . import inputs
 from .shot import Settings, Shot, options_hash
 from .store import Record, Store
-from .tables import free_columns
 
 GROUP_SECONDS = 1.5
 """How much work a task holds at least, as far as that can be told before."""
@@ -39,14 +38,13 @@ def up_to_date(record: Record, shot: Shot, settings: Settings) -> bool:
 
 def make(shots: Sequence[Shot], settings: Settings, store: Store, again: bool = False) -> Plan:
     """Compares the list with the results that are there. again: shots that failed are done again, changed or not."""
-    free = free_columns(shots)
-    records = {record["shot"]: record for record in store.records(free)}
+    records = {record["shot"]: record for record in store.records()}
     plan = Plan([], {}, [], [], [])
     for shot in shots:
         record = records.pop(shot.name, None)
         if record and up_to_date(record, shot, settings) and not (again and record["state"] == "failed"):
             plan.kept.append(record)
-            if any((record[name] or "") != value for name, value in shot.free):
+            if any((record.get(name) or "") != value for name, value in shot.free):
                 plan.relabelled.append(shot)
         else:
             plan.todo.append(shot)

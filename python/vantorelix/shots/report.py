@@ -28,8 +28,7 @@ def write(shots: Sequence[Shot], settings: Settings, store: Store, order: str = 
     if order and order not in found.measures:
         raise ValueError("there is no measure '%s'; there are %s" % (order, ", ".join(found.measures)))
     order = order or measures.ranked_by(list(found.measures))
-    worst = sorted((line for line in found.lines if line.figures.get(order) is not None),
-                   key=lambda line: -abs(line.figures[order] or 0.0))
+    worst = sorted((line for line in found.lines if order in line.worst), key=lambda line: -abs(line.worst[order].value))
     made = pages.make(worst[:most], settings, store, cluster.cores())
     text = page(data(found, settings, made, order))
     store.replace(os.path.join(store.folder, "report.html"), lambda path: _write(path, text))
@@ -48,6 +47,7 @@ def page(content: Dict[str, Any]) -> str:
 def data(found: Summary, settings: Settings, made: Dict[str, str], order: str) -> Dict[str, Any]:
     """What the page shows. Of each shot a list, to be short; the page's script names its places."""
     free = free_columns([line.shot for line in found.lines])
+    objects = _objects(found)
     return {
         "made": datetime.datetime.now().astimezone().strftime("%Y-%m-%d %H:%M %Z"),
         "version": vantorelix.__version__,
@@ -57,8 +57,23 @@ def data(found: Summary, settings: Settings, made: Dict[str, str], order: str) -
         "order": order,
         "gone": found.gone,
         "compared": found.compared,
-        "shots": [_line(line, list(found.measures), free, settings, made) for line in found.lines],
+        "objects": list(objects),
+        "shots": [
+            _line(line, list(found.measures), free, settings, made) + [_places(line, list(found.measures), objects)]
+            for line in found.lines
+        ],
     }
+
+
+def _objects(found: Summary) -> Dict[str, int]:
+    """Every object that has a worst value, by its source, with its place in the page's list of them."""
+    sources = dict.fromkeys(worst.source for line in found.lines for worst in line.worst.values() if worst.value)
+    return {source: place for place, source in enumerate(sources)}
+
+
+def _places(line: Line, names: Sequence[str], objects: Dict[str, int]) -> List[Optional[int]]:
+    """Which object has the worst value of each measure; None where no object stands out, at zero."""
+    return [objects[line.worst[name].source] if line.figure(name) else None for name in names]
 
 
 def _line(line: Line, names: Sequence[str], free: Sequence[str], settings: Settings, made: Dict[str, str]) -> List[Any]:
@@ -69,7 +84,7 @@ def _line(line: Line, names: Sequence[str], free: Sequence[str], settings: Setti
         line.state,
         _without_folder(record.get("error") or record.get("warnings") or "", line.shot.path),
         record.get("unit") or "",
-        [_short(line.figures.get(name)) for name in names],
+        [_short(line.figure(name)) for name in names],
         [_short(before.get(name)) for name in names] if line.before else None,
         before.get("state") or "",
         sparkline(record.get("speeds") or []),

@@ -11,10 +11,9 @@ import os
 import re
 import time
 import uuid
-from typing import Any, Dict, Iterable, List, Optional, Sequence
+from typing import Any, Dict, Iterator, List, Optional, Sequence
 
 import pyarrow
-import pyarrow.dataset
 import pyarrow.parquet
 
 from . import schemas
@@ -23,6 +22,7 @@ from .shot import Shot
 
 _OLD = 24 * 3600.0  # seconds, after which what a run left under work is of no use to anybody
 _RESULT_KINDS = KINDS[:-1]
+_ABOUT_TRAILS = frozenset(column.name for column in schemas.COLUMNS[MEASURES]) - {"shot", "source"}
 
 Record = Dict[str, Any]
 
@@ -86,28 +86,22 @@ class Store:
     def record(self, shot: str) -> Optional[Record]:
         """The shot's line in the table of shots, or None."""
         try:
-            return pyarrow.parquet.ParquetFile(self.path(SHOTS, shot)).read().to_pylist()[0]
+            return _record_in(self.path(SHOTS, shot))
         except FileNotFoundError:
             return None
 
-    def records(self, free: Iterable[str] = ()) -> List[Record]:
+    def records(self) -> Iterator[Record]:
         """All lines of the table of shots."""
-        return self.read(SHOTS, schemas.schema(SHOTS, schemas.free_columns(list(free)))).to_pylist()
+        return map(_record_in, self._files(SHOTS))
 
-    def measures(self) -> pyarrow.Table:
-        """All lines of the table of measures."""
-        return self.read(MEASURES, None)
+    def measures(self) -> Iterator[pyarrow.Table]:
+        """The measures of each shot's trails, one table after the other, with the columns `shot` and `source` before them.
 
-    def read(self, kind: str, schema: Optional[pyarrow.Schema]) -> pyarrow.Table:
-        """A table of all shots. Without a schema it has the columns of any of the files."""
-        paths = self._files(kind)
-        if not paths:
-            return (schema or schemas.schema(kind)).empty_table()
-        dataset = pyarrow.dataset.dataset(paths, schema=schema, format="parquet")
-        if schema is None:
-            dataset = dataset.replace_schema(pyarrow.unify_schemas(
-                [fragment.physical_schema for fragment in dataset.get_fragments()]))
-        return dataset.to_table()
+        Whoever keeps thousands of such tables, or reads them as one dataset, keeps as many schemas: a gigabyte.
+        """
+        for path in self._files(MEASURES):
+            with pyarrow.parquet.ParquetFile(path) as file:
+                yield file.read([name for name in file.schema_arrow.names if name not in _ABOUT_TRAILS], use_threads=False)
 
     def _files(self, kind: str) -> List[str]:
         folder = os.path.join(self.folder, kind)
@@ -131,6 +125,10 @@ class Store:
             except OSError as error:
                 raise _write_error(self.path(kind, shot), error) from None
 
+
+def _record_in(path: str) -> Record:
+    with pyarrow.parquet.ParquetFile(path) as file:
+        return file.read(use_threads=False).to_pylist()[0]
 
 
 def write_table(table: pyarrow.Table, path: str) -> None:

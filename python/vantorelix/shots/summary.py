@@ -4,19 +4,23 @@ from __future__ import annotations
 
 import dataclasses
 import os
-from typing import Any, Dict, List, Optional, Sequence
+from typing import Any, Dict, List, NamedTuple, Optional, Sequence, Tuple
 
 import pyarrow
 import pyarrow.parquet
 
-from . import measures, schemas
-from .measures import Figures
+from . import measures
 from .shot import Shot
 from .store import Record, Store, write_table
-from .tables import free_columns
 
-_NOT_MEASURES = frozenset(column.name for column in schemas.COLUMNS[schemas.MEASURES])
 _STATE = "state"
+
+
+class Worst(NamedTuple):
+    """The value of a measure that is farthest from zero, of all trails of a shot."""
+
+    value: float
+    source: str  # of the trail that has it
 
 
 @dataclasses.dataclass
@@ -25,12 +29,16 @@ class Line:
 
     shot: Shot
     record: Optional[Record]  # None while the shot is missing
-    figures: Figures  # of each measure the value of the trail where it is farthest from zero
+    worst: Dict[str, Worst]  # by measure; without those that no trail of the shot has
     before: Optional[Record] = None  # what the run before had of it: its state and figures by name
 
     @property
     def state(self) -> str:
         return self.record["state"] if self.record else "missing"
+
+    def figure(self, name: str) -> Optional[float]:
+        """The worst value of a measure, if there is any."""
+        return self.worst[name].value if name in self.worst else None
 
 
 @dataclasses.dataclass
@@ -43,35 +51,39 @@ class Summary:
 
 def make(shots: Sequence[Shot], store: Store) -> Summary:
     """Reads the results, and remembers them for the next run where they differ from what was there. Raises WriteError."""
-    records = {record["shot"]: record for record in store.records(free_columns(shots))}
-    table = store.measures()
-    names = measures.shown([name for name in table.column_names if name not in _NOT_MEASURES])
-    worst = _worst(table, names)
+    records = {record["shot"]: record for record in store.records()}
+    worst, units = _worst_of_all(store)
     lines = [Line(shot, records.get(shot.name), worst.get(shot.name, {})) for shot in shots]
-    before = _remembered(_remembering(lines, names), store)
+    before = _remembered(_remembering(lines, list(units)), store)
     for line in lines:
         line.before = before.get(line.shot.name)
-    units = {name: (table.schema.field(name).metadata or {}).get(b"unit", b"").decode() for name in names}
     return Summary(lines, units, sorted(set(before) - {shot.name for shot in shots}), bool(before))
 
 
-def _worst(table: pyarrow.Table, names: Sequence[str]) -> Dict[str, Figures]:
-    if not names:
-        return {}
-    asked = [(name, kind) for name in names for kind in ("min", "max")]
-    found = table.group_by("shot").aggregate(asked).to_pylist()
-    return {row["shot"]: {name: _farther(row[name + "_min"], row[name + "_max"]) for name in names} for row in found}
+def _worst_of_all(store: Store) -> Tuple[Dict[str, Dict[str, Worst]], Dict[str, str]]:
+    """The worst values of each shot, and the units of all measures that are shown."""
+    worst: Dict[str, Dict[str, Worst]] = {}
+    units: Dict[str, str] = {}
+    for table in store.measures():
+        shots, sources = (table[name].to_pylist() for name in ("shot", "source"))
+        names = measures.shown(table.column_names[2:])
+        worst[shots[0]] = {name: found for name in names for found in _worst(table[name].to_pylist(), sources)}
+        for name in names:
+            if name not in units:
+                units[name] = (table.schema.field(name).metadata or {}).get(b"unit", b"").decode()
+    return worst, units
 
 
-def _farther(least: Optional[float], greatest: Optional[float]) -> Optional[float]:
-    """Which is farther from zero."""
-    return least if least is not None and greatest is not None and -least > greatest else greatest
+def _worst(values: Sequence[Optional[float]], sources: Sequence[str]) -> List[Worst]:
+    """The value that is farthest from zero, the first of equals; none where there is no value."""
+    found = [Worst(value, source) for value, source in zip(values, sources) if value is not None]
+    return [max(found, key=lambda worst: abs(worst.value))] if found else []
 
 
 def _remembering(lines: Sequence[Line], names: Sequence[str]) -> pyarrow.Table:
     columns: Dict[str, Any] = {"shot": [line.shot.name for line in lines], _STATE: [line.state for line in lines]}
     for name in names:
-        columns[name] = pyarrow.array([line.figures.get(name) for line in lines], pyarrow.float64())
+        columns[name] = pyarrow.array([line.figure(name) for line in lines], pyarrow.float64())
     return pyarrow.table(columns)
 
 

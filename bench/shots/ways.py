@@ -1,0 +1,101 @@
+"""The ways to measure shots that are compared. Each returns the seconds that it took."""
+
+import contextlib
+import json
+import os
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+from vantorelix.shots import group, schemas
+from vantorelix.shots.group import Task
+from vantorelix.shots.listing import read_shots
+from vantorelix.shots.shot import Settings
+from vantorelix.shots.store import Store
+from vantorelix.shots.work import measured
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+PROGRAM = os.environ.get("VANTORELIX_PROGRAM", "")
+WORKERS = 2
+
+
+def seconds_of(function, *arguments):
+    begin = time.perf_counter()
+    function(*arguments)
+    return time.perf_counter() - begin
+
+
+@contextlib.contextmanager
+def scratch(beside):
+    """A folder for results that nobody keeps, on the disk of `beside`."""
+    with tempfile.TemporaryDirectory(dir=beside, prefix="results-") as folder:
+        yield folder
+
+
+def program(*words):
+    """Runs the program to its end; what it prints goes nowhere."""
+    subprocess.run((PROGRAM,) + words, check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, close_fds=False)
+
+
+def show(clips, folder):
+    """vantorelix-shots on a folder of clips: the seconds of the whole command and of its stages."""
+    out = os.path.join(folder, "stages.json")
+    words = [sys.executable, os.path.join(HERE, "stages.py"), out, clips, "--out", os.path.join(folder, "show"),
+             "--workers", str(WORKERS), "--quiet"]
+    whole = seconds_of(lambda: subprocess.run(words, check=True, stdin=subprocess.DEVNULL))
+    with open(out, encoding="ascii") as file:
+        return dict(json.load(file), whole=whole)
+
+
+def loops(paths, folder):
+    """Plain loops of the program, one a worker, each over its share of the clips."""
+    def loop(share):
+        for path in share:
+            program("measure", path, "--quiet", "--out", os.path.join(folder, os.path.basename(path) + ".csv"))
+
+    def both():
+        threads = [threading.Thread(target=loop, args=(paths[number::WORKERS],)) for number in range(WORKERS)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+
+    return _whole(seconds_of(both), paths, folder)
+
+
+def jobs(paths, folder):
+    """One command of the program for all clips."""
+    out = os.path.join(folder, "{stem}.bvh.csv")
+    return _whole(seconds_of(program, "measure", *paths, "--quiet", "--jobs", str(WORKERS), "--out", out), paths, folder)
+
+
+def _whole(seconds, paths, folder):
+    made = len([name for name in os.listdir(folder) if name.endswith(".csv")])
+    if made != len(paths):
+        sys.exit("%d of %d tables were written; see the messages above" % (made, len(paths)))
+    return seconds
+
+
+def work_alone(paths):
+    """The work of all shots in this process, without cluster and files."""
+    shots = read_shots(paths)
+    return sum(seconds_of(measured, shot, Settings()) for shot in shots)
+
+
+def one_by_one(paths, folder):
+    """What one shot takes, each in turns: to files in this process, the work of that alone, and the program's tables."""
+    store = Store(os.path.join(folder, "show"))
+    store.prepare()
+    found = {"files": [], "work": [], "measure": [], "trails": []}
+    for shot in read_shots(paths):
+        found["files"].append(seconds_of(group.do, Task([shot], Settings(), store.folder)))
+        found["work"].append(seconds_of(measured, shot, Settings()))
+        found["measure"].append(seconds_of(program, "measure", shot.path))
+        found["trails"].append(seconds_of(program, "trails", shot.path))
+        if (store.record(shot.name) or {}).get("state") != "done":
+            sys.exit("%s was not measured" % shot.path)
+    if len(os.listdir(os.path.join(store.folder, schemas.SAMPLES))) != len(paths):
+        sys.exit("%s: samples are missing" % store.folder)
+    return found
