@@ -59,6 +59,7 @@ class Soak:
 
     def hold(self, what, true, told=""):
         """Notes whether something holds."""
+        told = "; ".join(told.split("\n"))
         self.results.append((what, true, told))
         print("soak: %s: %s%s" % ("holds" if true else "DOES NOT HOLD", what, ", " + told if told else ""), flush=True)
 
@@ -139,8 +140,12 @@ def workers_killed(soak):
     for number in range(1, KILLS + 1):
         wanted = number * len(soak.shots) // (KILLS + 2)
         wait_until(lambda: recorded(soak.out("workers")) >= wanted or run.poll() is not None, PATIENCE)
-        wait_until(lambda: workers_of(run.pid) or run.poll() is not None)
-        for victim in random.sample(workers_of(run.pid), 1) if run.poll() is None else []:
+
+        def alive():
+            return [worker for worker in workers_of(run.pid) if worker.pid not in killed]
+
+        wait_until(lambda: alive() or run.poll() is not None)
+        for victim in random.sample(alive(), 1) if run.poll() is None else []:
             victim.kill()
             killed.add(victim.pid)
     run.wait(PATIENCE)
