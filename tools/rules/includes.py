@@ -21,7 +21,7 @@ OURS = {
     "session": {"session", "standalone", "engine", "host", "base"},
     "maya/extension": {"maya/extension", "engine", "host", "base"},
     "maya/standalone": {"maya/standalone", "standalone", "host", "base"},
-    "python": {"python", "session", "standalone", "engine", "host", "base"},
+    "api": {"api", "session", "standalone", "engine", "host", "base"},
     "cli": {"cli", "session", "standalone", "engine", "host", "base"},
     "bench": {"bench", "tests", "cli", "session", "standalone", "engine", "host", "base"},
     "tests": {"tests", "cli", "session", "standalone", "engine", "host", "base"},

@@ -1,4 +1,4 @@
-/* Scenes and their trails through plain C, for the Python package, which loads this as a shared library.
+/* Scenes and their trails through plain C, for whatever is not C++: the Python package loads it as a shared library.
  *
  * One call at a time in the whole process, whatever the scene. A function that returns an int returns 0 when it did its
  * work; else vlx_error says what was wrong. Texts are UTF-8 (names as they are in their file) and end with a zero; a
@@ -82,7 +82,7 @@ VLX_API int vlx_open(const char* file, const VlxReading* reading, VlxScene** sce
 VLX_API int vlx_samples(const VlxSamples* samples, const double* matrices, const char* name, VlxScene** scene);
 VLX_API int vlx_close(VlxScene* scene);
 
-/* JSON; see python/texts.h. */
+/* JSON; see api/texts.h. */
 VLX_API int vlx_description(VlxScene* scene, const char** json);
 VLX_API int vlx_objects(VlxScene* scene, const char** json);
 

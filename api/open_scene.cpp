@@ -1,4 +1,4 @@
-#include "python/open_scene.h"
+#include "api/open_scene.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,9 +1,9 @@
-// What the package is told as JSON: everything but arrays of numbers.
+// What callers of the C interface are told as JSON: everything but arrays of numbers.
 #pragma once
 
 #include <string>
 
-#include "python/open_scene.h"
+#include "api/open_scene.h"
 #include "session/report.h"
 
 namespace vantorelix::api {

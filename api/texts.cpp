@@ -1,4 +1,4 @@
-#include "python/texts.h"
+#include "api/texts.h"
 
 #include <array>
 #include <cstddef>

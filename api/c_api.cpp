@@ -1,4 +1,4 @@
-#include "python/c_api.h"
+#include "api/c_api.h"
 
 #include <algorithm>
 #include <bit>
@@ -16,8 +16,8 @@
 #include <vector>
 
 #include "host/error.h"
-#include "python/open_scene.h"
-#include "python/texts.h"
+#include "api/open_scene.h"
+#include "api/texts.h"
 #include "session/failure.h"
 #include "standalone/formats/reader.h"
 #include "standalone/formats/samples/sampled_scene.h"
