@@ -14,6 +14,17 @@ std::string description_of(const OpenScene& scene);
 // A list of {"source", "name", "node", "type", "parent", "animated"}: each object of the file, in its order.
 std::string objects_of(const OpenScene& scene);
 
+// A list of {"shape", "source"}: each camera of the file, and the object that it hangs on.
+std::string cameras_of(const OpenScene& scene);
+
+// A list of {"attribute", "curve", "kind", "weighted", "pre", "post", "keys"}: each channel of the object that a curve
+// drives, with how many keys it has. The kind is "linear", "angular", "unitless" or "time"; before and after the keys
+// the curve is "constant" or "linear", or goes on as "cycle", "cycle_offset" or "oscillate".
+std::string curves_of(const OpenScene& scene, standalone::NodeId object);
+
+// {"undo": [name], "redo": name or null, "redo_count"}; the step that is undone first stands last.
+std::string history_of(OpenScene& scene);
+
 // The fields of a trail in the JSON of the program but for its arrays and measures, and the `units` of its scene.
 std::string trail_text(const session::TrailView& trail, const session::TrailReport& report);
 

@@ -1,0 +1,173 @@
+import { join } from "node:path";
+import { describe, expect, test } from "vitest";
+import { EngineError, Tangent, type Scene } from "../src/index";
+import { examples, filesOf, startEngine } from "./support/engine";
+
+const engine = await startEngine();
+const example = (name: string) => filesOf(examples.find((path) => path.endsWith(join("/", name)))!);
+
+function opened<T>(name: string, run: (scene: Scene) => T): T {
+  const scene = engine.open(example(name));
+  try {
+    return run(scene);
+  } finally {
+    scene.close();
+  }
+}
+
+const HIPS = "|Hips";
+const height = (scene: Scene, frame = 12) => scene.worldMatrices(HIPS, [frame])[13];
+
+function untilExact(scene: Scene) {
+  let worked = 0, waited = 0;
+  for (;;) {
+    const progress = scene.pump(0.004);
+    if (!progress.pending) return { worked, waited };
+    progress.worked ? ++worked : ++waited;
+  }
+}
+
+describe("a scene", () => {
+  test("tells of its takes, and opens the one that is named", () => {
+    const scene = engine.open(example("robot.fbx"), { take: "wave" });
+    const { takes, take } = scene.describe();
+    expect(takes.map(({ name }) => name)).toEqual(["reach", "wave"]);
+    expect(take).toBe(1);
+    scene.close();
+  });
+
+  test("is refused when the take is not in it, by an error with the native text", () => {
+    expect(() => engine.open(example("robot.fbx"), { take: "walk" })).toThrow("there is no take 'walk'");
+    expect(() => engine.open(example("walk.bvh"), { take: "walk" }))
+      .toThrow(expect.objectContaining({ kind: "failed", message: expect.stringContaining("take is for FBX and glTF scenes") }));
+  });
+
+  test("has matrices and channels at any time", () => opened("walk.bvh", (scene) => {
+    const matrices = scene.worldMatrices(HIPS, [0, 12.5]);
+    expect(matrices.length).toBe(32);
+    expect([...scene.channelValues(HIPS, "translateY", [12.5])]).toEqual([matrices[29]]);
+  }));
+
+  test("lists the cameras of a Maya file", () => {
+    const text = 'createNode transform -n "shotCam";createNode camera -n "shotCamShape" -p "shotCam";';
+    const scene = engine.open([{ name: "a.ma", bytes: new TextEncoder().encode(text) }]);
+    expect(scene.cameras()).toContainEqual({ shape: "|shotCam|shotCamShape", source: "|shotCam" });
+    scene.close();
+  });
+
+  test("names an object that is not there", () => opened("walk.bvh", (scene) => {
+    expect(() => scene.curves("|Tail")).toThrow(expect.objectContaining({ kind: "not_found" }));
+    expect(() => scene.keys(HIPS, "translate")).toThrow(EngineError);
+  }));
+});
+
+describe("keys", () => {
+  test("come with their tangents, and go back as they came", () => opened("bounce.ma", (scene) => {
+    const { source } = scene.objects().find((object) => scene.curves(object.source).length > 0)!;
+    for (const { attribute, keys } of scene.curves(source)) {
+      const before = scene.keys(source, attribute);
+      expect(before.length).toBe(keys);
+      for (const key of before) scene.putKey(source, attribute, key);
+      expect(scene.keys(source, attribute)).toEqual(before);
+    }
+  }));
+
+  test("with fixed tangents bend the motion between them", () => opened("walk.bvh", (scene) => {
+    const key = scene.keys(HIPS, "ty").find(({ frame }) => frame === 12)!;
+    const before = height(scene, 12.5);
+    scene.putKey(HIPS, "ty", { ...key, out: Tangent.fixed, outX: 1, outY: 50 });
+    expect(height(scene, 12.5)).not.toBe(before);
+    expect(height(scene)).toBe(key.value);
+  }));
+
+  test("have no tangent of an unknown sort", () => opened("walk.bvh", (scene) => {
+    const [key] = scene.keys(HIPS, "ty");
+    expect(() => scene.putKey(HIPS, "ty", { ...key, in: 4 as Tangent })).toThrow("no tangent of the sort 4");
+  }));
+});
+
+describe("undo", () => {
+  test("takes back an edit, and redo does it again", () => opened("walk.bvh", (scene) => {
+    scene.keepHistory();
+    const before = height(scene);
+    scene.setKey(HIPS, "ty", 12, 3);
+    scene.undo();
+    expect(height(scene)).toBe(before);
+    expect(scene.history()).toEqual({ undo: [], redo: "set key", redo_count: 1 });
+    scene.redo();
+    expect(height(scene)).toBe(3);
+  }));
+
+  test("takes back all edits of a step at once", () => opened("walk.bvh", (scene) => {
+    scene.keepHistory();
+    const before = height(scene);
+    scene.step("drag", () => [1, 2, 3].forEach((value) => scene.setKey(HIPS, "ty", 12, value)));
+    expect(scene.history().undo).toEqual(["drag"]);
+    scene.undo();
+    expect(height(scene)).toBe(before);
+  }));
+
+  test("says when there is nothing to take back", () => opened("walk.bvh", (scene) => {
+    expect(() => scene.undo()).toThrow("undo is switched off");
+    scene.keepHistory();
+    expect(() => scene.undo()).toThrow("There are no more commands to undo.");
+  }));
+});
+
+describe("trails", () => {
+  test("wait for the edits to end, are rebuilt by parts, and are exact then", () => opened("walk.bvh", (scene) => {
+    const trails = scene.trails({ all: true, samplesPerFrame: 4 });
+    const [before] = [trails.arrays(0).revision];
+    scene.setKey(HIPS, "ty", 12, 3);
+    expect(scene.pump(0.004)).toMatchObject({ pending: true, worked: false });
+    expect(untilExact(scene).waited).toBeGreaterThan(0);
+    expect(trails.arrays(0).revision).toBe(before + 1);
+    for (let k = 0; k < trails.length; ++k) {
+      const { points } = trails.arrays(k), { source, start_frame, frame_step } = trails.fields(k);
+      const frames = Array.from({ length: points.length / 3 }, (_, i) => start_frame + i * frame_step);
+      const matrices = scene.worldMatrices(source, frames);
+      frames.forEach((_, i) => expect([...points.subarray(3 * i, 3 * i + 3)]).toEqual([...matrices.subarray(16 * i + 12, 16 * i + 15)]));
+    }
+  }));
+
+  test("keep their arrays when nothing was edited", () => opened("walk.bvh", (scene) => {
+    const trails = scene.trails({ patterns: ["LeftFoot"] });
+    const { revision, points } = trails.arrays(0);
+    expect(scene.pump(0.004)).toMatchObject({ pending: false });
+    scene.follow();
+    expect(trails.arrays(0).revision).toBe(revision);
+    expect(points.length).toBeGreaterThan(0);
+  }));
+
+  test("are measured", () => opened("walk.bvh", (scene) => {
+    const trails = scene.trails({ patterns: ["LeftFoot"] });
+    expect(trails.measures(0)).toHaveProperty("length");
+    trails.letGo();
+  }));
+});
+
+describe("memory", () => {
+  test("moves when more is needed, which the epoch tells", () => {
+    const before = engine.epoch;
+    const scenes = [1, 2].map(() => engine.open(example("walk.bvh")));
+    const trails = scenes[0].trails({ all: true, samplesPerFrame: 50 });
+    expect(engine.epoch).toBeGreaterThan(before);
+    const known = engine.epoch, { points } = trails.arrays(0);
+    expect(engine.epoch).toBe(known);
+    expect(points.buffer.byteLength).toBeGreaterThan(0);
+    scenes.forEach((scene) => scene.close());
+  });
+
+  test("stays as it is over 200 edits and 20 scenes", () => {
+    const drop = () => opened("walk.bvh", (scene) => {
+      scene.keepHistory();
+      scene.trails();
+      for (let k = 0; k < 10; ++k) scene.setKey(HIPS, "ty", 12, k);
+      scene.follow();
+    });
+    for (let k = 0; k < 3; ++k) drop();
+    const known = engine.epoch;
+    for (let k = 0; k < 20; ++k) drop();
+    expect(engine.epoch).toBe(known);
+  });
+});
