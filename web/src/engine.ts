@@ -53,6 +53,7 @@ export class Engine {
 
   /** Opens a scene from bytes. Throws EngineError when it cannot be read. */
   open(files: readonly SceneFile[], options: OpenOptions = {}): Scene {
+    if (this.crash) throw this.crash;
     const name = options.scene ?? files[0].name;
     this.files.hold(files);
     try {

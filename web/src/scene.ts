@@ -96,11 +96,24 @@ export interface Progress {
 const KEY = 8;  // doubles
 
 export class Scene {
-  constructor(private readonly engine: Engine, private readonly at: number) {}
+  private open: number | undefined;
+
+  /** For Engine.open. */
+  constructor(private readonly engine: Engine, handle: number) {
+    this.open = handle;
+  }
+
+  /** Where it is in the engine's memory. Throws when the scene is closed. */
+  handle(): number {
+    if (this.open === undefined) throw new Error("the scene is closed; open it again");
+    return this.open;
+  }
 
   /** A scene goes with all its trails. */
   close() {
-    this.engine.call("vlx_close", this.at);
+    const handle = this.handle();
+    this.open = undefined;
+    this.engine.call("vlx_close", handle);
   }
 
   describe(): Description {
@@ -118,7 +131,7 @@ export class Scene {
 
   /** Makes trails, which follow edits until they are let go. */
   trails(options: TrailOptions = {}): Trails {
-    return Trails.make(this.engine, this.at, options);
+    return Trails.make(this.engine, this, options);
   }
 
   /** 16 doubles a frame, row by row, for row vectors. */
@@ -136,7 +149,7 @@ export class Scene {
     const { memory } = this.engine;
     return memory.scope(() => {
       const times = memory.take(8);
-      this.engine.call("vlx_key_times", this.at, memory.text(object), times);
+      this.engine.call("vlx_key_times", this.handle(), memory.text(object), times);
       return memory.view(memory.place(times)).slice();
     });
   }
@@ -150,7 +163,7 @@ export class Scene {
     const { memory } = this.engine;
     const numbers = memory.scope(() => {
       const keys = memory.take(8);
-      this.engine.call("vlx_keys", this.at, memory.text(object), memory.text(attribute), keys);
+      this.engine.call("vlx_keys", this.handle(), memory.text(object), memory.text(attribute), keys);
       return memory.view(memory.place(keys)).slice();
     });
     return Array.from({ length: numbers.length / KEY }, (_, k) => keyOf(numbers.subarray(KEY * k, KEY * (k + 1))));
@@ -172,32 +185,32 @@ export class Scene {
   /** Adds a key, or replaces the one at its frame, with its tangents. */
   putKey(object: string, attribute: string, key: Key) {
     const { memory } = this.engine;
-    memory.scope(() => this.engine.call("vlx_put_key", this.at, memory.text(object), memory.text(attribute),
+    memory.scope(() => this.engine.call("vlx_put_key", this.handle(), memory.text(object), memory.text(attribute),
       memory.numbers([key.frame, key.value, key.in, key.out, key.inX, key.inY, key.outX, key.outY])));
   }
 
   /** From here on edits can be undone; or no more, and what is known is forgotten. */
   keepHistory(kept = true) {
-    this.engine.call("vlx_keep_history", this.at, kept ? 1 : 0);
+    this.engine.call("vlx_keep_history", this.handle(), kept ? 1 : 0);
   }
 
   /** The edits that `run` makes are one step, also those before it throws. */
   step<T>(name: string, run: () => T): T {
     const { memory } = this.engine;
-    memory.scope(() => this.engine.call("vlx_open_step", this.at, memory.text(name)));
+    memory.scope(() => this.engine.call("vlx_open_step", this.handle(), memory.text(name)));
     try {
       return run();
     } finally {
-      this.engine.call("vlx_close_step", this.at);
+      this.engine.call("vlx_close_step", this.handle());
     }
   }
 
   undo() {
-    this.engine.call("vlx_undo", this.at);
+    this.engine.call("vlx_undo", this.handle());
   }
 
   redo() {
-    this.engine.call("vlx_redo", this.at);
+    this.engine.call("vlx_redo", this.handle());
   }
 
   history(): History {
@@ -206,7 +219,7 @@ export class Scene {
 
   /** Makes all trails exact after edits. */
   follow() {
-    this.engine.call("vlx_follow", this.at);
+    this.engine.call("vlx_follow", this.handle());
   }
 
   /** Does part of that, for about so many seconds; call it again and again, with other work in between. */
@@ -214,7 +227,7 @@ export class Scene {
     const { memory } = this.engine;
     return memory.scope(() => {
       const progress = memory.take(16);
-      this.engine.call("vlx_pump", this.at, seconds, progress);
+      this.engine.call("vlx_pump", this.handle(), seconds, progress);
       const [pending, worked, item, items] = [0, 4, 8, 12].map((at) => memory.word(progress + at));
       return { pending: pending !== 0, worked: worked !== 0, item, items };
     });
@@ -224,7 +237,7 @@ export class Scene {
     const { memory } = this.engine;
     return memory.scope(() => {
       const text = memory.take(4);
-      this.engine.call(call, this.at, ...given, text);
+      this.engine.call(call, this.handle(), ...given, text);
       return JSON.parse(memory.textAt(memory.word(text))) as T;
     });
   }
@@ -234,14 +247,14 @@ export class Scene {
     return memory.scope(() => {
       const names = [object, ...(attribute === undefined ? [] : [attribute])].map((name) => memory.text(name));
       const at = memory.take(8 * width * frames.length);
-      this.engine.call(call, this.at, ...names, memory.numbers(frames), frames.length, at);
+      this.engine.call(call, this.handle(), ...names, memory.numbers(frames), frames.length, at);
       return memory.view({ at, count: width * frames.length }).slice();
     });
   }
 
   private edit(call: string, object: string, attribute: string, ...numbers: number[]) {
     const { memory } = this.engine;
-    memory.scope(() => this.engine.call(call, this.at, memory.text(object), memory.text(attribute), ...numbers));
+    memory.scope(() => this.engine.call(call, this.handle(), memory.text(object), memory.text(attribute), ...numbers));
   }
 }
 

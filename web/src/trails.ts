@@ -1,6 +1,7 @@
 // The trails of one request, which follow edits of their scene.
 
 import type { Engine } from "./engine";
+import type { Scene } from "./scene";
 
 export interface TrailOptions {
   /** Patterns of names or paths; none: what is animated. */
@@ -52,15 +53,17 @@ export interface TrailArrays {
 }
 
 export class Trails {
+  private gone = false;
+
   private constructor(
     private readonly engine: Engine,
-    private readonly scene: number,
+    private readonly scene: Scene,
     private readonly set: number,
     readonly length: number,
   ) {}
 
   /** For Scene.trails. */
-  static make(engine: Engine, scene: number, options: TrailOptions): Trails {
+  static make(engine: Engine, scene: Scene, options: TrailOptions): Trails {
     const { memory } = engine;
     return memory.scope(() => {
       const request = memory.take(56), set = memory.take(4), count = memory.take(4);
@@ -75,20 +78,28 @@ export class Trails {
       memory.setWord(request + 32, options.colorMode ?? -1);
       memory.setDouble(request + 40, options.first ?? NaN);
       memory.setDouble(request + 48, options.last ?? NaN);
-      engine.call("vlx_trails", scene, request, set, count);
+      engine.call("vlx_trails", scene.handle(), request, set, count);
       return new Trails(engine, scene, memory.word(set), memory.word(count));
     });
   }
 
   letGo() {
-    this.engine.call("vlx_let_go", this.scene, this.set);
+    const handle = this.handle();
+    this.gone = true;
+    this.engine.call("vlx_let_go", this.scene.handle(), handle);
+  }
+
+  private handle(): number {
+    this.scene.handle();  // it went with the scene
+    if (this.gone) throw new Error("the trails were let go; make them again");
+    return this.set;
   }
 
   arrays(index: number): TrailArrays {
     const { memory } = this.engine;
     return memory.scope(() => {
       const at = memory.take(40), revision = memory.take(4);
-      this.engine.call("vlx_trail_now", this.set, index, at, revision);
+      this.engine.call("vlx_trail_now", this.handle(), index, at, revision);
       const [points, colors, keyPoints, keyColors, keyTimes] = [0, 8, 16, 24, 32].map((k) => memory.view(memory.place(at + k)));
       return { points, colors, keyPoints, keyColors, keyTimes, revision: memory.word(revision) };
     });
@@ -111,7 +122,7 @@ export class Trails {
     const { memory } = this.engine;
     return memory.scope(() => {
       const trail = memory.take(4), text = memory.take(4);
-      this.engine.call("vlx_trail", this.set, index, trail);
+      this.engine.call("vlx_trail", this.handle(), index, trail);
       try {
         tell(memory.word(trail), text);
         return JSON.parse(memory.textAt(memory.word(text)));

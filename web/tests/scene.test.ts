@@ -1,6 +1,6 @@
 import { join } from "node:path";
 import { describe, expect, test } from "vitest";
-import { EngineError, Tangent, type Scene } from "../src/index";
+import { Engine, EngineCrash, EngineError, Tangent, type Scene } from "../src/index";
 import { examples, filesOf, startEngine } from "./support/engine";
 
 const engine = await startEngine();
@@ -15,6 +15,7 @@ function opened<T>(name: string, run: (scene: Scene) => T): T {
   }
 }
 
+const letters = (text: string) => [...text].map((letter) => letter.charCodeAt(0));
 const HIPS = "|Hips";
 const height = (scene: Scene, frame = 12) => scene.worldMatrices(HIPS, [frame])[13];
 
@@ -59,6 +60,30 @@ describe("a scene", () => {
     expect(() => scene.curves("|Tail")).toThrow(expect.objectContaining({ kind: "not_found" }));
     expect(() => scene.keys(HIPS, "translate")).toThrow(EngineError);
   }));
+});
+
+describe("what is gone", () => {
+  test("says so, be it a scene or its trails", () => {
+    const scene = engine.open(example("walk.bvh")), trails = scene.trails({ patterns: ["LeftFoot"] });
+    const others = scene.trails({ patterns: ["RightFoot"] });
+    others.letGo();
+    expect(() => others.arrays(0)).toThrow("the trails were let go");
+    scene.close();
+    for (const use of [() => scene.describe(), () => scene.close(), () => trails.arrays(0)])
+      expect(use).toThrow("the scene is closed");
+  });
+
+  test("includes an engine that broke down, which does nothing any more", async () => {
+    // A module of a memory, and of _initialize and crash, of which the latter is but "unreachable".
+    const module = new WebAssembly.Module(Uint8Array.from([
+      0, 97, 115, 109, 1, 0, 0, 0, 1, 8, 2, 96, 0, 0, 96, 0, 1, 127, 3, 3, 2, 0, 1, 5, 3, 1, 0, 1,
+      7, 32, 3, 6, ...letters("memory"), 2, 0, 11, ...letters("_initialize"), 0, 0, 5, ...letters("crash"), 0, 1,
+      10, 8, 2, 2, 0, 11, 3, 0, 0, 11,
+    ]));
+    const broken = await Engine.start(module);
+    expect(() => broken.call("crash")).toThrow(EngineCrash);
+    expect(() => broken.open(example("walk.bvh"))).toThrow(EngineCrash);
+  });
 });
 
 describe("keys", () => {
@@ -123,7 +148,7 @@ describe("trails", () => {
     expect(untilExact(scene).waited).toBeGreaterThan(0);
     expect(trails.arrays(0).revision).toBe(before + 1);
     for (let k = 0; k < trails.length; ++k) {
-      const { points } = trails.arrays(k), { source, start_frame, frame_step } = trails.fields(k);
+      const points = trails.arrays(k).points.slice(), { source, start_frame, frame_step } = trails.fields(k);
       const frames = Array.from({ length: points.length / 3 }, (_, i) => start_frame + i * frame_step);
       const matrices = scene.worldMatrices(source, frames);
       frames.forEach((_, i) => expect([...points.subarray(3 * i, 3 * i + 3)]).toEqual([...matrices.subarray(16 * i + 12, 16 * i + 15)]));
