@@ -21,7 +21,9 @@ export interface OpenOptions {
 }
 
 /** Milliseconds since 1970, with fractions, never back. */
-const clock = () => performance.timeOrigin + performance.now();
+export type Clock = () => number;
+
+const systemClock: Clock = () => performance.timeOrigin + performance.now();
 
 export class Engine {
   private crash: EngineCrash | undefined;
@@ -29,7 +31,7 @@ export class Engine {
   private constructor(readonly calls: Calls, readonly memory: Memory, private readonly files: Files) {}
 
   /** Starts the engine that `module` holds. */
-  static async start(module: WebAssembly.Module): Promise<Engine> {
+  static async start(module: WebAssembly.Module, clock = systemClock): Promise<Engine> {
     let memory: WebAssembly.Memory | undefined;
     const files = new Files(() => memory!);
     const imports: Record<string, Record<string, WebAssembly.ImportValue>> = { vantorelix: { now: clock } };

@@ -3,7 +3,9 @@ import { describe, expect, test } from "vitest";
 import { Engine, EngineCrash, EngineError, Tangent, type Scene } from "../src/index";
 import { examples, filesOf, startEngine } from "./support/engine";
 
-const engine = await startEngine();
+// A microsecond passes with every look at it, and what is added.
+let now = 1e12;
+const engine = await startEngine(() => (now += 0.001));
 const example = (name: string) => filesOf(examples.find((path) => path.endsWith(join("/", name)))!);
 
 function opened<T>(name: string, run: (scene: Scene) => T): T {
@@ -19,14 +21,6 @@ const letters = (text: string) => [...text].map((letter) => letter.charCodeAt(0)
 const HIPS = "|Hips";
 const height = (scene: Scene, frame = 12) => scene.worldMatrices(HIPS, [frame])[13];
 
-function untilExact(scene: Scene) {
-  let worked = 0, waited = 0;
-  for (;;) {
-    const progress = scene.pump(0.004);
-    if (!progress.pending) return { worked, waited };
-    progress.worked ? ++worked : ++waited;
-  }
-}
 
 describe("a scene", () => {
   test("tells of its takes, and opens the one that is named", () => {
@@ -141,17 +135,24 @@ describe("undo", () => {
 
 describe("trails", () => {
   test("wait for the edits to end, are rebuilt by parts, and are exact then", () => opened("walk.bvh", (scene) => {
-    const trails = scene.trails({ all: true, samplesPerFrame: 4 });
-    const [before] = [trails.arrays(0).revision];
+    const trails = scene.trails({ all: true, samplesPerFrame: 50 }), last = trails.length - 1;
+    const revision = (k: number) => trails.arrays(k).revision;
+    const first = revision(0);
     scene.setKey(HIPS, "ty", 12, 3);
     expect(scene.pump(0.004)).toMatchObject({ pending: true, worked: false });
-    expect(untilExact(scene).waited).toBeGreaterThan(0);
-    expect(trails.arrays(0).revision).toBe(before + 1);
+    now += 250;
+    const progress = scene.pump(0.004);
+    expect(progress).toMatchObject({ pending: true, worked: true, items: trails.length });
+    expect(progress.item).toBeGreaterThan(0);
+    expect([revision(0), revision(last)]).toEqual([first + 1, first]);
+    while (scene.pump(0.004).pending) continue;
+    expect([revision(0), revision(last)]).toEqual([first + 1, first + 1]);
     for (let k = 0; k < trails.length; ++k) {
       const points = trails.arrays(k).points.slice(), { source, start_frame, frame_step } = trails.fields(k);
       const frames = Array.from({ length: points.length / 3 }, (_, i) => start_frame + i * frame_step);
       const matrices = scene.worldMatrices(source, frames);
-      frames.forEach((_, i) => expect([...points.subarray(3 * i, 3 * i + 3)]).toEqual([...matrices.subarray(16 * i + 12, 16 * i + 15)]));
+      const wrong = points.findIndex((place, i) => place !== matrices[16 * Math.floor(i / 3) + 12 + (i % 3)]);
+      expect([points.length > 0, wrong]).toEqual([true, -1]);
     }
   }));
 

@@ -40,6 +40,7 @@ function edits(scene: Scene): Command[] {
   const keyed = scene.objects().filter(({ source }) => scene.curves(source).length > 0).slice(0, 3);
   const made = keyed.flatMap(({ source }): Command[] => scene.curves(source).slice(0, 2).flatMap(({ attribute }) => {
     const keys = scene.keys(source, attribute);
+    if (keys.length === 0) return [];
     const middle = keys[keys.length >> 1], last = keys[keys.length - 1];
     const fixed = { ...middle, in: Tangent.fixed, out: Tangent.fixed, inX: 0.25, inY: 1.5, outX: 0.125, outY: -0.75 };
     return [

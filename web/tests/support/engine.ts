@@ -2,7 +2,7 @@
 
 import { readFileSync, readdirSync } from "node:fs";
 import { basename, dirname, join } from "node:path";
-import { Engine, type SceneFile } from "../../src/index";
+import { Engine, type Clock, type SceneFile } from "../../src/index";
 
 function given(name: string): string {
   const value = process.env[name];
@@ -17,7 +17,7 @@ const folders = given("VANTORELIX_SCENES").split(":");
 
 const compiled = new WebAssembly.Module(readFileSync(wasm));
 
-export const startEngine = () => Engine.start(compiled);
+export const startEngine = (clock?: Clock) => Engine.start(compiled, clock);
 
 const isScene = (path: string) => /\.(bvh|ma|fbx|gltf|glb)$/i.test(path);
 
