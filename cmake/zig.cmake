@@ -1,5 +1,5 @@
 # A toolchain for what is given away: zig's C++ compiler with its own C++ library linked in. VANTORELIX_ZIG is the program,
-# VANTORELIX_ZIG_TARGET the system (tools/zig.py): Linux, with no symbol of glibc newer than 2.17, Windows or macOS.
+# VANTORELIX_ZIG_TARGET the system (tools/zig.py): Linux, with no symbol of glibc newer than 2.17, Windows, macOS or WebAssembly.
 set(VANTORELIX_ZIG_TARGET x86_64-linux-gnu.2.17 CACHE STRING "The processor, system and C library, as zig names them")
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VANTORELIX_ZIG VANTORELIX_ZIG_TARGET)
 set(CMAKE_CXX_COMPILER ${VANTORELIX_ZIG} c++)
@@ -17,6 +17,9 @@ if(VANTORELIX_ZIG_TARGET MATCHES "windows")
 elseif(VANTORELIX_ZIG_TARGET MATCHES "macos")
   include(${CMAKE_CURRENT_LIST_DIR}/zig_macos.cmake)
   set(c_library "")  # the system's own
+elseif(VANTORELIX_ZIG_TARGET MATCHES "wasm")
+  include(${CMAKE_CURRENT_LIST_DIR}/zig_wasm.cmake)
+  set(c_library wasi-libc=${zig_folder}/lib/libc/wasi/LICENSE)
 else()
   set(c_library glibc=${zig_folder}/lib/libc/glibc/io/stat-2.32.c)
   # Nothing of the C++ library inside is seen from outside, where the process may have another one.
@@ -30,7 +33,7 @@ set(VANTORELIX_LINKED_LICENCES
 
 # The header of CPython 3.7 includes one of glibc's that zig does not have, and uses nothing of it.
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/absent/crypt.h CONTENT "")
-set(CMAKE_CXX_FLAGS_INIT "-isystem ${CMAKE_BINARY_DIR}/absent")
+string(APPEND CMAKE_CXX_FLAGS_INIT " -isystem ${CMAKE_BINARY_DIR}/absent")
 
 # Debian's header of CPython includes <x86_64-linux-gnu/python3.11/pyconfig.h>, from a folder that holds glibc's headers, too.
 file(GLOB architectures RELATIVE /usr/include /usr/include/*-linux-gnu)

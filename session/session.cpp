@@ -187,6 +187,7 @@ QueueState Session::queue_state() {
   if (!_WORK) return state;
   state.generation = _WORK->gen;
   state.item = _WORK->k;
+  state.items = _WORK->items.size();
   if (_WORK->k < _WORK->items.size()) {
     const auto item = _WORK->items.at(_WORK->k);
     state.sample = item->i;

@@ -47,7 +47,7 @@ struct Options {
 struct QueueState {
   bool pending = false;
   std::int64_t generation = -1;
-  std::size_t item = 0, sample = 0, key = 0;
+  std::size_t item = 0, items = 0, sample = 0, key = 0;
 
   bool operator==(const QueueState&) const = default;
 };

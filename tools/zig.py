@@ -17,7 +17,7 @@ FOLDER = os.path.join(ROOT, "build", "package")
 TOOLS = os.path.join(FOLDER, "tools")  # an environment for what comes from PyPI
 # The systems that things are made for, of x86-64 where nothing else is said, and what zig calls each.
 TARGETS = {"linux": "x86_64-linux-gnu.2.17", "windows": "x86_64-windows-gnu",
-           "macos": "x86_64-macos.11.0-none", "macos-arm64": "aarch64-macos.11.0-none"}
+           "macos": "x86_64-macos.11.0-none", "macos-arm64": "aarch64-macos.11.0-none", "web": "wasm32-wasi"}
 
 
 def compiler():

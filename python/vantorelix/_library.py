@@ -1,4 +1,4 @@
-"""The shared library beside this file, through its C interface (python/c_api.h in the sources).
+"""The shared library beside this file, through its C interface (api/c_api.h in the sources).
 
 It does one thing at a time in the whole process: every call goes through `at_work`, which keeps the order. Threads wait
 for each other there; what one thread does inside its own call (a signal handler, say) is refused.

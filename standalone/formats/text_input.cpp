@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -65,12 +67,13 @@ void ProgressReport::tell(std::uint64_t done, std::uint64_t total) {
 WholeFile::WholeFile(ByteSource& source, const ReadOptions& options) {
   constexpr std::size_t kPiece = std::size_t{16} << 20;
   ProgressReport progress(options);
-  constexpr std::size_t kMax = std::size_t{4} << 30;
+  constexpr std::uint64_t kMax = std::uint64_t{4} << 30;
   // Room for what the source says, and a byte more, which tells whether that was all. Not zeroed: files are large.
   std::size_t room = source.size() <= kMax ? static_cast<std::size_t>(source.size()) + 1 : 1;
   memory_.reset(new char[room]);
   while (size_ <= kMax) {
     if (size_ == room) {
+      if (room > SIZE_MAX / 2) throw std::bad_alloc();
       std::unique_ptr<char[]> longer(new char[room *= 2]);
       std::copy_n(memory_.get(), size_, longer.get());
       memory_ = std::move(longer);

@@ -21,10 +21,11 @@ OURS = {
     "session": {"session", "standalone", "engine", "host", "base"},
     "maya/extension": {"maya/extension", "engine", "host", "base"},
     "maya/standalone": {"maya/standalone", "standalone", "host", "base"},
-    "python": {"python", "session", "standalone", "engine", "host", "base"},
+    "api": {"api", "session", "standalone", "engine", "host", "base"},
+    "web": {"web"},
     "cli": {"cli", "session", "standalone", "engine", "host", "base"},
     "bench": {"bench", "tests", "cli", "session", "standalone", "engine", "host", "base"},
-    "tests": {"tests", "cli", "session", "standalone", "engine", "host", "base"},
+    "tests": {"tests", "cli", "api", "session", "standalone", "engine", "host", "base"},
 }
 
 # What is not ours: pattern of the header -> (folders that may use it, only in .cpp files).

@@ -31,9 +31,9 @@ class GltfAllowance {
   static constexpr std::uint64_t kNode = 2048;
 
   void add_input(std::uint64_t bytes) { left_ += bytes * kTimes; }
-  // False when `count` things of this size are too much.
+  // False when `count` things of this size are too much, or more than there are addresses for.
   bool take(std::uint64_t count, std::uint64_t size) {
-    if (count > left_ / size) return false;
+    if (count > left_ / size || count > SIZE_MAX / size) return false;
     left_ -= count * size;
     return true;
   }

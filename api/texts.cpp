@@ -1,4 +1,4 @@
-#include "python/texts.h"
+#include "api/texts.h"
 
 #include <array>
 #include <cstddef>
@@ -9,9 +9,11 @@
 #include "session/measures/kinematics.h"
 #include "session/measuring.h"
 #include "standalone/formats/reader.h"
+#include "standalone/scene/attributes/channel_names.h"
 
 namespace vantorelix::api {
 
+using standalone::Channel;
 using standalone::NodeId;
 using standalone::Scene;
 
@@ -50,6 +52,27 @@ void write_take(JsonWriter& json, const standalone::Take& take) {
   json.field("last", take.last);
 }
 
+const char* kind_text(standalone::CurveKind kind) {
+  constexpr const char* kTexts[] = {"linear", "angular", "unitless", "time"};
+  return kTexts[static_cast<std::size_t>(kind)];
+}
+
+const char* infinity_text(standalone::Infinity infinity) {
+  constexpr const char* kTexts[] = {"constant", "linear", "", "cycle", "cycle_offset", "oscillate"};
+  return kTexts[static_cast<std::size_t>(infinity)];
+}
+
+void write_curve(JsonWriter& json, const Scene& scene, Channel channel, NodeId node) {
+  const standalone::AnimCurve& curve = scene.curves.at(node);
+  json.field("attribute", standalone::name_of(channel));
+  json.field("curve", scene.names.unique_name(node));
+  json.field("kind", kind_text(curve.kind()));
+  json.field("weighted", curve.weighted());
+  json.field("pre", infinity_text(curve.pre_infinity()));
+  json.field("post", infinity_text(curve.post_infinity()));
+  json.field("keys", curve.keys().size());
+}
+
 std::vector<std::string> warnings_of(const Scene& scene) {
   std::vector<std::string> texts;
   for (const auto& [kind, count] : scene.warnings.all())
@@ -82,6 +105,43 @@ std::string objects_of(const OpenScene& open) {
     for (const NodeId node : open.objects()) json.object({}, [&] { write_object(json, open.scene(), node); });
   });
   return out.text();
+}
+
+std::string cameras_of(const OpenScene& open) {
+  const Scene& scene = open.scene();
+  StringSink out;
+  JsonWriter json(out);
+  json.list({}, [&] {
+    for (const NodeId shape : scene.nodes.of_type("camera"))
+      json.object({}, [&] {
+        json.field("shape", scene.names.long_name(shape));
+        json.field("source", path(scene, scene.nodes.parent(shape)));
+      });
+  });
+  return out.text();
+}
+
+std::string curves_of(const OpenScene& open, NodeId object) {
+  const Scene& scene = open.scene();
+  StringSink out;
+  JsonWriter json(out);
+  json.list({}, [&] {
+    for (std::size_t k = 0; k < static_cast<std::size_t>(Channel::count); ++k) {
+      const NodeId curve = scene.curves.driving_curve(object, static_cast<Channel>(k));
+      if (curve != standalone::kNoNode)
+        json.object({}, [&] { write_curve(json, scene, static_cast<Channel>(k), curve); });
+    }
+  });
+  return out.text();
+}
+
+std::string history_of(OpenScene& open) {
+  const auto& history = open.history();
+  return object_text([&](JsonWriter& json) {
+    json.field("undo", history.names());
+    json.field("redo", history.redo_count() == 0 ? std::nullopt : std::optional(history.redo_name()));
+    json.field("redo_count", history.redo_count());
+  });
 }
 
 std::string trail_text(const session::TrailView& trail, const session::TrailReport& report) {

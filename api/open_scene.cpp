@@ -1,6 +1,7 @@
-#include "python/open_scene.h"
+#include "api/open_scene.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 #include <unordered_set>
 #include <utility>
@@ -45,6 +46,9 @@ OpenScene::OpenScene(standalone::Scene scene, std::string file, std::function<bo
       first_(session_.scene().settings.playback_min()),
       last_(session_.scene().settings.playback_max()) {
   const auto all = session_.scene().nodes.all();
+  session_.edit([this](standalone::Host& host) { history_ = std::make_unique<standalone::UndoQueue>(host); });
+  history_->set_infinite(true);
+  history_->set_on(false);
   std::copy_if(all.begin(), all.end(), std::back_inserter(objects_),
                [this](NodeId node) { return session_.scene().nodes.is_transform(node); });
 }
@@ -93,27 +97,100 @@ void OpenScene::let_go(const TrailSet* set) {
   sets_.erase(found);
 }
 
-void OpenScene::edit(const session::LiveEvent& event) {
+void OpenScene::change(const char* name, const std::function<void(standalone::Host&)>& work) {
   edited_ = true;
-  session_.edit([&](standalone::Host& host) { session::apply(event, host); });
+  history_->begin(name);
+  try {
+    session_.edit(work);
+  } catch (...) {
+    history_->end(false);
+    throw;
+  }
+  history_->end(true);
+}
+
+void OpenScene::edit(const session::LiveEvent& event) {
+  using Kind = session::LiveEvent::Kind;
+  const char* const name = event.kind == Kind::set_key    ? "set key"
+                           : event.kind == Kind::move_key ? "move key"
+                                                          : "remove key";
+  change(name, [&](standalone::Host& host) { session::apply(event, host); });
+}
+
+void OpenScene::put_key(NodeId object, standalone::Channel channel, const standalone::Key& key) {
+  change("put key", [&](standalone::Host& host) {
+    auto& curves = host.scene().curves;
+    NodeId curve = curves.driving_curve(object, channel);
+    if (curve == standalone::kNoNode) curve = curves.set_key(object, channel, key.time, key.value);
+    curves.set_key(curve, key);
+  });
+}
+
+void OpenScene::keep_history(bool kept) {
+  history_->clear();
+  history_->set_on(kept);
+}
+
+void OpenScene::undo() {
+  edited_ = true;
+  session_.edit([this](standalone::Host&) { history_->undo(); });
+}
+
+void OpenScene::redo() {
+  edited_ = true;
+  session_.edit([this](standalone::Host&) { history_->redo(); });
 }
 
 void OpenScene::follow() {
   if (!edited_) return;
   guarded([this] {
     session_.settle();
-    std::unordered_set<NodeId> followed;
-    for (const Trail& trail : session_.followed()) followed.insert(trail.viz);
-    std::vector<TrailSet*> others;
-    for (const auto& set : sets_) {
-      if (is_followed(*set, followed))
-        set->report_ = session::read_trails(scene(), set->trails_, file_, session::Figures::with);
-      else
-        others.push_back(set.get());
-    }
-    for (TrailSet* set : others) make(*set);
+    for (TrailSet* set : show_followed(session::Figures::with)) make(*set);
   });
   edited_ = false;
+}
+
+Progress OpenScene::pump(double seconds) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+  Progress progress;
+  guarded([&] {
+    for (bool more = true; more; more = more && std::chrono::steady_clock::now() < end) {
+      const session::QueueState before = session_.queue_state();
+      more = session_.run_idle_once() && !(session_.queue_state() == before);
+      progress.worked = progress.worked || more;
+    }
+  });
+  const session::QueueState left = session_.queue_state();
+  if (!left.pending) {
+    follow();
+    return progress;
+  }
+  if (progress.worked) show_followed(session::Figures::without);
+  progress.pending = true;
+  progress.item = left.item;
+  progress.items = left.items;
+  return progress;
+}
+
+std::vector<TrailSet*> OpenScene::show_followed(session::Figures figures) {
+  std::unordered_set<NodeId> followed;
+  for (const Trail& trail : session_.followed()) followed.insert(trail.viz);
+  std::vector<TrailSet*> others;
+  for (const auto& set : sets_) {
+    if (is_followed(*set, followed))
+      set->show(session::read_trails(scene(), set->trails_, file_, figures));
+    else
+      others.push_back(set.get());
+  }
+  return others;
+}
+
+void TrailSet::show(session::TrailReport report) {
+  const std::size_t known = revisions_.size();
+  revisions_.resize(report.trails.size());
+  for (std::size_t i = 0; i < known && i < report.trails.size(); ++i)
+    if (report.trails[i].points != report_.trails[i].points) ++revisions_[i];
+  report_ = std::move(report);
 }
 
 void OpenScene::set_range(double first, double last) {
@@ -125,7 +202,7 @@ void OpenScene::make(TrailSet& set) {
   session_.check_size(set.objects_.size(), set.settings_);
   session_.remove(set.trails_);
   set.trails_ = session_.create(set.objects_, set.settings_);
-  set.report_ = session::read_trails(scene(), set.trails_, file_, session::Figures::with);
+  set.show(session::read_trails(scene(), set.trails_, file_, session::Figures::with));
 }
 
 bool OpenScene::is_followed(const TrailSet& set, const std::unordered_set<NodeId>& followed) const {

@@ -14,6 +14,7 @@
 #include "session/report.h"
 #include "session/selection.h"
 #include "session/session.h"
+#include "standalone/host/undo_queue.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::api {
@@ -34,6 +35,8 @@ struct Request {
 class TrailSet {
  public:
   const session::TrailReport& report() const { return report_; }
+  // Of the trail's arrays: another whenever they are.
+  std::size_t revision(std::size_t index) const { return revisions_[index]; }
 
  private:
   friend class OpenScene;
@@ -43,6 +46,16 @@ class TrailSet {
   double first_ = 0.0, last_ = 0.0;
   std::vector<session::Trail> trails_;
   session::TrailReport report_;
+  std::vector<std::size_t> revisions_;
+
+  void show(session::TrailReport report);
+};
+
+// What a call of pump() left.
+struct Progress {
+  bool pending = false;  // whether there are sets that are not exact
+  bool worked = false;   // else the engine waits until edits have ended
+  std::size_t item = 0, items = 0;
 };
 
 class OpenScene {
@@ -65,15 +78,31 @@ class OpenScene {
 
   // One edit of keys. The sets of trails know of it after follow().
   void edit(const session::LiveEvent& event);
+  // Adds a key to the channel's curve, or replaces the one at its time. The curve is made where there is none.
+  void put_key(standalone::NodeId object, standalone::Channel channel, const standalone::Key& key);
+
+  // Edits from here on can be undone, or no more; then those that could are forgotten.
+  void keep_history(bool kept);
+  standalone::UndoQueue& history() { return *history_; }
+  void undo();
+  void redo();
+
   // Makes every set exact again: the engine's queue does so for trails that it follows. It keeps one trail for a short
   // name and one range, so other trails are made anew. What throws leaves sets that are exact or as they were, and the
   // next call goes on.
   void follow();
+  // The same by parts: runs idle calls for about so many seconds, and at least one. Sets show what is done of them.
+  // Throws Failure when a trail could not be computed.
+  Progress pump(double seconds);
 
  private:
   bool is_object(standalone::NodeId node) const;
   // Of the objects alone. Throws Failure with the file and what to do.
   std::vector<standalone::NodeId> choose(const session::Selection& selection) const;
+  // Does the edit, as a step that can be undone.
+  void change(const char* name, const std::function<void(standalone::Host&)>& work);
+  // Sets whose trails the engine follows show what their nodes hold. Returns the others.
+  std::vector<TrailSet*> show_followed(session::Figures figures);
   void set_range(double first, double last);
   void make(TrailSet& set);
   bool is_followed(const TrailSet& set, const std::unordered_set<standalone::NodeId>& followed) const;
@@ -82,6 +111,7 @@ class OpenScene {
 
   std::string file_;
   session::Session session_;
+  std::unique_ptr<standalone::UndoQueue> history_;
   std::vector<standalone::NodeId> objects_;
   double first_, last_;
   bool edited_ = false;

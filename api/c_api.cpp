@@ -1,12 +1,9 @@
-#include "python/c_api.h"
+#include "api/c_api.h"
 
 #include <algorithm>
 #include <bit>
-#include <chrono>
 #include <cmath>
 #include <filesystem>
-#include <memory>
-#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -15,118 +12,22 @@
 #include <utility>
 #include <vector>
 
-#include "host/error.h"
-#include "python/open_scene.h"
-#include "python/texts.h"
-#include "session/failure.h"
+#include "api/calls.h"
+#include "api/texts.h"
 #include "standalone/formats/reader.h"
 #include "standalone/formats/samples/sampled_scene.h"
-#include "standalone/scene/attributes/channel_names.h"
 
 namespace api = vantorelix::api;
-namespace host = vantorelix::host;
 namespace session = vantorelix::session;
 namespace sa = vantorelix::standalone;
 
-struct VlxScene : api::OpenScene {
-  using OpenScene::OpenScene;
-};
-struct VlxTrailSet {};  // an api::TrailSet
-struct VlxTrail {
-  session::TrailView view;
-  std::string text;
-  double fps;
-  session::Ground ground;
-};
+using api::guarded;
+using api::hand_out;
+using api::own;
+using api::text_of;
+using api::watch;
 
 namespace {
-
-static_assert(sizeof(vantorelix::Vector) == 3 * sizeof(double), "triples lie in memory as doubles do");
-
-struct {
-  std::string kind, text;
-  std::size_t line = 0;
-} failure;
-
-std::string handed_out;
-std::vector<double> times_handed_out;
-
-// Whoever is asked whether to go on. It may take long to answer, and is asked for every sample.
-class Watch {
- public:
-  void set(int (*asked)()) {
-    asked_ = asked;
-    stopped_ = false;
-  }
-  bool stopped() {
-    const auto now = std::chrono::steady_clock::now();
-    if (asked_ == nullptr || stopped_ || now - last_ < kPause) return stopped_;
-    last_ = now;
-    return stopped_ = asked_() != 0;
-  }
-  void check() {
-    if (stopped()) throw host::Interrupt();
-  }
-
- private:
-  static constexpr std::chrono::milliseconds kPause{50};
-
-  int (*asked_)() = nullptr;
-  bool stopped_ = false;
-  std::chrono::steady_clock::time_point last_;
-} watch;
-
-void fail(const char* kind, const std::string& text, std::size_t line = 0) {
-  failure.kind = kind;
-  failure.text = text;
-  failure.line = line;
-}
-
-// A file that is not there.
-struct NoFile : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
-const char* kind_of(session::Failure::Kind kind) {
-  using Kind = session::Failure::Kind;
-  switch (kind) {
-    case Kind::no_such_key:
-    case Kind::no_match:
-    case Kind::no_object:
-    case Kind::nothing_animated:
-    case Kind::nothing_followed:
-    case Kind::all_excluded:
-      return "not_found";
-    default:
-      return "failed";
-  }
-}
-
-// No exception may leave a C function.
-template <class Work>
-int guarded(const Work& work) {
-  try {
-    work();
-    return 0;
-  } catch (const sa::FormatError& error) {
-    fail("format", error.what(), error.line());
-  } catch (const NoFile& error) {
-    fail("no_file", error.what());
-  } catch (const api::NotFound& error) {
-    fail("not_found", error.what());
-  } catch (const session::Failure& error) {
-    fail(kind_of(error.kind), error.what());
-  } catch (const host::Interrupt&) {
-    fail("interrupted", "interrupted");
-  } catch (const std::bad_alloc&) {
-    fail("memory", "there is not enough memory");
-  } catch (const std::exception& error) {
-    fail("failed", error.what());
-  }
-  return 1;
-}
-
-std::string text_of(const char* text) { return text == nullptr ? std::string() : text; }
 
 // Throws for an option that the file's format has no use for.
 void check_use(const std::string& file, sa::Format format, const VlxReading& reading) {
@@ -170,35 +71,11 @@ api::Request request_of(const VlxRequest& given) {
   return request;
 }
 
-api::TrailSet* own(VlxTrailSet* set) { return reinterpret_cast<api::TrailSet*>(set); }
-
-VlxArray array_of(const vantorelix::Vectors& vectors) {
-  return vectors->empty() ? VlxArray{nullptr, 0} : VlxArray{&vectors->front().x, 3 * vectors->size()};
-}
-
-void hand_out(std::string text, const char** result) {
-  handed_out = std::move(text);
-  *result = handed_out.c_str();
-}
-
-// The channel of an object that an edit is about.
-session::LiveEvent event_on(const VlxScene& scene, const char* object, const std::string& attribute) {
-  session::LiveEvent event;
-  event.where = scene.file();
-  event.node = scene.object(object);
-  const auto channels = sa::channels_named(attribute, scene.scene().nodes.type(event.node) == "joint");
-  if (!channels || channels->count > 1)
-    throw api::NotFound(scene.file() + ": " + scene.scene().names.unique_name(event.node) + " has no channel '" +
-                        attribute + "'; name one, as 'translateX' or 'tx'");
-  event.channel = channels->first;
-  return event;
-}
-
 }  // namespace
 
 const char* vlx_version() { return VANTORELIX_VERSION; }
 
-void vlx_error(VlxError* error) { *error = {failure.kind.c_str(), failure.text.c_str(), failure.line}; }
+void vlx_error(VlxError* error) { *error = api::last_error(); }
 
 void vlx_watch(int (*asked)()) { watch.set(asked); }
 
@@ -206,7 +83,8 @@ int vlx_open(const char* file, const VlxReading* reading, VlxScene** scene) {
   return guarded([&] {
     const std::string name = file;
     std::error_code ignored;
-    if (!std::filesystem::exists(file, ignored)) throw NoFile(std::string(file) + ": no such file; check the path");
+    if (!std::filesystem::exists(file, ignored))
+      throw api::NoFile(std::string(file) + ": no such file; check the path");
     if (std::filesystem::is_directory(file, ignored))
       throw std::runtime_error(std::string(file) + ": is a folder; name a scene file in it");
     *scene = new VlxScene(sa::read_scene(file, options_of(name, *reading)), file, [] { return watch.stopped(); });
@@ -244,6 +122,10 @@ int vlx_objects(VlxScene* scene, const char** json) {
   return guarded([&] { hand_out(api::objects_of(*scene), json); });
 }
 
+int vlx_cameras(VlxScene* scene, const char** json) {
+  return guarded([&] { hand_out(api::cameras_of(*scene), json); });
+}
+
 int vlx_trails(VlxScene* scene, const VlxRequest* request, VlxTrailSet** set, std::size_t* count) {
   return guarded([&] {
     api::TrailSet* const made = scene->make_trails(request_of(*request));
@@ -276,12 +158,7 @@ int vlx_trail_measures(VlxTrail* trail, const char** json) {
 }
 
 int vlx_trail_arrays(VlxTrail* trail, VlxTrailArrays* arrays) {
-  const session::TrailView& view = trail->view;
-  *arrays = {array_of(view.points),
-             array_of(view.colors),
-             array_of(view.key_points),
-             array_of(view.key_colors),
-             {view.key_times.data(), view.key_times.size()}};
+  *arrays = api::arrays_of(trail->view);
   return 0;
 }
 
@@ -299,46 +176,4 @@ int vlx_world_matrices(VlxScene* scene, const char* object, const double* frames
       }
     }
   });
-}
-
-int vlx_key_times(VlxScene* scene, const char* object, VlxArray* times) {
-  return guarded([&] {
-    times_handed_out = scene->scene().curves.key_times(scene->object(object));
-    std::sort(times_handed_out.begin(), times_handed_out.end());
-    times_handed_out.erase(std::unique(times_handed_out.begin(), times_handed_out.end()), times_handed_out.end());
-    *times = {times_handed_out.data(), times_handed_out.size()};
-  });
-}
-
-int vlx_set_key(VlxScene* scene, const char* object, const char* attribute, double frame, double value) {
-  return guarded([&] {
-    session::LiveEvent event = event_on(*scene, object, attribute);
-    event.kind = session::LiveEvent::Kind::set_key;
-    event.frame = frame;
-    event.value = value;
-    scene->edit(event);
-  });
-}
-
-int vlx_move_key(VlxScene* scene, const char* object, const char* attribute, double frame, double to) {
-  return guarded([&] {
-    session::LiveEvent event = event_on(*scene, object, attribute);
-    event.kind = session::LiveEvent::Kind::move_key;
-    event.frame = frame;
-    event.to = to;
-    scene->edit(event);
-  });
-}
-
-int vlx_remove_key(VlxScene* scene, const char* object, const char* attribute, double frame) {
-  return guarded([&] {
-    session::LiveEvent event = event_on(*scene, object, attribute);
-    event.kind = session::LiveEvent::Kind::remove_key;
-    event.frame = frame;
-    scene->edit(event);
-  });
-}
-
-int vlx_follow(VlxScene* scene) {
-  return guarded([&] { scene->follow(); });
 }

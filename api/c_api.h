@@ -1,4 +1,4 @@
-/* Scenes and their trails through plain C, for the Python package, which loads this as a shared library.
+/* Scenes and their trails through plain C, for whatever is not C++: the Python package loads it as a shared library.
  *
  * One call at a time in the whole process, whatever the scene. A function that returns an int returns 0 when it did its
  * work; else vlx_error says what was wrong. Texts are UTF-8 (names as they are in their file) and end with a zero; a
@@ -67,6 +67,12 @@ struct VlxTrailArrays {
   VlxArray key_times;
 };
 
+struct VlxProgress {
+  int pending;             /* whether trails are not exact yet */
+  int worked;              /* whether anything was done; else the engine waits for the edits to end */
+  std::size_t item, items; /* how many trails are done, of how many; 0 of 0 where nothing is at work */
+};
+
 VLX_API const char* vlx_version();
 /* Of the last call that failed. */
 VLX_API void vlx_error(VlxError* error);
@@ -82,9 +88,10 @@ VLX_API int vlx_open(const char* file, const VlxReading* reading, VlxScene** sce
 VLX_API int vlx_samples(const VlxSamples* samples, const double* matrices, const char* name, VlxScene** scene);
 VLX_API int vlx_close(VlxScene* scene);
 
-/* JSON; see python/texts.h. */
+/* JSON; see api/texts.h. */
 VLX_API int vlx_description(VlxScene* scene, const char** json);
 VLX_API int vlx_objects(VlxScene* scene, const char** json);
+VLX_API int vlx_cameras(VlxScene* scene, const char** json);
 
 VLX_API int vlx_trails(VlxScene* scene, const VlxRequest* request, VlxTrailSet** set, std::size_t* count);
 /* The set's trails are followed no more. */
@@ -110,5 +117,34 @@ VLX_API int vlx_key_times(VlxScene* scene, const char* object, VlxArray* times);
 VLX_API int vlx_set_key(VlxScene* scene, const char* object, const char* attribute, double frame, double value);
 VLX_API int vlx_move_key(VlxScene* scene, const char* object, const char* attribute, double frame, double to);
 VLX_API int vlx_remove_key(VlxScene* scene, const char* object, const char* attribute, double frame);
+/* JSON: the channels of an object that have keys; see api/texts.h. */
+VLX_API int vlx_curves(VlxScene* scene, const char* object, const char** json);
+/* The keys of a channel's curve, in order, none without one: 8 doubles each, which are the frame, the value (in radians
+ * on angles), the sorts of the tangents in and out (standalone/scene/curves/curve_key.h has their numbers) and, of
+ * fixed tangents, in x and y and out x and y (seconds, and the value's unit). They stay until the next call of any
+ * function. */
+VLX_API int vlx_keys(VlxScene* scene, const char* object, const char* attribute, VlxArray* keys);
+/* Adds a key, or replaces the one at its frame: 8 doubles as vlx_keys has them, to the last bit. */
+VLX_API int vlx_put_key(VlxScene* scene, const char* object, const char* attribute, const double* key);
+/* What a channel is at `count` frames, keyed or not; in radians on angles. */
+VLX_API int vlx_channel_values(VlxScene* scene, const char* object, const char* attribute, const double* frames,
+                               std::size_t count, double* values);
+
+/* From here on edits can be undone; 0: they cannot, as at first, and what is known is forgotten. */
+VLX_API int vlx_keep_history(VlxScene* scene, int kept);
+/* The edits in between are one step with this name. A step without edits is none. */
+VLX_API int vlx_open_step(VlxScene* scene, const char* name);
+VLX_API int vlx_close_step(VlxScene* scene);
+VLX_API int vlx_undo(VlxScene* scene);
+VLX_API int vlx_redo(VlxScene* scene);
+/* JSON: what the next undo and redo are about; see api/texts.h. */
+VLX_API int vlx_history(VlxScene* scene, const char** json);
+
 /* Makes every set of trails exact after edits. */
 VLX_API int vlx_follow(VlxScene* scene);
+/* Does part of that work, for about so many seconds and at least one slice of the engine's; call it again and again,
+ * with other work in between. After an edit the engine waits until there was none for a fifth of a second. */
+VLX_API int vlx_pump(VlxScene* scene, double seconds, VlxProgress* progress);
+/* A trail of a set as the last of these calls left it. The revision is another whenever the arrays are. They stay until
+ * the next vlx_follow, vlx_pump, vlx_let_go or vlx_close. */
+VLX_API int vlx_trail_now(VlxTrailSet* set, std::size_t index, VlxTrailArrays* arrays, std::size_t* revision);

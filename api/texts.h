@@ -1,0 +1,34 @@
+// What callers of the C interface are told as JSON: everything but arrays of numbers.
+#pragma once
+
+#include <string>
+
+#include "api/open_scene.h"
+#include "session/report.h"
+
+namespace vantorelix::api {
+
+// {"fps", "range", "unit", "up_axis", "takes": [{"name", "first", "last"}], "take": index or null, "warnings": [text]}
+std::string description_of(const OpenScene& scene);
+
+// A list of {"source", "name", "node", "type", "parent", "animated"}: each object of the file, in its order.
+std::string objects_of(const OpenScene& scene);
+
+// A list of {"shape", "source"}: each camera of the file, and the object that it hangs on.
+std::string cameras_of(const OpenScene& scene);
+
+// A list of {"attribute", "curve", "kind", "weighted", "pre", "post", "keys"}: each channel of the object that a curve
+// drives, with how many keys it has. The kind is "linear", "angular", "unitless" or "time"; before and after the keys
+// the curve is "constant" or "linear", or goes on as "cycle", "cycle_offset" or "oscillate".
+std::string curves_of(const OpenScene& scene, standalone::NodeId object);
+
+// {"undo": [name], "redo": name or null, "redo_count"}; the step that is undone first stands last.
+std::string history_of(OpenScene& scene);
+
+// The fields of a trail in the JSON of the program but for its arrays and measures, and the `units` of its scene.
+std::string trail_text(const session::TrailView& trail, const session::TrailReport& report);
+
+// The field `measures` of a trail in the JSON of the program.
+std::string measures_text(const session::Measures& measures);
+
+}  // namespace vantorelix::api

@@ -1,0 +1,169 @@
+// What both engines are made to do to a scene, and what came of it here. tests/web/native_results.cpp does the same.
+
+import { EngineError, Tangent, type Engine, type Key, type Scene, type SceneFile, type Trails } from "../../src/index";
+
+export type Command =
+  | ["description"] | ["objects"] | ["cameras"] | ["history"] | ["trails"] | ["undo"] | ["redo"] | ["follow"] | ["pump"]
+  | ["curves", string]
+  | ["time", number, number]
+  | ["keys", string, string?]
+  | ["matrices", string, ...number[]]
+  | ["values" | "set" | "move" | "put" | "remove", string, string, ...number[]];
+
+export type Results = Map<string, Uint8Array>;
+
+const encoder = new TextEncoder();
+const bytesOf = (numbers: Float64Array) => new Uint8Array(numbers.slice().buffer);
+const numbersOf = (key: Key) => [key.frame, key.value, key.in, key.out, key.inX, key.inY, key.outX, key.outY];
+
+/** Frames in between keys too, and outside of the range. */
+function framesOf(scene: Scene): number[] {
+  const [first, last] = scene.describe().range;
+  return [first, last, (first + last) / 2 + 0.3, first - 2.5, last + 7.25];
+}
+
+/** All that can be asked about a scene. */
+function questions(scene: Scene): Command[] {
+  const frames = framesOf(scene);
+  return [
+    ["description"], ["objects"], ["cameras"], ["history"], ["trails"],
+    ...scene.objects().flatMap(({ source }): Command[] => [
+      ["matrices", source, ...frames], ["curves", source], ["keys", source],
+      ...scene.curves(source).flatMap(({ attribute }): Command[] =>
+        [["keys", source, attribute], ["values", source, attribute, ...frames]]),
+    ]),
+  ];
+}
+
+/** Some of each sort, on the first objects that have keys, and on one channel that need not have any. */
+function edits(scene: Scene): Command[] {
+  const keyed = scene.objects().filter(({ source }) => scene.curves(source).length > 0).slice(0, 3);
+  const made = keyed.flatMap(({ source }): Command[] => scene.curves(source).slice(0, 2).flatMap(({ attribute }) => {
+    const keys = scene.keys(source, attribute);
+    if (keys.length === 0) return [];
+    const middle = keys[keys.length >> 1], last = keys[keys.length - 1];
+    const fixed = { ...middle, in: Tangent.fixed, out: Tangent.fixed, inX: 0.25, inY: 1.5, outX: 0.125, outY: -0.75 };
+    return [
+      ["set", source, attribute, middle.frame, 1.5],
+      ["set", source, attribute, middle.frame + 0.375, 2.25],
+      ["put", source, attribute, ...numbersOf({ ...fixed, value: middle.value + 0.1 })],
+      ["move", source, attribute, last.frame, last.frame + 0.25],
+      ["remove", source, attribute, keys[0].frame],
+    ];
+  }));
+  const [object] = scene.objects();
+  return object ? [...made, ["set", object.source, "translateX", 1.5, 3.25], ["move", object.source, "ty", 1e6, 2]] : made;
+}
+
+/** Everything, then edits, everything again, all edits undone, everything again, and redone. */
+export function script(scene: Scene): Command[] {
+  const asked = questions(scene), made = edits(scene);
+  const done = made.length === 0 ? 0 : made.length - 1;  // the last one is refused
+  const back = Array.from({ length: done }, (): Command => ["undo"]);
+  const again = Array.from({ length: done }, (): Command => ["redo"]);
+  return [...asked, ...made, ["follow"], ...asked, ...back, ["pump"], ...asked, ...again, ["pump"], ...asked];
+}
+
+/** The commands as the native program reads them. */
+export const written = (commands: Command[]) =>
+  commands.map((command) => command.map(String).join("\t") + "\n").join("");
+
+export class Exam {
+  readonly results: Results = new Map();
+
+  constructor(private readonly scene: Scene, private readonly trails: Trails | undefined) {}
+
+  run(commands: Command[]) {
+    commands.forEach((command, row) => {
+      const label = `${row} ${command[0]}`;
+      keep(this.results, label, () => this.answer(label, command));
+    });
+  }
+
+  private answer(label: string, command: Command) {
+    const { scene, results } = this;
+    const text = (value: unknown) => void results.set(label, encoder.encode(JSON.stringify(value)));
+    const numbers = (values: Float64Array) => void results.set(label, bytesOf(values));
+    switch (command[0]) {
+      case "description": return text(scene.describe());
+      case "objects": return text(scene.objects());
+      case "cameras": return text(scene.cameras());
+      case "history": return text(scene.history());
+      case "curves": return text(scene.curves(command[1]));
+      case "trails": return this.arrays(label);
+      case "matrices": return numbers(scene.worldMatrices(command[1], command.slice(2) as number[]));
+      case "values": return numbers(scene.channelValues(command[1], command[2], command.slice(3) as number[]));
+      case "keys":
+        return numbers(command[2] === undefined ? scene.keyTimes(command[1])
+          : Float64Array.from(scene.keys(command[1], command[2]).flatMap(numbersOf)));
+      case "undo": return scene.undo();
+      case "redo": return scene.redo();
+      case "follow": return scene.follow();
+      case "pump":
+        while (scene.pump(0.001).pending) continue;
+        return;
+      case "time": return numbers(this.seconds(command[1], command[2]));
+      default: return this.edit(command);
+    }
+  }
+
+  /** The trails of all objects made anew, so often: the seconds that each time takes. */
+  private seconds(samplesPerFrame: number, turns: number): Float64Array {
+    return Float64Array.from({ length: turns }, () => {
+      const begin = performance.now();
+      const made = this.scene.trails({ all: true, samplesPerFrame, colorMode: 1 });
+      const end = performance.now();
+      made.letGo();
+      return (end - begin) / 1000;
+    });
+  }
+
+  private edit(command: Command) {
+    const [what, object, attribute, ...given] = command as ["set" | "move" | "put" | "remove", string, string, ...number[]];
+    if (what === "set") this.scene.setKey(object, attribute, given[0], given[1]);
+    else if (what === "move") this.scene.moveKey(object, attribute, given[0], given[1]);
+    else if (what === "remove") this.scene.removeKey(object, attribute, given[0]);
+    else {
+      const [frame, value, sortIn, sortOut, inX, inY, outX, outY] = given;
+      this.scene.putKey(object, attribute, { frame, value, in: sortIn as Tangent, out: sortOut as Tangent, inX, inY, outX, outY });
+    }
+  }
+
+  private arrays(label: string) {
+    for (let k = 0; k < (this.trails?.length ?? 0); ++k) {
+      const { revision, ...arrays } = this.trails!.arrays(k);
+      if (revision < 0) throw new Error("a revision is a count");
+      for (const [name, values] of Object.entries(arrays)) this.results.set(`${label} trail ${k} ${name}`, bytesOf(values));
+    }
+  }
+}
+
+/** Runs something that may fail, which is a result like any other. */
+export function keep(results: Results, label: string, run: () => void): boolean {
+  try {
+    run();
+    return true;
+  } catch (error) {
+    if (!(error instanceof EngineError)) throw error;
+    results.set(`${label} fails`, encoder.encode(`${error.kind}\n${error.message}\n${error.line}`));
+    return false;
+  }
+}
+
+/** What comes of a scene here; with the commands that it was given. */
+export function examine(engine: Engine, files: SceneFile[], take: string, make = script): { results: Results; commands: Command[] } {
+  const results: Results = new Map();
+  let scene: Scene | undefined, trails: Trails | undefined;
+  if (!keep(results, "open", () => { scene = engine.open(files, { take }); })) return { results, commands: [] };
+  try {
+    scene!.keepHistory();
+    if (!keep(results, "make", () => { trails = scene!.trails({ all: true, samplesPerFrame: 2, colorMode: 1 }); }))
+      return { results, commands: [] };
+    const commands = make(scene!);
+    const exam = new Exam(scene!, trails);
+    exam.run(commands);
+    return { results: new Map([...results, ...exam.results]), commands };
+  } finally {
+    scene!.close();
+  }
+}
