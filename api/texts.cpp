@@ -6,8 +6,7 @@
 
 #include "base/json_writer.h"
 #include "base/text_sink.h"
-#include "session/measures/kinematics.h"
-#include "session/measuring.h"
+#include "session/report_json.h"
 #include "standalone/formats/reader.h"
 #include "standalone/scene/attributes/channel_names.h"
 
@@ -145,27 +144,11 @@ std::string history_of(OpenScene& open) {
 }
 
 std::string trail_text(const session::TrailView& trail, const session::TrailReport& report) {
-  const session::Travel measure = session::travel_of(session::path_of(trail, report.fps));
   return object_text([&](JsonWriter& json) {
-    json.field("viz", trail.viz);
-    json.field("source", trail.source);
-    json.field("name", trail.name);
-    json.field("node", trail.node);
-    json.field("parent", trail.parent);
-    json.field("samples_per_frame", trail.samples_per_frame);
-    json.field("color_mode", trail.color_mode);
-    json.field("start_frame", trail.start_frame);
-    json.field("frame_step", trail.frame_step);
+    write_trail_fields(json, trail);
     json.field("warnings", trail.warnings);
-    json.field("length", measure.length);
-    json.field("mean_speed", measure.mean_speed);
-    json.field("top_speed", measure.top_speed);
-    json.field("mean_speed_per_frame", measure.mean_speed / report.fps);
-    json.field("top_speed_per_frame", measure.top_speed / report.fps);
-    json.key("units");
-    json.object({}, [&] {
-      for (const auto& [name, unit] : session::measure_units(report)) json.field(name, unit);
-    });
+    write_speeds(json, trail, report.fps);
+    write_units(json, report);
   });
 }
 

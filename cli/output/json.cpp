@@ -2,8 +2,7 @@
 
 #include "base/json_writer.h"
 #include "cli/output/writers.h"
-#include "session/measures/kinematics.h"
-#include "session/measuring.h"
+#include "session/report_json.h"
 
 namespace vantorelix::cli {
 
@@ -16,26 +15,8 @@ void write_comparison(JsonWriter& json, const session::Comparison& compare) {
   json.field("frame", compare.frame);
 }
 
-// As docs/cli.md names them. A frame is 1 / fps seconds.
-void write_speeds(JsonWriter& json, const session::TrailView& trail, double fps) {
-  const session::Travel measure = session::travel_of(session::path_of(trail, fps));
-  json.field("length", measure.length);
-  json.field("mean_speed", measure.mean_speed);
-  json.field("top_speed", measure.top_speed);
-  json.field("mean_speed_per_frame", measure.mean_speed / fps);
-  json.field("top_speed_per_frame", measure.top_speed / fps);
-}
-
 void write_trail(JsonWriter& json, const session::TrailView& trail, const session::TrailReport& report) {
-  json.field("viz", trail.viz);
-  json.field("source", trail.source);
-  json.field("name", trail.name);
-  json.field("node", trail.node);
-  json.field("parent", trail.parent);
-  json.field("samples_per_frame", trail.samples_per_frame);
-  json.field("color_mode", trail.color_mode);
-  json.field("start_frame", trail.start_frame);
-  json.field("frame_step", trail.frame_step);
+  write_trail_fields(json, trail);
   json.field("points", *trail.points);
   json.field("colors", *trail.colors);
   json.field("key_times", trail.key_times);
@@ -61,10 +42,7 @@ void write_scene_fields(JsonWriter& json, const session::TrailReport& report) {
   json.field("range", std::array{report.first, report.last});
   json.field("unit", report.unit);
   json.field("up_axis", std::string(1, report.up_axis));
-  json.key("units");
-  json.object({}, [&] {
-    for (const auto& [name, unit] : session::measure_units(report)) json.field(name, unit);
-  });
+  write_units(json, report);
   if (!report.compared) return;
   json.key("compare");
   json.object({}, [&] {
