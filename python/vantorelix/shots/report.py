@@ -11,7 +11,7 @@ import vantorelix
 
 from . import cluster, measures, pages, summary
 from .shot import Settings, Shot
-from .store import Store
+from .store import Store, write_plain
 from .summary import Line, Summary
 from .tables import free_columns
 
@@ -31,7 +31,7 @@ def write(shots: Sequence[Shot], settings: Settings, store: Store, order: str = 
     worst = sorted((line for line in found.lines if order in line.worst), key=lambda line: -abs(line.worst[order].value))
     made = pages.make(worst[:most], settings, store, cluster.cores())
     text = page(data(found, settings, made, order))
-    store.replace(os.path.join(store.folder, "report.html"), lambda path: _write(path, text))
+    store.replace(os.path.join(store.folder, "report.html"), lambda path: write_plain(path, text))
     return found
 
 
@@ -107,8 +107,3 @@ def sparkline(values: Sequence[Optional[float]]) -> str:
 
 def _short(value: Optional[float]) -> Optional[float]:
     return None if value is None else float("%.6g" % value)
-
-
-def _write(path: str, text: str) -> None:
-    with open(path, "w", encoding="utf-8") as file:
-        file.write(text)

@@ -11,7 +11,7 @@ import os
 import re
 import time
 import uuid
-from typing import Any, Dict, Iterator, List, Optional, Sequence
+from typing import Any, Callable, Dict, Iterator, List, Optional, Sequence
 
 import pyarrow
 import pyarrow.parquet
@@ -65,17 +65,9 @@ class Store:
         """One file of a shot. Raises WriteError."""
         self.replace(self.path(kind, shot), lambda temporary: write_table(table, temporary))
 
-    def replace(self, path: str, make: Any) -> None:
+    def replace(self, path: str, make: Callable[[str], None]) -> None:
         """Puts what `make(temporary path)` writes in a file's place, whole. Raises WriteError."""
-        temporary = os.path.join(self._work, uuid.uuid4().hex)
-        try:
-            make(temporary)
-            os.replace(temporary, path)
-        except OSError as error:
-            raise _write_error(path, error) from None
-        finally:
-            if os.path.exists(temporary):
-                os.unlink(temporary)
+        _replace(path, os.path.join(self._work, uuid.uuid4().hex), make)
 
     def write_record(self, shot: Shot, record: Record) -> None:
         """The shot's line in the table of shots, with its free columns."""
@@ -139,10 +131,17 @@ def write_table(table: pyarrow.Table, path: str) -> None:
 
 def write_text(path: str, text: str) -> None:
     """Writes a file that lies outside of a folder of results, whole. Raises WriteError."""
-    temporary = "%s.%s.part" % (path, uuid.uuid4().hex)
+    _replace(path, "%s.%s.part" % (path, uuid.uuid4().hex), lambda temporary: write_plain(temporary, text))
+
+
+def write_plain(path: str, text: str) -> None:
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+
+
+def _replace(path: str, temporary: str, make: Callable[[str], None]) -> None:
     try:
-        with open(temporary, "w", encoding="utf-8") as file:
-            file.write(text)
+        make(temporary)
         os.replace(temporary, path)
     except OSError as error:
         raise _write_error(path, error) from None
