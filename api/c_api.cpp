@@ -164,6 +164,30 @@ int vlx_trail_arrays(VlxTrail* trail, VlxTrailArrays* arrays) {
 
 void vlx_trail_free(VlxTrail* trail) { delete trail; }
 
+int vlx_tables(VlxTrailSet* set, VlxTables** tables) {
+  return guarded([&] {
+    const session::TrailReport& report = own(set)->report();
+    session::Columns columns = session::columns_of(report);
+    std::string text = api::tables_text(report, columns);
+    *tables = new VlxTables{std::move(columns), std::move(text)};
+  });
+}
+
+int vlx_tables_text(VlxTables* tables, const char** json) {
+  *json = tables->text.c_str();
+  return 0;
+}
+
+int vlx_tables_columns(VlxTables* tables, VlxColumns* columns) {
+  const auto array_of = [](const std::vector<double>& column) { return VlxArray{column.data(), column.size()}; };
+  const session::Columns& c = tables->columns;
+  *columns = {array_of(c.x),     array_of(c.y),     array_of(c.z),     array_of(c.speed),   array_of(c.key_frame),
+              array_of(c.key_x), array_of(c.key_y), array_of(c.key_z), array_of(c.measures)};
+  return 0;
+}
+
+void vlx_tables_free(VlxTables* tables) { delete tables; }
+
 int vlx_world_matrices(VlxScene* scene, const char* object, const double* frames, std::size_t count, double* matrices) {
   return guarded([&] {
     const sa::NodeId node = scene->object(object);

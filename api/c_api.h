@@ -19,6 +19,7 @@
 struct VlxScene;
 struct VlxTrailSet;
 struct VlxTrail;
+struct VlxTables;
 
 struct VlxError {
   /* "format": a file that cannot be read. "no_file": one that is not there. "not_found": a name or pattern that stands
@@ -67,6 +68,14 @@ struct VlxTrailArrays {
   VlxArray key_times;
 };
 
+/* Columns of numbers, in which the trails follow each other; not a number where something is not known or not finite.
+ */
+struct VlxColumns {
+  VlxArray x, y, z, speed;                 /* of each sample; speed as session/tables/columns.h has it */
+  VlxArray key_frame, key_x, key_y, key_z; /* of each key */
+  VlxArray measures;                       /* of each trail: a column for each measure, one after the other */
+};
+
 struct VlxProgress {
   int pending;             /* whether trails are not exact yet */
   int worked;              /* whether anything was done; else the engine waits for the edits to end */
@@ -102,8 +111,16 @@ VLX_API int vlx_trail_text(VlxTrail* trail, const char** json);
 /* JSON, worked out now. */
 VLX_API int vlx_trail_measures(VlxTrail* trail, const char** json);
 VLX_API int vlx_trail_arrays(VlxTrail* trail, VlxTrailArrays* arrays);
-/* The one function that any thread may call at any time. */
+/* This and vlx_tables_free are the functions that any thread may call at any time. */
 VLX_API void vlx_trail_free(VlxTrail* trail);
+
+/* The trails of a set as they are now, with all measures that are one number: what tables are made of. */
+VLX_API int vlx_tables(VlxTrailSet* set, VlxTables** tables);
+/* JSON: the trails, and the names and units of the measures; see api/texts.h. */
+VLX_API int vlx_tables_text(VlxTables* tables, const char** json);
+VLX_API int vlx_tables_columns(VlxTables* tables, VlxColumns* columns);
+/* As vlx_trail_free. */
+VLX_API void vlx_tables_free(VlxTables* tables);
 
 /* 16 doubles a frame, row by row, row vectors; `count` frames. */
 VLX_API int vlx_world_matrices(VlxScene* scene, const char* object, const double* frames, std::size_t count,

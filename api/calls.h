@@ -9,6 +9,7 @@
 #include "api/open_scene.h"
 #include "session/measures/measures.h"
 #include "session/report.h"
+#include "session/tables/columns.h"
 
 struct VlxScene : vantorelix::api::OpenScene {
   using OpenScene::OpenScene;
@@ -19,6 +20,11 @@ struct VlxTrail {
   std::string text;
   double fps;
   vantorelix::session::Ground ground;
+};
+
+struct VlxTables {
+  vantorelix::session::Columns columns;
+  std::string text;
 };
 
 namespace vantorelix::api {

@@ -6,7 +6,7 @@
 
 #include "base/json_writer.h"
 #include "base/text_sink.h"
-#include "session/report_json.h"
+#include "session/tables/report_json.h"
 #include "standalone/formats/reader.h"
 #include "standalone/scene/attributes/channel_names.h"
 
@@ -148,6 +148,22 @@ std::string trail_text(const session::TrailView& trail, const session::TrailRepo
     write_trail_fields(json, trail);
     json.field("warnings", trail.warnings);
     write_speeds(json, trail, report.fps);
+    write_units(json, report);
+  });
+}
+
+std::string tables_text(const session::TrailReport& report, const session::Columns& columns) {
+  return object_text([&](JsonWriter& json) {
+    json.key("trails");
+    json.list({}, [&] {
+      for (std::size_t i = 0; i < report.trails.size(); ++i)
+        json.object({}, [&] {
+          write_trail_fields(json, report.trails[i]);
+          json.field("warnings", report.trails[i].warnings);
+          json.field("samples", columns.sample_counts[i]);
+          json.field("keys", columns.key_counts[i]);
+        });
+    });
     write_units(json, report);
   });
 }

@@ -5,6 +5,7 @@
 
 #include "api/open_scene.h"
 #include "session/report.h"
+#include "session/tables/columns.h"
 
 namespace vantorelix::api {
 
@@ -27,6 +28,10 @@ std::string history_of(OpenScene& scene);
 
 // The fields of a trail in the JSON of the program but for its arrays and measures, and the `units` of its scene.
 std::string trail_text(const session::TrailView& trail, const session::TrailReport& report);
+
+// {"trails": the fields of each as the program's JSON has them, without arrays and measures, and how many "samples" and
+// "keys" it has; "units": {measure: unit}, in the order of the columns of measures}
+std::string tables_text(const session::TrailReport& report, const session::Columns& columns);
 
 // The field `measures` of a trail in the JSON of the program.
 std::string measures_text(const session::Measures& measures);

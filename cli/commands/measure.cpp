@@ -6,7 +6,7 @@
 #include "cli/commands/trail_making.h"
 #include "cli/output/measure_writers.h"
 #include "cli/terminal/failure.h"
-#include "session/measuring.h"
+#include "session/tables/measuring.h"
 
 namespace vantorelix::cli {
 

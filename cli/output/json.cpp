@@ -2,7 +2,7 @@
 
 #include "base/json_writer.h"
 #include "cli/output/writers.h"
-#include "session/report_json.h"
+#include "session/tables/report_json.h"
 
 namespace vantorelix::cli {
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "base/text_sink.h"
-#include "session/measuring.h"
 #include "session/report.h"
+#include "session/tables/measuring.h"
 
 namespace vantorelix::cli {
 

@@ -21,6 +21,7 @@ from ._scene import COLOR_MODES, Scene, SceneObject, Take
 from ._scene import open_scene as _open_scene
 from ._scene import reading_of as _reading_of
 from ._samples import sampled_scene as _sampled_scene
+from ._tables import Tables
 from ._trail import Trail
 
 __all__ = [
@@ -32,6 +33,7 @@ __all__ = [
     "NotFoundError",
     "Scene",
     "SceneObject",
+    "Tables",
     "Take",
     "Trail",
     "open",

@@ -62,6 +62,10 @@ class TrailArrays(ctypes.Structure):
     _fields_ = [(name, Array) for name in ("points", "colors", "key_points", "key_colors", "key_times")]
 
 
+class Columns(ctypes.Structure):
+    _fields_ = [(name, Array) for name in ("x", "y", "z", "speed", "key_frame", "key_x", "key_y", "key_z", "measures")]
+
+
 _ASKED = ctypes.CFUNCTYPE(ctypes.c_int)
 _handle, _text, _double, _size = ctypes.c_void_p, ctypes.c_char_p, ctypes.c_double, ctypes.c_size_t
 _FUNCTIONS = {
@@ -80,6 +84,10 @@ _FUNCTIONS = {
     "vlx_trail_measures": (ctypes.c_int, [_handle, ctypes.POINTER(_text)]),
     "vlx_trail_arrays": (ctypes.c_int, [_handle, ctypes.POINTER(TrailArrays)]),
     "vlx_trail_free": (None, [_handle]),
+    "vlx_tables": (ctypes.c_int, [_handle, ctypes.POINTER(_handle)]),
+    "vlx_tables_text": (ctypes.c_int, [_handle, ctypes.POINTER(_text)]),
+    "vlx_tables_columns": (ctypes.c_int, [_handle, ctypes.POINTER(Columns)]),
+    "vlx_tables_free": (None, [_handle]),
     "vlx_world_matrices": (ctypes.c_int, [_handle, _text, ctypes.c_void_p, _size, ctypes.c_void_p]),
     "vlx_key_times": (ctypes.c_int, [_handle, _text, ctypes.POINTER(Array)]),
     "vlx_set_key": (ctypes.c_int, [_handle, _text, _text, _double, _double]),
@@ -108,6 +116,18 @@ library = _load()
 _lock = threading.Lock()
 _holder: Any = None  # the thread that is at work
 _left: Deque[Tuple[Callable[..., Any], Tuple[Any, ...]]] = collections.deque()
+
+
+class Memory:
+    """Owns something in the library, for as long as a view of it lives. free: the library's function that any thread may
+    call at any time."""
+
+    def __init__(self, handle: ctypes.c_void_p, free: Callable[[ctypes.c_void_p], None]) -> None:
+        self.handle = handle
+        self._free = free
+
+    def __del__(self) -> None:
+        self._free(self.handle)
 
 
 def at_work(work: Callable[[], _Result]) -> _Result:

@@ -8,27 +8,17 @@ import weakref
 from typing import Any, Dict, List, Optional, Sequence, Union
 
 from ._arrays import view
-from ._library import TrailArrays, at_work, check, later, library
+from ._library import Memory, TrailArrays, at_work, check, later, library
 
 
 # A number, None where it is not known, or a list of such by their names.
 Measures = Dict[str, Union[None, float, List[Dict[str, float]]]]
 
 
-class _Memory:
-    """Owns a trail in the library, for as long as a view of it lives."""
-
-    def __init__(self, handle: ctypes.c_void_p) -> None:
-        self.handle = handle
-
-    def __del__(self, free: Any = library.vlx_trail_free) -> None:
-        free(self.handle)
-
-
 class _Data:
     """What a trail holds at one time: `fields` by the names of the JSON, and the arrays."""
 
-    def __init__(self, fields: Dict[str, Any], arrays: TrailArrays, memory: _Memory) -> None:
+    def __init__(self, fields: Dict[str, Any], arrays: TrailArrays, memory: Memory) -> None:
         self.fields = fields
         self._memory = memory
 
@@ -54,7 +44,7 @@ class _Data:
 def _taken(trails: Any, index: int) -> _Data:
     handle = ctypes.c_void_p()
     check(library.vlx_trail(trails, index, ctypes.byref(handle)))
-    memory = _Memory(handle)
+    memory = Memory(handle, library.vlx_trail_free)
     json_text, arrays = ctypes.c_char_p(), TrailArrays()
     check(library.vlx_trail_text(handle, ctypes.byref(json_text)))
     check(library.vlx_trail_arrays(handle, ctypes.byref(arrays)))

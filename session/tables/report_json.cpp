@@ -1,7 +1,7 @@
-#include "session/report_json.h"
+#include "session/tables/report_json.h"
 
 #include "session/measures/kinematics.h"
-#include "session/measuring.h"
+#include "session/tables/measuring.h"
 
 namespace vantorelix::session {
 

@@ -25,5 +25,7 @@ std::vector<std::size_t> ranked_by_change(const std::vector<Measured>& trails);
 
 // Every name that a measure bears in files, with its unit.
 std::vector<std::pair<std::string, std::string>> measure_units(const TrailReport& report);
+// The values of these, in the same order.
+std::vector<double> measure_values(const Measures& measures, double fps);
 
 }  // namespace vantorelix::session

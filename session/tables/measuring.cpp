@@ -1,4 +1,4 @@
-#include "session/measuring.h"
+#include "session/tables/measuring.h"
 
 #include <algorithm>
 
@@ -45,6 +45,14 @@ std::vector<std::pair<std::string, std::string>> measure_units(const TrailReport
   for (const char* name : {"mean_speed_per_frame", "top_speed_per_frame"})
     units.emplace_back(name, unit + " per frame");
   return units;
+}
+
+std::vector<double> measure_values(const Measures& measures, double fps) {
+  std::vector<double> values;
+  values.reserve(measure_fields().size() + 2);
+  for (const MeasureField& field : measure_fields()) values.push_back(measures.*field.value);
+  for (const double speed : {measures.mean_speed, measures.top_speed}) values.push_back(speed / fps);
+  return values;
 }
 
 }  // namespace vantorelix::session
