@@ -9,10 +9,12 @@ from typing import Optional, Sequence
 def main(arguments: Optional[Sequence[str]] = None) -> int:
     """Runs the command; returns its exit code."""
     try:
-        from .shots.command import main as run
+        from . import shots  # noqa: F401
     except ImportError as error:
         print(error, file=sys.stderr)
         return 1
+    from .shots.command import main as run
+
     return run(sys.argv[1:] if arguments is None else arguments)
 
 

@@ -30,7 +30,8 @@ class Report(ShotsTest):
 
     def write(self, **options):
         """What the page holds, as its script reads it."""
-        report.write(self.shots, Settings(), Store(self.out), **options)
+        store = Store(self.out)
+        report.write(self.shots, Settings(), store, list(store.records()), **options)
         with open(os.path.join(self.out, "report.html"), encoding="utf-8") as file:
             self.html = file.read()
         return json.loads(re.search(r'id="data">(.*?)</script>', self.html, re.DOTALL).group(1))
@@ -158,7 +159,7 @@ class Report(ShotsTest):
 
     def test_an_unknown_order_is_refused_with_those_there_are(self):
         with self.assertRaisesRegex(ValueError, "no measure 'beauty'; there are length, "):
-            report.write(self.shots, Settings(), Store(self.out), order="beauty")
+            self.write(order="beauty")
 
     def test_a_sparkline_has_the_height_of_each_part(self):
         self.assertEqual(report.sparkline([0.0, 61.0, None, 30.5]), "0z.U")

@@ -6,6 +6,7 @@ import os
 import shutil
 import subprocess
 import unittest
+from unittest import mock
 
 import pyarrow.parquet
 import vantorelix
@@ -60,6 +61,19 @@ class Results(ShotsTest):
         self.assertEqual((record["first_frame"], record["last_frame"], record["up_axis"]), (10.0, 20.0, "y"))
         tops = [row["top_speed"] for row in self.rows("measures")]
         self.assertAlmostEqual(max(speed for speed in record["speeds"] if speed is not None), max(tops), delta=1e-6)
+
+    def test_a_record_has_the_worst_value_of_each_measure_and_the_first_object_that_has_it(self):
+        self.do([Shot("walk", WALK)])
+        (record,) = self.rows("shots")
+        measures = self.rows("measures")
+        self.assertIn("top_speed", [worst["measure"] for worst in record["worst"]])
+        self.assertNotIn("top_speed_frame", [worst["measure"] for worst in record["worst"]])
+        for worst in record["worst"]:
+            found = [(abs(row[worst["measure"]]), row) for row in measures if row[worst["measure"]] is not None]
+            farthest = next(row for value, row in found if value == max(value for value, _ in found))
+            self.assertEqual((worst["value"], worst["source"]), (farthest[worst["measure"]], farthest["source"]))
+        units = {worst["measure"]: worst["unit"] for worst in record["worst"]}
+        self.assertEqual((units["top_speed"], units["sparc"]), ("unit per second", "1"))
 
     def test_every_column_is_described_and_compressed(self):
         self.do([Shot("walk", WALK)])
@@ -122,6 +136,21 @@ class Results(ShotsTest):
         with open(path) as file:
             self.assertEqual(file.read(), "before")
         self.assertEqual(os.listdir(os.path.join(self.out, "work")), [])
+
+    def test_the_end_of_a_run_takes_away_what_was_half_written_in_it_and_nothing_of_others(self):
+        ours, theirs = Store(self.out, "ours"), Store(self.out, "theirs")
+        ours.prepare()
+
+        def killed(temporary):
+            write(temporary, "ha")
+            raise SystemExit
+
+        for store in (ours, theirs):
+            with mock.patch("os.unlink"), self.assertRaises(SystemExit):
+                store.replace(os.path.join(self.out, "samples", "x.parquet"), killed)
+        ours.end_run()
+        (left,) = os.listdir(os.path.join(self.out, "work"))
+        self.assertTrue(left.startswith("theirs-"))
 
     def test_names_that_read_alike_have_files_of_their_own(self):
         names = ["a/b", "a_b", "a b", "A/b", "x" * 300, "x" * 301, "\u00e9", "..", ""]

@@ -17,8 +17,16 @@ Work = Callable[[Shot, Settings], Measured]
 class Outcome(NamedTuple):
     """How a shot ended. Its results are files."""
 
-    shot: str
-    error: Optional[str]  # None for one that is done
+    record: Record  # as it was written
+
+    @property
+    def shot(self) -> str:
+        return self.record["shot"]
+
+    @property
+    def error(self) -> Optional[str]:
+        """None for one that is done."""
+        return self.record.get("error")
 
 
 class Task(NamedTuple):
@@ -28,17 +36,18 @@ class Task(NamedTuple):
     settings: Settings
     folder: str  # of the results
     work: Work = measured
+    run: str = ""  # as the store has it
     again: bool = False  # shots that have failed are done again, changed or not
 
 
 def do(task: Task, tell: Callable[[Outcome], Any] = lambda outcome: None) -> List[Outcome]:
     """Does the shots of a task that are not done yet; one that fails stops no other. Raises WriteError."""
-    store = Store(task.folder)
+    store = Store(task.folder, task.run)
     outcomes = []
     for shot in task.shots:
         record = store.record(shot.name)
         if record and up_to_date(record, shot, task.settings) and not (task.again and record["state"] == "failed"):
-            outcomes.append(Outcome(shot.name, record["error"]))
+            outcomes.append(Outcome(record))
         else:
             outcomes.append(_do(shot, task, store))
         tell(outcomes[-1])
@@ -54,19 +63,18 @@ def _do(shot: Shot, task: Task, store: Store) -> Outcome:
         return fail(shot, facts, _text(error), store)
     for kind, table in result.tables.items():
         store.write(kind, shot.name, table)
-    store.write_record(shot, dict(facts, state="done", seconds=time.perf_counter() - start, **result.facts))
-    return Outcome(shot.name, None)
+    return Outcome(store.write_record(shot, dict(facts, state="done", seconds=time.perf_counter() - start, **result.facts)))
 
 
 def blame(shot: Shot, task: Task, error: str) -> Outcome:
     """Records that a shot failed in a way that it could not report itself."""
-    return fail(shot, _facts(shot, task.settings), error, Store(task.folder))
+    return fail(shot, _facts(shot, task.settings), error, Store(task.folder, task.run))
 
 
 def fail(shot: Shot, facts: Record, error: str, store: Store) -> Outcome:
-    store.write_record(shot, dict(facts, state="failed", error=error))
+    record = store.write_record(shot, dict(facts, state="failed", error=error))
     store.remove_results(shot.name)
-    return Outcome(shot.name, error)
+    return Outcome(record)
 
 
 def _facts(shot: Shot, settings: Settings) -> Dict[str, Any]:

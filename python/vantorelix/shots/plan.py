@@ -12,8 +12,8 @@ from .store import Record, Store
 GROUP_SECONDS = 1.5
 """How much work a task holds at least, as far as that can be told before."""
 
-_SHOT_SECONDS = 0.005
-_BYTES_A_SECOND = 8e6  # of scene files, from reading to results
+_SHOT_SECONDS = 0.007
+_BYTES_A_SECOND = 14e6  # of scene files, from reading to results
 
 Group = List[Shot]
 

@@ -2,7 +2,8 @@
 
 from __future__ import annotations
 
-from typing import Dict, Iterable, List, NamedTuple, Sequence
+import functools
+from typing import Dict, List, NamedTuple, Sequence, Tuple
 
 import pyarrow
 
@@ -13,6 +14,7 @@ SPEED_PARTS = 32
 """How many parts of a shot `speeds` tells the top speed of."""
 
 TEXT, NUMBER, COUNT = pyarrow.string(), pyarrow.float64(), pyarrow.int64()
+_WORST = pyarrow.struct([("measure", TEXT), ("value", NUMBER), ("unit", TEXT), ("source", TEXT)])
 
 
 class Column(NamedTuple):
@@ -57,6 +59,7 @@ COLUMNS: Dict[str, List[Column]] = {
         Column("seconds", NUMBER, "how long the work took", "second"),
         Column("speeds", pyarrow.list_(NUMBER), "the top speed of any object in each of %d equal parts" % SPEED_PARTS,
                "unit per second"),
+        Column("worst", pyarrow.list_(_WORST), "of each measure the value farthest from zero, and the object that has it"),
         Column("input", TEXT, "a hash of the scene's files"),
         Column("stamp", TEXT, "their sizes and times when they were read"),
         Column("options", TEXT, "a hash of everything else that the results depend on"),
@@ -69,18 +72,20 @@ def field(column: Column) -> pyarrow.Field:
     return pyarrow.field(column.name, column.type, metadata={key: value for key, value in metadata.items() if value})
 
 
-def schema(kind: str, more: Iterable[Column] = ()) -> pyarrow.Schema:
+@functools.lru_cache(maxsize=64)  # every shot has the same few
+def schema(kind: str, more: Tuple[Column, ...] = ()) -> pyarrow.Schema:
     """The columns of one kind of table, then those that differ from list to list or from engine to engine."""
     about = {"vantorelix": "%s of shots; 'unit' is the unit of length that the table of shots names for each" % kind}
-    return pyarrow.schema([field(column) for column in COLUMNS[kind] + list(more)], metadata=about)
+    return pyarrow.schema([field(column) for column in [*COLUMNS[kind], *more]], metadata=about)
 
 
-def measure_columns(names: Iterable[str], units: Dict[str, str]) -> List[Column]:
-    return [Column(name, NUMBER, "a measure of the trail", units.get(name, "")) for name in names]
+def measure_columns(units: Dict[str, str]) -> Tuple[Column, ...]:
+    """units: of each measure, by its name."""
+    return tuple(Column(name, NUMBER, "a measure of the trail", unit) for name, unit in units.items())
 
 
-def free_columns(names: Sequence[str]) -> List[Column]:
-    return [Column(name, TEXT, "a column of the list of shots") for name in names]
+def free_columns(names: Sequence[str]) -> Tuple[Column, ...]:
+    return tuple(Column(name, TEXT, "a column of the list of shots") for name in names)
 
 
 def taken() -> List[str]:

@@ -12,7 +12,7 @@ import vantorelix
 
 Ends = Tuple[Optional[float], Optional[float]]
 
-LAYOUT = 1
+LAYOUT = 2
 """The number of the files' layout: other numbers are made anew."""
 
 

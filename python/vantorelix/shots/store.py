@@ -17,12 +17,11 @@ import pyarrow
 import pyarrow.parquet
 
 from . import schemas
-from .schemas import KINDS, MEASURES, SHOTS
+from .schemas import KINDS, SHOTS
 from .shot import Shot
 
 _OLD = 24 * 3600.0  # seconds, after which what a run left under work is of no use to anybody
 _RESULT_KINDS = KINDS[:-1]
-_ABOUT_TRAILS = frozenset(column.name for column in schemas.COLUMNS[MEASURES]) - {"shot", "source"}
 
 Record = Dict[str, Any]
 
@@ -38,10 +37,14 @@ def file_name(shot: str) -> str:
 
 
 class Store:
-    """A folder of results. Several processes may write to it at the same time."""
+    """A folder of results. Several processes may write to it at the same time.
 
-    def __init__(self, folder: str) -> None:
+    run: what all of them have in common that belong to one run, or "".
+    """
+
+    def __init__(self, folder: str, run: str = "") -> None:
         self.folder = os.path.abspath(folder)
+        self.run = run
         self._work = os.path.join(self.folder, "work")
 
     def prepare(self) -> None:
@@ -58,6 +61,12 @@ class Store:
         except OSError as error:
             raise _write_error(self.folder, error) from None
 
+    def end_run(self) -> None:
+        """Takes away what processes of this run were at when they were killed. None of them may still be at work."""
+        for name in os.listdir(self._work):
+            if self.run and name.startswith(self.run + "-"):
+                _remove(os.path.join(self._work, name))
+
     def path(self, kind: str, shot: str) -> str:
         return os.path.join(self.folder, kind, file_name(shot))
 
@@ -67,13 +76,14 @@ class Store:
 
     def replace(self, path: str, make: Callable[[str], None]) -> None:
         """Puts what `make(temporary path)` writes in a file's place, whole. Raises WriteError."""
-        _replace(path, os.path.join(self._work, uuid.uuid4().hex), make)
+        _replace(path, os.path.join(self._work, "%s-%s" % (self.run, uuid.uuid4().hex)), make)
 
-    def write_record(self, shot: Shot, record: Record) -> None:
-        """The shot's line in the table of shots, with its free columns."""
+    def write_record(self, shot: Shot, record: Record) -> Record:
+        """The shot's line in the table of shots, with its free columns; returns it as it is written."""
         row = dict(record, shot=shot.name, path=shot.path, take=shot.take, **dict(shot.free))
         schema = schemas.schema(SHOTS, schemas.free_columns([name for name, _ in shot.free]))
         self.write(SHOTS, shot.name, pyarrow.Table.from_pylist([row], schema=schema))
+        return row
 
     def record(self, shot: str) -> Optional[Record]:
         """The shot's line in the table of shots, or None."""
@@ -85,15 +95,6 @@ class Store:
     def records(self) -> Iterator[Record]:
         """All lines of the table of shots."""
         return map(_record_in, self._files(SHOTS))
-
-    def measures(self) -> Iterator[pyarrow.Table]:
-        """The measures of each shot's trails, one table after the other, with the columns `shot` and `source` before them.
-
-        Whoever keeps thousands of such tables, or reads them as one dataset, keeps as many schemas: a gigabyte.
-        """
-        for path in self._files(MEASURES):
-            with pyarrow.parquet.ParquetFile(path) as file:
-                yield file.read([name for name in file.schema_arrow.names if name not in _ABOUT_TRAILS], use_threads=False)
 
     def _files(self, kind: str) -> List[str]:
         folder = os.path.join(self.folder, kind)
@@ -110,12 +111,16 @@ class Store:
 
     def _remove(self, shot: str, kinds: Sequence[str]) -> None:
         for kind in kinds:
-            try:
-                os.unlink(self.path(kind, shot))
-            except FileNotFoundError:
-                pass
-            except OSError as error:
-                raise _write_error(self.path(kind, shot), error) from None
+            _remove(self.path(kind, shot))
+
+
+def _remove(path: str) -> None:
+    try:
+        os.unlink(path)
+    except FileNotFoundError:
+        pass
+    except OSError as error:
+        raise _write_error(path, error) from None
 
 
 def _record_in(path: str) -> Record:

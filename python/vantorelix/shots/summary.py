@@ -4,12 +4,11 @@ from __future__ import annotations
 
 import dataclasses
 import os
-from typing import Any, Dict, List, NamedTuple, Optional, Sequence, Tuple
+from typing import Any, Dict, List, NamedTuple, Optional, Sequence
 
 import pyarrow
 import pyarrow.parquet
 
-from . import measures
 from .shot import Shot
 from .store import Record, Store, write_table
 
@@ -49,35 +48,23 @@ class Summary:
     compared: bool  # whether there was a run before
 
 
-def make(shots: Sequence[Shot], store: Store) -> Summary:
-    """Reads the results, and remembers them for the next run where they differ from what was there. Raises WriteError."""
-    records = {record["shot"]: record for record in store.records()}
-    worst, units = _worst_of_all(store)
-    lines = [Line(shot, records.get(shot.name), worst.get(shot.name, {})) for shot in shots]
+def make(shots: Sequence[Shot], records: Sequence[Record], store: Store) -> Summary:
+    """Each shot with its record, and what the run before had; remembers the figures for the next run where they differ from
+    what was there. Raises WriteError."""
+    found = {record["shot"]: record for record in records}
+    lines = [_line(shot, found.get(shot.name)) for shot in shots]
+    units: Dict[str, str] = {}
+    for record in found.values():
+        units.update((worst["measure"], worst["unit"]) for worst in record.get("worst") or () if worst["measure"] not in units)
     before = _remembered(_remembering(lines, list(units)), store)
     for line in lines:
         line.before = before.get(line.shot.name)
     return Summary(lines, units, sorted(set(before) - {shot.name for shot in shots}), bool(before))
 
 
-def _worst_of_all(store: Store) -> Tuple[Dict[str, Dict[str, Worst]], Dict[str, str]]:
-    """The worst values of each shot, and the units of all measures that are shown."""
-    worst: Dict[str, Dict[str, Worst]] = {}
-    units: Dict[str, str] = {}
-    for table in store.measures():
-        shots, sources = (table[name].to_pylist() for name in ("shot", "source"))
-        names = measures.shown(table.column_names[2:])
-        worst[shots[0]] = {name: found for name in names for found in _worst(table[name].to_pylist(), sources)}
-        for name in names:
-            if name not in units:
-                units[name] = (table.schema.field(name).metadata or {}).get(b"unit", b"").decode()
-    return worst, units
-
-
-def _worst(values: Sequence[Optional[float]], sources: Sequence[str]) -> List[Worst]:
-    """The value that is farthest from zero, the first of equals; none where there is no value."""
-    found = [Worst(value, source) for value, source in zip(values, sources) if value is not None]
-    return [max(found, key=lambda worst: abs(worst.value))] if found else []
+def _line(shot: Shot, record: Optional[Record]) -> Line:
+    worst = record.get("worst") or () if record else ()
+    return Line(shot, record, {one["measure"]: Worst(one["value"], one["source"]) for one in worst})
 
 
 def _remembering(lines: Sequence[Line], names: Sequence[str]) -> pyarrow.Table:

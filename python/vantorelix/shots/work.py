@@ -2,11 +2,13 @@
 
 from __future__ import annotations
 
-from typing import Any, Dict, List, NamedTuple, Sequence
+import itertools
+from typing import Any, Dict, List, NamedTuple
 
 import pyarrow
 import pyarrow.compute as compute
 import vantorelix
+from vantorelix import Tables
 
 from . import measures
 from .schemas import COUNT, KEYS, MEASURES, NUMBER, SAMPLES, SPEED_PARTS, TEXT, measure_columns, schema
@@ -21,9 +23,9 @@ class Measured(NamedTuple):
 
 
 def measured(shot: Shot, settings: Settings) -> Measured:
-    """Makes the trails of a shot. Raises what `vantorelix.open` and `Scene.trails` raise."""
+    """Makes the trails of a shot. Raises what `vantorelix.open` and `Scene.tables` raise."""
     with vantorelix.open(shot.path, take=shot.take, **settings.reading(shot.path)) as scene:
-        trails = scene.trails(
+        found = scene.tables(
             *(shot.select or settings.select),
             range=shot.range,
             exclude=settings.exclude,
@@ -31,92 +33,69 @@ def measured(shot: Shot, settings: Settings) -> Measured:
             all=settings.all,
             samples_per_frame=settings.samples_per_frame,
         )
-        samples = _samples(shot.name, trails, scene.fps)
+        first, count = found.trails[0], found.trails[0]["samples"]  # all trails of a scene are sampled alike
+        samples = _samples(shot.name, found)
         facts = {
             "warnings": "; ".join(scene.warnings),
-            "trails": len(trails),
+            "trails": len(found.trails),
             "fps": scene.fps,
-            "first_frame": trails[0].start_frame,
-            "last_frame": trails[0].start_frame + (len(trails[0]) - 1) * trails[0].frame_step,
+            "first_frame": first["start_frame"],
+            "last_frame": first["start_frame"] + (count - 1) * first["frame_step"],
             "unit": scene.unit,
             "up_axis": scene.up_axis,
-            "speeds": _speeds(samples, len(trails[0])),
+            "speeds": _speeds(samples["speed"].chunk(0), count),
+            "worst": measures.worst(found),
         }
-    return Measured({SAMPLES: samples, KEYS: _keys(shot.name, trails), MEASURES: _measures(shot.name, trails)}, facts)
+    return Measured({SAMPLES: samples, KEYS: _keys(shot.name, found), MEASURES: _measures(shot.name, found)}, facts)
 
 
-def _samples(shot: str, trails: Sequence[vantorelix.Trail], fps: float) -> pyarrow.Table:
-    counts = [len(trail) for trail in trails]
-    numbers = _joined([pyarrow.array(range(count), COUNT) for count in counts], COUNT)
-    places = _places([trail.points for trail in trails])
-    first, step = trails[0].start_frame, trails[0].frame_step
-    last = compute.equal(numbers, counts[0] - 1)
+def _samples(shot: str, found: Tables) -> pyarrow.Table:
+    first = found.trails[0]
+    numbers = pyarrow.concat_arrays([pyarrow.array(range(first["samples"]), COUNT)] * len(found.trails))
+    frames = compute.add(compute.multiply(numbers.cast(NUMBER), first["frame_step"]), first["start_frame"])
     return pyarrow.Table.from_arrays(
-        _names(shot, trails, counts)
-        + [numbers, compute.add(compute.multiply(numbers.cast(NUMBER), step), first)]
-        + [_finite(place) for place in places]
-        + [_speed(places, last, fps / step)],
+        _names(shot, found, "samples") + [numbers, frames] + [_numbers(column) for column in found.samples.values()],
         schema=schema(SAMPLES),
     )
 
 
-def _keys(shot: str, trails: Sequence[vantorelix.Trail]) -> pyarrow.Table:
-    counts = [len(trail.key_times) for trail in trails]
-    frames = _joined([_doubles(trail.key_times.tobytes()) for trail in trails], NUMBER)
-    places = [_finite(place) for place in _places([trail.key_points for trail in trails])]
-    return pyarrow.Table.from_arrays(_names(shot, trails, counts) + [frames] + places, schema=schema(KEYS))
+def _keys(shot: str, found: Tables) -> pyarrow.Table:
+    columns = [_numbers(column) for column in found.keys.values()]
+    return pyarrow.Table.from_arrays(_names(shot, found, "keys") + columns, schema=schema(KEYS))
 
 
-def _measures(shot: str, trails: Sequence[vantorelix.Trail]) -> pyarrow.Table:
-    found = measures.columns([measures.of(trail) for trail in trails])
-    columns: Dict[str, List[Any]] = {"shot": [shot] * len(trails), "warnings": ["; ".join(t.warnings) for t in trails]}
+def _measures(shot: str, found: Tables) -> pyarrow.Table:
+    columns: Dict[str, Any] = {"shot": [shot] * len(found.trails)}
     for name in ("source", "name", "node", "parent", "samples_per_frame", "start_frame", "frame_step"):
-        columns[name] = [getattr(trail, name) for trail in trails]
-    columns.update(found)
-    return pyarrow.Table.from_pydict(columns, schema=schema(MEASURES, measure_columns(found, measures.units(trails[0]))))
+        columns[name] = [trail[name] for trail in found.trails]
+    columns["warnings"] = ["; ".join(trail["warnings"]) for trail in found.trails]
+    columns.update((name, pyarrow.array(column, NUMBER, from_pandas=True)) for name, column in found.measures.items())
+    return pyarrow.Table.from_pydict(columns, schema=schema(MEASURES, measure_columns(measures.units(found))))
 
 
-def _names(shot: str, trails: Sequence[vantorelix.Trail], counts: Sequence[int]) -> List[pyarrow.Array]:
-    """The columns `shot` and `source`."""
-    sources = [pyarrow.repeat(pyarrow.scalar(trail.source, TEXT), count) for trail, count in zip(trails, counts)]
-    return [pyarrow.repeat(pyarrow.scalar(shot, TEXT), sum(counts)), _joined(sources, TEXT)]
+def _names(shot: str, found: Tables, rows: str) -> List[pyarrow.Array]:
+    """The columns `shot` and `source` of a table that has so many rows of each trail."""
+    trails = [trail for trail in found.trails if trail[rows]]
+    ends = list(itertools.accumulate(trail[rows] for trail in trails))
+    sources = pyarrow.RunEndEncodedArray.from_arrays(
+        pyarrow.array(ends, pyarrow.int64()), pyarrow.array([trail["source"] for trail in trails], TEXT))
+    return [pyarrow.repeat(pyarrow.scalar(shot, TEXT), len(sources)), compute.run_end_decode(sources)]
 
 
-def _places(views: Sequence[memoryview]) -> List[pyarrow.Array]:
-    """The columns of views of shape (n, 3), one after the other."""
-    flat = [view.cast("B").cast("d") for view in views if len(view)]  # a view without rows cannot be cast
-    return [_joined([_doubles(numbers[axis::3].tobytes()) for numbers in flat], NUMBER) for axis in range(3)]
+def _numbers(column: memoryview) -> pyarrow.Array:
+    """A column that has nothing where there is not a number, as in the CSV."""
+    numbers = pyarrow.Array.from_buffers(NUMBER, len(column), [None, pyarrow.py_buffer(column)])
+    known = compute.is_finite(numbers)
+    return numbers if compute.all(known).as_py() else compute.if_else(known, numbers, pyarrow.scalar(None, NUMBER))
 
 
-def _speed(places: Sequence[pyarrow.Array], last: pyarrow.Array, rate: float) -> pyarrow.Array:
-    """The way from each row to the next times the rate; null in the last row of each trail."""
-    square = None
-    for place in places:
-        way = compute.subtract(place.slice(1), place.slice(0, len(place) - 1))
-        part = compute.multiply(way, way)
-        square = part if square is None else compute.add(square, part)
-    speed = compute.multiply(compute.sqrt(square), rate)
-    speed = pyarrow.concat_arrays([speed, pyarrow.nulls(1, NUMBER)])
-    return _finite(compute.if_else(last, pyarrow.scalar(None, NUMBER), speed))
-
-
-def _speeds(samples: pyarrow.Table, count: int) -> List[Any]:
-    """The top speed of any object in each part of the shot."""
-    part = compute.divide(compute.multiply(samples["sample"], SPEED_PARTS), max(count - 1, 1))
-    table = pyarrow.table({"part": part, "speed": samples["speed"]})
-    tops = table.group_by("part").aggregate([("speed", "max")]).to_pydict()
-    top_of = dict(zip(tops["part"], tops["speed_max"]))
-    return [top_of.get(number) for number in range(SPEED_PARTS)]
-
-
-def _finite(numbers: pyarrow.Array) -> pyarrow.Array:
-    """As in the CSV, what is not finite is nothing."""
-    return compute.if_else(compute.is_finite(numbers), numbers, pyarrow.scalar(None, NUMBER))
-
-
-def _doubles(data: bytes) -> pyarrow.Array:
-    return pyarrow.Array.from_buffers(NUMBER, len(data) // 8, [None, pyarrow.py_buffer(data)])
-
-
-def _joined(arrays: Sequence[pyarrow.Array], kind: pyarrow.DataType) -> pyarrow.Array:
-    return pyarrow.concat_arrays(arrays) if arrays else pyarrow.array([], kind)
+def _speeds(speeds: pyarrow.Array, count: int) -> List[Any]:
+    """The top speed of any object in each part of the shot; `count` speeds are of each object."""
+    objects = [speeds.slice(begin, count) for begin in range(0, len(speeds), count)]
+    tops = compute.max_element_wise(*objects).to_pylist()
+    parts: List[Any] = [None] * SPEED_PARTS
+    for sample, speed in enumerate(tops):
+        part = sample * SPEED_PARTS // max(count - 1, 1)
+        if speed is not None and part < SPEED_PARTS and (parts[part] is None or speed > parts[part]):
+            parts[part] = speed
+    return parts
