@@ -14,6 +14,7 @@ import datetime
 import os
 import statistics
 import sys
+import time
 
 import clips
 import ways
@@ -28,6 +29,7 @@ import table  # noqa: E402
 
 JOINTS, FRAMES = 60, 250
 SAMPLE = 20  # clips that are measured one by one, and in Blender
+SAMPLE_ALONE = 5  # of these, that a Blender is started for
 
 
 class Table:
@@ -40,8 +42,8 @@ class Table:
             "" if met is None else "yes" if met else "**no**"))
 
 
-def take_turns(paths, sample, rounds, folder):
-    """The seconds of every way, a list each; those of single shots hold all rounds of all shots."""
+def take_turns(paths, sample, rounds, scratch):
+    """The seconds of every way, a list each; those of single shots hold all rounds of all shots. scratch: makes a folder."""
     found = {}
 
     def note(name, seconds):
@@ -49,16 +51,13 @@ def take_turns(paths, sample, rounds, folder):
 
     for number in range(rounds):
         print("round %d of %d" % (number + 1, rounds), file=sys.stderr, flush=True)
-        with ways.scratch(folder) as out:
-            for name, seconds in ways.show(os.path.dirname(paths[0]), out).items():
-                note(name, seconds)
+        for name, seconds in ways.show(os.path.dirname(paths[0]), scratch()).items():
+            note(name, seconds)
         for name, way in (("loops", ways.loops), ("jobs", ways.jobs)):
-            with ways.scratch(folder) as out:
-                note(name, way(paths, out))
+            note(name, way(paths, scratch()))
         note("work alone", ways.work_alone(paths))
-        with ways.scratch(folder) as out:
-            for name, seconds in ways.one_by_one(sample, out).items():
-                note("shot " + name, seconds)
+        for name, seconds in ways.one_by_one(sample, scratch()).items():
+            note("shot " + name, seconds)
     return found
 
 
@@ -105,26 +104,32 @@ def shot_rows(rows, median):
 
 
 def blender_seconds(options, sample, folder):
-    """(median seconds of a clip, who) of the fastest peer."""
-    with ways.scratch(folder) as out:
-        report = os.path.join(out, "report.json")
-        found = []
-        for threads, told in table.reports_of_peers(options.bpy, "blender_clips.py", [report] + sample, report):
-            clips_seconds = [opened + read for opened, read in told["clips"]]
-            found.append((statistics.median(clips_seconds), "%s, %d thread%s" % (told["version"], threads, "s" * (threads > 1))))
-    return min(found, default=None)
+    """(seconds of a clip, who) of the fastest peer, by how its clips are opened; medians."""
+    report = os.path.join(folder, "report.json")
+    inside, alone = {}, {}
+    for threads, told in table.reports_of_peers(options.bpy, "blender_clips.py", [report] + sample, report):
+        inside[_who(told, threads)] = [opened + read for opened, read in told["clips"]]
+    for clip in sample[:SAMPLE_ALONE]:
+        begin = time.perf_counter()
+        for threads, told in table.reports_of_peers(options.bpy, "blender_clips.py", [report, "--once", clip], report):
+            alone.setdefault(_who(told, threads), []).append(time.perf_counter() - begin)
+            begin = time.perf_counter()
+    return {way: min((statistics.median(seconds), who) for who, seconds in found.items()) for way, found in (
+        ("one after the other in a Blender that runs", inside), ("each in a Blender of its own", alone)) if found}
 
 
-def blender_rows(rows, median, count, peer):
-    title = "one shot in %s against import and `frame_set` over all frames in Blender"
-    if peer is None:
-        rows.add(title % "a warm process", "%.1f ms" % (median["shot files"] * 1e3), "not measured", target="at least 25 times less")
-        return
-    for what, seconds in (("a warm process", median["shot files"]),
-                          ("all of the command, both workers' time", median["whole"] * WORKERS / count)):
-        ratio = peer[0] / seconds
-        rows.add(title % what, "%.1f ms" % (seconds * 1e3), "%.1f ms (%s)" % (peer[0] * 1e3, peer[1]), ratio,
-                 "at least 25 times less", ratio >= 25.0)
+def _who(told, threads):
+    return "%s, %d thread%s" % (told["version"], threads, "s" * (threads > 1))
+
+
+def blender_rows(rows, median, count, peers):
+    for name, seconds in (("in a warm process", median["shot files"]),
+                          ("in the command, both workers' time", median["whole"] * WORKERS / count)):
+        for way, (theirs, who) in peers.items():
+            rows.add("one shot %s, against import and `frame_set` over all frames, %s" % (name, way), "%.1f ms" % (seconds * 1e3),
+                     "%.1f ms (%s)" % (theirs * 1e3, who), theirs / seconds, "at least 25 times less", theirs / seconds >= 25.0)
+    if not peers:
+        rows.add("one shot against Blender", "%.1f ms" % (median["shot files"] * 1e3), "not measured", target="at least 25 times less")
 
 
 def parser():
@@ -147,14 +152,15 @@ def main(arguments):
     paths = clips.make(options.folder, options.shots, JOINTS, FRAMES)
     sample = paths[::max(1, len(paths) // SAMPLE)][:SAMPLE]
     ways.work_alone(sample[:2])  # what happens once happens here
-    found = take_turns(paths, sample, options.rounds, options.folder)
-    peer = blender_seconds(options, sample, options.folder) if options.blender or options.bpy else None
+    with ways.results(options.folder) as scratch:
+        found = take_turns(paths, sample, options.rounds, scratch)
+        peers = blender_seconds(options, sample, scratch()) if options.blender or options.bpy else {}
     median = {name: statistics.median(seconds) for name, seconds in found.items()}
     rows = Table()
     throughput_rows(rows, median, len(paths))
     overhead_rows(rows, median, len(paths))
     shot_rows(rows, median)
-    blender_rows(rows, median, len(paths), peer)
+    blender_rows(rows, median, len(paths), peers)
     print("\n".join(rows.lines))
     if options.record:
         with open(options.record, "w", encoding="utf-8") as file:

@@ -28,10 +28,11 @@ def seconds_of(function, *arguments):
 
 
 @contextlib.contextmanager
-def scratch(beside):
-    """A folder for results that nobody keeps, on the disk of `beside`."""
+def results(beside):
+    """A folder of folders of results that nobody keeps, on the disk of `beside`. They go when everything is timed: a file
+    system that has just lost thousands of files is slow at making new ones."""
     with tempfile.TemporaryDirectory(dir=beside, prefix="results-") as folder:
-        yield folder
+        yield lambda: tempfile.mkdtemp(dir=folder)
 
 
 def program(*words):
