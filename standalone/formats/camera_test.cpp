@@ -146,8 +146,14 @@ TEST(FbxCamera, IsAnimatedByCurvesOfItsFocalLength) {
 TEST(FbxCamera, ClipsInTheUnitThatTheSceneIsConvertedTo) {
   ReadOptions options;
   options.linear_unit = "m";
-  const Scene scene = read(FbxText().node("eye").camera("eye", film_and({{"FocalLength", {50}}})), options);
+  const Scene scene = read(FbxText()
+                               .node("eye")
+                               .camera("eye", film_and({{"FocalLength", {50}}, {"ApertureMode", {3}}}))
+                               .take("near", 0, 10)
+                               .curve("eye camera", "FarPlane", 'X', {{0, 100}, {10, 300}}),
+                           options);
   EXPECT_NEAR(camera_at(scene, only_camera(scene), 0.0).near_clip, 0.02, 1e-12);
+  EXPECT_NEAR(camera_at(scene, only_camera(scene), 5.0).far_clip, 2.0, 1e-9);
 }
 
 }  // namespace

@@ -70,14 +70,18 @@ void FbxReader::read_camera(const ufbx_node& node, NodeId id) {
     set_camera(scene_, shape, "focalLength", lens.focal_length);
   }
   set_camera(scene_, shape, "filmFit", static_cast<double>(fit_of(camera)));
-  const double unit =
-      std::sqrt(conversion_[0] * conversion_[0] + conversion_[1] * conversion_[1] + conversion_[2] * conversion_[2]);
+  const double unit = length_unit();
   set_camera(scene_, shape, "nearClipPlane", camera.near_plane * unit);
   set_camera(scene_, shape, "farClipPlane", camera.far_plane * unit);
   if (camera.projection_mode == UFBX_PROJECTION_MODE_ORTHOGRAPHIC) {
     set_camera(scene_, shape, "orthographic", 1.0);
     set_camera(scene_, shape, "orthographicWidth", camera.orthographic_size.x * unit);
   }
+}
+
+// Of positions and clips, where the scene is converted.
+double FbxReader::length_unit() const {
+  return std::sqrt(conversion_[0] * conversion_[0] + conversion_[1] * conversion_[1] + conversion_[2] * conversion_[2]);
 }
 
 // Curves of one layer; a lens that is told by its field of view keeps what it has.
@@ -105,7 +109,10 @@ void FbxReader::animate_cameras() {
 void FbxReader::drive_cameras(const ufbx_camera& camera, std::string_view attribute, const ufbx_anim_curve& curve) {
   const auto [first, end] = cameras_.equal_range(&camera);
   for (auto shape = first; shape != end; ++shape) {
-    FbxCurve made = convert_curve(curve, clock_, 1.0);
+    const bool clip = attribute == "nearClipPlane" || attribute == "farClipPlane";
+    const double film = attribute == "verticalFilmAperture" ? camera.squeeze_ratio : 1.0;
+    FbxCurve made = convert_curve(curve, clock_, clip ? length_unit() : film);
+    note_keys(made.keys.front().time, made.keys.back().time);
     const NodeId driver = scene_.curves.create(
         CurveKind::unitless, std::string(scene_.names.short_name(shape->second)) + "_" + std::string(attribute));
     scene_.curves.assign(driver, std::move(made.keys), made.weighted, made.pre, made.post);

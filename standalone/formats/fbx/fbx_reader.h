@@ -71,6 +71,7 @@ class FbxReader {
 
   // --- fbx_cameras.cpp
   void read_camera(const ufbx_node& node, NodeId id);
+  double length_unit() const;
   void animate_cameras();
   void drive_cameras(const ufbx_camera& camera, std::string_view attribute, const ufbx_anim_curve& curve);
 
