@@ -173,6 +173,16 @@ VLX_API int vlx_felt_range(VlxScene* scene, const char* object, const char* attr
 VLX_API int vlx_provisional(VlxScene* scene, VlxTrailSet* set, const char* object, double first, double last,
                             const VlxStretch** stretches, std::size_t* count);
 
+struct VlxWritten {
+  const char* text;
+  const char* lost; /* JSON: a list of sentences, what the text does not hold or not to the last bit */
+};
+/* The animation of objects as it is now, in the form that `form` names, nothing saved: "ma", curves as a Maya ASCII
+ * file to be imported; "py", the same as a script for Maya. No object at all: all of them. See
+ * standalone/formats/writer.h. Both texts stay until the next call of this function. */
+VLX_API int vlx_written(VlxScene* scene, const char* form, const char* const* objects, std::size_t count,
+                        VlxWritten* written);
+
 /* From here on edits can be undone; 0: they cannot, as at first, and what is known is forgotten. */
 VLX_API int vlx_keep_history(VlxScene* scene, int kept);
 /* The edits in between are one step with this name. A step without edits is none. */

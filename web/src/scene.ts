@@ -112,6 +112,12 @@ export interface Placing {
   text: string | null;
 }
 
+export interface Written {
+  text: string;
+  /** What the text does not hold, or not to the last bit: a sentence each, to be told before it is saved. */
+  lost: string[];
+}
+
 export interface History {
   /** What can be undone; the last of them first. */
   undo: string[];
@@ -283,6 +289,16 @@ export class Scene {
       this.edit("vlx_felt_range", object, attribute ?? "", frame, range);
       const [first, last] = memory.view({ at: range, count: 2 });
       return [first, last];
+    });
+  }
+
+  /** The animation of objects, or of all, as a Maya ASCII file of curves or as a script for Maya's Python. */
+  written(form: "ma" | "py", objects: readonly string[] = []): Written {
+    const { memory } = this.engine;
+    return memory.scope(() => {
+      const at = memory.take(8);
+      this.engine.call("vlx_written", this.handle(), memory.text(form), memory.texts(objects), objects.length, at);
+      return { text: memory.textAt(memory.word(at)), lost: JSON.parse(memory.textAt(memory.word(at + 4))) as string[] };
     });
   }
 
