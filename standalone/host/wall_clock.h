@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 
 #include "base/tick_counter.h"
 
@@ -75,6 +76,11 @@ class BasicWallClock {
   std::uint64_t believed_ = 0;  // for how many ticks the counter is
 };
 
-using WallClock = BasicWallClock<SystemTime>;
+// Where no counter costs less than the system's clock, that is read once each time.
+struct PlainWallClock {
+  static double now() { return SystemTime::seconds(); }
+};
+
+using WallClock = std::conditional_t<kHasTickCounter, BasicWallClock<SystemTime>, PlainWallClock>;
 
 }  // namespace vantorelix::standalone

@@ -4,6 +4,7 @@
 
 #include "base/mathematics/mathematics.h"
 #include "base/number.h"
+#include "base/number_text.h"
 
 namespace vantorelix::standalone {
 namespace {
@@ -73,6 +74,12 @@ std::optional<double> frame_rate_named(std::string_view name) {
   const bool complete = parse_number(name.data(), last, rate) == last && last != name.data();
   if (!complete || !(rate >= 1e-3 && rate <= 1e6)) return std::nullopt;
   return rate;
+}
+
+std::string frame_rate_name(double rate) {
+  for (const RateName& unit : kRates)
+    if (unit.rate == rate) return std::string(unit.name);
+  return number_text(rate) + "fps";
 }
 
 }  // namespace vantorelix::standalone

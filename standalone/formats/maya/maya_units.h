@@ -21,4 +21,7 @@ std::optional<double> angular_unit_named(std::string_view name);
 // Frames a second of a time unit: 24 for "film", 1 for "sec", 30000/1001 for "29.97fps".
 std::optional<double> frame_rate_named(std::string_view name);
 
+// The other way: "film", or "120fps" for a rate without a name of its own.
+std::string frame_rate_name(double rate);
+
 }  // namespace vantorelix::standalone
