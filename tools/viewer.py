@@ -40,10 +40,9 @@ def workshop(folder):
     with packages.locked(folder):
         page.build(folder)
     with tempfile.TemporaryDirectory(prefix="run-", dir=folder) as top:
-        copy = os.path.join(top, "viewer")
-        page.copy_viewer(copy)
+        copy = page.copy_sources(os.path.join(top, "sources"))
         for name in ("docs", "examples"):
-            os.symlink(os.path.join(page.ROOT, name), os.path.join(top, name))
+            os.symlink(os.path.join(page.ROOT, name), os.path.join(top, "sources", name))
         yield copy
 
 

@@ -17,6 +17,8 @@ export interface Command {
   readonly title: string;
   /** By the names that keyName gives them. */
   readonly keys: readonly string[];
+  /** Only where keys can be edited. */
+  readonly edits?: boolean;
   run(app: App): void;
 }
 
@@ -130,6 +132,15 @@ function nextGraph(app: App): void {
   app.announce(`Graph of ${graphOf(app, graph).title.toLowerCase()}`);
 }
 
+/** Takes a step back, or does it again. */
+function takeStep(app: App, which: "undo" | "redo"): void {
+  const { editing } = app;
+  const name = which === "undo" ? editing?.undoes : editing?.redoes;
+  if (!editing || name == null) return app.announce(`There is nothing to ${which}`);
+  editing[which]().then(() => app.announce(`${which === "undo" ? "Undone" : "Redone"}: ${name}`),
+    (error: Error) => app.announce(error.message));
+}
+
 /** A file name from the scene's. */
 const fileName = (app: App, ending: string) =>
   (baseName(app.scene.name).replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
@@ -213,6 +224,8 @@ export const COMMANDS: readonly Command[] = [
   { id: "onion", title: "Onion skins at frames, at keys, or none", keys: ["Shift+O"], run: nextOnionSkins },
   { id: "window", title: "Only the frames around the current one, or the whole range", keys: ["Shift+W"],
     run: (app) => toggle(app, "window", "Only the frames around the current one", "The whole range") },
+  { id: "undo", title: "Undo an edit of keys", keys: ["Ctrl+z"], edits: true, run: (app) => takeStep(app, "undo") },
+  { id: "redo", title: "Redo it", keys: ["Ctrl+Shift+z", "Ctrl+y"], edits: true, run: (app) => takeStep(app, "redo") },
   { id: "png", title: "Save a picture (PNG)", keys: ["Shift+P"],
     run: (app) => void app.picture().then(
       (picture) => app.save(fileName(app, ".png"), picture), (error: Error) => app.announce(error.message)) },
@@ -220,6 +233,9 @@ export const COMMANDS: readonly Command[] = [
     run: (app) => eachSelected(app, (trails) =>
       app.save(fileName(app, ".csv"), new Blob([selectionCsv(app.motion, trails, comparisonOf(app))], { type: "text/csv" }))) },
 ];
+
+/** Those that this page has. */
+export const commandsOf = (app: App): readonly Command[] => COMMANDS.filter(({ edits }) => !edits || app.editing);
 
 export const command = (id: string): Command => {
   const found = COMMANDS.find((candidate) => candidate.id === id);
@@ -258,20 +274,20 @@ function usesKey(target: Element, key: string): boolean {
  * Whether a click gave the focus, and not the keyboard. A key that opens or closes something moves the focus, too: there,
  * it stays as it was, so that a button that was clicked does not get the keys when what it opened is closed.
  */
-function watchFocus(): () => boolean {
+function watchFocus(signal: AbortSignal): () => boolean {
   let pressed = false; // the pointer, its click included
   let key = ""; // that is pressed, what it does included
   let clicked = false;
-  document.addEventListener("pointerdown", () => (pressed = clicked = true), true);
-  document.addEventListener("pointerup", () => setTimeout(() => (pressed = false)), true);
+  document.addEventListener("pointerdown", () => (pressed = clicked = true), { capture: true, signal });
+  document.addEventListener("pointerup", () => setTimeout(() => (pressed = false)), { capture: true, signal });
   document.addEventListener("keydown", (event) => {
     pressed = false;
     key = event.key;
-  }, true);
-  document.addEventListener("keyup", () => setTimeout(() => (key = "")), true);
+  }, { capture: true, signal });
+  document.addEventListener("keyup", () => setTimeout(() => (key = "")), { capture: true, signal });
   document.addEventListener("focusin", () => {
     if (pressed || key === "" || /^(Tab|Arrow|Page|Home|End)/.test(key)) clicked = pressed;
-  }, true);
+  }, { capture: true, signal });
   return () => clicked;
 }
 
@@ -280,13 +296,14 @@ function watchFocus(): () => boolean {
  * does not keep them: Space plays after a click on any button. Escape closes what is open first.
  */
 export function listenToKeys(app: App): void {
-  const byKey = new Map(COMMANDS.flatMap((each) => each.keys.map((key) => [key, each] as const)));
+  const { life: signal } = app;
+  const byKey = new Map(commandsOf(app).flatMap((each) => each.keys.map((key) => [key, each] as const)));
   const commandOf = (event: KeyboardEvent) => {
     const off = typesCharacter(event) && !event.ctrlKey && !event.metaKey && !app.store.state.letterKeys;
     const others = event.altKey || event.defaultPrevented || takesText(event.target as Element);
     return off || others ? undefined : byKey.get(keyName(event));
   };
-  const clicked = watchFocus();
+  const clicked = watchFocus(signal);
   let held = ""; // a key that ran a command where a control would act when it is let go
   document.addEventListener("keydown", (event) => {
     const found = clicked() && event.key !== "Escape" ? commandOf(event) : undefined;
@@ -295,15 +312,15 @@ export function listenToKeys(app: App): void {
     event.stopPropagation();
     held = event.key;
     found.run(app);
-  }, true);
+  }, { capture: true, signal });
   document.addEventListener("keyup", (event) => {
     if (event.key === held) event.preventDefault();
     held = "";
-  }, true);
+  }, { capture: true, signal });
   document.addEventListener("keydown", (event) => {
     const found = usesKey(event.target as Element, event.key) ? undefined : commandOf(event);
     if (!found) return;
     event.preventDefault();
     found.run(app);
-  });
+  }, { signal });
 }

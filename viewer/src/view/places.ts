@@ -34,6 +34,12 @@ export function placeIn({ app, origin }: Standpoint, place: Vec3): Vec3 | null {
   return [x - origin[0], y - origin[1], z - origin[2]];
 }
 
+/** A place of the viewport's space in the scene. */
+export function sceneOf({ app, origin }: Standpoint, place: Vec3): Vec3 {
+  const [x, y, z] = [place[0] + origin[0], place[1] + origin[1], place[2] + origin[2]];
+  return app.scene.upAxis === "z" ? [x, -z, y] : [x, y, z];
+}
+
 /** Where a place of the scene is in the picture; null where it is not to be seen. */
 export function spotOf(view: Standpoint & { readonly projection: Projection }, place: Vec3): Spot | null {
   const at = placeIn(view, place);

@@ -1,0 +1,81 @@
+// Edits that the engine beside the page makes.
+
+import type { LiveClient } from "../../../web/src/live/client";
+import type { Dragged } from "../../../web/src/live/protocol";
+import type { History } from "../../../web/src/index";
+import { Listeners } from "./listeners";
+import type { Editing, Vec3 } from "./trail";
+
+interface DraggedKey {
+  readonly trail: number;
+  readonly frame: number;
+}
+
+export class LiveEditing implements Editing {
+  working: Editing["working"] = null;
+  private dragged: DraggedKey | null = null;
+  /** Where the key is wanted next, while it is on its way elsewhere. */
+  private next: Vec3 | null = null;
+  private moving: Promise<void> | null = null;
+  private readonly watchers = new Listeners<[]>();
+
+  /** `sourceOf` names a trail's object; `moved` is told where a drag takes its trail and others. */
+  constructor(private readonly client: LiveClient, private history: History, private readonly sourceOf: (trail: number) => string,
+              private readonly moved: (trail: number, frame: number, dragged: Dragged) => void) {}
+
+  get undoes(): string | null {
+    return this.history.undo.at(-1) ?? null;
+  }
+
+  get redoes(): string | null {
+    return this.history.redo;
+  }
+
+  subscribe(changed: () => void): () => void {
+    return this.watchers.add(changed);
+  }
+
+  /** How far the engine is with making trails again. */
+  work(working: Editing["working"]): void {
+    this.working = working;
+    this.watchers.tell();
+  }
+
+  async undo(): Promise<void> {
+    this.remember(await this.client.call("undo"));
+  }
+
+  async redo(): Promise<void> {
+    this.remember(await this.client.call("redo"));
+  }
+
+  async beginDrag(trail: number, frame: number): Promise<void> {
+    await this.client.call("beginDrag", this.sourceOf(trail), frame);
+    this.dragged = { trail, frame };
+  }
+
+  drag(place: Vec3): Promise<void> {
+    this.next = place;
+    return (this.moving ??= this.follow().finally(() => (this.moving = null)));
+  }
+
+  async endDrag(kept: boolean): Promise<void> {
+    await this.moving?.catch(() => {}); // whoever asked for it was told
+    this.dragged = null;
+    this.remember(await this.client.call("endDrag", kept));
+  }
+
+  private async follow(): Promise<void> {
+    while (this.next && this.dragged) {
+      const [x, y, z] = this.next;
+      const { trail, frame } = this.dragged;
+      this.next = null;
+      this.moved(trail, frame, await this.client.call("drag", [x, y, z]));
+    }
+  }
+
+  private remember(history: History): void {
+    this.history = history;
+    this.watchers.tell();
+  }
+}
