@@ -23,7 +23,7 @@ from packages import Failure, locked, read, write
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 VIEWER = os.path.join(ROOT, "viewer")
-WEB = os.path.join(ROOT, "web")  # whose src the page calls the engine with
+WEB = os.path.join(ROOT, "web")  # what the page calls the engine with, and its tests the native one
 # What working on the page may have left there.
 GENERATED = {"node_modules", "dist"}
 PLACE = b"<!--trails-->"
@@ -36,7 +36,8 @@ PIECE = 4000
 def copy_sources(top):
     """Puts viewer/, and what of web/ it uses, beside each other into a folder; returns the copy of viewer/."""
     shutil.rmtree(top, ignore_errors=True)
-    for source, name in ((VIEWER, "viewer"), (os.path.join(WEB, "src"), "web/src")):
+    parts = {"viewer": VIEWER, "web/src": os.path.join(WEB, "src"), "web/tests/support": os.path.join(WEB, "tests", "support")}
+    for name, source in parts.items():
         shutil.copytree(source, os.path.join(top, name), ignore=lambda folder, names: GENERATED & set(names))
     return os.path.join(top, "viewer")
 

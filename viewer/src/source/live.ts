@@ -45,7 +45,7 @@ export class LiveSource implements TrailSource {
   constructor(client: LiveClient, request: SceneRequest, opened: Opened) {
     this.scene = sceneOf(request, opened);
     this.list = opened.numbers.map((numbers, index) => trailOf(request, opened, index, numbers));
-    this.editing = new LiveEditing(client, opened.history, (index) => this.list[index].source,
+    this.editing = new LiveEditing(client, opened.history, (index) => this.list[index].source, () => this.list.length,
       (trail, frame, dragged) => this.move(trail, frame, dragged));
   }
 
@@ -61,7 +61,7 @@ export class LiveSource implements TrailSource {
     if (event.kind === "measures") return this.measure(event.values);
     this.change(event.numbers, arraysOf);
     this.editing.work(event.pending ? { done: event.done, of: event.of } : null);
-    this.listeners.tell("final");
+    if (event.numbers.length > 0) this.listeners.tell("final");
   }
 
   private measure(all: [number, (number | null)[]][]): void {

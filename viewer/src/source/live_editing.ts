@@ -19,9 +19,9 @@ export class LiveEditing implements Editing {
   private moving: Promise<void> | null = null;
   private readonly watchers = new Listeners<[]>();
 
-  /** `sourceOf` names a trail's object; `moved` is told where a drag takes its trail and others. */
+  /** `sourceOf` names a trail's object, `count` how many trails there are; `moved` is told where a drag takes them. */
   constructor(private readonly client: LiveClient, private history: History, private readonly sourceOf: (trail: number) => string,
-              private readonly moved: (trail: number, frame: number, dragged: Dragged) => void) {}
+              private readonly count: () => number, private readonly moved: (trail: number, frame: number, dragged: Dragged) => void) {}
 
   get undoes(): string | null {
     return this.history.undo.at(-1) ?? null;
@@ -74,8 +74,9 @@ export class LiveEditing implements Editing {
     }
   }
 
+  /** After an edit the engine says when all trails are as they should be. */
   private remember(history: History): void {
     this.history = history;
-    this.watchers.tell();
+    this.work({ done: 0, of: this.count() });
   }
 }

@@ -6,29 +6,31 @@ import type { Vec3 } from "../source/trail";
 import { alongAxis, inPlane, type Sight } from "./dragging";
 import { far, placeIn } from "./pointer";
 import type { DrawnTrail } from "./primitives/batch";
-import type { Spot } from "./primitives/projection";
+import type { Projection, Spot } from "./primitives/projection";
 
 /** Pixels within which a key is hit. */
 const HIT = 9;
 
-export interface Handle {
+interface Key {
   readonly trail: number;
   readonly frame: number;
+}
+
+export interface Handle extends Key {
   /** In the viewport's space. */
   readonly place: Vec3;
 }
 
 /** The key under the pointer: of a selected trail before others, and then the nearest. */
-export function handleAt(trails: readonly DrawnTrail[], selected: ReadonlySet<number>, { projection }: Sight, at: Spot): Handle | null {
-  let best: Handle | null = null;
+export function keyAt(trails: readonly DrawnTrail[], selected: ReadonlySet<number>, projection: Projection, at: Spot): Key | null {
+  let best: Key | null = null;
   let least = Infinity;
   for (const { index, keyPlaces, keyTimes } of trails)
     for (let k = 0; k < keyTimes.length; ++k) {
-      const place: Vec3 = [keyPlaces[3 * k], keyPlaces[3 * k + 1], keyPlaces[3 * k + 2]];
-      const spot = projection.spot(...place);
+      const spot = projection.spot(keyPlaces[3 * k], keyPlaces[3 * k + 1], keyPlaces[3 * k + 2]);
       const away = spot ? Math.hypot(spot.x - at.x, spot.y - at.y) : Infinity;
       const rank = away + (selected.has(index) ? 0 : HIT);
-      if (away <= HIT && rank < least) [best, least] = [{ trail: index, frame: keyTimes[k], place }, rank];
+      if (away <= HIT && rank < least) [best, least] = [{ trail: index, frame: keyTimes[k] }, rank];
     }
   return best;
 }

@@ -12,13 +12,13 @@ import { CameraRig } from "./camera";
 import { Detail } from "./detail";
 import { FlatSurface } from "./flat_surface";
 import { acrossOf, buildStage, disposeAll, gridFor, type Grid, type Stage } from "./ground";
-import { handleAt, listenToHandles } from "./handles";
+import { keyAt, listenToHandles } from "./handles";
 import { holdsSamples } from "./held";
 import { TrailLayers, type Drawing } from "./layers";
 import { Overlay } from "./overlay";
 import { passing, pick } from "./picking";
 import { blobOf, framed } from "./picture";
-import { sceneOf } from "./places";
+import { keyPlace, sceneOf } from "./places";
 import { click, listenToPointer } from "./pointer";
 import { Projection, type Area, type Spot } from "./primitives/projection";
 import { Skeleton } from "./skeleton";
@@ -193,7 +193,9 @@ export class Viewport {
       sight,
       handleAt: (at) => {
         const { showKeys, relativeTo, selected } = app.store.state;
-        return showKeys && relativeTo === null ? handleAt(this.layers.seen, selected, sight(), at) : null;
+        const key = showKeys && relativeTo === null ? keyAt(this.layers.seen, selected, this.projection(), at) : null;
+        const place = key && keyPlace({ app, origin: this.origin }, key.trail, key.frame);
+        return key && place && { ...key, place };
       },
       inScene: (place) => sceneOf({ app, origin: this.origin }, place),
       clicked: (at, more) => click(app.store, under(at), more),

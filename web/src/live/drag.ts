@@ -44,9 +44,9 @@ export class Drag {
       .filter(({ frames }) => frames.includes(frame));
     if (keyed.length === 0) throw this.reason();
     this.channels = keyed.map(({ attribute }) => ({ attribute, value: scene.channelValues(object, attribute, [frame])[0] }));
-    const times = [...new Set(keyed.flatMap(({ frames }) => frames))].sort((a, b) => a - b);
-    const at = times.indexOf(frame);
-    this.followed = followed(trails, object, times[at - REACH] ?? -Infinity, times[at + REACH] ?? Infinity);
+    const around = (by: number, none: number) => keyed.map(({ frames }) => frames[frames.indexOf(frame) + by] ?? none);
+    const [from, to] = [Math.min(...around(-REACH, -Infinity)), Math.max(...around(REACH, Infinity))];
+    this.followed = followed(trails, object, from, to);
     scene.openStep("move key");
   }
 

@@ -133,7 +133,7 @@ export class LiveHost {
     if (!this.shown) return;
     const { pending, worked, item, items } = this.shown.scene.pump(SLICE);
     const { now, tell } = this.around;
-    if (worked && (!pending || now() - this.told > TELL)) {
+    if (!pending || (worked && now() - this.told > TELL)) {
       const numbers = this.changed();
       this.told = now();
       tell({ kind: "trails", numbers, pending, done: item, of: items }, ownBuffers(numbers));

@@ -54,7 +54,7 @@ export interface Dragged {
 }
 
 export type LiveEvent =
-  /** Trails that were made again. `pending`: others still have to be. */
+  /** Trails that were made again, if any. `pending`: others still have to be; once after each edit it is false. */
   | { kind: "trails"; numbers: TrailNumbers[]; pending: boolean; done: number; of: number }
   /** Measures of trails, which follow when there is time; null where one is not known. */
   | { kind: "measures"; values: [index: number, values: (number | null)[]][] };
