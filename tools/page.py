@@ -86,7 +86,7 @@ def _policy(page):
 
 
 def _source(body):
-    return "\n".join(["// Made by tools/page.py.", '#include "cli/output/page.h"', "", "namespace vantorelix::cli {", ""] + body +
+    return "\n".join(["// Made by tools/page.py.", '#include "cli/output/page/page.h"', "", "namespace vantorelix::cli {", ""] + body +
                      ["", "}  // namespace vantorelix::cli", ""]).encode()
 
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "cli/commands/trail_making.h"
-#include "cli/output/live_html.h"
+#include "cli/output/page/live_html.h"
 #include "cli/terminal/terminal.h"
 
 namespace vantorelix::cli {

@@ -2,7 +2,7 @@
 
 #include "cli/commands/commands.h"
 #include "cli/commands/page_file.h"
-#include "cli/output/live_html.h"
+#include "cli/output/page/live_html.h"
 
 namespace vantorelix::cli {
 

@@ -6,8 +6,8 @@
 #include "cli/commands/live_scene.h"
 #include "cli/commands/page_file.h"
 #include "cli/commands/trail_making.h"
-#include "cli/output/html.h"
-#include "cli/output/live_html.h"
+#include "cli/output/page/html.h"
+#include "cli/output/page/live_html.h"
 
 namespace vantorelix::cli {
 

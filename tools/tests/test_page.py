@@ -41,7 +41,7 @@ class Folder(unittest.TestCase):
 class CppSource(Folder):
     def round_trip(self, content):
         self.write("page.cpp", page.cpp_source(content).decode())
-        self.write("main.cpp", '#include <cstdio>\n#include "cli/output/page.h"\nint main() {\n'
+        self.write("main.cpp", '#include <cstdio>\n#include "cli/output/page/page.h"\nint main() {\n'
                                "  for (auto piece : vantorelix::cli::page()) std::fwrite(piece.data(), 1, piece.size(), stdout);\n}\n")
         program = os.path.join(self.folder, "print")
         subprocess.run([CXX, "-std=c++20", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-I", ROOT,

@@ -1,9 +1,9 @@
-#include "cli/output/live_html.h"
+#include "cli/output/page/live_html.h"
 
 #include "base/json_writer.h"
 #include "cli/output/base64.h"
-#include "cli/output/html.h"
-#include "cli/output/page.h"
+#include "cli/output/page/html.h"
+#include "cli/output/page/page.h"
 #include "cli/terminal/failure.h"
 
 namespace vantorelix::cli {

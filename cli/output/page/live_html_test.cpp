@@ -1,5 +1,5 @@
 // Live pages, in a program that has the engine and in one that was built without.
-#include "cli/output/live_html.h"
+#include "cli/output/page/live_html.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/text_sink.h"
-#include "cli/output/page.h"
+#include "cli/output/page/page.h"
 #include "cli/terminal/failure.h"
 
 namespace vantorelix::cli {

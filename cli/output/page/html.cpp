@@ -1,4 +1,4 @@
-#include "cli/output/html.h"
+#include "cli/output/page/html.h"
 
 #include <array>
 #include <optional>
@@ -8,7 +8,7 @@
 
 #include "base/json_writer.h"
 #include "cli/output/base64.h"
-#include "cli/output/page.h"
+#include "cli/output/page/page.h"
 #include "cli/output/trail_data.h"
 #include "session/measures/measures.h"
 
