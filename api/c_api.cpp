@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <filesystem>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -14,6 +15,7 @@
 
 #include "api/calls.h"
 #include "api/texts.h"
+#include "standalone/formats/camera.h"
 #include "standalone/formats/reader.h"
 #include "standalone/formats/samples/sampled_scene.h"
 
@@ -124,6 +126,21 @@ int vlx_objects(VlxScene* scene, const char** json) {
 
 int vlx_cameras(VlxScene* scene, const char** json) {
   return guarded([&] { hand_out(api::cameras_of(*scene), json); });
+}
+
+int vlx_camera_views(VlxScene* scene, const char* shape, const double* frames, std::size_t count, double* values) {
+  return guarded([&] {
+    const sa::NodeId node = scene->scene().names.find(shape);
+    if (node == sa::kNoNode || scene->scene().nodes.type(node) != "camera")
+      throw api::NotFound(scene->file() + ": there is no camera '" + shape + "'; see the scene's cameras");
+    for (std::size_t i = 0; i < count; ++i, values += 9) {
+      const sa::CameraView view = sa::camera_at(scene->scene(), node, frames[i]);
+      const double shown[] = {view.aperture_x, view.aperture_y,   view.offset_x,
+                              view.offset_y,   view.focal_length, static_cast<double>(view.fit),
+                              view.near_clip,  view.far_clip,     view.width};
+      std::copy(std::begin(shown), std::end(shown), values);
+    }
+  });
 }
 
 int vlx_trails(VlxScene* scene, const VlxRequest* request, VlxTrailSet** set, std::size_t* count) {

@@ -22,7 +22,8 @@ struct VlxTrail;
 
 struct VlxError {
   /* "format": a file that cannot be read. "no_file": one that is not there. "not_found": a name or pattern that stands
-   * for nothing. "interrupted": the callback of vlx_watch asked for it. "memory". "failed": anything else. */
+   * for nothing. "interrupted": the callback of vlx_watch asked for it. "refused": an edit that keys cannot do, with
+   * nothing changed. "memory". "failed": anything else. */
   const char* kind;
   const char* text;
   std::size_t line; /* of the file, from 1; 0 where none is known */
@@ -67,6 +68,12 @@ struct VlxTrailArrays {
   VlxArray key_times;
 };
 
+struct VlxStretch {
+  std::size_t trail; /* of the set */
+  std::size_t first; /* the sample that the first point is of */
+  VlxArray points;   /* triples */
+};
+
 struct VlxProgress {
   int pending;             /* whether trails are not exact yet */
   int worked;              /* whether anything was done; else the engine waits for the edits to end */
@@ -92,6 +99,13 @@ VLX_API int vlx_close(VlxScene* scene);
 VLX_API int vlx_description(VlxScene* scene, const char** json);
 VLX_API int vlx_objects(VlxScene* scene, const char** json);
 VLX_API int vlx_cameras(VlxScene* scene, const char** json);
+
+/* What a camera sees at frames, by the path of its shape: 9 doubles a frame, which are the width and the height of its
+ * film, how far that is shifted to the right and up, and the focal length, all in millimetres; the film fit (0 fill,
+ * 1 horizontal, 2 vertical, 3 overscan); near and far clip in the scene's unit, a far clip of 0 being none; and the
+ * width of the picture of an orthographic camera, in the scene's unit, or 0. See standalone/formats/camera.h. */
+VLX_API int vlx_camera_views(VlxScene* scene, const char* shape, const double* frames, std::size_t count,
+                             double* values);
 
 VLX_API int vlx_trails(VlxScene* scene, const VlxRequest* request, VlxTrailSet** set, std::size_t* count);
 /* The set's trails are followed no more. */
@@ -129,6 +143,35 @@ VLX_API int vlx_put_key(VlxScene* scene, const char* object, const char* attribu
 /* What a channel is at `count` frames, keyed or not; in radians on angles. */
 VLX_API int vlx_channel_values(VlxScene* scene, const char* object, const char* attribute, const double* frames,
                                std::size_t count, double* values);
+
+/* Where handles of keys lead. An empty `attribute` stands for all channels of the object that have curves. */
+
+/* JSON: whether an object's own keys at a frame can put it elsewhere; see api/texts.h. */
+VLX_API int vlx_placing(VlxScene* scene, const char* object, double frame, const char** json);
+/* Sets the keys of the object's translation at a frame so that it is at a place in the world then: 3 doubles. See
+ * session/editing/placing.h for what it does to channels without a key there. */
+VLX_API int vlx_place_key(VlxScene* scene, const char* object, double frame, const double* place);
+/* Keys at a frame go to another one, as one step; none of them, where one would land on a neighbour or pass it. */
+VLX_API int vlx_move_keys(VlxScene* scene, const char* object, const char* attribute, double frame, double to);
+/* Keys that leave the curves as they are. */
+VLX_API int vlx_insert_keys(VlxScene* scene, const char* object, const char* attribute, double frame);
+VLX_API int vlx_remove_keys(VlxScene* scene, const char* object, const char* attribute, double frame);
+/* The tangents of a channel's keys as the curve has them, of whatever sort: 4 doubles a key, in x and y and out x and
+ * y, all forward in time: seconds, and the value's unit (radians on angles). Three times the handles of the Bezier
+ * between two keys. They stay until the next call of any function. */
+VLX_API int vlx_tangents(VlxScene* scene, const char* object, const char* attribute, VlxArray* tangents);
+/* Fixes the side of a key where the curve leaves it (`out`) or enters it along such a vector; unified, the other side
+ * turns along and keeps its length. A tangent that is broken is one whose sides have two slopes. */
+VLX_API int vlx_set_tangent(VlxScene* scene, const char* object, const char* attribute, double frame, int out, double x,
+                            double y, int unified);
+/* Whether the lengths of the tangents of a channel's curve count, which keeps its slopes. */
+VLX_API int vlx_set_weighted(VlxScene* scene, const char* object, const char* attribute, int weighted);
+/* 2 doubles, the frames outside of which no edit of a key at this frame is felt; infinite where there is no end. */
+VLX_API int vlx_felt_range(VlxScene* scene, const char* object, const char* attribute, double frame, double* range);
+/* Where the samples between two frames (not a number: the trail's own end) are now, of those trails of the set that
+ * move with the object: what vlx_pump will lead to. They stay until the next call of this function. */
+VLX_API int vlx_provisional(VlxScene* scene, VlxTrailSet* set, const char* object, double first, double last,
+                            const VlxStretch** stretches, std::size_t* count);
 
 /* From here on edits can be undone; 0: they cannot, as at first, and what is known is forgotten. */
 VLX_API int vlx_keep_history(VlxScene* scene, int kept);

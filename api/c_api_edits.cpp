@@ -11,45 +11,31 @@
 #include "api/texts.h"
 #include "base/number_text.h"
 #include "session/edits.h"
-#include "standalone/scene/attributes/channel_names.h"
 
 using vantorelix::api::guarded;
 using vantorelix::api::hand_out;
-using vantorelix::api::NotFound;
 using vantorelix::api::own;
 namespace api = vantorelix::api;
 namespace sa = vantorelix::standalone;
 namespace session = vantorelix::session;
 
+using Kind = session::LiveEvent::Kind;
+
 namespace {
 
-std::vector<double>& numbers_handed_out() {
-  static std::vector<double> numbers;
-  return numbers;
-}
-
-struct ChannelOfObject {
-  sa::NodeId node;
-  sa::Channel channel;
-};
-
-ChannelOfObject channel_of(const VlxScene& scene, const char* object, const std::string& attribute) {
-  const sa::NodeId node = scene.object(object);
-  const auto channels = sa::channels_named(attribute, scene.scene().nodes.type(node) == "joint");
-  if (!channels || channels->count > 1)
-    throw NotFound(scene.file() + ": " + scene.scene().names.unique_name(node) + " has no channel '" + attribute +
-                   "'; name one, as 'translateX' or 'tx'");
-  return {node, channels->first};
-}
-
-// An edit of a channel of an object.
-session::LiveEvent event_on(const VlxScene& scene, const char* object, const std::string& attribute) {
-  const ChannelOfObject found = channel_of(scene, object, attribute);
-  session::LiveEvent event;
-  event.where = scene.file();
-  event.node = found.node;
-  event.channel = found.channel;
-  return event;
+// An edit of a channel of an object at a frame. What is given is a value or another frame, as the kind of edit has it.
+int edit(VlxScene* scene, Kind kind, const char* object, const char* attribute, double frame, double given) {
+  return guarded([&] {
+    const api::ChannelOfObject found = api::channel_of(*scene, object, attribute);
+    session::LiveEvent event;
+    event.kind = kind;
+    event.where = scene->file();
+    event.node = found.node;
+    event.channel = found.channel;
+    event.frame = frame;
+    event.value = event.to = given;
+    scene->edit(event);
+  });
 }
 
 void append(const sa::Key& key, std::vector<double>& numbers) {
@@ -69,7 +55,7 @@ sa::Tangent tangent_of(double number) {
 
 int vlx_key_times(VlxScene* scene, const char* object, VlxArray* times) {
   return guarded([&] {
-    std::vector<double>& numbers = numbers_handed_out();
+    std::vector<double>& numbers = api::numbers_handed_out();
     numbers = scene->scene().curves.key_times(scene->object(object));
     std::sort(numbers.begin(), numbers.end());
     numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
@@ -83,8 +69,8 @@ int vlx_curves(VlxScene* scene, const char* object, const char** json) {
 
 int vlx_keys(VlxScene* scene, const char* object, const char* attribute, VlxArray* keys) {
   return guarded([&] {
-    const ChannelOfObject found = channel_of(*scene, object, attribute);
-    std::vector<double>& numbers = numbers_handed_out();
+    const api::ChannelOfObject found = api::channel_of(*scene, object, attribute);
+    std::vector<double>& numbers = api::numbers_handed_out();
     numbers.clear();
     const auto& curves = scene->scene().curves;
     const sa::NodeId curve = curves.driving_curve(found.node, found.channel);
@@ -97,44 +83,27 @@ int vlx_keys(VlxScene* scene, const char* object, const char* attribute, VlxArra
 int vlx_channel_values(VlxScene* scene, const char* object, const char* attribute, const double* frames,
                        std::size_t count, double* values) {
   return guarded([&] {
-    const ChannelOfObject found = channel_of(*scene, object, attribute);
+    const api::ChannelOfObject found = api::channel_of(*scene, object, attribute);
     for (std::size_t i = 0; i < count; ++i)
       values[i] = scene->scene().evaluation.channel_at(found.node, found.channel, frames[i]);
   });
 }
 
 int vlx_set_key(VlxScene* scene, const char* object, const char* attribute, double frame, double value) {
-  return guarded([&] {
-    session::LiveEvent event = event_on(*scene, object, attribute);
-    event.kind = session::LiveEvent::Kind::set_key;
-    event.frame = frame;
-    event.value = value;
-    scene->edit(event);
-  });
+  return edit(scene, Kind::set_key, object, attribute, frame, value);
 }
 
 int vlx_move_key(VlxScene* scene, const char* object, const char* attribute, double frame, double to) {
-  return guarded([&] {
-    session::LiveEvent event = event_on(*scene, object, attribute);
-    event.kind = session::LiveEvent::Kind::move_key;
-    event.frame = frame;
-    event.to = to;
-    scene->edit(event);
-  });
+  return edit(scene, Kind::move_key, object, attribute, frame, to);
 }
 
 int vlx_remove_key(VlxScene* scene, const char* object, const char* attribute, double frame) {
-  return guarded([&] {
-    session::LiveEvent event = event_on(*scene, object, attribute);
-    event.kind = session::LiveEvent::Kind::remove_key;
-    event.frame = frame;
-    scene->edit(event);
-  });
+  return edit(scene, Kind::remove_key, object, attribute, frame, 0.0);
 }
 
 int vlx_put_key(VlxScene* scene, const char* object, const char* attribute, const double* numbers) {
   return guarded([&] {
-    const ChannelOfObject found = channel_of(*scene, object, attribute);
+    const api::ChannelOfObject found = api::channel_of(*scene, object, attribute);
     sa::Key key{numbers[0], numbers[1], tangent_of(numbers[2]), tangent_of(numbers[3]), numbers[4], numbers[5],
                 numbers[6], numbers[7]};
     scene->put_key(found.node, found.channel, key);

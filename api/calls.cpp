@@ -7,6 +7,7 @@
 #include "host/error.h"
 #include "session/failure.h"
 #include "standalone/formats/reader.h"
+#include "standalone/scene/attributes/channel_names.h"
 
 namespace vantorelix::api {
 
@@ -48,13 +49,11 @@ const char* kind_of(Failure::Kind kind) {
     case Kind::nothing_followed:
     case Kind::all_excluded:
       return "not_found";
+    case Kind::cannot_place:
+      return "refused";
     default:
       return "failed";
   }
-}
-
-VlxArray array_of(const Vectors& vectors) {
-  return vectors->empty() ? VlxArray{nullptr, 0} : VlxArray{&vectors->front().x, 3 * vectors->size()};
 }
 
 }  // namespace
@@ -83,12 +82,30 @@ int run_guarded(const void* work, void (*run)(const void*)) {
   return 1;
 }
 
+VlxArray array_of(const std::vector<Vector>& triples) {
+  return triples.empty() ? VlxArray{nullptr, 0} : VlxArray{&triples.front().x, 3 * triples.size()};
+}
+
 VlxTrailArrays arrays_of(const session::TrailView& view) {
-  return {array_of(view.points),
-          array_of(view.colors),
-          array_of(view.key_points),
-          array_of(view.key_colors),
+  return {array_of(*view.points),
+          array_of(*view.colors),
+          array_of(*view.key_points),
+          array_of(*view.key_colors),
           {view.key_times.data(), view.key_times.size()}};
+}
+
+ChannelOfObject channel_of(const VlxScene& scene, const char* object, const std::string& attribute) {
+  const standalone::NodeId node = scene.object(object);
+  const auto channels = standalone::channels_named(attribute, scene.scene().nodes.type(node) == "joint");
+  if (!channels || channels->count > 1)
+    throw NotFound(scene.file() + ": " + scene.scene().names.unique_name(node) + " has no channel '" + attribute +
+                   "'; name one, as 'translateX' or 'tx'");
+  return {node, channels->first};
+}
+
+std::vector<double>& numbers_handed_out() {
+  static std::vector<double> numbers;
+  return numbers;
 }
 
 void hand_out(std::string text, const char** result) {

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "api/c_api.h"
 #include "api/open_scene.h"
@@ -61,7 +62,18 @@ int guarded(const Work& work) {
 
 inline std::string text_of(const char* text) { return text == nullptr ? std::string() : text; }
 inline TrailSet* own(VlxTrailSet* set) { return reinterpret_cast<TrailSet*>(set); }
+
+// One channel of an object of the scene. Throws NotFound unless the attribute names one.
+struct ChannelOfObject {
+  standalone::NodeId node;
+  standalone::Channel channel;
+};
+ChannelOfObject channel_of(const VlxScene& scene, const char* object, const std::string& attribute);
+
+VlxArray array_of(const std::vector<Vector>& triples);
 VlxTrailArrays arrays_of(const session::TrailView& view);
+// Numbers to be handed out: they stay until somebody takes them the next time.
+std::vector<double>& numbers_handed_out();
 // It stays as it is until the next text is handed out.
 void hand_out(std::string text, const char** result);
 

@@ -97,7 +97,7 @@ void OpenScene::let_go(const TrailSet* set) {
   sets_.erase(found);
 }
 
-void OpenScene::change(const char* name, const std::function<void(standalone::Host&)>& work) {
+void OpenScene::change_host(const char* name, const std::function<void(standalone::Host&)>& work) {
   edited_ = true;
   history_->begin(name);
   try {
@@ -109,17 +109,21 @@ void OpenScene::change(const char* name, const std::function<void(standalone::Ho
   history_->end(true);
 }
 
+void OpenScene::change(const char* name, const std::function<void(standalone::Scene&)>& work) {
+  change_host(name, [&](standalone::Host& host) { work(host.scene()); });
+}
+
 void OpenScene::edit(const session::LiveEvent& event) {
   using Kind = session::LiveEvent::Kind;
   const char* const name = event.kind == Kind::set_key    ? "set key"
                            : event.kind == Kind::move_key ? "move key"
                                                           : "remove key";
-  change(name, [&](standalone::Host& host) { session::apply(event, host); });
+  change_host(name, [&](standalone::Host& host) { session::apply(event, host); });
 }
 
 void OpenScene::put_key(NodeId object, standalone::Channel channel, const standalone::Key& key) {
-  change("put key", [&](standalone::Host& host) {
-    auto& curves = host.scene().curves;
+  change("put key", [&](standalone::Scene& scene) {
+    auto& curves = scene.curves;
     NodeId curve = curves.driving_curve(object, channel);
     if (curve == standalone::kNoNode) curve = curves.set_key(object, channel, key.time, key.value);
     curves.set_key(curve, key);
@@ -170,6 +174,11 @@ Progress OpenScene::pump(double seconds) {
   progress.item = left.item;
   progress.items = left.items;
   return progress;
+}
+
+std::vector<session::Stretch> OpenScene::provisional(const TrailSet& set, NodeId edited,
+                                                     const standalone::FrameRange& range) const {
+  return session::provisional(scene(), set.trails_, set.report_, edited, range);
 }
 
 std::vector<TrailSet*> OpenScene::show_followed(session::Figures figures) {

@@ -10,6 +10,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "session/editing/provisional.h"
 #include "session/edits.h"
 #include "session/report.h"
 #include "session/selection.h"
@@ -78,6 +79,9 @@ class OpenScene {
 
   // One edit of keys. The sets of trails know of it after follow().
   void edit(const session::LiveEvent& event);
+  // One edit of any kind, as a step with that name; the sets know of it after follow(). Where it throws, the edits that
+  // it did make are one.
+  void change(const char* name, const std::function<void(standalone::Scene&)>& work);
   // Adds a key to the channel's curve, or replaces the one at its time. The curve is made where there is none.
   void put_key(standalone::NodeId object, standalone::Channel channel, const standalone::Key& key);
 
@@ -91,6 +95,9 @@ class OpenScene {
   // name and one range, so other trails are made anew. What throws leaves sets that are exact or as they were, and the
   // next call goes on.
   void follow();
+  // Where trails of the set are now, in a range of frames, as the edited object moves them.
+  std::vector<session::Stretch> provisional(const TrailSet& set, standalone::NodeId edited,
+                                            const standalone::FrameRange& range) const;
   // The same by parts: runs idle calls for about so many seconds, and at least one. Sets show what is done of them.
   // Throws Failure when a trail could not be computed.
   Progress pump(double seconds);
@@ -99,8 +106,7 @@ class OpenScene {
   bool is_object(standalone::NodeId node) const;
   // Of the objects alone. Throws Failure with the file and what to do.
   std::vector<standalone::NodeId> choose(const session::Selection& selection) const;
-  // Does the edit, as a step that can be undone.
-  void change(const char* name, const std::function<void(standalone::Host&)>& work);
+  void change_host(const char* name, const std::function<void(standalone::Host&)>& work);
   // Sets whose trails the engine follows show what their nodes hold. Returns the others.
   std::vector<TrailSet*> show_followed(session::Figures figures);
   void set_range(double first, double last);

@@ -6,7 +6,9 @@
 
 #include "base/json_writer.h"
 #include "base/text_sink.h"
+#include "session/editing/placing.h"
 #include "session/report_json.h"
+#include "standalone/formats/camera.h"
 #include "standalone/formats/reader.h"
 #include "standalone/scene/attributes/channel_names.h"
 
@@ -115,6 +117,7 @@ std::string cameras_of(const OpenScene& open) {
       json.object({}, [&] {
         json.field("shape", scene.names.long_name(shape));
         json.field("source", path(scene, scene.nodes.parent(shape)));
+        json.field("looks", standalone::looks_along_x(scene, shape) ? "x" : "-z");
       });
   });
   return out.text();
@@ -132,6 +135,20 @@ std::string curves_of(const OpenScene& open, NodeId object) {
     }
   });
   return out.text();
+}
+
+std::string placing_of(const OpenScene& open, NodeId object, double frame) {
+  std::optional<std::string> word, text;
+  try {
+    session::require_placeable(open.scene(), object, frame);
+  } catch (const session::CannotPlace& failure) {
+    word = session::word_of(failure.obstacle);
+    text = failure.what();
+  }
+  return object_text([&](JsonWriter& json) {
+    json.field("obstacle", word);
+    json.field("text", text);
+  });
 }
 
 std::string history_of(OpenScene& open) {

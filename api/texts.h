@@ -14,13 +14,18 @@ std::string description_of(const OpenScene& scene);
 // A list of {"source", "name", "node", "type", "parent", "animated"}: each object of the file, in its order.
 std::string objects_of(const OpenScene& scene);
 
-// A list of {"shape", "source"}: each camera of the file, and the object that it hangs on.
+// A list of {"shape", "source", "looks"}: each camera of the file, the object that it hangs on, and the axis of that
+// object along which it looks, "-z" or "x"; y is up.
 std::string cameras_of(const OpenScene& scene);
 
 // A list of {"attribute", "curve", "kind", "weighted", "pre", "post", "keys"}: each channel of the object that a curve
 // drives, with how many keys it has. The kind is "linear", "angular", "unitless" or "time"; before and after the keys
 // the curve is "constant" or "linear", or goes on as "cycle", "cycle_offset" or "oscillate".
 std::string curves_of(const OpenScene& scene, standalone::NodeId object);
+
+// {"obstacle", "text"}: what keeps keys of the object's translation at this frame from putting it elsewhere, as one of
+// the words of session::Obstacle and as a sentence; both null where nothing does.
+std::string placing_of(const OpenScene& scene, standalone::NodeId object, double frame);
 
 // {"undo": [name], "redo": name or null, "redo_count"}; the step that is undone first stands last.
 std::string history_of(OpenScene& scene);

@@ -15,16 +15,10 @@ using standalone::Scene;
 
 namespace {
 
-const standalone::Key* key_at(const standalone::AnimCurve& curve, double frame) {
-  for (const standalone::Key& key : curve.keys())
-    if (key.time == frame) return &key;
-  return nullptr;
-}
-
 // The curve of the channel and its key at the frame, which must be there.
 std::pair<NodeId, standalone::Key> existing_key(const LiveEvent& event, const Scene& scene) {
   const NodeId curve = scene.curves.driving_curve(event.node, event.channel);
-  const standalone::Key* key = curve == standalone::kNoNode ? nullptr : key_at(scene.curves.at(curve), event.frame);
+  const standalone::Key* key = curve == standalone::kNoNode ? nullptr : scene.curves.at(curve).key_at(event.frame);
   if (key == nullptr)
     throw Failure(Failure::Kind::no_such_key, event.where + ": " + scene.names.unique_name(event.node) +
                                                   " has no key of " + standalone::name_of(event.channel) +

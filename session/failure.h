@@ -13,6 +13,7 @@ struct Failure : std::runtime_error {
     too_many_samples,  // more than memory holds
     no_trail,          // the engine made none, or warned
     no_such_key,
+    cannot_place,  // see editing/placing.h
     // Of choosing objects:
     bad_pattern,       // not a valid one
     no_match,          // a pattern that matches no object

@@ -135,6 +135,49 @@ class Exam {
                                          : vlx_remove_key(scene_, object, attribute, given.at(0)));
   }
 
+  void place(const std::string& label, const Words& words) {
+    const std::vector<double> given = numbers(words, 2);
+    results_.did(label, vlx_place_key(scene_, words.at(1).c_str(), given.at(0), &given.at(1)));
+  }
+
+  // Edits of keys at a frame, of all channels where none is named.
+  void edit_keys(const std::string& label, const Words& words) {
+    const char* const object = words.at(1).c_str();
+    const char* const attribute = words.at(2).c_str();
+    const std::vector<double> given = numbers(words, 3);
+    const std::string& what = words[0];
+    results_.did(label, what == "moveKeys"     ? vlx_move_keys(scene_, object, attribute, given.at(0), given.at(1))
+                        : what == "insertKeys" ? vlx_insert_keys(scene_, object, attribute, given.at(0))
+                        : what == "setTangent"
+                            ? vlx_set_tangent(scene_, object, attribute, given.at(0), 1, given.at(1), given.at(2), 1)
+                            : vlx_set_weighted(scene_, object, attribute, given.at(0) != 0.0));
+  }
+
+  void write_tangents(const std::string& label, const Words& words) {
+    VlxArray array{};
+    if (results_.did(label, vlx_tangents(scene_, words.at(1).c_str(), words.at(2).c_str(), &array)))
+      results_.add(label, array);
+  }
+
+  void write_placing(const std::string& label, const Words& words) {
+    const char* json = nullptr;
+    if (results_.did(label, vlx_placing(scene_, words.at(1).c_str(), number(words.at(2)), &json)))
+      results_.add(label, json);
+  }
+
+  void write_provisional(const std::string& label, const Words& words) {
+    const VlxStretch* stretches = nullptr;
+    std::size_t count = 0;
+    const std::vector<double> ends = numbers(words, 2);
+    if (!results_.did(label,
+                      vlx_provisional(scene_, set_, words.at(1).c_str(), ends.at(0), ends.at(1), &stretches, &count)))
+      return;
+    for (std::size_t i = 0; i < count; ++i)
+      results_.add(
+          label + " trail " + std::to_string(stretches[i].trail) + " from " + std::to_string(stretches[i].first),
+          stretches[i].points);
+  }
+
   // Until the trails are exact, or nothing goes on.
   void pump(const std::string& label) {
     VlxProgress progress{};
@@ -177,6 +220,14 @@ class Exam {
       {"move", [this](const std::string& label, const Words& words) { edit(label, words); }},
       {"put", [this](const std::string& label, const Words& words) { edit(label, words); }},
       {"remove", [this](const std::string& label, const Words& words) { edit(label, words); }},
+      {"place", [this](const std::string& label, const Words& words) { place(label, words); }},
+      {"moveKeys", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
+      {"insertKeys", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
+      {"setTangent", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
+      {"setWeighted", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
+      {"tangents", [this](const std::string& label, const Words& words) { write_tangents(label, words); }},
+      {"placing", [this](const std::string& label, const Words& words) { write_placing(label, words); }},
+      {"provisional", [this](const std::string& label, const Words& words) { write_provisional(label, words); }},
       {"undo", [this](const std::string& label, const Words&) { results_.did(label, vlx_undo(scene_)); }},
       {"redo", [this](const std::string& label, const Words&) { results_.did(label, vlx_redo(scene_)); }},
       {"follow", [this](const std::string& label, const Words&) { results_.did(label, vlx_follow(scene_)); }},

@@ -1,6 +1,6 @@
 // What can go wrong.
 
-export type ErrorKind = "format" | "no_file" | "not_found" | "interrupted" | "memory" | "failed";
+export type ErrorKind = "format" | "no_file" | "not_found" | "interrupted" | "refused" | "memory" | "failed";
 
 /** Says what was wrong, in the words of the native program. The engine goes on working. */
 export class EngineError extends Error {

@@ -1,6 +1,6 @@
 export { Engine, type Clock, type OpenOptions } from "./engine";
 export { EngineCrash, EngineError, type ErrorKind } from "./errors";
 export type { SceneFile } from "./files";
-export { Tangent, type Scene, type Camera, type Curve, type Description, type History, type Infinity, type Key, type Progress,
-  type SceneObject, type Take, type TrailFields, type TrailOptions } from "./scene";
-export type { TrailArrays, Trails } from "./trails";
+export { Tangent, type Scene, type Camera, type CameraView, type Curve, type Description, type History, type Infinity, type Key, type KeyTangents, type Obstacle,
+  type Placing, type Progress, type SceneObject, type Take, type TrailFields, type TrailOptions } from "./scene";
+export type { Stretch, TrailArrays, Trails } from "./trails";

@@ -38,6 +38,26 @@ export interface Camera {
   shape: string;
   /** The object that it hangs on. */
   source: string | null;
+  /** The axis of that object along which it looks; y is up. */
+  looks: "-z" | "x";
+}
+
+/** What a camera sees at a frame. */
+export interface CameraView {
+  /** Of the film, in millimetres; and how far it is shifted to the right and up. */
+  apertureX: number;
+  apertureY: number;
+  offsetX: number;
+  offsetY: number;
+  /** Millimetres. */
+  focalLength: number;
+  fit: "fill" | "horizontal" | "vertical" | "overscan";
+  /** In the scene's unit. */
+  near: number;
+  /** Null for none. */
+  far: number | null;
+  /** Of the picture of an orthographic camera, in the scene's unit; null: the camera is perspective. */
+  width: number | null;
 }
 
 export type Infinity = "constant" | "linear" | "cycle" | "cycle_offset" | "oscillate";
@@ -74,6 +94,24 @@ export interface Key {
   outY: number;
 }
 
+/** A key's tangents as its curve has them, of whatever sort: seconds, and the value's unit, all forward in time. */
+export interface KeyTangents {
+  inX: number;
+  inY: number;
+  outX: number;
+  outY: number;
+}
+
+/** What keeps an object's own keys from putting it elsewhere. */
+export type Obstacle =
+  | "no_key" | "rotations_only" | "locked" | "not_a_curve" | "recorded" | "flat_parent" | "not_finite" | "repeats" | "depends";
+
+/** Whether they can; both null where nothing is in the way. The text is a sentence for people. */
+export interface Placing {
+  obstacle: Obstacle | null;
+  text: string | null;
+}
+
 export interface History {
   /** What can be undone; the last of them first. */
   undo: string[];
@@ -93,7 +131,8 @@ export interface Progress {
   items: number;
 }
 
-const KEY = 8;  // doubles
+const KEY = 8, VIEW = 9;  // doubles
+const FITS = ["fill", "horizontal", "vertical", "overscan"] as const;
 
 export class Scene {
   private open: number | undefined;
@@ -129,6 +168,12 @@ export class Scene {
     return this.json("vlx_cameras");
   }
 
+  /** What a camera sees at frames, one view for each. */
+  cameraViews(shape: string, frames: ArrayLike<number>): CameraView[] {
+    const numbers = this.results(VIEW, shape, undefined, frames, "vlx_camera_views");
+    return Array.from({ length: frames.length }, (_, k) => viewOf(numbers.subarray(VIEW * k, VIEW * (k + 1))));
+  }
+
   /** Makes trails, which follow edits until they are let go. */
   trails(options: TrailOptions = {}): Trails {
     return Trails.make(this.engine, this, options);
@@ -160,12 +205,7 @@ export class Scene {
   }
 
   keys(object: string, attribute: string): Key[] {
-    const { memory } = this.engine;
-    const numbers = memory.scope(() => {
-      const keys = memory.take(8);
-      this.engine.call("vlx_keys", this.handle(), memory.text(object), memory.text(attribute), keys);
-      return memory.view(memory.place(keys)).slice();
-    });
+    const numbers = this.numbers("vlx_keys", object, attribute);
     return Array.from({ length: numbers.length / KEY }, (_, k) => keyOf(numbers.subarray(KEY * k, KEY * (k + 1))));
   }
 
@@ -187,6 +227,63 @@ export class Scene {
     const { memory } = this.engine;
     memory.scope(() => this.engine.call("vlx_put_key", this.handle(), memory.text(object), memory.text(attribute),
       memory.numbers([key.frame, key.value, key.in, key.out, key.inX, key.inY, key.outX, key.outY])));
+  }
+
+  /** Whether keys of the object's translation at a frame can put it elsewhere. */
+  placing(object: string, frame: number): Placing {
+    const { memory } = this.engine;
+    return memory.scope(() => this.json("vlx_placing", memory.text(object), frame));
+  }
+
+  /** Sets the keys at a frame so that the object is at a place in the world then; throws "refused" where they cannot. */
+  placeKey(object: string, frame: number, place: readonly [number, number, number]) {
+    const { memory } = this.engine;
+    memory.scope(() =>
+      this.engine.call("vlx_place_key", this.handle(), memory.text(object), frame, memory.numbers(place)));
+  }
+
+  /** Moves the keys at a frame in time: of one channel, or of all; none where one would reach a neighbour. */
+  moveKeys(object: string, attribute: string | undefined, frame: number, to: number) {
+    this.edit("vlx_move_keys", object, attribute ?? "", frame, to);
+  }
+
+  /** Inserts keys that leave the curves as they are. */
+  insertKeys(object: string, attribute: string | undefined, frame: number) {
+    this.edit("vlx_insert_keys", object, attribute ?? "", frame);
+  }
+
+  removeKeys(object: string, attribute: string | undefined, frame: number) {
+    this.edit("vlx_remove_keys", object, attribute ?? "", frame);
+  }
+
+  /** One for each key of a channel. Three times the handles of the Bezier between two keys. */
+  tangents(object: string, attribute: string): KeyTangents[] {
+    const numbers = this.numbers("vlx_tangents", object, attribute);
+    return Array.from({ length: numbers.length / 4 }, (_, k) => {
+      const [inX, inY, outX, outY] = numbers.subarray(4 * k, 4 * k + 4);
+      return { inX, inY, outX, outY };
+    });
+  }
+
+  /** Fixes one side of a key's tangents; the other side turns along, unless that breaks it. */
+  setTangent(object: string, attribute: string, frame: number, side: "in" | "out", x: number, y: number, unified = true) {
+    this.edit("vlx_set_tangent", object, attribute, frame, side === "out" ? 1 : 0, x, y, unified ? 1 : 0);
+  }
+
+  /** Whether the lengths of the tangents of a channel count. */
+  setWeighted(object: string, attribute: string, weighted: boolean) {
+    this.edit("vlx_set_weighted", object, attribute, weighted ? 1 : 0);
+  }
+
+  /** The frames outside of which no edit of a key at this frame is felt, of one channel or of all. */
+  feltRange(object: string, attribute: string | undefined, frame: number): [number, number] {
+    const { memory } = this.engine;
+    return memory.scope(() => {
+      const range = memory.take(16);
+      this.edit("vlx_felt_range", object, attribute ?? "", frame, range);
+      const [first, last] = memory.view({ at: range, count: 2 });
+      return [first, last];
+    });
   }
 
   /** From here on edits can be undone; or no more, and what is known is forgotten. */
@@ -251,6 +348,16 @@ export class Scene {
     });
   }
 
+  /** A copy of what a call hands out of a channel. */
+  private numbers(call: string, object: string, attribute: string): Float64Array {
+    const { memory } = this.engine;
+    return memory.scope(() => {
+      const place = memory.take(8);
+      this.engine.call(call, this.handle(), memory.text(object), memory.text(attribute), place);
+      return memory.view(memory.place(place)).slice();
+    });
+  }
+
   private results(width: number, object: string, attribute: string | undefined, frames: ArrayLike<number>, call: string) {
     const { memory } = this.engine;
     return memory.scope(() => {
@@ -265,6 +372,11 @@ export class Scene {
     const { memory } = this.engine;
     memory.scope(() => this.engine.call(call, this.handle(), memory.text(object), memory.text(attribute), ...numbers));
   }
+}
+
+function viewOf(numbers: Float64Array): CameraView {
+  const [apertureX, apertureY, offsetX, offsetY, focalLength, fit, near, far, width] = numbers;
+  return { apertureX, apertureY, offsetX, offsetY, focalLength, fit: FITS[fit], near, far: far || null, width: width || null };
 }
 
 function keyOf(numbers: Float64Array): Key {

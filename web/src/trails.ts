@@ -52,6 +52,16 @@ export interface TrailArrays {
   revision: number;
 }
 
+/** Some of a trail's samples in a row, as they are before the trail is rebuilt. */
+export interface Stretch {
+  /** Of these trails. */
+  trail: number;
+  /** The sample that the first point is of. */
+  first: number;
+  /** A view, three doubles a point, until the next call for stretches, or until the engine's epoch is another. */
+  points: Float64Array;
+}
+
 export class Trails {
   private gone = false;
 
@@ -102,6 +112,22 @@ export class Trails {
       this.engine.call("vlx_trail_now", this.handle(), index, at, revision);
       const [points, colors, keyPoints, keyColors, keyTimes] = [0, 8, 16, 24, 32].map((k) => memory.view(memory.place(at + k)));
       return { points, colors, keyPoints, keyColors, keyTimes, revision: memory.word(revision) };
+    });
+  }
+
+  /**
+   * Where the samples between two frames are now, of those trails that move with an object that was edited: what they
+   * will be once they are rebuilt.
+   */
+  provisional(object: string, first = NaN, last = NaN): Stretch[] {
+    const { memory } = this.engine;
+    return memory.scope(() => {
+      const stretches = memory.take(4), count = memory.take(4);
+      this.engine.call("vlx_provisional", this.scene.handle(), this.handle(), memory.text(object), first, last, stretches, count);
+      const at = memory.word(stretches);
+      return Array.from({ length: memory.word(count) }, (_, k) => ({
+        trail: memory.word(at + 16 * k), first: memory.word(at + 16 * k + 4), points: memory.view(memory.place(at + 16 * k + 8)),
+      }));
     });
   }
 

@@ -44,9 +44,15 @@ describe("a scene", () => {
   }));
 
   test("lists the cameras of a Maya file", () => {
-    const text = 'createNode transform -n "shotCam";createNode camera -n "shotCamShape" -p "shotCam";';
+    const text = 'createNode transform -n "shotCam";createNode camera -n "shotCamShape" -p "shotCam";' +
+      'setAttr ".ff" 3;createNode animCurveTU -n "c";setAttr ".tan" 2;setAttr -s 2 ".ktv[0:1]" 1 50 11 80;' +
+      'connectAttr "c.o" "shotCamShape.fl";';
     const scene = engine.open([{ name: "a.ma", bytes: new TextEncoder().encode(text) }]);
-    expect(scene.cameras()).toContainEqual({ shape: "|shotCam|shotCamShape", source: "|shotCam" });
+    expect(scene.cameras()).toContainEqual({ shape: "|shotCam|shotCamShape", source: "|shotCam", looks: "-z" });
+    const [first, second] = scene.cameraViews("|shotCam|shotCamShape", [1, 11]);
+    expect([first.focalLength, second.focalLength]).toEqual([50, 80]);
+    expect(first).toMatchObject({ fit: "overscan", width: null });
+    expect(() => scene.cameraViews("|shotCam", [1])).toThrow(expect.objectContaining({ kind: "not_found" }));
     scene.close();
   });
 

@@ -14,7 +14,7 @@ inline double vantorelix_ufbx_atan2(double y, double x) { return vantorelix::bas
 // It asks for exponents between 0 and 1 of numbers that are not negative.
 inline double vantorelix_ufbx_pow(double x, double y) { return vantorelix::base::pow(x, y); }
 
-// For fields of view of cameras, which are not looked at.
+// For fields of view of cameras.
 inline double vantorelix_ufbx_tan(double x) { return vantorelix::base::sin(x) / vantorelix::base::cos(x); }
 inline double vantorelix_ufbx_atan(double x) { return vantorelix::base::atan2(x, 1.0); }
 

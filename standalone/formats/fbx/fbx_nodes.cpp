@@ -80,6 +80,7 @@ void FbxReader::create_nodes() {
     keep_name_in_file(scene_, id, name);
     ids_[node->typed_id] = id;
     place(*node, id);
+    if (node->camera != nullptr) read_camera(*node, id);
     if (node->mesh != nullptr) find_bounds(*node, id);
     if (converts_ && parent == kWorld) scene_.attributes.set_offset_parent_matrix(id, conversion_);
   }

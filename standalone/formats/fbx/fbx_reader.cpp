@@ -70,6 +70,7 @@ Scene FbxReader::read() {
     create_nodes();
     animate();
     inherit_scales();
+    animate_cameras();
     note_unfollowed();
     const bool has_range = scene_.settings.playback_min() < scene_.settings.playback_max();
     // A take that does not say what it plays plays what it has.

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -14,6 +15,7 @@
 
 struct ufbx_anim_layer;
 struct ufbx_anim_value;
+struct ufbx_camera;
 
 namespace vantorelix::standalone {
 
@@ -67,6 +69,11 @@ class FbxReader {
   bool is_plain(const Values& values) const;
   const Values* values_of(const ufbx_node& node, std::size_t property) const;
 
+  // --- fbx_cameras.cpp
+  void read_camera(const ufbx_node& node, NodeId id);
+  void animate_cameras();
+  void drive_cameras(const ufbx_camera& camera, std::string_view attribute, const ufbx_anim_curve& curve);
+
   NodeId id_of(const ufbx_node& node) const;
 
   FbxDocument document_;
@@ -81,6 +88,7 @@ class FbxReader {
   std::vector<NodeId> ids_;  // by the file's numbers of nodes
   // By node and property (fbx_properties.h).
   std::map<std::pair<std::uint32_t, std::size_t>, Values> values_;
+  std::multimap<const ufbx_camera*, NodeId> cameras_;  // their shapes
   double first_key_ = 0.0;
   double last_key_ = -1.0;
 };

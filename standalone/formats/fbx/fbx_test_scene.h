@@ -56,6 +56,14 @@ class FbxText {
     }
     return *this;
   }
+  // On a node that is there; its curves name it "<node> camera".
+  FbxText& camera(const std::string& node, const Properties& properties) {
+    const int id = begin("NodeAttribute", "NodeAttribute", "", "Camera");
+    nodes_[node + " camera"] = id;
+    put(properties);
+    connect(id, nodes_.at(node));
+    return *this;
+  }
   FbxText& take(const std::string& name, double first, double last) {
     take_ = begin("AnimationStack", "AnimStack", name, "");
     objects_ << "Properties70: {\n" << time("LocalStart", first) << time("LocalStop", last) << "}\n}\n";

@@ -15,6 +15,7 @@
 #include "host/error.h"
 #include "standalone/formats/bounds_draft.h"
 #include "standalone/formats/gltf/gltf_animation.h"
+#include "standalone/formats/gltf/gltf_camera.h"
 #include "standalone/formats/gltf/gltf_document.h"
 #include "standalone/formats/gltf/gltf_matrix.h"
 #include "standalone/formats/text_input.h"
@@ -138,6 +139,7 @@ class GltfReader {
     } else {
       place(source, node);
     }
+    if (source.camera != nullptr) read_camera(*source.camera, scene_, node);
     if (options_.bounds && source.mesh != nullptr) find_bounds(source, node);
   }
 

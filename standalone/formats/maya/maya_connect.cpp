@@ -2,6 +2,7 @@
 #include <string>
 
 #include "standalone/formats/bounds_draft.h"
+#include "standalone/formats/camera.h"
 #include "standalone/formats/maya/maya_reader.h"
 
 namespace vantorelix::standalone {
@@ -75,7 +76,10 @@ void MayaReader::connect(std::string_view source, std::string_view destination) 
   }
   if (bounds_ && scene_.nodes.type(target) == "mesh") add_primitive(driver, target);
   note_deformer(driver, from);
-  scene_.connections.connect(driver, declared(driver, from), target, declared(target, to));
+  std::string_view input = declared(target, to);
+  if (scene_.nodes.type(target) == "camera" && !camera_attribute(last_name(to)).empty())
+    input = camera_attribute(last_name(to));
+  scene_.connections.connect(driver, declared(driver, from), target, input);
   if (scene_.nodes.type(target) == "reference" && scene_.curves.is_curve(driver)) {
     note("an animation curve moves only something in the missing reference '" +
          std::string(scene_.names.short_name(target)) + "'; import the reference into the scene");

@@ -68,6 +68,7 @@ class MayaReader {
   void set_curve_shape(NodeId node);
   void set_script();
   void add_vertices(NodeId mesh);
+  bool set_camera_values(NodeId shape, std::string_view attribute);
   void set_number(NodeId node, const std::string& attribute);
   bool read_numbers(std::size_t limit);
   CurveDraft& draft(NodeId curve);

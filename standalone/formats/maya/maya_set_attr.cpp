@@ -10,9 +10,19 @@
 #include "base/number.h"
 #include "host/error.h"
 #include "standalone/formats/bounds_draft.h"
+#include "standalone/formats/camera.h"
 #include "standalone/formats/maya/maya_reader.h"
 
 namespace vantorelix::standalone {
+namespace {
+
+std::string_view last_part(std::string_view attribute) {
+  const std::size_t dot = attribute.rfind('.');
+  return dot == std::string_view::npos ? attribute : attribute.substr(dot + 1);
+}
+
+}  // namespace
+
 void MayaReader::read_set_attr() {
   std::string plug, type;
   std::optional<bool> lock;
@@ -58,8 +68,7 @@ void MayaReader::set_values(NodeId node, std::string_view attribute, const std::
     return;
   }
   const std::string& node_type = scene_.nodes.type(node);
-  const std::size_t dot = attribute.rfind('.');
-  const std::string_view last = dot == std::string_view::npos ? attribute : attribute.substr(dot + 1);
+  const std::string_view last = last_part(attribute);
   const auto channels = channels_named(last);
   if (scene_.nodes.is_transform(node)) {
     if (channels) return set_channels(node, *channels);
@@ -71,6 +80,7 @@ void MayaReader::set_values(NodeId node, std::string_view attribute, const std::
     if (scene_.names.short_name(node) == "sceneConfigurationScriptNode") set_script();
     return;
   }
+  if (node_type == "camera" && set_camera_values(node, attribute)) return;
   if (bounds_ && node_type == "mesh" && (attribute.starts_with("vt[") || attribute.starts_with("vrts[")))
     return add_vertices(node);
   if (bounds_ && is_primitive(node_type)) return set_number(node, std::string(attribute));
@@ -162,6 +172,26 @@ void MayaReader::add_vertices(NodeId mesh) {
   Vector p;
   while (words_.next_number(p.x) && words_.next_number(p.y) && words_.next_number(p.z)) draft.add(p);
   draft.assign_to(scene_, mesh);
+}
+
+// False for an attribute that is not one of a camera's.
+bool MayaReader::set_camera_values(NodeId shape, std::string_view attribute) {
+  if (attribute == "cap" || attribute == "cameraAperture") {
+    double width = 0.0, height = 0.0;
+    if (!words_.next_number(width) || !words_.next_number(height)) return true;
+    set_camera(scene_, shape, "horizontalFilmAperture", width);
+    set_camera(scene_, shape, "verticalFilmAperture", height);
+    return true;
+  }
+  const std::string_view name = camera_attribute(last_part(attribute));
+  if (name.empty()) return false;
+  double value = 0.0;
+  if (!words_.next_number(value)) {
+    if (!words_.next(word_)) return true;
+    value = word_.text == "yes" || word_.text == "on" || word_.text == "true" ? 1.0 : 0.0;
+  }
+  set_camera(scene_, shape, name, value);
+  return true;
 }
 
 void MayaReader::set_number(NodeId node, const std::string& attribute) {

@@ -36,12 +36,15 @@ void sort_keys(std::vector<Key>& keys) {
   keys.erase(keys.begin(), std::unique(keys.rbegin(), keys.rend(), same_time).base());
 }
 
-bool repeats(Infinity infinity) { return infinity != Infinity::constant && infinity != Infinity::linear; }
-
 }  // namespace
 
 AnimCurve::AnimCurve(CurveKind kind, double frames_per_second) : kind_(kind), frames_per_second_(frames_per_second) {
   require_rate(frames_per_second);
+}
+
+const Key* AnimCurve::key_at(double time) const {
+  const auto at = std::lower_bound(keys_.begin(), keys_.end(), Key{.time = time}, earlier);
+  return at != keys_.end() && at->time == time ? &*at : nullptr;
 }
 
 void AnimCurve::append_key_times(std::vector<double>& times) const {

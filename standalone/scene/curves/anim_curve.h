@@ -43,9 +43,12 @@ class AnimCurve {
 
   CurveKind kind() const { return kind_; }
   const std::vector<Key>& keys() const { return keys_; }
+  // Null where there is none at this very time. Until the curve changes.
+  const Key* key_at(double time) const;
   // Puts the times of all keys at the end of `times`.
   void append_key_times(std::vector<double>& times) const;
   bool weighted() const { return weighted_; }
+  double frames_per_second() const { return frames_per_second_; }
   Infinity pre_infinity() const { return pre_; }
   Infinity post_infinity() const { return post_; }
 

@@ -25,7 +25,12 @@ enum class Tangent : std::uint8_t {
   automatic_custom = 21,
 };
 
+// Whether an out side holds its key's value, or takes the next one's at once.
+constexpr bool steps(Tangent out) { return out == Tangent::step || out == Tangent::step_next; }
+
 enum class Infinity : std::uint8_t { constant = 0, linear = 1, cycle = 3, cycle_offset = 4, oscillate = 5 };
+
+constexpr bool repeats(Infinity infinity) { return infinity != Infinity::constant && infinity != Infinity::linear; }
 
 // What a curve's values are. Angular values are radians inside; the rest are in the scene's own units.
 enum class CurveKind : std::uint8_t { linear, angular, unitless, time };

@@ -33,7 +33,7 @@ class Builder {
   void add(std::size_t i) {
     const Key& key = keys_[i];
     const Key& next = keys_[i + 1];
-    if (key.out == Tangent::step || key.out == Tangent::step_next) {
+    if (steps(key.out)) {
       push(key.value, {key.time});
       const double just_after = std::nextafter(key.time, next.time);
       if (key.out == Tangent::step_next && just_after < next.time) push(next.value, {just_after});

@@ -56,6 +56,15 @@ double WeightedSegment::at(double elapsed) const {
   return ((value3_ * s + value2_) * s + value1_) * s;
 }
 
+WeightedSegment::Parts WeightedSegment::split(double elapsed) const {
+  const double s = solve(elapsed / length_);
+  const auto velocity = [this](double at, double part) -> TangentVector {
+    return {part * length_ * ((3.0 * time3_ * at + 2.0 * time2_) * at + time1_),
+            part * ((3.0 * value3_ * at + 2.0 * value2_) * at + value1_)};
+  };
+  return {velocity(0.0, s), velocity(s, s), velocity(s, 1.0 - s), velocity(1.0, 1.0 - s)};
+}
+
 // The parameter at which time is `fraction`: Newton's steps, halving the bracket instead where one would leave it.
 double WeightedSegment::solve(double fraction) const {
   if (!(fraction > 0.0)) return 0.0;

@@ -39,6 +39,12 @@ class WeightedSegment {
   // How far the value is above the first key's, `elapsed` frames after it (0 to length).
   double at(double elapsed) const;
 
+  // The two segments that the same curve is of, with a key in between.
+  struct Parts {
+    TangentVector first_out, first_in, second_out, second_in;
+  };
+  Parts split(double elapsed) const;
+
  private:
   double solve(double fraction) const;
 

@@ -36,6 +36,18 @@ const Affine& PlainMatrices::world(NodeId transform, double frame) {
 
 Affine PlainMatrices::local(NodeId transform, double frame) { return local_at(records_.of(transform), frame); }
 
+Affine PlainMatrices::above(NodeId transform, double frame) {
+  world(transform, frame);  // and all that it hangs on
+  const Record& r = records_.of(transform);
+  Affine m;
+  if (r.offset_source)
+    m = r.offset_is_local ? local_at(*r.offset_source, frame) : r.offset_source->walked;
+  else if (r.has_offset)
+    m = scene_.offset_parent_matrix(scene_.at(r.node));
+  const bool inherits = r.parent && channels_at(r, frame)[index(Channel::inheritsTransform)] != 0.0;
+  return inherits ? m * r.parent->walked : m;
+}
+
 void PlainMatrices::compose(Record& r) {
   const Channels channels = channels_at(r, frame_);
   Affine m = local_matrix_of(channels, r.factors);

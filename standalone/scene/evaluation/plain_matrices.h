@@ -19,6 +19,7 @@ class PlainMatrices {
   // frame, until anything in the scene moves.
   const Affine& world(NodeId transform, double frame);
   Affine local(NodeId transform, double frame);
+  Affine above(NodeId transform, double frame);
 
  private:
   void compose(Record& r);

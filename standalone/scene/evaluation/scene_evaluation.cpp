@@ -26,14 +26,24 @@ std::vector<const Record*> everything_behind(const Record& first) {
   return all;
 }
 
-bool varies(const Record& r) {
+// Calls found(curve) for each curve that the record's own channels are evaluated from, until it says true.
+template <class Found>
+bool any_curve(const Record& r, Found found) {
   for (const DrivenChannel& d : r.driven) {
-    if (d.curve && !d.curve->is_constant()) return true;
+    if (d.curve && found(d.curve)) return true;
     if (d.curve) continue;
-    for (const Operation& o : r.expressions[d.expression].operations) {
-      if (o.kind == Operation::Kind::curve && !o.curve->is_constant()) return true;
+    for (const Operation& o : r.expressions[d.expression].operations)
+      if (o.kind == Operation::Kind::curve && found(o.curve)) return true;
+  }
+  return false;
+}
+
+bool varies(const Record& r) {
+  if (any_curve(r, [](const AnimCurve* curve) { return !curve->is_constant(); })) return true;
+  for (const DrivenChannel& d : r.driven) {
+    if (d.curve) continue;
+    for (const Operation& o : r.expressions[d.expression].operations)
       if (o.kind == Operation::Kind::track && o.track->moves()) return true;
-    }
   }
   return false;
 }
@@ -73,6 +83,10 @@ Affine SceneEvaluation::local_matrix(NodeId node, double frame) const {
   return evaluation_->plain.local(node, frame);
 }
 
+Affine SceneEvaluation::matrix_above(NodeId transform, double frame) const {
+  return evaluation_->plain.above(transform, frame);
+}
+
 double SceneEvaluation::channel_at(NodeId node, Channel c, double frame) const {
   return channels_at(evaluation_->records.of(node), frame)[index(c)];
 }
@@ -83,6 +97,21 @@ bool SceneEvaluation::is_animated(NodeId node) const {
   for (const Record* r : everything_behind(evaluation_->records.of(transform))) {
     if (varies(*r)) return true;
     if (r->offset_source && r->offset_is_local && varies(*r->offset_source)) return true;
+  }
+  return false;
+}
+
+bool SceneEvaluation::moves_with(NodeId node, NodeId other) const {
+  Records& records = evaluation_->records;
+  const Record& edited = records.of(other);
+  std::unordered_set<const AnimCurve*> curves;
+  any_curve(edited, [&](const AnimCurve* curve) { return curves.insert(curve), false; });
+  const auto moved = [&](const Record& r) {
+    return &r == &edited || any_curve(r, [&](const AnimCurve* curve) { return curves.count(curve) != 0; });
+  };
+  for (const Record* r : everything_behind(records.of(transform_of(evaluation_->graph, node)))) {
+    if (moved(*r)) return true;
+    if (r->offset_source && r->offset_is_local && moved(*r->offset_source)) return true;
   }
   return false;
 }

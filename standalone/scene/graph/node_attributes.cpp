@@ -236,6 +236,11 @@ void SceneAttributes::lock(NodeId id, std::string_view name, bool locked) {
   if (!locked && there) all.erase(at);
 }
 
+bool SceneAttributes::is_locked(NodeId id, Channel c) const {
+  const Node& node = graph().transform(id);
+  return standalone::is_locked(node, id_of(c)) || standalone::is_locked(node, compound_of(id_of(c)));
+}
+
 void SceneAttributes::set_vectors(NodeId id, std::string_view name, Vectors values) {
   Graph& d = graph();
   Node& node = d.at(id);

@@ -40,6 +40,7 @@ class SceneAttributes : public ScenePart {
   // Declares an attribute on one node (addAttr), or sets one that a reader met without declaring it.
   void add(NodeId node, std::string_view attribute, const host::Value& value);
   void lock(NodeId node, std::string_view attribute, bool locked);
+  bool is_locked(NodeId node, Channel c) const;  // the channel itself or its compound
   // Vector-array attributes ("points", ...): shared storage in, shared storage out; null when never set.
   void set_vectors(NodeId node, std::string_view attribute, Vectors values);
   Vectors vectors(NodeId node, std::string_view attribute) const;

@@ -7,7 +7,11 @@ export type Command =
   | ["curves", string]
   | ["time", number, number]
   | ["keys", string, string?]
-  | ["matrices", string, ...number[]]
+  | ["matrices" | "place", string, ...number[]]
+  | ["placing", string, number]
+  | ["provisional", string, number, number]
+  | ["tangents", string, string]
+  | ["moveKeys" | "insertKeys" | "setTangent" | "setWeighted", string, string, ...number[]]
   | ["values" | "set" | "move" | "put" | "remove", string, string, ...number[]];
 
 export type Results = Map<string, Uint8Array>;
@@ -30,7 +34,7 @@ function questions(scene: Scene): Command[] {
     ...scene.objects().flatMap(({ source }): Command[] => [
       ["matrices", source, ...frames], ["curves", source], ["keys", source],
       ...scene.curves(source).flatMap(({ attribute }): Command[] =>
-        [["keys", source, attribute], ["values", source, attribute, ...frames]]),
+        [["keys", source, attribute], ["tangents", source, attribute], ["values", source, attribute, ...frames]]),
     ]),
   ];
 }
@@ -49,6 +53,13 @@ function edits(scene: Scene): Command[] {
       ["put", source, attribute, ...numbersOf({ ...fixed, value: middle.value + 0.1 })],
       ["move", source, attribute, last.frame, last.frame + 0.25],
       ["remove", source, attribute, keys[0].frame],
+      ["insertKeys", source, "", middle.frame + 0.625],
+      ["moveKeys", source, attribute, middle.frame + 0.625, middle.frame + 0.5],
+      ["setWeighted", source, attribute, 1],
+      ["setTangent", source, attribute, middle.frame, 0.2, 1.25],
+      ["placing", source, middle.frame],
+      ["place", source, middle.frame, 1.25, -3.5, 0.75],
+      ["provisional", source, middle.frame - 5, middle.frame + 5],
     ];
   }));
   const [object] = scene.objects();
@@ -58,7 +69,7 @@ function edits(scene: Scene): Command[] {
 /** Everything, then edits, everything again, all edits undone, everything again, and redone. */
 export function script(scene: Scene): Command[] {
   const asked = questions(scene), made = edits(scene);
-  const done = made.length === 0 ? 0 : made.length - 1;  // the last one is refused
+  const done = made.length;  // as many at the most: those that are refused and those that only ask are none
   const back = Array.from({ length: done }, (): Command => ["undo"]);
   const again = Array.from({ length: done }, (): Command => ["redo"]);
   return [...asked, ...made, ["follow"], ...asked, ...back, ["pump"], ...asked, ...again, ["pump"], ...asked];
@@ -96,6 +107,15 @@ export class Exam {
       case "keys":
         return numbers(command[2] === undefined ? scene.keyTimes(command[1])
           : Float64Array.from(scene.keys(command[1], command[2]).flatMap(numbersOf)));
+      case "tangents":
+        return numbers(Float64Array.from(scene.tangents(command[1], command[2]).flatMap((t) => [t.inX, t.inY, t.outX, t.outY])));
+      case "placing": return text(scene.placing(command[1], command[2]));
+      case "place": return scene.placeKey(command[1], command[2] as number, command.slice(3) as [number, number, number]);
+      case "provisional": return this.stretches(label, command[1], command[2], command[3]);
+      case "moveKeys": return scene.moveKeys(command[1], command[2], command[3], command[4]);
+      case "insertKeys": return scene.insertKeys(command[1], command[2], command[3]);
+      case "setTangent": return scene.setTangent(command[1], command[2], command[3], "out", command[4], command[5]);
+      case "setWeighted": return scene.setWeighted(command[1], command[2], command[3] !== 0);
       case "undo": return scene.undo();
       case "redo": return scene.redo();
       case "follow": return scene.follow();
@@ -127,6 +147,11 @@ export class Exam {
       const [frame, value, sortIn, sortOut, inX, inY, outX, outY] = given;
       this.scene.putKey(object, attribute, { frame, value, in: sortIn as Tangent, out: sortOut as Tangent, inX, inY, outX, outY });
     }
+  }
+
+  private stretches(label: string, object: string, first: number, last: number) {
+    for (const { trail, first: from, points } of this.trails?.provisional(object, first, last) ?? [])
+      this.results.set(`${label} trail ${trail} from ${from}`, bytesOf(points));
   }
 
   private arrays(label: string) {
