@@ -88,6 +88,7 @@ export function show(root: HTMLElement, source: TrailSource, { life, hash, choos
   const { scene, editing } = source;
   const { motion, store, frame } = begin(source, hash);
   document.title = `${baseName(scene.name)}: motion trails`;
+  life.addEventListener("abort", () => store.set({ playing: false }));
   let viewport: Viewport | null = null;
   const app: App = {
     scene, motion, store, life, editing, chooseFiles, save,
@@ -104,7 +105,6 @@ export function show(root: HTMLElement, source: TrailSource, { life, hash, choos
   });
   listenToKeys(app);
   runPlayer(scene, store);
-  life.addEventListener("abort", () => store.set({ playing: false }));
   keepStateInHash(store, initial, motion.trails.length, life);
   window.vantorelixViewer = app;
   document.documentElement.dataset.ready = "true";

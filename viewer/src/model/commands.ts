@@ -1,11 +1,11 @@
 // Everything that a key or a button does, in one table: the keyboard, the toolbar and the help read it.
 
-import { COLOR_MODES, type ColorMode } from "../source/trail";
+import { COLOR_MODES, type ColorMode, type Editing } from "../source/trail";
 import { selectionCsv } from "./csv";
 import type { App } from "./app";
 import { countUpTo } from "./colors";
 import { comparisonOf, movingIn, shownComparison } from "./compare";
-import { baseName } from "./format";
+import { baseName, frameText } from "./format";
 import { bestDirection, framing } from "./framing";
 import { GRAPHS, graphOf } from "./graphs";
 import { movedTarget, visibleTrails } from "./pose";
@@ -141,6 +141,22 @@ function takeStep(app: App, which: "undo" | "redo"): void {
     (error: Error) => app.announce(error.message));
 }
 
+/** Edits keys of the selected objects at the current frame: of those that have one there, or of all. */
+function editKeys(app: App, those: "keyed" | "all", edit: (editing: Editing, trails: readonly number[], frame: number) => Promise<void>): void {
+  eachSelected(app, (selected) => {
+    const { frame } = app.store.state;
+    const trails = those === "all" ? selected : selected.filter((trail) => app.motion.trails[trail].keyTimes.includes(frame));
+    if (trails.length === 0) return app.announce(`No key of what is selected is at frame ${frameText(frame)}`);
+    edit(app.editing!, trails, frame).catch((error: Error) => app.announce(error.message));
+  });
+}
+
+/** Moves keys by whole frames, and the current frame with them. */
+const shiftKeys = (app: App, by: 1 | -1): void => editKeys(app, "keyed", async (editing, trails, frame) => {
+  await editing.moveKeys(trails, frame, frame + by);
+  goTo(app, frame + by);
+});
+
 /** A file name from the scene's. */
 const fileName = (app: App, ending: string) =>
   (baseName(app.scene.name).replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
@@ -224,6 +240,12 @@ export const COMMANDS: readonly Command[] = [
   { id: "onion", title: "Onion skins at frames, at keys, or none", keys: ["Shift+O"], run: nextOnionSkins },
   { id: "window", title: "Only the frames around the current one, or the whole range", keys: ["Shift+W"],
     run: (app) => toggle(app, "window", "Only the frames around the current one", "The whole range") },
+  { id: "insert-key", title: "Insert keys that change no motion, of what is selected", keys: ["Shift+I"], edits: true,
+    run: (app) => editKeys(app, "all", (editing, trails, frame) => editing.insertKeys(trails, frame)) },
+  { id: "remove-key", title: "Remove the keys of what is selected at this frame", keys: ["Delete"], edits: true,
+    run: (app) => editKeys(app, "keyed", (editing, trails, frame) => editing.removeKeys(trails, frame)) },
+  { id: "key-earlier", title: "Move them a frame earlier", keys: ["{"], edits: true, run: (app) => shiftKeys(app, -1) },
+  { id: "key-later", title: "Move them a frame later", keys: ["}"], edits: true, run: (app) => shiftKeys(app, 1) },
   { id: "undo", title: "Undo an edit of keys", keys: ["Ctrl+z"], edits: true, run: (app) => takeStep(app, "undo") },
   { id: "redo", title: "Redo it", keys: ["Ctrl+Shift+z", "Ctrl+y"], edits: true, run: (app) => takeStep(app, "redo") },
   { id: "png", title: "Save a picture (PNG)", keys: ["Shift+P"],

@@ -17,6 +17,7 @@ export class LiveEditing implements Editing {
   /** Where the key is wanted next, while it is on its way elsewhere. */
   private next: Vec3 | null = null;
   private moving: Promise<void> | null = null;
+  private begun: Promise<void> = Promise.resolve();
   private readonly watchers = new Listeners<[]>();
 
   /** `sourceOf` names a trail's object, `count` how many trails there are; `moved` is told where a drag takes them. */
@@ -49,9 +50,25 @@ export class LiveEditing implements Editing {
     this.remember(await this.client.call("redo"));
   }
 
-  async beginDrag(trail: number, frame: number): Promise<void> {
-    await this.client.call("beginDrag", this.sourceOf(trail), frame);
+  async insertKeys(trails: readonly number[], frame: number): Promise<void> {
+    this.remember(await this.client.call("insertKeys", trails.map(this.sourceOf), frame));
+  }
+
+  async removeKeys(trails: readonly number[], frame: number): Promise<void> {
+    this.remember(await this.client.call("removeKeys", trails.map(this.sourceOf), frame));
+  }
+
+  async moveKeys(trails: readonly number[], frame: number, to: number): Promise<void> {
+    this.remember(await this.client.call("moveKeys", trails.map(this.sourceOf), frame, to));
+  }
+
+  beginDrag(trail: number, frame: number): Promise<void> {
+    this.next = null;
     this.dragged = { trail, frame };
+    return (this.begun = this.client.call("beginDrag", this.sourceOf(trail), frame).catch((error: Error) => {
+      this.dragged = null;
+      throw error;
+    }));
   }
 
   drag(place: Vec3): Promise<void> {
@@ -66,6 +83,7 @@ export class LiveEditing implements Editing {
   }
 
   private async follow(): Promise<void> {
+    await this.begun.catch(() => {}); // whoever began it is told
     while (this.next && this.dragged) {
       const [x, y, z] = this.next;
       const { trail, frame } = this.dragged;

@@ -91,6 +91,10 @@ export interface Editing {
   readonly working: { readonly done: number; readonly of: number } | null;
   undo(): Promise<void>;
   redo(): Promise<void>;
+  /** Keys of some trails' objects at a frame: new ones that change no motion, none any more, or at another frame. */
+  insertKeys(trails: readonly number[], frame: number): Promise<void>;
+  removeKeys(trails: readonly number[], frame: number): Promise<void>;
+  moveKeys(trails: readonly number[], frame: number, to: number): Promise<void>;
   /** From here to endDrag, the key of a trail at a frame is one that is dragged. */
   beginDrag(trail: number, frame: number): Promise<void>;
   /** Moves it to a place in the world; while one such move is at work, of the others only the last one counts. */

@@ -69,6 +69,7 @@ export class Viewport {
   private settleTimer = 0;
   private moving = true; // the first picture is a quick one
   private gesture = false;
+  private gone = false;
   /** Above 1 while a larger picture is drawn. */
   private scale = 1;
 
@@ -98,6 +99,7 @@ export class Viewport {
 
   /** Gives back what the browser lent it. */
   dispose(): void {
+    this.gone = true;
     clearTimeout(this.settleTimer);
     cancelAnimationFrame(this.frameAsked);
     this.layers.dispose();
@@ -284,6 +286,7 @@ export class Viewport {
   }
 
   private ask(): void {
+    if (this.gone) return;
     this.frameAsked ||= requestAnimationFrame(() => {
       this.frameAsked = 0;
       this.draw(this.moving);

@@ -80,6 +80,12 @@ export function nativeRefusal(files: SceneFile[]): string {
   return Buffer.from(said ?? []).toString().split("\n").slice(1, -1).join("\n");
 }
 
+/** Why the native engine cannot put an object elsewhere by its keys at a frame. */
+export function nativeObstacle(scene: string, source: string, frame: number): string {
+  const answer = runNative(native, filesOf(scene), "", `placing\t${source}\t${frame}\n`).get("0 placing");
+  return (JSON.parse(Buffer.from(answer!).toString()) as { text: string }).text;
+}
+
 /** The page that `view --live` writes of a scene, with a trail of every object. */
 export async function openLive(browser: Opener, file: string, scene: string, options?: OpenOptions): Promise<Page> {
   run("view", scene, "--live", ...EVERYTHING, "--out", file, "--no-open");

@@ -35,6 +35,8 @@ export class LiveHost {
   private shown: Shown | null = null;
   private dragged: Drag | null = null;
   private told = 0;
+  /** Whether it is still to be told that all trails are as they should be. */
+  private owed = false;
   private waiting = false;
 
   constructor(private readonly engine: Engine, private readonly around: Surroundings) {}
@@ -51,7 +53,7 @@ export class LiveHost {
       this.dragged = null;
       const all = fields.map((_, k) => k);
       this.shown = { scene, trails, names: measures.map(({ name }) => name), revisions: all.map(() => -1), unmeasured: new Set(all) };
-      this.goOn(WAIT);
+      this.rebuild();
       return { description: scene.describe(), fields, numbers: this.changed(), measures, history: scene.history() };
     } catch (error) {
       if (this.shown?.scene !== scene) scene.close();
@@ -72,6 +74,20 @@ export class LiveHost {
     return this.current().scene.keys(object, attribute);
   }
 
+  /** Keys that leave the curves of these objects as they are. */
+  insertKeys(objects: readonly string[], frame: number): History {
+    return this.step("insert key", objects, (scene, object) => scene.insertKeys(object, undefined, frame));
+  }
+
+  removeKeys(objects: readonly string[], frame: number): History {
+    return this.step("remove key", objects, (scene, object) => scene.removeKeys(object, undefined, frame));
+  }
+
+  /** In time. Throws EngineError where one would reach a neighbour, and moves none then. */
+  moveKeys(objects: readonly string[], frame: number, to: number): History {
+    return this.step("move key in time", objects, (scene, object) => scene.moveKeys(object, undefined, frame, to));
+  }
+
   putKey(object: string, attribute: string, key: Key): History {
     return this.edit((scene) => scene.putKey(object, attribute, key));
   }
@@ -84,11 +100,11 @@ export class LiveHost {
     this.dragged = new Drag(scene, trails, object, frame);
   }
 
-  /** Moves the key to a place in the world, as far as its channels reach. */
+  /** Moves the key to a place in the world. Throws EngineError where its channels do not reach that. */
   drag(position: [number, number, number]): Dragged {
     if (!this.dragged) throw new Error("no key is being dragged");
     const dragged = this.dragged.moveTo(position);
-    this.goOn(WAIT);
+    this.rebuild();
     return dragged;
   }
 
@@ -97,7 +113,7 @@ export class LiveHost {
     const { scene } = this.current();
     this.dragged?.end(kept);
     this.dragged = null;
-    this.goOn(WAIT);
+    this.rebuild();
     return scene.history();
   }
 
@@ -106,17 +122,36 @@ export class LiveHost {
     this.dragged = null;
   }
 
+  /** All of it, or nothing. */
+  private step(name: string, objects: readonly string[], run: (scene: Scene, object: string) => void): History {
+    return this.edit((scene) => {
+      const before = scene.history().undo.length;
+      try {
+        scene.step(name, () => objects.forEach((object) => run(scene, object)));
+      } catch (error) {
+        if (scene.history().undo.length > before) scene.undo();
+        throw error;
+      }
+    });
+  }
+
   private edit(run: (scene: Scene) => void): History {
     this.giveUpDrag();
     const { scene } = this.current();
     run(scene);
-    this.goOn(WAIT);
+    this.rebuild();
     return scene.history();
   }
 
   private current(): Shown {
     if (!this.shown) throw new Error("no scene is open");
     return this.shown;
+  }
+
+  /** After an edit: trails are made again, and that this is done is told. */
+  private rebuild() {
+    this.owed = true;
+    this.goOn(WAIT);
   }
 
   /** Rebuilds by and by; one turn at a time waits. */
@@ -133,9 +168,10 @@ export class LiveHost {
     if (!this.shown) return;
     const { pending, worked, item, items } = this.shown.scene.pump(SLICE);
     const { now, tell } = this.around;
-    if (!pending || (worked && now() - this.told > TELL)) {
+    if (pending ? worked && now() - this.told > TELL : this.owed) {
       const numbers = this.changed();
       this.told = now();
+      this.owed = pending;
       tell({ kind: "trails", numbers, pending, done: item, of: items }, ownBuffers(numbers));
     }
     if (pending) this.goOn(worked ? 0 : WAIT);

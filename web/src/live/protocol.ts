@@ -48,7 +48,7 @@ export interface MovedPart {
 }
 
 export interface Dragged {
-  /** Where the key is now: where it was wanted, as far as its channels reach. */
+  /** Where the key is now: where it was wanted, but for rounding. */
   position: [number, number, number];
   parts: MovedPart[];
 }
@@ -60,7 +60,8 @@ export type LiveEvent =
   | { kind: "measures"; values: [index: number, values: (number | null)[]][] };
 
 /** The requests, and what they take and answer with. */
-export type Requests = Pick<LiveHost, "open" | "undo" | "redo" | "beginDrag" | "drag" | "endDrag" | "putKey" | "keys">;
+export type Requests = Pick<LiveHost, "open" | "undo" | "redo" | "beginDrag" | "drag" | "endDrag" | "insertKeys" |
+  "removeKeys" | "moveKeys" | "putKey" | "keys">;
 
 export type Given<K extends keyof Requests> = Parameters<Requests[K]>;
 export type Answer<K extends keyof Requests> = ReturnType<Requests[K]>;
