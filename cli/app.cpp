@@ -183,7 +183,8 @@ int run(int argc, const char* const* argv) {
   program.footer(kProgramFooter);
   add_common_options(program, common);
   std::vector<Command> commands;
-  for (const auto add : {add_trails, add_measure, add_view, add_info, add_curves, add_live, add_completion, add_manual})
+  for (const auto add :
+       {add_trails, add_measure, add_view, add_page, add_info, add_curves, add_live, add_completion, add_manual})
     commands.push_back(add(program));
   for (const Command& command : commands) add_common_options(*command.app, common);
 

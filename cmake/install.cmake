@@ -2,10 +2,10 @@
 include(GNUInstallDirs)
 
 install(TARGETS vantorelix RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-set(installed_pages cli.md formats.md install.md measures.md python.md shots.md viewer.md)
+set(installed_pages cli.md formats.md install.md live.md measures.md python.md shots.md viewer.md)
 list(TRANSFORM installed_pages PREPEND docs/)
 install(FILES ${installed_pages} CHANGES.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN viewer*.png
+install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN viewer*.png PATTERN live.png
         PATTERN shots.png)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING
         PATTERN *.ma PATTERN *.bvh PATTERN *.fbx PATTERN *.gltf PATTERN *.json PATTERN *.md)

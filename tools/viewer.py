@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Runs the tests of the page, or takes its pictures.
 
-    tools/viewer.py test --program FILE --engine-colors FILE --report FILE [--first] [--no-browser] [--firefox FILE]
+    tools/viewer.py test --program FILE --engine-colors FILE --report FILE [--native FILE] [--first] [--no-browser] [--firefox FILE]
     tools/viewer.py pictures PAGES OUT [NAME...]
 
-Environment variables tell the tests what to test: VANTORELIX_PROGRAM, VANTORELIX_ENGINE_COLORS, VANTORELIX_PAGE (the
+Environment variables tell the tests what to test: VANTORELIX_PROGRAM, VANTORELIX_NATIVE (native_results, or
+nothing where the program has no engine for pages: then tests of live pages are left out), VANTORELIX_ENGINE_COLORS, VANTORELIX_PAGE (the
 page without trails), VANTORELIX_CHROMIUM and VANTORELIX_DATA (real scenes, which may be missing). With --first, VANTORELIX_PAGE_TESTS is "first", and of the tests in a
 browser one of each group is run. docs and examples lie beside viewer/, as in the checkout. Without a browser the tests
 fail, unless --no-browser leaves out those that need one. With --firefox they run in that Firefox, on a virtual screen
@@ -40,10 +41,9 @@ def workshop(folder):
     with packages.locked(folder):
         page.build(folder)
     with tempfile.TemporaryDirectory(prefix="run-", dir=folder) as top:
-        copy = os.path.join(top, "viewer")
-        page.copy_viewer(copy)
+        copy = page.copy_sources(os.path.join(top, "sources"))
         for name in ("docs", "examples"):
-            os.symlink(os.path.join(page.ROOT, name), os.path.join(top, name))
+            os.symlink(os.path.join(page.ROOT, name), os.path.join(top, "sources", name))
         yield copy
 
 
@@ -52,10 +52,12 @@ def test(options):
     if chromium is None:
         raise packages.Failure("there is no Chromium that runs; install one, name one in VANTORELIX_CHROMIUM, or leave out its "
                                "tests with -DVANTORELIX_BROWSER_TESTS=OFF")
-    paths = {"PROGRAM": options.program, "ENGINE_COLORS": options.engine_colors,
+    paths = {"PROGRAM": options.program, "NATIVE": options.native, "ENGINE_COLORS": options.engine_colors,
              "PAGE": os.path.join(options.folder, "index.html")}
     paths["DATA"] = os.environ.get("VANTORELIX_DATA") or os.path.join(page.ROOT, "..", "shared", "data")
-    variables = {"VANTORELIX_" + name: os.path.abspath(path) for name, path in paths.items()}
+    variables = {"VANTORELIX_" + name: path and os.path.abspath(path) for name, path in paths.items()}
+    if not options.native:
+        print("viewer: NOT RUN, BECAUSE THE PROGRAM HAS NO ENGINE FOR PAGES: tests/live*.test.ts", flush=True)
     left_out = browser_tests() if options.no_browser else []
     if left_out:
         print("viewer: NOT RUN, BECAUSE THEY NEED A BROWSER: " + ", ".join(left_out), flush=True)
@@ -87,6 +89,7 @@ def main(arguments):
     tests = verbs.add_parser("test")
     for name in ("program", "engine-colors", "report"):
         tests.add_argument("--" + name, required=True)
+    tests.add_argument("--native", default="", help="the program native_results, where the program has the engine for live pages")
     tests.add_argument("--first", action="store_true", help="of the tests in a browser one of each group")
     tests.add_argument("--no-browser", action="store_true", help="leave out what needs one")
     tests.add_argument("--firefox", default="", help="run the tests in this Firefox, which needs a screen")

@@ -34,7 +34,8 @@ def make():
     compiler = zig.compiler()
     if not compiler:
         return 1
-    zig.build(compiler, "web", ["vantorelix_web"])
+    with packages.locked(os.path.join(zig.FOLDER, "web")):
+        zig.build(compiler, "web", ["vantorelix_web"])
     content = packages.read(WASM)
     print("%s: %d bytes, %d gzipped" % (os.path.relpath(WASM), len(content), len(gzip.compress(content, 9))))
     return 0

@@ -41,7 +41,7 @@ def build(zig, system, targets, settings=None):
     common = {"CMAKE_BUILD_TYPE": "Release", "CMAKE_UNITY_BUILD": "ON", "CMAKE_POSITION_INDEPENDENT_CODE": "ON",
               "CMAKE_TOOLCHAIN_FILE": os.path.join(ROOT, "cmake", "zig.cmake"), "VANTORELIX_TESTS": "OFF",
               "VANTORELIX_ZIG": zig, "VANTORELIX_ZIG_TARGET": TARGETS[system],
-              "VANTORELIX_MODULE_FOLDER": modules_folder(system)}
+              "VANTORELIX_MODULE_FOLDER": modules_folder(system), "VANTORELIX_LIVE": "ON"}
     subprocess.run(["cmake", "-S", ROOT, "-B", path, "-G", "Ninja"] +
                    ["-D%s=%s" % setting for setting in sorted(dict(common, **settings or {}).items())],
                    check=True, env=environment)

@@ -1,11 +1,12 @@
-// Builds one file: script and style inside the page, and a policy that forbids everything else.
+// Builds one file: script and style inside the page, and a policy that forbids everything else. Beside it, for pages with
+// the engine in them, the script of its Worker.
 
 import { createHash } from "node:crypto";
-import { readFileSync } from "node:fs";
+import { readFileSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { dirname, join } from "node:path";
 import { defineConfig } from "vitest/config";
-import type { Plugin } from "vite";
+import { build, type Plugin } from "vite";
 
 const hash = (text: string) => `'sha256-${createHash("sha256").update(text).digest("base64")}'`;
 
@@ -52,9 +53,27 @@ function oneFile(): Plugin {
   };
 }
 
+/** worker.js: web/src/live/worker.ts as a script that imports nothing. */
+function workerBeside(): Plugin {
+  return {
+    name: "worker-beside",
+    apply: "build",
+    async writeBundle({ dir }) {
+      const entry = join(__dirname, "..", "web", "src", "live", "worker.ts");
+      const built = await build({
+        configFile: false, logLevel: "warn",
+        build: { lib: { entry, formats: ["es"] }, write: false, target: "es2022" },
+      });
+      const [{ output }] = built as { output: { code: string }[] }[];
+      if (output.length !== 1) throw new Error("the Worker's script is not one file");
+      writeFileSync(join(dir!, "worker.js"), output[0].code);
+    },
+  };
+}
+
 export default defineConfig({
   base: "./",
-  plugins: [oneFile()],
+  plugins: [oneFile(), workerBeside()],
   build: {
     target: "es2022",
     outDir: process.env.VANTORELIX_PAGE_FOLDER ?? "dist",

@@ -20,6 +20,7 @@ struct Command {
 Command add_trails(CLI::App& program);
 Command add_measure(CLI::App& program);
 Command add_view(CLI::App& program);
+Command add_page(CLI::App& program);
 Command add_info(CLI::App& program);
 Command add_curves(CLI::App& program);
 Command add_live(CLI::App& program);

@@ -7,7 +7,7 @@
 #include "cli/commands/commands.h"
 #include "cli/commands/scene_outputs.h"
 #include "cli/commands/trail_making.h"
-#include "cli/output/html.h"
+#include "cli/output/page/html.h"
 #include "cli/output/svg/svg.h"
 #include "cli/output/writers.h"
 #include "cli/terminal/failure.h"

@@ -3,63 +3,54 @@
 
 #include "base/number_text.h"
 #include "cli/commands/commands.h"
+#include "cli/commands/live_scene.h"
+#include "cli/commands/page_file.h"
 #include "cli/commands/trail_making.h"
-#include "cli/output/html.h"
-#include "cli/output/output_file.h"
-#include "cli/output/text.h"
-#include "cli/terminal/browser.h"
-#include "cli/terminal/failure.h"
-#include "cli/terminal/private_folder.h"
+#include "cli/output/page/html.h"
+#include "cli/output/page/live_html.h"
 
 namespace vantorelix::cli {
-
-namespace fs = std::filesystem;
 
 namespace {
 
 constexpr const char* kViewFooter = R"(
 The page is one file that needs no network and nothing else: look at it, keep it, send it. Without --out it goes into
-a new folder among the system's temporary files. The variable BROWSER names another browser.
+a new folder among the system's temporary files. The variable BROWSER names another browser. A live page holds the
+scene's files and the engine: keys can be dragged in it, and other scenes opened.
 
 Examples:
   vantorelix view bounce.ma
   vantorelix view walk.bvh --select '*Foot' --color-mode spacing
   vantorelix view before.ma --compare after.ma
   vantorelix view robot.fbx --take reach --compare-take wave
-  vantorelix view arm.ma --out arm.html --no-open)";
+  vantorelix view arm.ma --out arm.html --no-open
+  vantorelix view arm.ma --live)";
 
 struct ViewOptions {
   TrailOptions trails;
-  std::string output;
-  bool no_open = false;
+  PageFileOptions page;
+  bool live = false;
 };
 
-fs::path temporary_page(const std::string& scene) {
-  return make_private_folder("name a file with --out") / (fs::path(scene).filename().string() + ".html");
-}
-
 void run_view(const ViewOptions& options, Terminal& terminal) {
-  terminal.set_scene(options.trails.scene.file);
-  if (!options.output.empty()) {
-    check_outputs({options.output}, {".html"}, options.trails.scene.file);
-    check_destination(options.output);
-    if (OutputFile::means_stdout(options.output) && !options.no_open)
-      throw UsageError("--out " + options.output + ": a browser cannot open standard output; add --no-open");
+  const std::string& file = options.trails.scene.file;
+  terminal.set_scene(file);
+  check_page_file(options.page, file);
+  const std::string stem = std::filesystem::path(file).filename().string();
+  if (options.live) {
+    const LiveScene scene = live_scene(options.trails, terminal);
+    return leave_page(options.page, stem, terminal, [&](TextSink& out) {
+      write_live_html(out, &scene);
+      return counted(scene.files.size(), "file") + " and the engine";
+    });
   }
-  fs::path page;
   with_trails(options.trails, {.statics = true, .figures = session::Figures::with}, terminal,
               [&](const session::TrailReport& report) {
-                OutputFile out(options.output.empty() ? temporary_page(report.scene) : fs::path(options.output));
-                write_html(out, report);
-                out.commit();
-                page = out.path();
-                if (!out.is_stdout()) terminal.note(page.string() + ": " + counted(report.trails.size(), "trail"));
+                leave_page(options.page, stem, terminal, [&](TextSink& out) {
+                  write_html(out, report);
+                  return counted(report.trails.size(), "trail");
+                });
               });
-  if (options.no_open) return;
-  if (!open_in_browser(fs::absolute(page)))
-    throw Failure(page.string() +
-                  ": was written, but no browser could be started; open the file in one, or name one in the variable "
-                  "BROWSER");
 }
 
 }  // namespace
@@ -69,8 +60,8 @@ Command add_view(CLI::App& program) {
   const auto options = std::make_shared<ViewOptions>();
   add_scene_argument(command, options->trails.scene);
   add_trail_options(command, options->trails);
-  command.add_option("--out", options->output, "Where the page goes (default: a temporary file)")->type_name("FILE");
-  command.add_flag("--no-open", options->no_open, "Only write the page");
+  command.add_flag("--live", options->live, "Put the scene and the engine into the page, to edit keys there");
+  add_page_file_options(command, options->page);
   command.footer(kViewFooter);
   return {&command, [options](Terminal& terminal) { run_view(*options, terminal); }};
 }

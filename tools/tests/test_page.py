@@ -1,5 +1,7 @@
 """The page becomes a C++ source with the same bytes, is built once for the same sources, and fails with what to do."""
 
+import base64
+import gzip
 import os
 import re
 import subprocess
@@ -15,6 +17,8 @@ import node  # noqa: E402
 import packages  # noqa: E402
 import page  # noqa: E402
 
+POLICY = b"default-src 'none'; script-src 'sha256-x='; style-src 'y'"
+HEAD = b'<meta http-equiv="Content-Security-Policy" content="%s">' % POLICY
 CXX = os.environ.get("CXX", "c++")
 ROOT = page.ROOT
 
@@ -37,7 +41,7 @@ class Folder(unittest.TestCase):
 class CppSource(Folder):
     def round_trip(self, content):
         self.write("page.cpp", page.cpp_source(content).decode())
-        self.write("main.cpp", '#include <cstdio>\n#include "cli/output/page.h"\nint main() {\n'
+        self.write("main.cpp", '#include <cstdio>\n#include "cli/output/page/page.h"\nint main() {\n'
                                "  for (auto piece : vantorelix::cli::page()) std::fwrite(piece.data(), 1, piece.size(), stdout);\n}\n")
         program = os.path.join(self.folder, "print")
         subprocess.run([CXX, "-std=c++20", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-I", ROOT,
@@ -46,23 +50,48 @@ class CppSource(Folder):
 
     def test_every_byte_comes_out_again(self):
         every = bytes(range(256)) * 40 + b'??="\\\\n%s 1' + "\u2028\u00e9".encode()
-        content = every + page.PLACE + every[::-1]
+        content = HEAD + every + page.PLACE + every[::-1]
         self.assertEqual(self.round_trip(content), content)
 
     def test_the_place_of_the_data_is_a_piece_of_its_own(self):
         for before in (b"", b"x" * 10, b"x" * page.PIECE, b"x" * (page.PIECE + 1)):
-            lines = page.cpp_source(before + page.PLACE + b"after").decode().splitlines()
+            lines = page.cpp_source(HEAD + before + page.PLACE + b"after").decode().splitlines()
             pieces = [line for line in lines if line.startswith("    {")]
-            self.assertEqual(pieces.index('    {"<!--trails-->", 13},'), -(-len(before) // page.PIECE), before)
+            self.assertEqual(pieces[1], '    {"%s", %d},' % (POLICY.decode(), len(POLICY)))
+            self.assertEqual(pieces.index('    {"<!--trails-->", 13},'), 2 + -(-len(b'">' + before) // page.PIECE), before)
 
     def test_no_piece_is_longer_than_compilers_take(self):
-        source = page.cpp_source(b"\xff" * 100000 + page.PLACE).decode()
+        source = page.cpp_source(HEAD + b"\xff" * 100000 + page.PLACE).decode()
         self.assertLess(max(len(literal) for literal in re.findall(r'"(.*)"', source)), 16380)
 
     def test_a_page_without_one_place_is_refused(self):
         for content in (b"no place", page.PLACE * 2):
             with self.assertRaisesRegex(packages.Failure, "places for the data"):
                 page.cpp_source(content)
+
+    def test_a_page_without_one_policy_is_refused(self):
+        for content in (page.PLACE, HEAD + HEAD + page.PLACE):
+            with self.assertRaisesRegex(packages.Failure, "policies instead of one"):
+                page.cpp_source(content)
+
+
+class Engine(unittest.TestCase):
+    def test_a_live_page_may_compile_it_and_start_its_worker_and_nothing_else(self):
+        self.assertEqual(page.live_policy(POLICY), b"default-src 'none'; script-src 'sha256-x=' 'wasm-unsafe-eval'; style-src 'y'; "
+                                                   b"worker-src blob:")
+
+    def test_it_lies_in_elements_that_nothing_in_it_ends(self):
+        blocks = page.engine_blocks(b"a = '</SCRIPT><!--'", b"wasm" * 100)
+        script, wasm = re.findall(b"<script[^>]*>(.*?)</script>", blocks)
+        self.assertEqual(script, b"a = '<\\/SCRIPT><\\!--'")
+        self.assertEqual(gzip.decompress(base64.b64decode(wasm)), b"wasm" * 100)
+
+    def test_a_program_without_it_has_no_blocks(self):
+        self.assertNotIn(b"    {", page._engine("index.html", None))
+
+    def test_what_is_missing_of_it_is_named(self):
+        with self.assertRaisesRegex(packages.Failure, "none.wasm; one of them is missing"):
+            page._engine("none/index.html", "none.wasm")
 
 
 class Build(Folder):
@@ -84,8 +113,9 @@ class Build(Folder):
         if arguments[0] == "run":
             self.assertFalse(os.path.exists(os.path.join(folder, "node_modules")))
             os.makedirs(arguments[-1], exist_ok=True)
-            with open(os.path.join(arguments[-1], "index.html"), "wb") as file:
-                file.write(b"a" + page.PLACE)
+            for name in ("index.html", "worker.js"):
+                with open(os.path.join(arguments[-1], name), "wb") as file:
+                    file.write(b"a" + page.PLACE)
         return subprocess.CompletedProcess(arguments, self.code, "npm's words" if self.code else "")
 
     def build(self):

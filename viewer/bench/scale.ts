@@ -1,30 +1,13 @@
 // How quickly large pages answer where software draws: npm run bench. Medians of five runs. Each run begins with a page
 // of fixed work, so that its figure tells what the machine did besides.
 
-import { tmpdir } from "node:os";
-import { join } from "node:path";
 import { pathToFileURL } from "node:url";
-import { chromium, type Browser } from "playwright-core";
-import { BROWSER_ARGUMENTS } from "../tests/support/browser_arguments";
-import { writeCalibration } from "./calibration";
+import type { Browser } from "playwright-core";
 import { hovering, noteFirstPicture, opening, playing, turning } from "./measures";
 import { writePages, type BenchPage } from "./pages";
-
-const RUNS = Number(process.env.VANTORELIX_BENCH_RUNS ?? 5);
-
-const median = (values: readonly number[]) => [...values].sort((a, b) => a - b)[Math.floor(values.length / 2)];
+import { calibration, launch, median, RUNS } from "./steps";
 
 type Figures = Record<"calibration" | "open" | "turn" | "hover" | "play", number>;
-
-async function calibration(browser: Browser): Promise<number> {
-  const file = join(tmpdir(), `vantorelix-calibration-${process.pid}.html`);
-  writeCalibration(file);
-  const page = await browser.newPage();
-  await page.goto(pathToFileURL(file).href);
-  const times = await page.evaluate(() => [1, 2, 3].map(() => window.calibrate()));
-  await page.close();
-  return median(times);
-}
 
 async function run(browser: Browser, { file }: BenchPage): Promise<Figures> {
   const fixed = await calibration(browser);
@@ -61,7 +44,7 @@ function print(page: BenchPage, figures: Figures): void {
 }
 
 const wanted = process.argv.slice(2);
-const browser = await chromium.launch({ executablePath: process.env.VANTORELIX_CHROMIUM ?? "/usr/bin/chromium", args: BROWSER_ARGUMENTS });
+const browser = await launch();
 for (const page of writePages().filter(({ name }) => wanted.length === 0 || wanted.some((each) => name.startsWith(each))))
   print(page, await measure(browser, page));
 await browser.close();

@@ -1,4 +1,4 @@
-// The pictures of docs/viewer.md and of the README: npm run pictures -- FOLDER-OF-PAGES OUT [NAME...]
+// The pictures of docs/viewer.md, of docs/live.md and of the README: npm run pictures -- FOLDER-OF-PAGES OUT [NAME...]
 // FOLDER-OF-PAGES holds the pages that ./dev demo writes.
 
 import { mkdirSync } from "node:fs";
@@ -16,6 +16,27 @@ interface Shot {
   dark?: boolean;
   size?: { width: number; height: number };
   before?(page: Page): Promise<unknown>;
+}
+
+/** Puts a key of the bouncing ball into the middle of the picture, pulls it up there, and waits for the engine. */
+async function dragKey(page: Page): Promise<void> {
+  await page.evaluate(() => {
+    const { store, motion } = window.vantorelixViewer;
+    const { keyPoints, keyTimes } = motion.trails[0];
+    const k = keyTimes.indexOf(38);
+    const [x, y, z] = keyPoints.subarray(3 * k, 3 * k + 3);
+    store.set({ camera: { ...store.state.camera, view: "front", azimuth: 0, elevation: 0, target: [x, y, z] } });
+  });
+  await page.waitForSelector(".viewport[data-drawn=still]");
+  const { x, y, width, height } = (await page.locator(".viewport").boundingBox())!;
+  await page.mouse.move(x + width / 2, y + height / 2);
+  await page.mouse.down();
+  await page.mouse.move(x + width / 2 + 20, y + height / 2 - 80, { steps: 5 });
+  await page.mouse.up();
+  await page.waitForFunction(() => {
+    const { undoes, working } = window.vantorelixViewer.editing!;
+    return undoes !== null && working === null;
+  });
 }
 
 const arm = (hash: string): Shot => ({ page: "arm.ma.html", of: ".viewport", hash });
@@ -41,6 +62,7 @@ const SHOTS: Record<string, Shot> = {
     ...arm("mode=1&frame=20"),
     before: (page) => page.evaluate(() => window.vantorelixViewer.store.set({ hover: { trail: 0, sample: 10 } })),
   },
+  "live": { page: "bounce-live.html", hash: "", before: dragKey },
   "viewer-help": { page: "arm.ma.html", of: "dialog[open]", hash: "", before: (page) => page.keyboard.press("Shift+?") },
 };
 

@@ -1,105 +1,27 @@
 // Puts the page together.
 
 import "./style.css";
+import { openDesk } from "./desk";
 import { embeddedSource } from "./source/embedded";
-import type { Scene } from "./source/trail";
-import type { App } from "./model/app";
-import { comparisonOf, movingIn } from "./model/compare";
-import { listenToKeys } from "./model/commands";
-import { baseName } from "./model/format";
-import { bestDirection, framing } from "./model/framing";
-import { KEPT, readHash, writeHash } from "./model/hash";
-import { Motion } from "./model/motion";
-import { runPlayer } from "./model/player";
-import { initialState, Store, type CameraPose } from "./model/state";
-import { buildPage } from "./panels/page";
-import { Viewport } from "./view/viewport";
-
-declare global {
-  interface Window {
-    /** For the browser's console, and for tests. */
-    vantorelixViewer: App;
-  }
-}
-
-function keepStateInHash(store: Store, initial: typeof store.state, trailCount: number): void {
-  let timer = 0;
-  const write = () => {
-    const text = writeHash(store.state, initial);
-    if (text !== location.hash.slice(1)) history.replaceState(null, "", `#${text}`);
-  };
-  store.subscribe(() => {
-    clearTimeout(timer);
-    if (!store.state.playing) timer = window.setTimeout(write, 150);
-  }, [...KEPT, "playing"]);
-  window.addEventListener("hashchange", () =>
-    store.set({ ...Object.fromEntries(KEPT.map((key) => [key, initial[key]])), ...readHash(location.hash, initial, trailCount) }),
-  );
-}
-
-/** The camera with which a page opens, for the aspect of its viewport. Looks at all samples once. */
-function opening(scene: Scene, motion: Motion): (aspect: number) => CameraPose {
-  const [shown, trails] = movingIn(motion, comparisonOf({ scene, motion }), motion.trails.map((_, index) => index));
-  const direction = bestDirection(shown, trails, scene.upAxis);
-  return (aspect) => framing(shown, trails, scene.upAxis, "persp", aspect, direction);
-}
-
-function save(name: string, content: Blob): void {
-  const link = document.createElement("a");
-  link.href = URL.createObjectURL(content);
-  link.download = name;
-  link.click();
-  setTimeout(() => URL.revokeObjectURL(link.href), 10_000);
-}
-
-function start(root: HTMLElement): void {
-  const source = embeddedSource();
-  const { scene } = source;
-  const motion = new Motion(source.trails());
-  let open = opening(scene, motion);
-  const initial = initialState(scene, motion, open(1.5));
-  const fromHash = readHash(location.hash, initial, motion.trails.length);
-  const store = new Store({ ...initial, ...fromHash });
-  const relate = (trail: number | null) => {
-    motion.relativeTo(trail);
-    open = opening(scene, motion);
-  };
-  if (store.state.relativeTo !== null) relate(store.state.relativeTo);
-  store.subscribe((state, changed) => {
-    relate(state.relativeTo);
-    if (!changed.has("camera")) store.set({ camera: open(state.aspect) }); // the trails are elsewhere now
-  }, ["relativeTo"]);
-
-  document.title = `${baseName(scene.name)}: motion trails`;
-  let viewport: Viewport | null = null;
-  const app: App = {
-    scene, motion, store, save,
-    announce: (text) => page.announce(text),
-    picture: () => viewport!.picture(),
-  };
-  const page = buildPage(app, root);
-  viewport = new Viewport(app, page.viewport);
-  if (!fromHash.camera) store.set({ camera: open(store.state.aspect) }); // the viewport has a size now
-  source.subscribe(() => {
-    motion.trails = source.trails();
-    viewport!.trailsChanged();
-    page.trailsChanged();
-  });
-  listenToKeys(app);
-  runPlayer(scene, store);
-  keepStateInHash(store, { ...initial, camera: fromHash.camera ? initial.camera : store.state.camera }, motion.trails.length);
-  window.vantorelixViewer = app;
-  document.documentElement.dataset.ready = "true";
-}
+import { embeddedScene, engineParts } from "./source/engine";
+import { show } from "./show";
 
 const root = document.getElementById("app")!;
-try {
-  start(root);
-} catch (error) {
+
+/** What went wrong, in place of the page. */
+function fail(error: unknown): void {
   const message = document.createElement("p");
   message.setAttribute("role", "alert");
   message.className = "failure";
   message.textContent = error instanceof Error ? error.message : String(error);
   root.replaceChildren(message);
+}
+
+try {
+  const engine = engineParts();
+  if (engine) openDesk(root, engine, embeddedScene());
+  else show(root, embeddedSource(), { life: new AbortController().signal, hash: location.hash });
+} catch (error) {
+  fail(error);
   throw error;
 }

@@ -309,13 +309,22 @@ export class Scene {
 
   /** The edits that `run` makes are one step, also those before it throws. */
   step<T>(name: string, run: () => T): T {
-    const { memory } = this.engine;
-    memory.scope(() => this.engine.call("vlx_open_step", this.handle(), memory.text(name)));
+    this.openStep(name);
     try {
       return run();
     } finally {
-      this.engine.call("vlx_close_step", this.handle());
+      this.closeStep();
     }
+  }
+
+  /** The edits up to closeStep are one step. */
+  openStep(name: string) {
+    const { memory } = this.engine;
+    memory.scope(() => this.engine.call("vlx_open_step", this.handle(), memory.text(name)));
+  }
+
+  closeStep() {
+    this.engine.call("vlx_close_step", this.handle());
   }
 
   undo() {

@@ -7,9 +7,9 @@ common = {"--quiet", "--strict", "--color", "--log-format", "--help"}
 of_scenes = set(re.findall(r"^\| `(--[a-z-]+)", manual.split("\n## ")[0], re.M))
 assert "--take" in of_scenes
 sections = dict(re.findall(r"^## `vantorelix (\w+)[^\n]*\n(.*?)(?=^## |\Z)", manual, re.M | re.S))
-assert set(sections) == {"trails", "measure", "view", "info", "curves", "live", "completion", "manual"}, set(sections)
+assert set(sections) == {"trails", "measure", "view", "page", "info", "curves", "live", "completion", "manual"}, set(sections)
 for command, text in sections.items():
-    promised = set(re.findall(r"^\| `(--[a-z-]+)", text, re.M)) | common | (set() if command in ("completion", "manual") else of_scenes)
+    promised = set(re.findall(r"^\| `(--[a-z-]+)", text, re.M)) | common | (set() if command in ("page", "completion", "manual") else of_scenes)
     helped = open(command + ".txt").read()
     options = re.split("Examples?:", helped)[0].split("Options:")[1]
     told = set(re.findall(r"(--[a-z][a-z-]*)", re.sub(r"'--out=[^']*'", "", options.split("Without --out")[0])))

@@ -49,7 +49,7 @@ same(1, about("line.ma", "error", "line.ma: no object matches 'nobody'; see 'van
 same(1, about("line.ma", "error", "--frame 100: the frames are 0 to 8; name one of them, or widen --range"))
 same(2, {"level": "error", "message": usage})
 same(2, "vantorelix: " + usage)
-same(2, {"level": "error", "message": "'trials' is not a command (did you mean 'trails'?); use one of trails, measure, view, info, "
+same(2, {"level": "error", "message": "'trials' is not a command (did you mean 'trails'?); use one of trails, measure, view, page, info, "
          "curves, live, completion, manual; see 'vantorelix --help'"})
 same(3, "vantorelix: --log-format: 'yaml' is not one of text, json; see 'vantorelix trails --help'")
 same(1, about("line.ma", "note", "line.ma: line.json: 1 trail"), done("line.ma"), node,

@@ -14,7 +14,7 @@ def shown(text):
 
 
 commands = dict(re.findall(r"^\.SS \\fBvantorelix (\w+).*\n((?:(?!\.S[SH]).*\n)*)", page, re.M))
-assert set(commands) == {"trails", "measure", "view", "info", "curves", "live", "completion", "manual"}, set(commands)
+assert set(commands) == {"trails", "measure", "view", "page", "info", "curves", "live", "completion", "manual"}, set(commands)
 for command, text in commands.items():
     helped = open(command + ".txt").read()
     options, rest = re.split(r"\n\n\n", helped.split("Options:\n")[1], maxsplit=1)

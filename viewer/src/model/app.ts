@@ -1,6 +1,6 @@
 // What every part of the page is given.
 
-import type { Scene } from "../source/trail";
+import type { Editing, Scene } from "../source/trail";
 import type { Motion } from "./motion";
 import type { Store } from "./state";
 
@@ -8,6 +8,12 @@ export interface App {
   readonly scene: Scene;
   readonly motion: Motion;
   readonly store: Store;
+  /** Ends when the page shows another scene: with it go all listeners outside of what was shown. */
+  readonly life: AbortSignal;
+  /** Where keys can be edited. */
+  readonly editing?: Editing;
+  /** Where scenes can be opened: asks the reader for files. */
+  chooseFiles?(): void;
   /** Tells people who do not see the page what happened. */
   announce(text: string): void;
   /** A picture of the viewport as it is now. */

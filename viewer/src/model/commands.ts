@@ -1,11 +1,11 @@
 // Everything that a key or a button does, in one table: the keyboard, the toolbar and the help read it.
 
-import { COLOR_MODES, type ColorMode } from "../source/trail";
+import { COLOR_MODES, type ColorMode, type Editing } from "../source/trail";
 import { selectionCsv } from "./csv";
 import type { App } from "./app";
 import { countUpTo } from "./colors";
 import { comparisonOf, movingIn, shownComparison } from "./compare";
-import { baseName } from "./format";
+import { baseName, frameText } from "./format";
 import { bestDirection, framing } from "./framing";
 import { GRAPHS, graphOf } from "./graphs";
 import { movedTarget, visibleTrails } from "./pose";
@@ -17,6 +17,8 @@ export interface Command {
   readonly title: string;
   /** By the names that keyName gives them. */
   readonly keys: readonly string[];
+  /** Only where keys can be edited. */
+  readonly edits?: boolean;
   run(app: App): void;
 }
 
@@ -130,6 +132,31 @@ function nextGraph(app: App): void {
   app.announce(`Graph of ${graphOf(app, graph).title.toLowerCase()}`);
 }
 
+/** Takes a step back, or does it again. */
+function takeStep(app: App, which: "undo" | "redo"): void {
+  const { editing } = app;
+  const name = which === "undo" ? editing?.undoes : editing?.redoes;
+  if (!editing || name == null) return app.announce(`There is nothing to ${which}`);
+  editing[which]().then(() => app.announce(`${which === "undo" ? "Undone" : "Redone"}: ${name}`),
+    (error: Error) => app.announce(error.message));
+}
+
+/** Edits keys of the selected objects at the current frame: of those that have one there, or of all. */
+function editKeys(app: App, those: "keyed" | "all", edit: (editing: Editing, trails: readonly number[], frame: number) => Promise<void>): void {
+  eachSelected(app, (selected) => {
+    const { frame } = app.store.state;
+    const trails = those === "all" ? selected : selected.filter((trail) => app.motion.trails[trail].keyTimes.includes(frame));
+    if (trails.length === 0) return app.announce(`No key of what is selected is at frame ${frameText(frame)}`);
+    edit(app.editing!, trails, frame).catch((error: Error) => app.announce(error.message));
+  });
+}
+
+/** Moves keys by whole frames, and the current frame with them. */
+const shiftKeys = (app: App, by: 1 | -1): void => editKeys(app, "keyed", async (editing, trails, frame) => {
+  await editing.moveKeys(trails, frame, frame + by);
+  goTo(app, frame + by);
+});
+
 /** A file name from the scene's. */
 const fileName = (app: App, ending: string) =>
   (baseName(app.scene.name).replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
@@ -213,6 +240,14 @@ export const COMMANDS: readonly Command[] = [
   { id: "onion", title: "Onion skins at frames, at keys, or none", keys: ["Shift+O"], run: nextOnionSkins },
   { id: "window", title: "Only the frames around the current one, or the whole range", keys: ["Shift+W"],
     run: (app) => toggle(app, "window", "Only the frames around the current one", "The whole range") },
+  { id: "insert-key", title: "Insert keys that change no motion, of what is selected", keys: ["Shift+I"], edits: true,
+    run: (app) => editKeys(app, "all", (editing, trails, frame) => editing.insertKeys(trails, frame)) },
+  { id: "remove-key", title: "Remove the keys of what is selected at this frame", keys: ["Delete"], edits: true,
+    run: (app) => editKeys(app, "keyed", (editing, trails, frame) => editing.removeKeys(trails, frame)) },
+  { id: "key-earlier", title: "Move them a frame earlier", keys: ["{"], edits: true, run: (app) => shiftKeys(app, -1) },
+  { id: "key-later", title: "Move them a frame later", keys: ["}"], edits: true, run: (app) => shiftKeys(app, 1) },
+  { id: "undo", title: "Undo an edit of keys", keys: ["Ctrl+z"], edits: true, run: (app) => takeStep(app, "undo") },
+  { id: "redo", title: "Redo it", keys: ["Ctrl+Shift+z", "Ctrl+y"], edits: true, run: (app) => takeStep(app, "redo") },
   { id: "png", title: "Save a picture (PNG)", keys: ["Shift+P"],
     run: (app) => void app.picture().then(
       (picture) => app.save(fileName(app, ".png"), picture), (error: Error) => app.announce(error.message)) },
@@ -220,6 +255,9 @@ export const COMMANDS: readonly Command[] = [
     run: (app) => eachSelected(app, (trails) =>
       app.save(fileName(app, ".csv"), new Blob([selectionCsv(app.motion, trails, comparisonOf(app))], { type: "text/csv" }))) },
 ];
+
+/** Those that this page has. */
+export const commandsOf = (app: App): readonly Command[] => COMMANDS.filter(({ edits }) => !edits || app.editing);
 
 export const command = (id: string): Command => {
   const found = COMMANDS.find((candidate) => candidate.id === id);
@@ -258,20 +296,20 @@ function usesKey(target: Element, key: string): boolean {
  * Whether a click gave the focus, and not the keyboard. A key that opens or closes something moves the focus, too: there,
  * it stays as it was, so that a button that was clicked does not get the keys when what it opened is closed.
  */
-function watchFocus(): () => boolean {
+function watchFocus(signal: AbortSignal): () => boolean {
   let pressed = false; // the pointer, its click included
   let key = ""; // that is pressed, what it does included
   let clicked = false;
-  document.addEventListener("pointerdown", () => (pressed = clicked = true), true);
-  document.addEventListener("pointerup", () => setTimeout(() => (pressed = false)), true);
+  document.addEventListener("pointerdown", () => (pressed = clicked = true), { capture: true, signal });
+  document.addEventListener("pointerup", () => setTimeout(() => (pressed = false)), { capture: true, signal });
   document.addEventListener("keydown", (event) => {
     pressed = false;
     key = event.key;
-  }, true);
-  document.addEventListener("keyup", () => setTimeout(() => (key = "")), true);
+  }, { capture: true, signal });
+  document.addEventListener("keyup", () => setTimeout(() => (key = "")), { capture: true, signal });
   document.addEventListener("focusin", () => {
     if (pressed || key === "" || /^(Tab|Arrow|Page|Home|End)/.test(key)) clicked = pressed;
-  }, true);
+  }, { capture: true, signal });
   return () => clicked;
 }
 
@@ -280,13 +318,14 @@ function watchFocus(): () => boolean {
  * does not keep them: Space plays after a click on any button. Escape closes what is open first.
  */
 export function listenToKeys(app: App): void {
-  const byKey = new Map(COMMANDS.flatMap((each) => each.keys.map((key) => [key, each] as const)));
+  const { life: signal } = app;
+  const byKey = new Map(commandsOf(app).flatMap((each) => each.keys.map((key) => [key, each] as const)));
   const commandOf = (event: KeyboardEvent) => {
     const off = typesCharacter(event) && !event.ctrlKey && !event.metaKey && !app.store.state.letterKeys;
     const others = event.altKey || event.defaultPrevented || takesText(event.target as Element);
     return off || others ? undefined : byKey.get(keyName(event));
   };
-  const clicked = watchFocus();
+  const clicked = watchFocus(signal);
   let held = ""; // a key that ran a command where a control would act when it is let go
   document.addEventListener("keydown", (event) => {
     const found = clicked() && event.key !== "Escape" ? commandOf(event) : undefined;
@@ -295,15 +334,15 @@ export function listenToKeys(app: App): void {
     event.stopPropagation();
     held = event.key;
     found.run(app);
-  }, true);
+  }, { capture: true, signal });
   document.addEventListener("keyup", (event) => {
     if (event.key === held) event.preventDefault();
     held = "";
-  }, true);
+  }, { capture: true, signal });
   document.addEventListener("keydown", (event) => {
     const found = usesKey(event.target as Element, event.key) ? undefined : commandOf(event);
     if (!found) return;
     event.preventDefault();
     found.run(app);
-  });
+  }, { signal });
 }

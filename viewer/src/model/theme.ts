@@ -6,4 +6,6 @@ const darkPreferred = () => window.matchMedia("(prefers-color-scheme: dark)");
 
 export const isDark = (theme: Theme): boolean => theme === "dark" || (theme === "auto" && darkPreferred().matches);
 
-export const onPreferenceChange = (changed: () => void): void => darkPreferred().addEventListener("change", changed);
+/** Until `life` ends. */
+export const onPreferenceChange = (changed: () => void, life: AbortSignal): void =>
+  darkPreferred().addEventListener("change", changed, { signal: life });

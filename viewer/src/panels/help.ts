@@ -1,7 +1,7 @@
 // What the keys and the mouse do, and what the colours mean.
 
 import type { App } from "../model/app";
-import { COMMANDS, keyLabel } from "../model/commands";
+import { commandsOf, keyLabel } from "../model/commands";
 import { el } from "./parts/dom";
 import { buildReading } from "./parts/reading";
 
@@ -19,6 +19,12 @@ const MOUSE: readonly Row[] = [
   ["There with Shift and the wheel, or the middle button", "Move along the time"],
   ["There a double click", "Show all of the time"],
   ["In the list: click a triangle", "Fold or open; with Alt, all that is below"],
+];
+
+const EDITING: readonly Row[] = [
+  ["Drag a key on its trail", "Move it in the plane of the picture; Escape puts it back"],
+  ["There with X, Y or Z held", "Move it along that axis"],
+  ["Drop files on the page", "Open another scene"],
 ];
 
 const PAGE: readonly Row[] = [
@@ -52,8 +58,8 @@ function table(
   return el("table", {}, el("thead", {}, head), el("tbody", {}, ...rows.map(line)));
 }
 
-function keyRows(): Row[] {
-  const rows = COMMANDS.filter(({ keys }) => keys.length > 0)
+function keyRows(app: App): Row[] {
+  const rows = commandsOf(app).filter(({ keys }) => keys.length > 0)
     .map(({ keys, title }) => [keys.map(keyLabel).join(" "), title] as const);
   return [...rows, ["?", "This help"]];
 }
@@ -74,11 +80,11 @@ export function buildHelp(app: App): Help {
   const part = (title: string, ...content: Node[]) => el("section", {}, el("h3", {}, title), ...content);
   const { element, open } = buildReading(
     "help", "Help", "Keys, mouse and colours",
-    part("Keys", table(["Key", "Does"], keyRows(), keyCaps),
+    part("Keys", table(["Key", "Does"], keyRows(app), keyCaps),
       el("p", { class: "note" }, "Keys that type a letter, a digit or a sign can be switched off in the settings: for who speaks to the computer.")),
     el("div", {},
       part("Keys of single controls", table(["Key", "Does"], CONTROLS)),
-      part("Mouse", table(["Mouse", "Does"], MOUSE)),
+      part("Mouse", table(["Mouse", "Does"], [...MOUSE, ...(app.editing ? EDITING : [])])),
       part("Colour modes", table(["Mode", "Means"], MODES)),
       part("On the page", table(["What", "Means"], PAGE))),
   );
@@ -87,6 +93,6 @@ export function buildHelp(app: App): Help {
     if (!app.store.state.letterKeys) return;
     event.preventDefault();
     open();
-  });
+  }, { signal: app.life });
   return { element, open };
 }

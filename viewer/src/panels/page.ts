@@ -1,6 +1,7 @@
 // The page around the viewport.
 
 import type { App } from "../model/app";
+import type { TrailChange } from "../source/trail";
 import { el } from "./parts/dom";
 import { buildCompareGraph } from "./compare_graph";
 import { buildGraph } from "./graph";
@@ -20,7 +21,7 @@ export interface Page {
   /** The element that the viewport fills. */
   readonly viewport: HTMLElement;
   announce(text: string): void;
-  trailsChanged(): void;
+  trailsChanged(how: TrailChange): void;
 }
 
 /** A link past the toolbar and the list. It moves the focus only, because the hash of the address holds the state. */
@@ -78,10 +79,11 @@ export function buildPage(app: App, root: HTMLElement): Page {
   return {
     viewport,
     announce: live.announce,
-    trailsChanged() {
+    trailsChanged(how) {
+      redraw();
+      if (how === "provisional") return;
       objects.trailsChanged();
       settings.trailsChanged();
-      redraw();
     },
   };
 }

@@ -52,7 +52,7 @@ function closesItself(app: App, { key, element }: Panel, opener: HTMLElement): v
     const target = event.target as Element;
     if (!narrow().matches || element.hidden || element.contains(target) || target.closest(".viewport, dialog")) return;
     if (covers(target.getBoundingClientRect(), element.getBoundingClientRect())) show(app, key, false);
-  });
+  }, { signal: app.life });
 }
 
 /** The button in the toolbar that opens and closes a panel. */
@@ -70,7 +70,7 @@ export function panelButton(app: App, panel: Panel): HTMLButtonElement {
     made.setAttribute("aria-expanded", String(!element.hidden));
   };
   app.store.subscribe(update, ["showList", "showSettings"]);
-  narrow().addEventListener("change", update);
+  narrow().addEventListener("change", update, { signal: app.life });
   update();
   return made;
 }

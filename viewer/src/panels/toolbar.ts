@@ -3,7 +3,7 @@
 import type { App } from "../model/app";
 import { baseName } from "../model/format";
 import type { ViewName } from "../model/state";
-import { button, commandButton, el, setAttributes } from "./parts/dom";
+import { button, commandButton, el, setAttributes, setText } from "./parts/dom";
 import { icon } from "./parts/icons";
 import { nextTheme, THEME_NAMES } from "./parts/theme";
 
@@ -38,6 +38,24 @@ function themeButton(app: App): HTMLButtonElement {
   return made;
 }
 
+/** Opening scenes and undoing edits, where the page can; with how far the engine is. */
+function editGroup(app: App): Node[] {
+  const { editing, chooseFiles } = app;
+  if (!editing || !chooseFiles) return [];
+  const steps = (["undo", "redo"] as const).map((id) => commandButton(app, id, { icon: id }));
+  const state = el("span", { class: "note", role: "status" });
+  const update = () => {
+    steps[0].disabled = editing.undoes === null;
+    steps[1].disabled = editing.redoes === null;
+    const { working } = editing;
+    setText(state, working ? `trails: ${working.done} of ${working.of}` : "");
+  };
+  editing.subscribe(update);
+  update();
+  return [group("Scene", button({ icon: "open", text: "Open…", title: "Open a scene in place of this one" }, chooseFiles)),
+    group("Edits", ...steps), state];
+}
+
 export interface ToolbarParts {
   listButton: HTMLButtonElement;
   settingsButton: HTMLButtonElement;
@@ -51,6 +69,7 @@ export function buildToolbar(app: App, parts: ToolbarParts): HTMLElement {
   return el(
     "header", { class: "toolbar" },
     el("div", { class: "brand" }, icon("trail"), title),
+    ...editGroup(app),
     parts.listButton,
     viewButtons(app),
     group("Frame", commandButton(app, "frame-all", { icon: "frameAll" }), commandButton(app, "frame-selected", { icon: "frameSelected" })),

@@ -1,5 +1,6 @@
 // Trails written into the page by the program: a JSON header and, in base64, the arrays that it describes.
 
+import { decodeBase64, takeBlock } from "./page_blocks";
 import type { ColorMode, Measure, Scene, StaticBox, Trail, TrailSource } from "./trail";
 
 /** Marks a coordinate of a sample that is not a finite number. */
@@ -45,16 +46,6 @@ export interface Header {
   measures: Measure[];
   trails: TrailHeader[];
   statics: StaticBox[];
-}
-
-/** The bytes that a base64 text stands for. */
-export function decodeBase64(text: string): ArrayBuffer {
-  const native = (Uint8Array as unknown as { fromBase64?: (text: string) => Uint8Array<ArrayBuffer> }).fromBase64;
-  if (native) return native.call(Uint8Array, text).buffer;
-  const binary = atob(text);
-  const bytes = new Uint8Array(binary.length);
-  for (let i = 0; i < binary.length; ++i) bytes[i] = binary.charCodeAt(i);
-  return bytes.buffer;
 }
 
 /** Coordinates from their place in the trail's box. */
@@ -156,10 +147,8 @@ function readScene(header: Header): Scene {
 }
 
 function blockText(id: string): string {
-  const element = document.getElementById(id);
-  if (!element) throw new Error("This page holds no trails. Make one that does with: vantorelix trails SCENE --out trails.html");
-  const text = element.textContent ?? "";
-  element.remove(); // its memory is not needed twice
+  const text = takeBlock(id);
+  if (text === null) throw new Error("This page holds no trails. Make one that does with: vantorelix trails SCENE --out trails.html");
   return text;
 }
 

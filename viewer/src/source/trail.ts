@@ -43,7 +43,7 @@ export interface Trail {
   readonly keyPoints: Float64Array;
   /** Why the trail may differ from the scene's own motion. */
   readonly warnings: readonly string[];
-  /** In the order of Scene.measures; null where one is not known. */
+  /** In the order of Scene.measures; null where one is not known, or not yet. */
   readonly measures: readonly (number | null)[];
   /** Where the scene is compared with a second one that has this object. */
   readonly compare?: Counterpart | null;
@@ -82,10 +82,38 @@ export interface Scene {
   readonly statics: readonly StaticBox[];
 }
 
+/** Edits of the keys that trails have, in order; each answers when it is done, or rejects with a text for the reader. */
+export interface Editing {
+  /** The names of the steps that undo and redo are about next; null where there is none. */
+  readonly undoes: string | null;
+  readonly redoes: string | null;
+  /** How many trails are made again after an edit, of how many; null when all are as they should be. */
+  readonly working: { readonly done: number; readonly of: number } | null;
+  undo(): Promise<void>;
+  redo(): Promise<void>;
+  /** Keys of some trails' objects at a frame: new ones that change no motion, none any more, or at another frame. */
+  insertKeys(trails: readonly number[], frame: number): Promise<void>;
+  removeKeys(trails: readonly number[], frame: number): Promise<void>;
+  moveKeys(trails: readonly number[], frame: number, to: number): Promise<void>;
+  /** From here to endDrag, the key of a trail at a frame is one that is dragged. */
+  beginDrag(trail: number, frame: number): Promise<void>;
+  /** Moves it to a place in the world; while one such move is at work, of the others only the last one counts. */
+  drag(place: Vec3): Promise<void>;
+  /** Not `kept`: it goes back to where it was. */
+  endDrag(kept: boolean): Promise<void>;
+  /** Calls back after any of the first three has changed, until the result is called. */
+  subscribe(changed: () => void): () => void;
+}
+
+/** What has changed of trails: for a moment, as while a key is dragged, or for good. */
+export type TrailChange = "provisional" | "final";
+
 export interface TrailSource {
   readonly scene: Scene;
   /** The trails as they are now. A trail keeps its place in the list; one that changed is a new object. */
   trails(): readonly Trail[];
   /** Calls back after trails() changed, until the result is called. */
-  subscribe(changed: () => void): () => void;
+  subscribe(changed: (how: TrailChange) => void): () => void;
+  /** Where keys can be edited. */
+  readonly editing?: Editing;
 }

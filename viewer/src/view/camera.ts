@@ -29,6 +29,10 @@ export class CameraRig {
     return this.pose.view === "persp" ? this.perspective : this.parallel;
   }
 
+  dispose(): void {
+    this.controls.dispose();
+  }
+
   onGesture(begin: () => void, end: () => void): void {
     this.controls.addEventListener("start", begin);
     this.controls.addEventListener("end", end);

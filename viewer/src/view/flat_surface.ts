@@ -50,6 +50,8 @@ export class FlatSurface implements Surface {
     this.context.getImageData(0, 0, 1, 1);
   }
 
+  dispose(): void {}
+
   private drawTrail(trail: DrawnTrail, drawing: Drawing, projection: Projection): number {
     const { lineWidth, pointSize, showLine, showDots } = styleOf(this.app, trail.index);
     const { selected, showKeys } = this.app.store.state;

@@ -150,6 +150,10 @@ export class TrailLayers {
     return this.trails.reduce((sum, trail) => sum + trail.places.length / 3, 0);
   }
 
+  dispose(): void {
+    this.dropLevels();
+  }
+
   /** Forget where everything is. */
   moved(): void {
     this.whole = null;

@@ -1,7 +1,7 @@
 // Where the trails are drawn: relative to the viewport's origin, y up; all of them, or a window in time.
 
 import type { App } from "../model/app";
-import { isFinitePoint, sampleFrame } from "../model/motion";
+import { isFinitePoint, sampleFrame, triple } from "../model/motion";
 import { yUp } from "../model/pose";
 import type { ViewState } from "../model/state";
 import type { Trail, Vec3 } from "../source/trail";
@@ -32,6 +32,19 @@ export function placeIn({ app, origin }: Standpoint, place: Vec3): Vec3 | null {
   if (!isFinitePoint(place)) return null;
   const [x, y, z] = yUp(place, app.scene.upAxis);
   return [x - origin[0], y - origin[1], z - origin[2]];
+}
+
+/** Where a key is, as exactly as it is known; null where there is none. */
+export function keyPlace(view: Standpoint, index: number, frame: number): Vec3 | null {
+  const { motion } = view.app;
+  const key = motion.trails[index].keyTimes.indexOf(frame);
+  return key < 0 ? null : placeIn(view, triple(motion.shownKeyPoints(index), key));
+}
+
+/** A place of the viewport's space in the scene. */
+export function sceneOf({ app, origin }: Standpoint, place: Vec3): Vec3 {
+  const [x, y, z] = [place[0] + origin[0], place[1] + origin[1], place[2] + origin[2]];
+  return app.scene.upAxis === "z" ? [x, -z, y] : [x, y, z];
 }
 
 /** Where a place of the scene is in the picture; null where it is not to be seen. */

@@ -1,7 +1,7 @@
 // What the pointer does in the viewport besides moving the camera: it points, selects by a click, or by a box.
 
-import type { Store } from "../model/state";
-import type { Hover } from "../model/state";
+import type { App } from "../model/app";
+import type { Hover, Store } from "../model/state";
 import type { Area, Spot } from "./primitives/projection";
 
 /** Pixels within which a press is a click and no drag. */
@@ -13,7 +13,7 @@ export interface Under {
   passing(area: Area): number[];
 }
 
-const placeIn = (element: HTMLElement, event: PointerEvent): Spot => {
+export const placeIn = (element: HTMLElement, event: PointerEvent): Spot => {
   const { left, top } = element.getBoundingClientRect();
   return { x: event.clientX - left, y: event.clientY - top };
 };
@@ -22,12 +22,12 @@ const areaOf = (a: Spot, b: Spot): Area => ({
   left: Math.min(a.x, b.x), top: Math.min(a.y, b.y), right: Math.max(a.x, b.x), bottom: Math.max(a.y, b.y),
 });
 
-const far = (a: Spot, b: Spot) => Math.hypot(a.x - b.x, a.y - b.y) >= STILL;
+export const far = (a: Spot, b: Spot) => Math.hypot(a.x - b.x, a.y - b.y) >= STILL;
 
 const adds = (event: MouseEvent) => event.ctrlKey || event.metaKey;
 
 /** A click without a drag selects what is under it, or nothing; with Ctrl or Shift it adds or takes away. */
-function click(store: Store, hit: Hover | null, more: boolean): void {
+export function click(store: Store, hit: Hover | null, more: boolean): void {
   if (!hit && more) return;
   const next = new Set(more ? store.state.selected : []);
   if (hit && (!more || !next.delete(hit.trail))) next.add(hit.trail);
@@ -40,7 +40,7 @@ function point(store: Store, hover: Hover | null): void {
 }
 
 /** Selects what passes through the box that a drag with Shift draws; with Ctrl as well, in addition. Escape gives it up. */
-function listenToBoxes(host: HTMLElement, store: Store, under: Under): void {
+function listenToBoxes(host: HTMLElement, { store, life }: App, under: Under): void {
   const frame = document.createElement("div");
   frame.className = "selecting";
   frame.hidden = true;
@@ -76,13 +76,14 @@ function listenToBoxes(host: HTMLElement, store: Store, under: Under): void {
     if (event.key !== "Escape" || !begin) return;
     event.preventDefault(); // which would deselect
     stop();
-  }, true);
+  }, { capture: true, signal: life });
 }
 
 /** Listens on a canvas that fills the host. */
-export function listenToPointer(host: HTMLElement, canvas: HTMLCanvasElement, store: Store, under: Under): void {
+export function listenToPointer(host: HTMLElement, canvas: HTMLCanvasElement, app: App, under: Under): void {
+  const { store } = app;
   let down: Spot | null = null;
-  listenToBoxes(host, store, under);
+  listenToBoxes(host, app, under);
   canvas.addEventListener("pointermove", (event) => {
     if (event.buttons === 0) point(store, under.pick(placeIn(canvas, event)));
   });

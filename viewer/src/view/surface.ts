@@ -21,6 +21,8 @@ export interface Surface {
   draw(view: View): number;
   /** Returns when everything is drawn. */
   finish(): void;
+  /** Gives back what the browser lent it. */
+  dispose(): void;
 }
 
 /** Milliseconds within which a browser that took WebGL away gives it back, if ever. */
@@ -50,6 +52,7 @@ function copier(): ShaderMaterial {
  */
 export class GlSurface implements Surface {
   private readonly renderer: WebGLRenderer;
+  private disposed = false;
   private readonly smoothed = new WebGLRenderTarget(1, 1, { samples: 4, stencilBuffer: true });
   private readonly copy = new Scene();
   private readonly flat = new OrthographicCamera(-1, 1, 1, -1, 0, 1);
@@ -58,7 +61,9 @@ export class GlSurface implements Surface {
   constructor(private readonly scene: Scene, private readonly layers: TrailLayers, back: () => void, gone: () => void) {
     this.renderer = makeRenderer();
     let timer = 0;
-    this.canvas.addEventListener("webglcontextlost", () => (timer = window.setTimeout(gone, PATIENCE)));
+    this.canvas.addEventListener("webglcontextlost", () => {
+      if (!this.disposed) timer = window.setTimeout(gone, PATIENCE);
+    });
     this.canvas.addEventListener("webglcontextrestored", () => {
       clearTimeout(timer);
       back();
@@ -99,5 +104,11 @@ export class GlSurface implements Surface {
   finish(): void {
     const gl = this.renderer.getContext();
     gl.readPixels(0, 0, 1, 1, gl.RGBA, gl.UNSIGNED_BYTE, new Uint8Array(4));
+  }
+
+  dispose(): void {
+    this.disposed = true;
+    this.renderer.dispose();
+    this.renderer.forceContextLoss(); // a browser lends few of them
   }
 }

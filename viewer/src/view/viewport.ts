@@ -4,21 +4,23 @@ import "./viewport.css";
 import { ColorManagement, Group, Scene } from "three";
 import type { App } from "../model/app";
 import { boundsOf, type Bounds } from "../model/framing";
-import type { Change, ViewState } from "../model/state";
+import type { Change, Hover, ViewState } from "../model/state";
 import { onPreferenceChange } from "../model/theme";
-import type { Vec3 } from "../source/trail";
+import type { TrailChange, Vec3 } from "../source/trail";
 import { annotate, hoveredSpot, type Picture } from "./annotations";
 import { CameraRig } from "./camera";
 import { Detail } from "./detail";
 import { FlatSurface } from "./flat_surface";
 import { acrossOf, buildStage, disposeAll, gridFor, type Grid, type Stage } from "./ground";
+import { keyAt, listenToHandles } from "./handles";
 import { holdsSamples } from "./held";
 import { TrailLayers, type Drawing } from "./layers";
 import { Overlay } from "./overlay";
 import { passing, pick } from "./picking";
 import { blobOf, framed } from "./picture";
-import { listenToPointer } from "./pointer";
-import { Projection } from "./primitives/projection";
+import { keyPlace, sceneOf } from "./places";
+import { click, listenToPointer } from "./pointer";
+import { Projection, type Area, type Spot } from "./primitives/projection";
 import { Skeleton } from "./skeleton";
 import { GlSurface, type Surface } from "./surface";
 import { colorsOf } from "./theme";
@@ -67,6 +69,7 @@ export class Viewport {
   private settleTimer = 0;
   private moving = true; // the first picture is a quick one
   private gesture = false;
+  private gone = false;
   /** Above 1 while a larger picture is drawn. */
   private scale = 1;
 
@@ -88,9 +91,21 @@ export class Viewport {
     this.listen();
   }
 
-  trailsChanged(): void {
-    this.rebuild();
+  trailsChanged(how: TrailChange = "final"): void {
+    if (how === "final") this.rebuild();
+    else this.layers.moved(); // what stands around them stays
     this.changed();
+  }
+
+  /** Gives back what the browser lent it. */
+  dispose(): void {
+    this.gone = true;
+    clearTimeout(this.settleTimer);
+    cancelAnimationFrame(this.frameAsked);
+    this.layers.dispose();
+    disposeAll(this.stage);
+    this.surface.dispose();
+    this.rig.dispose();
   }
 
   /** What is seen now, labels included, as large and with what around it as is chosen. */
@@ -155,13 +170,37 @@ export class Viewport {
       this.layers.restyled();
       this.rebuildStage();
       this.changed();
+    }, this.app.life);
+    const sizes = new ResizeObserver(() => this.resize());
+    sizes.observe(this.host);
+    this.app.life.addEventListener("abort", () => {
+      sizes.disconnect();
+      this.dispose();
     });
-    new ResizeObserver(() => this.resize()).observe(this.host);
     this.measure();
     this.changed();
-    listenToPointer(this.host, this.overlay.canvas, this.app.store, {
-      pick: (at) => pick(this.layers.pickable, this.projection(), at),
-      passing: (area) => passing(this.layers.pickable, this.projection(), area),
+    const under = {
+      pick: (at: Spot) => pick(this.layers.pickable, this.projection(), at),
+      passing: (area: Area) => passing(this.layers.pickable, this.projection(), area),
+    };
+    listenToPointer(this.host, this.overlay.canvas, this.app, under);
+    if (this.app.editing) this.listenToHandles(under.pick);
+  }
+
+  /** Keys are handles where they are drawn, in the world. */
+  private listenToHandles(under: (at: Spot) => Hover | null): void {
+    const { app } = this;
+    const sight = () => ({ projection: this.projection(), camera: this.rig.camera, upAxis: app.scene.upAxis });
+    listenToHandles(app, this.host, {
+      sight,
+      handleAt: (at) => {
+        const { showKeys, relativeTo, selected } = app.store.state;
+        const key = showKeys && relativeTo === null ? keyAt(this.layers.seen, selected, this.projection(), at) : null;
+        const place = key && keyPlace({ app, origin: this.origin }, key.trail, key.frame);
+        return key && place && { ...key, place };
+      },
+      inScene: (place) => sceneOf({ app, origin: this.origin }, place),
+      clicked: (at, more) => click(app.store, under(at), more),
     });
   }
 
@@ -247,6 +286,7 @@ export class Viewport {
   }
 
   private ask(): void {
+    if (this.gone) return;
     this.frameAsked ||= requestAnimationFrame(() => {
       this.frameAsked = 0;
       this.draw(this.moving);

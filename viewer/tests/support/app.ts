@@ -30,7 +30,7 @@ export function makeApp(input: SceneInput): TestApp {
   const said: string[] = [];
   const saved = new Map<string, Blob>();
   return {
-    scene, motion, store, said, saved,
+    scene, motion, store, said, saved, life: new AbortController().signal,
     announce: (text) => void said.push(text),
     picture: () => Promise.resolve(new Blob(["picture"])),
     save: (name, content) => void saved.set(name, content),

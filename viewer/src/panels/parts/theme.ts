@@ -15,8 +15,8 @@ export function followTheme(app: App, changed: () => void): void {
     document.documentElement.dataset.theme = isDark(app.store.state.theme) ? "dark" : "light";
     changed();
   };
-  onPreferenceChange(apply);
-  window.matchMedia("(forced-colors: active)").addEventListener("change", apply);
+  onPreferenceChange(apply, app.life);
+  window.matchMedia("(forced-colors: active)").addEventListener("change", apply, { signal: app.life });
   app.store.subscribe(apply, ["theme"]);
   apply();
 }

@@ -1,6 +1,7 @@
 // From places in the viewport's space to pixels, and from pixels to what lies behind them.
 
 import { Matrix4, type Camera } from "three";
+import type { Vec3 } from "../../source/trail";
 
 export interface Spot {
   x: number;
@@ -35,6 +36,16 @@ export class Projection {
       x: (((m[0] * x + m[4] * y + m[8] * z + m[12]) / w + 1) / 2) * this.width,
       y: ((1 - (m[1] * x + m[5] * y + m[9] * z + m[13]) / w) / 2) * this.height,
     };
+  }
+
+  /** How far a place moves in the picture for each unit in a direction, CSS pixels. */
+  pixels([x, y, z]: Vec3, [dx, dy, dz]: Vec3): Spot {
+    const { m } = this;
+    const at = (k: number) => m[k] * x + m[4 + k] * y + m[8 + k] * z + m[12 + k];
+    const by = (k: number) => m[k] * dx + m[4 + k] * dy + m[8 + k] * dz;
+    const w = at(3);
+    const turn = (k: number) => (by(k) * w - at(k) * by(3)) / (w * w);
+    return { x: (turn(0) / 2) * this.width, y: (-turn(1) / 2) * this.height };
   }
 
   /** The four sides of the area, seen from the eye, and where the picture begins in depth. */

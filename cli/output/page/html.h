@@ -22,11 +22,17 @@
 //   statics          [{name, matrix (16 numbers, row vectors), low, high}]
 #pragma once
 
+#include <functional>
+#include <string_view>
+
 #include "base/text_sink.h"
 #include "session/report.h"
 
 namespace vantorelix::cli {
 
 void write_html(TextSink& out, const session::TrailReport& report);
+
+// The page with `policy` for its own, and in the place of the data what `blocks` writes.
+void write_page(TextSink& out, std::string_view policy, const std::function<void()>& blocks);
 
 }  // namespace vantorelix::cli

@@ -8,9 +8,9 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
-#include "cli/output/html.h"
 #include "cli/output/output_file.h"
-#include "cli/output/page.h"
+#include "cli/output/page/html.h"
+#include "cli/output/page/page.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/trail_views.h"
 

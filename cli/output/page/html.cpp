@@ -1,13 +1,14 @@
-#include "cli/output/html.h"
+#include "cli/output/page/html.h"
 
 #include <array>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/json_writer.h"
 #include "cli/output/base64.h"
-#include "cli/output/page.h"
+#include "cli/output/page/page.h"
 #include "cli/output/trail_data.h"
 #include "session/measures/measures.h"
 
@@ -137,13 +138,17 @@ void write_blocks(TextSink& out, const session::TrailReport& report) {
 
 }  // namespace
 
-void write_html(TextSink& out, const session::TrailReport& report) {
+void write_page(TextSink& out, std::string_view policy, const std::function<void()>& blocks) {
   for (const std::string_view piece : page()) {
     if (piece == kPagePlace)
-      write_blocks(out, report);
+      blocks();
     else
-      out << piece;
+      out << (piece == page_policy() ? policy : piece);
   }
+}
+
+void write_html(TextSink& out, const session::TrailReport& report) {
+  write_page(out, page_policy(), [&] { write_blocks(out, report); });
 }
 
 }  // namespace vantorelix::cli

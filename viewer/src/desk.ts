@@ -1,0 +1,82 @@
+// The live page: opens scenes, one after the other, in the engine that runs beside it, and shows each.
+
+import { LiveError } from "../../web/src/live/client";
+import { buildOpening, type Opening } from "./panels/opening";
+import { chosenScene, runEngine, type EngineParts, type RunningEngine, type SceneRequest } from "./source/engine";
+import { LiveSource } from "./source/live";
+import { show } from "./show";
+
+export function openDesk(root: HTMLElement, parts: EngineParts, brought: SceneRequest | null): void {
+  const desk = new Desk(root, parts);
+  void desk.begin(brought);
+}
+
+class Desk {
+  private readonly opening: Opening;
+  private engine: RunningEngine;
+  private source: LiveSource | null = null;
+  private life = new AbortController();
+  /** Scenes are opened one at a time. */
+  private busy: Promise<void> = Promise.resolve();
+
+  constructor(private readonly root: HTMLElement, private readonly parts: EngineParts) {
+    this.opening = buildOpening((files) => void this.open(() => chosenScene(files)));
+    this.engine = this.start();
+  }
+
+  async begin(brought: SceneRequest | null): Promise<void> {
+    if (brought) return this.open(() => Promise.resolve(brought));
+    this.opening.invite(this.root);
+    try {
+      await this.engine.ready;
+      document.documentElement.dataset.ready = "true";
+    } catch (error) {
+      this.opening.fail(error as Error);
+    }
+  }
+
+  private start(): RunningEngine {
+    const engine = runEngine(this.parts, (event) => this.source?.hear(event));
+    engine.ready.catch(() => {}); // whoever uses it is told
+    return engine;
+  }
+
+  /** Shows the scene that `request` names, or why not: then what was shown stays. */
+  private open(request: () => Promise<SceneRequest>): Promise<void> {
+    return (this.busy = this.busy.then(async () => {
+      try {
+        await this.show(await request());
+        this.opening.clear();
+      } catch (error) {
+        if (!this.source) this.opening.invite(this.root);
+        this.opening.fail(error as Error);
+      }
+    }));
+  }
+
+  private async show(request: SceneRequest): Promise<void> {
+    this.opening.progress(`Opening ${request.name}…`);
+    const opened = await this.ask(request);
+    const source = new LiveSource(this.engine.client, request, opened);
+    const hash = this.source ? "" : location.hash;
+    if (this.source) history.replaceState(null, "", location.pathname);
+    this.source = source;
+    this.life.abort();
+    this.life = new AbortController();
+    show(this.root, source, { life: this.life.signal, hash, chooseFiles: () => this.opening.choose() });
+  }
+
+  /** An engine that broke down is started anew once: what was open in it is shown as it was, but not edited any more. */
+  private async ask(request: SceneRequest) {
+    try {
+      await this.engine.ready;
+      return await this.engine.client.call("open", request.wanted);
+    } catch (error) {
+      if (error instanceof LiveError && error.gone) {
+        this.engine.stop();
+        this.engine = this.start();
+      }
+      throw error;
+    }
+  }
+}

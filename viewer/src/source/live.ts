@@ -1,0 +1,95 @@
+// Trails from the engine that runs beside the page, which follow edits of their keys.
+
+import type { LiveClient } from "../../../web/src/live/client";
+import type { Dragged, LiveEvent, MovedPart, Opened, TrailNumbers } from "../../../web/src/live/protocol";
+import type { SceneRequest } from "./engine";
+import { Listeners } from "./listeners";
+import { LiveEditing } from "./live_editing";
+import type { ColorMode, Scene, Trail, TrailChange, TrailSource } from "./trail";
+
+/** As the engine has them where nobody chose. */
+const LINE_WIDTH = 2.5;
+const POINT_SIZE = 6;
+
+function sceneOf({ name, style, wanted }: SceneRequest, { description, measures }: Opened): Scene {
+  const [first, last] = description.range;
+  const { first: from = first, last: to = last, colorMode } = wanted.trails;
+  return {
+    name, first: from, last: to, current: style.frame ?? from, fps: description.fps, unit: description.unit,
+    upAxis: description.up_axis, colorModeChosen: colorMode !== undefined, measures, statics: [],
+  };
+}
+
+/** A trail without its numbers. Its measures come later, into the same list. */
+function trailOf({ style }: SceneRequest, opened: Opened, index: number, numbers: TrailNumbers): Trail {
+  const fields = opened.fields[index];
+  return {
+    viz: fields.viz, source: fields.source, name: fields.name, parent: fields.parent,
+    samplesPerFrame: fields.samples_per_frame, colorMode: fields.color_mode as ColorMode,
+    startFrame: fields.start_frame, frameStep: fields.frame_step, warnings: fields.warnings,
+    lineWidth: style.lineWidth ?? LINE_WIDTH, pointSize: style.pointSize ?? POINT_SIZE,
+    showLine: style.showLine ?? true, showDots: style.showDots ?? true, ghost: style.ghost ?? false,
+    measures: opened.measures.map(() => null), ...arraysOf(numbers),
+  };
+}
+
+const arraysOf = ({ points, colors, keyPoints, keyTimes }: TrailNumbers) =>
+  ({ points, colors, keyPoints, keyTimes, count: points.length / 3 });
+
+export class LiveSource implements TrailSource {
+  readonly scene: Scene;
+  readonly editing: LiveEditing;
+  private list: readonly Trail[];
+  private readonly listeners = new Listeners<[TrailChange]>();
+
+  constructor(client: LiveClient, request: SceneRequest, opened: Opened) {
+    this.scene = sceneOf(request, opened);
+    this.list = opened.numbers.map((numbers, index) => trailOf(request, opened, index, numbers));
+    this.editing = new LiveEditing(client, opened.history, (index) => this.list[index].source, () => this.list.length,
+      (trail, frame, dragged) => this.move(trail, frame, dragged));
+  }
+
+  trails(): readonly Trail[] {
+    return this.list;
+  }
+
+  subscribe(changed: (how: TrailChange) => void): () => void {
+    return this.listeners.add(changed);
+  }
+
+  hear(event: LiveEvent): void {
+    if (event.kind === "measures") return this.measure(event.values);
+    this.change(event.numbers, arraysOf);
+    this.editing.work(event.pending ? { done: event.done, of: event.of } : null);
+    if (event.numbers.length > 0) this.listeners.tell("final");
+  }
+
+  private measure(all: [number, (number | null)[]][]): void {
+    for (const [index, values] of all) {
+      const known = this.list[index].measures as (number | null)[];
+      values.forEach((value, k) => (known[k] = value));
+    }
+  }
+
+  /** What a drag has moved, until the engine has made the trails again. */
+  private move(trail: number, frame: number, { position, parts }: Dragged): void {
+    this.change(parts, (part, { points }) => ({ points: withPart(points, part) }));
+    const { keyPoints, keyTimes } = this.list[trail];
+    const moved = keyPoints.slice();
+    keyTimes.forEach((time, k) => time === frame && moved.set(position, 3 * k));
+    this.change([{ index: trail }], () => ({ keyPoints: moved }));
+    this.listeners.tell("provisional");
+  }
+
+  private change<T extends { index: number }>(items: readonly T[], patch: (item: T, trail: Trail) => Partial<Trail>): void {
+    const list = [...this.list];
+    for (const item of items) list[item.index] = { ...list[item.index], ...patch(item, list[item.index]) };
+    this.list = list;
+  }
+}
+
+function withPart(points: Float64Array, { first, points: part }: MovedPart): Float64Array {
+  const result = points.slice();
+  result.set(part, 3 * first);
+  return result;
+}
