@@ -135,6 +135,8 @@ std::string remedy(session::Failure::Kind kind) {
     case Kind::nothing_followed:
     case Kind::all_excluded:
       return "";  // choose_objects says it, which knows the file
+    case Kind::cannot_place:
+      return "";  // no command of the program places keys
   }
   return "";
 }
