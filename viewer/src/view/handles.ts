@@ -62,17 +62,17 @@ export function listenToHandles(app: App, host: HTMLElement, view: HandleView): 
   let axis: number | null = null;
   const wanted = ({ handle, from, to }: Drag): Vec3 => view.inScene(axis === null
     ? inPlane(view.sight(), handle.place, from, to) : alongAxis(view.sight(), handle.place, axis, from, to));
-  const refused = (error: Error) => {
-    drag = null;
-    app.announce(error.message);
-  };
-  const move = () => void (drag?.moves && editing.drag(wanted(drag)).catch(refused));
   const stop = (kept: boolean) => {
     const ended = drag;
     drag = null;
     axis = null;
     if (ended?.moves) void editing.endDrag(kept).catch(refused);
   };
+  const refused = (error: Error) => {
+    stop(false);
+    app.announce(error.message);
+  };
+  const move = () => void (drag?.moves && editing.drag(wanted(drag)).catch(refused));
   host.addEventListener("pointerdown", (event) => {
     if (event.button !== 0 || event.shiftKey || drag || !(event.target instanceof HTMLCanvasElement)) return;
     const from = placeIn(host, event);
