@@ -30,8 +30,7 @@ class Report(ShotsTest):
 
     def write(self, **options):
         """What the page holds, as its script reads it."""
-        store = Store(self.out)
-        report.write(self.shots, Settings(), store, list(store.records()), **options)
+        report.write(self.shots, Settings(), Store(self.out), **options)
         with open(os.path.join(self.out, "report.html"), encoding="utf-8") as file:
             self.html = file.read()
         return json.loads(re.search(r'id="data">(.*?)</script>', self.html, re.DOTALL).group(1))

@@ -18,7 +18,7 @@ from . import alone, group, preload
 from .group import Task
 from .progress import Progress
 from .shot import Shot
-from .store import Record, WriteError
+from .store import WriteError
 
 _LOCAL = {
     "distributed.scheduler.allowed-failures": 1,  # a worker that dies twice at a group: the group is split
@@ -40,15 +40,15 @@ class Where(NamedTuple):
     workers: Optional[int] = None  # of a local cluster; None: one for each core
 
 
-def run(groups: Sequence[List[Shot]], task: Task, where: Where, progress: Progress) -> List[Record]:
-    """Does all groups, and returns the record of each shot. `task` tells everything but the shots.
+def run(groups: Sequence[List[Shot]], task: Task, where: Where, progress: Progress) -> None:
+    """Does all groups. `task` tells everything but the shots.
 
     Raises WriteError and ClusterError; what is done by then stays done, as it does after KeyboardInterrupt.
     """
     with _client(where) as client:
         if client.dashboard_link and importlib.util.find_spec("bokeh"):
             progress.note("dashboard: %s" % client.dashboard_link)
-        return _Run(client, task, progress).do(groups)
+        _Run(client, task, progress).do(groups)
 
 
 @contextlib.contextmanager
@@ -104,9 +104,8 @@ class _Run:
         self._names = ("vantorelix-shots-%s-%d" % (uuid.uuid4().hex, number) for number in itertools.count())
         self._shots: Dict[str, List[Shot]] = {}  # of the tasks in flight, by the names of these
         self._deaths: Dict[str, int] = {}  # of workers, by the shot that was in a child of theirs
-        self._records: List[Record] = []  # of the shots that have ended
 
-    def do(self, groups: Sequence[List[Shot]]) -> List[Record]:
+    def do(self, groups: Sequence[List[Shot]]) -> None:
         futures = [self._submit(group.do, shots) for shots in groups]
         ended = as_completed(futures, raise_errors=False, loop=self._client.loop)
         del futures  # what is done is let go
@@ -119,7 +118,6 @@ class _Run:
             with contextlib.suppress(Exception):
                 self._client.cancel(list(ended.futures), force=True)
             raise
-        return self._records
 
     def _take(self, future: Future, shots: List[Shot]) -> List[Future]:
         """Counts what a task tells; returns the tasks that take its place if its worker has died."""
@@ -136,7 +134,6 @@ class _Run:
                     "then run the same command again" % (type(error).__name__, error)) from None
             raise ClusterError(_GONE) from None
         self._progress.add(outcomes)
-        self._records += [outcome.record for outcome in outcomes]
         return []
 
     def _divided(self, shots: List[Shot]) -> List[Future]:

@@ -16,7 +16,7 @@ from .group import Outcome, Task
 from .listing import read_shots
 from .progress import Progress
 from .shot import Settings, Shot, UsageError
-from .store import Record, Store, WriteError
+from .store import Store, WriteError
 
 _EPILOG = """examples:
   vantorelix-shots shots/ --out show            every scene below a folder
@@ -116,8 +116,9 @@ def _run(options: argparse.Namespace) -> int:
         return 0
     if options.only:
         return _only([_at(shots, index) for index in options.only], settings, store, options)
-    records = list(store.records()) if options.report else _measure(shots, settings, store, options)
-    return _report(shots, settings, store, records, options)
+    if not options.report:
+        _measure(shots, settings, store, options)
+    return _report(shots, settings, store, options)
 
 
 def _settings(options: argparse.Namespace) -> Settings:
@@ -125,37 +126,34 @@ def _settings(options: argparse.Namespace) -> Settings:
                     options.samples_per_frame, options.fps, options.axis, options.unit)
 
 
-def _measure(shots: List[Shot], settings: Settings, store: Store, options: argparse.Namespace) -> List[Record]:
-    """Does what is missing or changed; returns the records of all shots."""
+def _measure(shots: List[Shot], settings: Settings, store: Store, options: argparse.Namespace) -> None:
+    """Does what is missing or changed."""
     todo = plan.make(shots, settings, store, options.again)
     progress = Progress(len(todo.todo), None if options.quiet else sys.stderr)
     progress.note("%d shots, %d to do" % (len(shots), len(todo.todo)))
-    records = _tidy(todo, store, progress, options.prune)
+    _tidy(todo, store, progress, options.prune)
     if todo.todo:
         task = Task([], settings, store.folder, run=store.run, again=options.again)
         try:
-            records += cluster.run(plan.groups(todo), task, Where(options.scheduler, options.workers), progress)
+            cluster.run(plan.groups(todo), task, Where(options.scheduler, options.workers), progress)
         finally:
             store.end_run()
         progress.end()
-    return records
 
 
-def _tidy(todo: plan.Plan, store: Store, progress: Progress, prune: bool) -> List[Record]:
-    """Brings records of shots that are not done again up to date, and returns them."""
+def _tidy(todo: plan.Plan, store: Store, progress: Progress, prune: bool) -> None:
     kept = {record["shot"]: record for record in todo.kept}
     for shot in todo.relabelled:
-        kept[shot.name] = store.write_record(shot, kept[shot.name])
+        store.write_record(shot, kept[shot.name])
     for record in todo.gone if prune else []:
         store.remove(record["shot"])
     if todo.gone and not prune:
         progress.note("%d shots that are no longer in the list stay in the dataset; --prune removes them" % len(todo.gone))
-    return list(kept.values())
 
 
-def _report(shots: List[Shot], settings: Settings, store: Store, records: List[Record], options: argparse.Namespace) -> int:
+def _report(shots: List[Shot], settings: Settings, store: Store, options: argparse.Namespace) -> int:
     try:
-        found = report.write(shots, settings, store, records, options.order, options.pages)
+        found = report.write(shots, settings, store, options.order, options.pages)
     except ValueError as error:
         raise UsageError("--order: %s" % error) from None
     if not options.quiet:

@@ -17,16 +17,8 @@ Work = Callable[[Shot, Settings], Measured]
 class Outcome(NamedTuple):
     """How a shot ended. Its results are files."""
 
-    record: Record  # as it was written
-
-    @property
-    def shot(self) -> str:
-        return self.record["shot"]
-
-    @property
-    def error(self) -> Optional[str]:
-        """None for one that is done."""
-        return self.record.get("error")
+    shot: str
+    error: Optional[str]  # None for one that is done
 
 
 class Task(NamedTuple):
@@ -47,7 +39,7 @@ def do(task: Task, tell: Callable[[Outcome], Any] = lambda outcome: None) -> Lis
     for shot in task.shots:
         record = store.record(shot.name)
         if record and up_to_date(record, shot, task.settings) and not (task.again and record["state"] == "failed"):
-            outcomes.append(Outcome(record))
+            outcomes.append(Outcome(shot.name, record["error"]))
         else:
             outcomes.append(_do(shot, task, store))
         tell(outcomes[-1])
@@ -63,7 +55,8 @@ def _do(shot: Shot, task: Task, store: Store) -> Outcome:
         return fail(shot, facts, _text(error), store)
     for kind, table in result.tables.items():
         store.write(kind, shot.name, table)
-    return Outcome(store.write_record(shot, dict(facts, state="done", seconds=time.perf_counter() - start, **result.facts)))
+    store.write_record(shot, dict(facts, state="done", seconds=time.perf_counter() - start, **result.facts))
+    return Outcome(shot.name, None)
 
 
 def blame(shot: Shot, task: Task, error: str) -> Outcome:
@@ -72,9 +65,9 @@ def blame(shot: Shot, task: Task, error: str) -> Outcome:
 
 
 def fail(shot: Shot, facts: Record, error: str, store: Store) -> Outcome:
-    record = store.write_record(shot, dict(facts, state="failed", error=error))
+    store.write_record(shot, dict(facts, state="failed", error=error))
     store.remove_results(shot.name)
-    return Outcome(record)
+    return Outcome(shot.name, error)
 
 
 def _facts(shot: Shot, settings: Settings) -> Dict[str, Any]:

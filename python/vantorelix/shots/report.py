@@ -11,7 +11,7 @@ import vantorelix
 
 from . import cluster, measures, pages, summary
 from .shot import Settings, Shot
-from .store import Record, Store, write_plain
+from .store import Store, write_plain
 from .summary import Line, Summary
 from .tables import free_columns
 
@@ -21,11 +21,10 @@ PAGES = 50
 _LEVELS = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
 
 
-def write(shots: Sequence[Shot], settings: Settings, store: Store, records: Sequence[Record], order: str = "",
-          most: int = PAGES) -> Summary:
-    """Writes report.html. records: of the shots, in any order. order: the measure to begin with; "" for the usual one. most: how many pages. Raises WriteError,
+def write(shots: Sequence[Shot], settings: Settings, store: Store, order: str = "", most: int = PAGES) -> Summary:
+    """Writes report.html. order: the measure to begin with; "" for the usual one. most: how many pages. Raises WriteError,
     and ValueError for an order that is none of the measures."""
-    found = summary.make(shots, records, store)
+    found = summary.make(shots, store)
     if order and order not in found.measures:
         raise ValueError("there is no measure '%s'; there are %s" % (order, ", ".join(found.measures)))
     order = order or measures.ranked_by(list(found.measures))

@@ -78,12 +78,11 @@ class Store:
         """Puts what `make(temporary path)` writes in a file's place, whole. Raises WriteError."""
         _replace(path, os.path.join(self._work, "%s-%s" % (self.run, uuid.uuid4().hex)), make)
 
-    def write_record(self, shot: Shot, record: Record) -> Record:
-        """The shot's line in the table of shots, with its free columns; returns it as it is written."""
+    def write_record(self, shot: Shot, record: Record) -> None:
+        """The shot's line in the table of shots, with its free columns."""
         row = dict(record, shot=shot.name, path=shot.path, take=shot.take, **dict(shot.free))
         schema = schemas.schema(SHOTS, schemas.free_columns([name for name, _ in shot.free]))
         self.write(SHOTS, shot.name, pyarrow.Table.from_pylist([row], schema=schema))
-        return row
 
     def record(self, shot: str) -> Optional[Record]:
         """The shot's line in the table of shots, or None."""

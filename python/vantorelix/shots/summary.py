@@ -48,10 +48,10 @@ class Summary:
     compared: bool  # whether there was a run before
 
 
-def make(shots: Sequence[Shot], records: Sequence[Record], store: Store) -> Summary:
-    """Each shot with its record, and what the run before had; remembers the figures for the next run where they differ from
+def make(shots: Sequence[Shot], store: Store) -> Summary:
+    """Each shot with its record, and what the run before had. Remembers the figures for the next run where they differ from
     what was there. Raises WriteError."""
-    found = {record["shot"]: record for record in records}
+    found = {record["shot"]: record for record in store.records()}
     lines = [_line(shot, found.get(shot.name)) for shot in shots]
     units: Dict[str, str] = {}
     for record in found.values():
