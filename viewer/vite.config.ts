@@ -87,6 +87,8 @@ export default defineConfig({
     include: ["tests/**/*.test.ts"],
     testTimeout: 60_000,
     hookTimeout: 60_000,
+    // A browser on a busy machine now and then misses what a test waits for. The report marks a second try with "retry x1".
+    retry: 1,
     fileParallelism: false,
   },
 });

@@ -9,9 +9,10 @@ import tempfile
 import threading
 import time
 
-from vantorelix.shots import group, schemas
+from vantorelix.shots import group
 from vantorelix.shots.group import Task
 from vantorelix.shots.listing import read_shots
+from vantorelix.shots.schemas import SAMPLES
 from vantorelix.shots.shot import Settings
 from vantorelix.shots.store import Store
 from vantorelix.shots.work import measured
@@ -50,11 +51,11 @@ def show(clips, folder):
         return dict(json.load(file), whole=whole)
 
 
-def loops(paths, folder):
+def loops(paths, folder, words=("measure",)):
     """Plain loops of the program, one a worker, each over its share of the clips."""
     def loop(share):
         for path in share:
-            program("measure", path, "--quiet", "--out", os.path.join(folder, os.path.basename(path) + ".csv"))
+            program(*words, path, "--quiet", "--out", os.path.join(folder, os.path.basename(path) + ".csv"))
 
     def both():
         threads = [threading.Thread(target=loop, args=(paths[number::WORKERS],)) for number in range(WORKERS)]
@@ -64,6 +65,11 @@ def loops(paths, folder):
             thread.join()
 
     return _whole(seconds_of(both), paths, folder)
+
+
+def loops_of_samples(paths, folder):
+    """The same, but what they keep is the samples: most of what vantorelix-shots keeps."""
+    return loops(paths, folder, ("trails", "--csv-columns", "speed,key"))
 
 
 def jobs(paths, folder):
@@ -86,17 +92,21 @@ def work_alone(paths):
 
 
 def one_by_one(paths, folder):
-    """What one shot takes, each in turns: to files in this process, the work of that alone, and the program's tables."""
-    store = Store(os.path.join(folder, "show"))
+    """What one shot takes, each in turns: to all its files in this process, the work and the samples of that alone, and the
+    program's tables."""
+    store, other = (Store(os.path.join(folder, name)) for name in ("show", "samples"))
     store.prepare()
-    found = {"files": [], "work": [], "measure": [], "trails": []}
+    other.prepare()
+    found = {"files": [], "samples": [], "work": [], "measure": [], "trails": []}
     for shot in read_shots(paths):
         found["files"].append(seconds_of(group.do, Task([shot], Settings(), store.folder)))
+        found["samples"].append(seconds_of(lambda: other.write(SAMPLES, shot.name, measured(shot, Settings()).tables[SAMPLES])))
         found["work"].append(seconds_of(measured, shot, Settings()))
         found["measure"].append(seconds_of(program, "measure", shot.path))
         found["trails"].append(seconds_of(program, "trails", shot.path))
         if (store.record(shot.name) or {}).get("state") != "done":
             sys.exit("%s was not measured" % shot.path)
-    if len(os.listdir(os.path.join(store.folder, schemas.SAMPLES))) != len(paths):
-        sys.exit("%s: samples are missing" % store.folder)
+    for kept in (store, other):
+        if len(os.listdir(os.path.join(kept.folder, SAMPLES))) != len(paths):
+            sys.exit("%s: samples are missing" % kept.folder)
     return found

@@ -40,10 +40,8 @@ describe("a search", () => {
     expect(finds("a*a", "a")).toBe(false);
   });
 
-  test("of many stars takes no time", () => {
-    const begin = performance.now();
-    finds(`${"*a".repeat(12)}*b`, "a".repeat(60));
-    expect(performance.now() - begin).toBeLessThan(2000);
+  test("of many stars ends soon where nothing matches", { timeout: 5000 }, () => {
+    expect(finds(`${"*a".repeat(24)}*b`, "a".repeat(60))).toBe(false);
   });
 });
 
