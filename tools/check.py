@@ -27,7 +27,7 @@ def main(arguments):
     parser.add_argument("rules", nargs="*", metavar="RULE", help="any of: %s (default: all)" % ", ".join(RULES))
     parser.add_argument("--root", default=root, help="the checkout to check")
     parser.add_argument("--compiler", default=os.environ.get("CXX", "c++"))
-    parser.add_argument("--build", default=os.path.join(root, "build", "dev"), help="the folder of compile_commands.json")
+    parser.add_argument("--build", default=os.path.join(root, "build", "lint"), help="the folder of compile_commands.json")
     parser.add_argument("--all", action="store_true", help="clang-tidy over every file, not only those that changed")
     options = parser.parse_args(arguments)
     unknown = set(options.rules) - set(RULES)
