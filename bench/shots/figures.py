@@ -53,7 +53,7 @@ def take_turns(paths, sample, rounds, scratch):
         print("round %d of %d" % (number + 1, rounds), file=sys.stderr, flush=True)
         for name, seconds in ways.show(os.path.dirname(paths[0]), scratch()).items():
             note(name, seconds)
-        for name, way in (("loops", ways.loops), ("loops of samples", ways.loops_of_samples), ("jobs", ways.jobs)):
+        for name, way in (("loops", ways.loops), ("loops of all", ways.loops_of_all), ("jobs", ways.jobs)):
             note(name, way(paths, scratch()))
         note("work alone", ways.work_alone(paths))
         for name, seconds in ways.one_by_one(sample, scratch()).items():
@@ -65,11 +65,11 @@ def throughput_rows(rows, median, count):
     def rate(name):
         return "%.1f shots a second" % (count / median[name])
 
-    for beside, target in (("loops", 0.8), ("loops of samples", 0.8), ("jobs", None)):
+    for beside, target in (("loops", 0.8), ("loops of all", 0.8), ("jobs", None)):
         ratio = median[beside] / median["whole"]
-        title = {"loops": "%d loops of `vantorelix measure SHOT --out X.csv`, which keep measures" % WORKERS,
-                 "loops of samples": "%d loops of `vantorelix trails SHOT --csv-columns speed,key --out X.csv`, which keep samples" %
-                 WORKERS,
+        title = {"loops": "%d loops of `vantorelix measure SHOT --out X.csv`: measures alone" % WORKERS,
+                 "loops of all": "%d loops of that and of `vantorelix trails SHOT --csv-columns speed,key --out Y.csv`: measures and "
+                                 "samples, as the command keeps" % WORKERS,
                  "jobs": "`vantorelix measure SHOTS --jobs %d`" % WORKERS}[beside]
         rows.add("%d shots, the whole command on %d workers" % (count, WORKERS), rate("whole"), "%s (%s)" % (rate(beside), title),
                  ratio, "at least %g" % target if target else "", ratio >= target if target else None)

@@ -51,11 +51,12 @@ def show(clips, folder):
         return dict(json.load(file), whole=whole)
 
 
-def loops(paths, folder, words=("measure",)):
-    """Plain loops of the program, one a worker, each over its share of the clips."""
+def loops(paths, folder, commands=(("measure",),)):
+    """Plain loops of the program, one a worker, each over its share of the clips: these commands of each, a file each."""
     def loop(share):
         for path in share:
-            program(*words, path, "--quiet", "--out", os.path.join(folder, os.path.basename(path) + ".csv"))
+            for words in commands:
+                program(*words, path, "--quiet", "--out", os.path.join(folder, "%s.%s.csv" % (os.path.basename(path), words[0])))
 
     def both():
         threads = [threading.Thread(target=loop, args=(paths[number::WORKERS],)) for number in range(WORKERS)]
@@ -64,24 +65,24 @@ def loops(paths, folder, words=("measure",)):
         for thread in threads:
             thread.join()
 
-    return _whole(seconds_of(both), paths, folder)
+    return _whole(seconds_of(both), len(paths) * len(commands), folder)
 
 
-def loops_of_samples(paths, folder):
-    """The same, but what they keep is the samples: most of what vantorelix-shots keeps."""
-    return loops(paths, folder, ("trails", "--csv-columns", "speed,key"))
+def loops_of_all(paths, folder):
+    """The same, with the samples besides: what vantorelix-shots keeps, but for keys and report."""
+    return loops(paths, folder, (("measure",), ("trails", "--csv-columns", "speed,key")))
 
 
 def jobs(paths, folder):
     """One command of the program for all clips."""
     out = os.path.join(folder, "{stem}.bvh.csv")
-    return _whole(seconds_of(program, "measure", *paths, "--quiet", "--jobs", str(WORKERS), "--out", out), paths, folder)
+    return _whole(seconds_of(program, "measure", *paths, "--quiet", "--jobs", str(WORKERS), "--out", out), len(paths), folder)
 
 
-def _whole(seconds, paths, folder):
+def _whole(seconds, count, folder):
     made = len([name for name in os.listdir(folder) if name.endswith(".csv")])
-    if made != len(paths):
-        sys.exit("%d of %d tables were written; see the messages above" % (made, len(paths)))
+    if made != count:
+        sys.exit("%d of %d tables were written; see the messages above" % (made, count))
     return seconds
 
 
