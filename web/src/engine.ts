@@ -2,6 +2,7 @@
 //
 // Uses neither the page nor Node.js. Every call is made at once and returns when it is done.
 
+import { SparingClock, systemClock, type Clock } from "./clock";
 import { EngineCrash, EngineError, type ErrorKind } from "./errors";
 import { Files, type SceneFile } from "./files";
 import { Memory, type Calls } from "./memory";
@@ -20,29 +21,24 @@ export interface OpenOptions {
   fps?: number;
 }
 
-/** Milliseconds since 1970, with fractions, never back. */
-export type Clock = () => number;
-
-const origin = performance.timeOrigin;  // to ask for it each time costs as much as the time itself
-const systemClock: Clock = () => origin + performance.now();
-
 export class Engine {
   private crash: EngineCrash | undefined;
 
-  private constructor(readonly calls: Calls, readonly memory: Memory, private readonly files: Files) {}
+  private constructor(readonly calls: Calls, readonly memory: Memory, private readonly files: Files,
+                      private readonly clock: SparingClock) {}
 
   /** Starts the engine that `module` holds. */
-  static async start(module: WebAssembly.Module, clock = systemClock): Promise<Engine> {
+  static async start(module: WebAssembly.Module, source: Clock = systemClock): Promise<Engine> {
     let memory: WebAssembly.Memory | undefined;
-    const files = new Files(() => memory!);
-    const imports: Record<string, Record<string, WebAssembly.ImportValue>> = { vantorelix: { now: clock } };
+    const files = new Files(() => memory!), clock = new SparingClock(source);
+    const imports: Record<string, Record<string, WebAssembly.ImportValue>> = { vantorelix: { now: clock.read } };
     for (const { module: from, name } of WebAssembly.Module.imports(module))
       if (from !== "vantorelix") (imports[from] ??= {})[name] = files.call(name) as WebAssembly.ImportValue;
     const { exports } = await WebAssembly.instantiate(module, imports);
     memory = exports.memory as WebAssembly.Memory;
     const calls = exports as unknown as Calls;
     calls._initialize();
-    return new Engine(calls, new Memory(memory, calls), files);
+    return new Engine(calls, new Memory(memory, calls), files, clock);
   }
 
   get version(): string {
@@ -76,6 +72,7 @@ export class Engine {
   /** Calls a function that returns 0 when it did its work. Throws EngineError, with the engine's text, when it did not. */
   call(name: string, ...given: number[]): void {
     if (this.crash) throw this.crash;
+    this.clock.look();
     let failed: number;
     try {
       failed = this.calls[name](...given);

@@ -1,4 +1,5 @@
-export { Engine, type Clock, type OpenOptions } from "./engine";
+export { REPEATS, SHORT, SparingClock, type Clock } from "./clock";
+export { Engine, type OpenOptions } from "./engine";
 export { EngineCrash, EngineError, type ErrorKind } from "./errors";
 export type { SceneFile } from "./files";
 export { Tangent, type Scene, type Camera, type CameraView, type Curve, type Description, type History, type Infinity, type Key, type KeyTangents, type Obstacle,
