@@ -191,12 +191,15 @@ VLX_API int vlx_provisional(VlxScene* scene, VlxTrailSet* set, const char* objec
                             const VlxStretch** stretches, std::size_t* count);
 
 struct VlxWritten {
-  const char* text;
-  const char* lost; /* JSON: a list of sentences, what the text does not hold or not to the last bit */
+  const char* bytes; /* ends with a zero besides */
+  std::size_t size;
+  const char* lost; /* JSON: a list of sentences, what the bytes do not hold or not to the last bit */
 };
 /* The animation of objects as it is now, in the form that `form` names, nothing saved: "ma", curves as a Maya ASCII
- * file to be imported; "py", the same as a script for Maya. No object at all: all of them. See
- * standalone/formats/writer.h. Both texts stay until the next call of this function. */
+ * file to be imported; "py", the same as a script for Maya; "bvh", figures as a clip of the scene's own range; "glb",
+ * the glTF file that was opened, which has to lie there still, with this animation. No object at all: all of them.
+ * "refused" where the form cannot hold what is asked for. See standalone/formats/writer.h. Both stay until the next
+ * call of this function. */
 VLX_API int vlx_written(VlxScene* scene, const char* form, const char* const* objects, std::size_t count,
                         VlxWritten* written);
 

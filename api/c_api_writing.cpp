@@ -19,16 +19,34 @@ namespace sa = vantorelix::standalone;
 
 namespace {
 
+using Objects = std::vector<sa::NodeId>;
+
 struct Form {
   std::string_view name;
-  sa::Written (*write)(const sa::Scene&, const std::vector<sa::NodeId>&);
+  sa::Written (*write)(const VlxScene&, const Objects&);
 };
-constexpr std::array<Form, 2> kForms = {{{"ma", sa::write_maya_curves}, {"py", sa::write_maya_script}}};
+constexpr std::array<Form, 4> kForms = {{
+    {"ma", [](const VlxScene& scene, const Objects& objects) { return sa::write_maya_curves(scene.scene(), objects); }},
+    {"py", [](const VlxScene& scene, const Objects& objects) { return sa::write_maya_script(scene.scene(), objects); }},
+    {"bvh",
+     [](const VlxScene& scene, const Objects& objects) {
+       return sa::write_bvh(scene.scene(), objects, {scene.first(), scene.last()});
+     }},
+    {"glb", [](const VlxScene& scene,
+               const Objects& objects) { return sa::write_gltf(scene.scene(), objects, scene.file()); }},
+}};
+
+std::string names_of_forms() {
+  std::string names;
+  for (const Form& form : kForms)
+    names += (names.empty() ? "'" : &form == &kForms.back() ? " or '" : ", '") + std::string(form.name) + "'";
+  return names;
+}
 
 const Form& form_named(std::string_view name) {
   const auto found = std::find_if(kForms.begin(), kForms.end(), [name](const Form& form) { return form.name == name; });
   if (found == kForms.end())
-    throw std::runtime_error("there is no form '" + std::string(name) + "' to write; name \"ma\" or \"py\"");
+    throw std::runtime_error("there is no form '" + std::string(name) + "' to write; name " + names_of_forms());
   return *found;
 }
 
@@ -42,14 +60,14 @@ std::string list_of(const std::vector<std::string>& texts) {
 }  // namespace
 
 int vlx_written(VlxScene* scene, const char* form, const char* const* objects, std::size_t count, VlxWritten* written) {
-  static std::string text, lost;
+  static std::string bytes, lost;
   return guarded([&] {
-    std::vector<sa::NodeId> nodes;
+    Objects nodes;
     std::transform(objects, objects + count, std::back_inserter(nodes),
                    [&](const char* name) { return scene->object(name); });
-    sa::Written made = form_named(form).write(scene->scene(), count == 0 ? scene->objects() : nodes);
-    text = std::move(made.text);
+    sa::Written made = form_named(form).write(*scene, count == 0 ? scene->objects() : nodes);
+    bytes = std::move(made.bytes);
     lost = list_of(made.lost);
-    *written = {text.c_str(), lost.c_str()};
+    *written = {bytes.c_str(), bytes.size(), lost.c_str()};
   });
 }

@@ -7,6 +7,7 @@
 #include "host/error.h"
 #include "session/failure.h"
 #include "standalone/formats/reader.h"
+#include "standalone/formats/writer.h"
 #include "standalone/scene/attributes/channel_names.h"
 
 namespace vantorelix::api {
@@ -72,6 +73,8 @@ int run_guarded(const void* work, void (*run)(const void*)) {
     fail("not_found", error.what());
   } catch (const Failure& error) {
     fail(kind_of(error.kind), error.what());
+  } catch (const standalone::CannotWrite& error) {
+    fail("refused", error.what());
   } catch (const host::Interrupt&) {
     fail("interrupted", "interrupted");
   } catch (const std::bad_alloc&) {

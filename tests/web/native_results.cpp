@@ -148,8 +148,10 @@ class Exam {
     const std::string& what = words[0];
     results_.did(label, what == "moveKeys"     ? vlx_move_keys(scene_, object, attribute, given.at(0), given.at(1))
                         : what == "insertKeys" ? vlx_insert_keys(scene_, object, attribute, given.at(0))
+                        : what == "removeKeys" ? vlx_remove_keys(scene_, object, attribute, given.at(0))
                         : what == "setTangent"
-                            ? vlx_set_tangent(scene_, object, attribute, given.at(0), 1, given.at(1), given.at(2), 1)
+                            ? vlx_set_tangent(scene_, object, attribute, given.at(0), given.at(3) != 0.0, given.at(1),
+                                              given.at(2), given.at(4) != 0.0)
                             : vlx_set_weighted(scene_, object, attribute, given.at(0) != 0.0));
   }
 
@@ -176,6 +178,13 @@ class Exam {
       results_.add(
           label + " trail " + std::to_string(stretches[i].trail) + " from " + std::to_string(stretches[i].first),
           stretches[i].points);
+  }
+
+  void write_file(const std::string& label, const Words& words) {
+    VlxWritten written{};
+    if (!results_.did(label, vlx_written(scene_, words.at(1).c_str(), nullptr, 0, &written))) return;
+    results_.add(label, std::string_view(written.bytes, written.size));
+    results_.add(label + " lost", written.lost);
   }
 
   // Until the trails are exact, or nothing goes on.
@@ -223,11 +232,13 @@ class Exam {
       {"place", [this](const std::string& label, const Words& words) { place(label, words); }},
       {"moveKeys", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
       {"insertKeys", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
+      {"removeKeys", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
       {"setTangent", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
       {"setWeighted", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
       {"tangents", [this](const std::string& label, const Words& words) { write_tangents(label, words); }},
       {"placing", [this](const std::string& label, const Words& words) { write_placing(label, words); }},
       {"provisional", [this](const std::string& label, const Words& words) { write_provisional(label, words); }},
+      {"written", [this](const std::string& label, const Words& words) { write_file(label, words); }},
       {"undo", [this](const std::string& label, const Words&) { results_.did(label, vlx_undo(scene_)); }},
       {"redo", [this](const std::string& label, const Words&) { results_.did(label, vlx_redo(scene_)); }},
       {"follow", [this](const std::string& label, const Words&) { results_.did(label, vlx_follow(scene_)); }},

@@ -54,16 +54,21 @@ export class Engine {
   open(files: readonly SceneFile[], options: OpenOptions = {}): Scene {
     if (this.crash) throw this.crash;
     const name = options.scene ?? files[0].name;
+    return this.withFiles(files, () => this.memory.scope(() => {
+      const reading = this.memory.take(24), scene = this.memory.take(4);
+      [options.take, options.axis, options.unit].forEach((text, k) =>
+        this.memory.setWord(reading + 4 * k, this.memory.text(text ?? "")));
+      this.memory.setDouble(reading + 16, options.fps ?? 0);
+      this.call("vlx_open", this.memory.text(name), reading, scene);
+      return new Scene(this, this.memory.word(scene), files);
+    }));
+  }
+
+  /** Runs something that may read these files. */
+  withFiles<T>(files: readonly SceneFile[], run: () => T): T {
     this.files.hold(files);
     try {
-      return this.memory.scope(() => {
-        const reading = this.memory.take(24), scene = this.memory.take(4);
-        [options.take, options.axis, options.unit].forEach((text, k) =>
-          this.memory.setWord(reading + 4 * k, this.memory.text(text ?? "")));
-        this.memory.setDouble(reading + 16, options.fps ?? 0);
-        this.call("vlx_open", this.memory.text(name), reading, scene);
-        return new Scene(this, this.memory.word(scene));
-      });
+      return run();
     } finally {
       this.files.hold([]);
     }

@@ -29,6 +29,11 @@ export class Memory {
     return this.moves;
   }
 
+  /** Of all memory that the engine has, in bytes; it never becomes less. */
+  get size() {
+    return this.memory.buffer.byteLength;
+  }
+
   /** Runs something that takes room, all of which is given back afterwards. */
   scope<T>(run: () => T): T {
     const before = this.taken.length;
@@ -93,6 +98,11 @@ export class Memory {
   textAt(at: number): string {
     const bytes = new Uint8Array(this.memory.buffer, at >>> 0);
     return decoder.decode(bytes.slice(0, bytes.indexOf(0)));
+  }
+
+  /** A copy of so many bytes. */
+  bytesAt(at: number, count: number): Uint8Array<ArrayBuffer> {
+    return new Uint8Array(this.memory.buffer, at, count).slice();
   }
 
   /** A struct of an address and a count. */

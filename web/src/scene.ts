@@ -1,6 +1,7 @@
 // A scene that is open in the engine.
 
 import type { Engine } from "./engine";
+import { decoder, type SceneFile } from "./files";
 import { Trails, type TrailOptions, type TrailFields } from "./trails";
 
 export interface Take {
@@ -112,9 +113,16 @@ export interface Placing {
   text: string | null;
 }
 
+/** What animation can be written as; each is the ending of such a file's name. */
+export const FORMS = ["ma", "py", "bvh", "glb"] as const;
+export type Form = (typeof FORMS)[number];
+
 export interface Written {
+  /** What is to be saved. */
+  bytes: Uint8Array<ArrayBuffer>;
+  /** The same as a text, of use where the form is one; what is not UTF-8 in it is replaced. */
   text: string;
-  /** What the text does not hold, or not to the last bit: a sentence each, to be told before it is saved. */
+  /** What the file does not hold, or not to the last bit: a sentence each, to be told before it is saved. */
   lost: string[];
 }
 
@@ -144,7 +152,8 @@ export class Scene {
   private open: number | undefined;
 
   /** For Engine.open. */
-  constructor(private readonly engine: Engine, handle: number) {
+  /** It was opened from these files, which it keeps until it is closed. */
+  constructor(private readonly engine: Engine, handle: number, private files: readonly SceneFile[]) {
     this.open = handle;
   }
 
@@ -158,6 +167,7 @@ export class Scene {
   close() {
     const handle = this.handle();
     this.open = undefined;
+    this.files = [];
     this.engine.call("vlx_close", handle);
   }
 
@@ -292,13 +302,18 @@ export class Scene {
     });
   }
 
-  /** The animation of objects, or of all, as a Maya ASCII file of curves or as a script for Maya's Python. */
-  written(form: "ma" | "py", objects: readonly string[] = []): Written {
+  /**
+   * The animation of objects, or of all: as a Maya ASCII file of curves, as a script for Maya's Python, as a BVH clip; or
+   * the glTF file that was opened, with this animation. Throws "refused" where the form cannot hold what is asked for.
+   */
+  written(form: Form, objects: readonly string[] = []): Written {
     const { memory } = this.engine;
     return memory.scope(() => {
-      const at = memory.take(8);
-      this.engine.call("vlx_written", this.handle(), memory.text(form), memory.texts(objects), objects.length, at);
-      return { text: memory.textAt(memory.word(at)), lost: JSON.parse(memory.textAt(memory.word(at + 4))) as string[] };
+      const at = memory.take(12);
+      this.engine.withFiles(this.files, () =>
+        this.engine.call("vlx_written", this.handle(), memory.text(form), memory.texts(objects), objects.length, at));
+      const bytes = memory.bytesAt(memory.word(at), memory.word(at + 4));
+      return { bytes, text: decoder.decode(bytes), lost: JSON.parse(memory.textAt(memory.word(at + 8))) as string[] };
     });
   }
 

@@ -5,20 +5,13 @@ import { examine, type Results } from "./support/commands";
 import { differences } from "./support/differences";
 import { examples, filesOf, onlyFirst, startEngine } from "./support/engine";
 import { nativeResults } from "./support/native";
+import { randomFrom } from "./support/random";
 
 const engine = await startEngine();
 
-/** The same numbers below 1 each time. */
-function* numbers(seed: number): Generator<number, never> {
-  for (let state = seed;;) {
-    state = (Math.imul(state, 1664525) + 1013904223) >>> 0;
-    yield state / 2 ** 32;
-  }
-}
-
 /** A scene cut off, or with bytes that are others. */
 function damaged([scene, ...rest]: SceneFile[], seed: number): SceneFile[] {
-  const random = numbers(seed), next = () => random.next().value;
+  const next = randomFrom(seed);
   const bytes = scene.bytes.slice();
   if (seed % 3 === 0) return [{ ...scene, bytes: bytes.subarray(0, Math.floor(next() * bytes.length)) }, ...rest];
   for (let k = 0; k < seed % 7 + 1; ++k) bytes[Math.floor(next() * bytes.length)] = Math.floor(next() * 256);

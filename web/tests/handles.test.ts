@@ -90,27 +90,3 @@ describe("tangents", () => {
     expect(scene.curves(HIPS).find(({ attribute }) => attribute === "translateY")!.weighted).toBe(true);
   }));
 });
-
-describe("what is written for Maya", () => {
-  const curves = () => engine.open(filesOf(examples.find((path) => path.endsWith(join("/", "arm.ma")))!));
-
-  test("holds the edited curves, and is read back by the same engine", () => {
-    const scene = curves(), { source, name } = scene.objects().find((object) => scene.curves(object.source).length > 0)!;
-    const [{ attribute, curve }] = scene.curves(source);
-    scene.insertKeys(source, attribute, scene.keys(source, attribute)[0].frame + 0.3125);
-    const { text } = scene.written("ma", [source]);
-    const again = engine.open([{ name: "a.ma", bytes: new TextEncoder().encode(`createNode transform -n "${name}";${text}`) }]);
-    expect(again.curves(again.objects()[0].source)[0].curve).toBe(curve);
-    expect(again.keys(again.objects()[0].source, attribute)).toEqual(scene.keys(source, attribute));
-    scene.close();
-    again.close();
-  });
-
-  test("is a script with the same keys, or nothing in a form that is unknown", () => {
-    const scene = curves();
-    expect(scene.written("py").text).toContain("cmds.setKeyframe");
-    expect(scene.written("py").lost).toEqual(scene.written("ma").lost);
-    expect(() => scene.written("bvh" as "ma")).toThrow("there is no form 'bvh'");
-    scene.close();
-  });
-});

@@ -14,21 +14,14 @@
 #include "base/mathematics/mathematics.h"
 #include "base/number.h"
 #include "host/error.h"
+#include "standalone/formats/bvh/bvh_channels.h"
 #include "standalone/formats/text_input.h"
 
 namespace vantorelix::standalone {
 namespace {
 
 constexpr std::size_t kMaxJoints = 4'000'000;
-constexpr std::size_t kMaxName = 65536;
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool same_word(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
-}
-
-bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
 bool is_line_end(char c) { return c == '\n' || c == '\r'; }
 
 // One column of the motion table.
@@ -36,38 +29,7 @@ struct Column {
   NodeId joint;
   Channel channel;
   std::vector<Key> keys;
-
-  bool is_rotation() const { return channel >= Channel::rotateX; }
 };
-
-// The channel of a listed name; nothing for a name that is none.
-std::optional<Channel> channel_named(std::string_view name) {
-  static constexpr std::array<std::pair<std::string_view, Channel>, 6> kNames = {{
-      {"Xposition", Channel::translateX},
-      {"Yposition", Channel::translateY},
-      {"Zposition", Channel::translateZ},
-      {"Xrotation", Channel::rotateX},
-      {"Yrotation", Channel::rotateY},
-      {"Zrotation", Channel::rotateZ},
-  }};
-  for (const auto& [text, channel] : kNames) {
-    if (same_word(name, text)) return channel;
-  }
-  return std::nullopt;
-}
-
-// The rotate order (0 xyz ... 5 zyx, the first letter applied first) of axes listed outermost first. Axes that are
-// not listed never turn, so they may stand anywhere.
-double rotate_order(const std::vector<int>& listed) {
-  static constexpr std::array<std::array<int, 3>, 6> kOrders = {
-      {{0, 1, 2}, {1, 2, 0}, {2, 0, 1}, {0, 2, 1}, {1, 0, 2}, {2, 1, 0}}};
-  std::vector<int> axes(listed.rbegin(), listed.rend());
-  for (int axis = 0; axis < 3; ++axis) {
-    if (std::find(axes.begin(), axes.end(), axis) == axes.end()) axes.push_back(axis);
-  }
-  const auto same = [&axes](const auto& order) { return std::equal(order.begin(), order.end(), axes.begin()); };
-  return static_cast<double>(std::find_if(kOrders.begin(), kOrders.end(), same) - kOrders.begin());
-}
 
 class BvhReader {
  public:
@@ -93,17 +55,17 @@ class BvhReader {
 
   // --- words ------------------------------------------------------------------------------------------------
   void skip_space() {
-    while (!in_.at_end() && (is_blank(in_.peek()) || is_line_end(in_.peek()))) in_.skip();
+    while (!in_.at_end() && (is_bvh_blank(in_.peek()) || is_line_end(in_.peek()))) in_.skip();
   }
 
   // The next word on any line, empty at the end. Braces stand alone.
   std::string word() {
     skip_space();
     std::string result;
-    while (!in_.at_end() && !is_blank(in_.peek()) && !is_line_end(in_.peek())) {
+    while (!in_.at_end() && !is_bvh_blank(in_.peek()) && !is_line_end(in_.peek())) {
       const bool brace = in_.peek() == '{' || in_.peek() == '}';
       if (brace && !result.empty()) break;
-      if (result.size() == kMaxName) in_.fail("a word of more than 65536 bytes; is this a BVH file?");
+      if (result.size() == kMaxBvhName) in_.fail("a word of more than 65536 bytes; is this a BVH file?");
       result += in_.peek();
       in_.skip();
       if (brace) break;
@@ -115,11 +77,11 @@ class BvhReader {
   std::string name() {
     std::string result;
     while (!in_.at_end() && !is_line_end(in_.peek()) && in_.peek() != '{') {
-      if (result.size() == kMaxName) in_.fail("a name of more than 65536 bytes; is this a BVH file?");
-      if (!result.empty() || !is_blank(in_.peek())) result += in_.peek();
+      if (result.size() == kMaxBvhName) in_.fail("a name of more than 65536 bytes; is this a BVH file?");
+      if (!result.empty() || !is_bvh_blank(in_.peek())) result += in_.peek();
       in_.skip();
     }
-    while (!result.empty() && is_blank(result.back())) result.pop_back();
+    while (!result.empty() && is_bvh_blank(result.back())) result.pop_back();
     return result;
   }
 
@@ -139,10 +101,10 @@ class BvhReader {
     skip_space();
     std::string found;
     while (!in_.at_end() && !is_line_end(in_.peek()) && in_.peek() != ':' && found.size() < text.size() + 8) {
-      if (!is_blank(in_.peek())) found += in_.peek();
+      if (!is_bvh_blank(in_.peek())) found += in_.peek();
       in_.skip();
     }
-    if (!same_word(found, text) || in_.at_end() || in_.peek() != ':') {
+    if (!is_same_word(found, text) || in_.at_end() || in_.peek() != ':') {
       in_.fail(shown(found) + " stands where '" + std::string(text == "Frames" ? "Frames:" : "Frame Time:") +
                "' belongs; the file is cut off or damaged, export it again");
     }
@@ -151,10 +113,10 @@ class BvhReader {
 
   // --- hierarchy --------------------------------------------------------------------------------------------
   void read_hierarchy() {
-    if (const std::string first = word(); !same_word(first, "HIERARCHY")) {
+    if (const std::string first = word(); !is_same_word(first, "HIERARCHY")) {
       in_.fail("a BVH clip begins with 'HIERARCHY', this file with " + shown(first) + "; is it a BVH file?");
     }
-    for (std::string keyword = word(); !same_word(keyword, "MOTION"); keyword = word()) {
+    for (std::string keyword = word(); !is_same_word(keyword, "MOTION"); keyword = word()) {
       if (keyword.empty()) in_.fail("the file ends before 'MOTION'; it is cut off, export it again");
       read_keyword(keyword);
     }
@@ -163,19 +125,19 @@ class BvhReader {
   }
 
   void read_keyword(const std::string& keyword) {
-    if (same_word(keyword, "ROOT")) {
+    if (is_same_word(keyword, "ROOT")) {
       if (!open_.empty()) in_.fail("'ROOT' stands inside a joint; write 'JOINT' or close the joint with '}'");
       open_joint(name());
     } else if (open_.empty()) {
       in_.fail(shown(keyword) + " stands outside of every joint; 'ROOT' or 'MOTION' belongs here");
-    } else if (same_word(keyword, "JOINT")) {
+    } else if (is_same_word(keyword, "JOINT")) {
       open_joint(name());
-    } else if (same_word(keyword, "End") || same_word(keyword, "EndSite")) {
+    } else if (is_same_word(keyword, "End") || is_same_word(keyword, "EndSite")) {
       name();
       open_end_site();
-    } else if (same_word(keyword, "OFFSET")) {
+    } else if (is_same_word(keyword, "OFFSET")) {
       read_offset();
-    } else if (same_word(keyword, "CHANNELS")) {
+    } else if (is_same_word(keyword, "CHANNELS")) {
       read_channels();
     } else if (keyword == "}") {
       open_.pop_back();
@@ -197,6 +159,7 @@ class BvhReader {
     if (word() != "{") in_.fail("the joint " + shown(in_file) + " has no '{'; add it or export again");
     const NodeId node = scene_.nodes.create(type, wanted, open_.empty() ? kWorld : open_.back().node);
     keep_name_in_file(scene_, node, in_file);
+    if (scene_.nodes.type(node) == "joint") scene_.attributes.add(node, kChannelsInFile, host::Value(std::string()));
     open_.push_back({node, false, in_file});
   }
 
@@ -215,21 +178,23 @@ class BvhReader {
     if (count < 0 || count > 6 || count != std::floor(count)) {
       in_.fail("the number of channels must be a whole number from 0 to 6; correct the number after CHANNELS");
     }
-    std::vector<int> rotations;
+    std::vector<Channel> rotations;
+    std::string listed;
     const std::size_t begin = columns_.size();
     for (int i = 0; i < static_cast<int>(count); ++i) {
       const Channel channel = read_channel(begin);
       columns_.push_back({joint.node, channel, {}});
-      if (columns_.back().is_rotation()) {
-        rotations.push_back(static_cast<int>(channel) - static_cast<int>(Channel::rotateX));
-      }
+      listed += (listed.empty() ? "" : " ") + std::string(kBvhChannels[static_cast<std::size_t>(channel)]);
+      if (is_rotation(channel)) rotations.push_back(channel);
     }
-    if (!rotations.empty()) scene_.attributes.set_channel(joint.node, Channel::rotateOrder, rotate_order(rotations));
+    scene_.attributes.add(joint.node, kChannelsInFile, host::Value(listed));
+    if (!rotations.empty())
+      scene_.attributes.set_channel(joint.node, Channel::rotateOrder, static_cast<double>(rotate_order_of(rotations)));
   }
 
   Channel read_channel(std::size_t begin) {
     const std::string text = word();
-    const std::optional<Channel> channel = channel_named(text);
+    const std::optional<Channel> channel = bvh_channel_named(text);
     if (!channel) {
       in_.fail(shown(text) + " is not a channel; list as many of Xposition ... Zrotation as CHANNELS announces");
     }
@@ -272,7 +237,7 @@ class BvhReader {
   }
 
   void skip_blanks() {
-    while (!in_.at_end() && is_blank(in_.peek())) in_.skip();
+    while (!in_.at_end() && is_bvh_blank(in_.peek())) in_.skip();
   }
 
   void read_row(double row, double frames) {
@@ -291,7 +256,7 @@ class BvhReader {
       const char* const next = parse_number(begin, in_.end(), value);
       if (next == begin || !std::isfinite(value)) fail_in_row(done, next == begin);
       in_.advance(next);
-      if (column.is_rotation()) value *= base::kDegree;
+      if (is_rotation(column.channel)) value *= base::kDegree;
       column.keys.push_back({row, value, Tangent::linear, Tangent::linear});
       ++done;
     }
@@ -326,7 +291,7 @@ class BvhReader {
     if (!any) return;
     for (Column& column : columns_) {
       const char* const attribute = kAttributes[static_cast<std::size_t>(column.channel)];
-      const NodeId curve = scene_.curves.create(column.is_rotation() ? CurveKind::angular : CurveKind::linear,
+      const NodeId curve = scene_.curves.create(is_rotation(column.channel) ? CurveKind::angular : CurveKind::linear,
                                                 std::string(scene_.names.short_name(column.joint)) + "_" + attribute);
       scene_.curves.assign(curve, std::move(column.keys), false, Infinity::constant, Infinity::constant);
       scene_.connections.connect(curve, "output", column.joint, attribute);

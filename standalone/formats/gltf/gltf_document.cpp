@@ -25,12 +25,6 @@ cgltf_options options_with(GltfMemory& memory) {
 
 constexpr std::size_t kJsonBegin = 20;  // in the binary container
 
-std::size_t length_at(std::string_view bytes, std::size_t place) {
-  std::uint32_t length = 0;
-  for (std::size_t i = 0; i < 4; ++i) length |= std::uint32_t{static_cast<unsigned char>(bytes[place + i])} << (8 * i);
-  return length;
-}
-
 // Whether the library found the container whole and refused what is in it.
 bool is_about_content(cgltf_result result) {
   return result == cgltf_result_invalid_json || result == cgltf_result_invalid_gltf;
@@ -50,6 +44,12 @@ bool stays_below(const std::string& path) {
 }
 
 }  // namespace
+
+std::size_t gltf_length_at(std::string_view bytes, std::size_t place) {
+  std::uint32_t length = 0;
+  for (std::size_t i = 0; i < 4; ++i) length |= std::uint32_t{static_cast<unsigned char>(bytes[place + i])} << (8 * i);
+  return length;
+}
 
 std::string gltf_text(const char* raw) {
   if (raw == nullptr) return {};
@@ -96,10 +96,9 @@ void GltfDocument::take(std::uint64_t count, std::uint64_t size) {
   }
 }
 
-// The JSON text, without the container around it; of a damaged container, whatever of it is there.
 std::string_view GltfDocument::json() const {
   if (!bytes_.starts_with("glTF") || bytes_.size() < kJsonBegin) return bytes_;
-  return bytes_.substr(kJsonBegin, length_at(bytes_, 12));
+  return bytes_.substr(kJsonBegin, gltf_length_at(bytes_, 12));
 }
 
 // What follows the JSON text in a container; empty where nothing does.
@@ -109,7 +108,7 @@ std::string_view GltfDocument::binary_part() const {
   const std::size_t begin = static_cast<std::size_t>(text.data() - bytes_.data()) + text.size();
   if (bytes_.size() - begin < kHeader) return {};
   const std::string_view part = bytes_.substr(begin + kHeader);
-  return part.substr(0, length_at(bytes_, begin));
+  return part.substr(0, gltf_length_at(bytes_, begin));
 }
 
 void GltfDocument::parse() {

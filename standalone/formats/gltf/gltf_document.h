@@ -95,6 +95,10 @@ class GltfDocument {
 
   const cgltf_data& data() const { return *data_; }
   const std::string& name() const { return name_; }  // as error texts call it
+  // The JSON text, without the container around it; of a damaged container, whatever of it is there.
+  std::string_view json() const;
+  // Throws FormatError where they are not all there. Good as long as the document.
+  std::string_view bytes_of(const cgltf_buffer& buffer);
 
   // "accessor 7": as error texts call it.
   std::string label(const cgltf_accessor& accessor) const;
@@ -113,10 +117,8 @@ class GltfDocument {
   void parse();
   cgltf_data* parse_essentials();
   [[noreturn]] void fail_for(int result);
-  std::string_view json() const;
   std::string_view binary_part() const;
   std::string_view bytes_of(const cgltf_buffer_view& view);
-  std::string_view bytes_of(const cgltf_buffer& buffer);
   Bytes decoded(const cgltf_buffer& buffer, const std::string& label);
   // `first` is where they lie; null for zeros.
   std::vector<double> decoded_numbers(const cgltf_accessor& accessor, const char* first, std::size_t width,
@@ -133,6 +135,9 @@ class GltfDocument {
   std::map<const cgltf_buffer*, Bytes> loaded_;
   std::set<std::filesystem::path> counted_;  // external files
 };
+
+// The length that a container gives at this place, which lies within its bytes.
+std::size_t gltf_length_at(std::string_view bytes, std::size_t place);
 
 // A string of the file without its JSON escapes; empty for null.
 std::string gltf_text(const char* raw);

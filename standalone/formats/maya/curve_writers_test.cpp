@@ -90,7 +90,7 @@ TEST(CurveFile, IsReadBackOntoTheSameNamesToTheLastBit) {
     const Written written = write_maya_curves(before, everything(before));
     rounded += written.lost.size();
     EXPECT_TRUE(seed % 3 != 0 || written.lost.empty()) << seed;
-    const Scene after = clean(kObjects + written.text);
+    const Scene after = clean(kObjects + written.bytes);
     EXPECT_EQ(after.settings.frames_per_second(), before.settings.frames_per_second());
     EXPECT_EQ(after.settings.linear_unit(), before.settings.linear_unit());
     const NodeId ball = before.names.require("ball"), again = after.names.require("ball");
@@ -115,12 +115,12 @@ TEST(CurveFile, SaysWhatItDoesNotHold) {
   EXPECT_THAT(written.lost, testing::ElementsAre(testing::HasSubstr("ball.translateX is locked"),
                                                  testing::HasSubstr("ball.translateY is driven by the expression bob"),
                                                  testing::HasSubstr("unit of length")));
-  EXPECT_THAT(written.text, testing::Not(testing::HasSubstr("bob")));
+  EXPECT_THAT(written.bytes, testing::Not(testing::HasSubstr("bob")));
 }
 
 TEST(CurveFile, HoldsTheCurvesOfTheObjectsThatAreNamedAlone) {
   const Scene scene = some_scene(1, "cm");
-  EXPECT_THAT(write_maya_curves(scene, {scene.names.require("group")}).text,
+  EXPECT_THAT(write_maya_curves(scene, {scene.names.require("group")}).bytes,
               testing::Not(testing::HasSubstr("createNode")));
 }
 
@@ -133,11 +133,11 @@ TEST(CurveScript, HasEachKeyAsItIs) {
   scene.curves.set_infinity(curve, Infinity::linear, Infinity::cycle_offset);
   const Written written = write_maya_script(scene, {ball});
   EXPECT_THAT(written.lost, testing::IsEmpty());
-  EXPECT_THAT(written.text, testing::HasSubstr("TIME_UNIT, LINEAR_UNIT = \"pal\", \"cm\"\n"));
-  EXPECT_THAT(written.text, testing::HasSubstr("    (\"ball.rotateX\", False, \"linear\", \"cycleRelative\", [\n"
-                                               "        (1.0, 0.1, \"auto\", \"auto\", 1.0, 0.0, 1.0, 0.0),\n"
-                                               "        (2.5, -0.0, \"fixed\", \"stepnext\", 0.1, 0.3, 1.0, 0.0),\n"
-                                               "    ]),\n"));
+  EXPECT_THAT(written.bytes, testing::HasSubstr("TIME_UNIT, LINEAR_UNIT = \"pal\", \"cm\"\n"));
+  EXPECT_THAT(written.bytes, testing::HasSubstr("    (\"ball.rotateX\", False, \"linear\", \"cycleRelative\", [\n"
+                                                "        (1.0, 0.1, \"auto\", \"auto\", 1.0, 0.0, 1.0, 0.0),\n"
+                                                "        (2.5, -0.0, \"fixed\", \"stepnext\", 0.1, 0.3, 1.0, 0.0),\n"
+                                                "    ]),\n"));
 }
 
 TEST(CurveScript, KeepsTangentsOfLengthsInCentimetres) {
@@ -146,7 +146,7 @@ TEST(CurveScript, KeepsTangentsOfLengthsInCentimetres) {
   const NodeId ball = scene.nodes.create("transform", "ball");
   const NodeId curve = scene.curves.set_key(ball, Channel::translateX, 1.0, 2.0);
   scene.curves.set_key(curve, Key{1.0, 2.0, Tangent::fixed, Tangent::fixed, 0.5, 3.0, 0.5, 4.0});
-  EXPECT_THAT(write_maya_script(scene, {ball}).text,
+  EXPECT_THAT(write_maya_script(scene, {ball}).bytes,
               testing::HasSubstr("(1.0, 2.0, \"fixed\", \"fixed\", 0.5, 300.0, 0.5, 400.0)"));
 }
 

@@ -1,24 +1,25 @@
 // What both engines are made to do to a scene, and what came of it here. tests/web/native_results.cpp does the same.
 
-import { EngineError, Tangent, type Engine, type Key, type Scene, type SceneFile, type Trails } from "../../src/index";
+import { EngineError, FORMS, Tangent, type Engine, type Form, type Key, type Scene, type SceneFile, type Trails } from "../../src/index";
 
 export type Command =
   | ["description"] | ["objects"] | ["cameras"] | ["history"] | ["trails"] | ["undo"] | ["redo"] | ["follow"] | ["pump"]
   | ["curves", string]
+  | ["written", Form]
   | ["time", number, number]
   | ["keys", string, string?]
   | ["matrices" | "place", string, ...number[]]
   | ["placing", string, number]
   | ["provisional", string, number, number]
   | ["tangents", string, string]
-  | ["moveKeys" | "insertKeys" | "setTangent" | "setWeighted", string, string, ...number[]]
+  | ["moveKeys" | "insertKeys" | "removeKeys" | "setTangent" | "setWeighted", string, string, ...number[]]
   | ["values" | "set" | "move" | "put" | "remove", string, string, ...number[]];
 
 export type Results = Map<string, Uint8Array>;
 
 const encoder = new TextEncoder();
 const bytesOf = (numbers: Float64Array) => new Uint8Array(numbers.slice().buffer);
-const numbersOf = (key: Key) => [key.frame, key.value, key.in, key.out, key.inX, key.inY, key.outX, key.outY];
+export const numbersOf = (key: Key) => [key.frame, key.value, key.in, key.out, key.inX, key.inY, key.outX, key.outY];
 
 /** Frames in between keys too, and outside of the range. */
 function framesOf(scene: Scene): number[] {
@@ -27,7 +28,7 @@ function framesOf(scene: Scene): number[] {
 }
 
 /** All that can be asked about a scene. */
-function questions(scene: Scene): Command[] {
+export function questions(scene: Scene): Command[] {
   const frames = framesOf(scene);
   return [
     ["description"], ["objects"], ["cameras"], ["history"], ["trails"],
@@ -56,7 +57,7 @@ function edits(scene: Scene): Command[] {
       ["insertKeys", source, "", middle.frame + 0.625],
       ["moveKeys", source, attribute, middle.frame + 0.625, middle.frame + 0.5],
       ["setWeighted", source, attribute, 1],
-      ["setTangent", source, attribute, middle.frame, 0.2, 1.25],
+      ["setTangent", source, attribute, middle.frame, 0.2, 1.25, 1, 1],
       ["placing", source, middle.frame],
       ["place", source, middle.frame, 1.25, -3.5, 0.75],
       ["provisional", source, middle.frame - 5, middle.frame + 5],
@@ -72,23 +73,23 @@ export function script(scene: Scene): Command[] {
   const done = made.length;  // as many at the most: those that are refused and those that only ask are none
   const back = Array.from({ length: done }, (): Command => ["undo"]);
   const again = Array.from({ length: done }, (): Command => ["redo"]);
-  return [...asked, ...made, ["follow"], ...asked, ...back, ["pump"], ...asked, ...again, ["pump"], ...asked];
+  const files = FORMS.map((form): Command => ["written", form]);
+  return [...asked, ...made, ["follow"], ...asked, ...files, ...back, ["pump"], ...asked, ...again, ["pump"], ...asked];
 }
 
 /** The commands as the native program reads them. */
 export const written = (commands: Command[]) =>
-  commands.map((command) => command.map(String).join("\t") + "\n").join("");
+  commands.map((command) => command.map((word) => (Object.is(word, -0) ? "-0" : String(word))).join("\t") + "\n").join("");
 
 export class Exam {
   readonly results: Results = new Map();
+  private row = 0;
 
   constructor(private readonly scene: Scene, private readonly trails: Trails | undefined) {}
 
-  run(commands: Command[]) {
-    commands.forEach((command, row) => {
-      const label = `${row} ${command[0]}`;
-      keep(this.results, label, () => this.answer(label, command));
-    });
+  run(command: Command) {
+    const label = `${this.row++} ${command[0]}`;
+    keep(this.results, label, () => this.answer(label, command));
   }
 
   private answer(label: string, command: Command) {
@@ -102,6 +103,7 @@ export class Exam {
       case "history": return text(scene.history());
       case "curves": return text(scene.curves(command[1]));
       case "trails": return this.arrays(label);
+      case "written": return this.file(label, command[1]);
       case "matrices": return numbers(scene.worldMatrices(command[1], command.slice(2) as number[]));
       case "values": return numbers(scene.channelValues(command[1], command[2], command.slice(3) as number[]));
       case "keys":
@@ -114,7 +116,8 @@ export class Exam {
       case "provisional": return this.stretches(label, command[1], command[2], command[3]);
       case "moveKeys": return scene.moveKeys(command[1], command[2], command[3], command[4]);
       case "insertKeys": return scene.insertKeys(command[1], command[2], command[3]);
-      case "setTangent": return scene.setTangent(command[1], command[2], command[3], "out", command[4], command[5]);
+      case "removeKeys": return scene.removeKeys(command[1], command[2], command[3]);
+      case "setTangent": return this.turn(command[1], command[2], command.slice(3) as number[]);
       case "setWeighted": return scene.setWeighted(command[1], command[2], command[3] !== 0);
       case "undo": return scene.undo();
       case "redo": return scene.redo();
@@ -149,6 +152,15 @@ export class Exam {
     }
   }
 
+  private turn(object: string, attribute: string, [frame, x, y, out, unified]: number[]) {
+    this.scene.setTangent(object, attribute, frame, out !== 0 ? "out" : "in", x, y, unified !== 0);
+  }
+
+  private file(label: string, form: Form) {
+    const { bytes, lost } = this.scene.written(form);
+    this.results.set(label, bytes).set(`${label} lost`, encoder.encode(JSON.stringify(lost)));
+  }
+
   private stretches(label: string, object: string, first: number, last: number) {
     for (const { trail, first: from, points } of this.trails?.provisional(object, first, last) ?? [])
       this.results.set(`${label} trail ${trail} from ${from}`, bytesOf(points));
@@ -175,8 +187,12 @@ export function keep(results: Results, label: string, run: () => void): boolean 
   }
 }
 
-/** What comes of a scene here; with the commands that it was given. */
-export function examine(engine: Engine, files: SceneFile[], take: string, make = script): { results: Results; commands: Command[] } {
+/**
+ * What comes of a scene here; with the commands that it was given. Each is asked for when those before it are done, so a
+ * generator may look at the scene.
+ */
+export function examine(engine: Engine, files: SceneFile[], take: string,
+  make: (scene: Scene) => Iterable<Command> = script): { results: Results; commands: Command[] } {
   const results: Results = new Map();
   let scene: Scene | undefined, trails: Trails | undefined;
   if (!keep(results, "open", () => { scene = engine.open(files, { take }); })) return { results, commands: [] };
@@ -184,9 +200,11 @@ export function examine(engine: Engine, files: SceneFile[], take: string, make =
     scene!.keepHistory();
     if (!keep(results, "make", () => { trails = scene!.trails({ all: true, samplesPerFrame: 2, colorMode: 1 }); }))
       return { results, commands: [] };
-    const commands = make(scene!);
-    const exam = new Exam(scene!, trails);
-    exam.run(commands);
+    const commands: Command[] = [], exam = new Exam(scene!, trails);
+    for (const command of make(scene!)) {
+      commands.push(command);
+      exam.run(command);
+    }
     return { results: new Map([...results, ...exam.results]), commands };
   } finally {
     scene!.close();
