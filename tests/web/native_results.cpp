@@ -178,6 +178,14 @@ class Exam {
           stretches[i].points);
   }
 
+  // All animation in a form, and what that does not hold.
+  void write_form(const std::string& label, const Words& words) {
+    VlxWritten written{};
+    if (!results_.did(label, vlx_written(scene_, words.at(1).c_str(), nullptr, 0, &written))) return;
+    results_.add(label, written.text);
+    results_.add(label + " lost", written.lost);
+  }
+
   // Until the trails are exact, or nothing goes on.
   void pump(const std::string& label) {
     VlxProgress progress{};
@@ -228,6 +236,7 @@ class Exam {
       {"tangents", [this](const std::string& label, const Words& words) { write_tangents(label, words); }},
       {"placing", [this](const std::string& label, const Words& words) { write_placing(label, words); }},
       {"provisional", [this](const std::string& label, const Words& words) { write_provisional(label, words); }},
+      {"written", [this](const std::string& label, const Words& words) { write_form(label, words); }},
       {"undo", [this](const std::string& label, const Words&) { results_.did(label, vlx_undo(scene_)); }},
       {"redo", [this](const std::string& label, const Words&) { results_.did(label, vlx_redo(scene_)); }},
       {"follow", [this](const std::string& label, const Words&) { results_.did(label, vlx_follow(scene_)); }},

@@ -2,11 +2,12 @@
 // in slices between requests. It knows nothing of Workers: whoever makes it passes on its events and turns its clock.
 
 import type { Engine } from "../engine";
-import type { History, Key, Scene } from "../scene";
+import type { CameraView, History, Key, Scene } from "../scene";
 import type { Trails } from "../trails";
 import { Drag } from "./drag";
 import { ownBuffers, trailNumbers } from "./numbers";
 import type { Dragged, LiveEvent, Measure, Opened, TrailNumbers, Wanted } from "./protocol";
+import { formsOf, savedAs, type Saved } from "./writing";
 
 /** Seconds of rebuilding at a time: requests wait no longer. */
 const SLICE = 0.008;
@@ -54,7 +55,7 @@ export class LiveHost {
       const all = fields.map((_, k) => k);
       this.shown = { scene, trails, names: measures.map(({ name }) => name), revisions: all.map(() => -1), unmeasured: new Set(all) };
       this.rebuild();
-      return { description: scene.describe(), fields, numbers: this.changed(), measures, history: scene.history() };
+      return { description: scene.describe(), fields, numbers: this.changed(), measures, history: scene.history(), cameras: scene.cameras() };
     } catch (error) {
       if (this.shown?.scene !== scene) scene.close();
       throw error;
@@ -90,6 +91,26 @@ export class LiveHost {
 
   putKey(object: string, attribute: string, key: Key): History {
     return this.edit((scene) => scene.putKey(object, attribute, key));
+  }
+
+  /** An object's, as Scene.worldMatrices has them. */
+  matrices(object: string, frames: readonly number[]): Float64Array {
+    return this.current().scene.worldMatrices(object, frames);
+  }
+
+  /** What a camera sees, one view a frame. */
+  lenses(shape: string, frames: readonly number[]): CameraView[] {
+    return this.current().scene.cameraViews(shape, frames);
+  }
+
+  /** The forms that the engine writes animation in. */
+  forms(): string[] {
+    return formsOf(this.current().scene);
+  }
+
+  /** All of the scene's animation as it is now, in one of them. Throws EngineError where that cannot hold this scene. */
+  saved(form: string): Saved {
+    return savedAs(this.current().scene, form);
   }
 
   /** From here to endDrag all that happens to the object's key at the frame is one step. Throws EngineError with the
