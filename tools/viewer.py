@@ -31,8 +31,8 @@ import page
 
 def browser_tests():
     """The files of tests that open the page in a browser."""
-    tests = sorted(glob.glob(os.path.join(page.VIEWER, "tests", "*.test.ts")))
-    return ["tests/" + os.path.basename(path) for path in tests if b"useBrowser(" in packages.read(path)]
+    tests = sorted(glob.glob(os.path.join(page.VIEWER, "tests", "**", "*.test.ts"), recursive=True))
+    return [os.path.relpath(path, page.VIEWER) for path in tests if b"useBrowser(" in packages.read(path)]
 
 
 @contextlib.contextmanager
@@ -57,7 +57,7 @@ def test(options):
     paths["DATA"] = os.environ.get("VANTORELIX_DATA") or os.path.join(page.ROOT, "..", "shared", "data")
     variables = {"VANTORELIX_" + name: path and os.path.abspath(path) for name, path in paths.items()}
     if not options.native:
-        print("viewer: NOT RUN, BECAUSE THE PROGRAM HAS NO ENGINE FOR PAGES: tests/live*.test.ts", flush=True)
+        print("viewer: NOT RUN, BECAUSE THE PROGRAM HAS NO ENGINE FOR PAGES: tests/live*.test.ts, tests/live/*.test.ts", flush=True)
     left_out = browser_tests() if options.no_browser else []
     if left_out:
         print("viewer: NOT RUN, BECAUSE THEY NEED A BROWSER: " + ", ".join(left_out), flush=True)

@@ -180,6 +180,7 @@ class Exam {
           stretches[i].points);
   }
 
+  // All animation in a form, and what that does not hold.
   void write_file(const std::string& label, const Words& words) {
     VlxWritten written{};
     if (!results_.did(label, vlx_written(scene_, words.at(1).c_str(), nullptr, 0, &written))) return;

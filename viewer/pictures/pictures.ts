@@ -18,8 +18,8 @@ interface Shot {
   before?(page: Page): Promise<unknown>;
 }
 
-/** Puts a key of the bouncing ball into the middle of the picture, pulls it up there, and waits for the engine. */
-async function dragKey(page: Page): Promise<void> {
+/** Puts a key of the bouncing ball into the middle of the picture, and presses the pointer on it. */
+async function pressKey(page: Page): Promise<void> {
   await page.evaluate(() => {
     const { store, motion } = window.vantorelixViewer;
     const { keyPoints, keyTimes } = motion.trails[0];
@@ -31,7 +31,19 @@ async function dragKey(page: Page): Promise<void> {
   const { x, y, width, height } = (await page.locator(".viewport").boundingBox())!;
   await page.mouse.move(x + width / 2, y + height / 2);
   await page.mouse.down();
+}
+
+/** Pulls it up from there. */
+async function pullKey(page: Page): Promise<void> {
+  await pressKey(page);
+  const { x, y, width, height } = (await page.locator(".viewport").boundingBox())!;
   await page.mouse.move(x + width / 2 + 20, y + height / 2 - 80, { steps: 5 });
+  await page.waitForTimeout(500); // the trail that follows at once is there long before
+}
+
+/** Lets go of it, and waits for the engine. */
+async function dragKey(page: Page): Promise<void> {
+  await pullKey(page);
   await page.mouse.up();
   await page.waitForFunction(() => {
     const { undoes, working } = window.vantorelixViewer.editing!;
@@ -62,6 +74,9 @@ const SHOTS: Record<string, Shot> = {
     ...arm("mode=1&frame=20"),
     before: (page) => page.evaluate(() => window.vantorelixViewer.store.set({ hover: { trail: 0, sample: 10 } })),
   },
+  "live-before": { page: "bounce-live.html", hash: "select=0", of: ".viewport", size: { width: 1000, height: 820 }, before: pressKey },
+  "live-pulled": { page: "bounce-live.html", hash: "select=0", of: ".viewport", size: { width: 1000, height: 820 }, before: pullKey },
+  "live-compared": { page: "bounce-live.html", hash: "select=0&compare=1", of: ".viewport", size: { width: 1000, height: 820 }, before: dragKey },
   "live": { page: "bounce-live.html", hash: "", before: dragKey },
   "viewer-help": { page: "arm.ma.html", of: "dialog[open]", hash: "", before: (page) => page.keyboard.press("Shift+?") },
 };

@@ -9,8 +9,9 @@ import { bestDirection, framing } from "./model/framing";
 import { KEPT, readHash, writeHash } from "./model/hash";
 import { Motion } from "./model/motion";
 import { runPlayer } from "./model/player";
-import { initialState, Store, type CameraPose } from "./model/state";
+import { initialState, Store, type CameraPose, type ViewState } from "./model/state";
 import { buildPage } from "./panels/page";
+import { followSpaces } from "./live/spaces";
 import { Viewport } from "./view/viewport";
 
 declare global {
@@ -37,7 +38,8 @@ function keepStateInHash(store: Store, initial: typeof store.state, trailCount: 
 
 /** The camera with which a page opens, for the aspect of its viewport. Looks at all samples once. */
 function opening(scene: Scene, motion: Motion): (aspect: number) => CameraPose {
-  const [shown, trails] = movingIn(motion, comparisonOf({ scene, motion }), motion.trails.map((_, index) => index));
+  const second = scene.compared?.opened ? null : comparisonOf({ scene, motion });
+  const [shown, trails] = movingIn(motion, second, motion.trails.map((_, index) => index));
   const direction = bestDirection(shown, trails, scene.upAxis);
   return (aspect) => framing(shown, trails, scene.upAxis, "persp", aspect, direction);
 }
@@ -66,15 +68,23 @@ function begin(source: TrailSource, hash: string) {
   const initial = initialState(scene, motion, open(1.5));
   const fromHash = readHash(hash, initial, motion.trails.length);
   const store = new Store({ ...initial, ...fromHash });
-  const relate = (trail: number | null) => {
-    motion.relativeTo(trail);
-    open = opening(scene, motion);
+  const relate = ({ relativeTo, seen }: ViewState) => {
+    motion.relativeTo(relativeTo);
+    motion.within(seen?.space ?? null);
   };
-  if (store.state.relativeTo !== null) relate(store.state.relativeTo);
+  const spaceOf = ({ relativeTo, seen }: ViewState) => (seen?.space ? seen.choice : String(relativeTo));
+  relate(store.state);
+  let shown = spaceOf(store.state);
+  if (store.state.relativeTo !== null) open = opening(scene, motion);
+  let kept = fromHash.camera !== undefined && store.state.space !== "place"; // it is for a space that is still to be loaded
   store.subscribe((state, changed) => {
-    relate(state.relativeTo);
-    if (!changed.has("camera")) store.set({ camera: open(state.aspect) }); // the trails are elsewhere now
-  }, ["relativeTo"]);
+    relate(state);
+    if (spaceOf(state) === shown) return;
+    shown = spaceOf(state);
+    open = opening(scene, motion);
+    if (!changed.has("camera") && !kept) store.set({ camera: open(state.aspect) }); // the trails are elsewhere now
+    kept = false;
+  }, ["relativeTo", "seen"]);
   /** Once the viewport has a size. */
   const frame = () => {
     if (!fromHash.camera) store.set({ camera: open(store.state.aspect) });
@@ -85,23 +95,25 @@ function begin(source: TrailSource, hash: string) {
 
 /** Shows what a source has in place of what `root` holds. */
 export function show(root: HTMLElement, source: TrailSource, { life, hash, chooseFiles }: Showing): void {
-  const { scene, editing } = source;
+  const { scene, editing, writing, spaces } = source;
   const { motion, store, frame } = begin(source, hash);
   document.title = `${baseName(scene.name)}: motion trails`;
   life.addEventListener("abort", () => store.set({ playing: false }));
   let viewport: Viewport | null = null;
   const app: App = {
-    scene, motion, store, life, editing, chooseFiles, save,
+    scene, motion, store, life, editing, writing, spaces, chooseFiles, save,
     announce: (text) => page.announce(text),
     picture: () => viewport!.picture(),
   };
   const page = buildPage(app, root);
   viewport = new Viewport(app, page.viewport);
   const initial = frame();
+  const spacesAgain = spaces && followSpaces({ scene, motion, store, spaces, announce: app.announce });
   source.subscribe((how) => {
     motion.trails = source.trails();
     viewport!.trailsChanged(how);
     page.trailsChanged(how);
+    if (how === "final") spacesAgain?.();
   });
   listenToKeys(app);
   runPlayer(scene, store);

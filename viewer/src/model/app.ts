@@ -1,6 +1,6 @@
 // What every part of the page is given.
 
-import type { Editing, Scene } from "../source/trail";
+import type { Editing, Scene, Spaces, Writing } from "../source/trail";
 import type { Motion } from "./motion";
 import type { Store } from "./state";
 
@@ -12,6 +12,10 @@ export interface App {
   readonly life: AbortSignal;
   /** Where keys can be edited. */
   readonly editing?: Editing;
+  /** Where animation can be written. */
+  readonly writing?: Writing;
+  /** Where more is known than positions. */
+  readonly spaces?: Spaces;
   /** Where scenes can be opened: asks the reader for files. */
   chooseFiles?(): void;
   /** Tells people who do not see the page what happened. */

@@ -4,12 +4,12 @@ import { COLOR_MODES, type ColorMode, type Editing } from "../source/trail";
 import { selectionCsv } from "./csv";
 import type { App } from "./app";
 import { countUpTo } from "./colors";
-import { comparisonOf, movingIn, shownComparison } from "./compare";
+import { movingIn, shownComparison, toldComparison } from "./compare";
 import { baseName, frameText } from "./format";
 import { bestDirection, framing } from "./framing";
-import { GRAPHS, graphOf } from "./graphs";
+import { graphOf, graphsOf } from "./graphs";
 import { movedTarget, visibleTrails } from "./pose";
-import { isVisible, toggled, type ViewName } from "./state";
+import { isInWorld, isVisible, toggled, type CameraPose, type ViewName } from "./state";
 import { panTime, seenTime, zoomTime } from "./time_span";
 
 export interface Command {
@@ -62,10 +62,13 @@ function stepKey(app: App, by: 1 | -1): void {
   else app.announce(by > 0 ? "No later key" : "No earlier key");
 }
 
+/** Looks from there; no longer through a camera of the scene. */
+const aim = (app: App, camera: CameraPose): void => app.store.set({ camera, through: null });
+
 function frameTrails(app: App, trails: readonly number[]): void {
   const { camera, aspect } = app.store.state;
   const [shown, framed] = movingIn(app.motion, shownComparison(app), trails);
-  app.store.set({ camera: framing(shown, framed, app.scene.upAxis, camera.view, aspect, camera) });
+  aim(app, framing(shown, framed, app.scene.upAxis, camera.view, aspect, camera));
 }
 
 function frameSelected(app: App): void {
@@ -78,7 +81,7 @@ function look(app: App, view: ViewName): void {
   const { motion, scene, store } = app;
   const [shown, trails] = movingIn(motion, shownComparison(app), visibleTrails(motion, store.state));
   const direction = view === "persp" ? bestDirection(shown, trails, scene.upAxis) : store.state.camera;
-  store.set({ camera: framing(shown, trails, scene.upAxis, view, store.state.aspect, direction) });
+  aim(app, framing(shown, trails, scene.upAxis, view, store.state.aspect, direction));
 }
 
 /** Turns around the target; views along an axis stay as they are. */
@@ -86,18 +89,18 @@ function orbit(app: App, azimuth: number, elevation: number): void {
   const { camera } = app.store.state;
   if (camera.view !== "persp") return app.announce("Only the perspective view can be turned: press 1 for it");
   const above = Math.max(-90, Math.min(90, camera.elevation + elevation));
-  app.store.set({ camera: { ...camera, azimuth: camera.azimuth + azimuth, elevation: above } });
+  aim(app, { ...camera, azimuth: camera.azimuth + azimuth, elevation: above });
 }
 
 function zoom(app: App, factor: number): void {
   const { camera } = app.store.state;
-  app.store.set({ camera: { ...camera, distance: camera.distance * factor } });
+  aim(app, { ...camera, distance: camera.distance * factor });
 }
 
 /** Moves the target to the right and up in the picture, by parts of the distance. */
 function pan(app: App, right: number, up: number): void {
   const { camera } = app.store.state;
-  app.store.set({ camera: { ...camera, target: movedTarget(camera, right * camera.distance, up * camera.distance) } });
+  aim(app, { ...camera, target: movedTarget(camera, right * camera.distance, up * camera.distance) });
 }
 
 function eachSelected(app: App, change: (trails: readonly number[]) => void): void {
@@ -111,7 +114,7 @@ function setMode(app: App, mode: ColorMode): void {
   app.announce(`Colour mode ${COLOR_MODES[mode]}`);
 }
 
-function toggle(app: App, key: "showBones" | "window", on: string, off: string): void {
+function toggle(app: App, key: "showBones" | "window" | "showCompared", on: string, off: string): void {
   const value = !app.store.state[key];
   app.store.set({ [key]: value });
   app.announce(value ? on : off);
@@ -127,7 +130,8 @@ function nextOnionSkins(app: App): void {
 }
 
 function nextGraph(app: App): void {
-  const graph = GRAPHS[(GRAPHS.indexOf(app.store.state.graph) + 1) % GRAPHS.length];
+  const all = graphsOf(app);
+  const graph = all[(all.indexOf(app.store.state.graph) + 1) % all.length];
   app.store.set({ graph });
   app.announce(`Graph of ${graphOf(app, graph).title.toLowerCase()}`);
 }
@@ -158,8 +162,13 @@ const shiftKeys = (app: App, by: 1 | -1): void => editKeys(app, "keyed", async (
 });
 
 /** A file name from the scene's. */
-const fileName = (app: App, ending: string) =>
-  (baseName(app.scene.name).replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
+export const fileName = (app: App, ending: string): string => withEnding(baseName(app.scene.name), ending);
+
+/** The same in place of the scene's own ending. */
+export const fileNameAs = (app: App, ending: string): string => withEnding(baseName(app.scene.name).replace(/(?<=.)\.[^.]*$/, ""), ending);
+
+const withEnding = (name: string, ending: string) =>
+  (name.replace(/[^\p{L}\p{N}._-]+/gu, "_") || "trails") + ending;
 
 /** Moves what the timeline shows by half of it. */
 function turnTime(app: App, direction: 1 | -1): void {
@@ -228,8 +237,8 @@ export const COMMANDS: readonly Command[] = [
   { id: "show-all", title: "Show everything", keys: ["Shift+H"],
     run: (app) => app.store.set({ hidden: new Set(), solo: new Set() }) },
   { id: "relative", title: "Relative to what is selected, or the world again", keys: ["r"],
-    run: (app) => app.store.state.relativeTo !== null
-      ? app.store.set({ relativeTo: null })
+    run: (app) => !isInWorld(app.store.state)
+      ? app.store.set({ relativeTo: null, space: "place" })
       : eachSelected(app, ([first]) => app.store.set({ relativeTo: first })) },
   { id: "ghost", title: "Ghost: draw through geometry, or not", keys: ["g"],
     run: (app) => app.store.set({ ghost: !(app.store.state.ghost ?? app.motion.trails.some((trail) => trail.ghost)) }) },
@@ -246,6 +255,8 @@ export const COMMANDS: readonly Command[] = [
     run: (app) => editKeys(app, "keyed", (editing, trails, frame) => editing.removeKeys(trails, frame)) },
   { id: "key-earlier", title: "Move them a frame earlier", keys: ["{"], edits: true, run: (app) => shiftKeys(app, -1) },
   { id: "key-later", title: "Move them a frame later", keys: ["}"], edits: true, run: (app) => shiftKeys(app, 1) },
+  { id: "compare", title: "Compare with the scene as it was opened, or not", keys: ["Shift+D"], edits: true,
+    run: (app) => toggle(app, "showCompared", "Compared with the scene as it was opened", "Not compared") },
   { id: "undo", title: "Undo an edit of keys", keys: ["Ctrl+z"], edits: true, run: (app) => takeStep(app, "undo") },
   { id: "redo", title: "Redo it", keys: ["Ctrl+Shift+z", "Ctrl+y"], edits: true, run: (app) => takeStep(app, "redo") },
   { id: "png", title: "Save a picture (PNG)", keys: ["Shift+P"],
@@ -253,7 +264,7 @@ export const COMMANDS: readonly Command[] = [
       (picture) => app.save(fileName(app, ".png"), picture), (error: Error) => app.announce(error.message)) },
   { id: "csv", title: "Save the selected trails (CSV)", keys: ["Shift+C"],
     run: (app) => eachSelected(app, (trails) =>
-      app.save(fileName(app, ".csv"), new Blob([selectionCsv(app.motion, trails, comparisonOf(app))], { type: "text/csv" }))) },
+      app.save(fileName(app, ".csv"), new Blob([selectionCsv(app.motion, trails, toldComparison(app))], { type: "text/csv" }))) },
 ];
 
 /** Those that this page has. */

@@ -25,7 +25,7 @@ function apart(here: Float64Array, second: Float64Array): Float64Array {
   return result;
 }
 
-/** Both as they are shown: relative to an object, each scene is relative to its own. */
+/** Both as they are shown: relative to an object, each scene is relative to its own; in a space, both are in that of the first. */
 export class Comparison {
   /** The second scene's trails, by the numbers of the first's. */
   readonly second: Motion;
@@ -34,6 +34,7 @@ export class Comparison {
   constructor(private readonly first: Motion) {
     this.second = new Motion(first.trails.map(there));
     this.second.relativeTo(first.relation);
+    this.second.within(first.space);
   }
 
   /** Whether the second scene has the object. */
@@ -75,10 +76,15 @@ export function shownComparison(app: App): Comparison | null {
 /** The comparison with the second scene, shown or not; null where there is none. Kept until what is shown changes. */
 export function comparisonOf({ scene, motion }: Compared): Comparison | null {
   if (!scene.compared) return null;
-  const of = [motion.trails, motion.relation];
+  const of = [motion.trails, motion.relation, motion.space];
   let found = kept.get(motion);
   if (!found || of.some((each, i) => each !== found!.of[i])) kept.set(motion, (found = { of, comparison: new Comparison(motion) }));
   return found.comparison;
+}
+
+/** The comparison that is told of where nothing says what to show; with the scene as it was opened, only where it is shown. */
+export function toldComparison(app: App): Comparison | null {
+  return app.scene.compared?.opened ? shownComparison(app) : comparisonOf(app);
 }
 
 /** What framing is to fit of these trails: those that move, and in both scenes those that move in one of them. */
@@ -98,7 +104,8 @@ export function movingIn(motion: Motion, comparison: Comparison | null, trails: 
 /** What to call the second scene: its take where it is the same file. */
 export function secondName({ scene: { name, compared } }: App): string {
   if (!compared) return "";
-  const { scene, take } = compared;
+  const { scene, take, opened } = compared;
+  if (opened) return `${baseName(scene)} as opened`;
   if (take === null) return baseName(scene);
   return scene === name ? `take ${take}` : `${baseName(scene)}, take ${take}`;
 }

@@ -3,10 +3,12 @@
 
 import type { Trail } from "../source/trail";
 import type { App } from "./app";
+import { PICTURE_WIDTH } from "./camera/film";
+import { pixelSpacing } from "./camera/pixels";
 import { unitName } from "./format";
 import { meanOfSides, triple } from "./motion";
 
-export const GRAPHS = ["spacing", "speed", "acceleration", "jerk", "curvature", "pops", "sliding"] as const;
+export const GRAPHS = ["spacing", "speed", "acceleration", "jerk", "curvature", "pops", "sliding", "screen"] as const;
 export type GraphName = (typeof GRAPHS)[number];
 
 interface Kind {
@@ -130,18 +132,25 @@ const KINDS: Readonly<Record<GraphName, Kind>> = {
   curvature: { title: "Curvature", unit: (of) => `per ${of}`, words: MOST, values: curvature },
   pops: { title: "Pops", unit: () => "times the usual", words: MOST, values: pops },
   sliding: { title: "Sliding", unit: (of) => `${of} per second`, between: true, words: FASTEST, values: sliding },
+  screen: { title: "On screen", unit: () => `pixels per frame, of ${PICTURE_WIDTH} across`, between: true, words: FASTEST,
+    values: (app, trail) => pixelSpacing(app.store.state.seen?.film ?? null, app.motion.trails[trail]) },
 };
 
 /** Values by the points that they were made of, which are another array once anything changes. */
 const kept = new Map(GRAPHS.map((name) => [name, new WeakMap<Float64Array, Float64Array>()]));
 
 function keptValues(app: App, name: GraphName, trail: number): Float64Array {
+  if (name === "screen") return KINDS.screen.values(app, trail); // which depends on the camera, too
   const byPoints = kept.get(name)!;
   const points = app.motion.shownPoints(trail);
   const values = byPoints.get(points) ?? KINDS[name].values(app, trail);
   byPoints.set(points, values);
   return values;
 }
+
+/** Those that there are of a scene. */
+export const graphsOf = ({ spaces }: App): readonly GraphName[] =>
+  GRAPHS.filter((name) => name !== "screen" || (spaces && spaces.cameras.length > 0));
 
 /** One of them, for a scene. */
 export interface Graph {

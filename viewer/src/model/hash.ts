@@ -108,6 +108,8 @@ const FIELDS: Fields = {
   hidden: { name: "hide", ...indices },
   solo: { name: "solo", ...indices },
   relativeTo: { name: "relative", ...optional(index) },
+  space: { name: "space", ...oneOf("place", "turning", "camera", "screen") },
+  through: { name: "through", ...optional({ write: String, read: (t: string) => (/^\d{1,4}$/.test(t) ? Number(t) : undefined) }) },
   colorBy: { name: "color", ...oneOf("mode", "object") },
   mode: { name: "mode", ...optional(mode) },
   lineWidth: { name: "width", ...optional(number) },

@@ -2,6 +2,7 @@
 // two trails have their samples at different frames, the other's position between two samples is linear.
 
 import type { Trail, Vec3 } from "../source/trail";
+import type { Space } from "./camera/space";
 import { moving, reachOf, type Reach } from "./reach";
 
 export const sampleFrame = (trail: Pick<Trail, "startFrame" | "frameStep">, sample: number): number =>
@@ -36,9 +37,10 @@ export function meanOfSides(values: Float64Array, sample: number): number {
 
 const minus = (a: Vec3, b: Vec3): Vec3 => [a[0] - b[0], a[1] - b[1], a[2] - b[2]];
 
-function subtract(points: Float64Array, at: (i: number) => Vec3): Float64Array {
+/** Each place as a function of it and of its number has it. */
+function placed(points: Float64Array, place: (point: Vec3, i: number) => Vec3): Float64Array {
   const result = new Float64Array(points.length);
-  for (let i = 0; 3 * i < points.length; ++i) result.set(minus(triple(points, i), at(i)), 3 * i);
+  for (let i = 0; 3 * i < points.length; ++i) result.set(place(triple(points, i), i), 3 * i);
   return result;
 }
 
@@ -50,6 +52,7 @@ export class Motion {
   private reaches: readonly Reach[] | null = null;
   private moves: readonly boolean[] | null = null;
   private related: number | null = null;
+  private shownIn: Space | null = null;
 
   constructor(private list: readonly Trail[]) {}
 
@@ -68,6 +71,16 @@ export class Motion {
     this.forget();
   }
 
+  /** From now on positions are those of this space; null: what relativeTo says. */
+  within(space: Space | null): void {
+    this.shownIn = space;
+    this.forget();
+  }
+
+  get space(): Space | null {
+    return this.shownIn;
+  }
+
   /** The trail that positions are relative to. */
   get relation(): number | null {
     return this.related;
@@ -75,20 +88,26 @@ export class Motion {
 
   /** Flat triples, a sample each. */
   shownPoints(index: number): Float64Array {
-    return this.kept(this.points, index, (trail, reference) =>
-      reference ? subtract(trail.points, (i) => worldPosition(reference, sampleFrame(trail, i))) : trail.points,
-    );
+    return this.kept(this.points, index, (trail) => {
+      const to = this.relative;
+      return to ? placed(trail.points, (point, i) => to(point, sampleFrame(trail, i))) : trail.points;
+    });
   }
 
   shownKeyPoints(index: number): Float64Array {
-    return this.kept(this.keyPoints, index, (trail, reference) =>
-      reference ? subtract(trail.keyPoints, (i) => worldPosition(reference, trail.keyTimes[i])) : trail.keyPoints,
-    );
+    return this.kept(this.keyPoints, index, (trail) => {
+      const to = this.relative;
+      return to ? placed(trail.keyPoints, (point, i) => to(point, trail.keyTimes[i])) : trail.keyPoints;
+    });
   }
 
   shownPosition(index: number, frame: number): Vec3 {
-    const position = worldPosition(this.list[index], frame);
-    return this.reference ? minus(position, worldPosition(this.reference, frame)) : position;
+    return this.shownPlace(worldPosition(this.list[index], frame), frame);
+  }
+
+  /** Where a place of the world is at a frame, as positions are shown. */
+  shownPlace(place: Vec3, frame: number): Vec3 {
+    return this.relative?.(place, frame) ?? place;
   }
 
   /** How far each trail reaches as it is shown. */
@@ -125,8 +144,12 @@ export class Motion {
     return meanOfSides(this.spacing(index), sample);
   }
 
-  private get reference(): Trail | null {
-    return this.related === null ? null : (this.list[this.related] ?? null);
+  /** What becomes of places of the world at frames; null: nothing. */
+  private get relative(): ((place: Vec3, frame: number) => Vec3) | null {
+    const { shownIn, related } = this;
+    if (shownIn) return (place, frame) => shownIn.place(place, frame);
+    const reference = related === null ? undefined : this.list[related];
+    return reference ? (place, frame) => minus(place, worldPosition(reference, frame)) : null;
   }
 
   private forget(): void {
@@ -136,11 +159,9 @@ export class Motion {
     this.reaches = this.moves = null;
   }
 
-  private kept(
-    cache: Map<number, Float64Array>, index: number, make: (trail: Trail, reference: Trail | null) => Float64Array,
-  ): Float64Array {
+  private kept(cache: Map<number, Float64Array>, index: number, make: (trail: Trail) => Float64Array): Float64Array {
     let found = cache.get(index);
-    if (!found) cache.set(index, (found = make(this.list[index], this.reference)));
+    if (!found) cache.set(index, (found = make(this.list[index])));
     return found;
   }
 }

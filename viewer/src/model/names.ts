@@ -1,6 +1,7 @@
 // Names of objects, with as much of their path as tells equal ones apart.
 
 import type { Trail } from "../source/trail";
+import type { App } from "./app";
 
 const stepsOf = ({ source }: Trail) => source.split("|").filter((step) => step !== "");
 
@@ -40,4 +41,15 @@ export function distinctNames(trails: readonly Trail[]): readonly string[] {
   tellApart(trails, made);
   kept.set(trails, (names = made));
   return names;
+}
+
+/** What positions are relative to; null: the world. */
+export function referenceName({ motion, store, spaces }: Pick<App, "motion" | "store" | "spaces">): string | null {
+  const { relativeTo, space, through } = store.state;
+  const camera = spaces?.cameras[through ?? 0]?.name;
+  if (space === "camera" && camera) return camera;
+  if (space === "screen" && camera) return `the screen of ${camera}`;
+  if (relativeTo === null) return null;
+  const { name } = motion.trails[relativeTo];
+  return space === "turning" ? `${name}, as it turns` : name;
 }

@@ -2,6 +2,7 @@
 // keeps some of it subscribes.
 
 import type { ColorMode, Scene, Vec3 } from "../source/trail";
+import type { Seen } from "./camera/space";
 import type { Palette } from "./colors";
 import { firstSelection } from "./first_look";
 import type { GraphName } from "./graphs";
@@ -42,6 +43,13 @@ export interface ViewState {
   readonly solo: ReadonlySet<number>;
   /** Trails are shown relative to this one; null: in the world. */
   readonly relativeTo: number | null;
+  /** What positions are shown in: the world or, where `relativeTo` says so, relative to an object's position; relative to
+   * that object as it turns; in the space of a camera, or where they are in its picture. */
+  readonly space: "place" | "turning" | "camera" | "screen";
+  /** The camera of the scene through which it is seen, by its place in the list; null: the page's own. */
+  readonly through: number | null;
+  /** What was loaded for these two. */
+  readonly seen: Seen | null;
   readonly colorBy: "mode" | "object";
   /** For these six, null leaves each trail its own. */
   readonly mode: ColorMode | null;
@@ -103,6 +111,9 @@ export function initialState(scene: Scene, motion: Motion, camera: CameraPose): 
     hidden: new Set(),
     solo: new Set(),
     relativeTo: null,
+    space: "place",
+    through: null,
+    seen: null,
     colorBy: "mode",
     mode: scene.colorModeChosen ? null : 1,
     lineWidth: null,
@@ -121,7 +132,7 @@ export function initialState(scene: Scene, motion: Motion, camera: CameraPose): 
     onionEvery: 4,
     onionBefore: 3,
     onionAfter: 3,
-    showCompared: true,
+    showCompared: !scene.compared?.opened,
     palette: "engine",
     theme: "auto",
     pictureScale: 1,
@@ -185,3 +196,11 @@ export function toggled(set: ReadonlySet<number>, item: number): ReadonlySet<num
 
 export const isVisible = (state: ViewState, trail: number): boolean =>
   !state.hidden.has(trail) && (state.solo.size === 0 || state.solo.has(trail));
+
+/** Whether positions are those of the world. */
+export const isInWorld = ({ relativeTo, space }: ViewState): boolean =>
+  relativeTo === null && (space === "place" || space === "turning");
+
+/** Whether what stands around the trails is there, too: it neither turns nor follows a camera. */
+export const hasGround = ({ relativeTo, space }: ViewState): boolean =>
+  space === "place" || (space === "turning" && relativeTo === null);

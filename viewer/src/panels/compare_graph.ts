@@ -158,7 +158,7 @@ export function buildCompareGraph(app: App): CompareGraph | null {
   onDrag(plot, (x) => goTo(app, frameAt(app, place().scale, x)));
   store.subscribe(follow, ["frame", "hover"]);
   store.subscribe(() => (curves.invalidate(), moving.invalidate()), ["timeSpan"]);
-  store.subscribe(redraw, ["selected", "hidden", "solo", "relativeTo", "theme", "showCompared"]);
+  store.subscribe(redraw, ["selected", "hidden", "solo", "relativeTo", "seen", "theme", "showCompared"]);
   const heading = el("h2", {}, `Distance to ${secondName(app)}, ${unitName(app.scene.unit)}`);
   const element = el(
     "section", { class: "graph compare-graph", "aria-label": "Distance graph" },

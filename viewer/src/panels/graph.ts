@@ -4,7 +4,7 @@ import type { App } from "../model/app";
 import { goTo } from "../model/commands";
 import { markColor } from "../model/colors";
 import { frameText, lengthText } from "../model/format";
-import { GRAPHS, graphOf, type Graph, type GraphName } from "../model/graphs";
+import { graphOf, graphsOf, type Graph, type GraphName } from "../model/graphs";
 import { nearestSample, sampleFrame } from "../model/motion";
 import { distinctNames } from "../model/names";
 import type { Hover } from "../model/state";
@@ -134,9 +134,9 @@ export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
   zoomsTime(app, plot);
   onDrag(plot, (x) => goTo(app, frameAt(app, place().scale, x)));
   store.subscribe(follow, ["frame", "hover"]);
-  store.subscribe(redraw, ["selected", "relativeTo", "palette", "theme", "graph"]);
+  store.subscribe(redraw, ["selected", "relativeTo", "seen", "palette", "theme", "graph"]);
   store.subscribe(() => (curves.invalidate(), moving.invalidate()), ["timeSpan"]);
-  const kinds = GRAPHS.map((name): Option<GraphName> => [name, graphOf(app, name).title]);
+  const kinds = graphsOf(app).map((name): Option<GraphName> => [name, graphOf(app, name).title]);
   const element = el(
     "section", { class: "graph" },
     el("div", { class: "graph-head" }, select(app, "graph", "Graph", kinds), unit,

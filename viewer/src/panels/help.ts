@@ -25,6 +25,10 @@ const EDITING: readonly Row[] = [
   ["Drag a key on its trail", "Move it in the plane of the picture; Escape puts it back"],
   ["There with X, Y or Z held", "Move it along that axis"],
   ["Drop files on the page", "Open another scene"],
+  ["Compare", "The scene as it was opened, in grey, and how far from it everything is"],
+  ["Save as…", "The animation with its edits, as a file; it says first what that does not hold"],
+  ["Camera", "Look through a camera of the scene; any other view leaves it"],
+  ["Positions, in the settings", "Relative to an object as it turns, to a camera, or where they are on its screen"],
 ];
 
 const PAGE: readonly Row[] = [

@@ -4,6 +4,7 @@ import type { Palette } from "../model/colors";
 import { legendColors, legendItems } from "../model/legend";
 import { COLOR_MODES, type ColorMode } from "../source/trail";
 import type { App } from "../model/app";
+import { isInWorld } from "../model/state";
 import { el } from "./parts/dom";
 
 /** Where the ramp has a trail's typical speed. */
@@ -42,7 +43,7 @@ const explain = (mode: ColorMode, palette: Palette): HTMLElement =>
 export function buildLegend(app: App): { element: HTMLElement; update(): void } {
   const element = el("div", { class: "legend", role: "group", "aria-label": "What the colours mean" });
   const update = () => {
-    const { colorBy, mode, palette, relativeTo } = app.store.state;
+    const { colorBy, mode, palette } = app.store.state;
     if (colorBy === "object") {
       element.replaceChildren(el("p", {}, "Each object has its own colour, as in the list."));
       return;
@@ -50,10 +51,10 @@ export function buildLegend(app: App): { element: HTMLElement; update(): void } 
     const modes = mode === null ? [...new Set(app.motion.trails.map((trail) => trail.colorMode))].sort() : [mode];
     element.replaceChildren(...modes.map((each) =>
       el("div", { class: "legend-mode" }, el("h3", {}, COLOR_MODES[each]), explain(each, palette))));
-    if (relativeTo !== null && modes.includes(1)) element.append(el("p", { class: "note" }, "Spacing colours show the motion in the world."));
+    if (!isInWorld(app.store.state) && modes.includes(1)) element.append(el("p", { class: "note" }, "Spacing colours show the motion in the world."));
     if (palette === "safe") element.append(el("p", { class: "note" }, "These are not the engine's own colours."));
   };
-  app.store.subscribe(update, ["colorBy", "mode", "palette", "relativeTo"]);
+  app.store.subscribe(update, ["colorBy", "mode", "palette", "relativeTo", "space"]);
   update();
   return { element, update };
 }

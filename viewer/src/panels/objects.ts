@@ -1,6 +1,7 @@
 // The panel with the list of objects.
 
 import type { App } from "../model/app";
+import { referenceName } from "../model/names";
 import { matcher } from "../model/search";
 import { isVisible } from "../model/state";
 import { button, commandButton, el, setText } from "./parts/dom";
@@ -34,15 +35,16 @@ function searchField(app: App, changed: () => void): HTMLInputElement {
 /** Says what positions are relative to, with a button back to the world. */
 function referenceLine(app: App): HTMLElement {
   const text = el("span", { class: "reference-name" });
-  const back = button({ text: "World", title: "Positions in the world again" }, () => app.store.set({ relativeTo: null }));
+  const back = button({ text: "World", title: "Positions in the world again" }, () => app.store.set({ relativeTo: null, space: "place" }));
   const line = el("div", { class: "reference" }, text, back);
   const update = () => {
-    const { relativeTo } = app.store.state;
-    const trail = relativeTo === null ? undefined : app.motion.trails[relativeTo];
-    line.hidden = !trail;
-    if (trail) text.replaceChildren("relative to ", el("strong", { title: trail.source }, trail.name));
+    const { relativeTo, space } = app.store.state;
+    const name = referenceName(app);
+    const path = space === "place" && relativeTo !== null ? app.motion.trails[relativeTo].source : undefined;
+    line.hidden = name === null;
+    if (name !== null) text.replaceChildren("relative to ", el("strong", { title: path }, name));
   };
-  app.store.subscribe(update, ["relativeTo"]);
+  app.store.subscribe(update, ["relativeTo", "space", "through"]);
   update();
   return line;
 }
@@ -125,7 +127,7 @@ export function buildObjects(app: App): ObjectsPanel {
     for (const mode of [0, 1, 2, 3] as const) grid.element.style.setProperty(`--mode-${mode}`, swatchStyle(mode, store.state.palette));
   };
   store.subscribe(colour, ["colorBy", "palette", "selected"]);
-  store.subscribe(filter, ["movingOnly", "relativeTo"]);
+  store.subscribe(filter, ["movingOnly", "relativeTo", "seen"]);
   colour();
   filter();
   const element = el(

@@ -10,6 +10,7 @@ import { buildLive } from "./parts/live";
 import { buildMeasuresDialog } from "./measures_dialog";
 import { buildObjects } from "./objects";
 import { buildPictureDialog } from "./picture_dialog";
+import { buildSaveDialog } from "./live/save_dialog";
 import { buildSettings } from "./settings";
 import { panelButton } from "./sheets";
 import { followTheme } from "./parts/theme";
@@ -53,6 +54,7 @@ export function buildPage(app: App, root: HTMLElement): Page {
   const live = buildLive();
   const help = buildHelp(app);
   const picture = buildPictureDialog(app);
+  const saving = app.writing && buildSaveDialog(app, app.writing);
   const objects = buildObjects(app);
   const settings = buildSettings(app);
   const timeline = buildTimeline(app);
@@ -64,12 +66,14 @@ export function buildPage(app: App, root: HTMLElement): Page {
     settingsButton: panelButton(app, { key: "showSettings", name: "Settings", icon: "settings", element: settings.element }),
     openHelp: help.open,
     openPicture: picture.open,
+    openSave: () => saving?.open(),
   });
   const stage = el("main", { class: "stage" }, viewport, description, live.element);
   const time = el("section", { class: "time-panel", "aria-label": "Time" }, buildTransport(app), timeline.element, graph.element);
   if (compareGraph) time.append(compareGraph.element);
   root.classList.add("page");
   root.replaceChildren(skipLink(viewport), toolbar, objects.element, stage, time, settings.element, help.element, picture.element, measures.element);
+  if (saving) root.append(saving.element);
   const redraw = () => {
     timeline.redraw();
     graph.redraw();

@@ -8,12 +8,13 @@ import { COLOR_MODES, type ColorMode } from "../source/trail";
 import { button, el } from "./parts/dom";
 import { checkbox, choice, count, select, size, type Option } from "./parts/fields";
 import { buildLegend } from "./legend";
+import { spaceFields } from "./live/space_fields";
 
 const AS_IN_SCENE: readonly Option<boolean | null>[] = [[null, "Scene"], [true, "On"], [false, "Off"]];
 
 /** What is not a setting, and stays when the settings are reset. */
 const STAY: readonly (keyof ViewState)[] = [
-  "frame", "playFirst", "playLast", "camera", "selected", "hidden", "solo", "relativeTo", "theme",
+  "frame", "playFirst", "playLast", "camera", "selected", "hidden", "solo", "relativeTo", "space", "through", "theme",
   "search", "movingOnly", "folded", "timeSpan", "showList", "showSettings",
 ];
 
@@ -41,6 +42,11 @@ function colours(app: App, legend: HTMLElement): HTMLElement {
   );
 }
 
+function spacePart(app: App): HTMLElement[] {
+  const fields = spaceFields(app);
+  return fields.length > 0 ? [part("Space", ...fields)] : [];
+}
+
 export interface SettingsPanel {
   readonly element: HTMLElement;
   trailsChanged(): void;
@@ -66,8 +72,9 @@ export function buildSettings(app: App): SettingsPanel {
       checkbox(app, "showLabels", "Frame numbers and names"),
       checkbox(app, "showStatics", "Boxes of what does not move"),
       checkbox(app, "showBones", "Bones"),
-      ...(app.scene.compared ? [checkbox(app, "showCompared", `The second scene: ${secondName(app)}`)] : []),
+      ...(app.scene.compared ? [checkbox(app, "showCompared", app.scene.compared.opened ? "The scene as it was opened" : `The second scene: ${secondName(app)}`)] : []),
     ),
+    ...spacePart(app),
     part(
       "Window in time",
       checkbox(app, "window", "Only around the current frame"),

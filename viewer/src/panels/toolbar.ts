@@ -4,6 +4,7 @@ import type { App } from "../model/app";
 import { baseName } from "../model/format";
 import type { ViewName } from "../model/state";
 import { button, commandButton, el, setAttributes, setText } from "./parts/dom";
+import { cameraField } from "./live/space_fields";
 import { icon } from "./parts/icons";
 import { nextTheme, THEME_NAMES } from "./parts/theme";
 
@@ -18,8 +19,8 @@ function viewButtons(app: App): HTMLElement {
   const names: Record<ViewName, string> = { persp: "Perspective", front: "Front", side: "Side", top: "Top" };
   const buttons = VIEWS.map(([id, text]) => commandButton(app, `view-${id}`, { text, name: names[id] }));
   const update = () =>
-    buttons.forEach((each, i) => each.setAttribute("aria-pressed", String(app.store.state.camera?.view === VIEWS[i][0])));
-  app.store.subscribe(update, ["camera"]);
+    buttons.forEach((each, i) => each.setAttribute("aria-pressed", String(app.store.state.through === null && app.store.state.camera?.view === VIEWS[i][0])));
+  app.store.subscribe(update, ["camera", "through"]);
   update();
   const made = group("View", ...buttons);
   made.classList.add("joined");
@@ -39,10 +40,14 @@ function themeButton(app: App): HTMLButtonElement {
 }
 
 /** Opening scenes and undoing edits, where the page can; with how far the engine is. */
-function editGroup(app: App): Node[] {
+function editGroup(app: App, openSave: () => void): Node[] {
   const { editing, chooseFiles } = app;
   if (!editing || !chooseFiles) return [];
   const steps = (["undo", "redo"] as const).map((id) => commandButton(app, id, { icon: id }));
+  const compare = commandButton(app, "compare", { text: "Compare" });
+  const follow = () => compare.setAttribute("aria-pressed", String(app.store.state.showCompared));
+  app.store.subscribe(follow, ["showCompared"]);
+  follow();
   const state = el("span", { class: "note", role: "status" });
   const update = () => {
     steps[0].disabled = editing.undoes === null;
@@ -52,8 +57,9 @@ function editGroup(app: App): Node[] {
   };
   editing.subscribe(update);
   update();
-  return [group("Scene", button({ icon: "open", text: "Open…", title: "Open a scene in place of this one" }, chooseFiles)),
-    group("Edits", ...steps), state];
+  return [group("Scene", button({ icon: "open", text: "Open…", title: "Open a scene in place of this one" }, chooseFiles),
+    button({ text: "Save as…", title: "Save the animation with its edits: Maya, and other formats" }, openSave)),
+    group("Edits", ...steps, compare), state];
 }
 
 export interface ToolbarParts {
@@ -61,6 +67,7 @@ export interface ToolbarParts {
   settingsButton: HTMLButtonElement;
   openHelp(): void;
   openPicture(): void;
+  openSave(): void;
 }
 
 export function buildToolbar(app: App, parts: ToolbarParts): HTMLElement {
@@ -69,9 +76,10 @@ export function buildToolbar(app: App, parts: ToolbarParts): HTMLElement {
   return el(
     "header", { class: "toolbar" },
     el("div", { class: "brand" }, icon("trail"), title),
-    ...editGroup(app),
+    ...editGroup(app, parts.openSave),
     parts.listButton,
     viewButtons(app),
+    ...cameraField(app),
     group("Frame", commandButton(app, "frame-all", { icon: "frameAll" }), commandButton(app, "frame-selected", { icon: "frameSelected" })),
     el("span", { class: "space" }),
     group("Save", commandButton(app, "png", { icon: "picture", text: "PNG" }),

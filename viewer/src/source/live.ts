@@ -5,7 +5,7 @@ import type { Dragged, LiveEvent, MovedPart, Opened, TrailNumbers } from "../../
 import type { SceneRequest } from "./engine";
 import { Listeners } from "./listeners";
 import { LiveEditing } from "./live_editing";
-import type { ColorMode, Scene, Trail, TrailChange, TrailSource } from "./trail";
+import type { ColorMode, Scene, Spaces, Trail, TrailChange, TrailSource, Writing } from "./trail";
 
 /** As the engine has them where nobody chose. */
 const LINE_WIDTH = 2.5;
@@ -17,8 +17,11 @@ function sceneOf({ name, style, wanted }: SceneRequest, { description, measures 
   return {
     name, first: from, last: to, current: style.frame ?? from, fps: description.fps, unit: description.unit,
     upAxis: description.up_axis, colorModeChosen: colorMode !== undefined, measures, statics: [],
+    compared: { scene: name, take: null, opened: true },
   };
 }
+
+const lastStep = (path: string) => path.split("|").pop()!;
 
 /** A trail without its numbers. Its measures come later, into the same list. */
 function trailOf({ style }: SceneRequest, opened: Opened, index: number, numbers: TrailNumbers): Trail {
@@ -29,7 +32,7 @@ function trailOf({ style }: SceneRequest, opened: Opened, index: number, numbers
     startFrame: fields.start_frame, frameStep: fields.frame_step, warnings: fields.warnings,
     lineWidth: style.lineWidth ?? LINE_WIDTH, pointSize: style.pointSize ?? POINT_SIZE,
     showLine: style.showLine ?? true, showDots: style.showDots ?? true, ghost: style.ghost ?? false,
-    measures: opened.measures.map(() => null), ...arraysOf(numbers),
+    measures: opened.measures.map(() => null), compare: { source: fields.source, points: numbers.points }, ...arraysOf(numbers),
   };
 }
 
@@ -39,6 +42,8 @@ const arraysOf = ({ points, colors, keyPoints, keyTimes }: TrailNumbers) =>
 export class LiveSource implements TrailSource {
   readonly scene: Scene;
   readonly editing: LiveEditing;
+  readonly writing: Writing;
+  readonly spaces: Spaces;
   private list: readonly Trail[];
   private readonly listeners = new Listeners<[TrailChange]>();
 
@@ -47,6 +52,12 @@ export class LiveSource implements TrailSource {
     this.list = opened.numbers.map((numbers, index) => trailOf(request, opened, index, numbers));
     this.editing = new LiveEditing(client, opened.history, (index) => this.list[index].source, () => this.list.length,
       (trail, frame, dragged) => this.move(trail, frame, dragged));
+    this.spaces = {
+      cameras: opened.cameras.map((camera) => ({ ...camera, name: lastStep(camera.source ?? camera.shape) })),
+      matrices: (object, frames) => client.call("matrices", object, frames),
+      lenses: (shape, frames) => client.call("lenses", shape, frames),
+    };
+    this.writing = { written: (form) => client.call("written", form) };
   }
 
   trails(): readonly Trail[] {

@@ -76,8 +76,9 @@ export interface Scene {
   readonly upAxis: "y" | "z";
   /** Whether somebody asked for the trails' colour mode, rather than leaving it to the engine. */
   readonly colorModeChosen: boolean;
-  /** The second scene that the trails are compared with: its file, and the take of it that was asked for. */
-  readonly compared?: { readonly scene: string; readonly take: string | null } | null;
+  /** The second scene that the trails are compared with: its file, and the take of it that was asked for; or the same
+   * scene, `opened`: as it was before it was edited. */
+  readonly compared?: { readonly scene: string; readonly take: string | null; readonly opened?: boolean } | null;
   readonly measures: readonly Measure[];
   readonly statics: readonly StaticBox[];
 }
@@ -105,6 +106,52 @@ export interface Editing {
   subscribe(changed: () => void): () => void;
 }
 
+/** The scene's animation as a file. */
+export interface Written {
+  readonly bytes: Uint8Array<ArrayBuffer>;
+  /** What the file will not hold, or not to the last bit: a sentence each. */
+  readonly lost: readonly string[];
+}
+
+export const FORMS = ["ma", "py", "bvh", "glb"] as const;
+export type Form = (typeof FORMS)[number];
+
+export interface Writing {
+  /** All animation as it is now, with its edits. Rejects with a text for the reader where the form cannot hold it. */
+  written(form: Form): Promise<Written>;
+}
+
+export interface SceneCamera {
+  readonly name: string;
+  /** The long path of its shape, and of the object that it hangs on, if any. */
+  readonly shape: string;
+  readonly source: string | null;
+  /** The axis of that object along which it looks; y is up. */
+  readonly looks: "-z" | "x";
+}
+
+/** What a camera sees at a frame. */
+export interface Lens {
+  /** Of the film, in millimetres; and how far it is shifted to the right and up. */
+  readonly apertureX: number;
+  readonly apertureY: number;
+  readonly offsetX: number;
+  readonly offsetY: number;
+  /** Millimetres. */
+  readonly focalLength: number;
+  /** Of the picture of an orthographic camera, in the scene's unit; null: the camera is perspective. */
+  readonly width: number | null;
+}
+
+/** What positions can be shown relative to, besides another object's position. */
+export interface Spaces {
+  readonly cameras: readonly SceneCamera[];
+  /** An object's matrices to the world: 16 numbers a frame, row by row, for row vectors. */
+  matrices(source: string, frames: readonly number[]): Promise<Float64Array>;
+  /** One a frame. */
+  lenses(shape: string, frames: readonly number[]): Promise<readonly Lens[]>;
+}
+
 /** What has changed of trails: for a moment, as while a key is dragged, or for good. */
 export type TrailChange = "provisional" | "final";
 
@@ -116,4 +163,8 @@ export interface TrailSource {
   subscribe(changed: (how: TrailChange) => void): () => void;
   /** Where keys can be edited. */
   readonly editing?: Editing;
+  /** Where animation can be written. */
+  readonly writing?: Writing;
+  /** Where more is known than positions. */
+  readonly spaces?: Spaces;
 }

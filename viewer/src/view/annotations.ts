@@ -7,9 +7,9 @@ import { dimming } from "../model/emphasis";
 import { onionSkins } from "../model/figure";
 import { frameText, numberText, unitName } from "../model/format";
 import { nearestSample } from "../model/motion";
-import { distinctNames } from "../model/names";
+import { distinctNames, referenceName } from "../model/names";
 import { yUp } from "../model/pose";
-import type { Hover } from "../model/state";
+import { hasGround, type Hover } from "../model/state";
 import type { Vec3 } from "../source/trail";
 import type { DrawnTrail } from "./primitives/batch";
 import { comparedNote, drawCompared } from "./compare_lines";
@@ -19,6 +19,7 @@ import { hasDenseKeys, spotOf } from "./places";
 import type { Label, Mark, Overlay } from "./overlay";
 import type { Projection, Spot } from "./primitives/projection";
 import { skinColor, type Skeleton } from "./skeleton";
+import { drawGate } from "./through";
 import type { Colors } from "./theme";
 
 /** Up to this many trails, every object has its name in the picture. */
@@ -130,11 +131,12 @@ function nothingMoves({ motion }: App, trails: readonly number[]): string {
 
 function notes(picture: Picture): string[] {
   const { app, layers, grid, drawing, flat } = picture;
-  const { relativeTo, showKeys, frame, window, windowBefore, windowAfter } = app.store.state;
-  const parts = [...(flat ? [] : [`squares of ${numberText(grid.step, 6)} ${unitName(app.scene.unit)}`]), `${app.scene.upAxis} is up`];
+  const { showKeys, frame, window, windowBefore, windowAfter } = app.store.state;
+  const parts = [...(flat || !hasGround(app.store.state) ? [] : [`squares of ${numberText(grid.step, 6)} ${unitName(app.scene.unit)}`]), `${app.scene.upAxis} is up`];
   const nothing = nothingMoves(app, layers.trails.map(({ index }) => index));
   if (nothing) parts.push(nothing);
-  if (relativeTo !== null) parts.push(`relative to ${app.motion.trails[relativeTo].name}`);
+  const reference = referenceName(app);
+  if (reference) parts.push(`relative to ${reference}`);
   if (showKeys && layers.trails.some(({ index }) => hasDenseKeys(app.motion.trails[index])))
     parts.push("keys at nearly every frame are not marked");
   const compared = comparedNote(picture);
@@ -159,6 +161,7 @@ export function hoveredSpot(picture: Pointed): { hover: Hover; at: Spot } | null
 export function annotate(overlay: Overlay, picture: Picture): void {
   const { app, projection } = picture;
   const { showKeys, showLabels } = app.store.state;
+  drawGate(overlay, app, projection, picture.origin);
   drawAxes(overlay, picture);
   overlay.note(notes(picture), 100, projection.height - 12);
   drawCompared(overlay, picture);

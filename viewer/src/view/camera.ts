@@ -1,15 +1,19 @@
 // The two cameras, and the mouse and fingers that move them. The store's pose rules: what is dragged becomes a pose,
 // and a pose from anywhere else moves the cameras.
 
-import { MOUSE, OrthographicCamera, PerspectiveCamera, Spherical, Vector3 } from "three";
+import { MOUSE, OrthographicCamera, PerspectiveCamera, Spherical, Vector3, type Camera } from "three";
 import { OrbitControls } from "three/examples/jsm/controls/OrbitControls.js";
 import type { Vec3 } from "../source/trail";
 import { DEGREE, halfView } from "../model/pose";
+import type { Gate } from "../model/camera/film";
 import type { CameraPose } from "../model/state";
+import { FilmCamera, type Standing } from "./primitives/film_camera";
 
 export class CameraRig {
   private readonly perspective = new PerspectiveCamera();
   private readonly parallel = new OrthographicCamera();
+  private readonly film = new FilmCamera();
+  private filming = false;
   private readonly controls: OrbitControls;
   private pose: CameraPose;
   private width = 1;
@@ -25,8 +29,21 @@ export class CameraRig {
     this.controls.addEventListener("change", () => this.takePose());
   }
 
-  get camera(): PerspectiveCamera | OrthographicCamera {
+  get camera(): Camera {
+    return this.filming ? this.film : this.own;
+  }
+
+  private get own(): PerspectiveCamera | OrthographicCamera {
     return this.pose.view === "persp" ? this.perspective : this.parallel;
+  }
+
+  /** From now on it is seen through a camera of the scene, which stands there and has this on its film; null: freely. */
+  lookThrough(view: { standing: Standing; gate: Gate } | null): void {
+    this.filming = view !== null;
+    this.controls.enabled = view === null;
+    if (!view) return;
+    const { at } = view.standing;
+    this.film.show(view.standing, view.gate, this.width / this.height, Math.hypot(...at) + this.reach);
   }
 
   dispose(): void {
@@ -53,7 +70,7 @@ export class CameraRig {
     this.applying = true;
     this.pose = pose;
     const origin = this.origin();
-    const { camera, controls } = this;
+    const { own: camera, controls } = this;
     controls.object = camera;
     const flat = pose.view !== "persp";
     controls.enableRotate = !flat;
@@ -85,12 +102,12 @@ export class CameraRig {
       this.parallel.near = distance - this.reach;
       this.parallel.far = distance + this.reach;
     }
-    this.camera.updateProjectionMatrix();
+    this.own.updateProjectionMatrix();
   }
 
   private takePose(): void {
     if (this.applying) return;
-    const { camera, controls } = this;
+    const { own: camera, controls } = this;
     const origin = this.origin();
     const offset = new Vector3().subVectors(camera.position, controls.target);
     const angles = new Spherical().setFromVector3(offset);

@@ -2,7 +2,7 @@
 
 import { Room, shortened } from "./labels";
 import type { Colors } from "./theme";
-import type { Spot } from "./primitives/projection";
+import type { Area, Spot } from "./primitives/projection";
 
 export interface Label {
   readonly at: Spot;
@@ -128,6 +128,23 @@ export class Overlay {
     context.lineWidth = 1.5;
     context.strokeStyle = colors.soft;
     context.stroke();
+  }
+
+  /** An area with all around it veiled, and a text above it. */
+  gate({ left, top, right, bottom }: Area, text: string): void {
+    const { context, colors, width, height } = this;
+    context.globalAlpha = 0.55;
+    context.fillStyle = colors.background;
+    for (const [x, y, w, h] of [[0, 0, width, top], [0, bottom, width, height - bottom], [0, top, left, bottom - top], [right, top, width - right, bottom - top]])
+      context.fillRect(x, y, w, h);
+    context.globalAlpha = 1;
+    context.lineWidth = 1;
+    context.strokeStyle = colors.ink;
+    context.strokeRect(left, top, right - left, bottom - top);
+    context.font = NOTE;
+    context.fillStyle = colors.soft;
+    context.fillText(text, left, top - 6);
+    this.room.take(left, top - LINE, context.measureText(text).width, LINE);
   }
 
   /** The directions of the axes, in a corner: name and direction in the picture (right, down; at most 1 long). */

@@ -56,8 +56,8 @@ export class Skeleton {
   update(): void {
     const { app } = this;
     const { state } = app.store;
-    const { frame, hidden, solo, relativeTo, selected, showBones, onion, onionEvery, onionBefore, onionAfter } = state;
-    const of = [app.motion.trails, this.origin(), this.colors(), frame, hidden, solo, relativeTo, selected, showBones, onion,
+    const { frame, hidden, solo, relativeTo, seen, selected, showBones, onion, onionEvery, onionBefore, onionAfter } = state;
+    const of = [app.motion.trails, this.origin(), this.colors(), frame, hidden, solo, relativeTo, seen, selected, showBones, onion,
       onionEvery, onionBefore, onionAfter];
     if (of.every((each, i) => each === this.drawnOf[i])) return;
     this.drawnOf = of;

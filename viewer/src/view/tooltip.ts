@@ -4,6 +4,7 @@ import type { App } from "../model/app";
 import { distanceText, secondName, shownComparison } from "../model/compare";
 import { numberText, unitName } from "../model/format";
 import { sampleFrame, triple } from "../model/motion";
+import { referenceName } from "../model/names";
 import type { Hover } from "../model/state";
 import type { Spot } from "./primitives/projection";
 
@@ -15,13 +16,13 @@ export function describe(app: App, { trail: index, sample }: Hover): string {
   const unit = unitName(app.scene.unit);
   const place = triple(app.motion.shownPoints(index), sample).map(short).join(", ");
   const spacing = app.motion.speed(index, sample);
-  const { relativeTo } = app.store.state;
+  const reference = referenceName(app);
   const comparison = shownComparison(app);
   const apart = comparison?.has(index) ? [`Distance to ${secondName(app)} ${distanceText(app, comparison.apart(index)[sample])}`] : [];
   return [
     trail.name,
     `Frame ${short(sampleFrame(trail, sample))}`,
-    `${relativeTo === null ? "Position" : `From ${app.motion.trails[relativeTo].name}`} ${place} ${unit}`,
+    `${reference === null ? "Position" : `From ${reference}`} ${place} ${unit}`,
     `Speed ${short(spacing * app.scene.fps)} ${unit} per second, ${short(spacing)} per frame`,
     ...apart,
   ].join("\n");

@@ -4,7 +4,7 @@ import "./viewport.css";
 import { ColorManagement, Group, Scene } from "three";
 import type { App } from "../model/app";
 import { boundsOf, type Bounds } from "../model/framing";
-import type { Change, Hover, ViewState } from "../model/state";
+import { hasGround, isInWorld, type Change, type Hover, type ViewState } from "../model/state";
 import { onPreferenceChange } from "../model/theme";
 import type { TrailChange, Vec3 } from "../source/trail";
 import { annotate, hoveredSpot, type Picture } from "./annotations";
@@ -24,6 +24,7 @@ import { Projection, type Area, type Spot } from "./primitives/projection";
 import { Skeleton } from "./skeleton";
 import { GlSurface, type Surface } from "./surface";
 import { colorsOf } from "./theme";
+import { throughCamera } from "./through";
 import { describe, Tooltip } from "./tooltip";
 
 // Colours are the engine's own numbers, and reach the screen unchanged.
@@ -38,7 +39,7 @@ const NO_BOX: Bounds = { low: [-1, -1, -1], high: [1, 1, 1] };
 const withRoom = ({ low, high }: Bounds): Bounds =>
   low.some((l, k) => l < high[k]) ? { low, high } : { low: [low[0] - 1, low[1], low[2] - 1], high: [low[0] + 1, low[1], low[2] + 1] };
 
-const MOVES: readonly (keyof ViewState)[] = ["relativeTo", "hidden", "solo"];
+const MOVES: readonly (keyof ViewState)[] = ["hidden", "solo"];
 const STYLES: readonly (keyof ViewState)[] = [
   "lineWidth", "pointSize", "showLine", "showDots", "ghost", "showKeys", "selected", "theme",
 ];
@@ -194,8 +195,8 @@ export class Viewport {
     listenToHandles(app, this.host, {
       sight,
       handleAt: (at) => {
-        const { showKeys, relativeTo, selected } = app.store.state;
-        const key = showKeys && relativeTo === null ? keyAt(this.layers.seen, selected, this.projection(), at) : null;
+        const { showKeys, selected } = app.store.state;
+        const key = showKeys && isInWorld(app.store.state) ? keyAt(this.layers.seen, selected, this.projection(), at) : null;
         const place = key && keyPlace({ app, origin: this.origin }, key.trail, key.frame);
         return key && place && { ...key, place };
       },
@@ -205,7 +206,7 @@ export class Viewport {
   }
 
   private take(state: ViewState, changed: Change): void {
-    if (changed.has("relativeTo")) this.rebuild();
+    if (changed.has("relativeTo") || changed.has("seen")) this.rebuild();
     else if (touches(changed, MOVES)) this.layers.moved();
     else if (touches(changed, STYLES)) this.layers.restyled();
     if (touches(changed, WINDOW) || (changed.has("frame") && state.window)) this.layers.windowMoved();
@@ -215,6 +216,7 @@ export class Viewport {
       if (acrossOf(state.camera.view) !== this.grid.across) this.rebuildStage();
       this.rig.show(state.camera);
     }
+    this.aim();
     if (changed.has("hover") && changed.size === 1) this.showHover(); // without drawing anything again
     else this.changed();
   }
@@ -226,13 +228,19 @@ export class Viewport {
 
   private rebuild(): void {
     const { motion, scene, store } = this.app;
-    const statics = store.state.relativeTo === null ? scene.statics : [];
+    const statics = isInWorld(store.state) ? scene.statics : [];
     this.boxes = statics.map((each) => ({ ...each, holds: holdsSamples(each, motion) }));
     const box = (this.box = withRoom(boundsOf(motion, motion.thatMove(motion.trails.map((_, index) => index)), scene.upAxis) ?? NO_BOX));
     this.origin = box.low.map((low, k) => low + (box.high[k] - low) / 2) as unknown as Vec3;
     this.layers.moved();
     this.rebuildStage();
     this.rig.show(this.app.store.state.camera);
+    this.aim();
+  }
+
+  /** Looks through a camera of the scene, where one is chosen. */
+  private aim(): void {
+    this.rig.lookThrough(throughCamera(this.app, this.origin));
   }
 
   private rebuildStage(): void {
@@ -240,6 +248,7 @@ export class Viewport {
     const { box } = this;
     this.grid = gridFor(box, store.state.camera.view);
     disposeAll(this.stage);
+    this.stage.visible = hasGround(store.state);
     const boxes = store.state.showStatics ? this.boxes : [];
     this.stage.add(buildStage({ grid: this.grid, boxes, upAxis: scene.upAxis, origin: this.origin }, this.colors));
     const size = Math.hypot(...box.high.map((high, k) => high - box.low[k]));
@@ -254,6 +263,7 @@ export class Viewport {
     [this.width, this.height] = [width, height];
     this.surface.resize(width, height, this.ratio);
     this.rig.resize(width, height);
+    this.aim();
     this.app.store.set({ aspect: width / height });
     return true;
   }

@@ -6,7 +6,7 @@ import type { Page } from "playwright-core";
 import { describe, expect } from "vitest";
 import type { SceneFile } from "../../../web/src/index";
 import { runNative } from "../../../web/tests/support/run_native";
-import type { Editing, Trail } from "../../src/source/trail";
+import type { Editing, Trail, Vec3 } from "../../src/source/trail";
 import type { Opener, OpenOptions } from "./browser";
 import { run } from "./program";
 
@@ -86,6 +86,26 @@ export function nativeObstacle(scene: string, source: string, frame: number): st
   return (JSON.parse(Buffer.from(answer!).toString()) as { text: string }).text;
 }
 
+/** The matrices of an object at frames, a list of 16 numbers each, as the native engine has them. */
+export function nativeMatrices(scene: string, source: string, frames: readonly number[]): number[][] {
+  const bytes = runNative(native, filesOf(scene), "", `matrices\t${source}\t${frames.join("\t")}\n`).get("0 matrices")!;
+  const numbers = new Float64Array(Uint8Array.from(bytes).buffer);
+  return frames.map((_, k) => [...numbers.subarray(16 * k, 16 * k + 16)]);
+}
+
+export interface Written {
+  text: Buffer;
+  lost: string[];
+}
+
+/** What the native engine writes in a form after these commands. */
+export function nativeWritten(scene: string, commands: readonly (readonly (string | number)[])[], form: string): Written {
+  const lines = [...commands, ["written", form]].map((command) => command.join("\t") + "\n").join("");
+  const results = runNative(native, filesOf(scene), "", lines);
+  const label = `${commands.length} written`;
+  return { text: Buffer.from(results.get(label)!), lost: JSON.parse(Buffer.from(results.get(`${label} lost`)!).toString()) as string[] };
+}
+
 /** The page that `view --live` writes of a scene, with a trail of every object. */
 export async function openLive(browser: Opener, file: string, scene: string, options?: OpenOptions): Promise<Page> {
   run("view", scene, "--live", ...EVERYTHING, "--out", file, "--no-open");
@@ -107,4 +127,21 @@ export async function keysOf(page: Page, source: string, attribute: string): Pro
     const keys = await client.call("keys", object, channel);
     return keys.map((key) => ["frame", "value", "in", "out", "inX", "inY", "outX", "outY"].map((name) => key[name]));
   }, [source, attribute]);
+}
+
+/** The keys of these channels, as commands that put them into a scene of the native engine. */
+export async function puttingKeys(page: Page, source: string, channels: readonly string[]): Promise<(string | number)[][]> {
+  const all = await Promise.all(channels.map(async (channel) => (await keysOf(page, source, channel)).map((key) => ["put", source, channel, ...key])));
+  return all.flat();
+}
+
+/** Drags the key of an object at a frame to a place, without a pointer, and waits until the trails follow. */
+export async function pull(page: Page, source: string, frame: number, place: Vec3): Promise<void> {
+  await page.evaluate(async ([object, at, to]) => {
+    const { editing, motion } = window.vantorelixViewer;
+    await editing!.beginDrag(motion.trails.findIndex((trail) => trail.source === object), at);
+    await editing!.drag(to);
+    await editing!.endDrag(true);
+  }, [source, frame, place] as const);
+  await exact(page);
 }

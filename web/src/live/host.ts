@@ -2,7 +2,7 @@
 // in slices between requests. It knows nothing of Workers: whoever makes it passes on its events and turns its clock.
 
 import type { Engine } from "../engine";
-import type { History, Key, Scene } from "../scene";
+import type { CameraView, Form, History, Key, Scene, Written } from "../scene";
 import type { Trails } from "../trails";
 import { Drag } from "./drag";
 import { ownBuffers, trailNumbers } from "./numbers";
@@ -54,7 +54,7 @@ export class LiveHost {
       const all = fields.map((_, k) => k);
       this.shown = { scene, trails, names: measures.map(({ name }) => name), revisions: all.map(() => -1), unmeasured: new Set(all) };
       this.rebuild();
-      return { description: scene.describe(), fields, numbers: this.changed(), measures, history: scene.history() };
+      return { description: scene.describe(), fields, numbers: this.changed(), measures, history: scene.history(), cameras: scene.cameras() };
     } catch (error) {
       if (this.shown?.scene !== scene) scene.close();
       throw error;
@@ -90,6 +90,21 @@ export class LiveHost {
 
   putKey(object: string, attribute: string, key: Key): History {
     return this.edit((scene) => scene.putKey(object, attribute, key));
+  }
+
+  /** An object's, as Scene.worldMatrices has them. */
+  matrices(object: string, frames: readonly number[]): Float64Array {
+    return this.current().scene.worldMatrices(object, frames);
+  }
+
+  /** What a camera sees, one view a frame. */
+  lenses(shape: string, frames: readonly number[]): CameraView[] {
+    return this.current().scene.cameraViews(shape, frames);
+  }
+
+  /** All of the scene's animation as it is now. Throws EngineError where the form cannot hold it. */
+  written(form: Form): Written {
+    return this.current().scene.written(form);
   }
 
   /** From here to endDrag all that happens to the object's key at the frame is one step. Throws EngineError with the

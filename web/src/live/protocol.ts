@@ -4,7 +4,7 @@
 import type { ErrorKind } from "../errors";
 import type { OpenOptions } from "../engine";
 import type { SceneFile } from "../files";
-import type { Description, History, TrailFields, TrailOptions } from "../scene";
+import type { Camera, Description, History, TrailFields, TrailOptions } from "../scene";
 import type { LiveHost } from "./host";
 
 /** A scene as it is handed in: its files, which of them it is, how to read it and which trails to make. */
@@ -37,6 +37,7 @@ export interface Opened {
   /** What TrailMeasures lists. */
   measures: Measure[];
   history: History;
+  cameras: Camera[];
 }
 
 /** Samples of a trail that a drag has moved, until the engine has made the trail again. */
@@ -61,7 +62,7 @@ export type LiveEvent =
 
 /** The requests, and what they take and answer with. */
 export type Requests = Pick<LiveHost, "open" | "undo" | "redo" | "beginDrag" | "drag" | "endDrag" | "insertKeys" |
-  "removeKeys" | "moveKeys" | "putKey" | "keys">;
+  "removeKeys" | "moveKeys" | "putKey" | "keys" | "written" | "matrices" | "lenses">;
 
 export type Given<K extends keyof Requests> = Parameters<Requests[K]>;
 export type Answer<K extends keyof Requests> = ReturnType<Requests[K]>;
