@@ -43,6 +43,7 @@ function editGroup(app: App): Node[] {
   const { editing, chooseFiles } = app;
   if (!editing || !chooseFiles) return [];
   const steps = (["undo", "redo"] as const).map((id) => commandButton(app, id, { icon: id }));
+  const tangents = [commandButton(app, "break-tangents", { icon: "breakTangents" }), commandButton(app, "unify-tangents", { icon: "unifyTangents" })];
   const state = el("span", { class: "note", role: "status" });
   const update = () => {
     steps[0].disabled = editing.undoes === null;
@@ -53,7 +54,7 @@ function editGroup(app: App): Node[] {
   editing.subscribe(update);
   update();
   return [group("Scene", button({ icon: "open", text: "Open…", title: "Open a scene in place of this one" }, chooseFiles)),
-    group("Edits", ...steps), state];
+    group("Edits", ...steps), group("Tangents", ...tangents), state];
 }
 
 export interface ToolbarParts {
