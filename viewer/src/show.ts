@@ -10,6 +10,7 @@ import { KEPT, readHash, writeHash } from "./model/hash";
 import { Motion } from "./model/motion";
 import { runPlayer } from "./model/player";
 import { initialState, Store, type CameraPose, type ViewState } from "./model/state";
+import { ChannelGraph } from "./panels/channels/channel_graph";
 import { buildPage } from "./panels/page";
 import { followSpaces } from "./live/spaces";
 import { Viewport } from "./view/viewport";
@@ -105,13 +106,14 @@ export function show(root: HTMLElement, source: TrailSource, { life, hash, choos
     announce: (text) => page.announce(text),
     picture: () => viewport!.picture(),
   };
-  const page = buildPage(app, root);
+  const page = buildPage(app, root, editing ? new ChannelGraph(app) : null);
   viewport = new Viewport(app, page.viewport);
   const initial = frame();
   const spacesAgain = spaces && followSpaces({ scene, motion, store, spaces, announce: app.announce });
-  source.subscribe((how) => {
-    motion.trails = source.trails();
-    viewport!.trailsChanged(how);
+  source.subscribe((how, parts) => {
+    if (how === "final") motion.trails = source.trails();
+    else motion.update(source.trails(), new Set(parts.map(({ index }) => index)));
+    viewport!.trailsChanged(how, parts);
     page.trailsChanged(how);
     if (how === "final") spacesAgain?.();
   });

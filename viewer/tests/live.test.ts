@@ -10,7 +10,8 @@ import { temporaryFolder } from "./support/files";
 import {
   describeLive, drop, exact, filesOf, keysOf, nativeBits, nativeObstacle, nativeRefusal, openEmpty, openLive, others, shownBits, shows,
 } from "./support/live";
-import { project, settle, type Point, type Pose } from "./support/picture";
+import { aim, CHANNELS, dragBy, keysAsEdits, PATIENT, placeOf, step } from "./support/handles";
+import { project, type Pose } from "./support/picture";
 import { example, run } from "./support/program";
 import { press } from "./support/read";
 
@@ -18,9 +19,6 @@ const browser = useBrowser();
 const file = temporaryFolder();
 const examples = readdirSync(example(".")).filter((name) => /\.(bvh|ma|fbx|gltf)$/.test(name)).map((name) => example(name));
 const text = (name: string, content: string) => ({ name, bytes: new TextEncoder().encode(content) });
-
-/** For what takes a machine that has other work to do longer than a second. */
-const PATIENT = { timeout: 20_000 };
 
 const alertOf = (page: Page) => page.locator(".opening-failure .opening-text").textContent();
 
@@ -40,52 +38,6 @@ describeLive("a page that waits for a scene shows, to the last bit, the trails t
     });
 });
 
-interface Aim {
-  trail: number;
-  source: string;
-  frame: number;
-  at: Point;
-}
-
-const turned = ([x, y, z]: Vec3, upAxis: "y" | "z"): Vec3 => (upAxis === "z" ? [x, z, -y] : [x, y, z]);
-
-/** A key of an object's position that lies apart from all others in the picture, of the trails that are shown. */
-async function aim(page: Page): Promise<Aim | null> {
-  await settle(page);
-  const box = (await page.locator(".viewport").boundingBox())!;
-  const { camera, upAxis, trails } = await page.evaluate(() => {
-    const { motion, scene, store } = window.vantorelixViewer;
-    return { camera: store.state.camera as Pose, upAxis: scene.upAxis,
-      trails: motion.trails.map((t) => ({ source: t.source, times: [...t.keyTimes], points: [...t.keyPoints], count: t.count })) };
-  });
-  const keys = trails.flatMap(({ source, times, points, count }, trail) => times.length > 24 && times.length > 0.4 * count ? [] : times.map((frame, k) => {
-    const { x, y } = project(camera, turned(points.slice(3 * k, 3 * k + 3) as unknown as Vec3, upAxis), box.width, box.height);
-    return { trail, source, frame, x, y };
-  }));
-  const inside = ({ x, y }: Point) => x > 80 && y > 60 && x < box.width - 80 && y < box.height - 60;
-  for (const key of keys) {
-    if (!inside(key) || keys.some((other) => other !== key && Math.hypot(other.x - key.x, other.y - key.y) < 20)) continue;
-    const moved = await keysOf(page, key.source, "translateX");
-    if (moved.length > 2 && moved.some(([frame]) => frame === key.frame)) return { ...key, at: { x: box.x + key.x, y: box.y + key.y } };
-  }
-  return null;
-}
-
-async function dragBy(page: Page, { x, y }: Point, dx: number, dy: number): Promise<void> {
-  await page.mouse.move(x, y);
-  await page.mouse.down();
-  await page.mouse.move(x + dx, y + dy, { steps: 4 });
-  await page.mouse.up();
-}
-
-/** Waits until a drag is what can be undone or redone next, and the trails follow it. */
-async function step(page: Page, which: "undoes" | "redoes"): Promise<void> {
-  await expect.poll(() => page.evaluate((name) => window.vantorelixViewer.editing![name], which), PATIENT).toBe("move key");
-  await exact(page);
-}
-
-const CHANNELS = ["translateX", "translateY", "translateZ"];
-
 describeLive("a key that is dragged", () => {
   for (const name of ["bounce.ma", "crane.gltf"])
     test(`moves the trails of ${name} as the native engine does after the same edit, and undo brings the first bits back`, async () => {
@@ -95,8 +47,7 @@ describeLive("a key that is dragged", () => {
       const { source, at } = (await aim(page))!;
       await dragBy(page, at, 37, -23);
       await step(page, "undoes");
-      const keys = (await Promise.all(CHANNELS.map(async (channel) => (await keysOf(page, source, channel))
-        .map((key) => ["put", source, channel, ...key])))).flat();
+      const keys = await keysAsEdits(page, source, CHANNELS);
       const after = await shownBits(page);
       expect(others(after, first)).toContain(source);
       expect(others(after, nativeBits(example(name), keys, sources))).toEqual([]);
@@ -109,13 +60,6 @@ describeLive("a key that is dragged", () => {
       expect(others(await shownBits(page), after)).toEqual([]);
     });
 });
-
-/** Where the key is now. */
-const placeOf = (page: Page, { trail, frame }: Aim) => page.evaluate(([index, time]) => {
-  const { keyPoints, keyTimes } = window.vantorelixViewer.motion.trails[index];
-  const k = keyTimes.indexOf(time);
-  return [...keyPoints.subarray(3 * k, 3 * k + 3)];
-}, [trail, frame] as const);
 
 describeLive("while a key is dragged", () => {
   test("it stays under the pointer, along an axis with its key held, and Escape puts it back", async () => {
@@ -162,7 +106,7 @@ describeLive("while a key is dragged", () => {
       const { editing, motion } = window.vantorelixViewer;
       const index = motion.trails.findIndex(({ name }) => name === "forearm");
       const { source, keyTimes } = motion.trails[index];
-      const said = await editing!.beginDrag(index, keyTimes[1]).then(() => "", (refusal: Error) => refusal.message);
+      const said = await editing!.beginDrag({ what: "place", trail: index, frame: keyTimes[1] }).then(() => "", (refusal: Error) => refusal.message);
       return { source, frame: keyTimes[1], said };
     });
     expect(said).toBe(nativeObstacle(example("arm.ma"), source, frame));
@@ -253,6 +197,27 @@ describeLive("a file that cannot be read", () => {
     const page = await openEmpty(browser, file("empty.html"));
     await drop(page, [...filesOf(example("walk.bvh")), text("other.bvh", "")]);
     await expect.poll(() => alertOf(page), PATIENT).toContain("2 are scenes: drop one scene");
+  });
+});
+
+describeLive("a scene that is dropped again with its objects in another order", () => {
+  test("keeps what was selected and hidden, by the objects' paths", async () => {
+    const moved = (name: string) => `createNode transform -n "${name}";\ncreateNode animCurveTL -n "${name}_x";\n` +
+      `  setAttr -s 3 ".ktv[0:2]" 1 0 10 5 20 ${name.length};\nconnectAttr "${name}_x.o" "${name}.tx";\n`;
+    const scene = (...names: string[]) =>
+      text("three.ma", `//Maya ASCII 2022 scene\nrequires maya "2022";\n${names.map(moved).join("")}`);
+    const chosen = (page: Page) => page.evaluate(() => {
+      const { motion, store } = window.vantorelixViewer;
+      const named = (set: ReadonlySet<number>) => [...set].map((trail) => motion.trails[trail].source);
+      return { order: motion.trails.map(({ source }) => source), selected: named(store.state.selected), hidden: named(store.state.hidden) };
+    });
+    const page = await openEmpty(browser, file("empty.html"));
+    await drop(page, [scene("first", "second", "third")]);
+    await shows(page, "three.ma");
+    await page.evaluate(() => window.vantorelixViewer.store.set({ selected: new Set([1]), hidden: new Set([0]), frame: 10 }));
+    await drop(page, [scene("third", "second", "other", "first")]);
+    await expect.poll(async () => (await chosen(page)).order, PATIENT).toEqual(["|third", "|second", "|other", "|first"]);
+    expect(await chosen(page)).toMatchObject({ selected: ["|second"], hidden: ["|first"] });
   });
 });
 

@@ -42,9 +42,9 @@ describe("the host of a live page", () => {
     const { host, settle } = hosted();
     const { numbers } = host.open(wanted("bounce.ma", ["ball"]));
     settle();
-    host.beginDrag("|ball", 22);
+    host.beginDrag({ what: "place", object: "|ball", frame: 22 });
     for (let k = 1; k <= 3; ++k) host.drag([k, 2 * k, 0.5 * k]);
-    const { position, parts } = host.drag([1, 2, 3]);
+    const { keys: [{ position }], parts } = host.drag([1, 2, 3]);
     position.forEach((value, k) => expect(value).toBeCloseTo(k + 1, 9));
     expect(host.endDrag(true).undo).toEqual(["move key"]);
     const made = trailsOf(settle()).flatMap((event) => event.numbers);
@@ -62,9 +62,9 @@ describe("the host of a live page", () => {
     host.open(wanted("bounce.ma", ["ball"]));
     const [key] = host.keys("|ball", "translateY");
     host.putKey("|ball", "translateY", { ...key, value: key.value + 1 });
-    host.beginDrag("|ball", 22);
+    host.beginDrag({ what: "place", object: "|ball", frame: 22 });
     expect(host.endDrag(false).undo).toEqual(["put key"]);
-    host.beginDrag("|ball", 22);
+    host.beginDrag({ what: "place", object: "|ball", frame: 22 });
     host.drag([1, 2, 3]);
     expect(host.endDrag(false).undo).toEqual(["put key"]);
   });

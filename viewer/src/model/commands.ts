@@ -161,6 +161,16 @@ const shiftKeys = (app: App, by: 1 | -1): void => editKeys(app, "keyed", async (
   goTo(app, frame + by);
 });
 
+const breakTangents = (app: App): void => editKeys(app, "keyed", async (editing, trails, frame) => {
+  editing.breakTangents(trails, frame);
+  app.announce("Each side of the tangents turns alone now");
+});
+
+const unifyTangents = (app: App): void => editKeys(app, "keyed", async (editing, trails, frame) => {
+  await editing.unifyTangents(trails, frame);
+  app.announce("Both sides of the tangents turn together now");
+});
+
 /** A file name from the scene's. */
 export const fileName = (app: App, ending: string): string => withEnding(baseName(app.scene.name), ending);
 
@@ -257,6 +267,10 @@ export const COMMANDS: readonly Command[] = [
   { id: "key-later", title: "Move them a frame later", keys: ["}"], edits: true, run: (app) => shiftKeys(app, 1) },
   { id: "compare", title: "Compare with the scene as it was opened, or not", keys: ["Shift+D"], edits: true,
     run: (app) => toggle(app, "showCompared", "Compared with the scene as it was opened", "Not compared") },
+  { id: "break-tangents", title: "Break the tangents of these keys: each side turns alone", keys: ["Shift+U"], edits: true,
+    run: (app) => breakTangents(app) },
+  { id: "unify-tangents", title: "Unify them: both sides turn together", keys: ["u"], edits: true,
+    run: (app) => unifyTangents(app) },
   { id: "undo", title: "Undo an edit of keys", keys: ["Ctrl+z"], edits: true, run: (app) => takeStep(app, "undo") },
   { id: "redo", title: "Redo it", keys: ["Ctrl+Shift+z", "Ctrl+y"], edits: true, run: (app) => takeStep(app, "redo") },
   { id: "png", title: "Save a picture (PNG)", keys: ["Shift+P"],

@@ -135,6 +135,7 @@ const FIELDS: Fields = {
   movingOnly: { name: "moving", ...flag },
   folded: { name: "fold", ...indices },
   graph: { name: "graph", ...oneOf(...GRAPHS) },
+  showChannels: { name: "channels", ...flag },
   timeSpan: { name: "time", ...optional(span) },
   showList: { name: "list", ...optional(flag) },
   showSettings: { name: "settings", ...optional(flag) },

@@ -65,6 +65,15 @@ export class Motion {
     this.forget();
   }
 
+  /** The same trails, but for these. */
+  update(list: readonly Trail[], changed: ReadonlySet<number>): void {
+    this.list = list;
+    if (this.related !== null || this.shownIn) return this.forget(); // others may be shown elsewhere, too
+    for (const kept of [this.points, this.keyPoints, this.spacings]) for (const index of changed) kept.delete(index);
+    this.reaches &&= this.reaches.map((reach, index) => (changed.has(index) ? reachOf(this.shownPoints(index)) : reach));
+    this.moves = null;
+  }
+
   /** From now on positions are relative to this trail; null: in the world. */
   relativeTo(trail: number | null): void {
     this.related = trail;

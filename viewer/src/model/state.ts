@@ -88,6 +88,8 @@ export interface ViewState {
   readonly folded: ReadonlySet<number>;
   /** What the graph under the timeline is of. */
   readonly graph: GraphName;
+  /** Whether the curves of an object's channels are shown, where they can be edited. */
+  readonly showChannels: boolean;
   /** What the timeline and the graph show; null: all of the scene's time. */
   readonly timeSpan: TimeSpan | null;
   /** Whether a panel is open; null: where there is room for it. */
@@ -143,6 +145,7 @@ export function initialState(scene: Scene, motion: Motion, camera: CameraPose): 
     movingOnly: true,
     folded: stillBranches(motion),
     graph: "spacing",
+    showChannels: false,
     timeSpan: null,
     showList: null,
     showSettings: null,

@@ -11,7 +11,7 @@ import type { Hover } from "../model/state";
 import { button, el, setAttributes, setText } from "./parts/dom";
 import { extremes } from "./graph_curves";
 import { drawCurves, drawMoving, largestValue, placeOf, type Place } from "./graph_drawing";
-import { select, type Option } from "./parts/fields";
+import { checkbox, select, type Option } from "./parts/fields";
 import { Layer, onDrag } from "./parts/layer";
 import { zoomsTime } from "./time_zoom";
 import { frameAt } from "./timeline";
@@ -140,7 +140,8 @@ export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
   const element = el(
     "section", { class: "graph" },
     el("div", { class: "graph-head" }, select(app, "graph", "Graph", kinds), unit,
-      button({ text: "Measures", title: "All measures of the selected objects", class: "button small" }, openMeasures), list, value), plot, empty, inWords,
+      button({ text: "Measures", title: "All measures of the selected objects", class: "button small" }, openMeasures),
+      ...(app.editing ? [checkbox(app, "showChannels", "Channels")] : []), list, value), plot, empty, inWords,
   );
   redraw();
   return { element, redraw };

@@ -24,6 +24,11 @@ const MOUSE: readonly Row[] = [
 const EDITING: readonly Row[] = [
   ["Drag a key on its trail", "Move it in the plane of the picture; Escape puts it back"],
   ["There with X, Y or Z held", "Move it along that axis"],
+  ["Ctrl, drag a key on its trail", "Move it in time, along its path, up to its neighbours"],
+  ["Drag a key on the timeline", "Move what the selected objects have there in time"],
+  ["Click a key", "Select it: go to its frame; the handles of its tangents are shown then"],
+  ["Drag the end of such a handle", "Turn and stretch the tangent; the other side turns along, unless it is broken"],
+  ["Channels, above the graph", "Show the curves of the first selected object: keys and handles are dragged there, too"],
   ["Drop files on the page", "Open another scene"],
   ["Compare", "The scene as it was opened, in grey, and how far from it everything is"],
   ["Save as…", "The animation with its edits, as a file; it says first what that does not hold"],

@@ -4,7 +4,7 @@ import type { App } from "../model/app";
 import type { TrailChange } from "../source/trail";
 import { el } from "./parts/dom";
 import { buildCompareGraph } from "./compare_graph";
-import { buildGraph } from "./graph";
+import { buildGraph, type GraphPanel } from "./graph";
 import { buildHelp } from "./help";
 import { buildLive } from "./parts/live";
 import { buildMeasuresDialog } from "./measures_dialog";
@@ -49,7 +49,8 @@ function viewportElement(): { viewport: HTMLElement; description: HTMLElement } 
   return { viewport, description };
 }
 
-export function buildPage(app: App, root: HTMLElement): Page {
+/** `channels` is shown under the graph, where there is one. */
+export function buildPage(app: App, root: HTMLElement, channels: Pick<GraphPanel, "element" | "redraw"> | null): Page {
   const { viewport, description } = viewportElement();
   const live = buildLive();
   const help = buildHelp(app);
@@ -70,6 +71,7 @@ export function buildPage(app: App, root: HTMLElement): Page {
   });
   const stage = el("main", { class: "stage" }, viewport, description, live.element);
   const time = el("section", { class: "time-panel", "aria-label": "Time" }, buildTransport(app), timeline.element, graph.element);
+  if (channels) time.append(channels.element);
   if (compareGraph) time.append(compareGraph.element);
   root.classList.add("page");
   root.replaceChildren(skipLink(viewport), toolbar, objects.element, stage, time, settings.element, help.element, picture.element, measures.element);
@@ -77,6 +79,7 @@ export function buildPage(app: App, root: HTMLElement): Page {
   const redraw = () => {
     timeline.redraw();
     graph.redraw();
+    channels?.redraw();
     compareGraph?.redraw();
   };
   followTheme(app, redraw);

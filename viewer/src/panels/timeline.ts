@@ -7,6 +7,7 @@ import { frameText } from "../model/format";
 import { el, setAttributes } from "./parts/dom";
 import { followFrame, seenTime } from "../model/time_span";
 import { isSeen, seenScale, type FrameScale } from "./frame_scale";
+import { listenToKeyMarks } from "./key_marks";
 import { Layer, onDrag } from "./parts/layer";
 import { drawTimeline } from "./timeline_drawing";
 import { zoomsTime } from "./time_zoom";
@@ -47,6 +48,7 @@ function buildTrack(app: App, canvas: HTMLCanvasElement, scale: () => FrameScale
     "aria-valuemin": scene.first, "aria-valuemax": scene.last,
   }, canvas);
   track.addEventListener("keydown", (event) => trackKeys(app, event));
+  if (app.editing) listenToKeyMarks(app, track, scale);
   zoomsTime(app, track);
   onDrag(track, (x) => goTo(app, frameAt(app, scale(), x)));
   const update = () => {

@@ -9,7 +9,7 @@ import { styleColors } from "./parts/theme";
 
 /** From the top: the range with its handles, the keys, the numbers and ticks. */
 const RANGE = { top: 3, height: 18 };
-const KEYS = 31;
+export const KEYS = 31;
 const TEXT = 47;
 
 /** Closer than this, ticks are a smear. */

@@ -48,6 +48,7 @@ function editGroup(app: App, openSave: () => void): Node[] {
   const follow = () => compare.setAttribute("aria-pressed", String(app.store.state.showCompared));
   app.store.subscribe(follow, ["showCompared"]);
   follow();
+  const tangents = [commandButton(app, "break-tangents", { icon: "breakTangents" }), commandButton(app, "unify-tangents", { icon: "unifyTangents" })];
   const state = el("span", { class: "note", role: "status" });
   const update = () => {
     steps[0].disabled = editing.undoes === null;
@@ -59,7 +60,7 @@ function editGroup(app: App, openSave: () => void): Node[] {
   update();
   return [group("Scene", button({ icon: "open", text: "Open…", title: "Open a scene in place of this one" }, chooseFiles),
     button({ text: "Save as…", title: "Save the animation with its edits: Maya, and other formats" }, openSave)),
-    group("Edits", ...steps, compare), state];
+    group("Edits", ...steps, compare), group("Tangents", ...tangents), state];
 }
 
 export interface ToolbarParts {

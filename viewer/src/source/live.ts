@@ -5,7 +5,7 @@ import type { Dragged, LiveEvent, MovedPart, Opened, TrailNumbers } from "../../
 import type { SceneRequest } from "./engine";
 import { Listeners } from "./listeners";
 import { LiveEditing } from "./live_editing";
-import type { ColorMode, Scene, Spaces, Trail, TrailChange, TrailSource, Writing } from "./trail";
+import type { ChangedPart, ColorMode, Scene, Spaces, Trail, TrailChange, TrailSource, Writing } from "./trail";
 
 /** As the engine has them where nobody chose. */
 const LINE_WIDTH = 2.5;
@@ -45,26 +45,29 @@ export class LiveSource implements TrailSource {
   readonly writing: Writing;
   readonly spaces: Spaces;
   private list: readonly Trail[];
-  private readonly listeners = new Listeners<[TrailChange]>();
+  /** The trails by their objects. */
+  private readonly places: ReadonlyMap<string, number>;
+  private readonly listeners = new Listeners<[TrailChange, readonly ChangedPart[]]>();
 
   constructor(client: LiveClient, request: SceneRequest, opened: Opened) {
     this.scene = sceneOf(request, opened);
     this.list = opened.numbers.map((numbers, index) => trailOf(request, opened, index, numbers));
     this.editing = new LiveEditing(client, opened.history, (index) => this.list[index].source, () => this.list.length,
-      (trail, frame, dragged) => this.move(trail, frame, dragged));
+      (dragged) => this.move(dragged));
     this.spaces = {
       cameras: opened.cameras.map((camera) => ({ ...camera, name: lastStep(camera.source ?? camera.shape) })),
       matrices: (object, frames) => client.call("matrices", object, frames),
       lenses: (shape, frames) => client.call("lenses", shape, frames),
     };
     this.writing = { written: (form) => client.call("written", form) };
+    this.places = new Map(this.list.map(({ source }, index) => [source, index]));
   }
 
   trails(): readonly Trail[] {
     return this.list;
   }
 
-  subscribe(changed: (how: TrailChange) => void): () => void {
+  subscribe(changed: (how: TrailChange, parts: readonly ChangedPart[]) => void): () => void {
     return this.listeners.add(changed);
   }
 
@@ -72,7 +75,7 @@ export class LiveSource implements TrailSource {
     if (event.kind === "measures") return this.measure(event.values);
     this.change(event.numbers, arraysOf);
     this.editing.work(event.pending ? { done: event.done, of: event.of } : null);
-    if (event.numbers.length > 0) this.listeners.tell("final");
+    if (event.numbers.length > 0) this.listeners.tell("final", []);
   }
 
   private measure(all: [number, (number | null)[]][]): void {
@@ -83,13 +86,28 @@ export class LiveSource implements TrailSource {
   }
 
   /** What a drag has moved, until the engine has made the trails again. */
-  private move(trail: number, frame: number, { position, parts }: Dragged): void {
+  private move({ from, frame, keys, parts }: Dragged): void {
     this.change(parts, (part, { points }) => ({ points: withPart(points, part) }));
-    const { keyPoints, keyTimes } = this.list[trail];
-    const moved = keyPoints.slice();
-    keyTimes.forEach((time, k) => time === frame && moved.set(position, 3 * k));
-    this.change([{ index: trail }], () => ({ keyPoints: moved }));
-    this.listeners.tell("provisional");
+    if (frame !== from)
+      this.change(this.dragged(keys), (_, { keyTimes }) => ({ keyTimes: keyTimes.map((time) => (time === from ? frame : time)) }));
+    this.change(parts, (part, trail) => ({ keyPoints: withKeys(trail, part) }));
+    this.change(this.dragged(keys), ({ position }, { keyTimes, keyPoints }) => {
+      const moved = keyPoints.slice();
+      keyTimes.forEach((time, k) => time === frame && moved.set(position, 3 * k));
+      return { keyPoints: moved };
+    });
+    this.listeners.tell("provisional", [
+      ...parts.map(({ index, first, points }) => ({ index, first, count: points.length / 3 })),
+      ...this.dragged(keys).map(({ index }) => ({ index, first: 0, count: 0 })),
+    ]);
+  }
+
+  /** Those that have a trail. */
+  private dragged(keys: Dragged["keys"]) {
+    return keys.flatMap(({ object, position }) => {
+      const index = this.places.get(object);
+      return index === undefined ? [] : [{ index, position }];
+    });
   }
 
   private change<T extends { index: number }>(items: readonly T[], patch: (item: T, trail: Trail) => Partial<Trail>): void {
@@ -103,4 +121,14 @@ function withPart(points: Float64Array, { first, points: part }: MovedPart): Flo
   const result = points.slice();
   result.set(part, 3 * first);
   return result;
+}
+
+/** The keys in a part that moved are where the nearest samples are. */
+function withKeys({ points, keyTimes, keyPoints, startFrame, frameStep }: Trail, { first, points: part }: MovedPart): Float64Array {
+  const moved = keyPoints.slice();
+  keyTimes.forEach((time, k) => {
+    const sample = Math.round((time - startFrame) / frameStep);
+    if (sample >= first && sample < first + part.length / 3) moved.set(points.subarray(3 * sample, 3 * sample + 3), 3 * k);
+  });
+  return moved;
 }

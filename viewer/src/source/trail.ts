@@ -1,6 +1,11 @@
 // What the page shows, and the one interface through which it comes. The page reads trails that were written into it;
 // anything else that keeps arrays of samples, an engine that runs beside the page included, can stand in its place.
 
+import type { ChannelCurve, PathTangents } from "../../../web/src/live/keys";
+import type { Side } from "../../../web/src/live/grips";
+
+export type { ChannelCurve, PathTangents, Side };
+
 export type Vec3 = readonly [number, number, number];
 export type ColorMode = 0 | 1 | 2 | 3;
 
@@ -83,6 +88,18 @@ export interface Scene {
   readonly statics: readonly StaticBox[];
 }
 
+/** What a drag can take hold of, and what it is then moved to; the key is the one at the frame. */
+export type Grip =
+  /** A key on its path, or a handle of its tangents: x y z in the world. */
+  | { readonly what: "place"; readonly trail: number; readonly frame: number }
+  | { readonly what: "path tangent"; readonly trail: number; readonly frame: number; readonly side: Side }
+  /** Keys in time, of all channels: a frame. */
+  | { readonly what: "time"; readonly trails: readonly number[]; readonly frame: number }
+  /** The key of a channel: its frame and its value. */
+  | { readonly what: "key"; readonly trail: number; readonly channel: string; readonly frame: number }
+  /** Its tangent: seconds, and how far the value goes meanwhile. */
+  | { readonly what: "tangent"; readonly trail: number; readonly channel: string; readonly frame: number; readonly side: Side };
+
 /** Edits of the keys that trails have, in order; each answers when it is done, or rejects with a text for the reader. */
 export interface Editing {
   /** The names of the steps that undo and redo are about next; null where there is none. */
@@ -96,12 +113,21 @@ export interface Editing {
   insertKeys(trails: readonly number[], frame: number): Promise<void>;
   removeKeys(trails: readonly number[], frame: number): Promise<void>;
   moveKeys(trails: readonly number[], frame: number, to: number): Promise<void>;
-  /** From here to endDrag, the key of a trail at a frame is one that is dragged. */
-  beginDrag(trail: number, frame: number): Promise<void>;
-  /** Moves it to a place in the world; while one such move is at work, of the others only the last one counts. */
-  drag(place: Vec3): Promise<void>;
+  /** The tangents of keys at a frame: from now on their sides turn alone; or both have one slope, and turn together. */
+  breakTangents(trails: readonly number[], frame: number): void;
+  unifyTangents(trails: readonly number[], frame: number): Promise<void>;
+  /** Handles of keys on their paths; null for a trail whose object has no key of its position at the frame. */
+  pathTangents(trails: readonly number[], frame: number): Promise<readonly (PathTangents | null)[]>;
+  /** The curves of a trail's object, with their values at these frames. */
+  channelCurves(trail: number, frames: Float64Array): Promise<readonly ChannelCurve[]>;
+  /** From here to endDrag, this is what is dragged. */
+  beginDrag(grip: Grip): Promise<void>;
+  /** Moves it to where `Grip` says; while one such move is at work, of the others only the last one counts. */
+  drag(to: readonly number[]): Promise<void>;
   /** Not `kept`: it goes back to where it was. */
   endDrag(kept: boolean): Promise<void>;
+  /** What the keys of the drag's grip are at now; as it was, where they stay. */
+  readonly draggedTo: number | null;
   /** Calls back after any of the first three has changed, until the result is called. */
   subscribe(changed: () => void): () => void;
 }
@@ -155,12 +181,19 @@ export interface Spaces {
 /** What has changed of trails: for a moment, as while a key is dragged, or for good. */
 export type TrailChange = "provisional" | "final";
 
+/** Samples in a row, and all keys, of a trail that changed for a moment. */
+export interface ChangedPart {
+  readonly index: number;
+  readonly first: number;
+  readonly count: number;
+}
+
 export interface TrailSource {
   readonly scene: Scene;
   /** The trails as they are now. A trail keeps its place in the list; one that changed is a new object. */
   trails(): readonly Trail[];
-  /** Calls back after trails() changed, until the result is called. */
-  subscribe(changed: (how: TrailChange) => void): () => void;
+  /** Calls back after trails() changed, with what of it where that is little, until the result is called. */
+  subscribe(changed: (how: TrailChange, parts: readonly ChangedPart[]) => void): () => void;
   /** Where keys can be edited. */
   readonly editing?: Editing;
   /** Where animation can be written. */

@@ -3,6 +3,7 @@
 import type { Camera } from "three";
 import { yUp } from "../model/pose";
 import type { Vec3 } from "../source/trail";
+import type { DrawnTrail } from "./primitives/batch";
 import type { Projection, Spot } from "./primitives/projection";
 
 export interface Sight {
@@ -41,4 +42,26 @@ export function alongAxis({ projection, upAxis }: Sight, place: Vec3, axis: numb
     at = next;
   }
   return at;
+}
+
+/** Where a pointer leads on a path: the frame at the place of it that is nearest in the picture, between two frames. */
+export function alongPath({ projection }: Sight, trail: DrawnTrail, [low, high]: readonly [number, number], at: Spot): number {
+  const { places, startFrame, frameStep } = trail;
+  let [best, least] = [NaN, Infinity];
+  let before: { spot: Spot; frame: number } | null = null;
+  for (let i = 0; 3 * i < places.length; ++i) {
+    const frame = startFrame + i * frameStep;
+    if (frame < low || frame > high) continue;
+    const spot = projection.spot(places[3 * i], places[3 * i + 1], places[3 * i + 2]);
+    if (spot) {
+      const from = before ?? { spot, frame };
+      const [dx, dy] = [spot.x - from.spot.x, spot.y - from.spot.y];
+      const squared = dx * dx + dy * dy;
+      const part = squared > 0 ? Math.max(0, Math.min(1, ((at.x - from.spot.x) * dx + (at.y - from.spot.y) * dy) / squared)) : 0;
+      const away = Math.hypot(from.spot.x + part * dx - at.x, from.spot.y + part * dy - at.y);
+      if (away < least) [best, least] = [from.frame + part * (frame - from.frame), away];
+    }
+    before = spot && { spot, frame };
+  }
+  return best;
 }

@@ -1,24 +1,25 @@
-// Keys as handles: a key that is drawn is dragged in the plane of the picture, or, with X, Y or Z held, along that axis of
-// the scene. Escape lets go of it where it was.
+// Handles in the viewport: keys that are drawn, and the tangents of those that are selected. A handle is dragged in the plane
+// of the picture, or, with X, Y or Z held, along that axis of the scene; a key with Ctrl in time, along its path.
 
 import type { App } from "../model/app";
+import { goTo } from "../model/commands";
+import { listenToGrips, type Gripped } from "../model/editing/gripping";
+import { isInWorld, type Hover } from "../model/state";
 import type { Vec3 } from "../source/trail";
-import { alongAxis, inPlane, type Sight } from "./dragging";
-import { far, placeIn } from "./pointer";
+import { alongAxis, alongPath, inPlane, type Sight } from "./dragging";
+import type { TrailLayers } from "./layers";
+import { keyPlace, sceneOf } from "./places";
+import { click } from "./pointer";
 import type { DrawnTrail } from "./primitives/batch";
 import type { Projection, Spot } from "./primitives/projection";
+import type { TangentHandles } from "./tangent_handles";
 
-/** Pixels within which a key is hit. */
+/** Pixels within which a handle is hit. */
 const HIT = 9;
 
 interface Key {
   readonly trail: number;
   readonly frame: number;
-}
-
-export interface Handle extends Key {
-  /** In the viewport's space. */
-  readonly place: Vec3;
 }
 
 /** The key under the pointer: of a selected trail before others, and then the nearest. */
@@ -36,81 +37,62 @@ export function keyAt(trails: readonly DrawnTrail[], selected: ReadonlySet<numbe
 }
 
 export interface HandleView {
-  handleAt(at: Spot): Handle | null;
+  readonly layers: TrailLayers;
+  readonly tangents: TangentHandles;
+  origin(): Vec3;
   sight(): Sight;
-  /** A place of the viewport's space in the scene. */
-  inScene(place: Vec3): Vec3;
-  /** A press without a drag. */
-  clicked(at: Spot, more: boolean): void;
+  /** The trail under the pointer. */
+  under(at: Spot): Hover | null;
 }
 
-interface Drag {
-  readonly handle: Handle;
-  readonly pointer: number;
-  readonly from: Spot;
-  to: Spot;
-  /** Whether it has left the place of a click. */
-  moves: boolean;
+/** Something at a place of the viewport's space that follows the pointer from where it was taken hold of. */
+function inSpace(app: App, view: HandleView, grip: Gripped["grip"], place: Vec3, from: Spot): Gripped {
+  return {
+    grip,
+    wanted: (to, axis) => sceneOf({ app, origin: view.origin() },
+      axis === null ? inPlane(view.sight(), place, from, to) : alongAxis(view.sight(), place, axis, from, to)),
+  };
 }
 
-const AXES = ["x", "y", "z"];
+/** A key that goes along its path as it is now, up to the keys beside it. */
+function onPath(view: HandleView, { trail: index, frame }: Key, place: Vec3, from: Spot): Gripped | null {
+  const trail = view.layers.trails.find((each) => each.index === index);
+  const spot = view.sight().projection.spot(...place);
+  if (!trail || !spot) return null;
+  const room = [Math.max(-Infinity, ...trail.keyTimes.filter((time) => time < frame)),
+    Math.min(Infinity, ...trail.keyTimes.filter((time) => time > frame))] as const;
+  const path = { ...trail, places: trail.places.slice() };
+  return {
+    grip: { what: "time", trails: [index], frame },
+    wanted: (to) => [alongPath(view.sight(), path, room, { x: spot.x + to.x - from.x, y: spot.y + to.y - from.y })],
+  };
+}
 
-/** Listens before the camera's own listeners, which would turn it. */
+function handleAt(app: App, view: HandleView, at: Spot, event: PointerEvent): Gripped | null {
+  const { showKeys, selected } = app.store.state;
+  if (!showKeys || !isInWorld(app.store.state)) return null;
+  const { projection } = view.sight();
+  const key = keyAt(view.layers.seen, selected, projection, at);
+  const place = key && keyPlace({ app, origin: view.origin() }, key.trail, key.frame);
+  if (place && (event.ctrlKey || event.metaKey)) return onPath(view, key, place, at);
+  if (place) return inSpace(app, view, { what: "place", ...key }, place, at);
+  const tangent = view.tangents.at(projection, at, HIT);
+  return tangent && inSpace(app, view, tangent.grip, tangent.end, at);
+}
+
+/** A key that is clicked selects its object, and is selected itself: the current frame goes there. */
 export function listenToHandles(app: App, host: HTMLElement, view: HandleView): void {
-  const editing = app.editing!;
-  let drag: Drag | null = null;
-  let axis: number | null = null;
-  const wanted = ({ handle, from, to }: Drag): Vec3 => view.inScene(axis === null
-    ? inPlane(view.sight(), handle.place, from, to) : alongAxis(view.sight(), handle.place, axis, from, to));
-  const stop = (kept: boolean) => {
-    const ended = drag;
-    drag = null;
-    axis = null;
-    if (ended?.moves) void editing.endDrag(kept).catch(refused);
-  };
-  const refused = (error: Error) => {
-    stop(false);
-    app.announce(error.message);
-  };
-  const move = () => void (drag?.moves && editing.drag(wanted(drag)).catch(refused));
-  host.addEventListener("pointerdown", (event) => {
-    if (event.button !== 0 || event.shiftKey || drag || !(event.target instanceof HTMLCanvasElement)) return;
-    const from = placeIn(host, event);
-    const handle = view.handleAt(from);
-    if (!handle) return;
-    event.stopPropagation();
-    host.setPointerCapture(event.pointerId);
-    drag = { handle, pointer: event.pointerId, from, to: from, moves: false };
-  }, true);
-  host.addEventListener("pointermove", (event) => {
-    const at = placeIn(host, event);
-    if (!drag) return void host.classList.toggle("over-handle", event.buttons === 0 && view.handleAt(at) !== null);
-    if (event.pointerId !== drag.pointer) return;
-    drag.to = at;
-    if (!drag.moves && !far(drag.from, at)) return;
-    if (!drag.moves) {
-      drag.moves = true;
-      editing.beginDrag(drag.handle.trail, drag.handle.frame).catch(refused);
-    }
-    move();
-  });
-  host.addEventListener("pointerup", (event) => {
-    if (!drag || event.pointerId !== drag.pointer) return;
-    if (!drag.moves) view.clicked(drag.from, event.ctrlKey || event.metaKey);
-    stop(true);
-  });
-  host.addEventListener("pointercancel", () => stop(false));
-  const listen = (type: "keydown" | "keyup", run: (event: KeyboardEvent, key: string) => void) =>
-    document.addEventListener(type, (event) => drag && run(event, event.key.toLowerCase()), { capture: true, signal: app.life });
-  listen("keydown", (event, key) => {
-    event.preventDefault(); // no other command in the middle of a drag
-    event.stopPropagation();
-    if (key === "escape") return stop(false);
-    if (AXES.includes(key)) axis = AXES.indexOf(key);
-    move();
-  });
-  listen("keyup", (_event, key) => {
-    if (axis === AXES.indexOf(key)) axis = null;
-    move();
+  listenToGrips(app, host, {
+    gripAt: (at, event) => handleAt(app, view, at, event),
+    clicked(at, { grip }, event) {
+      const more = event.ctrlKey || event.metaKey;
+      if (grip.what === "path tangent") return;
+      click(app.store, view.under(at), more);
+      if (!more) goTo(app, grip.frame);
+    },
+    moved({ grip }) {
+      const { draggedTo } = app.editing!;
+      if (grip.what === "time" && draggedTo !== null) goTo(app, draggedTo);
+    },
   });
 }

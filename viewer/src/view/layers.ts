@@ -4,14 +4,14 @@ import { Group, type Object3D, type ShaderMaterial } from "three";
 import type { App } from "../model/app";
 import { markColor, trailColors } from "../model/colors";
 import { dimming } from "../model/emphasis";
-import { isVisible } from "../model/state";
-import type { Vec3 } from "../source/trail";
-import { Dots, keyMarkers, Lines, stretchesOf, type DrawnTrail, type SampleColors } from "./primitives/batch";
+import { isInWorld, isVisible } from "../model/state";
+import type { ChangedPart, Vec3 } from "../source/trail";
+import { Dots, KeyMarkers, Lines, stretchesOf, type DrawnTrail, type SampleColors } from "./primitives/batch";
 import { framesBetweenDots } from "./dot_spacing";
 import { FatLineMaterial } from "./primitives/fat_lines";
 import { dotMaterial, keyMaterial, thinMaterial } from "./primitives/materials";
-import type { Pickable } from "./picking";
-import { between, wholeTrail, windowOf, windowStrength } from "./places";
+import { forgetBoxes, type Pickable } from "./picking";
+import { between, movedTrail, wholeTrail, windowOf, windowStrength } from "./places";
 import type { Projection } from "./primitives/projection";
 import { channels, DIMMED, shade, shaded } from "./primitives/shades";
 import type { Colors } from "./theme";
@@ -70,6 +70,7 @@ export interface Drawing extends Amount {
 interface Level {
   readonly group: Group;
   readonly colored: { readonly batch: Lines | Dots; readonly colors: (trail: number) => SampleColors }[];
+  readonly placed: (Lines | Dots | KeyMarkers)[];
   readonly disposables: { dispose(): void }[];
   stretches: number;
   /** Which colours it has. */
@@ -159,6 +160,40 @@ export class TrailLayers {
     this.whole = null;
     this.windowMoved();
     this.recolored();
+  }
+
+  /** These parts of trails, and their keys, have moved: of what is drawn now only they are written anew. */
+  partsMoved(parts: readonly ChangedPart[]): void {
+    const { whole } = this;
+    const { state } = this.app.store;
+    if (!whole || !isInWorld(state) || state.window) return this.moved();
+    const at = new Map(whole.map(({ index }, k) => [index, k]));
+    const list = [...whole];
+    for (const part of parts) {
+      const k = at.get(part.index);
+      const trail = k === undefined ? null : movedTrail(this.app, list[k], part, this.origin());
+      if (k !== undefined && !trail) return this.moved();
+      if (trail) list[k!] = trail;
+    }
+    this.whole = this.drawn = list;
+    this.hits = null;
+    for (const { index } of parts) if (at.has(index)) forgetBoxes(list[at.get(index)!].places);
+    this.moveLevels(parts);
+  }
+
+  /** Others than the one that is drawn are made again when they are needed. */
+  private moveLevels(parts: readonly ChangedPart[]): void {
+    for (const [name, level] of this.levels) {
+      if (this.group.children[0] !== level.group) {
+        this.drop(level);
+        this.levels.delete(name);
+        continue;
+      }
+      for (const batch of level.placed) {
+        if (batch instanceof KeyMarkers) batch.moved();
+        else for (const { index, first, count } of parts) batch.moved(index, first, count);
+      }
+    }
   }
 
   /** Forget which part of the trails is drawn. */
@@ -268,7 +303,7 @@ export class TrailLayers {
   }
 
   private build({ stride, plain, dotEvery }: Drawing): Level {
-    const level: Level = { group: new Group(), colored: [], disposables: [], stretches: 0, version: 0 };
+    const level: Level = { group: new Group(), colored: [], placed: [], disposables: [], stretches: 0, version: 0 };
     const look = ({ index }: DrawnTrail) => this.look(index);
     const lined = this.trails.filter((trail) => look(trail).showLine && look(trail).lineWidth > 0);
     for (const trail of lined) level.stretches += stretchesOf(trail.places, stride).length / 2;
@@ -323,6 +358,7 @@ export class TrailLayers {
   private addLines(level: Level, batch: Lines, material: ShaderMaterial, renderOrder: number,
                    colors: ((trail: number) => SampleColors) | null): void {
     if (colors) level.colored.push({ batch, colors });
+    level.placed.push(batch);
     this.add(level, batch.object, renderOrder, [batch, material]);
   }
 
@@ -336,6 +372,7 @@ export class TrailLayers {
     material.depthWrite = !dim;
     const batch = new Dots(trails, every, material);
     level.colored.push({ batch, colors: this.drawnColors });
+    level.placed.push(batch);
     this.add(level, batch.object, order(look, 3), [batch, material]);
   }
 
@@ -347,8 +384,10 @@ export class TrailLayers {
       size, ghost, edge: 1.4 * this.ratio(), rim: this.shownColor("#1c2430", dim),
     });
     material.depthWrite = !dim;
-    const points = keyMarkers(trails, this.shownColor("#ffffff", dim), material);
-    this.add(level, points, order(look, 4), [points.geometry, material]);
+    const drawn = new Set(trails.map(({ index }) => index));
+    const batch = new KeyMarkers(() => this.trails.filter(({ index }) => drawn.has(index)), this.shownColor("#ffffff", dim), material);
+    level.placed.push(batch);
+    this.add(level, batch.object, order(look, 4), [batch, material]);
   }
 
   private shownColor(color: string, dim: boolean): string {

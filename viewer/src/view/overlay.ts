@@ -75,6 +75,22 @@ export class Overlay {
     context.stroke();
   }
 
+  /** A line from a key to the end of a tangent; in dashes where the key's two sides turn alone. */
+  handle(from: Spot, to: Spot, broken: boolean): void {
+    const { context, colors } = this;
+    context.lineWidth = 1.5;
+    context.strokeStyle = context.fillStyle = colors.selected;
+    context.setLineDash(broken ? [4, 3] : []);
+    context.beginPath();
+    context.moveTo(from.x, from.y);
+    context.lineTo(to.x, to.y);
+    context.stroke();
+    context.setLineDash([]);
+    context.beginPath();
+    context.arc(to.x, to.y, 4, 0, 2 * Math.PI);
+    context.fill();
+  }
+
   /** Drawn beside its place, shortened where it must be; not at all where there is no room. */
   label({ at, text, strong }: Label): void {
     if (this.labels >= MOST_LABELS || !this.inside(at)) return;

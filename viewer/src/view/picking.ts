@@ -25,6 +25,9 @@ type Boxes = Float32Array;
 
 const known = new WeakMap<Float32Array, Boxes>();
 
+/** After places in an array have changed. */
+export const forgetBoxes = (places: Float32Array): void => void known.delete(places);
+
 /** Grows the box at `to` by the numbers at `from` .. `from + 3`. */
 function grow(boxes: Boxes, to: number, values: Float32Array, from: number): void {
   for (let k = 0; k < 3; ++k) {

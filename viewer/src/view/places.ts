@@ -4,7 +4,7 @@ import type { App } from "../model/app";
 import { isFinitePoint, sampleFrame, triple } from "../model/motion";
 import { yUp } from "../model/pose";
 import type { ViewState } from "../model/state";
-import type { Trail, Vec3 } from "../source/trail";
+import type { ChangedPart, Trail, Vec3 } from "../source/trail";
 import type { DrawnTrail } from "./primitives/batch";
 import { isDrawable, type Projection, type Spot } from "./primitives/projection";
 
@@ -64,6 +64,18 @@ export function wholeTrail({ motion, scene }: App, index: number, origin: Vec3):
     keyPlaces: dense ? new Float32Array() : placed(motion.shownKeyPoints(index), scene.upAxis, origin),
     keyTimes: dense ? new Float64Array() : keyTimes,
   };
+}
+
+/** The trail with some of its samples, and its keys, where they are now: in the same array. Null where places came or went. */
+export function movedTrail({ motion, scene }: App, drawn: DrawnTrail, { index, first, count }: ChangedPart, origin: Vec3): DrawnTrail | null {
+  const { keyTimes } = motion.trails[index];
+  const points = motion.shownPoints(index).subarray(3 * first, 3 * (first + count));
+  const places = placed(points, scene.upAxis, origin);
+  for (let i = 0; i < places.length; i += 3)
+    if (Number.isNaN(places[i]) !== Number.isNaN(drawn.places[3 * first + i])) return null;
+  drawn.places.set(places, 3 * first);
+  if (drawn.keyTimes.length === 0) return drawn; // they are not drawn
+  return { ...drawn, keyTimes, keyPlaces: placed(motion.shownKeyPoints(index), scene.upAxis, origin) };
 }
 
 /** The frames around the current one that are drawn. */

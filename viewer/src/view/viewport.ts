@@ -6,24 +6,24 @@ import type { App } from "../model/app";
 import { boundsOf, type Bounds } from "../model/framing";
 import { hasGround, isInWorld, type Change, type Hover, type ViewState } from "../model/state";
 import { onPreferenceChange } from "../model/theme";
-import type { TrailChange, Vec3 } from "../source/trail";
+import type { ChangedPart, TrailChange, Vec3 } from "../source/trail";
 import { annotate, hoveredSpot, type Picture } from "./annotations";
 import { CameraRig } from "./camera";
 import { Detail } from "./detail";
 import { FlatSurface } from "./flat_surface";
 import { acrossOf, buildStage, disposeAll, gridFor, type Grid, type Stage } from "./ground";
-import { keyAt, listenToHandles } from "./handles";
+import { listenToHandles } from "./handles";
 import { holdsSamples } from "./held";
 import { TrailLayers, type Drawing } from "./layers";
 import { Overlay } from "./overlay";
 import { passing, pick } from "./picking";
 import { blobOf, framed } from "./picture";
-import { keyPlace, sceneOf } from "./places";
-import { click, listenToPointer } from "./pointer";
+import { listenToPointer } from "./pointer";
 import { Projection, type Area, type Spot } from "./primitives/projection";
 import { Skeleton } from "./skeleton";
 import { GlSurface, type Surface } from "./surface";
 import { colorsOf } from "./theme";
+import { TangentHandles } from "./tangent_handles";
 import { throughCamera } from "./through";
 import { describe, Tooltip } from "./tooltip";
 
@@ -54,6 +54,7 @@ export class Viewport {
   private readonly stage = new Group();
   private readonly overlay = new Overlay();
   private readonly tooltip = new Tooltip();
+  private readonly tangents: TangentHandles;
   private readonly layers: TrailLayers;
   private readonly skeleton: Skeleton;
   private readonly rig: CameraRig;
@@ -80,6 +81,7 @@ export class Viewport {
     canvas.setAttribute("aria-hidden", "true");
     this.layers = new TrailLayers(app, () => this.origin, () => this.colors, () => this.ratio);
     this.skeleton = new Skeleton(app, () => this.origin, () => this.colors, this.ratio);
+    this.tangents = new TangentHandles(app, () => this.origin, () => this.changed());
     host.append(canvas, this.tooltip.ring, this.tooltip.element);
     this.surface = this.makeSurface();
     host.prepend(this.surface.canvas);
@@ -92,9 +94,10 @@ export class Viewport {
     this.listen();
   }
 
-  trailsChanged(how: TrailChange = "final"): void {
+  trailsChanged(how: TrailChange = "final", parts: readonly ChangedPart[] = []): void {
     if (how === "final") this.rebuild();
-    else this.layers.moved(); // what stands around them stays
+    else this.layers.partsMoved(parts); // what stands around them stays
+    this.tangents.refresh();
     this.changed();
   }
 
@@ -188,21 +191,11 @@ export class Viewport {
     if (this.app.editing) this.listenToHandles(under.pick);
   }
 
-  /** Keys are handles where they are drawn, in the world. */
+  /** Keys and their tangents are handles where they are drawn, in the world. */
   private listenToHandles(under: (at: Spot) => Hover | null): void {
-    const { app } = this;
+    const { app, layers, tangents } = this;
     const sight = () => ({ projection: this.projection(), camera: this.rig.camera, upAxis: app.scene.upAxis });
-    listenToHandles(app, this.host, {
-      sight,
-      handleAt: (at) => {
-        const { showKeys, selected } = app.store.state;
-        const key = showKeys && isInWorld(app.store.state) ? keyAt(this.layers.seen, selected, this.projection(), at) : null;
-        const place = key && keyPlace({ app, origin: this.origin }, key.trail, key.frame);
-        return key && place && { ...key, place };
-      },
-      inScene: (place) => sceneOf({ app, origin: this.origin }, place),
-      clicked: (at, more) => click(app.store, under(at), more),
-    });
+    listenToHandles(app, this.host, { layers, tangents, under, sight, origin: () => this.origin });
   }
 
   private take(state: ViewState, changed: Change): void {
@@ -320,6 +313,7 @@ export class Viewport {
     }
     this.overlay.begin(this.width, this.height, this.ratio, this.colors);
     annotate(this.overlay, this.pictured(drawing));
+    this.tangents.draw(this.overlay, this.projection());
     this.showHover();
     this.host.dataset.stride = String(drawing.stride);
     this.host.dataset.drawn = moving ? "moving" : "still";

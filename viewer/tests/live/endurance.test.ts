@@ -64,7 +64,7 @@ async function edit(page: Page, times: number): Promise<void> {
     const trail = motion.trails.findIndex(({ name }) => name === "ball");
     const keys = [22, 31, 38, 45];
     for (let i = 0; i < count; ++i) {
-      await editing!.beginDrag(trail, keys[i % keys.length]);
+      await editing!.beginDrag({ what: "place", trail, frame: keys[i % keys.length] });
       await editing!.drag([i % 7, 1 + (i % 5), -(i % 3)]);
       await editing!.endDrag(true);
       if (i % 10 === 0) await new Promise((resolve) => setTimeout(resolve, 400));

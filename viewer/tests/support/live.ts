@@ -139,7 +139,8 @@ export async function puttingKeys(page: Page, source: string, channels: readonly
 export async function pull(page: Page, source: string, frame: number, place: Vec3): Promise<void> {
   await page.evaluate(async ([object, at, to]) => {
     const { editing, motion } = window.vantorelixViewer;
-    await editing!.beginDrag(motion.trails.findIndex((trail) => trail.source === object), at);
+    const trail = motion.trails.findIndex((each) => each.source === object);
+    await editing!.beginDrag({ what: "place", trail, frame: at });
     await editing!.drag(to);
     await editing!.endDrag(true);
   }, [source, frame, place] as const);

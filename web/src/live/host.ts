@@ -5,6 +5,8 @@ import type { Engine } from "../engine";
 import type { CameraView, Form, History, Key, Scene, Written } from "../scene";
 import type { Trails } from "../trails";
 import { Drag } from "./drag";
+import type { Grip, Pull } from "./grips";
+import { channelCurves, pathTangents, unify, type ChannelCurve, type PathTangents } from "./keys";
 import { ownBuffers, trailNumbers } from "./numbers";
 import type { Dragged, LiveEvent, Measure, Opened, TrailNumbers, Wanted } from "./protocol";
 
@@ -107,23 +109,37 @@ export class LiveHost {
     return this.current().scene.written(form);
   }
 
-  /** From here to endDrag all that happens to the object's key at the frame is one step. Throws EngineError with the
-   * reason where the key cannot be moved in space. */
-  beginDrag(object: string, frame: number): void {
-    this.giveUpDrag();
-    const { scene, trails } = this.current();
-    this.dragged = new Drag(scene, trails, object, frame);
+  /** The tangents of keys at the frame get one slope on both sides. */
+  unifyTangents(objects: readonly string[], frame: number): History {
+    return this.step("unify tangents", objects, (scene, object) => unify(scene, object, frame));
   }
 
-  /** Moves the key to a place in the world. Throws EngineError where its channels do not reach that. */
-  drag(position: [number, number, number]): Dragged {
+  /** Those of objects at a frame, null for one without a key of its position then. */
+  pathTangents(objects: readonly string[], frame: number): (PathTangents | null)[] {
+    return objects.map((object) => pathTangents(this.current().scene, object, frame));
+  }
+
+  /** With their values at these frames. */
+  channelCurves(object: string, frames: Float64Array): ChannelCurve[] {
+    return channelCurves(this.current().scene, object, frames);
+  }
+
+  /** From here to endDrag all that happens is one step. Throws EngineError with the reason where that cannot be dragged. */
+  beginDrag(grip: Grip): void {
+    this.giveUpDrag();
+    const { scene, trails } = this.current();
+    this.dragged = new Drag(scene, trails, grip);
+  }
+
+  /** Throws EngineError where what is held does not go there. */
+  drag(to: Pull): Dragged {
     if (!this.dragged) throw new Error("no key is being dragged");
-    const dragged = this.dragged.moveTo(position);
+    const dragged = this.dragged.pull(to);
     this.rebuild();
     return dragged;
   }
 
-  /** Not `kept`: the key goes back to where it was. */
+  /** Not `kept`: all is as before. */
   endDrag(kept: boolean): History {
     const { scene } = this.current();
     this.dragged?.end(kept);

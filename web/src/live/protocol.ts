@@ -49,8 +49,11 @@ export interface MovedPart {
 }
 
 export interface Dragged {
-  /** Where the key is now: where it was wanted, but for rounding. */
-  position: [number, number, number];
+  /** The frame of the keys before, and now. */
+  from: number;
+  frame: number;
+  /** Where the objects whose keys moved are then. */
+  keys: { object: string; position: [number, number, number] }[];
   parts: MovedPart[];
 }
 
@@ -62,7 +65,8 @@ export type LiveEvent =
 
 /** The requests, and what they take and answer with. */
 export type Requests = Pick<LiveHost, "open" | "undo" | "redo" | "beginDrag" | "drag" | "endDrag" | "insertKeys" |
-  "removeKeys" | "moveKeys" | "putKey" | "keys" | "written" | "matrices" | "lenses">;
+  "removeKeys" | "moveKeys" | "putKey" | "keys" | "pathTangents" | "channelCurves" | "unifyTangents" |
+  "written" | "matrices" | "lenses">;
 
 export type Given<K extends keyof Requests> = Parameters<Requests[K]>;
 export type Answer<K extends keyof Requests> = ReturnType<Requests[K]>;

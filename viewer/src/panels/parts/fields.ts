@@ -16,7 +16,7 @@ function follow<K extends Key>(app: App, key: K, show: (value: ViewState[K]) => 
 const patch = <K extends Key>(key: K, value: ViewState[K]) => ({ [key]: value }) as Pick<ViewState, K>;
 
 type Flag =
-  | "showKeys" | "showLabels" | "showStatics" | "showBones" | "showCompared" | "window" | "letterKeys"
+  | "showKeys" | "showLabels" | "showStatics" | "showBones" | "showCompared" | "showChannels" | "window" | "letterKeys"
   | "pictureTitle" | "pictureLegend" | "pictureFrame";
 
 export function checkbox(app: App, key: Flag, text: string): HTMLElement {

@@ -71,6 +71,17 @@ export const pointsOf = (
   places: Float32Array, colors: BufferAttribute | InstancedBufferAttribute, material: ShaderMaterial,
 ): Points => unculled(new Points(geometryOf(places, colors), material));
 
+/** Where the samples from this one on begin, in samples that never go back. */
+function firstWith(samples: Uint32Array, least: number): number {
+  let [low, high] = [0, samples.length];
+  while (low < high) {
+    const middle = (low + high) >> 1;
+    if (samples[middle] < least) low = middle + 1;
+    else high = middle;
+  }
+  return low;
+}
+
 /** Lines of a given width, or of one pixel, which software draws much faster. */
 export class Lines {
   readonly object: Mesh | LineSegments;
@@ -96,6 +107,34 @@ export class Lines {
     this.colors = new Uint8Array(color === undefined ? ends.length : 0);
     if (material instanceof FatLineMaterial) this.fat = new FatLines(ends, material, color);
     this.object = this.fat?.object ?? thinLines(ends, this.colors, material);
+  }
+
+  /** Writes the ends of these samples of a trail anew, wherever they are drawn. */
+  moved(trail: number, first: number, count: number): void {
+    let at = 0;
+    this.stretches.forEach((samples, i) => {
+      const { index, places } = this.trails[i];
+      if (index === trail) {
+        const [from, end] = [firstWith(samples, first), firstWith(samples, first + count)];
+        for (let k = from; k < end; ++k) this.write(at + k, places, samples[k]);
+        if (end > from) this.upload(at + from, end - from);
+      }
+      at += samples.length;
+    });
+  }
+
+  /** The place of an end, by its number. */
+  private write(end: number, places: Float32Array, sample: number): void {
+    const { position } = this.object.geometry.attributes;
+    if (this.fat) this.fat.moveEnd(end, places, 3 * sample);
+    else (position.array as Float32Array).set(places.subarray(3 * sample, 3 * sample + 3), 3 * end);
+  }
+
+  private upload(end: number, count: number): void {
+    if (this.fat) return this.fat.upload(end, count);
+    const position = this.object.geometry.attributes.position as BufferAttribute;
+    position.addUpdateRange(3 * end, 3 * count);
+    position.needsUpdate = true;
   }
 
   /** In Beats a stretch has the colour of its first sample, in Flow that of its last; in other modes the two blend. */
@@ -132,6 +171,22 @@ export class Dots {
     this.object = pointsOf(Float32Array.from(places), this.colors, material);
   }
 
+  /** Writes the dots of a trail anew. */
+  moved(index: number): void {
+    const { position } = this.object.geometry.attributes;
+    let at = 0;
+    for (const trail of this.trails) {
+      const from = at;
+      eachDot(trail, this.every, (s) => {
+        if (trail.index === index) (position.array as Float32Array).set(trail.places.subarray(3 * s, 3 * s + 3), at);
+        at += 3;
+      });
+      if (trail.index !== index || at === from) continue;
+      (position as BufferAttribute).addUpdateRange(from, at - from);
+      position.needsUpdate = true;
+    }
+  }
+
   recolor(colorsOf: (trail: number) => SampleColors): void {
     const colors = this.colors.array as Uint8Array;
     let at = 0;
@@ -151,15 +206,36 @@ export class Dots {
 }
 
 /** Markers of all keys; they have one look. */
-export function keyMarkers(trails: readonly DrawnTrail[], color: string, material: ShaderMaterial): Points {
-  const total = trails.reduce((sum, trail) => sum + trail.keyPlaces.length, 0);
-  const places = new Float32Array(total);
-  let at = 0;
-  for (const { keyPlaces } of trails)
-    for (let i = 0; i < keyPlaces.length; i += 3) {
-      if (!finiteAt(keyPlaces, i / 3)) continue;
-      places.set(keyPlaces.subarray(i, i + 3), at);
-      at += 3;
-    }
-  return pointsOf(places.slice(0, at), oneColor(color), material);
+export class KeyMarkers {
+  readonly object: Points;
+
+  constructor(private readonly trails: () => readonly DrawnTrail[], color: string, material: ShaderMaterial) {
+    this.object = pointsOf(this.places(), oneColor(color), material);
+  }
+
+  /** After keys have moved. */
+  moved(): void {
+    const position = this.object.geometry.attributes.position as BufferAttribute;
+    const places = this.places();
+    if (places.length === position.array.length) (position.array as Float32Array).set(places);
+    else this.object.geometry.setAttribute("position", new BufferAttribute(places, 3));
+    position.needsUpdate = true;
+  }
+
+  dispose(): void {
+    this.object.geometry.dispose();
+  }
+
+  private places(): Float32Array {
+    const trails = this.trails();
+    const places = new Float32Array(trails.reduce((sum, trail) => sum + trail.keyPlaces.length, 0));
+    let at = 0;
+    for (const { keyPlaces } of trails)
+      for (let i = 0; i < keyPlaces.length; i += 3) {
+        if (!finiteAt(keyPlaces, i / 3)) continue;
+        places.set(keyPlaces.subarray(i, i + 3), at);
+        at += 3;
+      }
+    return places.slice(0, at);
+  }
 }

@@ -116,12 +116,14 @@ function addPair(geometry: BufferGeometry, names: readonly [string, string], buf
 /** A mesh of such lines. */
 export class FatLines {
   readonly object: Mesh;
+  private readonly places: InterleavedBuffer;
   private readonly colors: InterleavedBuffer | null = null;
 
   /** `ends` holds x y z of both ends of each stretch. They have one colour, or those that recolor() gives them. */
   constructor(ends: Float32Array, material: FatLineMaterial, color?: string) {
     const geometry = new BufferGeometry();
-    addPair(geometry, ["from", "to"], new InterleavedBuffer(fillCorners(new Float32Array(4 * ends.length), ends), 6));
+    this.places = new InterleavedBuffer(fillCorners(new Float32Array(4 * ends.length), ends), 6);
+    addPair(geometry, ["from", "to"], this.places);
     if (color === undefined) {
       this.colors = new InterleavedBuffer(new Uint8Array(4 * ends.length), 6);
       addPair(geometry, ["colorFrom", "colorTo"], this.colors, true);
@@ -131,6 +133,20 @@ export class FatLines {
     geometry.setIndex(new BufferAttribute(cornerIndices(ends.length / 6), 1));
     this.object = unculled(new Mesh(geometry, material));
     this.object.onBeforeRender = (renderer) => material.fit(renderer);
+  }
+
+  /** Puts an end, 0 to twice the number of stretches, to the place in `values` that begins at `from`. */
+  moveEnd(end: number, values: Float32Array, from: number): void {
+    const array = this.places.array as Float32Array;
+    for (let corner = 0; corner < 4; ++corner)
+      for (let k = 0; k < 3; ++k) array[24 * (end >> 1) + 6 * corner + 3 * (end & 1) + k] = values[from + k];
+  }
+
+  /** Lets ends that were put elsewhere be drawn there: so many from one on. */
+  upload(end: number, count: number): void {
+    const [first, last] = [end >> 1, (end + count - 1) >> 1];
+    this.places.addUpdateRange(24 * first, 24 * (last - first + 1));
+    this.places.needsUpdate = true;
   }
 
   /** Colours of both ends of each stretch. */
