@@ -48,7 +48,7 @@ function editGroup(app: App, openSave: () => void): Node[] {
   const follow = () => compare.setAttribute("aria-pressed", String(app.store.state.showCompared));
   app.store.subscribe(follow, ["showCompared"]);
   follow();
-  const state = el("span", { class: "note", role: "status" });
+  const state = el("span", { class: "working note", role: "status" });
   const update = () => {
     steps[0].disabled = editing.undoes === null;
     steps[1].disabled = editing.redoes === null;
