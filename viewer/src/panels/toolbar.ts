@@ -49,7 +49,7 @@ function editGroup(app: App, openSave: () => void): Node[] {
   app.store.subscribe(follow, ["showCompared"]);
   follow();
   const tangents = [commandButton(app, "break-tangents", { icon: "breakTangents" }), commandButton(app, "unify-tangents", { icon: "unifyTangents" })];
-  const state = el("span", { class: "note", role: "status" });
+  const state = el("span", { class: "working note", role: "status" });
   const update = () => {
     steps[0].disabled = editing.undoes === null;
     steps[1].disabled = editing.redoes === null;
