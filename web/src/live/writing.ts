@@ -1,7 +1,7 @@
 // A scene's animation out again: the forms that the engine writes, and what each of them does not hold.
 
 import { EngineError } from "../errors";
-import type { Scene } from "../scene";
+import type { Scene, Written } from "../scene";
 
 /** All that a page has a name for. */
 const FORMS = ["ma", "py", "bvh", "glb"];
@@ -17,8 +17,8 @@ export interface Saved {
 }
 
 export function savedAs(scene: Scene, form: string): Saved {
-  const { text, lost } = scene.written(form as Parameters<Scene["written"]>[0]);
-  return { content: text, lost };
+  const { text, lost, bytes }: Written & { bytes?: Uint8Array } = scene.written(form as Parameters<Scene["written"]>[0]);
+  return { content: bytes ?? text, lost };
 }
 
 /** Those of the forms that the engine writes, be it not this scene. One object is written in each, to see. */
