@@ -3,6 +3,7 @@
 import { LiveError } from "../../web/src/live/client";
 import { buildOpening, type Opening } from "./panels/opening";
 import { chosenScene, runEngine, type EngineParts, type RunningEngine, type SceneRequest } from "./source/engine";
+import type { App } from "./model/app";
 import { choicesIn } from "./model/editing/choices";
 import { LiveSource } from "./source/live";
 import { show } from "./show";
@@ -16,6 +17,8 @@ class Desk {
   private readonly opening: Opening;
   private engine: RunningEngine;
   private source: LiveSource | null = null;
+  /** What shows the source. */
+  private app: App | null = null;
   private life = new AbortController();
   /** Scenes are opened one at a time. */
   private busy: Promise<void> = Promise.resolve();
@@ -60,13 +63,13 @@ class Desk {
     const opened = await this.ask(request);
     const source = new LiveSource(this.engine.client, request, opened);
     const hash = this.source ? "" : location.hash;
-    const kept = this.source && choicesIn(window.vantorelixViewer, this.source.trails(), source.trails());
+    const kept = this.app && choicesIn(this.app, this.app.motion.trails, source.trails());
     if (this.source) history.replaceState(null, "", location.pathname);
     this.source = source;
     this.life.abort();
     this.life = new AbortController();
-    show(this.root, source, { life: this.life.signal, hash, chooseFiles: () => this.opening.choose() });
-    if (kept) window.vantorelixViewer.store.set(kept);
+    this.app = show(this.root, source, { life: this.life.signal, hash, chooseFiles: () => this.opening.choose() });
+    if (kept) this.app.store.set(kept);
   }
 
   /** An engine that broke down is started anew once: what was open in it is shown as it was, but not edited any more. */

@@ -94,8 +94,8 @@ function begin(source: TrailSource, hash: string) {
   return { motion, store, frame };
 }
 
-/** Shows what a source has in place of what `root` holds. */
-export function show(root: HTMLElement, source: TrailSource, { life, hash, chooseFiles }: Showing): void {
+/** Shows what a source has in place of what `root` holds; returns what its parts work on. */
+export function show(root: HTMLElement, source: TrailSource, { life, hash, chooseFiles }: Showing): App {
   const { scene, editing, writing, spaces } = source;
   const { motion, store, frame } = begin(source, hash);
   document.title = `${baseName(scene.name)}: motion trails`;
@@ -122,4 +122,5 @@ export function show(root: HTMLElement, source: TrailSource, { life, hash, choos
   keepStateInHash(store, initial, motion.trails.length, life);
   window.vantorelixViewer = app;
   document.documentElement.dataset.ready = "true";
+  return app;
 }
