@@ -57,7 +57,7 @@ def test(options):
     paths["DATA"] = os.environ.get("VANTORELIX_DATA") or os.path.join(page.ROOT, "..", "shared", "data")
     variables = {"VANTORELIX_" + name: path and os.path.abspath(path) for name, path in paths.items()}
     if not options.native:
-        print("viewer: NOT RUN, BECAUSE THE PROGRAM HAS NO ENGINE FOR PAGES: tests/live*.test.ts, tests/live/*.test.ts", flush=True)
+        print("viewer: NOT RUN, BECAUSE THE PROGRAM HAS NO ENGINE FOR PAGES: tests/live/*.test.ts", flush=True)
     left_out = browser_tests() if options.no_browser else []
     if left_out:
         print("viewer: NOT RUN, BECAUSE THEY NEED A BROWSER: " + ", ".join(left_out), flush=True)

@@ -3,12 +3,12 @@
 import { writeFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { expect, test } from "vitest";
-import type { PathTangents, Vec3 } from "../src/source/trail";
-import { useBrowser } from "./support/browser";
-import { temporaryFolder } from "./support/files";
-import { aim, CHANNELS, dragBy, keysAsEdits, PATIENT, select, spotOf, step, type Aim } from "./support/handles";
-import { describeLive, nativeBits, openLive, others, shownBits } from "./support/live";
-import { press } from "./support/read";
+import type { PathTangents, Vec3 } from "../../src/source/trail";
+import { useBrowser } from "../support/browser";
+import { temporaryFolder } from "../support/files";
+import { aim, CHANNELS, dragBy, keysAsEdits, PATIENT, select, spotOf, step, type Aim } from "../support/handles";
+import { describeLive, nativeBits, openLive, others, shownBits } from "../support/live";
+import { press } from "../support/read";
 
 const browser = useBrowser();
 const file = temporaryFolder();

@@ -1,13 +1,13 @@
 // Live pages: keys that are moved in time, on the timeline and along their paths.
 
 import { expect, test } from "vitest";
-import type { Vec3 } from "../src/source/trail";
-import { useBrowser } from "./support/browser";
-import { temporaryFolder } from "./support/files";
-import { dragBy, PATIENT, select, spotOf, step } from "./support/handles";
-import { describeLive, keysOf, nativeBits, openLive, others, shownBits } from "./support/live";
-import { example } from "./support/program";
-import { press } from "./support/read";
+import type { Vec3 } from "../../src/source/trail";
+import { useBrowser } from "../support/browser";
+import { temporaryFolder } from "../support/files";
+import { dragBy, PATIENT, select, spotOf, step } from "../support/handles";
+import { describeLive, keysOf, nativeBits, openLive, others, shownBits } from "../support/live";
+import { example } from "../support/program";
+import { press } from "../support/read";
 
 const browser = useBrowser();
 const file = temporaryFolder();

@@ -2,13 +2,13 @@
 
 import type { Page } from "playwright-core";
 import { expect, test } from "vitest";
-import { useBrowser } from "./support/browser";
-import { temporaryFolder } from "./support/files";
-import { dragBy, keysAsEdits, PATIENT, select, step } from "./support/handles";
-import { describeLive, keysOf, nativeBits, openLive, others, shownBits } from "./support/live";
-import { settle } from "./support/picture";
-import { example } from "./support/program";
-import { press } from "./support/read";
+import { useBrowser } from "../support/browser";
+import { temporaryFolder } from "../support/files";
+import { dragBy, keysAsEdits, PATIENT, select, step } from "../support/handles";
+import { describeLive, keysOf, nativeBits, openLive, others, shownBits } from "../support/live";
+import { settle } from "../support/picture";
+import { example } from "../support/program";
+import { press } from "../support/read";
 
 const browser = useBrowser();
 const file = temporaryFolder();

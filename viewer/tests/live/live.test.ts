@@ -4,16 +4,16 @@ import { readFileSync, readdirSync } from "node:fs";
 import { basename } from "node:path";
 import type { Page } from "playwright-core";
 import { expect, test } from "vitest";
-import type { Vec3 } from "../src/source/trail";
-import { useBrowser } from "./support/browser";
-import { temporaryFolder } from "./support/files";
+import type { Vec3 } from "../../src/source/trail";
+import { useBrowser } from "../support/browser";
+import { temporaryFolder } from "../support/files";
 import {
   describeLive, drop, exact, filesOf, keysOf, nativeBits, nativeObstacle, nativeRefusal, openEmpty, openLive, others, shownBits, shows,
-} from "./support/live";
-import { aim, CHANNELS, dragBy, keysAsEdits, PATIENT, placeOf, step } from "./support/handles";
-import { project, type Pose } from "./support/picture";
-import { example, run } from "./support/program";
-import { press } from "./support/read";
+} from "../support/live";
+import { aim, CHANNELS, dragBy, keysAsEdits, PATIENT, placeOf, step } from "../support/handles";
+import { project, type Pose } from "../support/picture";
+import { example, run } from "../support/program";
+import { press } from "../support/read";
 
 const browser = useBrowser();
 const file = temporaryFolder();
