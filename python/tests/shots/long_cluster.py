@@ -14,7 +14,7 @@ from distributed import KilledWorker
 from distributed.comm import CommClosedError
 
 from processes import MISBEHAVING, own_scheduler, recorded, wait_until, workers_of
-from support import HERE, HOOK, SLOW, ShotsTest, misbehaving
+from support import HERE, HOOK, RUN, SLOW, ShotsTest, files_in, misbehaving, write
 from vantorelix.shots import alone, cluster
 from vantorelix.shots.cluster import ClusterError
 from vantorelix.shots.group import Task
@@ -75,6 +75,13 @@ class Deaths(ClusterTest):
         killer.join()
         self.assertEqual((len(set(kills)), progress.done, progress.failed), (3, 24, 0))
         self.assertWhole(shots)
+
+    def test_what_was_being_written_when_workers_were_killed_goes_at_the_end(self):
+        self.many(1)
+        for name in (RUN + "-1", "another-1"):
+            write(os.path.join(self.out, "work", name), "half a ta")
+        self.measure(read_shots([self.clips]))
+        self.assertEqual([os.path.basename(path) for path in files_in(self.out, "work")], ["another-1"])
 
     def test_a_result_that_is_lost_with_its_worker_is_no_end(self):
         run = cluster._Run(mock.Mock(), Task([], Settings(), self.out), mock.Mock())

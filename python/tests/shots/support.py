@@ -23,6 +23,7 @@ from vantorelix.shots.work import measured
 HERE = os.path.dirname(os.path.abspath(__file__))
 CHECKOUT = os.path.dirname(os.path.dirname(os.path.dirname(HERE)))
 HOOK = "VANTORELIX_TEST_SHOTS"
+RUN = "test"  # the name of the runs that `measure` makes
 SLOW = "slow"  # and the seconds that each shot takes longer
 
 
@@ -120,12 +121,12 @@ class ShotsTest(unittest.TestCase):
 
     def measure(self, shots, work=measured, workers=2, size=None):
         """The run on a local cluster, with work of the test's own; `size`: shots in each group."""
-        store = Store(self.out)
+        store = Store(self.out, RUN)
         store.prepare()
         todo = plan.make(shots, Settings(), store)
         groups = [todo.todo[i:i + size] for i in range(0, len(todo.todo), size)] if size else plan.groups(todo)
         progress = Progress(len(todo.todo), None)
-        cluster.run(groups, Task([], Settings(), self.out, work), cluster.Where(workers=workers), progress)
+        cluster.run(groups, Task([], Settings(), self.out, work, RUN), cluster.Where(workers=workers), progress)
         return progress
 
     def do(self, shots, work=measured, settings=Settings()):

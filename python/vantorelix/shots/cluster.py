@@ -18,7 +18,7 @@ from . import alone, group, preload
 from .group import Task
 from .progress import Progress
 from .shot import Shot
-from .store import WriteError
+from .store import Store, WriteError
 
 _LOCAL = {
     "distributed.scheduler.allowed-failures": 1,  # a worker that dies twice at a group: the group is split
@@ -43,12 +43,16 @@ class Where(NamedTuple):
 def run(groups: Sequence[List[Shot]], task: Task, where: Where, progress: Progress) -> None:
     """Does all groups. `task` tells everything but the shots.
 
-    Raises WriteError and ClusterError; what is done by then stays done, as it does after KeyboardInterrupt.
+    Raises WriteError and ClusterError; what is done by then stays done, as it does after KeyboardInterrupt. What workers were
+    writing when they were killed is taken away.
     """
-    with _client(where) as client:
-        if client.dashboard_link and importlib.util.find_spec("bokeh"):
-            progress.note("dashboard: %s" % client.dashboard_link)
-        _Run(client, task, progress).do(groups)
+    try:
+        with _client(where) as client:
+            if client.dashboard_link and importlib.util.find_spec("bokeh"):
+                progress.note("dashboard: %s" % client.dashboard_link)
+            _Run(client, task, progress).do(groups)
+    finally:
+        Store(task.folder, task.run).end_run()
 
 
 @contextlib.contextmanager

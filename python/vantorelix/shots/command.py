@@ -134,10 +134,7 @@ def _measure(shots: List[Shot], settings: Settings, store: Store, options: argpa
     _tidy(todo, store, progress, options.prune)
     if todo.todo:
         task = Task([], settings, store.folder, run=store.run, again=options.again)
-        try:
-            cluster.run(plan.groups(todo), task, Where(options.scheduler, options.workers), progress)
-        finally:
-            store.end_run()
+        cluster.run(plan.groups(todo), task, Where(options.scheduler, options.workers), progress)
         progress.end()
 
 
