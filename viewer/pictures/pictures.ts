@@ -77,7 +77,10 @@ const SHOTS: Record<string, Shot> = {
   "live-before": { page: "bounce-live.html", hash: "select=0", of: ".viewport", size: { width: 1000, height: 820 }, before: pressKey },
   "live-pulled": { page: "bounce-live.html", hash: "select=0", of: ".viewport", size: { width: 1000, height: 820 }, before: pullKey },
   "live-compared": { page: "bounce-live.html", hash: "select=0&compare=1", of: ".viewport", size: { width: 1000, height: 820 }, before: dragKey },
-  "live": { page: "bounce-live.html", hash: "", before: dragKey },
+  "live": { page: "bounce-live.html", hash: "select=0&compare=1", before: async (page) => {
+    await dragKey(page);
+    await page.keyboard.press("a");
+  } },
   "viewer-help": { page: "arm.ma.html", of: "dialog[open]", hash: "", before: (page) => page.keyboard.press("Shift+?") },
 };
 

@@ -75,7 +75,7 @@ export function buildToolbar(app: App, parts: ToolbarParts): HTMLElement {
   const title = el("h1", { class: "scene", title: app.scene.name }, baseName(app.scene.name));
   const help = button({ icon: "help", name: "Help", title: "Help (?)" }, parts.openHelp);
   return el(
-    "header", { class: "toolbar" },
+    "header", { class: app.editing ? "toolbar live" : "toolbar" },
     el("div", { class: "brand" }, icon("trail"), title),
     ...editGroup(app, parts.openSave),
     parts.listButton,
