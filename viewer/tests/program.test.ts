@@ -15,6 +15,7 @@ import { example, run } from "./support/program";
 const browser = useBrowser();
 const file = temporaryFolder();
 const TEAL: Vec3 = [38, 191, 166];
+const SCENES = ["arm.ma", "walk.bvh", "robot.fbx", "crane.gltf"];
 
 interface Json {
   fps: number;
@@ -29,8 +30,8 @@ function written(scene: string, ...options: string[]): Json {
   return JSON.parse(readFileSync(file("x.json"), "utf8")) as Json;
 }
 
-describe.each(["arm.ma", "walk.bvh", "robot.fbx", "crane.gltf"])("the page of %s", (scene) => {
-  test("holds every sample, colour and key of the JSON file", async () => {
+describe("the page of a scene", () => {
+  test.each(SCENES)("holds every sample, colour and key of the JSON file: %s", async (scene) => {
     const json = written(scene);
     const page = await browser.openFile(file("x.html"));
     const held = await page.evaluate(() =>
@@ -54,8 +55,8 @@ describe.each(["arm.ma", "walk.bvh", "robot.fbx", "crane.gltf"])("the page of %s
   });
 });
 
-describe.each(["arm.ma", "walk.bvh", "robot.fbx", "crane.gltf"])("the graphs of %s", (scene) => {
-  test("reach what the JSON file says", async () => {
+describe("the graphs of a scene", () => {
+  test.each(SCENES)("reach what the JSON file says: %s", async (scene) => {
     const json = written(scene);
     const page = await browser.openFile(file("x.html"));
     const { scene: held, trails } = await page.evaluate(() => {
@@ -113,8 +114,9 @@ const box = (points: Point[]) => {
   return { left: Math.min(...xs), right: Math.max(...xs), top: Math.min(...ys), bottom: Math.max(...ys) };
 };
 
-describe.each(["front", "side", "top", "persp"] as const)("the %s view", (view) => {
-  test.each(["arm.ma", "crane.gltf"])("looks like the program's picture of %s", async (scene) => {
+describe("a view", () => {
+  const views = (["front", "side", "top", "persp"] as const).flatMap((view) => [[view, "arm.ma"], [view, "crane.gltf"]] as const);
+  test.each(views)("looks like the program's picture: %s of %s", async (view, scene) => {
     const select = scene === "arm.ma" ? ["--select", "*wrist*"] : ["--select", "*"];
     const json = written(scene, ...select, "--color-mode", "standard", "--no-dots", "--line-width", "3", "--view", view);
     const points = json.trails.flatMap((trail) => trail.points.map((p) => turned(p, json.up_axis)));
