@@ -1,8 +1,11 @@
 // What the fuzzers do with a scene that a reader accepted.
 #pragma once
 
+#include <vector>
+
 #include "host/error.h"
 #include "standalone/formats/reader.h"
+#include "standalone/formats/writer.h"
 #include "standalone/scene/evaluation/evaluator.h"
 #include "standalone/scene/scene.h"
 
@@ -35,6 +38,25 @@ inline void use(const Scene& scene) {
     scene.evaluation.not_followed(node);
   }
   scene.warnings.all();
+}
+
+// What a reader accepted is written in the same form, which it accepts again; traps where it does not.
+template <class Write, class Read>
+void write_and_read(const Scene& scene, const Write& write, const Read& read) {
+  std::vector<NodeId> objects;
+  for (const NodeId node : scene.nodes.all())
+    if (scene.nodes.is_transform(node)) objects.push_back(node);
+  Written written;
+  try {
+    written = write(objects);
+  } catch (const CannotWrite&) {
+    return;
+  }
+  try {
+    read(written.bytes);
+  } catch (const FormatError&) {
+    __builtin_trap();
+  }
 }
 
 }  // namespace vantorelix::standalone

@@ -156,10 +156,10 @@ FbxClock::FbxClock(const ufbx_scene& document)
 
 double FbxClock::frame(double seconds) const {
   // Half a tick is less than this at any rate of film.
-  constexpr double kNear = 1e-6;
+  constexpr double kNearFrame = 1e-6;
   const double about = seconds * frames_per_second_;
   const double nearest = std::floor(about + 0.5);
-  if (std::abs(about - nearest) <= kNear) return nearest;
+  if (std::abs(about - nearest) <= kNearFrame) return nearest;
   return std::rint(seconds * ticks_per_second_) * frames_per_second_ / ticks_per_second_;
 }
 

@@ -116,8 +116,8 @@ class GltfFileWriter {
 
  private:
   bool is_container() const { return bytes_.starts_with("glTF"); }
-  std::size_t count(const char* list) const { return dom_.contains(list) ? dom_[list].size() : 0; }
-  bool has_buffer_with_uri() const { return count("buffers") != 0 && dom_["buffers"][0].contains("uri"); }
+  std::size_t count(const char* list) const { return dom_.contains(list) ? dom_.at(list).size() : 0; }
+  bool has_buffer_with_uri() const { return count("buffers") != 0 && dom_.at("buffers").at(0).contains("uri"); }
 
   std::string first_buffer() {
     if (document_.data().buffers_count == 0) return {};
@@ -135,15 +135,15 @@ class GltfFileWriter {
 
   // The clip that was read; nothing where the file has none.
   const json* clip() const {
-    return scene_.settings.takes().empty() ? nullptr : &dom_["animations"].at(scene_.settings.take());
+    return scene_.settings.takes().empty() ? nullptr : &dom_.at("animations").at(scene_.settings.take());
   }
 
   // The channel of the clip that is followed.
   std::optional<std::size_t> channel_of(const GltfChange& change) const {
     if (clip() == nullptr || !clip()->contains("channels")) return std::nullopt;
-    const json& channels = (*clip())["channels"];
+    const json& channels = clip()->at("channels");
     for (std::size_t i = 0; i < channels.size(); ++i) {
-      const json& target = channels[i]["target"];
+      const json target = channels.at(i).value("target", json::object());
       if (target.value("node", json()) == json(change.node) && target.value("path", "") == change.path) return i;
     }
     return std::nullopt;
@@ -158,8 +158,8 @@ class GltfFileWriter {
       return;
     }
     const JsonText::Span animation = element(text_.root(), "animations", scene_.settings.take());
-    const json& channels = (*clip())["channels"];
-    const json& sampler = channels[*channel]["sampler"];
+    const json& channels = clip()->at("channels");
+    const json& sampler = channels.at(*channel).at("sampler");
     const auto users = std::count_if(channels.begin(), channels.end(),
                                      [&](const json& one) { return one.value("sampler", json()) == sampler; });
     if (users == 1) return change_sampler(element(animation, "samplers", sampler.get<std::size_t>()), made);
@@ -168,7 +168,7 @@ class GltfFileWriter {
 
   // Those that other channels use, too, stay as they are.
   std::size_t add_sampler(const Additions::Sampler& made) {
-    const std::size_t known = clip() != nullptr && clip()->contains("samplers") ? (*clip())["samplers"].size() : 0;
+    const std::size_t known = clip() != nullptr && clip()->contains("samplers") ? clip()->at("samplers").size() : 0;
     samplers_.push_back("{\"input\":" + made.input + ",\"output\":" + made.output +
                         ",\"interpolation\":" + made.interpolation + "}");
     return known + samplers_.size() - 1;
@@ -224,7 +224,7 @@ class GltfFileWriter {
   void tell_files(std::vector<std::string>& lost) const {
     const auto tell = [&](const char* list, std::size_t from) {
       for (std::size_t i = from; i < count(list); ++i) {
-        const std::string uri = dom_[list][i].is_object() ? dom_[list][i].value("uri", "") : "";
+        const std::string uri = dom_.at(list).at(i).is_object() ? dom_.at(list).at(i).value("uri", "") : "";
         if (!uri.empty() && !uri.starts_with("data:"))
           lost.push_back("the file still refers to " + shown(uri) +
                          ", which has to lie where it lies for the first one");

@@ -260,6 +260,27 @@ TEST(GltfFileWritten, HoldsAnyNames) {
   expect_near(reread(open.written()), open.scene);
 }
 
+TEST(GltfFileWritten, KeepsChannelsThatMoveNothing) {
+  const std::string nothing = R"({"sampler": 0, "extras": "moves nothing"}, )";
+  std::string text = some_file().text();
+  text.insert(text.find(R"({"sampler": 0,)"), nothing);
+  OpenFile open(text, "scene.gltf");
+  open.scene.curves.set_key(open["box"], Channel::translateY, 3.0, 1.0);
+  const Written written = open.written();
+  EXPECT_THAT(written.bytes, HasSubstr(nothing));
+  expect_near(read_gltf(written.bytes, "again"), open.scene);
+}
+
+TEST(GltfFileWritten, IsRefusedWhereNamesInItCanBeReadInTwoWays) {
+  for (const std::string more : {R"("\u0061ccessors": [])", R"("anim\u0061tions": [{}])"}) {
+    GltfFile file;
+    file.node(R"("name": "ball")").add(more);
+    OpenFile open(file.text(), "scene.gltf");
+    open.scene.curves.set_key(open["ball"], Channel::translateX, 3.0, 1.0);
+    EXPECT_THAT(open.refusal(), HasSubstr("export it again"));
+  }
+}
+
 TEST(GltfFileWritten, IsRefusedForOtherScenesAndOtherFiles) {
   EXPECT_THAT(
       [] {

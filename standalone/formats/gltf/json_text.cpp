@@ -1,6 +1,7 @@
 #include "standalone/formats/gltf/json_text.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "standalone/formats/writer.h"
@@ -44,7 +45,11 @@ std::vector<JsonText::Member> JsonText::members(Span object, std::string_view na
   for (std::size_t at = skip_blanks(object.begin + 1); at < object.end && text_[at] == '"';) {
     const std::size_t named = end_of_string(at);
     const std::size_t begin = skip_blanks(skip_blanks(named) + 1), end = end_of_value(begin);
-    if (text_.substr(at + 1, named - at - 2) == name) found.push_back({at, {begin, end}});
+    const std::string_view own = text_.substr(at + 1, named - at - 2);
+    if (own == name) found.push_back({at, {begin, end}});
+    // Not every reader takes such a name for this one.
+    if (own.find('\\') != std::string_view::npos && nlohmann::json::parse(text_.substr(at, named - at)) == name)
+      throw CannotWrite("the file's JSON has escapes in the name of '" + std::string(name) + "'; export it again");
     at = skip_blanks(end);
     if (text_[at] == ',') at = skip_blanks(at + 1);
   }

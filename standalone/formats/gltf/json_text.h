@@ -21,8 +21,8 @@ class JsonText {
   explicit JsonText(std::string_view text);
 
   Span root() const { return root_; }
-  // The value of a member; nothing where there is none. Names with escapes are not found. Throws CannotWrite where two
-  // members have the name.
+  // The value of a member; nothing where there is none. Throws CannotWrite where two members have the name, or one that
+  // writes it with escapes.
   std::optional<Span> member(Span object, std::string_view name) const;
   std::vector<Span> elements(Span list) const;
 
