@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 #include <variant>
 
 #include "base/number_text.h"
@@ -25,13 +26,13 @@ namespace {
 constexpr double kSameSlope = 1e-9;
 
 PathSegment slidable(const Scene& scene, NodeId object, double frame) {
-  const auto found = path_segment(scene, object, frame);
+  auto found = path_segment(scene, object, frame);
   if (const auto* const why_not = std::get_if<CannotPlace>(&found)) throw *why_not;
-  const auto& segment = std::get<PathSegment>(found);
+  auto& segment = std::get<PathSegment>(found);
   if (segment.first == frame)
     throw CannotPlace(Obstacle::at_key, "the translation of " + scene.names.unique_name(object) +
                                             " has a key at frame " + number_text(frame) + ", which holds its place");
-  return segment;
+  return std::move(segment);
 }
 
 // How fast a channel enters or leaves a segment, in its values a frame; 0 where it does not move in it.
@@ -63,13 +64,15 @@ bool is_whole(const PathSegment& segment) {
                      [](const PathSegment::Moving& moving) { return moving.with_ends.empty() && !moving.bezier.cut; });
 }
 
-// The segment at this frame, where `borders` says that it is the one that is looked for, and its handles can change.
-template <class Borders>
-std::optional<PathSegment> beyond(const Scene& scene, NodeId object, double frame, const Borders& borders) {
-  const auto found = path_segment(scene, object, frame);
-  const auto* const segment = std::get_if<PathSegment>(&found);
-  if (segment == nullptr || !is_whole(*segment) || !borders(*segment)) return std::nullopt;
-  return *segment;
+// The segment after or before one, where the motion flows on over the key between, and handles there can change.
+std::optional<PathSegment> beyond(const Scene& scene, NodeId object, const PathSegment& segment, bool after) {
+  const double just_before = std::nextafter(segment.first, -std::numeric_limits<double>::infinity());
+  auto found = path_segment(scene, object, after ? segment.last : just_before);
+  auto* const next = std::get_if<PathSegment>(&found);
+  if (next == nullptr || !is_whole(*next)) return std::nullopt;
+  const bool joined = after ? next->first == segment.last : next->last == segment.first;
+  if (!joined || !(after ? flows_on(segment, *next) : flows_on(*next, segment))) return std::nullopt;
+  return std::move(*next);
 }
 
 // Gives a segment other handles in time, and writes down those that change.
@@ -118,14 +121,10 @@ void slide(Scene& scene, NodeId object, double frame, double to, const KeysAlone
   };
   const TimeHandles& old = segment.time;
   const TimeHandles time = standalone::slid(old, standalone::parameter_after(old, part(to)), part(frame));
-  const double just_before = std::nextafter(segment.first, -std::numeric_limits<double>::infinity());
   insert_ends(scene, segment);
-  const auto before = beyond(scene, object, just_before, [&](const PathSegment& left) {
-    return time.out != old.out && !alone.before && left.last == segment.first && flows_on(left, segment);
-  });
-  const auto after = beyond(scene, object, segment.last, [&](const PathSegment& right) {
-    return time.in != old.in && !alone.after && right.first == segment.last && flows_on(segment, right);
-  });
+  std::optional<PathSegment> before, after;
+  if (time.out != old.out && !alone.before) before = beyond(scene, object, segment, false);
+  if (time.in != old.in && !alone.after) after = beyond(scene, object, segment, true);
   retime(scene, segment, time);
   if (before) retime(scene, *before, {before->time.out, std::min(before->time.in * (time.out / old.out), 1.0)});
   if (after) retime(scene, *after, {std::min(after->time.out * (time.in / old.in), 1.0), after->time.in});

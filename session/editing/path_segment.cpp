@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/number_text.h"
 #include "session/editing/own_translation.h"
@@ -83,7 +84,7 @@ class Search {
     for (const Piece& piece : moving_) add(piece.own);
     settle_time();
     if (why_not_) return *why_not_;
-    return found_;
+    return std::move(found_);
   }
 
  private:
