@@ -57,33 +57,33 @@ bool flows_on(const PathSegment& left, const PathSegment& right) {
   return flows;
 }
 
-// Whether handles at one of its ends can change without more: it has keys at the other, and evaluation shortens
-// nothing.
-bool is_whole(const PathSegment& segment) {
-  return std::all_of(segment.channels.begin(), segment.channels.end(),
-                     [](const PathSegment::Moving& moving) { return moving.with_ends.empty() && !moving.bezier.cut; });
+bool is_cut(const PathSegment& segment) {
+  return std::any_of(segment.channels.begin(), segment.channels.end(),
+                     [](const PathSegment::Moving& moving) { return moving.bezier.cut; });
 }
 
-// The segment after or before one, where the motion flows on over the key between, and handles there can change.
+// The segment after or before one, where the motion flows on over the key between, and evaluation has all of its
+// handles as they are.
 std::optional<PathSegment> beyond(const Scene& scene, NodeId object, const PathSegment& segment, bool after) {
   const double just_before = std::nextafter(segment.first, -std::numeric_limits<double>::infinity());
   auto found = path_segment(scene, object, after ? segment.last : just_before);
   auto* const next = std::get_if<PathSegment>(&found);
-  if (next == nullptr || !is_whole(*next)) return std::nullopt;
+  if (next == nullptr || is_cut(*next)) return std::nullopt;
   const bool joined = after ? next->first == segment.last : next->last == segment.first;
   if (!joined || !(after ? flows_on(segment, *next) : flows_on(*next, segment))) return std::nullopt;
   return std::move(*next);
 }
 
-// Gives a segment other handles in time, and writes down those that change.
+// Gives a segment other handles in time, and keys at its ends where a channel lacks them, and fixes what changes.
 void retime(Scene& scene, const PathSegment& segment, const TimeHandles& time) {
   for (const PathSegment::Moving& moving : segment.channels) {
     const standalone::SegmentBezier& bezier = moving.bezier;
     const bool both = bezier.line || bezier.cut;
+    for (const double end : {segment.first, segment.last}) insert_keys(scene, {moving.curve}, end);
     set_weighted(scene, moving.curve, true);
     const standalone::AnimCurve& curve = scene.curves.at(moving.curve);
     const double reach = 3.0 * segment.frames(), rate = curve.frames_per_second();
-    Key left = curve.keys()[moving.key], right = curve.keys()[moving.key + 1];
+    Key left = *curve.key_at(segment.first), right = *curve.key_at(segment.last);
     if (both || time.out != segment.time.out) {
       standalone::fix_out(left, reach * time.out, bezier.out_y, rate);
       scene.curves.set_key(moving.curve, left);
@@ -92,16 +92,6 @@ void retime(Scene& scene, const PathSegment& segment, const TimeHandles& time) {
       standalone::fix_in(right, reach * time.in, bezier.in_y, rate);
       scene.curves.set_key(moving.curve, right);
     }
-  }
-}
-
-// Keys at both ends of a segment, for the channels that lack one.
-void insert_ends(Scene& scene, const PathSegment& segment) {
-  for (const PathSegment::Moving& moving : segment.channels) {
-    const standalone::AnimCurve& curve = scene.curves.at(moving.curve);
-    if (!moving.with_ends.empty())
-      scene.curves.assign(moving.curve, moving.with_ends, curve.weighted(), curve.pre_infinity(),
-                          curve.post_infinity());
   }
 }
 
@@ -121,7 +111,6 @@ void slide(Scene& scene, NodeId object, double frame, double to, const KeysAlone
   };
   const TimeHandles& old = segment.time;
   const TimeHandles time = standalone::slid(old, standalone::parameter_after(old, part(to)), part(frame));
-  insert_ends(scene, segment);
   std::optional<PathSegment> before, after;
   if (time.out != old.out && !alone.before) before = beyond(scene, object, segment, false);
   if (time.in != old.in && !alone.after) after = beyond(scene, object, segment, true);

@@ -20,8 +20,8 @@ struct KeysAlone {
 // Puts the object at this frame where its path is at another one, of the same segment between two keys, or as near to
 // it as its tangents reach. The path, which is the Bezier of the translation's values, stays what it is: only the
 // handles' reach in time changes, as little as will do. Curves get weights where they had none, and the tangents that
-// change are fixed. A channel that lacks a key at an end of the segment gets one that keeps its curve, as an inserted
-// key does.
+// change are fixed. A channel that lacks a key at an end of a segment that changes gets one that keeps its curve,
+// as an inserted key does.
 //
 // A key that was passed without a jump of speed still is: the handle on its other side changes its reach at the same
 // rate, up to its whole segment, so that the spacing near the key follows on that path, too. It stays as it is where

@@ -201,6 +201,19 @@ TEST(Beads, KeepTheSpeedWithoutAJumpAtAKeyThatIsPassed) {
   EXPECT_NE(arc.at(9.0).x, before.at(9.0).x);
 }
 
+TEST(Beads, KeepTheSpeedAlsoWhereChannelsLackKeysAroundTheKeyThatIsPassed) {
+  Arc before, arc;
+  for (Arc* each : {&before, &arc})
+    for (const double frame : {19.0, 23.0}) each->set(Channel::translateY, frame, frame);
+  slide(arc.scene, arc.ball, 15.0, 16.0);
+  EXPECT_NE(arc.curve(Channel::translateX).key_at(19.0), nullptr);
+  const auto speed_at = [&](double frame, double by) { return (arc.at(frame + by).x - arc.at(frame).x) / by; };
+  EXPECT_NEAR(speed_at(19.0, 1e-6), speed_at(19.0, -1e-6), 1e-4);
+  for (const Channel c : kPosition)
+    for (const double frame : {19.0, 23.0}) insert_keys(before.scene, {before.id(c)}, frame);
+  for (std::size_t key = 0; key < 5; ++key) expect_same_path(before, arc, key, 40.0);
+}
+
 TEST(Beads, LeaveTheOtherSideOfABrokenTangentAlone) {
   const auto in_of = [](const Arc& arc) { return arc.curve(Channel::translateY).keys()[1].in; };
   Arc broken, said, stopping;

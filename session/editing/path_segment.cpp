@@ -130,13 +130,11 @@ class Search {
   // With keys at both ends.
   void add(const OwnChannel& own) {
     AnimCurve curve = scene_.curves.at(own.curve);
-    const std::size_t count = curve.keys().size();
     for (const double end : {found_.first, found_.last})
       curve.assign(standalone::with_key_inserted(curve, end), curve.weighted(), curve.pre_infinity(),
                    curve.post_infinity());
     const std::size_t key = first_after(curve.keys(), found_.first) - 1;
-    found_.channels.push_back({own.channel, own.curve, key, standalone::bezier_after(curve, key), {}});
-    if (curve.keys().size() > count) found_.channels.back().with_ends = curve.keys();
+    found_.channels.push_back({own.channel, own.curve, standalone::bezier_after(curve, key)});
     rises_.push_back(curve.keys()[key + 1].value - curve.keys()[key].value);
   }
 

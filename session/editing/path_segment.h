@@ -1,7 +1,6 @@
 // The path of an object between two neighbouring keys, whatever time does along it.
 #pragma once
 
-#include <cstddef>
 #include <variant>
 #include <vector>
 
@@ -18,9 +17,7 @@ struct PathSegment {
   struct Moving {
     standalone::Channel channel;
     standalone::NodeId curve;
-    std::size_t key;  // the first of the two
     standalone::SegmentBezier bezier;
-    std::vector<standalone::Key> with_ends;  // the curve's keys with those that it lacks; empty where it has them
   };
 
   double first, last;  // frames
