@@ -168,6 +168,13 @@ VLX_API int vlx_placing(VlxScene* scene, const char* object, double frame, const
 /* Sets the keys of the object's translation at a frame so that it is at a place in the world then: 3 doubles. See
  * session/editing/placing.h for what it does to channels without a key there. */
 VLX_API int vlx_place_key(VlxScene* scene, const char* object, double frame, const double* place);
+/* JSON: whether the object can slide on its path at a frame, and between which keys; see api/texts.h. */
+VLX_API int vlx_sliding(VlxScene* scene, const char* object, double frame, const char** json);
+/* Puts the object at a frame where its path is at another one; the path stays, and the spacing changes. See
+ * session/editing/beads.h for what it does to tangents. With `alone_before` (`alone_after`) the other side of the key
+ * before (after) the frame stays as it is. */
+VLX_API int vlx_slide_bead(VlxScene* scene, const char* object, double frame, double to, int alone_before,
+                           int alone_after);
 /* Keys at a frame go to another one, as one step; none of them, where one would land on a neighbour or pass it. */
 VLX_API int vlx_move_keys(VlxScene* scene, const char* object, const char* attribute, double frame, double to);
 /* Keys that leave the curves as they are. */

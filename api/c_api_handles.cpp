@@ -8,6 +8,7 @@
 #include "api/c_api.h"
 #include "api/calls.h"
 #include "api/texts.h"
+#include "session/editing/beads.h"
 #include "session/editing/key_edits.h"
 #include "session/editing/placing.h"
 #include "session/editing/provisional.h"
@@ -60,6 +61,19 @@ int vlx_place_key(VlxScene* scene, const char* object, double frame, const doubl
     const sa::NodeId node = scene->object(object);
     scene->change("place key", [&](sa::Scene& edited) {
       session::place(edited, node, frame, {place[0], place[1], place[2]});
+    });
+  });
+}
+
+int vlx_sliding(VlxScene* scene, const char* object, double frame, const char** json) {
+  return guarded([&] { hand_out(api::sliding_of(*scene, scene->object(object), frame), json); });
+}
+
+int vlx_slide_bead(VlxScene* scene, const char* object, double frame, double to, int alone_before, int alone_after) {
+  return guarded([&] {
+    const sa::NodeId node = scene->object(object);
+    scene->change("change spacing", [&](sa::Scene& edited) {
+      session::slide(edited, node, frame, to, {alone_before != 0, alone_after != 0});
     });
   });
 }

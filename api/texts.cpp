@@ -6,6 +6,7 @@
 
 #include "base/json_writer.h"
 #include "base/text_sink.h"
+#include "session/editing/beads.h"
 #include "session/editing/placing.h"
 #include "session/tables/report_json.h"
 #include "standalone/formats/camera.h"
@@ -81,6 +82,27 @@ std::vector<std::string> warnings_of(const Scene& scene) {
   return texts;
 }
 
+// What stands in the way of some work, if anything.
+template <class Work>
+std::optional<session::CannotPlace> obstacle_to(const Work& work) {
+  try {
+    work();
+  } catch (const session::CannotPlace& why_not) {
+    return why_not;
+  }
+  return std::nullopt;
+}
+
+void write_obstacle(JsonWriter& json, const std::optional<session::CannotPlace>& why_not) {
+  std::optional<std::string> word, text;
+  if (why_not) {
+    word = session::word_of(why_not->obstacle);
+    text = why_not->what();
+  }
+  json.field("obstacle", word);
+  json.field("text", text);
+}
+
 }  // namespace
 
 std::string description_of(const OpenScene& open) {
@@ -138,16 +160,21 @@ std::string curves_of(const OpenScene& open, NodeId object) {
 }
 
 std::string placing_of(const OpenScene& open, NodeId object, double frame) {
-  std::optional<std::string> word, text;
-  try {
-    session::require_placeable(open.scene(), object, frame);
-  } catch (const session::CannotPlace& failure) {
-    word = session::word_of(failure.obstacle);
-    text = failure.what();
-  }
+  const auto why_not = obstacle_to([&] { session::require_placeable(open.scene(), object, frame); });
+  return object_text([&](JsonWriter& json) { write_obstacle(json, why_not); });
+}
+
+std::string sliding_of(const OpenScene& open, NodeId object, double frame) {
+  std::optional<double> first, last;
+  const auto why_not = obstacle_to([&] {
+    const standalone::FrameRange keys = session::require_slidable(open.scene(), object, frame);
+    first = keys.first;
+    last = keys.last;
+  });
   return object_text([&](JsonWriter& json) {
-    json.field("obstacle", word);
-    json.field("text", text);
+    write_obstacle(json, why_not);
+    json.field("first", first);
+    json.field("last", last);
   });
 }
 

@@ -28,6 +28,10 @@ std::string curves_of(const OpenScene& scene, standalone::NodeId object);
 // the words of session::Obstacle and as a sentence; both null where nothing does.
 std::string placing_of(const OpenScene& scene, standalone::NodeId object, double frame);
 
+// {"obstacle", "text", "first", "last"}: what keeps the object from sliding on its path at this frame, told as above,
+// and the frames of the keys between which it can; the first two or the last two are null.
+std::string sliding_of(const OpenScene& scene, standalone::NodeId object, double frame);
+
 // {"undo": [name], "redo": name or null, "redo_count"}; the step that is undone first stands last.
 std::string history_of(OpenScene& scene);
 

@@ -12,7 +12,7 @@
 #include "base/matrix.h"
 #include "base/number_text.h"
 #include "host/error.h"
-#include "standalone/scene/attributes/channel_names.h"
+#include "session/editing/own_translation.h"
 #include "standalone/scene/curves/key_insertion.h"
 #include "standalone/scene/graph/change_log.h"
 
@@ -51,12 +51,7 @@ std::optional<Rows> inverse(const Affine& matrix) {
   return result;
 }
 
-// One channel of the object's translation.
-struct Axis {
-  Channel channel;
-  NodeId curve = standalone::kNoNode;   // its own, kNoNode where there is none
-  NodeId driver = standalone::kNoNode;  // what else drives it
-  bool track = false;
+struct Axis : OwnChannel {
   bool keyed = false;  // at the frame
 };
 
@@ -64,7 +59,10 @@ class Placement {
  public:
   Placement(const Scene& scene, NodeId object, double frame)
       : scene_(scene), object_(object), frame_(frame), name_(scene.names.unique_name(object)) {
-    for (std::size_t k = 0; k < 3; ++k) axes_[k] = axis(standalone::component(Channel::translateX, k));
+    const std::array<OwnChannel, 3> channels = translation_of(scene, object);
+    for (std::size_t k = 0; k < 3; ++k)
+      axes_[k] = {channels[k], channels[k].curve != standalone::kNoNode &&
+                                   scene.curves.at(channels[k].curve).key_at(frame) != nullptr};
   }
 
   void require_possible() const {
@@ -91,44 +89,19 @@ class Placement {
   [[noreturn]] void fail_flat() const {
     fail(Obstacle::flat_parent, "what is above " + name_ + " is scaled flat at this time");
   }
-  std::string channel_text(const Axis& axis) const { return name_ + "." + standalone::name_of(axis.channel); }
-
-  Axis axis(Channel channel) const {
-    Axis result{channel};
-    for (const standalone::Connection& input : scene_.connections.into(object_)) {
-      if (input.attribute != "translate" && input.attribute != standalone::name_of(channel)) continue;
-      if (!scene_.curves.is_curve(input.source)) {
-        result.driver = input.source;
-        result.track = scene_.curves.track(input.source) != nullptr;
-      } else {
-        result.curve = input.source;
-        result.keyed = scene_.curves.at(input.source).key_at(frame_) != nullptr;
-      }
-    }
-    return result;
-  }
-
   void require_keys() const {
     if (std::any_of(axes_.begin(), axes_.end(), [](const Axis& axis) { return axis.keyed; })) return;
-    const auto driven =
+    const auto other =
         std::find_if(axes_.begin(), axes_.end(), [](const Axis& axis) { return axis.driver != standalone::kNoNode; });
-    if (driven != axes_.end()) fail_driven(*driven);
+    if (other != axes_.end()) throw driven(scene_, object_, *other);
     const std::string at = " at frame " + number_text(frame_);
     const auto times = scene_.curves.key_times(object_);
-    const bool other = std::find(times.begin(), times.end(), frame_) != times.end();
+    const bool keyed = std::find(times.begin(), times.end(), frame_) != times.end();
     const bool moves =
         std::any_of(axes_.begin(), axes_.end(), [](const Axis& axis) { return axis.curve != standalone::kNoNode; });
-    if (other && !moves)
+    if (keyed && !moves)
       fail(Obstacle::rotations_only, "only rotations and other channels of " + name_ + " have keys" + at);
     fail(Obstacle::no_key, "the translation of " + name_ + " has no key" + at);
-  }
-
-  [[noreturn]] void fail_driven(const Axis& axis) const {
-    if (axis.track)
-      fail(Obstacle::recorded,
-           "the translation of " + name_ + " is recorded as a whole, without keys for each channel");
-    fail(Obstacle::not_a_curve, channel_text(axis) + " is driven by the " + scene_.nodes.type(axis.driver) + " " +
-                                    scene_.names.unique_name(axis.driver) + ", not by keys of its own");
   }
 
   Affine above() const { return scene_.evaluation.matrix_above(object_, frame_); }
@@ -159,9 +132,9 @@ class Placement {
   }
 
   void set(Scene& scene, Axis& axis, double value) {
-    if (axis.driver != standalone::kNoNode) fail_driven(axis);
+    if (axis.driver != standalone::kNoNode) throw driven(scene_, object_, axis);
     if (axis.keyed && value == scene_.evaluation.channel_at(object_, axis.channel, frame_)) return;
-    if (scene_.attributes.is_locked(object_, axis.channel)) fail(Obstacle::locked, channel_text(axis) + " is locked");
+    if (scene_.attributes.is_locked(object_, axis.channel)) throw locked(scene_, object_, axis.channel);
     if (axis.curve == standalone::kNoNode) {
       start_curve(scene, axis);
     } else if (!axis.keyed) {
@@ -177,7 +150,7 @@ class Placement {
       scene.curves.assign(axis.curve, standalone::with_key_inserted(curve, frame_), curve.weighted(),
                           curve.pre_infinity(), curve.post_infinity());
     } catch (const host::Error& error) {
-      fail(Obstacle::repeats, channel_text(axis) + ": " + error.what());
+      fail(Obstacle::repeats, text_of(scene_, object_, axis.channel) + ": " + error.what());
     }
   }
 
@@ -205,30 +178,6 @@ class Placement {
 };
 
 }  // namespace
-
-const char* word_of(Obstacle obstacle) {
-  switch (obstacle) {
-    case Obstacle::no_key:
-      return "no_key";
-    case Obstacle::rotations_only:
-      return "rotations_only";
-    case Obstacle::locked:
-      return "locked";
-    case Obstacle::not_a_curve:
-      return "not_a_curve";
-    case Obstacle::recorded:
-      return "recorded";
-    case Obstacle::flat_parent:
-      return "flat_parent";
-    case Obstacle::not_finite:
-      return "not_finite";
-    case Obstacle::repeats:
-      return "repeats";
-    case Obstacle::depends:
-      return "depends";
-  }
-  return "";
-}
 
 void require_placeable(const Scene& scene, NodeId object, double frame) {
   Placement(scene, object, frame).require_possible();

@@ -1,36 +1,11 @@
 // A place in the world back to an object's own channels.
 #pragma once
 
-#include <string>
-
 #include "base/vector.h"
-#include "session/failure.h"
+#include "session/editing/obstacle.h"
 #include "standalone/scene/scene.h"
 
 namespace vantorelix::session {
-
-// Why keys of an object's own translation cannot put it where one wants it.
-enum class Obstacle {
-  no_key,          // no channel of its translation has a key at that time
-  rotations_only,  // only its rotation has
-  locked,          // a channel that would have to change is locked
-  not_a_curve,     // something else than a curve of its own drives a channel that would have to change
-  recorded,        // its translation is a track: three values at once, which have no keys to edit
-  flat_parent,     // what is above it scales an axis to nothing, so that its own channels do not reach every place
-  not_finite,      // it is nowhere, or the wanted place is
-  repeats,         // a key that it would need would lie beyond the ends of a curve that repeats there
-  depends,         // its other channels, or its parents', hang on its translation
-};
-
-// A word for each, as "no_key".
-const char* word_of(Obstacle obstacle);
-
-struct CannotPlace : Failure {
-  // The text is one sentence without its end.
-  CannotPlace(Obstacle what, const std::string& text) : Failure(Kind::cannot_place, text), obstacle(what) {}
-
-  Obstacle obstacle;
-};
 
 // Throws CannotPlace where no place that is wanted for the transform at this frame can be had.
 void require_placeable(const standalone::Scene& scene, standalone::NodeId object, double frame);

@@ -140,6 +140,12 @@ class Exam {
     results_.did(label, vlx_place_key(scene_, words.at(1).c_str(), given.at(0), &given.at(1)));
   }
 
+  void slide(const std::string& label, const Words& words) {
+    const std::vector<double> given = numbers(words, 2);
+    results_.did(label, vlx_slide_bead(scene_, words.at(1).c_str(), given.at(0), given.at(1), given.at(2) != 0.0,
+                                       given.at(3) != 0.0));
+  }
+
   // Edits of keys at a frame, of all channels where none is named.
   void edit_keys(const std::string& label, const Words& words) {
     const char* const object = words.at(1).c_str();
@@ -161,10 +167,11 @@ class Exam {
       results_.add(label, array);
   }
 
-  void write_placing(const std::string& label, const Words& words) {
+  // Whether an object can be put elsewhere, or slide, at a frame.
+  void write_possible(const std::string& label, const Words& words,
+                      int (*call)(VlxScene*, const char*, double, const char**)) {
     const char* json = nullptr;
-    if (results_.did(label, vlx_placing(scene_, words.at(1).c_str(), number(words.at(2)), &json)))
-      results_.add(label, json);
+    if (results_.did(label, call(scene_, words.at(1).c_str(), number(words.at(2)), &json))) results_.add(label, json);
   }
 
   void write_provisional(const std::string& label, const Words& words) {
@@ -231,13 +238,15 @@ class Exam {
       {"put", [this](const std::string& label, const Words& words) { edit(label, words); }},
       {"remove", [this](const std::string& label, const Words& words) { edit(label, words); }},
       {"place", [this](const std::string& label, const Words& words) { place(label, words); }},
+      {"slide", [this](const std::string& label, const Words& words) { slide(label, words); }},
       {"moveKeys", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
       {"insertKeys", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
       {"removeKeys", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
       {"setTangent", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
       {"setWeighted", [this](const std::string& label, const Words& words) { edit_keys(label, words); }},
       {"tangents", [this](const std::string& label, const Words& words) { write_tangents(label, words); }},
-      {"placing", [this](const std::string& label, const Words& words) { write_placing(label, words); }},
+      {"placing", [this](const std::string& label, const Words& words) { write_possible(label, words, vlx_placing); }},
+      {"sliding", [this](const std::string& label, const Words& words) { write_possible(label, words, vlx_sliding); }},
       {"provisional", [this](const std::string& label, const Words& words) { write_provisional(label, words); }},
       {"written", [this](const std::string& label, const Words& words) { write_file(label, words); }},
       {"undo", [this](const std::string& label, const Words&) { results_.did(label, vlx_undo(scene_)); }},

@@ -105,12 +105,19 @@ export interface KeyTangents {
 
 /** What keeps an object's own keys from putting it elsewhere. */
 export type Obstacle =
-  | "no_key" | "rotations_only" | "locked" | "not_a_curve" | "recorded" | "flat_parent" | "not_finite" | "repeats" | "depends";
+  | "no_key" | "rotations_only" | "locked" | "not_a_curve" | "recorded" | "flat_parent" | "not_finite" | "repeats" | "depends"
+  | "at_key" | "still" | "beyond_keys" | "steps" | "weights_differ";
 
 /** Whether they can; both null where nothing is in the way. The text is a sentence for people. */
 export interface Placing {
   obstacle: Obstacle | null;
   text: string | null;
+}
+
+/** Whether an object can slide on its path, and between which keys: either an obstacle, or frames. */
+export interface Sliding extends Placing {
+  first: number | null;
+  last: number | null;
 }
 
 /** What animation can be written as; each is the ending of such a file's name. */
@@ -256,6 +263,22 @@ export class Scene {
     const { memory } = this.engine;
     memory.scope(() =>
       this.engine.call("vlx_place_key", this.handle(), memory.text(object), frame, memory.numbers(place)));
+  }
+
+  /** Whether the object can slide on its path at a frame. */
+  sliding(object: string, frame: number): Sliding {
+    const { memory } = this.engine;
+    return memory.scope(() => this.json("vlx_sliding", memory.text(object), frame));
+  }
+
+  /**
+   * Puts the object at a frame where its path is at another one, or as near as its tangents reach; throws "refused" where it
+   * cannot slide. With `alone`, of the keys before and after the frame the other side stays as it is.
+   */
+  slideBead(object: string, frame: number, to: number, alone: { before: boolean; after: boolean } = { before: false, after: false }) {
+    const { memory } = this.engine;
+    memory.scope(() => this.engine.call("vlx_slide_bead", this.handle(), memory.text(object), frame, to,
+      alone.before ? 1 : 0, alone.after ? 1 : 0));
   }
 
   /** Moves the keys at a frame in time: of one channel, or of all; none where one would reach a neighbour. */

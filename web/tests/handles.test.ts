@@ -53,6 +53,22 @@ describe("a key on its path", () => {
   }));
 });
 
+describe("a bead on its path", () => {
+  test("goes to where the path is at another frame, as one step", () => opened((scene) => {
+    scene.keepHistory();
+    expect(scene.sliding(HIPS, 33.5)).toEqual({ obstacle: null, text: null, first: 33, last: 34 });
+    const wanted = place(scene, HIPS, 33.625);
+    scene.slideBead(HIPS, 33.5, 33.625);
+    place(scene, HIPS, 33.5).forEach((number, k) => expect(number).toBeCloseTo(wanted[k], 9));
+    expect(scene.history().undo).toEqual(["change spacing"]);
+  }));
+
+  test("that is at a key says so", () => opened((scene) => {
+    expect(scene.sliding(HIPS, 33)).toMatchObject({ obstacle: "at_key", text: expect.stringContaining("frame 33"), first: null, last: null });
+    expect(() => scene.slideBead(HIPS, 33, 33.5)).toThrow(expect.objectContaining({ kind: "refused" }));
+  }));
+});
+
 describe("keys in time", () => {
   test("move together, and not past their neighbours", () => opened((scene) => {
     scene.moveKeys(HIPS, undefined, 12, 12.5);

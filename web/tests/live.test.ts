@@ -57,6 +57,27 @@ describe("the host of a live page", () => {
     expect([...back[0].points]).toEqual([...numbers[0].points]);
   });
 
+  test("slides a bead on the path as it was at first, wherever it was pulled before", () => {
+    const pulled = (way: number[], broken: number[] = []) => {
+      const { host, settle } = hosted();
+      const { numbers: [before] } = host.open(wanted("bounce.ma", ["ball"]));
+      settle();
+      host.beginDrag({ what: "bead", object: "|ball", frame: 17, broken });
+      for (const frame of way) host.drag([frame]);
+      expect(host.endDrag(true).undo).toEqual(way.at(-1) === 17 ? [] : ["change spacing"]);
+      const made = trailsOf(settle()).flatMap((event) => event.numbers);
+      return { before: [...before.points], after: [...(made.at(-1) ?? before).points] };
+    };
+    const direct = pulled([18]), around = pulled([15, 20.5, 14, 18]);
+    expect(around.after).toEqual(direct.after);
+    expect(direct.after).not.toEqual(direct.before);
+    expect(pulled([15, 20, 17]).after).toEqual(direct.before);
+    const alone = pulled([18], [22]).after, beyond = direct.before.length / 79 * 23; // at frame 24 of 1 to 79
+    const off = (points: number[]) => Math.abs(points[beyond] - direct.before[beyond]);
+    expect(off(direct.after)).toBeGreaterThan(1e-3);
+    expect(off(alone)).toBeLessThan(1e-9);
+  });
+
   test("puts a key back that is not to be kept, and takes nothing else back with it", () => {
     const { host } = hosted();
     host.open(wanted("bounce.ma", ["ball"]));

@@ -16,7 +16,7 @@ function resultsFrom(results: Results, first: number, rows: number): Results {
     .map(([row, name, bytes]) => [`${row - first} ${name.slice(name.indexOf(" ") + 1)}`, bytes]));
 }
 
-const isEdit = ([what]: Command) => ["undo", "redo", "set", "place", "put"].includes(what) || /Keys|^set/.test(what);
+const isEdit = ([what]: Command) => ["undo", "redo", "set", "place", "put", "slide"].includes(what) || /Keys|^set/.test(what);
 const refused = (results: Results, commands: Command[]) =>
   commands.filter((command, row) => isEdit(command) && results.has(`${row} ${command[0]} fails`)).length;
 

@@ -20,12 +20,7 @@ Reach keep_time_forward(Reach wanted) {
   return reach;
 }
 
-namespace {
-
-// A control point's height when its handle changes its reach but not its slope.
-double rescaled(double y, double from, double to) { return from == to || from == 0.0 ? y : y * (to / from); }
-
-}  // namespace
+double rescaled(double rise, double from, double to) { return from == to || from == 0.0 ? rise : rise * (to / from); }
 
 WeightedSegment::WeightedSegment(double length, double rise, TangentVector out, TangentVector in) : length_(length) {
   const Reach wanted = {out.x / 3.0 / length, in.x / 3.0 / length};

@@ -21,6 +21,9 @@ struct Reach {
 // becomes 0; `out` has its way up to 4/3, and `in` moves to the nearest reach that goes with it.
 Reach keep_time_forward(Reach wanted);
 
+// How far a handle rises when it changes its reach, `from` one `to` another, and not its slope.
+double rescaled(double rise, double from, double to);
+
 class WeightedSegment {
  public:
   // Of no use until assigned to.
@@ -38,6 +41,9 @@ class WeightedSegment {
 
   // How far the value is above the first key's, `elapsed` frames after it (0 to length).
   double at(double elapsed) const;
+
+  // The Bezier's parameter then.
+  double parameter_after(double elapsed) const { return solve(elapsed / length_); }
 
   // The two segments that the same curve is of, with a key in between.
   struct Parts {

@@ -25,6 +25,7 @@ const EDITING: readonly Row[] = [
   ["Drag a key on its trail", "Move it in the plane of the picture; Escape puts it back"],
   ["There with X, Y or Z held", "Move it along that axis"],
   ["Ctrl, drag a key on its trail", "Move it in time, along its path, up to its neighbours"],
+  ["Drag a dot of a selected trail", "Change the spacing: the object is there at that frame; the path stays"],
   ["Drag a key on the timeline", "Move what the selected objects have there in time"],
   ["Click a key", "Select it: go to its frame; the handles of its tangents are shown then"],
   ["Drag the end of such a handle", "Turn and stretch the tangent; the other side turns along, unless it is broken"],

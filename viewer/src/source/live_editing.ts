@@ -116,6 +116,10 @@ export class LiveEditing implements Editing {
 
   private readonly keyName = (trail: number, frame: number) => JSON.stringify([this.sourceOf(trail), frame]);
 
+  private brokenFrames(object: string): number[] {
+    return [...this.broken].map((name) => JSON.parse(name) as [string, number]).flatMap(([source, frame]) => (source === object ? [frame] : []));
+  }
+
   private isBroken(trail: number, frame: number): boolean {
     return this.broken.has(this.keyName(trail, frame));
   }
@@ -125,6 +129,7 @@ export class LiveEditing implements Editing {
     if (what === "time") return { what, objects: grip.trails.map(this.sourceOf), frame };
     const object = this.sourceOf(grip.trail);
     if (what === "place") return { what, object, frame };
+    if (what === "bead") return { what, object, frame, broken: this.brokenFrames(object) };
     if (what === "key") return { what, object, channel: grip.channel, frame };
     const unified = !this.isBroken(grip.trail, frame);
     return what === "tangent"

@@ -93,6 +93,8 @@ export type Grip =
   /** A key on its path, or a handle of its tangents: x y z in the world. */
   | { readonly what: "place"; readonly trail: number; readonly frame: number }
   | { readonly what: "path tangent"; readonly trail: number; readonly frame: number; readonly side: Side }
+  /** The object between two keys, a bead on its path: the frame at which the path is where the bead is wanted. */
+  | { readonly what: "bead"; readonly trail: number; readonly frame: number }
   /** Keys in time, of all channels: a frame. */
   | { readonly what: "time"; readonly trails: readonly number[]; readonly frame: number }
   /** The key of a channel: its frame and its value. */

@@ -1,23 +1,26 @@
-// Handles in the viewport: keys that are drawn, and the tangents of those that are selected. A handle is dragged in the plane
-// of the picture, or, with X, Y or Z held, along that axis of the scene; a key with Ctrl in time, along its path.
+// Handles in the viewport: keys that are drawn, the tangents of those that are selected, and the dots of selected trails between
+// keys, which are beads. A handle is dragged in the plane of the picture, or, with X, Y or Z held, along that axis of the scene;
+// a key with Ctrl in time, along its path; a bead along its path.
 
 import type { App } from "../model/app";
 import { goTo } from "../model/commands";
 import { listenToGrips, type Gripped } from "../model/editing/gripping";
 import { isInWorld, type Hover } from "../model/state";
-import type { Vec3 } from "../source/trail";
+import type { Grip, Vec3 } from "../source/trail";
 import { alongAxis, alongPath, inPlane, type Sight } from "./dragging";
-import type { TrailLayers } from "./layers";
+import { styleOf, type TrailLayers } from "./layers";
 import { keyPlace, sceneOf } from "./places";
 import { click } from "./pointer";
 import type { DrawnTrail } from "./primitives/batch";
 import type { Projection, Spot } from "./primitives/projection";
 import type { TangentHandles } from "./tangent_handles";
 
-/** Pixels within which a handle is hit. */
+/** Pixels within which a handle is hit, and a bead: they lie close. */
 const HIT = 9;
+const HIT_BEAD = 6;
 
-interface Key {
+/** A place of a trail at a frame. */
+export interface Key {
   readonly trail: number;
   readonly frame: number;
 }
@@ -39,6 +42,10 @@ export function keyAt(trails: readonly DrawnTrail[], selected: ReadonlySet<numbe
 export interface HandleView {
   readonly layers: TrailLayers;
   readonly tangents: TangentHandles;
+  /** Frames from one drawn dot to the next; 0 where none are drawn. */
+  dotEvery(): number;
+  /** Marks a bead as the one that is pointed at. */
+  point(bead: Key | null): void;
   origin(): Vec3;
   sight(): Sight;
   /** The trail under the pointer. */
@@ -54,27 +61,66 @@ function inSpace(app: App, view: HandleView, grip: Gripped["grip"], place: Vec3,
   };
 }
 
-/** A key that goes along its path as it is now, up to the keys beside it. */
-function onPath(view: HandleView, { trail: index, frame }: Key, place: Vec3, from: Spot): Gripped | null {
-  const trail = view.layers.trails.find((each) => each.index === index);
+const drawn = (view: HandleView, index: number) => view.layers.trails.find((each) => each.index === index);
+
+/** Something that goes along its path as that was at first, up to the keys beside it. */
+function onPath(view: HandleView, { trail: index, frame }: Key, keyTimes: Float64Array, grip: Grip, place: Vec3, from: Spot): Gripped | null {
+  const trail = drawn(view, index);
   const spot = view.sight().projection.spot(...place);
   if (!trail || !spot) return null;
-  const room = [Math.max(-Infinity, ...trail.keyTimes.filter((time) => time < frame)),
-    Math.min(Infinity, ...trail.keyTimes.filter((time) => time > frame))] as const;
-  const path = { ...trail, places: trail.places.slice() };
+  const room = [Math.max(-Infinity, ...keyTimes.filter((time) => time < frame)),
+    Math.min(Infinity, ...keyTimes.filter((time) => time > frame))] as const;
+  let path: DrawnTrail | null = null;
   return {
-    grip: { what: "time", trails: [index], frame },
-    wanted: (to) => [alongPath(view.sight(), path, room, { x: spot.x + to.x - from.x, y: spot.y + to.y - from.y })],
+    grip,
+    wanted(to) {
+      path ??= { ...trail, places: trail.places.slice() };
+      return [alongPath(view.sight(), path, room, { x: spot.x + to.x - from.x, y: spot.y + to.y - from.y })];
+    },
   };
 }
 
+/** The dot of a trail that is nearest to the pointer, beside a sample of it. */
+function dotAt(view: HandleView, { places, first, startFrame, frameStep }: DrawnTrail, sample: number, at: Spot) {
+  const every = view.dotEvery();
+  const before = every * Math.floor((startFrame + (sample - first) * frameStep) / every);
+  let [best, least]: [{ frame: number; place: Vec3 } | null, number] = [null, HIT_BEAD];
+  for (const frame of [before, before + every]) {
+    const dot = (frame - startFrame) / frameStep;
+    const place = [...places.subarray(3 * Math.round(dot), 3 * Math.round(dot) + 3)] as unknown as Vec3;
+    const there = dot > -0.5 && Math.abs(dot - Math.round(dot)) < 1e-3 && Number.isFinite(place[0]);
+    const spot = there ? view.sight().projection.spot(...place) : null;
+    const away = spot ? Math.hypot(spot.x - at.x, spot.y - at.y) : Infinity;
+    if (away <= least) [best, least] = [{ frame, place }, away];
+  }
+  return best;
+}
+
+/** The dot of a selected trail under the pointer, between two keys. */
+function beadAt(app: App, view: HandleView, at: Spot): Gripped | null {
+  const hover = view.dotEvery() > 0 ? view.under(at) : null;
+  const trail = hover && app.store.state.selected.has(hover.trail) ? drawn(view, hover.trail) : null;
+  const dot = trail && styleOf(app, trail.index).showDots && dotAt(view, trail, hover!.sample, at);
+  if (!dot) return null;
+  const { keyTimes } = app.motion.trails[trail.index];
+  if (!(keyTimes.some((time) => time < dot.frame) && keyTimes.some((time) => time > dot.frame)) || keyTimes.includes(dot.frame)) return null;
+  const bead = { trail: trail.index, frame: dot.frame };
+  return onPath(view, bead, keyTimes, { what: "bead", ...bead }, dot.place, at);
+}
+
 function handleAt(app: App, view: HandleView, at: Spot, event: PointerEvent): Gripped | null {
-  const { showKeys, selected } = app.store.state;
-  if (!showKeys || !isInWorld(app.store.state)) return null;
+  if (!isInWorld(app.store.state)) return null;
+  return (app.store.state.showKeys ? keyHandleAt(app, view, at, event) : null) ?? beadAt(app, view, at);
+}
+
+/** A key, or the end of a tangent. */
+function keyHandleAt(app: App, view: HandleView, at: Spot, event: PointerEvent): Gripped | null {
   const { projection } = view.sight();
+  const { selected } = app.store.state;
   const key = keyAt(view.layers.seen, selected, projection, at);
   const place = key && keyPlace({ app, origin: view.origin() }, key.trail, key.frame);
-  if (place && (event.ctrlKey || event.metaKey)) return onPath(view, key, place, at);
+  if (place && (event.ctrlKey || event.metaKey))
+    return onPath(view, key, app.motion.trails[key.trail].keyTimes, { what: "time", trails: [key.trail], frame: key.frame }, place, at);
   if (place) return inSpace(app, view, { what: "place", ...key }, place, at);
   const tangent = view.tangents.at(projection, at, HIT);
   return tangent && inSpace(app, view, tangent.grip, tangent.end, at);
@@ -88,8 +134,9 @@ export function listenToHandles(app: App, host: HTMLElement, view: HandleView): 
       const more = event.ctrlKey || event.metaKey;
       if (grip.what === "path tangent") return;
       click(app.store, view.under(at), more);
-      if (!more) goTo(app, grip.frame);
+      if (!more && grip.what !== "bead") goTo(app, grip.frame);
     },
+    over: (gripped) => view.point(gripped?.grip.what === "bead" ? gripped.grip : null),
     moved({ grip }) {
       const { draggedTo } = app.editing!;
       if (grip.what === "time" && draggedTo !== null) goTo(app, draggedTo);

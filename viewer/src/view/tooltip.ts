@@ -28,14 +28,19 @@ export function describe(app: App, { trail: index, sample }: Hover): string {
   ].join("\n");
 }
 
-/** The text, and a ring around the sample. They are elements, so that pointing at a sample draws nothing again. */
+/**
+ * The text, a ring around the sample, and a mark on the bead that can be dragged. They are elements, so that pointing at a
+ * sample draws nothing again.
+ */
 export class Tooltip {
   readonly element = document.createElement("div");
   readonly ring = document.createElement("div");
+  readonly bead = document.createElement("div");
 
   constructor() {
     this.ring.className = "pointed-at";
-    this.ring.hidden = true;
+    this.bead.className = "bead";
+    this.ring.hidden = this.bead.hidden = true;
     this.element.className = "tooltip";
     this.element.setAttribute("role", "tooltip");
     this.element.hidden = true;
@@ -52,6 +57,11 @@ export class Tooltip {
     const inside = (place: number, most: number) => `${Math.max(4, Math.min(place, most - 4))}px`;
     element.style.left = inside(right ? at.x + 16 : at.x - 16 - element.offsetWidth, width - element.offsetWidth);
     element.style.top = inside(below ? at.y + 16 : at.y - 16 - element.offsetHeight, height - element.offsetHeight);
+  }
+
+  showBead(at: Spot | null): void {
+    this.bead.hidden = !at;
+    if (at) Object.assign(this.bead.style, { left: `${at.x}px`, top: `${at.y}px` });
   }
 
   hide(): void {

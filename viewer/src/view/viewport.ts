@@ -12,12 +12,13 @@ import { CameraRig } from "./camera";
 import { Detail } from "./detail";
 import { FlatSurface } from "./flat_surface";
 import { acrossOf, buildStage, disposeAll, gridFor, type Grid, type Stage } from "./ground";
-import { listenToHandles } from "./handles";
+import { listenToHandles, type Key } from "./handles";
 import { holdsSamples } from "./held";
 import { TrailLayers, type Drawing } from "./layers";
 import { Overlay } from "./overlay";
 import { passing, pick } from "./picking";
 import { blobOf, framed } from "./picture";
+import { spotOf } from "./places";
 import { listenToPointer } from "./pointer";
 import { Projection, type Area, type Spot } from "./primitives/projection";
 import { Skeleton } from "./skeleton";
@@ -72,6 +73,9 @@ export class Viewport {
   private moving = true; // the first picture is a quick one
   private gesture = false;
   private gone = false;
+  /** Frames from one drawn dot to the next, 0 without dots; and the dot that the pointer would drag. */
+  private dotEvery = 0;
+  private bead: Key | null = null;
   /** Above 1 while a larger picture is drawn. */
   private scale = 1;
 
@@ -82,7 +86,7 @@ export class Viewport {
     this.layers = new TrailLayers(app, () => this.origin, () => this.colors, () => this.ratio);
     this.skeleton = new Skeleton(app, () => this.origin, () => this.colors, this.ratio);
     this.tangents = new TangentHandles(app, () => this.origin, () => this.changed());
-    host.append(canvas, this.tooltip.ring, this.tooltip.element);
+    host.append(canvas, this.tooltip.bead, this.tooltip.ring, this.tooltip.element);
     this.surface = this.makeSurface();
     host.prepend(this.surface.canvas);
     this.detail = new Detail(() => this.layers.sampleCount);
@@ -195,7 +199,11 @@ export class Viewport {
   private listenToHandles(under: (at: Spot) => Hover | null): void {
     const { app, layers, tangents } = this;
     const sight = () => ({ projection: this.projection(), camera: this.rig.camera, upAxis: app.scene.upAxis });
-    listenToHandles(app, this.host, { layers, tangents, under, sight, origin: () => this.origin });
+    const point = (bead: Key | null) => {
+      this.bead = bead;
+      this.showHover();
+    };
+    listenToHandles(app, this.host, { layers, tangents, under, sight, point, origin: () => this.origin, dotEvery: () => this.dotEvery });
   }
 
   private take(state: ViewState, changed: Change): void {
@@ -303,6 +311,7 @@ export class Viewport {
   private draw(moving: boolean): void {
     const { detail, surface } = this;
     const drawing = { ...detail.drawing(moving), dotEvery: this.layers.dotEvery(this.projection(), moving) };
+    this.dotEvery = this.layers.hasDots(drawing) ? Math.max(drawing.dotEvery, drawing.stride) : 0;
     const timed = detail.timed(moving);
     this.skeleton.update();
     const start = performance.now();
@@ -329,5 +338,11 @@ export class Viewport {
     const hovered = hoveredSpot({ app: this.app, layers: this.layers, projection: this.projection() });
     if (hovered) this.tooltip.show(describe(this.app, hovered.hover), hovered.at, this.width, this.height);
     else this.tooltip.hide();
+    this.tooltip.showBead(this.bead && this.spotAt(this.bead));
+  }
+
+  private spotAt({ trail, frame }: Key): Spot | null {
+    const { app, origin } = this;
+    return spotOf({ app, origin, projection: this.projection() }, app.motion.shownPosition(trail, frame));
   }
 }

@@ -1,12 +1,11 @@
 // Live pages: the tangents of the selected key, as handles on its path.
 
-import { writeFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { expect, test } from "vitest";
 import type { PathTangents, Vec3 } from "../../src/source/trail";
 import { useBrowser } from "../support/browser";
 import { temporaryFolder } from "../support/files";
-import { aim, CHANNELS, dragBy, keysAsEdits, PATIENT, select, spotOf, step, type Aim } from "../support/handles";
+import { aim, arcScene, CHANNELS, dragBy, keysAsEdits, PATIENT, select, spotOf, step, type Aim } from "../support/handles";
 import { describeLive, nativeBits, openLive, others, shownBits } from "../support/live";
 import { press } from "../support/read";
 
@@ -14,12 +13,7 @@ const browser = useBrowser();
 const file = temporaryFolder();
 const CHANGED = "change tangent";
 
-/** An object on an arc of three keys. */
-const scene = file("arc.ma");
-const curve = (axis: string, values: readonly number[]) => `createNode animCurveTL -n "arc_${axis}";\n` +
-  `  setAttr -s 3 ".ktv[0:2]" 1 ${values[0]} 12 ${values[1]} 24 ${values[2]};\nconnectAttr "arc_${axis}.o" "arc.t${axis}";\n`;
-writeFileSync(scene, '//Maya ASCII 2022 scene\nrequires maya "2022";\ncreateNode transform -n "arc";\n' +
-  curve("x", [0, 9, 20]) + curve("y", [0, 8, 3]) + curve("z", [0, 2, 1]));
+const scene = arcScene(file("arc.ma"));
 
 const tangentsOf = async (page: Page, { trail, frame }: Aim) =>
   (await page.evaluate(([index, at]) => window.vantorelixViewer.editing!.pathTangents([index], at), [trail, frame] as const))[0]!;

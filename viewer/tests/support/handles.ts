@@ -1,5 +1,6 @@
 // Keys of live pages under the pointer.
 
+import { writeFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { expect } from "vitest";
 import type { Vec3 } from "../../src/source/trail";
@@ -39,6 +40,15 @@ export async function aim(page: Page, between = false): Promise<Aim | null> {
     if (moved.length > 2 && at >= 0 && (!between || (at > 0 && at < moved.length - 1))) return { ...key, at: { x: box.x + key.x, y: box.y + key.y } };
   }
   return null;
+}
+
+/** Writes a scene with an object on an arc of three keys: at 1, 12 and 24. */
+export function arcScene(path: string): string {
+  const curve = (axis: string, values: readonly number[]) => `createNode animCurveTL -n "arc_${axis}";\n` +
+    `  setAttr -s 3 ".ktv[0:2]" 1 ${values[0]} 12 ${values[1]} 24 ${values[2]};\nconnectAttr "arc_${axis}.o" "arc.t${axis}";\n`;
+  writeFileSync(path, '//Maya ASCII 2022 scene\nrequires maya "2022";\ncreateNode transform -n "arc";\n' +
+    curve("x", [0, 9, 20]) + curve("y", [0, 8, 3]) + curve("z", [0, 2, 1]));
+  return path;
 }
 
 export async function dragBy(page: Page, { x, y }: Point, dx: number, dy: number): Promise<void> {

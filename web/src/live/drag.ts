@@ -23,6 +23,7 @@ export class Drag {
   pull(to: Pull): Dragged {
     const { scene, held } = this;
     const [from, before] = [held.frame, this.felt()];
+    if (held.afresh) this.putBack();
     held.pull(to);
     const after = this.felt();
     const parts = held.objects.flatMap((object, k) => this.moved(object, before[k], after[k]));
@@ -38,6 +39,11 @@ export class Drag {
     const { scene } = this;
     scene.closeStep();
     if (!kept && scene.history().undo.length > this.steps) scene.undo();
+  }
+
+  private putBack() {
+    this.end(false);
+    this.scene.openStep(this.held.name);
   }
 
   private felt(): Range[] {

@@ -1,7 +1,7 @@
 // What a drag can take hold of, and what each pull of it does to the scene's keys.
 
 import { EngineError } from "../errors";
-import type { Scene } from "../scene";
+import type { Placing, Scene } from "../scene";
 import { isBroken, keysAt, pathVector, roomOf, wholeFrameIn } from "./keys";
 
 export type Side = "in" | "out";
@@ -17,7 +17,9 @@ export type Grip =
   /** A side of a key of a channel: seconds away from the key, and how far the value goes meanwhile. */
   | { what: "tangent"; object: string; channel: string; frame: number; side: Side; unified: boolean }
   /** The end of a side of a key on its path: x y z in the world. */
-  | { what: "path tangent"; object: string; frame: number; side: Side; unified: boolean };
+  | { what: "path tangent"; object: string; frame: number; side: Side; unified: boolean }
+  /** An object between two keys: the frame at which its path is where it is wanted. The keys at broken frames turn alone. */
+  | { what: "bead"; object: string; frame: number; broken: readonly number[] };
 
 export type Pull = readonly number[];
 
@@ -27,6 +29,8 @@ export interface Held {
   readonly name: string;
   readonly objects: readonly string[];
   frame: number;
+  /** Each pull is of the keys as they were when it was taken hold of, whatever those before it did. */
+  readonly afresh?: true;
   /** Throws EngineError where the keys do not go there. */
   pull(to: Pull): void;
 }
@@ -40,10 +44,15 @@ export function hold(scene: Scene, grip: Grip): Held {
   if (grip.what === "place") return new HeldPlace(scene, grip.object, grip.frame);
   if (grip.what === "time") return new HeldTime(scene, grip.objects, grip.frame);
   if (grip.what === "key") return new HeldKey(scene, grip.object, grip.channel, grip.frame);
+  if (grip.what === "bead") return heldBead(scene, grip.object, grip.frame, grip.broken);
   const { object, frame, side, unified } = grip;
   const pull = grip.what === "tangent"
     ? channelPull(scene, object, grip.channel, frame, side, unified) : pathPull(scene, object, frame, side, unified);
   return { name: "change tangent", objects: [object], frame, pull };
+}
+
+function requireNone({ obstacle, text }: Placing): void {
+  if (obstacle !== null) throw new EngineError(text!, "refused", 0);
 }
 
 class HeldPlace implements Held {
@@ -51,8 +60,7 @@ class HeldPlace implements Held {
   readonly objects: readonly string[];
 
   constructor(private readonly scene: Scene, object: string, readonly frame: number) {
-    const { obstacle, text } = scene.placing(object, frame);
-    if (obstacle !== null) throw new EngineError(text!, "refused", 0);
+    requireNone(scene.placing(object, frame));
     this.objects = [object];
   }
 
@@ -95,6 +103,17 @@ class HeldKey extends HeldTime {
     super.pull(to);
     this.scene.setKey(this.object, this.attribute, this.frame, to[1]);
   }
+}
+
+/** Goes along its path as that was at first, where every place has its frame. */
+function heldBead(scene: Scene, object: string, frame: number, broken: readonly number[]): Held {
+  const sliding = scene.sliding(object, frame);
+  requireNone(sliding);
+  const alone = { before: broken.includes(sliding.first!), after: broken.includes(sliding.last!) };
+  const pull = ([to]: Pull) => {
+    if (to !== frame) scene.slideBead(object, frame, to, alone); // else it is where it was, without an edit
+  };
+  return { name: "change spacing", objects: [object], frame, afresh: true, pull };
 }
 
 /** A key whose sides have two slopes already keeps the other one. */

@@ -9,7 +9,8 @@ export type Command =
   | ["time", number, number]
   | ["keys", string, string?]
   | ["matrices" | "place", string, ...number[]]
-  | ["placing", string, number]
+  | ["placing" | "sliding", string, number]
+  | ["slide", string, number, number, number, number]
   | ["provisional", string, number, number]
   | ["tangents", string, string]
   | ["moveKeys" | "insertKeys" | "removeKeys" | "setTangent" | "setWeighted", string, string, ...number[]]
@@ -59,6 +60,8 @@ function edits(scene: Scene): Command[] {
       ["setWeighted", source, attribute, 1],
       ["setTangent", source, attribute, middle.frame, 0.2, 1.25, 1, 1],
       ["placing", source, middle.frame],
+      ["sliding", source, middle.frame + 0.25],
+      ["slide", source, middle.frame + 0.25, middle.frame + 0.3, 0, 0],
       ["place", source, middle.frame, 1.25, -3.5, 0.75],
       ["provisional", source, middle.frame - 5, middle.frame + 5],
     ];
@@ -112,6 +115,8 @@ export class Exam {
       case "tangents":
         return numbers(Float64Array.from(scene.tangents(command[1], command[2]).flatMap((t) => [t.inX, t.inY, t.outX, t.outY])));
       case "placing": return text(scene.placing(command[1], command[2]));
+      case "sliding": return text(scene.sliding(command[1], command[2]));
+      case "slide": return scene.slideBead(command[1], command[2], command[3], { before: command[4] !== 0, after: command[5] !== 0 });
       case "place": return scene.placeKey(command[1], command[2] as number, command.slice(3) as [number, number, number]);
       case "provisional": return this.stretches(label, command[1], command[2], command[3]);
       case "moveKeys": return scene.moveKeys(command[1], command[2], command[3], command[4]);

@@ -32,7 +32,8 @@ class RandomEdits {
 
   private editOfKey(source: string, attribute: string, key: Key, dice: number): Command {
     const channels = this.next() < 0.5 ? attribute : "";
-    if (dice < 0.5) return ["place", source, key.frame, this.number(20), this.number(20), this.number(20)];
+    if (dice < 0.42) return ["place", source, key.frame, this.number(20), this.number(20), this.number(20)];
+    if (dice < 0.5) return ["slide", source, key.frame + this.next() + 0.01, key.frame + 3 * this.next(), this.bit(), this.bit()];
     if (dice < 0.62) return ["moveKeys", source, channels, key.frame, key.frame + this.number(1.5)];
     if (dice < 0.72) return ["insertKeys", source, channels, this.frame()];
     if (dice < 0.8) return ["removeKeys", source, channels, key.frame];

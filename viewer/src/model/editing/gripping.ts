@@ -18,6 +18,8 @@ export interface Grips {
   gripAt(at: Spot, event: PointerEvent): Gripped | null;
   /** A press without a drag. */
   clicked(at: Spot, gripped: Gripped, event: PointerEvent): void;
+  /** What the pointer is over now, while nothing is dragged. */
+  over?(gripped: Gripped | null): void;
   /** After each move of what is dragged. */
   moved?(gripped: Gripped): void;
 }
@@ -39,6 +41,18 @@ const placeIn = (element: HTMLElement, event: PointerEvent): Spot => {
   const { left, top } = element.getBoundingClientRect();
   return { x: event.clientX - left, y: event.clientY - top };
 };
+
+/** While nothing is dragged. */
+function tellWhatIsUnder(host: HTMLElement, grips: Grips, dragging: () => boolean): void {
+  const tell = (gripped: Gripped | null) => {
+    host.classList.toggle("over-handle", gripped !== null);
+    grips.over?.(gripped);
+  };
+  host.addEventListener("pointerleave", () => dragging() || tell(null));
+  host.addEventListener("pointermove", (event) => {
+    if (!dragging()) tell(event.buttons === 0 ? grips.gripAt(placeIn(host, event), event) : null);
+  }, true);
+}
 
 /** Listens before whatever else a press in the host would move. */
 export function listenToGrips(app: App, host: HTMLElement, grips: Grips): void {
@@ -68,12 +82,12 @@ export function listenToGrips(app: App, host: HTMLElement, grips: Grips): void {
     host.setPointerCapture(event.pointerId);
     drag = { gripped, pointer: event.pointerId, from, to: from, moves: false };
   }, true);
+  tellWhatIsUnder(host, grips, () => drag !== null);
   host.addEventListener("pointermove", (event) => {
-    const at = placeIn(host, event);
-    if (!drag) return void host.classList.toggle("over-handle", event.buttons === 0 && grips.gripAt(at, event) !== null);
+    if (!drag) return;
     event.stopImmediatePropagation(); // nothing else is dragged meanwhile
     if (event.pointerId !== drag.pointer) return;
-    drag.to = at;
+    const at = (drag.to = placeIn(host, event));
     if (!drag.moves && Math.hypot(drag.from.x - at.x, drag.from.y - at.y) < STILL) return;
     if (!drag.moves) editing.beginDrag(drag.gripped.grip).catch(refused);
     drag.moves = true;
