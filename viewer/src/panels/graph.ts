@@ -4,7 +4,7 @@ import type { App } from "../model/app";
 import { goTo } from "../model/commands";
 import { markColor } from "../model/colors";
 import { frameText, lengthText } from "../model/format";
-import { graphOf, graphsOf, type Graph, type GraphName } from "../model/graphs";
+import { graphOf, graphsOf, needsMeasures, type Graph, type GraphName } from "../model/graphs";
 import { nearestSample, sampleFrame } from "../model/motion";
 import { distinctNames } from "../model/names";
 import type { Hover } from "../model/state";
@@ -88,6 +88,8 @@ function reading(app: App, trails: readonly number[]): string {
 export interface GraphPanel {
   readonly element: HTMLElement;
   redraw(): void;
+  /** After measures were worked out. */
+  measured(): void;
 }
 
 /** `openMeasures` shows the measures of the selection. */
@@ -144,5 +146,5 @@ export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
       ...(app.editing ? [checkbox(app, "showChannels", "Channels")] : []), list, value), plot, empty, inWords,
   );
   redraw();
-  return { element, redraw };
+  return { element, redraw, measured: () => void (needsMeasures(store.state.graph) && redraw()) };
 }

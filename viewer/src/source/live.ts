@@ -79,10 +79,8 @@ export class LiveSource implements TrailSource {
   }
 
   private measure(all: [number, (number | null)[]][]): void {
-    for (const [index, values] of all) {
-      const known = this.list[index].measures as (number | null)[];
-      values.forEach((value, k) => (known[k] = value));
-    }
+    this.change(all.map(([index, measures]) => ({ index, measures })), ({ measures }) => ({ measures }));
+    this.listeners.tell("measured", []);
   }
 
   /** What a drag has moved, until the engine has made the trails again. */

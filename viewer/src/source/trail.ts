@@ -178,8 +178,8 @@ export interface Spaces {
   lenses(shape: string, frames: readonly number[]): Promise<readonly Lens[]>;
 }
 
-/** What has changed of trails: for a moment, as while a key is dragged, or for good. */
-export type TrailChange = "provisional" | "final";
+/** What has changed of trails: for a moment, as while a key is dragged, or for good; or only what their measures are. */
+export type TrailChange = "provisional" | "final" | "measured";
 
 /** Samples in a row, and all keys, of a trail that changed for a moment. */
 export interface ChangedPart {
