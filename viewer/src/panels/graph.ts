@@ -13,6 +13,7 @@ import { extremes } from "./graph_curves";
 import { drawCurves, drawMoving, largestValue, placeOf, type Place } from "./graph_drawing";
 import { checkbox, select, type Option } from "./parts/fields";
 import { Layer, onDrag } from "./parts/layer";
+import { selectedTangents } from "./live/tangent_fields";
 import { zoomsTime } from "./time_zoom";
 import { frameAt } from "./timeline";
 
@@ -143,7 +144,7 @@ export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
     "section", { class: "graph" },
     el("div", { class: "graph-head" }, select(app, "graph", "Graph", kinds), unit,
       button({ text: "Measures", title: "All measures of the selected objects", class: "button small" }, openMeasures),
-      ...(app.editing ? [checkbox(app, "showChannels", "Channels")] : []), list, value), plot, empty, inWords,
+      ...(app.editing ? [checkbox(app, "showChannels", "Channels"), selectedTangents(app)] : []), list, value), plot, empty, inWords,
   );
   redraw();
   return { element, redraw, measured: () => void (needsMeasures(store.state.graph) && redraw()) };

@@ -28,6 +28,8 @@ const EDITING: readonly Row[] = [
   ["Drag a key on the timeline", "Move what the selected objects have there in time"],
   ["Click a key", "Select it: go to its frame; the handles of its tangents are shown then"],
   ["Drag the end of such a handle", "Turn and stretch the tangent; the other side turns along, unless it is broken"],
+  ["Tangents, above the graph and in that of the channels", "The kind of the tangents at this frame: auto, linear, stepped, and so on"],
+  ["Weighted, beside it", "The lengths of tangents count: the end of a handle in the graph of channels makes one longer"],
   ["Channels, above the graph", "Show the curves of the first selected object: keys and handles are dragged there, too"],
   ["Drop files on the page", "Open another scene"],
   ["Compare", "The scene as it was opened, in grey, and how far from it everything is"],

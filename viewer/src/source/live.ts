@@ -11,19 +11,19 @@ import type { ChangedPart, ColorMode, Scene, Spaces, Trail, TrailChange, TrailSo
 const LINE_WIDTH = 2.5;
 const POINT_SIZE = 6;
 
-function sceneOf({ name, style, wanted }: SceneRequest, { description, measures }: Opened): Scene {
+function sceneOf({ name, style, wanted }: SceneRequest, { description, measures, statics }: Opened): Scene {
   const [first, last] = description.range;
   const { first: from = first, last: to = last, colorMode } = wanted.trails;
   return {
     name, first: from, last: to, current: style.frame ?? from, fps: description.fps, unit: description.unit,
-    upAxis: description.up_axis, colorModeChosen: colorMode !== undefined, measures, statics: [],
+    upAxis: description.up_axis, colorModeChosen: colorMode !== undefined, measures, statics,
     compared: { scene: name, take: null, opened: true },
   };
 }
 
 const lastStep = (path: string) => path.split("|").pop()!;
 
-/** A trail without its numbers. Its measures come later, into the same list. */
+/** A trail without its numbers. Its measures come later. */
 function trailOf({ style }: SceneRequest, opened: Opened, index: number, numbers: TrailNumbers): Trail {
   const fields = opened.fields[index];
   return {

@@ -3,8 +3,11 @@
 
 import type { ChannelCurve, PathTangents } from "../../../web/src/live/keys";
 import type { Side } from "../../../web/src/live/grips";
+import type { KeyKind } from "../../../web/src/live/tangent_edits";
+import { TANGENT_KINDS, type TangentKind } from "../../../web/src/live/tangent_kinds";
 
-export type { ChannelCurve, PathTangents, Side };
+export { TANGENT_KINDS };
+export type { ChannelCurve, KeyKind, PathTangents, Side, TangentKind };
 
 export type Vec3 = readonly [number, number, number];
 export type ColorMode = 0 | 1 | 2 | 3;
@@ -116,6 +119,11 @@ export interface Editing {
   /** The tangents of keys at a frame: from now on their sides turn alone; or both have one slope, and turn together. */
   breakTangents(trails: readonly number[], frame: number): void;
   unifyTangents(trails: readonly number[], frame: number): Promise<void>;
+  /** What tangents the keys of some trails' objects have at a frame. */
+  tangentKinds(trails: readonly number[], frame: number): Promise<readonly KeyKind[]>;
+  /** Gives these keys tangents of a kind, or their curves weighted tangents or not: all of them, or those of some channels. */
+  setTangentKind(trails: readonly number[], frame: number, kind: TangentKind, channels?: readonly string[]): Promise<void>;
+  setWeighted(trails: readonly number[], frame: number, weighted: boolean, channels?: readonly string[]): Promise<void>;
   /** Handles of keys on their paths; null for a trail whose object has no key of its position at the frame. */
   pathTangents(trails: readonly number[], frame: number): Promise<readonly (PathTangents | null)[]>;
   /** The curves of a trail's object, with their values at these frames. */
