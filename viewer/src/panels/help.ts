@@ -32,6 +32,7 @@ const EDITING: readonly Row[] = [
   ["Weighted, beside it", "The lengths of tangents count: the end of a handle in the graph of channels makes one longer"],
   ["Channels, above the graph", "Show the curves of the first selected object: keys and handles are dragged there, too"],
   ["Drop files on the page", "Open another scene"],
+  ["Take", "Show another take of the file; the edits of this one are lost then"],
   ["Compare", "The scene as it was opened, in grey, and how far from it everything is"],
   ["Save as…", "The animation with its edits, as a file; it says first what that does not hold"],
   ["Camera", "Look through a camera of the scene; any other view leaves it"],

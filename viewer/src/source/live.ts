@@ -5,11 +5,16 @@ import type { Dragged, LiveEvent, MovedPart, Opened, TrailNumbers } from "../../
 import type { SceneRequest } from "./engine";
 import { Listeners } from "./listeners";
 import { LiveEditing } from "./live_editing";
-import type { ChangedPart, ColorMode, Scene, Spaces, Trail, TrailChange, TrailSource, Writing } from "./trail";
+import type { ChangedPart, ColorMode, Scene, Spaces, Takes, Trail, TrailChange, TrailSource, Writing } from "./trail";
 
 /** As the engine has them where nobody chose. */
 const LINE_WIDTH = 2.5;
 const POINT_SIZE = 6;
+
+function takesOf(wanted: string | undefined, { takes, take }: Opened["description"]): Takes | null {
+  const names = takes.map(({ name }) => name);
+  return names.length > 1 && take !== null ? { names, shown: take, usual: Math.max(0, names.indexOf(wanted ?? "")) } : null;
+}
 
 function sceneOf({ name, style, wanted }: SceneRequest, { description, measures, statics }: Opened): Scene {
   const [first, last] = description.range;
@@ -17,7 +22,7 @@ function sceneOf({ name, style, wanted }: SceneRequest, { description, measures,
   return {
     name, first: from, last: to, current: style.frame ?? from, fps: description.fps, unit: description.unit,
     upAxis: description.up_axis, colorModeChosen: colorMode !== undefined, measures, statics,
-    compared: { scene: name, take: null, opened: true },
+    compared: { scene: name, take: null, opened: true }, takes: takesOf(wanted.reading.take, description),
   };
 }
 
@@ -49,6 +54,7 @@ export class LiveSource implements TrailSource {
   private readonly places: ReadonlyMap<string, number>;
   private readonly listeners = new Listeners<[TrailChange, readonly ChangedPart[]]>();
 
+  /** `opened` may be another take than the request's own. */
   constructor(client: LiveClient, request: SceneRequest, opened: Opened) {
     this.scene = sceneOf(request, opened);
     this.list = opened.numbers.map((numbers, index) => trailOf(request, opened, index, numbers));

@@ -89,6 +89,15 @@ export interface Scene {
   readonly compared?: { readonly scene: string; readonly take: string | null; readonly opened?: boolean } | null;
   readonly measures: readonly Measure[];
   readonly statics: readonly StaticBox[];
+  /** Where the file has several takes and another one can be shown: all by name, in the file's order. */
+  readonly takes?: Takes | null;
+}
+
+export interface Takes {
+  readonly names: readonly string[];
+  /** The one that is shown, and the one that is where nobody chooses. */
+  readonly shown: number;
+  readonly usual: number;
 }
 
 /** What a drag can take hold of, and what it is then moved to; the key is the one at the frame. */
