@@ -52,8 +52,22 @@ sa::ReadOptions options_of(const std::string& file, const VlxReading& reading) {
   const std::string axis = text_of(reading.axis);
   if (!axis.empty()) options.up_axis = axis.front();
   options.linear_unit = text_of(reading.unit);
+  options.bounds = reading.bounds != 0;
   options.progress = [](std::uint64_t, std::uint64_t) { watch.check(); };
   return options;
+}
+
+// 16 doubles for each frame.
+template <class Matrix>
+void write_matrices(const double* frames, std::size_t count, double* matrices, const Matrix& at) {
+  for (std::size_t i = 0; i < count; ++i, matrices += 16) {
+    watch.check();
+    const vantorelix::Affine matrix = at(frames[i]);
+    for (std::size_t row = 0; row < 4; ++row) {
+      std::copy(matrix.m[row].begin(), matrix.m[row].end(), matrices + 4 * row);
+      matrices[4 * row + 3] = row == 3 ? 1.0 : 0.0;
+    }
+  }
 }
 
 std::vector<std::string> texts_of(const char* const* texts, std::size_t count) { return {texts, texts + count}; }
@@ -126,6 +140,10 @@ int vlx_objects(VlxScene* scene, const char** json) {
 
 int vlx_cameras(VlxScene* scene, const char** json) {
   return guarded([&] { hand_out(api::cameras_of(*scene), json); });
+}
+
+int vlx_statics(VlxScene* scene, double frame, const char** json) {
+  return guarded([&] { hand_out(api::statics_of(*scene, frame), json); });
 }
 
 int vlx_camera_views(VlxScene* scene, const char* shape, const double* frames, std::size_t count, double* values) {
@@ -208,13 +226,15 @@ void vlx_tables_free(VlxTables* tables) { delete tables; }
 int vlx_world_matrices(VlxScene* scene, const char* object, const double* frames, std::size_t count, double* matrices) {
   return guarded([&] {
     const sa::NodeId node = scene->object(object);
-    for (std::size_t i = 0; i < count; ++i, matrices += 16) {
-      watch.check();
-      const vantorelix::Affine world = scene->scene().evaluation.world_matrix(node, frames[i]);
-      for (std::size_t row = 0; row < 4; ++row) {
-        std::copy(world.m[row].begin(), world.m[row].end(), matrices + 4 * row);
-        matrices[4 * row + 3] = row == 3 ? 1.0 : 0.0;
-      }
-    }
+    write_matrices(frames, count, matrices,
+                   [&](double frame) { return scene->scene().evaluation.world_matrix(node, frame); });
+  });
+}
+
+int vlx_matrices_above(VlxScene* scene, const char* object, const double* frames, std::size_t count, double* matrices) {
+  return guarded([&] {
+    const sa::NodeId node = scene->object(object);
+    write_matrices(frames, count, matrices,
+                   [&](double frame) { return scene->scene().evaluation.matrix_above(node, frame); });
   });
 }

@@ -36,6 +36,7 @@ struct VlxReading {
   const char* axis; /* "y-up", "z-up" */
   const char* unit; /* "mm", "cm", "m", "km", "in", "ft", "yd" */
   double fps;
+  int bounds; /* whether to find how large the surfaces are, for vlx_statics */
 };
 
 struct VlxSamples {
@@ -108,6 +109,9 @@ VLX_API int vlx_close(VlxScene* scene);
 VLX_API int vlx_description(VlxScene* scene, const char** json);
 VLX_API int vlx_objects(VlxScene* scene, const char** json);
 VLX_API int vlx_cameras(VlxScene* scene, const char** json);
+/* The boxes of what stands still, where they are at a frame. One whose size was not asked for when the scene was opened
+ * is a cube of one unit. See session/statics.h. */
+VLX_API int vlx_statics(VlxScene* scene, double frame, const char** json);
 
 /* What a camera sees at frames, by the path of its shape: 9 doubles a frame, which are the width and the height of its
  * film, how far that is shifted to the right and up, and the focal length, all in millimetres; the film fit (0 fill,
@@ -138,6 +142,10 @@ VLX_API void vlx_tables_free(VlxTables* tables);
 
 /* 16 doubles a frame, row by row, row vectors; `count` frames. */
 VLX_API int vlx_world_matrices(VlxScene* scene, const char* object, const double* frames, std::size_t count,
+                               double* matrices);
+/* The same of what its local matrix is multiplied with: its offset parent matrix and all that is above it. What its
+ * translation channels are, this takes to the world. */
+VLX_API int vlx_matrices_above(VlxScene* scene, const char* object, const double* frames, std::size_t count,
                                double* matrices);
 
 /* The frames of an object's keys in order, each once, of every attribute. They stay until the next call of any

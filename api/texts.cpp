@@ -8,6 +8,7 @@
 #include "base/text_sink.h"
 #include "session/editing/beads.h"
 #include "session/editing/placing.h"
+#include "session/statics.h"
 #include "session/tables/report_json.h"
 #include "standalone/formats/camera.h"
 #include "standalone/formats/reader.h"
@@ -141,6 +142,16 @@ std::string cameras_of(const OpenScene& open) {
         json.field("source", path(scene, scene.nodes.parent(shape)));
         json.field("looks", standalone::looks_along_x(scene, shape) ? "x" : "-z");
       });
+  });
+  return out.text();
+}
+
+std::string statics_of(const OpenScene& open, double frame) {
+  StringSink out;
+  JsonWriter json(out);
+  json.list({}, [&] {
+    for (const session::StaticBox& box : session::static_boxes(open.scene(), frame))
+      json.object({}, [&] { session::write_static(json, box); });
   });
   return out.text();
 }

@@ -19,6 +19,9 @@ std::string objects_of(const OpenScene& scene);
 // object along which it looks, "-z" or "x"; y is up.
 std::string cameras_of(const OpenScene& scene);
 
+// A list of {"name", "matrix", "low", "high"}: the boxes of what stands still, as the program's pages have them.
+std::string statics_of(const OpenScene& scene, double frame);
+
 // A list of {"attribute", "curve", "kind", "weighted", "pre", "post", "keys"}: each channel of the object that a curve
 // drives, with how many keys it has. The kind is "linear", "angular", "unitless" or "time"; before and after the keys
 // the curve is "constant" or "linear", or goes on as "cycle", "cycle_offset" or "oscillate".

@@ -23,7 +23,8 @@ class Failure(ctypes.Structure):
 
 
 class Reading(ctypes.Structure):
-    _fields_ = [("take", ctypes.c_char_p), ("axis", ctypes.c_char_p), ("unit", ctypes.c_char_p), ("fps", ctypes.c_double)]
+    _fields_ = [("take", ctypes.c_char_p), ("axis", ctypes.c_char_p), ("unit", ctypes.c_char_p), ("fps", ctypes.c_double),
+                ("bounds", ctypes.c_int)]
 
 
 class Samples(ctypes.Structure):

@@ -1,5 +1,8 @@
 #include "session/tables/report_json.h"
 
+#include <array>
+#include <cstddef>
+
 #include "session/measures/kinematics.h"
 #include "session/tables/measuring.h"
 
@@ -24,6 +27,17 @@ void write_speeds(JsonWriter& json, const TrailView& trail, double fps) {
   json.field("top_speed", travel.top_speed);
   json.field("mean_speed_per_frame", travel.mean_speed / fps);
   json.field("top_speed_per_frame", travel.top_speed / fps);
+}
+
+void write_static(JsonWriter& json, const StaticBox& box) {
+  std::array<double, 16> matrix{};
+  for (std::size_t row = 0; row < 4; ++row)
+    for (std::size_t column = 0; column < 3; ++column) matrix[row * 4 + column] = box.world.m[row][column];
+  matrix[15] = 1.0;
+  json.field("name", box.name);
+  json.field("matrix", matrix);
+  json.field("low", box.low);
+  json.field("high", box.high);
 }
 
 void write_units(JsonWriter& json, const TrailReport& report) {

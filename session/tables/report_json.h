@@ -12,6 +12,8 @@ namespace vantorelix::session {
 void write_trail_fields(JsonWriter& json, const TrailView& trail);
 // length, mean_speed, top_speed, and the speeds per frame. A frame is 1 / fps seconds.
 void write_speeds(JsonWriter& json, const TrailView& trail, double fps);
+// name, matrix (16 numbers, row vectors), low, high.
+void write_static(JsonWriter& json, const StaticBox& box);
 // units: an object of the unit of each measure.
 void write_units(JsonWriter& json, const TrailReport& report);
 

@@ -98,9 +98,14 @@ class Exam {
   void write_matrices(const std::string& label, const Words& words) {
     const std::vector<double> frames = numbers(words, 2);
     std::vector<double> matrices(16 * frames.size());
-    if (results_.did(label,
-                     vlx_world_matrices(scene_, words.at(1).c_str(), frames.data(), frames.size(), matrices.data())))
+    const auto call = words[0] == "above" ? vlx_matrices_above : vlx_world_matrices;
+    if (results_.did(label, call(scene_, words.at(1).c_str(), frames.data(), frames.size(), matrices.data())))
       results_.add(label, matrices.data(), matrices.size());
+  }
+
+  void write_statics(const std::string& label, const Words& words) {
+    const char* json = nullptr;
+    if (results_.did(label, vlx_statics(scene_, number(words.at(1)), &json))) results_.add(label, json);
   }
 
   void write_values(const std::string& label, const Words& words) {
@@ -230,6 +235,8 @@ class Exam {
       {"history", [this](const std::string& label, const Words&) { text(label, vlx_history); }},
       {"trails", [this](const std::string& label, const Words&) { write_trails(label); }},
       {"matrices", [this](const std::string& label, const Words& words) { write_matrices(label, words); }},
+      {"above", [this](const std::string& label, const Words& words) { write_matrices(label, words); }},
+      {"statics", [this](const std::string& label, const Words& words) { write_statics(label, words); }},
       {"values", [this](const std::string& label, const Words& words) { write_values(label, words); }},
       {"keys", [this](const std::string& label, const Words& words) { write_keys(label, words); }},
       {"curves", [this](const std::string& label, const Words& words) { write_curves(label, words); }},
@@ -265,7 +272,7 @@ Words split(const std::string& line) {
 }
 
 void examine(const char* file, const char* take, const char* commands, Results& results) {
-  const VlxReading reading{take, "", "", 0.0};
+  const VlxReading reading{take, "", "", 0.0, 1};
   VlxScene* scene = nullptr;
   if (!results.did("open", vlx_open(file, &reading, &scene))) return;
   vlx_keep_history(scene, 1);

@@ -113,7 +113,7 @@ export function show(root: HTMLElement, source: TrailSource, { life, hash, choos
   source.subscribe((how, parts) => {
     if (how === "final") motion.trails = source.trails();
     else motion.update(source.trails(), new Set(parts.map(({ index }) => index)));
-    viewport!.trailsChanged(how, parts);
+    if (how !== "measured") viewport!.trailsChanged(how, parts);
     page.trailsChanged(how);
     if (how === "final") spacesAgain?.();
   });

@@ -19,6 +19,8 @@ export interface OpenOptions {
   unit?: string;
   /** glTF: frames a second. */
   fps?: number;
+  /** Whether to find how large surfaces are, for Scene.statics. */
+  bounds?: boolean;
 }
 
 export class Engine {
@@ -55,10 +57,11 @@ export class Engine {
     if (this.crash) throw this.crash;
     const name = options.scene ?? files[0].name;
     return this.withFiles(files, () => this.memory.scope(() => {
-      const reading = this.memory.take(24), scene = this.memory.take(4);
+      const reading = this.memory.take(32), scene = this.memory.take(4);
       [options.take, options.axis, options.unit].forEach((text, k) =>
         this.memory.setWord(reading + 4 * k, this.memory.text(text ?? "")));
       this.memory.setDouble(reading + 16, options.fps ?? 0);
+      this.memory.setWord(reading + 24, options.bounds ? 1 : 0);
       this.call("vlx_open", this.memory.text(name), reading, scene);
       return new Scene(this, this.memory.word(scene), files);
     }));

@@ -43,6 +43,15 @@ export interface Camera {
   looks: "-z" | "x";
 }
 
+/** What stands still: a box in its own space, and its matrix to the world, row by row. */
+export interface StaticBox {
+  /** Long path. */
+  name: string;
+  matrix: number[];
+  low: [number, number, number];
+  high: [number, number, number];
+}
+
 /** What a camera sees at a frame. */
 export interface CameraView {
   /** Of the film, in millimetres; and how far it is shifted to the right and up. */
@@ -191,6 +200,11 @@ export class Scene {
     return this.json("vlx_cameras");
   }
 
+  /** The boxes of what stands still, cubes of one unit where their sizes were not asked for when the scene was opened. */
+  statics(frame: number): StaticBox[] {
+    return this.json("vlx_statics", frame);
+  }
+
   /** What a camera sees at frames, one view for each. */
   cameraViews(shape: string, frames: ArrayLike<number>): CameraView[] {
     const numbers = this.results(VIEW, shape, undefined, frames, "vlx_camera_views");
@@ -205,6 +219,11 @@ export class Scene {
   /** 16 doubles a frame, row by row, for row vectors. */
   worldMatrices(object: string, frames: ArrayLike<number>): Float64Array {
     return this.results(16, object, undefined, frames, "vlx_world_matrices");
+  }
+
+  /** The same of what an object's local matrix is multiplied with: its translation channels to the world. */
+  matricesAbove(object: string, frames: ArrayLike<number>): Float64Array {
+    return this.results(16, object, undefined, frames, "vlx_matrices_above");
   }
 
   /** What a channel is at frames, keyed or not; in radians on angles. */

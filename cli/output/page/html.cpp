@@ -11,6 +11,7 @@
 #include "cli/output/page/page.h"
 #include "cli/output/trail_data.h"
 #include "session/measures/measures.h"
+#include "session/tables/report_json.h"
 
 namespace vantorelix::cli {
 
@@ -85,17 +86,6 @@ void write_trail(JsonWriter& json, const session::TrailReport& report, const ses
   });
 }
 
-void write_static(JsonWriter& json, const session::StaticBox& box) {
-  std::array<double, 16> matrix{};
-  for (std::size_t row = 0; row < 4; ++row)
-    for (std::size_t column = 0; column < 3; ++column) matrix[row * 4 + column] = box.world.m[row][column];
-  matrix[15] = 1.0;
-  json.field("name", box.name);
-  json.field("matrix", matrix);
-  json.field("low", box.low);
-  json.field("high", box.high);
-}
-
 void write_header(TextSink& out, const session::TrailReport& report, const DataLayout& layout) {
   JsonWriter json(out, JsonWriter::Texts::script);
   json.object({}, [&] {
@@ -120,7 +110,7 @@ void write_header(TextSink& out, const session::TrailReport& report, const DataL
     });
     json.key("statics");
     json.list(kStatics, [&] {
-      for (const session::StaticBox& box : report.statics) json.object({}, [&] { write_static(json, box); });
+      for (const session::StaticBox& box : report.statics) json.object({}, [&] { session::write_static(json, box); });
     });
   });
 }

@@ -136,15 +136,21 @@ const KINDS: Readonly<Record<GraphName, Kind>> = {
     values: (app, trail) => pixelSpacing(app.store.state.seen?.film ?? null, app.motion.trails[trail]) },
 };
 
-/** Values by the points that they were made of, which are another array once anything changes. */
-const kept = new Map(GRAPHS.map((name) => [name, new WeakMap<Float64Array, Float64Array>()]));
+/** Whether its values depend on measures, which a live page learns later than positions. */
+export const needsMeasures = (name: GraphName): boolean => name === "sliding";
+
+/** Values by the points that they were made of, which are another array once anything changes, as the measures are. */
+const kept = new Map(GRAPHS.map((name) => [name, new WeakMap<Float64Array, { values: Float64Array; measures: Trail["measures"] }>()]));
 
 function keptValues(app: App, name: GraphName, trail: number): Float64Array {
   if (name === "screen") return KINDS.screen.values(app, trail); // which depends on the camera, too
   const byPoints = kept.get(name)!;
   const points = app.motion.shownPoints(trail);
-  const values = byPoints.get(points) ?? KINDS[name].values(app, trail);
-  byPoints.set(points, values);
+  const { measures } = app.motion.trails[trail];
+  const found = byPoints.get(points);
+  if (found && (found.measures === measures || !needsMeasures(name))) return found.values;
+  const values = KINDS[name].values(app, trail);
+  byPoints.set(points, { values, measures });
   return values;
 }
 

@@ -100,6 +100,7 @@ const span = {
 };
 
 const FIELDS: Fields = {
+  take: { name: "take", ...optional(text) },
   frame: { name: "frame", ...number },
   playFirst: { name: "from", ...number },
   playLast: { name: "to", ...number },
@@ -153,6 +154,17 @@ export function writeHash(state: ViewState, initial: ViewState): string {
     if (text !== field.write(initial[key])) parts.push(`${field.name}=${encodeURIComponent(text)}`);
   }
   return parts.join("&");
+}
+
+/** The take that a hash names. */
+export const takeIn = (hash: string): string | null => new URLSearchParams(hash.replace(/^#/, "")).get(FIELDS.take!.name) || null;
+
+/** The same hash with another take; null: with none. */
+export function withTake(hash: string, take: string | null): string {
+  const values = new URLSearchParams(hash.replace(/^#/, ""));
+  values.delete(FIELDS.take!.name);
+  if (take !== null) values.set(FIELDS.take!.name, take);
+  return `${values}` && `#${values}`;
 }
 
 /** What a hash says about the state; trails that are not there, and frames out of the range, are left out. */

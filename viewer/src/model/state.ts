@@ -41,6 +41,8 @@ export interface ViewState {
   readonly hidden: ReadonlySet<number>;
   /** When it holds any, only these are shown. */
   readonly solo: ReadonlySet<number>;
+  /** The take that was chosen, by its name; null: the one that is shown where nobody chooses. */
+  readonly take: string | null;
   /** Trails are shown relative to this one; null: in the world. */
   readonly relativeTo: number | null;
   /** What positions are shown in: the world or, where `relativeTo` says so, relative to an object's position; relative to
@@ -112,6 +114,7 @@ export function initialState(scene: Scene, motion: Motion, camera: CameraPose): 
     selected: firstSelection(motion, scene.first, scene.last),
     hidden: new Set(),
     solo: new Set(),
+    take: null,
     relativeTo: null,
     space: "place",
     through: null,

@@ -4,7 +4,7 @@ import type { App } from "../model/app";
 import { goTo } from "../model/commands";
 import { markColor } from "../model/colors";
 import { frameText, lengthText } from "../model/format";
-import { graphOf, graphsOf, type Graph, type GraphName } from "../model/graphs";
+import { graphOf, graphsOf, needsMeasures, type Graph, type GraphName } from "../model/graphs";
 import { nearestSample, sampleFrame } from "../model/motion";
 import { distinctNames } from "../model/names";
 import type { Hover } from "../model/state";
@@ -13,6 +13,7 @@ import { extremes } from "./graph_curves";
 import { drawCurves, drawMoving, largestValue, placeOf, type Place } from "./graph_drawing";
 import { checkbox, select, type Option } from "./parts/fields";
 import { Layer, onDrag } from "./parts/layer";
+import { selectedTangents } from "./live/tangent_fields";
 import { zoomsTime } from "./time_zoom";
 import { frameAt } from "./timeline";
 
@@ -88,6 +89,8 @@ function reading(app: App, trails: readonly number[]): string {
 export interface GraphPanel {
   readonly element: HTMLElement;
   redraw(): void;
+  /** After measures were worked out. */
+  measured(): void;
 }
 
 /** `openMeasures` shows the measures of the selection. */
@@ -141,8 +144,8 @@ export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
     "section", { class: "graph" },
     el("div", { class: "graph-head" }, select(app, "graph", "Graph", kinds), unit,
       button({ text: "Measures", title: "All measures of the selected objects", class: "button small" }, openMeasures),
-      ...(app.editing ? [checkbox(app, "showChannels", "Channels")] : []), list, value), plot, empty, inWords,
+      ...(app.editing ? [checkbox(app, "showChannels", "Channels"), selectedTangents(app)] : []), list, value), plot, empty, inWords,
   );
   redraw();
-  return { element, redraw };
+  return { element, redraw, measured: () => void (needsMeasures(store.state.graph) && redraw()) };
 }

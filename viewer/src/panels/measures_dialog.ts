@@ -23,6 +23,8 @@ export function measureTitle(name: string): string {
 export interface MeasuresDialog {
   readonly element: HTMLDialogElement;
   open(): void;
+  /** After measures were worked out. */
+  refresh(): void;
 }
 
 export function buildMeasuresDialog(app: App): MeasuresDialog {
@@ -57,5 +59,5 @@ export function buildMeasuresDialog(app: App): MeasuresDialog {
     fill();
     open();
   };
-  return { element, open: show };
+  return { element, open: show, refresh: () => element.open && fill() };
 }

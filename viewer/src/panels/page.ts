@@ -87,6 +87,10 @@ export function buildPage(app: App, root: HTMLElement, channels: Pick<GraphPanel
     viewport,
     announce: live.announce,
     trailsChanged(how) {
+      if (how === "measured") {
+        measures.refresh();
+        return graph.measured();
+      }
       redraw();
       if (how === "provisional") return;
       objects.trailsChanged();

@@ -14,7 +14,7 @@ const AS_IN_SCENE: readonly Option<boolean | null>[] = [[null, "Scene"], [true, 
 
 /** What is not a setting, and stays when the settings are reset. */
 const STAY: readonly (keyof ViewState)[] = [
-  "frame", "playFirst", "playLast", "camera", "selected", "hidden", "solo", "relativeTo", "space", "through", "theme",
+  "take", "frame", "playFirst", "playLast", "camera", "selected", "hidden", "solo", "relativeTo", "space", "through", "theme",
   "search", "movingOnly", "folded", "timeSpan", "showList", "showSettings",
 ];
 

@@ -5,6 +5,7 @@ import { baseName } from "../model/format";
 import type { ViewName } from "../model/state";
 import { button, commandButton, el, setAttributes, setText } from "./parts/dom";
 import { cameraField } from "./live/space_fields";
+import { takeField } from "./live/take_field";
 import { icon } from "./parts/icons";
 import { nextTheme, THEME_NAMES } from "./parts/theme";
 
@@ -80,6 +81,7 @@ export function buildToolbar(app: App, parts: ToolbarParts): HTMLElement {
     ...editGroup(app, parts.openSave),
     parts.listButton,
     viewButtons(app),
+    ...takeField(app),
     ...cameraField(app),
     group("Frame", commandButton(app, "frame-all", { icon: "frameAll" }), commandButton(app, "frame-selected", { icon: "frameSelected" })),
     el("span", { class: "space" }),

@@ -5,25 +5,30 @@ import type { Dragged, LiveEvent, MovedPart, Opened, TrailNumbers } from "../../
 import type { SceneRequest } from "./engine";
 import { Listeners } from "./listeners";
 import { LiveEditing } from "./live_editing";
-import type { ChangedPart, ColorMode, Scene, Spaces, Trail, TrailChange, TrailSource, Writing } from "./trail";
+import type { ChangedPart, ColorMode, Scene, Spaces, Takes, Trail, TrailChange, TrailSource, Writing } from "./trail";
 
 /** As the engine has them where nobody chose. */
 const LINE_WIDTH = 2.5;
 const POINT_SIZE = 6;
 
-function sceneOf({ name, style, wanted }: SceneRequest, { description, measures }: Opened): Scene {
+function takesOf(wanted: string | undefined, { takes, take }: Opened["description"]): Takes | null {
+  const names = takes.map(({ name }) => name);
+  return names.length > 1 && take !== null ? { names, shown: take, usual: Math.max(0, names.indexOf(wanted ?? "")) } : null;
+}
+
+function sceneOf({ name, style, wanted }: SceneRequest, { description, measures, statics }: Opened): Scene {
   const [first, last] = description.range;
   const { first: from = first, last: to = last, colorMode } = wanted.trails;
   return {
     name, first: from, last: to, current: style.frame ?? from, fps: description.fps, unit: description.unit,
-    upAxis: description.up_axis, colorModeChosen: colorMode !== undefined, measures, statics: [],
-    compared: { scene: name, take: null, opened: true },
+    upAxis: description.up_axis, colorModeChosen: colorMode !== undefined, measures, statics,
+    compared: { scene: name, take: null, opened: true }, takes: takesOf(wanted.reading.take, description),
   };
 }
 
 const lastStep = (path: string) => path.split("|").pop()!;
 
-/** A trail without its numbers. Its measures come later, into the same list. */
+/** A trail without its numbers. Its measures come later. */
 function trailOf({ style }: SceneRequest, opened: Opened, index: number, numbers: TrailNumbers): Trail {
   const fields = opened.fields[index];
   return {
@@ -49,6 +54,7 @@ export class LiveSource implements TrailSource {
   private readonly places: ReadonlyMap<string, number>;
   private readonly listeners = new Listeners<[TrailChange, readonly ChangedPart[]]>();
 
+  /** `opened` may be another take than the request's own. */
   constructor(client: LiveClient, request: SceneRequest, opened: Opened) {
     this.scene = sceneOf(request, opened);
     this.list = opened.numbers.map((numbers, index) => trailOf(request, opened, index, numbers));
@@ -79,10 +85,8 @@ export class LiveSource implements TrailSource {
   }
 
   private measure(all: [number, (number | null)[]][]): void {
-    for (const [index, values] of all) {
-      const known = this.list[index].measures as (number | null)[];
-      values.forEach((value, k) => (known[k] = value));
-    }
+    this.change(all.map(([index, measures]) => ({ index, measures })), ({ measures }) => ({ measures }));
+    this.listeners.tell("measured", []);
   }
 
   /** What a drag has moved, until the engine has made the trails again. */

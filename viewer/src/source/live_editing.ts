@@ -5,7 +5,7 @@ import type { Dragged } from "../../../web/src/live/protocol";
 import type { History } from "../../../web/src/index";
 import { Listeners } from "./listeners";
 import type { Grip as EngineGrip } from "../../../web/src/live/grips";
-import type { ChannelCurve, Editing, Grip, PathTangents } from "./trail";
+import type { ChannelCurve, Editing, Grip, KeyKind, PathTangents, TangentKind } from "./trail";
 
 export class LiveEditing implements Editing {
   working: Editing["working"] = null;
@@ -69,6 +69,18 @@ export class LiveEditing implements Editing {
   async unifyTangents(trails: readonly number[], frame: number): Promise<void> {
     for (const trail of trails) this.broken.delete(this.keyName(trail, frame));
     this.remember(await this.client.call("unifyTangents", trails.map(this.sourceOf), frame));
+  }
+
+  async tangentKinds(trails: readonly number[], frame: number): Promise<readonly KeyKind[]> {
+    return this.client.call("tangentKinds", { objects: trails.map(this.sourceOf), frame });
+  }
+
+  async setTangentKind(trails: readonly number[], frame: number, kind: TangentKind, channels?: readonly string[]): Promise<void> {
+    this.remember(await this.client.call("setTangentKind", { objects: trails.map(this.sourceOf), channels, frame }, kind));
+  }
+
+  async setWeighted(trails: readonly number[], frame: number, weighted: boolean, channels?: readonly string[]): Promise<void> {
+    this.remember(await this.client.call("setWeighted", { objects: trails.map(this.sourceOf), channels, frame }, weighted));
   }
 
   async pathTangents(trails: readonly number[], frame: number): Promise<readonly (PathTangents | null)[]> {

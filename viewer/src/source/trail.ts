@@ -3,8 +3,11 @@
 
 import type { ChannelCurve, PathTangents } from "../../../web/src/live/keys";
 import type { Side } from "../../../web/src/live/grips";
+import type { KeyKind } from "../../../web/src/live/tangent_edits";
+import { TANGENT_KINDS, type TangentKind } from "../../../web/src/live/tangent_kinds";
 
-export type { ChannelCurve, PathTangents, Side };
+export { TANGENT_KINDS };
+export type { ChannelCurve, KeyKind, PathTangents, Side, TangentKind };
 
 export type Vec3 = readonly [number, number, number];
 export type ColorMode = 0 | 1 | 2 | 3;
@@ -86,6 +89,15 @@ export interface Scene {
   readonly compared?: { readonly scene: string; readonly take: string | null; readonly opened?: boolean } | null;
   readonly measures: readonly Measure[];
   readonly statics: readonly StaticBox[];
+  /** Where the file has several takes and another one can be shown: all by name, in the file's order. */
+  readonly takes?: Takes | null;
+}
+
+export interface Takes {
+  readonly names: readonly string[];
+  /** The one that is shown, and the one that is where nobody chooses. */
+  readonly shown: number;
+  readonly usual: number;
 }
 
 /** What a drag can take hold of, and what it is then moved to; the key is the one at the frame. */
@@ -118,6 +130,11 @@ export interface Editing {
   /** The tangents of keys at a frame: from now on their sides turn alone; or both have one slope, and turn together. */
   breakTangents(trails: readonly number[], frame: number): void;
   unifyTangents(trails: readonly number[], frame: number): Promise<void>;
+  /** What tangents the keys of some trails' objects have at a frame. */
+  tangentKinds(trails: readonly number[], frame: number): Promise<readonly KeyKind[]>;
+  /** Gives these keys tangents of a kind, or their curves weighted tangents or not: all of them, or those of some channels. */
+  setTangentKind(trails: readonly number[], frame: number, kind: TangentKind, channels?: readonly string[]): Promise<void>;
+  setWeighted(trails: readonly number[], frame: number, weighted: boolean, channels?: readonly string[]): Promise<void>;
   /** Handles of keys on their paths; null for a trail whose object has no key of its position at the frame. */
   pathTangents(trails: readonly number[], frame: number): Promise<readonly (PathTangents | null)[]>;
   /** The curves of a trail's object, with their values at these frames. */
@@ -180,8 +197,8 @@ export interface Spaces {
   lenses(shape: string, frames: readonly number[]): Promise<readonly Lens[]>;
 }
 
-/** What has changed of trails: for a moment, as while a key is dragged, or for good. */
-export type TrailChange = "provisional" | "final";
+/** What has changed of trails: for a moment, as while a key is dragged, or for good; or only what their measures are. */
+export type TrailChange = "provisional" | "final" | "measured";
 
 /** Samples in a row, and all keys, of a trail that changed for a moment. */
 export interface ChangedPart {

@@ -10,6 +10,7 @@ import { useBrowser } from "../support/browser";
 import { temporaryFolder } from "../support/files";
 import { describeLive, nativeMatrices, openLive, pull, shownBits } from "../support/live";
 import { along, distanceTo, Picture, type Point } from "../support/picture";
+import { Z_UP } from "../support/z_up";
 
 const browser = useBrowser();
 const file = temporaryFolder();
@@ -171,5 +172,47 @@ describeLive("positions", () => {
     const before = await shownOf(page, "ball");
     await pull(page, "|shot", 13, [9, 2, 40]);
     await expect.poll(async () => off(await shownOf(page, "ball"), before), { timeout: 10_000 }).toBeGreaterThan(1);
+  });
+});
+
+/** As a camera sees it that looks along the x axis of its object. */
+function seenAlongX(m: number[], p: Vec3): Vec3 {
+  const [ahead, up, right] = seenBy(m, p);
+  return [right, up, -ahead];
+}
+
+const onWholeFilm = ([x, y, z]: Vec3): Point => ({ x: (x * 2 * 35) / APERTURE / -z, y: (y * 2 * 35) / APERTURE / -z });
+
+describeLive("a scene above z that is seen through its camera", () => {
+  const openZ = async (hash: string) => {
+    writeFileSync(file("z.fbx"), Z_UP);
+    const page = await openLive(browser, file("z.html"), file("z.fbx"), { hash });
+    expect(await page.evaluate(() => window.vantorelixViewer.scene.upAxis)).toBe("z");
+    await page.evaluate(() => {
+      const { motion, store } = window.vantorelixViewer;
+      store.set({ solo: new Set([motion.trails.findIndex(({ name }) => name === "ball")]) });
+    });
+    await loaded(page);
+    return page;
+  };
+  const drawn = async (page: Page, film: readonly Point[]) =>
+    shareDrawn(page, (width, height) => film.map((p) => place(p, width, height)), await colorOf(page, "ball"));
+
+  test("has its trails as they lie on the film at the current frame", async () => {
+    const page = await openZ(`${BARE}&through=0&frame=20`);
+    const [camera] = nativeMatrices(file("z.fbx"), "|shot", [20]);
+    const film = (await worldOf(page, "|ball")).map((p) => onWholeFilm(seenAlongX(camera, p)));
+    expect(Math.max(...film.map(({ x }) => x)) - Math.min(...film.map(({ x }) => x))).toBeGreaterThan(0.5);
+    expect(await drawn(page, film)).toBeGreaterThan(0.97);
+  });
+
+  test("has each arc where it lies on the screen, and positions of the camera's own with z up", async () => {
+    const page = await openZ(`${BARE}&through=0&space=screen`);
+    const cameras = nativeMatrices(file("z.fbx"), "|shot", FRAMES);
+    const seen = (await worldOf(page, "|ball")).map((p, i) => seenAlongX(cameras[i], p));
+    expect(await drawn(page, seen.map(onWholeFilm))).toBeGreaterThan(0.97);
+    await page.evaluate(() => window.vantorelixViewer.store.set({ space: "camera" }));
+    await expect.poll(() => page.evaluate(() => window.vantorelixViewer.store.state.seen?.choice)).toBe("camera camera 0");
+    expect(off(await shownOf(page, "ball"), seen.map(([x, y, z]): Vec3 => [x, -z, y]))).toBeLessThan(1e-9);
   });
 });

@@ -61,7 +61,7 @@ export async function shownBits(page: Page): Promise<Bits> {
 }
 
 /** Asked for as native_results asks: all objects, two samples a frame. */
-const EVERYTHING = ["--all", "--samples-per-frame", "2", "--color-mode", "spacing"];
+export const EVERYTHING = ["--all", "--samples-per-frame", "2", "--color-mode", "spacing"];
 
 /** What the native engine has after these commands, by the objects of the page in their order. */
 export function nativeBits(scene: string, commands: readonly (readonly (string | number)[])[], sources: readonly string[]): Bits {

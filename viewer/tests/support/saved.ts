@@ -27,3 +27,8 @@ export async function savedBy(page: Page, save: () => Promise<unknown>): Promise
   const [download] = await Promise.all([page.waitForEvent("download"), save()]);
   return { name: download.suggestedFilename(), content: readFileSync(await download.path()) };
 }
+
+/** A Maya ASCII scene without its animation curves. */
+export function still(scene: string): string {
+  return readFileSync(scene, "utf8").replace(/^createNode animCurve(?:.|\n)*?(?=^(?!\t))/gm, "").replace(/^connectAttr "[^"]*\.o" .*\n/gm, "");
+}

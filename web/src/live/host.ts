@@ -2,6 +2,7 @@
 // in slices between requests. It knows nothing of Workers: whoever makes it passes on its events and turns its clock.
 
 import type { Engine } from "../engine";
+import { EngineError } from "../errors";
 import type { CameraView, Form, History, Key, Scene, Written } from "../scene";
 import type { Trails } from "../trails";
 import { Drag } from "./drag";
@@ -9,6 +10,8 @@ import type { Grip, Pull } from "./grips";
 import { channelCurves, pathTangents, unify, type ChannelCurve, type PathTangents } from "./keys";
 import { ownBuffers, trailNumbers } from "./numbers";
 import type { Dragged, LiveEvent, Measure, Opened, TrailNumbers, Wanted } from "./protocol";
+import { keysOf, setTangentKind, setWeighted, tangentKinds, type KeyKind, type Keys, type OwnKey } from "./tangent_edits";
+import type { TangentKind } from "./tangent_kinds";
 
 /** Seconds of rebuilding at a time: requests wait no longer. */
 const SLICE = 0.008;
@@ -45,7 +48,7 @@ export class LiveHost {
 
   /** Opens a scene in place of the one before, which stays when that fails. Throws EngineError. */
   open({ files, reading, trails: wanted }: Wanted): Opened {
-    const scene = this.engine.open(files, reading);
+    const scene = this.engine.open(files, { ...reading, bounds: true });
     try {
       scene.keepHistory();
       const trails = scene.trails(wanted);
@@ -56,7 +59,9 @@ export class LiveHost {
       const all = fields.map((_, k) => k);
       this.shown = { scene, trails, names: measures.map(({ name }) => name), revisions: all.map(() => -1), unmeasured: new Set(all) };
       this.rebuild();
-      return { description: scene.describe(), fields, numbers: this.changed(), measures, history: scene.history(), cameras: scene.cameras() };
+      const description = scene.describe();
+      return { description, fields, numbers: this.changed(), measures, history: scene.history(), cameras: scene.cameras(),
+        statics: scene.statics(description.range[0]) };
     } catch (error) {
       if (this.shown?.scene !== scene) scene.close();
       throw error;
@@ -114,6 +119,22 @@ export class LiveHost {
     return this.step("unify tangents", objects, (scene, object) => unify(scene, object, frame));
   }
 
+  /** Of keys at a frame. */
+  tangentKinds(keys: Keys): KeyKind[] {
+    return tangentKinds(this.current().scene, keys);
+  }
+
+  /** Throws EngineError where there is no such key. */
+  setTangentKind(keys: Keys, kind: TangentKind): History {
+    return this.step(`${kind} tangents`, this.present(keys), (scene, key) => setTangentKind(scene, key, kind));
+  }
+
+  /** Of the curves of these keys: whether the lengths of tangents count. Throws EngineError where there is no such key. */
+  setWeighted(keys: Keys, weighted: boolean): History {
+    return this.step(weighted ? "weigh tangents" : "unweigh tangents", this.present(keys),
+      (scene, key) => setWeighted(scene, key, weighted));
+  }
+
   /** Those of objects at a frame, null for one without a key of its position then. */
   pathTangents(objects: readonly string[], frame: number): (PathTangents | null)[] {
     return objects.map((object) => pathTangents(this.current().scene, object, frame));
@@ -148,17 +169,23 @@ export class LiveHost {
     return scene.history();
   }
 
+  private present(keys: Keys): OwnKey[] {
+    const found = keysOf(this.current().scene, keys);
+    if (found.length === 0) throw new EngineError(`no curve has a key at frame ${keys.frame}`, "refused", 0);
+    return found;
+  }
+
   private giveUpDrag() {
     this.dragged?.end(true);
     this.dragged = null;
   }
 
   /** All of it, or nothing. */
-  private step(name: string, objects: readonly string[], run: (scene: Scene, object: string) => void): History {
+  private step<T>(name: string, items: readonly T[], run: (scene: Scene, item: T) => void): History {
     return this.edit((scene) => {
       const before = scene.history().undo.length;
       try {
-        scene.step(name, () => objects.forEach((object) => run(scene, object)));
+        scene.step(name, () => items.forEach((item) => run(scene, item)));
       } catch (error) {
         if (scene.history().undo.length > before) scene.undo();
         throw error;

@@ -1,6 +1,7 @@
 // What the page is told of keys: where they can go in time, and where their tangents lead.
 
 import { Tangent, type Curve, type Key, type KeyTangents, type Scene } from "../scene";
+import { kindOf, type TangentKind } from "./tangent_kinds";
 
 /** A key of a channel, with what is beside it. */
 export interface KeyAt extends Pick<Curve, "attribute" | "kind" | "weighted"> {
@@ -69,8 +70,7 @@ const AXES = ["translateX", "translateY", "translateZ"];
 export function pathVector(scene: Scene, object: string, frame: number): PathVector | null {
   const channels = keysAt(scene, object, frame).map((each) => ({ ...each, axis: AXES.indexOf(each.attribute) }))
     .filter(({ axis }) => axis >= 0);
-  const parent = scene.objects().find(({ source }) => source === object)?.parent;
-  const m = parent ? scene.worldMatrices(parent, [frame]) : [1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1];
+  const m = scene.matricesAbove(object, [frame]);
   const rows = [0, 1, 2].map((i) => [m[4 * i], m[4 * i + 1], m[4 * i + 2]]);
   const back = inverse(rows);
   if (channels.length === 0 || !back) return null;
@@ -131,7 +131,9 @@ export function pathTangents(scene: Scene, object: string, frame: number): PathT
 export interface ChannelCurve {
   channel: string;
   angle: boolean;
-  keys: { frame: number; value: number; in: boolean; out: boolean; broken: boolean; tangents: KeyTangents }[];
+  /** Whether the lengths of its tangents count. */
+  weighted: boolean;
+  keys: { frame: number; value: number; in: boolean; out: boolean; broken: boolean; kind: TangentKind | null; tangents: KeyTangents }[];
   /** At the frames that were asked for. */
   values: Float64Array;
 }
@@ -144,11 +146,11 @@ export function channelCurves(scene: Scene, object: string, frames: ArrayLike<nu
     const unit = angle ? 180 / Math.PI : 1;
     const [keys, tangents] = [scene.keys(object, attribute), scene.tangents(object, attribute)];
     return {
-      channel: attribute, angle, values: scene.channelValues(object, attribute, frames).map((value) => value * unit),
+      channel: attribute, angle, weighted: curve.weighted, values: scene.channelValues(object, attribute, frames).map((value) => value * unit),
       keys: keys.map((key, k) => {
         const [before, after, { inX, inY, outX, outY }] = [keys[k - 1], keys[k + 1], tangents[k]];
         return { frame: key.frame, value: key.value * unit, in: before !== undefined, out: after !== undefined && !steps(key.out),
-          broken: isBroken({ ...curve, key, before, after, tangents: tangents[k] }),
+          broken: isBroken({ ...curve, key, before, after, tangents: tangents[k] }), kind: kindOf(key),
           tangents: { inX, inY: inY * unit, outX, outY: outY * unit } };
       }),
     };

@@ -4,7 +4,7 @@
 import type { ErrorKind } from "../errors";
 import type { OpenOptions } from "../engine";
 import type { SceneFile } from "../files";
-import type { Camera, Description, History, TrailFields, TrailOptions } from "../scene";
+import type { Camera, Description, History, StaticBox, TrailFields, TrailOptions } from "../scene";
 import type { LiveHost } from "./host";
 
 /** A scene as it is handed in: its files, which of them it is, how to read it and which trails to make. */
@@ -38,6 +38,7 @@ export interface Opened {
   measures: Measure[];
   history: History;
   cameras: Camera[];
+  statics: StaticBox[];
 }
 
 /** Samples of a trail that a drag has moved, until the engine has made the trail again. */
@@ -66,7 +67,7 @@ export type LiveEvent =
 /** The requests, and what they take and answer with. */
 export type Requests = Pick<LiveHost, "open" | "undo" | "redo" | "beginDrag" | "drag" | "endDrag" | "insertKeys" |
   "removeKeys" | "moveKeys" | "putKey" | "keys" | "pathTangents" | "channelCurves" | "unifyTangents" |
-  "written" | "matrices" | "lenses">;
+  "written" | "matrices" | "lenses" | "tangentKinds" | "setTangentKind" | "setWeighted">;
 
 export type Given<K extends keyof Requests> = Parameters<Requests[K]>;
 export type Answer<K extends keyof Requests> = ReturnType<Requests[K]>;

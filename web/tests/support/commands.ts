@@ -8,7 +8,8 @@ export type Command =
   | ["written", Form]
   | ["time", number, number]
   | ["keys", string, string?]
-  | ["matrices" | "place", string, ...number[]]
+  | ["statics", number]
+  | ["matrices" | "above" | "place", string, ...number[]]
   | ["placing" | "sliding", string, number]
   | ["slide", string, number, number, number, number]
   | ["provisional", string, number, number]
@@ -32,9 +33,9 @@ function framesOf(scene: Scene): number[] {
 export function questions(scene: Scene): Command[] {
   const frames = framesOf(scene);
   return [
-    ["description"], ["objects"], ["cameras"], ["history"], ["trails"],
+    ["description"], ["objects"], ["cameras"], ["history"], ["trails"], ["statics", frames[0]],
     ...scene.objects().flatMap(({ source }): Command[] => [
-      ["matrices", source, ...frames], ["curves", source], ["keys", source],
+      ["matrices", source, ...frames], ["above", source, ...frames], ["curves", source], ["keys", source],
       ...scene.curves(source).flatMap(({ attribute }): Command[] =>
         [["keys", source, attribute], ["tangents", source, attribute], ["values", source, attribute, ...frames]]),
     ]),
@@ -108,6 +109,8 @@ export class Exam {
       case "trails": return this.arrays(label);
       case "written": return this.file(label, command[1]);
       case "matrices": return numbers(scene.worldMatrices(command[1], command.slice(2) as number[]));
+      case "above": return numbers(scene.matricesAbove(command[1], command.slice(2) as number[]));
+      case "statics": return text(scene.statics(command[1]));
       case "values": return numbers(scene.channelValues(command[1], command[2], command.slice(3) as number[]));
       case "keys":
         return numbers(command[2] === undefined ? scene.keyTimes(command[1])
@@ -200,7 +203,7 @@ export function examine(engine: Engine, files: SceneFile[], take: string,
   make: (scene: Scene) => Iterable<Command> = script): { results: Results; commands: Command[] } {
   const results: Results = new Map();
   let scene: Scene | undefined, trails: Trails | undefined;
-  if (!keep(results, "open", () => { scene = engine.open(files, { take }); })) return { results, commands: [] };
+  if (!keep(results, "open", () => { scene = engine.open(files, { take, bounds: true }); })) return { results, commands: [] };
   try {
     scene!.keepHistory();
     if (!keep(results, "make", () => { trails = scene!.trails({ all: true, samplesPerFrame: 2, colorMode: 1 }); }))

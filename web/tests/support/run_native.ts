@@ -25,7 +25,8 @@ export function runNative(program: string, files: SceneFile[], take: string, com
 }
 
 // The blanks in them are of no account.
-const isText = (name: string) => /^\d+ (description|objects|cameras|history|curves|placing|sliding|written lost)$/.test(name);
+const isText = (name: string) =>
+  /^\d+ (description|statics|objects|cameras|history|curves|placing|sliding|written lost)$/.test(name);
 
 function records(content: Buffer): Results {
   const results: Results = new Map();

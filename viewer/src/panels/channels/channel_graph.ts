@@ -9,6 +9,7 @@ import { seenTime } from "../../model/time_span";
 import type { ChannelCurve } from "../../source/trail";
 import { frameAt } from "../timeline";
 import { button, el, setAttributes, setText } from "../parts/dom";
+import { tangentFields, type TangentFields } from "../live/tangent_fields";
 import { Layer, onDrag } from "../parts/layer";
 import { zoomsTime } from "../time_zoom";
 import { channelColor, drawChannels } from "./channel_drawing";
@@ -28,6 +29,7 @@ export class ChannelGraph {
   readonly element: HTMLElement;
   private readonly list = el("div", { class: "channels", role: "group", "aria-label": "Channels" });
   private readonly none = el("p", { class: "none" });
+  private readonly tangents: TangentFields;
   private readonly plot: HTMLElement;
   private readonly layer: Layer;
   private readonly ask = newest(() => this.learn());
@@ -45,11 +47,17 @@ export class ChannelGraph {
     this.layer = new Layer("channel-curves", (context, width, height) =>
       drawChannels(context, app, this.drawn, this.frames, channelPlace(app, this.range, width, height), width, height));
     this.plot = el("div", { class: "plot channel-plot", role: "img" }, this.layer.canvas);
+    const channels = () => this.drawn.map(({ channel }) => channel);
+    this.tangents = tangentFields(app, "of the channels that are drawn", {
+      kind: (kind) => app.editing!.setTangentKind([this.trail], store.state.frame, kind, channels()),
+      weighted: (weighted) => app.editing!.setWeighted([this.trail], store.state.frame, weighted, channels()),
+    });
     this.element = el("section", { class: "graph", "aria-label": "Channel graph" },
-      el("div", { class: "graph-head" }, this.list), this.plot, this.none);
+      el("div", { class: "graph-head" }, this.list, this.tangents.element), this.plot, this.none);
     this.listen();
     store.subscribe(() => this.redraw(), ["selected", "showChannels", "timeSpan"]);
     store.subscribe(() => this.layer.invalidate(), ["frame", "theme"]);
+    store.subscribe(() => this.showTangents(), ["frame"]);
     app.life.addEventListener("abort", app.editing!.subscribe(() => this.redraw()));
     this.redraw();
   }
@@ -107,7 +115,15 @@ export class ChannelGraph {
     setText(this.none, source === undefined ? "Select an object to see its channels." : curves.length === 0 ? `${name} has no curves.` : "");
     const words = this.drawn.map(({ channel, keys }) => `${channel}, keys at frames ${keys.map(({ frame }) => frame).join(", ")}`);
     setAttributes(this.plot, { "aria-label": `Channels of ${name || "nothing"}. ${words.join("; ")}` });
+    this.showTangents();
     this.layer.invalidate();
+  }
+
+  /** Of the keys at the current frame. */
+  private showTangents(): void {
+    const { frame } = this.app.store.state;
+    this.tangents.show(this.drawn.flatMap(({ keys, weighted }) =>
+      keys.filter((key) => key.frame === frame).map(({ kind }) => ({ kind, weighted }))));
   }
 
   private showList(chosen: Set<string>): void {
