@@ -150,6 +150,7 @@ const FITS = ["fill", "horizontal", "vertical", "overscan"] as const;
 
 export class Scene {
   private open: number | undefined;
+  private parents: ReadonlyMap<string, string | null> | undefined;
 
   /** For Engine.open. */
   /** It was opened from these files, which it keeps until it is closed. */
@@ -178,6 +179,12 @@ export class Scene {
   /** The objects of the file, in its order. */
   objects(): SceneObject[] {
     return this.json("vlx_objects");
+  }
+
+  /** Null at the top, and for what is no object. Edits hang nothing elsewhere. */
+  parentOf(object: string): string | null {
+    this.parents ??= new Map(this.objects().map(({ source, parent }) => [source, parent]));
+    return this.parents.get(object) ?? null;
   }
 
   cameras(): Camera[] {

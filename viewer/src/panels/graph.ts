@@ -88,6 +88,8 @@ function reading(app: App, trails: readonly number[]): string {
 export interface GraphPanel {
   readonly element: HTMLElement;
   redraw(): void;
+  /** After some trails have moved. */
+  trailsMoved(moved: ReadonlySet<number>): void;
 }
 
 /** `openMeasures` shows the measures of the selection. */
@@ -144,5 +146,6 @@ export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
       ...(app.editing ? [checkbox(app, "showChannels", "Channels")] : []), list, value), plot, empty, inWords,
   );
   redraw();
-  return { element, redraw };
+  const trailsMoved = (moved: ReadonlySet<number>) => (trails.some((trail) => moved.has(trail)) ? redraw() : follow());
+  return { element, redraw, trailsMoved };
 }

@@ -97,7 +97,7 @@ export class Viewport {
   trailsChanged(how: TrailChange = "final", parts: readonly ChangedPart[] = []): void {
     if (how === "final") this.rebuild();
     else this.layers.partsMoved(parts); // what stands around them stays
-    this.tangents.refresh();
+    this.tangents.refresh(how === "final" ? undefined : parts);
     this.changed();
   }
 

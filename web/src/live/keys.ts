@@ -69,7 +69,7 @@ const AXES = ["translateX", "translateY", "translateZ"];
 export function pathVector(scene: Scene, object: string, frame: number): PathVector | null {
   const channels = keysAt(scene, object, frame).map((each) => ({ ...each, axis: AXES.indexOf(each.attribute) }))
     .filter(({ axis }) => axis >= 0);
-  const parent = scene.objects().find(({ source }) => source === object)?.parent;
+  const parent = scene.parentOf(object);
   const m = parent ? scene.worldMatrices(parent, [frame]) : [1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1];
   const rows = [0, 1, 2].map((i) => [m[4 * i], m[4 * i + 1], m[4 * i + 2]]);
   const back = inverse(rows);
