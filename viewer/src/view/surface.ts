@@ -16,8 +16,6 @@ export interface View {
 
 export interface Surface {
   readonly canvas: HTMLCanvasElement;
-  /** Above it, where what was drawn anew of it is shown elsewhere. */
-  readonly patch?: HTMLCanvasElement;
   /** In CSS pixels, and device pixels for each. Empties the picture. Throws an Error for the reader if that is too large. */
   resize(width: number, height: number, ratio: number): void;
   /** Returns the number of stretches. */
@@ -70,7 +68,8 @@ function copier(): ShaderMaterial {
  * is left out where a drawing has to be quick. A canvas that smooths by itself cannot leave it out.
  */
 export class GlSurface implements Surface {
-  readonly patch = document.createElement("canvas");
+  /** Where an area that was drawn anew is shown, above the canvas. */
+  private readonly patch = document.createElement("canvas");
   private readonly onPatch = this.patch.getContext("2d")!;
   private readonly renderer: WebGLRenderer;
   private ratio = 1;
@@ -84,6 +83,7 @@ export class GlSurface implements Surface {
     this.renderer = makeRenderer();
     let timer = 0;
     this.canvas.addEventListener("webglcontextlost", () => {
+      this.patch.remove();
       if (!this.disposed) timer = window.setTimeout(gone, PATIENCE);
     });
     this.canvas.addEventListener("webglcontextrestored", () => {
@@ -96,7 +96,7 @@ export class GlSurface implements Surface {
     const sheet = new Mesh(new PlaneGeometry(2, 2), material);
     sheet.frustumCulled = false;
     this.copy.add(sheet);
-    this.patch.hidden = true;
+    this.patch.className = "patch";
   }
 
   get canvas(): HTMLCanvasElement {
@@ -115,7 +115,7 @@ export class GlSurface implements Surface {
   draw({ drawing, camera, background }: View): number {
     const stretches = this.layers.show(drawing);
     const { renderer } = this;
-    this.patch.hidden = true;
+    this.patch.remove();
     renderer.setClearColor(background);
     if (drawing.smooth) renderer.setRenderTarget(this.smoothed);
     renderer.render(this.scene, camera);
@@ -128,11 +128,10 @@ export class GlSurface implements Surface {
 
   /** In a canvas above the other: that one, which is large, stays. */
   drawArea({ drawing, camera, projection, background }: View, area: Area, trails: ReadonlySet<number>): boolean {
-    const { renderer, smoothed, layers, patch } = this;
+    const { renderer, smoothed, layers } = this;
     const pixels = pixelsOf(area, this.ratio, projection);
     if (!pixels) return false;
-    patch.hidden = isEmpty(pixels);
-    if (patch.hidden) return true;
+    if (isEmpty(pixels)) return this.patch.remove(), true;
     const [x, y] = [pixels.left, this.canvas.height - pixels.bottom];
     const [width, height] = [pixels.right - pixels.left, pixels.bottom - pixels.top];
     layers.show(drawing);
@@ -162,6 +161,7 @@ export class GlSurface implements Surface {
     this.onPatch.putImageData(image, 0, 0);
     const inCss = { left: left / ratio, top: top / ratio, width: image.width / ratio, height: image.height / ratio };
     for (const [name, length] of Object.entries(inCss)) patch.style.setProperty(name, `${length}px`);
+    if (!patch.isConnected) this.canvas.after(patch);
   }
 
   finish(): void {

@@ -91,7 +91,7 @@ export class Viewport {
     this.tangents = new TangentHandles(app, () => this.origin, () => this.partsChanged());
     host.append(canvas, this.tooltip.ring, this.tooltip.element);
     this.surface = this.makeSurface();
-    this.place();
+    host.prepend(this.surface.canvas);
     this.detail = new Detail(() => this.layers.sampleCount);
     this.rig = new CameraRig(canvas, app.store.state.camera, () => this.origin,
       (camera) => app.store.set({ camera }));
@@ -171,19 +171,11 @@ export class Viewport {
     return new FlatSurface(this.app, this.layers, () => this.colors);
   }
 
-  /** Puts the surface under everything. */
-  private place(): void {
-    const { canvas, patch } = this.surface;
-    if (patch) patch.className = "patch";
-    this.host.prepend(canvas, ...(patch ? [patch] : []));
-  }
-
   /** WebGL was there and is gone. */
   private drawFlat(): void {
-    this.surface.canvas.remove();
-    this.surface.patch?.remove();
+    const { canvas } = this.surface;
     this.surface = this.flatSurface();
-    this.place();
+    canvas.replaceWith(this.surface.canvas);
     this.surface.resize(this.width, this.height, this.ratio);
     this.changed();
   }
