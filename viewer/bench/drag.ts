@@ -1,5 +1,6 @@
-// How quickly a key is dragged in a large scene where software draws: npx vite-node bench/drag.ts. Medians of five runs, each
-// after the page of fixed work.
+// How quickly a key is dragged in a large scene where software draws: npx vite-node bench/drag.ts [PROGRAM...]. Medians of five
+// runs, each after the page of fixed work; with other builds of the program, in turns with them. The processor time of all the
+// browser's processes for a picture tells more than pictures a second where other programs run meanwhile.
 
 import { writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
@@ -35,8 +36,24 @@ function sceneText(): string {
 }
 
 interface Dragging {
+  /** A second. */
   pictures: number;
   moves: number;
+  shown: number;
+}
+
+interface Run extends Omit<Dragging, "shown"> {
+  /** Milliseconds of processor time for a picture. */
+  work: number;
+  calibration: number;
+}
+
+/** Seconds of processor time that the browser's processes took. */
+async function spent(browser: Browser): Promise<number> {
+  const session = await browser.newBrowserCDPSession();
+  const { processInfo } = await session.send("SystemInfo.getProcessInfo");
+  await session.detach();
+  return processInfo.reduce((sum, { cpuTime }) => sum + cpuTime, 0);
 }
 
 /** Drags a key for a while, with one move of the pointer for each picture: pictures, and moves that were followed, a second. */
@@ -60,10 +77,10 @@ const dragging = (page: Page, milliseconds: number): Promise<Dragging> => page.e
   const seconds = (performance.now() - start) / 1000;
   await editing!.endDrag(true);
   store.set({ hover: null });
-  return { pictures: pictures / seconds, moves: moves / seconds };
+  return { pictures: pictures / seconds, moves: moves / seconds, shown: pictures };
 }, milliseconds);
 
-async function dragged(browser: Browser, file: string): Promise<Dragging & { calibration: number }> {
+async function dragged(browser: Browser, file: string): Promise<Run> {
   const fixed = await calibration(browser);
   const page = await browser.newPage({ viewport: { width: 1280, height: 800 } });
   await page.waitForTimeout(1500); // a new window of Chromium runs scripts of its own at first
@@ -71,19 +88,29 @@ async function dragged(browser: Browser, file: string): Promise<Dragging & { cal
   await page.waitForSelector("html[data-ready=true]", { state: "attached", timeout: 120_000 });
   await page.waitForSelector(".viewport[data-drawn=still]");
   await page.waitForTimeout(1000);
-  const result = await dragging(page, DRAGGED);
+  const before = await spent(browser);
+  const { pictures, moves, shown } = await dragging(page, DRAGGED);
+  const work = (1000 * (await spent(browser) - before)) / shown;
   await page.close();
-  return { calibration: fixed, ...result };
+  return { calibration: fixed, pictures, moves, work };
 }
 
-const [scene, file] = ["ma", "html"].map((ending) => join(tmpdir(), `vantorelix-drag-${process.pid}.${ending}`));
-writeFileSync(scene, sceneText());
-run("view", scene, "--live", "--samples-per-frame", "1", "--out", file, "--no-open");
+const nameOf = (ending: string) => join(tmpdir(), `vantorelix-drag-${process.pid}${ending}`);
+writeFileSync(nameOf(".ma"), sceneText());
+const programs = [process.env.VANTORELIX_PROGRAM, ...process.argv.slice(2)];
+const files = programs.map((program, k) => {
+  if (program) process.env.VANTORELIX_PROGRAM = program;
+  run("view", nameOf(".ma"), "--live", "--samples-per-frame", "1", "--out", nameOf(`-${k}.html`), "--no-open");
+  return nameOf(`-${k}.html`);
+});
 const browser = await launch();
-const runs: (Dragging & { calibration: number })[] = [];
-for (let i = 0; i < RUNS; ++i) runs.push(await dragged(browser, file));
+const runs: Run[][] = files.map(() => []);
+for (let i = 0; i < RUNS; ++i) for (const [k, file] of files.entries()) runs[k].push(await dragged(browser, file));
 await browser.close();
-const of = (name: "pictures" | "moves" | "calibration") => median(runs.map((each) => each[name]));
-const holds = Math.min(of("pictures"), of("moves")) >= BAR;
-console.log(`a key dragged in ${OBJECTS} x ${FRAMES}: ${of("pictures").toFixed(1)} pictures and ${of("moves").toFixed(1)} moves a second, ` +
-  `bar ${BAR}: ${holds ? "holds" : "DOES NOT HOLD"}; calibration page ${of("calibration").toFixed(0)} ms`);
+runs.forEach((all, k) => {
+  const of = (name: keyof Run) => median(all.map((each) => each[name]));
+  const holds = Math.min(of("pictures"), of("moves")) >= BAR;
+  console.log(`${programs[k] ?? "the program"}: a key dragged in ${OBJECTS} x ${FRAMES}: ${of("pictures").toFixed(1)} pictures and ` +
+    `${of("moves").toFixed(1)} moves a second, bar ${BAR}: ${holds ? "holds" : "DOES NOT HOLD"}; ${of("work").toFixed(0)} ms of processor ` +
+    `time a picture; calibration page ${of("calibration").toFixed(0)} ms`);
+});

@@ -111,10 +111,11 @@ export function show(root: HTMLElement, source: TrailSource, { life, hash, choos
   const initial = frame();
   const spacesAgain = spaces && followSpaces({ scene, motion, store, spaces, announce: app.announce });
   source.subscribe((how, parts) => {
+    const moved = new Set(parts.map(({ index }) => index));
     if (how === "final") motion.trails = source.trails();
-    else motion.update(source.trails(), new Set(parts.map(({ index }) => index)));
+    else motion.update(source.trails(), moved);
     if (how !== "measured") viewport!.trailsChanged(how, parts);
-    page.trailsChanged(how);
+    page.trailsChanged(how, moved);
     if (how === "final") spacesAgain?.();
   });
   listenToKeys(app);

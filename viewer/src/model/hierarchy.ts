@@ -9,14 +9,21 @@ export interface Hierarchy {
   readonly children: readonly (readonly number[])[];
 }
 
-const kept = new WeakMap<readonly Trail[], Hierarchy>();
+const sameObjects = (a: readonly Trail[], b: readonly Trail[]) =>
+  a === b || (a.length === b.length && a.every(({ source, name, parent }, i) => source === b[i].source && name === b[i].name && parent === b[i].parent));
 
-/** Of these trails; kept as long as their list is. A parent that is not there, or that would close a circle, counts as none. */
-export function hierarchyOf(trails: readonly Trail[]): Hierarchy {
-  let hierarchy = kept.get(trails);
-  if (!hierarchy) kept.set(trails, (hierarchy = makeHierarchy(trails)));
-  return hierarchy;
+/** What `make` finds out about the objects of trails; kept for the list that was last asked about, while it is of these objects. */
+export function keptForObjects<T>(make: (trails: readonly Trail[]) => T): (trails: readonly Trail[]) => T {
+  let kept: { trails: readonly Trail[]; of: T } | null = null;
+  return (trails) => {
+    const of = kept && sameObjects(kept.trails, trails) ? kept.of : make(trails);
+    kept = { trails, of };
+    return of;
+  };
 }
+
+/** A parent that is not there, or that would close a circle, counts as none. */
+export const hierarchyOf = keptForObjects(makeHierarchy);
 
 function makeHierarchy(trails: readonly Trail[]): Hierarchy {
   const places = new Map(trails.map(({ source }, index) => [source, index]));

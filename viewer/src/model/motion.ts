@@ -68,7 +68,7 @@ export class Motion {
   /** The same trails, but for these. */
   update(list: readonly Trail[], changed: ReadonlySet<number>): void {
     this.list = list;
-    if (this.related !== null || this.shownIn) return this.forget(); // others may be shown elsewhere, too
+    if (this.related !== null && changed.has(this.related)) return this.forget(); // all others are shown elsewhere, too
     for (const kept of [this.points, this.keyPoints, this.spacings]) for (const index of changed) kept.delete(index);
     this.reaches &&= this.reaches.map((reach, index) => (changed.has(index) ? reachOf(this.shownPoints(index)) : reach));
     this.moves = null;

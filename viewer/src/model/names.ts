@@ -2,6 +2,7 @@
 
 import type { Trail } from "../source/trail";
 import type { App } from "./app";
+import { keptForObjects } from "./hierarchy";
 
 const stepsOf = ({ source }: Trail) => source.split("|").filter((step) => step !== "");
 
@@ -31,17 +32,12 @@ function repeated(names: readonly string[]): number[] {
   return [...names.keys()].filter((i) => count.get(names[i])! > 1);
 }
 
-const kept = new WeakMap<readonly Trail[], readonly string[]>();
-
 /** A name for each trail, in their order. Equal names stay equal only where the whole paths are. */
-export function distinctNames(trails: readonly Trail[]): readonly string[] {
-  let names = kept.get(trails);
-  if (names) return names;
-  const made = trails.map(({ name }) => name);
-  tellApart(trails, made);
-  kept.set(trails, (names = made));
+export const distinctNames = keptForObjects((trails): readonly string[] => {
+  const names = trails.map(({ name }) => name);
+  tellApart(trails, names);
   return names;
-}
+});
 
 /** What positions are relative to; null: the world. */
 export function referenceName({ motion, store, spaces }: Pick<App, "motion" | "store" | "spaces">): string | null {

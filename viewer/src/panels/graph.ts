@@ -91,6 +91,8 @@ export interface GraphPanel {
   redraw(): void;
   /** After measures were worked out. */
   measured(): void;
+  /** After some trails have moved. */
+  trailsMoved(moved: ReadonlySet<number>): void;
 }
 
 /** `openMeasures` shows the measures of the selection. */
@@ -147,5 +149,9 @@ export function buildGraph(app: App, openMeasures: () => void): GraphPanel {
       ...(app.editing ? [checkbox(app, "showChannels", "Channels"), selectedTangents(app)] : []), list, value), plot, empty, inWords,
   );
   redraw();
-  return { element, redraw, measured: () => void (needsMeasures(store.state.graph) && redraw()) };
+  return {
+    element, redraw,
+    measured: () => void (needsMeasures(store.state.graph) && redraw()),
+    trailsMoved: (moved) => (trails.some((trail) => moved.has(trail)) ? redraw() : follow()),
+  };
 }

@@ -22,7 +22,8 @@ export interface Page {
   /** The element that the viewport fills. */
   readonly viewport: HTMLElement;
   announce(text: string): void;
-  trailsChanged(how: TrailChange): void;
+  /** `moved` are those that a drag moves. */
+  trailsChanged(how: TrailChange, moved: ReadonlySet<number>): void;
 }
 
 /** A link past the toolbar and the list. It moves the focus only, because the hash of the address holds the state. */
@@ -82,17 +83,23 @@ export function buildPage(app: App, root: HTMLElement, channels: Pick<GraphPanel
     channels?.redraw();
     compareGraph?.redraw();
   };
+  const follow = (moved: ReadonlySet<number>) => {
+    timeline.trailsMoved();
+    graph.trailsMoved(moved);
+    channels?.redraw();
+    compareGraph?.redraw();
+  };
   followTheme(app, redraw);
   return {
     viewport,
     announce: live.announce,
-    trailsChanged(how) {
+    trailsChanged(how, moved) {
+      if (how === "provisional") return follow(moved);
       if (how === "measured") {
         measures.refresh();
         return graph.measured();
       }
       redraw();
-      if (how === "provisional") return;
       objects.trailsChanged();
       settings.trailsChanged();
     },

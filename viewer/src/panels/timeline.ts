@@ -15,6 +15,8 @@ import { zoomsTime } from "./time_zoom";
 export interface Timeline {
   readonly element: HTMLElement;
   redraw(): void;
+  /** After some trails have moved: their keys may be at other times. */
+  trailsMoved(): void;
 }
 
 /** By how many frames an arrow or page key moves; undefined for any other key. */
@@ -107,11 +109,17 @@ export function buildTimeline(app: App): Timeline {
   });
   const scale = () => seenScale(app, layer.width);
   const handles = [buildHandle(app, "playFirst", scale), buildHandle(app, "playLast", scale)];
+  let times: readonly Float64Array[] = [];
   const redraw = () => layer.invalidate();
+  const trailsMoved = () => {
+    const now = app.motion.trails.map(({ keyTimes }) => keyTimes);
+    if (now.some((each, i) => each !== times[i])) redraw();
+    times = now;
+  };
   store.subscribe(redraw, ["frame", "playFirst", "playLast", "selected", "hidden", "solo", "timeSpan"]);
   store.subscribe(() => handles.forEach((handle) => handle.place()), ["playFirst", "playLast", "timeSpan"]);
   followFrame(app);
   handles.forEach((handle) => handle.place());
   const element = el("div", { class: "timeline" }, buildTrack(app, layer.canvas, scale), ...handles.map((handle) => handle.element));
-  return { element, redraw };
+  return { element, redraw, trailsMoved };
 }

@@ -23,6 +23,12 @@ const LEAST = 16_000;
 const RICHNESS = 4;
 const SMOOTHNESS = 2.5;
 
+/** Milliseconds that it takes to empty, smooth and fetch a picture, however little is in it. */
+const EMPTY = 20;
+
+/** Milliseconds that a part of a picture may take, which is then drawn as well as the rest. */
+const QUICK = 50;
+
 /** While something moves, one drawing in so many is timed: to time it is to wait for it. */
 const TIMED = 8;
 
@@ -44,6 +50,12 @@ export class Detail {
     if (!plain) return { stride: 1, plain, smooth };
     const budget = moving ? MOVING / cost : STILL / cost / SMOOTHNESS;
     return { stride: strideFor(samples, Math.max(LEAST, budget)), plain, smooth };
+  }
+
+  /** Whether it is quick to draw a part of the stretches, which take a part of the picture, with smooth edges. */
+  isQuick({ plain }: Amount, stretches: number, ofAll: number, ofPicture: number): boolean {
+    const lines = plain ? stretches * this.cost * SMOOTHNESS : Math.max(0, this.full - EMPTY) * ofAll;
+    return lines + EMPTY * ofPicture < QUICK;
   }
 
   /** Whether the next drawing is to be timed. The first ones hold more than the drawing: programs are made ready. */

@@ -4,11 +4,12 @@ import { Group, type Object3D, type ShaderMaterial } from "three";
 import type { App } from "../model/app";
 import { markColor, trailColors } from "../model/colors";
 import { dimming } from "../model/emphasis";
-import { isInWorld, isVisible } from "../model/state";
+import { isVisible } from "../model/state";
 import type { ChangedPart, Vec3 } from "../source/trail";
 import { Dots, KeyMarkers, Lines, stretchesOf, type DrawnTrail, type SampleColors } from "./primitives/batch";
 import { framesBetweenDots } from "./dot_spacing";
 import { FatLineMaterial } from "./primitives/fat_lines";
+import { MovedTrails } from "./primitives/moved";
 import { dotMaterial, keyMaterial, thinMaterial } from "./primitives/materials";
 import { forgetBoxes, type Pickable } from "./picking";
 import { between, movedTrail, wholeTrail, windowOf, windowStrength } from "./places";
@@ -99,6 +100,8 @@ export class TrailLayers {
   private readonly levels = new Map<string, Level>();
   private readonly samples = new Map<number, SampleColors>();
   private version = 1;
+  /** Since everything was drawn. */
+  readonly moves = new MovedTrails();
 
   constructor(private readonly app: App, private readonly origin: () => Vec3, private readonly colors: () => Colors,
               private readonly ratio: () => number) {}
@@ -162,23 +165,38 @@ export class TrailLayers {
     this.recolored();
   }
 
-  /** These parts of trails, and their keys, have moved: of what is drawn now only they are written anew. */
-  partsMoved(parts: readonly ChangedPart[]): void {
-    const { whole } = this;
-    const { state } = this.app.store;
-    if (!whole || !isInWorld(state) || state.window) return this.moved();
+  /** These parts of trails, and their keys, have moved. Says whether it was enough to write them anew in what is drawn now. */
+  partsMoved(parts: readonly ChangedPart[]): boolean {
+    const { whole, drawn, app } = this;
+    const { state } = app.store;
+    const { from, to } = windowOf(state);
+    if (!whole || !drawn || parts.some(({ index }) => index === app.motion.relation)) return this.moved(), false;
     const at = new Map(whole.map(({ index }, k) => [index, k]));
-    const list = [...whole];
+    const [all, now] = [[...whole], [...drawn]];
     for (const part of parts) {
       const k = at.get(part.index);
-      const trail = k === undefined ? null : movedTrail(this.app, list[k], part, this.origin());
-      if (k !== undefined && !trail) return this.moved();
-      if (trail) list[k!] = trail;
+      if (k === undefined) continue;
+      this.moves.note(now[k]);
+      const trail = movedTrail(app, all[k], part, this.origin());
+      if (!trail) return this.moved(), false;
+      all[k] = trail;
+      forgetBoxes(now[k].places);
+      this.places.set(part.index, (now[k] = state.window ? between(trail, from, to) : trail));
     }
-    this.whole = this.drawn = list;
-    this.hits = null;
-    for (const { index } of parts) if (at.has(index)) forgetBoxes(list[at.get(index)!].places);
+    [this.whole, this.drawn, this.hits] = [all, now, null];
     this.moveLevels(parts);
+    return true;
+  }
+
+  /** Which pixels around its places a trail may take. */
+  get margin(): number {
+    return Math.max(...this.trails.map(({ index }) => Math.max(this.look(index).lineWidth + 3, this.look(index).pointSize + 7)), 10) / 2 + 2;
+  }
+
+  /** Draws only these trails; null: all. */
+  only(chosen: ReadonlySet<number> | null): void {
+    for (const level of this.levels.values())
+      for (const batch of level.placed) if (this.group.children[0] === level.group && !(batch instanceof KeyMarkers)) batch.only(chosen);
   }
 
   /** Others than the one that is drawn are made again when they are needed. */
@@ -191,7 +209,7 @@ export class TrailLayers {
       }
       for (const batch of level.placed) {
         if (batch instanceof KeyMarkers) batch.moved();
-        else for (const { index, first, count } of parts) batch.moved(index, first, count);
+        else for (const { index, first, count } of parts) batch.moved(index, first - (this.places.get(index)?.first ?? 0), count);
       }
     }
   }

@@ -106,6 +106,15 @@ export const passing = (trails: readonly Pickable[], projection: Projection, are
   return trails.filter((each) => eachIn(region, each, () => true)).map(({ trail }) => trail.index);
 };
 
+/** The trails that may pass through an area, as far as their boxes tell. */
+export const mayPass = (trails: readonly DrawnTrail[], projection: Projection, area: Area): DrawnTrail[] => {
+  const region = projection.region(area);
+  return trails.filter(({ places }) => {
+    const boxes = boxesOf(places);
+    return reaches(region, boxes, boxes.length - 6);
+  });
+};
+
 interface Candidate {
   readonly trail: number;
   readonly sample: number;

@@ -10,6 +10,7 @@ import { placeIn } from "./places";
 import { pointsOf, thinLines } from "./primitives/batch";
 import { FatLineMaterial, FatLines } from "./primitives/fat_lines";
 import { dotMaterial, thinMaterial } from "./primitives/materials";
+import type { MovedArea } from "./primitives/moved";
 import { channels, shade } from "./primitives/shades";
 import type { Colors } from "./theme";
 
@@ -36,6 +37,9 @@ export class Skeleton {
   private drawnOf: readonly unknown[] = [];
   private bones: readonly Bone[] = [];
   private members: ReadonlySet<number> = new Set();
+  /** Of the bones, and what they were when all was drawn. */
+  private ends = new Float32Array();
+  private before = this.ends;
 
   constructor(private readonly app: App, private readonly origin: () => Vec3, private readonly colors: () => Colors, ratio: number) {
     this.joint = dotMaterial({ size: JOINT_SIZE * ratio, ghost: true, edge: 0, rim: "#000000" });
@@ -88,7 +92,18 @@ export class Skeleton {
         colors.push(...shade, ...shade);
       }
     }
-    if (ends.length > 0) this.add(Float32Array.from(ends), Uint8Array.from(colors));
+    this.ends = Float32Array.from(ends);
+    if (ends.length > 0) this.add(this.ends, Uint8Array.from(colors));
+  }
+
+  /** From now on, what has moved since now is what moved. */
+  allDrawn(): void {
+    this.before = this.ends;
+  }
+
+  /** Adds the bones that moved. */
+  addMoved(area: MovedArea): void {
+    area.addPairs(this.before, this.ends);
   }
 
   private add(ends: Float32Array, colors: Uint8Array): void {

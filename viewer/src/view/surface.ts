@@ -4,7 +4,8 @@ import {
   LinearSRGBColorSpace, Mesh, OrthographicCamera, PlaneGeometry, Scene, ShaderMaterial, WebGLRenderer, WebGLRenderTarget, type Camera,
 } from "three";
 import type { Drawing, TrailLayers } from "./layers";
-import type { Projection } from "./primitives/projection";
+import { isEmpty } from "./primitives/moved";
+import type { Area, Projection } from "./primitives/projection";
 
 export interface View {
   readonly drawing: Drawing;
@@ -19,10 +20,26 @@ export interface Surface {
   resize(width: number, height: number, ratio: number): void;
   /** Returns the number of stretches. */
   draw(view: View): number;
+  /**
+   * Draws an area of the picture anew, as `draw` would have it, in a view with smooth edges that was drawn before; only the trails
+   * given are in it. False where that cannot be done.
+   */
+  drawArea(view: View, area: Area, trails: ReadonlySet<number>): boolean;
   /** Returns when everything is drawn. */
   finish(): void;
   /** Gives back what the browser lent it. */
   dispose(): void;
+}
+
+/** CSS pixels: so many are a whole number of the screen's at the usual zooms of browsers. */
+const STEP = 4;
+
+/** The pixels of the picture that an area takes, and so many CSS pixels a step; null where these are not whole. */
+export function pixelsOf({ left, top, right, bottom }: Area, ratio: number, { width, height }: Projection): Area | null {
+  if (![STEP, width, height].every((length) => Number.isInteger(length * ratio))) return null;
+  const low = (from: number) => ratio * STEP * Math.floor(Math.max(0, from) / STEP);
+  const high = (to: number, most: number) => Math.min(ratio * most, ratio * STEP * Math.ceil(to / STEP));
+  return { left: low(left), top: low(top), right: high(right, width), bottom: high(bottom, height) };
 }
 
 /** Milliseconds within which a browser that took WebGL away gives it back, if ever. */
@@ -51,7 +68,11 @@ function copier(): ShaderMaterial {
  * is left out where a drawing has to be quick. A canvas that smooths by itself cannot leave it out.
  */
 export class GlSurface implements Surface {
+  /** Where an area that was drawn anew is shown, above the canvas. */
+  private readonly patch = document.createElement("canvas");
+  private readonly onPatch = this.patch.getContext("2d")!;
   private readonly renderer: WebGLRenderer;
+  private ratio = 1;
   private disposed = false;
   private readonly smoothed = new WebGLRenderTarget(1, 1, { samples: 4, stencilBuffer: true });
   private readonly copy = new Scene();
@@ -62,6 +83,7 @@ export class GlSurface implements Surface {
     this.renderer = makeRenderer();
     let timer = 0;
     this.canvas.addEventListener("webglcontextlost", () => {
+      this.patch.remove();
       if (!this.disposed) timer = window.setTimeout(gone, PATIENCE);
     });
     this.canvas.addEventListener("webglcontextrestored", () => {
@@ -74,6 +96,7 @@ export class GlSurface implements Surface {
     const sheet = new Mesh(new PlaneGeometry(2, 2), material);
     sheet.frustumCulled = false;
     this.copy.add(sheet);
+    this.patch.className = "patch";
   }
 
   get canvas(): HTMLCanvasElement {
@@ -83,6 +106,7 @@ export class GlSurface implements Surface {
   resize(width: number, height: number, ratio: number): void {
     const most = this.renderer.capabilities.maxTextureSize;
     if (Math.max(width, height) * ratio > most) throw new Error(`This browser draws at most ${most} pixels in a row: choose a smaller picture`);
+    this.ratio = ratio;
     this.renderer.setPixelRatio(ratio);
     this.renderer.setSize(width, height, false);
     this.smoothed.setSize(this.canvas.width, this.canvas.height);
@@ -91,6 +115,7 @@ export class GlSurface implements Surface {
   draw({ drawing, camera, background }: View): number {
     const stretches = this.layers.show(drawing);
     const { renderer } = this;
+    this.patch.remove();
     renderer.setClearColor(background);
     if (drawing.smooth) renderer.setRenderTarget(this.smoothed);
     renderer.render(this.scene, camera);
@@ -99,6 +124,44 @@ export class GlSurface implements Surface {
       renderer.render(this.copy, this.flat);
     }
     return stretches;
+  }
+
+  /** In a canvas above the other: that one, which is large, stays. */
+  drawArea({ drawing, camera, projection, background }: View, area: Area, trails: ReadonlySet<number>): boolean {
+    const { renderer, smoothed, layers } = this;
+    const pixels = pixelsOf(area, this.ratio, projection);
+    if (!pixels) return false;
+    if (isEmpty(pixels)) return this.patch.remove(), true;
+    const [x, y] = [pixels.left, this.canvas.height - pixels.bottom];
+    const [width, height] = [pixels.right - pixels.left, pixels.bottom - pixels.top];
+    layers.show(drawing);
+    layers.only(trails);
+    renderer.setClearColor(background);
+    smoothed.scissor.set(x, y, width, height);
+    smoothed.scissorTest = true; // which bounds the clearing, and the smoothing, too
+    renderer.setRenderTarget(smoothed);
+    renderer.render(this.scene, camera);
+    smoothed.scissorTest = false;
+    renderer.setRenderTarget(null);
+    layers.only(null);
+    const upwards = new Uint8Array(4 * width * height);
+    renderer.readRenderTargetPixels(smoothed, x, y, width, height, upwards);
+    this.show(pixels, upwards);
+    return true;
+  }
+
+  /** Puts pixels, row by row from below, onto the patch. */
+  private show({ left, top, right, bottom }: Area, upwards: Uint8Array): void {
+    const { patch, ratio } = this;
+    const image = this.onPatch.createImageData(right - left, bottom - top);
+    const row = 4 * image.width;
+    for (let y = 0; y < image.height; ++y) image.data.set(upwards.subarray(upwards.length - row * (y + 1), upwards.length - row * y), row * y);
+    for (let i = 3; i < image.data.length; i += 4) image.data[i] = 255;
+    if (patch.width !== image.width || patch.height !== image.height) [patch.width, patch.height] = [image.width, image.height];
+    this.onPatch.putImageData(image, 0, 0);
+    const inCss = { left: left / ratio, top: top / ratio, width: image.width / ratio, height: image.height / ratio };
+    for (const [name, length] of Object.entries(inCss)) patch.style.setProperty(name, `${length}px`);
+    if (!patch.isConnected) this.canvas.after(patch);
   }
 
   finish(): void {

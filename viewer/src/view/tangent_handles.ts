@@ -3,7 +3,7 @@
 import { newest } from "../model/editing/newest";
 import type { App } from "../model/app";
 import { isInWorld, isVisible } from "../model/state";
-import type { Grip, PathTangents, Side, Vec3 } from "../source/trail";
+import type { ChangedPart, Grip, PathTangents, Side, Vec3 } from "../source/trail";
 import type { Overlay } from "./overlay";
 import { hasDenseKeys, placeIn } from "./places";
 import type { Projection, Spot } from "./primitives/projection";
@@ -36,9 +36,11 @@ export class TangentHandles {
     this.refresh();
   }
 
-  /** After the trails have changed, too. */
-  refresh(): void {
-    if (this.app.editing && !this.app.life.aborted) this.ask();
+  /** After the trails have changed, too; where only some did, which these are. */
+  refresh(moved?: readonly ChangedPart[]): void {
+    if (!this.app.editing || this.app.life.aborted) return;
+    const of = moved && new Set(this.keyed());
+    if (!of || moved!.some(({ index }) => of.has(index))) this.ask();
   }
 
   private keyed(): number[] {

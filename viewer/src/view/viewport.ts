@@ -16,13 +16,14 @@ import { listenToHandles, type Key } from "./handles";
 import { holdsSamples } from "./held";
 import { TrailLayers, type Drawing } from "./layers";
 import { Overlay } from "./overlay";
-import { passing, pick } from "./picking";
+import { mayPass, passing, pick } from "./picking";
 import { blobOf, framed } from "./picture";
 import { spotOf } from "./places";
 import { listenToPointer } from "./pointer";
+import { around, isEmpty, MovedArea, within } from "./primitives/moved";
 import { Projection, type Area, type Spot } from "./primitives/projection";
 import { Skeleton } from "./skeleton";
-import { GlSurface, type Surface } from "./surface";
+import { GlSurface, type Surface, type View } from "./surface";
 import { colorsOf } from "./theme";
 import { TangentHandles } from "./tangent_handles";
 import { throughCamera } from "./through";
@@ -71,6 +72,12 @@ export class Viewport {
   private frameAsked = 0;
   private settleTimer = 0;
   private moving = true; // the first picture is a quick one
+  /** What is drawn, where that has smooth edges and only places of trails may have changed since. */
+  private still: Drawing | null = null;
+  /** Of it, what was drawn anew. */
+  private redrawn: Area | null = null;
+  /** A drag moves too much for that. */
+  private tooMuch = false;
   private gesture = false;
   private gone = false;
   /** Frames from one drawn dot to the next, 0 without dots; and the dot that the pointer would drag. */
@@ -85,7 +92,7 @@ export class Viewport {
     canvas.setAttribute("aria-hidden", "true");
     this.layers = new TrailLayers(app, () => this.origin, () => this.colors, () => this.ratio);
     this.skeleton = new Skeleton(app, () => this.origin, () => this.colors, this.ratio);
-    this.tangents = new TangentHandles(app, () => this.origin, () => this.changed());
+    this.tangents = new TangentHandles(app, () => this.origin, () => this.partsChanged());
     host.append(canvas, this.tooltip.bead, this.tooltip.ring, this.tooltip.element);
     this.surface = this.makeSurface();
     host.prepend(this.surface.canvas);
@@ -99,10 +106,15 @@ export class Viewport {
   }
 
   trailsChanged(how: TrailChange = "final", parts: readonly ChangedPart[] = []): void {
-    if (how === "final") this.rebuild();
-    else this.layers.partsMoved(parts); // what stands around them stays
-    this.tangents.refresh();
-    this.changed();
+    this.tangents.refresh(how === "final" ? undefined : parts);
+    if (how === "final") {
+      this.rebuild();
+      this.changed();
+    } else if (this.layers.partsMoved(parts)) {
+      this.partsChanged(); // what stands around them stays
+    } else {
+      this.changed();
+    }
   }
 
   /** Gives back what the browser lent it. */
@@ -280,11 +292,24 @@ export class Viewport {
 
   /** Something moves: draw soon and quickly, and once more when all is still. */
   private changed(): void {
+    this.still = null;
+    this.tooMuch = false;
+    this.unsettle();
+  }
+
+  private unsettle(): void {
     this.moving = true;
     this.host.dataset.drawn = "moving";
     clearTimeout(this.settleTimer);
     this.settleTimer = window.setTimeout(() => this.settle(), SETTLED);
     this.ask();
+  }
+
+  /** Places of trails have changed, or what is drawn over them: of a picture that is still, the rest stays. */
+  private partsChanged(): void {
+    if (this.tooMuch) return this.unsettle();
+    this.host.dataset.drawn = "moving";
+    this.ask(); // a picture that is not still will soon be
   }
 
   private settle(): void {
@@ -300,7 +325,12 @@ export class Viewport {
     if (this.gone) return;
     this.frameAsked ||= requestAnimationFrame(() => {
       this.frameAsked = 0;
-      this.draw(this.moving);
+      if (!this.still) this.draw(this.moving);
+      else if (!this.drawParts(this.still)) {
+        this.still = null;
+        this.tooMuch = true;
+        this.unsettle();
+      }
     });
   }
 
@@ -309,23 +339,65 @@ export class Viewport {
   }
 
   private draw(moving: boolean): void {
-    const { detail, surface } = this;
-    const drawing = { ...detail.drawing(moving), dotEvery: this.layers.dotEvery(this.projection(), moving) };
-    this.dotEvery = this.layers.hasDots(drawing) ? Math.max(drawing.dotEvery, drawing.stride) : 0;
+    const { detail, surface, layers, skeleton } = this;
+    const drawing = { ...detail.drawing(moving), dotEvery: layers.dotEvery(this.projection(), moving) };
+    this.dotEvery = layers.hasDots(drawing) ? Math.max(drawing.dotEvery, drawing.stride) : 0;
     const timed = detail.timed(moving);
-    this.skeleton.update();
+    skeleton.update();
     const start = performance.now();
-    const stretches = surface.draw({ drawing, camera: this.rig.camera, projection: this.projection(), background: this.colors.background });
+    const stretches = surface.draw(this.viewOf(drawing));
     if (timed) {
       surface.finish();
       detail.learn(drawing, stretches, performance.now() - start);
     }
+    layers.moves.forget();
+    skeleton.allDrawn();
+    this.still = drawing.smooth && !moving ? drawing : null;
+    this.redrawn = null;
+    this.drawOver(drawing);
+    this.host.dataset.drawn = moving ? "moving" : "still";
+  }
+
+  /** Draws again where something moved in a picture that is still. False where that would take long. */
+  private drawParts(still: Drawing): boolean {
+    const { layers, skeleton } = this;
+    const view = this.viewOf(still);
+    const { projection } = view;
+    const moved = new MovedArea(projection, layers.margin);
+    skeleton.update();
+    skeleton.addMoved(moved);
+    layers.moves.addTo(moved, layers.trails, still.stride);
+    const inSight = within(moved.area, { left: 0, top: 0, right: projection.width, bottom: projection.height });
+    const area = this.redrawn ? around(inSight, this.redrawn) : inSight;
+    if ((!isEmpty(area) || this.redrawn) && !this.drawArea(view, area)) return false;
+    this.redrawn = isEmpty(inSight) ? null : inSight;
+    this.drawOver(still);
+    this.host.dataset.drawn = "still";
+    return true;
+  }
+
+  private drawArea(view: View, area: Area): boolean {
+    const { layers, surface, detail } = this;
+    const { width, height } = view.projection;
+    const { margin } = layers;
+    const trails = mayPass(layers.trails, view.projection, { left: area.left - margin, top: area.top - margin, right: area.right + margin, bottom: area.bottom + margin });
+    const samples = trails.reduce((sum, { places }) => sum + places.length / 3, 0);
+    const ofPicture = (area.right - area.left) * (area.bottom - area.top) / (width * height);
+    if (!detail.isQuick(view.drawing, samples / view.drawing.stride, samples / layers.sampleCount, ofPicture)) return false;
+    return surface.drawArea(view, area, new Set(trails.map(({ index }) => index)));
+  }
+
+  private viewOf(drawing: Drawing): View {
+    return { drawing, camera: this.rig.camera, projection: this.projection(), background: this.colors.background };
+  }
+
+  /** What stands over the trails. */
+  private drawOver(drawing: Drawing): void {
     this.overlay.begin(this.width, this.height, this.ratio, this.colors);
     annotate(this.overlay, this.pictured(drawing));
     this.tangents.draw(this.overlay, this.projection());
     this.showHover();
     this.host.dataset.stride = String(drawing.stride);
-    this.host.dataset.drawn = moving ? "moving" : "still";
   }
 
   private pictured(drawing: Drawing): Picture {

@@ -82,6 +82,23 @@ function firstWith(samples: Uint32Array, least: number): number {
   return low;
 }
 
+type Drawn = Mesh | LineSegments | Points;
+
+/** Draws only those of the trails in an object that `chosen` names; null: all. `counts` are their parts, in the object's units. */
+function drawOnly(object: Drawn, trails: readonly DrawnTrail[], counts: readonly number[], chosen: ReadonlySet<number> | null): void {
+  const { geometry } = object;
+  const material = [object.material].flat()[0];
+  geometry.clearGroups();
+  object.material = chosen ? [material] : material;
+  let at = 0;
+  trails.forEach(({ index }, i) => {
+    const last = geometry.groups.at(-1);
+    if (chosen?.has(index) && last && last.start + last.count === at) last.count += counts[i];
+    else if (chosen?.has(index)) geometry.addGroup(at, counts[i], 0);
+    at += counts[i];
+  });
+}
+
 /** Lines of a given width, or of one pixel, which software draws much faster. */
 export class Lines {
   readonly object: Mesh | LineSegments;
@@ -123,6 +140,11 @@ export class Lines {
     });
   }
 
+  /** From now on only these trails are drawn; null: all. */
+  only(chosen: ReadonlySet<number> | null): void {
+    drawOnly(this.object, this.trails, this.stretches.map(({ length }) => (this.fat ? 3 * length : length)), chosen);
+  }
+
   /** The place of an end, by its number. */
   private write(end: number, places: Float32Array, sample: number): void {
     const { position } = this.object.geometry.attributes;
@@ -160,13 +182,18 @@ export class Lines {
 export class Dots {
   readonly object: Points;
   private readonly colors: BufferAttribute;
+  /** How many dots each trail has. */
+  private readonly counts: readonly number[];
 
   constructor(
     private readonly trails: readonly DrawnTrail[], private readonly every: number, material: ShaderMaterial,
   ) {
     const places: number[] = [];
-    for (const trail of trails)
+    this.counts = trails.map((trail) => {
+      const before = places.length;
       eachDot(trail, every, (s) => places.push(trail.places[3 * s], trail.places[3 * s + 1], trail.places[3 * s + 2]));
+      return (places.length - before) / 3;
+    });
     this.colors = new BufferAttribute(new Uint8Array(places.length), 3, true);
     this.object = pointsOf(Float32Array.from(places), this.colors, material);
   }
@@ -185,6 +212,11 @@ export class Dots {
       (position as BufferAttribute).addUpdateRange(from, at - from);
       position.needsUpdate = true;
     }
+  }
+
+  /** From now on only these trails are drawn; null: all. */
+  only(chosen: ReadonlySet<number> | null): void {
+    drawOnly(this.object, this.trails, this.counts, chosen);
   }
 
   recolor(colorsOf: (trail: number) => SampleColors): void {
