@@ -3,7 +3,7 @@
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import type { Vec3 } from "../src/source/trail";
-import { useBrowser } from "./support/browser";
+import { useBrowser, withoutWebGl } from "./support/browser";
 import { along, distanceTo, near, Picture, poseHash, project, type Pose } from "./support/picture";
 import { expectState, inkOf, press, stateOf } from "./support/read";
 import { savedBy } from "./support/saved";
@@ -21,13 +21,6 @@ const scene: SceneInput = {
 };
 const view: Pose = { view: "persp", target: [0, 0, 4], distance: 45, azimuth: 20, elevation: 15 };
 const hash = `keys=0&labels=0&mode=0&select=1&${poseHash(view)}`;
-
-function withoutWebGl(): void {
-  const known = HTMLCanvasElement.prototype.getContext;
-  HTMLCanvasElement.prototype.getContext = function (this: HTMLCanvasElement, type: string, ...more: unknown[]) {
-    return type.startsWith("webgl") ? null : Reflect.apply(known, this, [type, ...more]);
-  } as typeof known;
-}
 
 async function open(): Promise<Page> {
   const page = await browser.open(scene, { hash, before: withoutWebGl });
