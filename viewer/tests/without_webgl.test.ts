@@ -3,7 +3,7 @@
 import type { Page } from "playwright-core";
 import { describe, expect, test } from "vitest";
 import type { Vec3 } from "../src/source/trail";
-import { useBrowser } from "./support/browser";
+import { useBrowser, withoutWebGl } from "./support/browser";
 import { along, distanceTo, near, Picture, poseHash, project, type Pose } from "./support/picture";
 import { expectState, inkOf, press, stateOf } from "./support/read";
 import { savedBy } from "./support/saved";

@@ -3,7 +3,7 @@
 import type { Page } from "playwright-core";
 import { expect, test } from "vitest";
 import type { Vec3 } from "../../src/source/trail";
-import { useBrowser } from "../support/browser";
+import { useBrowser, withoutWebGl, type OpenOptions } from "../support/browser";
 import { temporaryFolder } from "../support/files";
 import { arcScene, CHANNELS, dragBy, keysAsEdits, PATIENT, select, spotOf, step } from "../support/handles";
 import { describeLive, nativeBits, openLive, others, shownBits } from "../support/live";
@@ -45,8 +45,8 @@ function offPath(points: string, path: string): number {
 const away = (a: Vec3, b: Vec3) => Math.hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]);
 
 /** A page with the object selected, and where it is at some frames. */
-async function opened(name: string) {
-  const page = await openLive(browser, file(name), scene);
+async function opened(name: string, options?: OpenOptions) {
+  const page = await openLive(browser, file(name), scene, options);
   const first = await shownBits(page);
   const trail = Object.keys(first).indexOf(ARC);
   await select(page, trail);
@@ -97,6 +97,18 @@ describeLive("a dot between two keys that is dragged along its path", () => {
     await expect.poll(() => mark.isVisible(), PATIENT).toBe(false);
   });
 
+});
+
+describeLive("without WebGL", () => {
+  test("a dot that is dragged along its path slides as well", async () => {
+    const { page, trail, at } = await opened("flat.html", { before: withoutWebGl });
+    expect(await page.locator(".without-webgl").isVisible()).toBe(true);
+    const [from, to, wanted] = [await at(BEAD), await at(BEAD + 1), await placeAt(page, trail, BEAD + 1)];
+    const far = away(wanted, await placeAt(page, trail, BEAD));
+    await dragBy(page, from, to.x - from.x, to.y - from.y);
+    await step(page, "undoes", CHANGED);
+    expect(away(await placeAt(page, trail, BEAD), wanted)).toBeLessThan(0.02 * far);
+  });
 });
 
 describeLive("a dot that cannot slide", () => {

@@ -18,6 +18,14 @@ export interface OpenOptions extends BrowserContextOptions {
   before?: () => void;
 }
 
+/** For OpenOptions.before: a browser that has no WebGL. */
+export function withoutWebGl(): void {
+  const known = HTMLCanvasElement.prototype.getContext;
+  HTMLCanvasElement.prototype.getContext = function (this: HTMLCanvasElement, type: string, ...more: unknown[]) {
+    return type.startsWith("webgl") ? null : Reflect.apply(known, this, [type, ...more]);
+  } as typeof known;
+}
+
 export interface Opener {
   /** Opens the page that shows this scene, and waits until it stands. */
   open(scene: SceneInput, options?: OpenOptions): Promise<Page>;
