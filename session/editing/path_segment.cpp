@@ -27,7 +27,7 @@ namespace {
 // Handles in time that differ by less, in parts of the segment, are the same.
 constexpr double kSameHandles = 1e-10;
 
-constexpr double kFar = std::numeric_limits<double>::infinity();
+constexpr double kForever = std::numeric_limits<double>::infinity();
 
 std::size_t first_after(const std::vector<Key>& keys, double frame) {
   const auto later = [](double time, const Key& key) { return time < key.time; };
@@ -110,7 +110,8 @@ class Search {
     const AnimCurve& curve = scene_.curves.at(own.curve);
     const std::vector<Key>& keys = curve.keys();
     const std::size_t after = first_after(keys, frame_);
-    const Piece piece = {own, after > 0 ? keys[after - 1].time : -kFar, after < keys.size() ? keys[after].time : kFar};
+    const Piece piece = {own, after > 0 ? keys[after - 1].time : -kForever,
+                         after < keys.size() ? keys[after].time : kForever};
     if (after == 0 || after == keys.size()) {
       if (!curve.is_constant() && (after == 0 ? moves_before(curve) : moves_after(curve)))
         fail(Obstacle::beyond_keys, "the path of " + name_ + " at frame " + number_text(frame_) +
@@ -163,7 +164,7 @@ class Search {
   NodeId object_;
   double frame_;
   std::string name_;
-  PathSegment found_{-kFar, kFar, {}, {}};
+  PathSegment found_{-kForever, kForever, {}, {}};
   std::vector<Piece> moving_, resting_;
   std::vector<double> rises_;  // of the values, beside the channels that were found
   std::optional<CannotPlace> why_not_;

@@ -38,8 +38,8 @@ WeightedSegment::WeightedSegment(double length, double rise, TangentVector out, 
 }
 
 bool WeightedSegment::is_time_even() const {
-  constexpr double kRounding = 1e-12;
-  return std::abs(time2_) <= kRounding && std::abs(time3_) <= kRounding;
+  constexpr double kEvenTime = 1e-12;
+  return std::abs(time2_) <= kEvenTime && std::abs(time3_) <= kEvenTime;
 }
 
 WeightedSegment::Cubic WeightedSegment::as_cubic() const {
