@@ -8,7 +8,6 @@ import { along, distanceTo, near, Picture, poseHash, project, type Pose } from "
 import { expectState, inkOf, press, stateOf } from "./support/read";
 import { savedBy } from "./support/saved";
 import type { SceneInput } from "./support/trails";
-import { withoutWebGl } from "./support/without_webgl";
 
 const browser = useBrowser();
 

@@ -4,11 +4,10 @@ import { writeFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { expect, test } from "vitest";
 import type { ViewState } from "../../src/model/state";
-import { useBrowser } from "../support/browser";
+import { useBrowser, withoutWebGl } from "../support/browser";
 import { temporaryFolder } from "../support/files";
 import { describeLive, openLive } from "../support/live";
 import { settle } from "../support/picture";
-import { withoutWebGl } from "../support/without_webgl";
 
 const browser = useBrowser();
 const file = temporaryFolder();

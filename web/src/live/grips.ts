@@ -1,7 +1,8 @@
 // What a drag can take hold of, and what each pull of it does to the scene's keys.
 
 import { EngineError } from "../errors";
-import type { Placing, Scene } from "../scene";
+import type { Placing } from "../animation";
+import type { Scene } from "../scene";
 import { isBroken, keysAt, pathVector, roomOf, wholeFrameIn } from "./keys";
 
 export type Side = "in" | "out";

@@ -1,9 +1,10 @@
 // What a Worker does with the engine for a page: one open scene with its trails, edits of it, and the rebuilding of trails
 // in slices between requests. It knows nothing of Workers: whoever makes it passes on its events and turns its clock.
 
+import type { Key } from "../animation";
 import type { Engine } from "../engine";
 import { EngineError } from "../errors";
-import type { CameraView, Form, History, Key, Scene, Written } from "../scene";
+import type { CameraView, Form, History, Scene, Written } from "../scene";
 import type { Trails } from "../trails";
 import { Drag } from "./drag";
 import type { Grip, Pull } from "./grips";

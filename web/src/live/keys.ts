@@ -1,6 +1,7 @@
 // What the page is told of keys: where they can go in time, and where their tangents lead.
 
-import { Tangent, type Curve, type Key, type KeyTangents, type Scene } from "../scene";
+import { Tangent, type Curve, type Key, type KeyTangents } from "../animation";
+import type { Scene } from "../scene";
 import { kindOf, type TangentKind } from "./tangent_kinds";
 
 /** A key of a channel, with what is beside it. */

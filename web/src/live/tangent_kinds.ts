@@ -1,6 +1,6 @@
 // The kinds of tangents, by words for people.
 
-import { Tangent, type Key } from "../scene";
+import { Tangent, type Key } from "../animation";
 
 /** Stepped ones are of the side that leaves a key. */
 export const TANGENT_KINDS =
