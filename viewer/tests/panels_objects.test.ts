@@ -290,41 +290,43 @@ describe("the list by keyboard", () => {
   });
 });
 
-test("names are text, whatever they look like", async () => {
-  const names = ["<script>document.title='owned'</script>", "<img src=x onerror=\"document.title='owned'\">", "</script><h1>x</h1>", "a\u2028b & \"c\" 'd'"];
-  const page = await browser.open({
-    scene: "<img src=x onerror=alert(1)>.ma", trails: names.map((name) => arc(name, { warnings: [`<b>${name}</b>`], source: `|${name}` })),
-  });
-  await press(page, "Control+a", "r");
-  expect(await page.locator(".object .name").allTextContents()).toEqual(names);
-  expect(await page.title()).toBe("<img src=x onerror=alert(1)>.ma: motion trails");
-  expect(await page.locator("h1").allTextContents()).toEqual(["<img src=x onerror=alert(1)>.ma"]);
-  expect(await page.locator("#app img, #app script, #app b").count()).toBe(0);
-  expect(await page.locator(".reference-name").textContent()).toBe(`relative to ${names[0]}`);
-});
-
-test("an object that is selected elsewhere comes into sight, and is where a selection with Shift begins", async () => {
-  const page = await browser.open({ trails: Array.from({ length: 60 }, (_, i) => arc(`object_${i}`)) });
-  const select = (trail: number) => page.evaluate((index) => window.vantorelixViewer.store.set({ selected: new Set([index]) }), trail);
-  const inSight = (name: string) =>
-    cell(page, name).evaluate((e) => {
-      const [box, list] = [e.getBoundingClientRect(), e.closest(".objects")!.getBoundingClientRect()];
-      return box.top >= list.top - 1 && box.bottom <= list.bottom + 1;
+describe("a list of any objects", () => {
+  test("names are text, whatever they look like", async () => {
+    const names = ["<script>document.title='owned'</script>", "<img src=x onerror=\"document.title='owned'\">", "</script><h1>x</h1>", "a\u2028b & \"c\" 'd'"];
+    const page = await browser.open({
+      scene: "<img src=x onerror=alert(1)>.ma", trails: names.map((name) => arc(name, { warnings: [`<b>${name}</b>`], source: `|${name}` })),
     });
-  expect(await inSight("object_50")).toBe(false);
-  await select(50);
-  expect(await inSight("object_50")).toBe(true);
-  await cell(page, "object_52").click({ modifiers: ["Shift"] });
-  await expectState(page, "selected", [50, 51, 52]);
-  await select(2);
-  expect(await inSight("object_2")).toBe(true);
-});
-
-test("of a thousand objects those are selected that a search lists", async () => {
-  const page = await browser.open({ trails: Array.from({ length: 1000 }, (_, i) => arc(`object_${i}`)) });
-  await page.evaluate(() => {
-    window.vantorelixViewer.store.set({ search: "_99" });
-    document.querySelector<HTMLElement>(".actions button")!.click();
+    await press(page, "Control+a", "r");
+    expect(await page.locator(".object .name").allTextContents()).toEqual(names);
+    expect(await page.title()).toBe("<img src=x onerror=alert(1)>.ma: motion trails");
+    expect(await page.locator("h1").allTextContents()).toEqual(["<img src=x onerror=alert(1)>.ma"]);
+    expect(await page.locator("#app img, #app script, #app b").count()).toBe(0);
+    expect(await page.locator(".reference-name").textContent()).toBe(`relative to ${names[0]}`);
   });
-  expect(await stateOf(page, "selected")).toEqual([99, 990, 991, 992, 993, 994, 995, 996, 997, 998, 999]);
+
+  test("an object that is selected elsewhere comes into sight, and is where a selection with Shift begins", async () => {
+    const page = await browser.open({ trails: Array.from({ length: 60 }, (_, i) => arc(`object_${i}`)) });
+    const select = (trail: number) => page.evaluate((index) => window.vantorelixViewer.store.set({ selected: new Set([index]) }), trail);
+    const inSight = (name: string) =>
+      cell(page, name).evaluate((e) => {
+        const [box, list] = [e.getBoundingClientRect(), e.closest(".objects")!.getBoundingClientRect()];
+        return box.top >= list.top - 1 && box.bottom <= list.bottom + 1;
+      });
+    expect(await inSight("object_50")).toBe(false);
+    await select(50);
+    expect(await inSight("object_50")).toBe(true);
+    await cell(page, "object_52").click({ modifiers: ["Shift"] });
+    await expectState(page, "selected", [50, 51, 52]);
+    await select(2);
+    expect(await inSight("object_2")).toBe(true);
+  });
+
+  test("of a thousand objects those are selected that a search lists", async () => {
+    const page = await browser.open({ trails: Array.from({ length: 1000 }, (_, i) => arc(`object_${i}`)) });
+    await page.evaluate(() => {
+      window.vantorelixViewer.store.set({ search: "_99" });
+      document.querySelector<HTMLElement>(".actions button")!.click();
+    });
+    expect(await stateOf(page, "selected")).toEqual([99, 990, 991, 992, 993, 994, 995, 996, 997, 998, 999]);
+  });
 });

@@ -360,51 +360,53 @@ describe("a relative view", () => {
   });
 });
 
-test("a trail that is hidden is not drawn, and one that is shown alone is the only one", async () => {
-  const low = { ...plain.trails[0], name: "low", points: arc.map(([x, y, z]) => [x, y - 5, z] as Vec3) };
-  const drawn = async (hash: string) => {
-    const page = await browser.open({ ...plain, trails: [plain.trails[0], low] }, { hash: `${bare}&ghost=1&${hash}&${poseHash(poses.front)}` });
+describe("the whole picture", () => {
+  test("a trail that is hidden is not drawn, and one that is shown alone is the only one", async () => {
+    const low = { ...plain.trails[0], name: "low", points: arc.map(([x, y, z]) => [x, y - 5, z] as Vec3) };
+    const drawn = async (hash: string) => {
+      const page = await browser.open({ ...plain, trails: [plain.trails[0], low] }, { hash: `${bare}&ghost=1&${hash}&${poseHash(poses.front)}` });
+      const picture = await Picture.ofViewport(page);
+      return [arc, low.points].map((points) => near(picture.at(place(picture, poses.front, points[9])), TEAL));
+    };
+    expect(await drawn("mode=0")).toEqual([true, true]);
+    expect(await drawn("hide=0")).toEqual([false, true]);
+    expect(await drawn("solo=0")).toEqual([true, false]);
+  });
+
+  test("the saved picture is the viewport's", async () => {
+    const page = await browser.open(plain, { hash: `${bare}&${poseHash(poses.persp)}` });
+    await settle(page);
+    const { name, content } = await savedBy(page, () => page.keyboard.press("Shift+P"));
+    expect(name).toMatch(/\.png$/);
+    const picture = Picture.read(content);
+    expectDrawn(picture, arc.map((p) => place(picture, poses.persp, p)), TEAL);
+  });
+
+  test("what only turns stands on a ground, says so, and its rounding is no spacing", async () => {
+    const turning: SceneInput = {
+      range: [1, 24], trails: [{ name: "wheel", points: points(24, (i): Vec3 => [0.5 + 1e-8 * (i % 3), 3, 2]), keyTimes: [1, 24] }],
+    };
+    const pose: Pose = { view: "top", target: [0.5, 3, 2], distance: 4, azimuth: 0, elevation: 90 };
+    const page = await browser.open(turning, { hash: `${bare}&${poseHash(pose)}`, before: writeDown });
     const picture = await Picture.ofViewport(page);
-    return [arc, low.points].map((points) => near(picture.at(place(picture, poses.front, points[9])), TEAL));
-  };
-  expect(await drawn("mode=0")).toEqual([true, true]);
-  expect(await drawn("hide=0")).toEqual([false, true]);
-  expect(await drawn("solo=0")).toEqual([true, false]);
-});
+    const ground = picture.at(project(pose, [1.13, 3, 2.53], picture.width, picture.height));
+    expect(near(ground, picture.at({ x: 2, y: 2 }), 2)).toBe(false);
+    const texts = (await written(page)).join("\n");
+    expect(texts).toContain("nothing travels: what has keys may only turn");
+    expect(texts).not.toMatch(/\de-\d/);
+  });
 
-test("the saved picture is the viewport's", async () => {
-  const page = await browser.open(plain, { hash: `${bare}&${poseHash(poses.persp)}` });
-  await settle(page);
-  const { name, content } = await savedBy(page, () => page.keyboard.press("Shift+P"));
-  expect(name).toMatch(/\.png$/);
-  const picture = Picture.read(content);
-  expectDrawn(picture, arc.map((p) => place(picture, poses.persp, p)), TEAL);
-});
-
-test("what only turns stands on a ground, says so, and its rounding is no spacing", async () => {
-  const turning: SceneInput = {
-    range: [1, 24], trails: [{ name: "wheel", points: points(24, (i): Vec3 => [0.5 + 1e-8 * (i % 3), 3, 2]), keyTimes: [1, 24] }],
-  };
-  const pose: Pose = { view: "top", target: [0.5, 3, 2], distance: 4, azimuth: 0, elevation: 90 };
-  const page = await browser.open(turning, { hash: `${bare}&${poseHash(pose)}`, before: writeDown });
-  const picture = await Picture.ofViewport(page);
-  const ground = picture.at(project(pose, [1.13, 3, 2.53], picture.width, picture.height));
-  expect(near(ground, picture.at({ x: 2, y: 2 }), 2)).toBe(false);
-  const texts = (await written(page)).join("\n");
-  expect(texts).toContain("nothing travels: what has keys may only turn");
-  expect(texts).not.toMatch(/\de-\d/);
-});
-
-test("a thousand trails of a thousand samples are drawn plainly while they turn", async () => {
-  const trails = Array.from({ length: 1000 }, (_, t) => ({
-    ...plain.trails[0], name: `o${t}`,
-    points: Array.from({ length: 1000 }, (_, i) => [(t % 32) * 4 + Math.sin(i / 50), Math.cos(i / 30), Math.floor(t / 32) * 4] as Vec3),
-  }));
-  const page = await browser.open({ range: [1, 1000], trails }, { hash: "select=" });
-  const stride = () => page.locator(".viewport").getAttribute("data-stride");
-  expect(Number(await stride())).toBeGreaterThan(1);
-  await page.keyboard.press("l");
-  expect(Number(await stride())).toBeGreaterThan(1);
-  const picture = await Picture.ofViewport(page);
-  expect(picture.pixelsOf(TEAL).length).toBeGreaterThan(3000);
+  test("a thousand trails of a thousand samples are drawn plainly while they turn", async () => {
+    const trails = Array.from({ length: 1000 }, (_, t) => ({
+      ...plain.trails[0], name: `o${t}`,
+      points: Array.from({ length: 1000 }, (_, i) => [(t % 32) * 4 + Math.sin(i / 50), Math.cos(i / 30), Math.floor(t / 32) * 4] as Vec3),
+    }));
+    const page = await browser.open({ range: [1, 1000], trails }, { hash: "select=" });
+    const stride = () => page.locator(".viewport").getAttribute("data-stride");
+    expect(Number(await stride())).toBeGreaterThan(1);
+    await page.keyboard.press("l");
+    expect(Number(await stride())).toBeGreaterThan(1);
+    const picture = await Picture.ofViewport(page);
+    expect(picture.pixelsOf(TEAL).length).toBeGreaterThan(3000);
+  });
 });

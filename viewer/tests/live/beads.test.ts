@@ -1,7 +1,7 @@
 // Live pages: dots between keys, which slide along their path.
 
 import type { Page } from "playwright-core";
-import { expect, test } from "vitest";
+import { describe, expect, test } from "vitest";
 import type { Vec3 } from "../../src/source/trail";
 import { useBrowser, withoutWebGl, type OpenOptions } from "../support/browser";
 import { temporaryFolder } from "../support/files";
@@ -55,81 +55,83 @@ async function opened(name: string, options?: OpenOptions) {
   return { page, first, trail, at };
 }
 
-describeLive("a dot between two keys that is dragged along its path", () => {
-  test("takes its frame to where the pointer is, and leaves the path and the keys, as natively; undo brings all back", async () => {
-    const { page, first, trail, at } = await opened("bead.html");
-    const [from, to, wanted] = [await at(BEAD), await at(BEAD - 2), await placeAt(page, trail, BEAD - 2)];
-    const far = away(wanted, await placeAt(page, trail, BEAD));
-    await dragBy(page, from, to.x - from.x, to.y - from.y);
-    await step(page, "undoes", CHANGED);
-    expect(away(await placeAt(page, trail, BEAD), wanted)).toBeLessThan(0.02 * far);
-    const after = await shownBits(page);
-    const weighed = CHANNELS.map((channel) => ["setWeighted", ARC, channel, 1]);
-    const edits = [...weighed, ...await keysAsEdits(page, ARC, CHANNELS)];
-    expect(others(after, nativeBits(scene, edits, Object.keys(first)))).toEqual([]);
-    expect(offPath(after[ARC].points, first[ARC].points)).toBeLessThan(0.03); // of 20: lines cut corners
-    expect(after[ARC].keyPoints).toBe(first[ARC].keyPoints);
-    await press(page, "Control+z");
-    await step(page, "redoes", CHANGED);
-    expect(others(await shownBits(page), first)).toEqual([]);
-  });
-
-  test("is marked under the pointer, follows it there and back, and returns with Escape", async () => {
-    const { page, first, trail, at } = await opened("there.html");
-    const [from, to, wanted] = [await at(BEAD), await at(BEAD + 1), await placeAt(page, trail, BEAD + 1)];
-    const start = await placeAt(page, trail, BEAD);
-    await page.mouse.move(from.x, from.y);
-    const mark = page.locator(".viewport .bead");
-    await expect.poll(() => mark.isVisible(), PATIENT).toBe(true);
-    const now = async () => away(await placeAt(page, trail, BEAD), wanted) / away(start, wanted);
-    await page.mouse.down();
-    await page.mouse.move(to.x, to.y, { steps: 4 });
-    await expect.poll(now, PATIENT).toBeLessThan(0.02);
-    await page.mouse.move(from.x, from.y, { steps: 4 });
-    await expect.poll(now, PATIENT).toBeGreaterThan(0.98);
-    await page.mouse.move(to.x, to.y, { steps: 4 });
-    await expect.poll(now, PATIENT).toBeLessThan(0.02);
-    await press(page, "Escape");
-    await page.mouse.up();
-    await expect.poll(async () => others(await shownBits(page), first), PATIENT).toEqual([]);
-    expect(await page.evaluate(() => window.vantorelixViewer.editing!.undoes)).toBe(null);
-    await page.mouse.move(from.x + 200, from.y + 150);
-    await expect.poll(() => mark.isVisible(), PATIENT).toBe(false);
-  });
-
-});
-
-describeLive("without WebGL", () => {
-  test("a dot that is dragged along its path slides as well", async () => {
-    const { page, trail, at } = await opened("flat.html", { before: withoutWebGl });
-    expect(await page.locator(".without-webgl").isVisible()).toBe(true);
-    const [from, to, wanted] = [await at(BEAD), await at(BEAD + 1), await placeAt(page, trail, BEAD + 1)];
-    const far = away(wanted, await placeAt(page, trail, BEAD));
-    await dragBy(page, from, to.x - from.x, to.y - from.y);
-    await step(page, "undoes", CHANGED);
-    expect(away(await placeAt(page, trail, BEAD), wanted)).toBeLessThan(0.02 * far);
-  });
-});
-
-describeLive("a dot that cannot slide", () => {
-  test("turns the view where its trail is not selected", async () => {
-    const { page, at } = await opened("unselected.html");
-    await page.evaluate(() => window.vantorelixViewer.store.set({ selected: new Set() }));
-    const from = await at(BEAD);
-    const camera = () => page.evaluate(() => JSON.stringify(window.vantorelixViewer.store.state.camera));
-    const before = await camera();
-    await dragBy(page, from, 60, 20);
-    await expect.poll(camera, PATIENT).not.toBe(before);
-    expect(await page.evaluate(() => window.vantorelixViewer.editing!.undoes)).toBe(null);
-  });
-
-  test("says the engine's reason where the object's own keys do not move it", async () => {
-    const page = await openLive(browser, file("turning.html"), example("arm.ma"));
-    const said = await page.evaluate(async () => {
-      const { editing, motion } = window.vantorelixViewer;
-      const trail = motion.trails.findIndex(({ name }) => name === "forearm");
-      return editing!.beginDrag({ what: "bead", trail, frame: 17 }).then(() => "", (refusal: Error) => refusal.message);
+describe("beads", () => {
+  describeLive("a dot between two keys that is dragged along its path", () => {
+    test("takes its frame to where the pointer is, and leaves the path and the keys, as natively; undo brings all back", async () => {
+      const { page, first, trail, at } = await opened("bead.html");
+      const [from, to, wanted] = [await at(BEAD), await at(BEAD - 2), await placeAt(page, trail, BEAD - 2)];
+      const far = away(wanted, await placeAt(page, trail, BEAD));
+      await dragBy(page, from, to.x - from.x, to.y - from.y);
+      await step(page, "undoes", CHANGED);
+      expect(away(await placeAt(page, trail, BEAD), wanted)).toBeLessThan(0.02 * far);
+      const after = await shownBits(page);
+      const weighed = CHANNELS.map((channel) => ["setWeighted", ARC, channel, 1]);
+      const edits = [...weighed, ...await keysAsEdits(page, ARC, CHANNELS)];
+      expect(others(after, nativeBits(scene, edits, Object.keys(first)))).toEqual([]);
+      expect(offPath(after[ARC].points, first[ARC].points)).toBeLessThan(0.03); // of 20: lines cut corners
+      expect(after[ARC].keyPoints).toBe(first[ARC].keyPoints);
+      await press(page, "Control+z");
+      await step(page, "redoes", CHANGED);
+      expect(others(await shownBits(page), first)).toEqual([]);
     });
-    expect(said).toBe("no keys of the translation of forearm move it at frame 17");
+
+    test("is marked under the pointer, follows it there and back, and returns with Escape", async () => {
+      const { page, first, trail, at } = await opened("there.html");
+      const [from, to, wanted] = [await at(BEAD), await at(BEAD + 1), await placeAt(page, trail, BEAD + 1)];
+      const start = await placeAt(page, trail, BEAD);
+      await page.mouse.move(from.x, from.y);
+      const mark = page.locator(".viewport .bead");
+      await expect.poll(() => mark.isVisible(), PATIENT).toBe(true);
+      const now = async () => away(await placeAt(page, trail, BEAD), wanted) / away(start, wanted);
+      await page.mouse.down();
+      await page.mouse.move(to.x, to.y, { steps: 4 });
+      await expect.poll(now, PATIENT).toBeLessThan(0.02);
+      await page.mouse.move(from.x, from.y, { steps: 4 });
+      await expect.poll(now, PATIENT).toBeGreaterThan(0.98);
+      await page.mouse.move(to.x, to.y, { steps: 4 });
+      await expect.poll(now, PATIENT).toBeLessThan(0.02);
+      await press(page, "Escape");
+      await page.mouse.up();
+      await expect.poll(async () => others(await shownBits(page), first), PATIENT).toEqual([]);
+      expect(await page.evaluate(() => window.vantorelixViewer.editing!.undoes)).toBe(null);
+      await page.mouse.move(from.x + 200, from.y + 150);
+      await expect.poll(() => mark.isVisible(), PATIENT).toBe(false);
+    });
+
+  });
+
+  describeLive("without WebGL", () => {
+    test("a dot that is dragged along its path slides as well", async () => {
+      const { page, trail, at } = await opened("flat.html", { before: withoutWebGl });
+      expect(await page.locator(".without-webgl").isVisible()).toBe(true);
+      const [from, to, wanted] = [await at(BEAD), await at(BEAD + 1), await placeAt(page, trail, BEAD + 1)];
+      const far = away(wanted, await placeAt(page, trail, BEAD));
+      await dragBy(page, from, to.x - from.x, to.y - from.y);
+      await step(page, "undoes", CHANGED);
+      expect(away(await placeAt(page, trail, BEAD), wanted)).toBeLessThan(0.02 * far);
+    });
+  });
+
+  describeLive("a dot that cannot slide", () => {
+    test("turns the view where its trail is not selected", async () => {
+      const { page, at } = await opened("unselected.html");
+      await page.evaluate(() => window.vantorelixViewer.store.set({ selected: new Set() }));
+      const from = await at(BEAD);
+      const camera = () => page.evaluate(() => JSON.stringify(window.vantorelixViewer.store.state.camera));
+      const before = await camera();
+      await dragBy(page, from, 60, 20);
+      await expect.poll(camera, PATIENT).not.toBe(before);
+      expect(await page.evaluate(() => window.vantorelixViewer.editing!.undoes)).toBe(null);
+    });
+
+    test("says the engine's reason where the object's own keys do not move it", async () => {
+      const page = await openLive(browser, file("turning.html"), example("arm.ma"));
+      const said = await page.evaluate(async () => {
+        const { editing, motion } = window.vantorelixViewer;
+        const trail = motion.trails.findIndex(({ name }) => name === "forearm");
+        return editing!.beginDrag({ what: "bead", trail, frame: 17 }).then(() => "", (refusal: Error) => refusal.message);
+      });
+      expect(said).toBe("no keys of the translation of forearm move it at frame 17");
+    });
   });
 });

@@ -1,7 +1,7 @@
 // Live pages: the graph of an object's channels, in which keys and tangents are dragged.
 
 import type { Page } from "playwright-core";
-import { expect, test } from "vitest";
+import { describe, expect, test } from "vitest";
 import { useBrowser } from "../support/browser";
 import { temporaryFolder } from "../support/files";
 import { dragBy, keysAsEdits, PATIENT, select, step } from "../support/handles";
@@ -79,82 +79,84 @@ describeLive("a key in the graph of channels", () => {
   });
 });
 
-const tangentsOf = (page: Page, which: string) => page.getByRole("group", { name: `Tangents ${which}` });
-const DRAWN = "of the channels that are drawn", SELECTED = "of the selected keys";
-const kindsOf = async (page: Page, channel: string) => (await keysOf(page, "|ball", channel)).map(([frame, , into, out]) => [frame, into, out]);
+describe("tangents in the graph of channels", () => {
+  const tangentsOf = (page: Page, which: string) => page.getByRole("group", { name: `Tangents ${which}` });
+  const DRAWN = "of the channels that are drawn", SELECTED = "of the selected keys";
+  const kindsOf = async (page: Page, channel: string) => (await keysOf(page, "|ball", channel)).map(([frame, , into, out]) => [frame, into, out]);
 
-/** Goes to a key of the ball's height by a click. */
-async function clickKey(page: Page, index: number) {
-  const keys = await keysOf(page, "|ball", CHANNEL);
-  const [frame, value] = keys[index];
-  const { x, y } = await spotIn(page, frame, value);
-  await page.mouse.click(x, y);
-  await expect.poll(() => page.evaluate(() => window.vantorelixViewer.store.state.frame)).toBe(frame);
-  return { keys, frame, value };
-}
+  /** Goes to a key of the ball's height by a click. */
+  async function clickKey(page: Page, index: number) {
+    const keys = await keysOf(page, "|ball", CHANNEL);
+    const [frame, value] = keys[index];
+    const { x, y } = await spotIn(page, frame, value);
+    await page.mouse.click(x, y);
+    await expect.poll(() => page.evaluate(() => window.vantorelixViewer.store.state.frame)).toBe(frame);
+    return { keys, frame, value };
+  }
 
-const [LINEAR, FLAT] = [2, 3];
-/** The key at a frame where it has keys of its depth, too. */
-const BOTH = 3;
+  const [LINEAR, FLAT] = [2, 3];
+  /** The key at a frame where it has keys of its depth, too. */
+  const BOTH = 3;
 
-describeLive("the kind of tangents that is chosen", () => {
-  test("in the graph of channels is that of the drawn channels' keys there, as natively, and one step", async () => {
-    const { page, first } = await opened("kinds.html");
-    const { frame } = await clickKey(page, BOTH);
-    const before = [await kindsOf(page, CHANNEL), await kindsOf(page, "translateZ")];
-    expect(before[1].map(([at]) => at)).toContain(frame);
-    await tangentsOf(page, DRAWN).getByLabel("Tangents").selectOption("Linear");
-    await step(page, "undoes", "linear tangents");
-    const changed = before[0].map(([at, ...kinds]) => (at === frame ? [at, LINEAR, LINEAR] : [at, ...kinds]));
-    expect(changed).not.toEqual(before[0]);
-    expect([await kindsOf(page, CHANNEL), await kindsOf(page, "translateZ")]).toEqual([changed, before[1]]);
-    const shown = await shownBits(page);
-    expect(others(shown, first)).toEqual(["|ball"]);
-    expect(others(shown, nativeBits(scene, await keysAsEdits(page, "|ball", [CHANNEL]), Object.keys(first)))).toEqual([]);
-    await press(page, "Control+z");
-    await step(page, "redoes", "linear tangents");
-    expect(others(await shownBits(page), first)).toEqual([]);
-    expect(await page.evaluate(() => window.vantorelixViewer.editing!.undoes)).toBe(null);
+  describeLive("the kind of tangents that is chosen", () => {
+    test("in the graph of channels is that of the drawn channels' keys there, as natively, and one step", async () => {
+      const { page, first } = await opened("kinds.html");
+      const { frame } = await clickKey(page, BOTH);
+      const before = [await kindsOf(page, CHANNEL), await kindsOf(page, "translateZ")];
+      expect(before[1].map(([at]) => at)).toContain(frame);
+      await tangentsOf(page, DRAWN).getByLabel("Tangents").selectOption("Linear");
+      await step(page, "undoes", "linear tangents");
+      const changed = before[0].map(([at, ...kinds]) => (at === frame ? [at, LINEAR, LINEAR] : [at, ...kinds]));
+      expect(changed).not.toEqual(before[0]);
+      expect([await kindsOf(page, CHANNEL), await kindsOf(page, "translateZ")]).toEqual([changed, before[1]]);
+      const shown = await shownBits(page);
+      expect(others(shown, first)).toEqual(["|ball"]);
+      expect(others(shown, nativeBits(scene, await keysAsEdits(page, "|ball", [CHANNEL]), Object.keys(first)))).toEqual([]);
+      await press(page, "Control+z");
+      await step(page, "redoes", "linear tangents");
+      expect(others(await shownBits(page), first)).toEqual([]);
+      expect(await page.evaluate(() => window.vantorelixViewer.editing!.undoes)).toBe(null);
+    });
+
+    test("for the selected keys is that of all their channels, and is told of where the current frame is", async () => {
+      const { page } = await opened("selected.html");
+      const { frame } = await clickKey(page, BOTH);
+      const list = tangentsOf(page, SELECTED).getByLabel("Tangents");
+      await list.selectOption("Flat");
+      await step(page, "undoes", "flat tangents");
+      for (const channel of [CHANNEL, "translateZ"]) expect(await kindsOf(page, channel)).toContainEqual([frame, FLAT, FLAT]);
+      await expect.poll(() => list.inputValue()).toBe("flat");
+      await page.evaluate((at) => window.vantorelixViewer.store.set({ frame: at + 1 }), frame);
+      await expect.poll(() => list.isDisabled()).toBe(true);
+    });
   });
 
-  test("for the selected keys is that of all their channels, and is told of where the current frame is", async () => {
-    const { page } = await opened("selected.html");
-    const { frame } = await clickKey(page, BOTH);
-    const list = tangentsOf(page, SELECTED).getByLabel("Tangents");
-    await list.selectOption("Flat");
-    await step(page, "undoes", "flat tangents");
-    for (const channel of [CHANNEL, "translateZ"]) expect(await kindsOf(page, channel)).toContainEqual([frame, FLAT, FLAT]);
-    await expect.poll(() => list.inputValue()).toBe("flat");
-    await page.evaluate((at) => window.vantorelixViewer.store.set({ frame: at + 1 }), frame);
-    await expect.poll(() => list.isDisabled()).toBe(true);
-  });
-});
-
-describeLive("a weighted curve", () => {
-  test("keeps its shape, and lets the end of a handle be dragged to where the pointer is, as natively", async () => {
-    const { page, first } = await opened("weighted.html");
-    const { keys, frame, value } = await clickKey(page, 2);
-    await tangentsOf(page, DRAWN).getByLabel("Weighted").check();
-    await step(page, "undoes", "weigh tangents");
-    const weigh = ["setWeighted", "|ball", CHANNEL, 1];
-    const weighed = await shownBits(page);
-    expect(others(weighed, nativeBits(scene, [weigh], Object.keys(first)))).toEqual([]);
-    const heights = (bits: typeof first) => bits["|ball"].points.split(",").map(Number);
-    heights(weighed).forEach((number, i) => expect(Math.abs(number - heights(first)[i])).toBeLessThan(1e-9));
-    const [key, one] = [await spotIn(page, frame, value), await spotIn(page, frame + 1, value + 1)];
-    const end = await spotIn(page, frame + (keys[3][0] - frame) / 3, value);
-    await settle(page);
-    await dragBy(page, end, 25, 18);
-    await step(page, "undoes", "change tangent");
-    const [, , , , , , outX, outY] = (await keysOf(page, "|ball", CHANNEL))[2];
-    const now = await page.evaluate((channel) => window.vantorelixViewer.editing!.channelCurves(
-      window.vantorelixViewer.motion.trails.findIndex(({ source }) => source === "|ball"), Float64Array.of(1)).then((all) => all.find((curve) => curve.channel === channel)!), CHANNEL);
-    expect(now.weighted).toBe(true);
-    expect([now.keys[2].tangents.outX, now.keys[2].tangents.outY]).toEqual([outX, outY]);
-    const fps = await page.evaluate(() => window.vantorelixViewer.scene.fps);
-    const there = { x: key.x + ((outX * fps) / 3) * (one.x - key.x), y: key.y + (outY / 3) * (one.y - key.y) }; // as the graph was then
-    expect(Math.hypot(there.x - end.x - 25, there.y - end.y - 18)).toBeLessThan(3); // the places here are that exact
-    const edits = [weigh, ...await keysAsEdits(page, "|ball", [CHANNEL])];
-    expect(others(await shownBits(page), nativeBits(scene, edits, Object.keys(first)))).toEqual([]);
+  describeLive("a weighted curve", () => {
+    test("keeps its shape, and lets the end of a handle be dragged to where the pointer is, as natively", async () => {
+      const { page, first } = await opened("weighted.html");
+      const { keys, frame, value } = await clickKey(page, 2);
+      await tangentsOf(page, DRAWN).getByLabel("Weighted").check();
+      await step(page, "undoes", "weigh tangents");
+      const weigh = ["setWeighted", "|ball", CHANNEL, 1];
+      const weighed = await shownBits(page);
+      expect(others(weighed, nativeBits(scene, [weigh], Object.keys(first)))).toEqual([]);
+      const heights = (bits: typeof first) => bits["|ball"].points.split(",").map(Number);
+      heights(weighed).forEach((number, i) => expect(Math.abs(number - heights(first)[i])).toBeLessThan(1e-9));
+      const [key, one] = [await spotIn(page, frame, value), await spotIn(page, frame + 1, value + 1)];
+      const end = await spotIn(page, frame + (keys[3][0] - frame) / 3, value);
+      await settle(page);
+      await dragBy(page, end, 25, 18);
+      await step(page, "undoes", "change tangent");
+      const [, , , , , , outX, outY] = (await keysOf(page, "|ball", CHANNEL))[2];
+      const now = await page.evaluate((channel) => window.vantorelixViewer.editing!.channelCurves(
+        window.vantorelixViewer.motion.trails.findIndex(({ source }) => source === "|ball"), Float64Array.of(1)).then((all) => all.find((curve) => curve.channel === channel)!), CHANNEL);
+      expect(now.weighted).toBe(true);
+      expect([now.keys[2].tangents.outX, now.keys[2].tangents.outY]).toEqual([outX, outY]);
+      const fps = await page.evaluate(() => window.vantorelixViewer.scene.fps);
+      const there = { x: key.x + ((outX * fps) / 3) * (one.x - key.x), y: key.y + (outY / 3) * (one.y - key.y) }; // as the graph was then
+      expect(Math.hypot(there.x - end.x - 25, there.y - end.y - 18)).toBeLessThan(3); // the places here are that exact
+      const edits = [weigh, ...await keysAsEdits(page, "|ball", [CHANNEL])];
+      expect(others(await shownBits(page), nativeBits(scene, edits, Object.keys(first)))).toEqual([]);
+    });
   });
 });

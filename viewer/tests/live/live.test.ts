@@ -3,7 +3,7 @@
 import { readFileSync, readdirSync } from "node:fs";
 import { basename } from "node:path";
 import type { Page } from "playwright-core";
-import { expect, test } from "vitest";
+import { describe, expect, test } from "vitest";
 import type { Vec3 } from "../../src/source/trail";
 import { useBrowser } from "../support/browser";
 import { temporaryFolder } from "../support/files";
@@ -38,98 +38,100 @@ describeLive("a page that waits for a scene shows, to the last bit, the trails t
     });
 });
 
-describeLive("a key that is dragged", () => {
-  for (const name of ["bounce.ma", "crane.gltf"])
-    test(`moves the trails of ${name} as the native engine does after the same edit, and undo brings the first bits back`, async () => {
-      const page = await openLive(browser, file("live.html"), example(name));
-      const first = await shownBits(page);
-      const sources = Object.keys(first);
-      const { source, at } = (await aim(page))!;
+describe("keys that are dragged", () => {
+  describeLive("a key that is dragged", () => {
+    for (const name of ["bounce.ma", "crane.gltf"])
+      test(`moves the trails of ${name} as the native engine does after the same edit, and undo brings the first bits back`, async () => {
+        const page = await openLive(browser, file("live.html"), example(name));
+        const first = await shownBits(page);
+        const sources = Object.keys(first);
+        const { source, at } = (await aim(page))!;
+        await dragBy(page, at, 37, -23);
+        await step(page, "undoes");
+        const keys = await keysAsEdits(page, source, CHANNELS);
+        const after = await shownBits(page);
+        expect(others(after, first)).toContain(source);
+        expect(others(after, nativeBits(example(name), keys, sources))).toEqual([]);
+        expect(others(first, nativeBits(example(name), [], sources))).toEqual([]);
+        await press(page, "Control+z");
+        await step(page, "redoes");
+        expect(others(await shownBits(page), first)).toEqual([]);
+        await press(page, "Control+Shift+z");
+        await step(page, "undoes");
+        expect(others(await shownBits(page), after)).toEqual([]);
+      });
+  });
+
+  describeLive("while a key is dragged", () => {
+    test("it stays under the pointer, along an axis with its key held, and Escape puts it back", async () => {
+      const page = await openLive(browser, file("axis.html"), example("bounce.ma"));
+      const found = (await aim(page))!;
+      const first = await placeOf(page, found);
+      const box = (await page.locator(".viewport").boundingBox())!;
+      const camera = await page.evaluate(() => window.vantorelixViewer.store.state.camera as Pose);
+      const seen = async () => project(camera, await placeOf(page, found) as unknown as Vec3, box.width, box.height);
+      await page.mouse.move(found.at.x, found.at.y);
+      await page.mouse.down();
+      await page.mouse.move(found.at.x + 40, found.at.y + 25, { steps: 3 });
+      const away = async () => {
+        const { x, y } = await seen();
+        return Math.hypot(box.x + x - found.at.x - 40, box.y + y - found.at.y - 25);
+      };
+      await expect.poll(away, PATIENT).toBeLessThan(0.5);
+      await page.keyboard.down("y");
+      const across = async () => {
+        const [x, , z] = await placeOf(page, found);
+        return Math.hypot(x - first[0], z - first[2]);
+      };
+      await expect.poll(across, PATIENT).toBeLessThan(1e-12);
+      expect((await placeOf(page, found))[1]).not.toBe(first[1]);
+      await page.keyboard.up("y");
+      await press(page, "Escape");
+      await expect.poll(() => placeOf(page, found), PATIENT).toEqual(first);
+      await page.mouse.up();
+      expect(await page.evaluate(() => window.vantorelixViewer.editing!.undoes)).toBe(null);
+    });
+
+    test("the engine's reason is said where a key that it would need changes what repeats, and nothing is edited", async () => {
+      const page = await openLive(browser, file("repeats.html"), example("prop.ma"));
+      const { at } = (await aim(page))!;
       await dragBy(page, at, 37, -23);
-      await step(page, "undoes");
-      const keys = await keysAsEdits(page, source, CHANNELS);
-      const after = await shownBits(page);
-      expect(others(after, first)).toContain(source);
-      expect(others(after, nativeBits(example(name), keys, sources))).toEqual([]);
-      expect(others(first, nativeBits(example(name), [], sources))).toEqual([]);
-      await press(page, "Control+z");
-      await step(page, "redoes");
-      expect(others(await shownBits(page), first)).toEqual([]);
-      await press(page, "Control+Shift+z");
-      await step(page, "undoes");
-      expect(others(await shownBits(page), after)).toEqual([]);
+      await expect.poll(() => page.locator(".message").textContent(), PATIENT).toContain("would change what the curve repeats there");
+      await exact(page);
+      expect(await page.evaluate(() => window.vantorelixViewer.editing!.undoes)).toBe(null);
     });
-});
 
-describeLive("while a key is dragged", () => {
-  test("it stays under the pointer, along an axis with its key held, and Escape puts it back", async () => {
-    const page = await openLive(browser, file("axis.html"), example("bounce.ma"));
-    const found = (await aim(page))!;
-    const first = await placeOf(page, found);
-    const box = (await page.locator(".viewport").boundingBox())!;
-    const camera = await page.evaluate(() => window.vantorelixViewer.store.state.camera as Pose);
-    const seen = async () => project(camera, await placeOf(page, found) as unknown as Vec3, box.width, box.height);
-    await page.mouse.move(found.at.x, found.at.y);
-    await page.mouse.down();
-    await page.mouse.move(found.at.x + 40, found.at.y + 25, { steps: 3 });
-    const away = async () => {
-      const { x, y } = await seen();
-      return Math.hypot(box.x + x - found.at.x - 40, box.y + y - found.at.y - 25);
-    };
-    await expect.poll(away, PATIENT).toBeLessThan(0.5);
-    await page.keyboard.down("y");
-    const across = async () => {
-      const [x, , z] = await placeOf(page, found);
-      return Math.hypot(x - first[0], z - first[2]);
-    };
-    await expect.poll(across, PATIENT).toBeLessThan(1e-12);
-    expect((await placeOf(page, found))[1]).not.toBe(first[1]);
-    await page.keyboard.up("y");
-    await press(page, "Escape");
-    await expect.poll(() => placeOf(page, found), PATIENT).toEqual(first);
-    await page.mouse.up();
-    expect(await page.evaluate(() => window.vantorelixViewer.editing!.undoes)).toBe(null);
-  });
-
-  test("the engine's reason is said where a key that it would need changes what repeats, and nothing is edited", async () => {
-    const page = await openLive(browser, file("repeats.html"), example("prop.ma"));
-    const { at } = (await aim(page))!;
-    await dragBy(page, at, 37, -23);
-    await expect.poll(() => page.locator(".message").textContent(), PATIENT).toContain("would change what the curve repeats there");
-    await exact(page);
-    expect(await page.evaluate(() => window.vantorelixViewer.editing!.undoes)).toBe(null);
-  });
-
-  test("the engine's reason is said where its object only turns", async () => {
-    const page = await openLive(browser, file("turns.html"), example("arm.ma"));
-    const { source, frame, said } = await page.evaluate(async () => {
-      const { editing, motion } = window.vantorelixViewer;
-      const index = motion.trails.findIndex(({ name }) => name === "forearm");
-      const { source, keyTimes } = motion.trails[index];
-      const said = await editing!.beginDrag({ what: "place", trail: index, frame: keyTimes[1] }).then(() => "", (refusal: Error) => refusal.message);
-      return { source, frame: keyTimes[1], said };
+    test("the engine's reason is said where its object only turns", async () => {
+      const page = await openLive(browser, file("turns.html"), example("arm.ma"));
+      const { source, frame, said } = await page.evaluate(async () => {
+        const { editing, motion } = window.vantorelixViewer;
+        const index = motion.trails.findIndex(({ name }) => name === "forearm");
+        const { source, keyTimes } = motion.trails[index];
+        const said = await editing!.beginDrag({ what: "place", trail: index, frame: keyTimes[1] }).then(() => "", (refusal: Error) => refusal.message);
+        return { source, frame: keyTimes[1], said };
+      });
+      expect(said).toBe(nativeObstacle(example("arm.ma"), source, frame));
+      expect(said).toContain("forearm");
     });
-    expect(said).toBe(nativeObstacle(example("arm.ma"), source, frame));
-    expect(said).toContain("forearm");
   });
-});
 
-describeLive("a key that is pulled by one move of the pointer", () => {
-  test("goes there, however soon it is let go", async () => {
-    const page = await openLive(browser, file("flick.html"), example("bounce.ma"));
-    const found = (await aim(page))!;
-    const first = await placeOf(page, found);
-    await page.locator(".viewport .overlay").evaluate((canvas, { x, y }) => {
-      const send = (type: string, dx: number) => canvas.dispatchEvent(new PointerEvent(type, {
-        clientX: x + dx, clientY: y, button: 0, buttons: type === "pointerup" ? 0 : 1, pointerId: 1, bubbles: true,
-      }));
-      HTMLElement.prototype.setPointerCapture = () => {}; // there is no real pointer to capture
-      send("pointerdown", 0);
-      send("pointermove", 50);
-      send("pointerup", 50);
-    }, found.at);
-    await step(page, "undoes");
-    expect((await placeOf(page, found))[0]).not.toBe(first[0]);
+  describeLive("a key that is pulled by one move of the pointer", () => {
+    test("goes there, however soon it is let go", async () => {
+      const page = await openLive(browser, file("flick.html"), example("bounce.ma"));
+      const found = (await aim(page))!;
+      const first = await placeOf(page, found);
+      await page.locator(".viewport .overlay").evaluate((canvas, { x, y }) => {
+        const send = (type: string, dx: number) => canvas.dispatchEvent(new PointerEvent(type, {
+          clientX: x + dx, clientY: y, button: 0, buttons: type === "pointerup" ? 0 : 1, pointerId: 1, bubbles: true,
+        }));
+        HTMLElement.prototype.setPointerCapture = () => {}; // there is no real pointer to capture
+        send("pointerdown", 0);
+        send("pointermove", 50);
+        send("pointerup", 50);
+      }, found.at);
+      await step(page, "undoes");
+      expect((await placeOf(page, found))[0]).not.toBe(first[0]);
+    });
   });
 });
 

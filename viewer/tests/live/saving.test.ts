@@ -2,7 +2,7 @@
 
 import { readFileSync, writeFileSync } from "node:fs";
 import type { Page } from "playwright-core";
-import { expect, test } from "vitest";
+import { describe, expect, test } from "vitest";
 import { useBrowser } from "../support/browser";
 import { temporaryFolder } from "../support/files";
 import { aim, CHANNELS, dragBy, keysAsEdits, step } from "../support/handles";
@@ -29,77 +29,79 @@ async function saveAs(page: Page, form: string): Promise<SavedFile> {
   return savedBy(page, () => dialog(page).getByRole("button", { name: "Save", exact: true }).click());
 }
 
-describeLive("a scene in which a key was dragged", () => {
-  test("is saved as the curves that the native engine writes, which give the scene that had none the same trails", async () => {
-    const scene = example("bounce.ma");
-    const page = await openLive(browser, file("bounce.html"), scene);
-    const before = await shownBits(page);
-    await pull(page, "|ball", 38, [3, 9, -2]);
-    const shown = await shownBits(page);
-    expect(others(shown, before)).toEqual(["|ball"]);
-    const { name, content } = await saveAs(page, "Maya ASCII");
-    expect(name).toBe("bounce.curves.ma");
-    const written = nativeWritten(scene, await puttingKeys(page, "|ball", CHANNELS), "ma");
-    expect(content.equals(written.text)).toBe(true);
-    expect(still(scene)).not.toContain("animCurve");
-    writeFileSync(file("again.ma"), still(scene) + content.toString());
-    expect(others(shown, nativeBits(file("again.ma"), [], Object.keys(shown)))).toEqual([]);
+describe("the animation of an edited scene", () => {
+  describeLive("a scene in which a key was dragged", () => {
+    test("is saved as the curves that the native engine writes, which give the scene that had none the same trails", async () => {
+      const scene = example("bounce.ma");
+      const page = await openLive(browser, file("bounce.html"), scene);
+      const before = await shownBits(page);
+      await pull(page, "|ball", 38, [3, 9, -2]);
+      const shown = await shownBits(page);
+      expect(others(shown, before)).toEqual(["|ball"]);
+      const { name, content } = await saveAs(page, "Maya ASCII");
+      expect(name).toBe("bounce.curves.ma");
+      const written = nativeWritten(scene, await puttingKeys(page, "|ball", CHANNELS), "ma");
+      expect(content.equals(written.text)).toBe(true);
+      expect(still(scene)).not.toContain("animCurve");
+      writeFileSync(file("again.ma"), still(scene) + content.toString());
+      expect(others(shown, nativeBits(file("again.ma"), [], Object.keys(shown)))).toEqual([]);
+    });
+
+    test("is saved as the script that the native engine writes", async () => {
+      const page = await openLive(browser, file("script.html"), example("bounce.ma"));
+      await pull(page, "|ball", 38, [3, 9, -2]);
+      const { name, content } = await saveAs(page, "Script for Maya");
+      expect(name).toBe("bounce.curves.py");
+      expect(content.equals(nativeWritten(example("bounce.ma"), await puttingKeys(page, "|ball", CHANNELS), "py").text)).toBe(true);
+    });
   });
 
-  test("is saved as the script that the native engine writes", async () => {
-    const page = await openLive(browser, file("script.html"), example("bounce.ma"));
-    await pull(page, "|ball", 38, [3, 9, -2]);
-    const { name, content } = await saveAs(page, "Script for Maya");
-    expect(name).toBe("bounce.curves.py");
-    expect(content.equals(nativeWritten(example("bounce.ma"), await puttingKeys(page, "|ball", CHANNELS), "py").text)).toBe(true);
+  const numbersOf = (list: string) => list.split(",").map(Number);
+
+  /** How far apart two lists of numbers are at the most; all of one object's. */
+  const apart = (a: readonly number[], b: readonly number[]) => {
+    expect(a.length).toBe(b.length);
+    return a.reduce((most, value, i) => Math.max(most, Math.abs(value - b[i])), 0);
+  };
+
+  describeLive("a figure of which a key was moved", () => {
+    test("is saved as the BVH that the native engine writes, in which it is where it was at every frame", async () => {
+      const [scene, hips] = [example("walk.bvh"), "|Hips"];
+      const page = await openLive(browser, file("walk.html"), scene);
+      const before = await shownBits(page);
+      await pull(page, hips, 12, [30, 80.25, -5]); // no pointer: the keys of a motion with one at every frame are not drawn
+      const shown = await shownBits(page);
+      expect(others(shown, before)).toContain(hips);
+      const { name, content } = await saveAs(page, "BVH");
+      expect(name).toBe("walk.bvh");
+      expect(content.equals(nativeWritten(scene, await puttingKeys(page, hips, CHANNELS), "bvh").text)).toBe(true);
+      writeFileSync(file("walked.bvh"), content);
+      const read = nativeBits(file("walked.bvh"), [], Object.keys(shown));
+      const atFrames = (points: string) => numbersOf(points).filter((_, i) => Math.floor(i / 3) % 2 === 0); // of two samples a frame
+      for (const source of Object.keys(shown)) expect(atFrames(read[source].points), source).toEqual(atFrames(shown[source].points));
+    });
   });
-});
 
-const numbersOf = (list: string) => list.split(",").map(Number);
-
-/** How far apart two lists of numbers are at the most; all of one object's. */
-const apart = (a: readonly number[], b: readonly number[]) => {
-  expect(a.length).toBe(b.length);
-  return a.reduce((most, value, i) => Math.max(most, Math.abs(value - b[i])), 0);
-};
-
-describeLive("a figure of which a key was moved", () => {
-  test("is saved as the BVH that the native engine writes, in which it is where it was at every frame", async () => {
-    const [scene, hips] = [example("walk.bvh"), "|Hips"];
-    const page = await openLive(browser, file("walk.html"), scene);
-    const before = await shownBits(page);
-    await pull(page, hips, 12, [30, 80.25, -5]); // no pointer: the keys of a motion with one at every frame are not drawn
-    const shown = await shownBits(page);
-    expect(others(shown, before)).toContain(hips);
-    const { name, content } = await saveAs(page, "BVH");
-    expect(name).toBe("walk.bvh");
-    expect(content.equals(nativeWritten(scene, await puttingKeys(page, hips, CHANNELS), "bvh").text)).toBe(true);
-    writeFileSync(file("walked.bvh"), content);
-    const read = nativeBits(file("walked.bvh"), [], Object.keys(shown));
-    const atFrames = (points: string) => numbersOf(points).filter((_, i) => Math.floor(i / 3) % 2 === 0); // of two samples a frame
-    for (const source of Object.keys(shown)) expect(atFrames(read[source].points), source).toEqual(atFrames(shown[source].points));
-  });
-});
-
-describeLive("a glTF scene in which a key was dragged", () => {
-  test("is saved as the file that the native engine writes, which gives the same trails to what 32 bits hold", async () => {
-    const scene = example("crane.gltf");
-    const page = await openLive(browser, file("crane.html"), scene);
-    const before = await shownBits(page);
-    const { source, at } = (await aim(page))!;
-    await dragBy(page, at, 37, -23);
-    await step(page, "undoes");
-    const shown = await shownBits(page);
-    expect(others(shown, before)).toContain(source);
-    const { name, content } = await saveAs(page, "glTF");
-    expect(name).toBe("crane.glb");
-    expect(content.equals(nativeWritten(scene, await keysAsEdits(page, source, CHANNELS), "glb").text)).toBe(true);
-    writeFileSync(file("craned.glb"), content);
-    const read = nativeBits(file("craned.glb"), [], Object.keys(shown));
-    for (const object of Object.keys(shown)) {
-      const wanted = numbersOf(shown[object].points);
-      expect(apart(numbersOf(read[object].points), wanted), object).toBeLessThanOrEqual(1e-6 * Math.max(...wanted.map(Math.abs)));
-    }
+  describeLive("a glTF scene in which a key was dragged", () => {
+    test("is saved as the file that the native engine writes, which gives the same trails to what 32 bits hold", async () => {
+      const scene = example("crane.gltf");
+      const page = await openLive(browser, file("crane.html"), scene);
+      const before = await shownBits(page);
+      const { source, at } = (await aim(page))!;
+      await dragBy(page, at, 37, -23);
+      await step(page, "undoes");
+      const shown = await shownBits(page);
+      expect(others(shown, before)).toContain(source);
+      const { name, content } = await saveAs(page, "glTF");
+      expect(name).toBe("crane.glb");
+      expect(content.equals(nativeWritten(scene, await keysAsEdits(page, source, CHANNELS), "glb").text)).toBe(true);
+      writeFileSync(file("craned.glb"), content);
+      const read = nativeBits(file("craned.glb"), [], Object.keys(shown));
+      for (const object of Object.keys(shown)) {
+        const wanted = numbersOf(shown[object].points);
+        expect(apart(numbersOf(read[object].points), wanted), object).toBeLessThanOrEqual(1e-6 * Math.max(...wanted.map(Math.abs)));
+      }
+    });
   });
 });
 

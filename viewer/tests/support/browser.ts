@@ -3,13 +3,16 @@
 
 import { pathToFileURL } from "node:url";
 import type { Browser, BrowserContextOptions, Page } from "playwright-core";
-import { afterAll, afterEach, beforeAll, beforeEach, expect, test } from "vitest";
+import { afterAll, afterEach, beforeAll, beforeEach, expect, test, type RunnerTask } from "vitest";
 import { IN_FIREFOX, launch } from "./launch";
 import { writePage } from "./page";
 import type { SceneInput } from "./trails";
 
-/** Of the tests that a `describe` holds, only the first is run: one of each kind, in a third of the time. */
+/** Of the tests that an outermost `describe` holds, only the first is run: one of each kind, in a third of the time. */
 const FIRST_ONLY = process.env.VANTORELIX_PAGE_TESTS === "first";
+
+const isFirst = (task: RunnerTask): boolean =>
+  task.suite?.type !== "suite" || (task === task.suite.tasks[0] && isFirst(task.suite));
 
 export interface OpenOptions extends BrowserContextOptions {
   /** What stands after the "#". */
@@ -68,7 +71,7 @@ export function useBrowser(): Opener {
   });
   afterAll(() => browser?.close());
   beforeEach(({ task, skip }) => {
-    if (FIRST_ONLY && task.suite?.type === "suite" && task !== task.suite.tasks[0]) skip("not the first of its group");
+    if (FIRST_ONLY && !isFirst(task)) skip("not the first of its group");
   });
   afterEach(async () => {
     for (const context of browser.contexts()) await context.close();
